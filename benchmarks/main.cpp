@@ -1,0 +1,83 @@
+/// \file
+/// Times every exported function beside memcpy and fill of the same bytes in the same run.
+///
+/// usage: q_Mur_bench [--check] [REGEX] [--benchmark_...]
+///
+/// With --check the rows are checked and not timed.
+#include "support/row.h"
+#include "support/table.h"
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::string processorName() {
+    std::ifstream info("/proc/cpuinfo");
+    for (std::string line; std::getline(info, line);) {
+        if (line.starts_with("model name"))
+            return line.substr(line.find(':') + 2);
+    }
+    return "unknown";
+}
+
+std::string cacheSizes() {
+    std::string text;
+    for (const benchmark::CPUInfo::CacheInfo &cache : benchmark::CPUInfo::Get().caches) {
+        if (cache.type != "Instruction")
+            text += ", L" + std::to_string(cache.level) + " " + std::to_string(cache.size / 1024) + " KiB";
+    }
+    return text;
+}
+
+std::string machine() {
+    return processorName() + ", " + std::to_string(benchmark::CPUInfo::Get().num_cpus) + " in use" + cacheSizes();
+}
+
+void describe(const std::string &key, const std::string &value) {
+    benchmark::AddCustomContext(key, value);
+    std::printf("%-10s %s\n", key.c_str(), value.c_str());
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    std::vector<std::string> options = {argv[0], "--benchmark_repetitions=7", "--benchmark_min_time=0.02",
+                                        "--benchmark_enable_random_interleaving=true"};
+    bool checkOnly = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (argument == "--check") {
+            checkOnly = true;
+            options.insert(options.end(), {"--benchmark_repetitions=1", "--benchmark_min_time=0"});
+            continue;
+        }
+        // A bare word selects rows; what they are compared with is always along.
+        options.push_back(argument.starts_with("-") ? argument : "--benchmark_filter=^(memcpy|fill)/|" + argument);
+    }
+    std::vector<char *> arguments;
+    for (std::string &option : options)
+        arguments.push_back(option.data());
+    int count = static_cast<int>(arguments.size());
+    benchmark::Initialize(&count, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
+        return 2;
+
+    Init_qMur_GlobalData(nullptr, nullptr);
+    describe("machine", machine());
+    describe("compiler", Q_MUR_BENCH_COMPILER);
+    describe("flags", Q_MUR_BENCH_FLAGS);
+    std::fflush(stdout);
+
+    bench::addBaselines();
+    bench::addFrameRows();
+    bench::addBlitRows();
+    bench::addWarpRows();
+    bench::addFilterRows();
+    bench::Table table(checkOnly);
+    benchmark::RunSpecifiedBenchmarks(&table);
+    benchmark::Shutdown();
+    return table.allRight() ? 0 : 1;
+}

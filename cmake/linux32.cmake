@@ -1,0 +1,5 @@
+# i386 on an x86-64 Linux machine (g++-multilib).
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR i686)
+set(CMAKE_CXX_FLAGS_INIT "-m32")
+set(CMAKE_CROSSCOMPILING_EMULATOR "")

@@ -1,0 +1,11 @@
+#include "effect.h"
+
+namespace show {
+
+void Effect::prepare(int, int) {}
+
+void drawShot(Stage &stage, const Surface &out, const Shot &shot) {
+    shot.scene->render(stage, out, {shot, shot, shot.progress});
+}
+
+} // namespace show

@@ -1,0 +1,58 @@
+#include "../frame/pixel.h"
+#include "../frame/wide.h"
+#include "placement.h"
+#include "q_Mur/blit.h"
+
+#include <algorithm>
+
+namespace {
+
+using namespace qmur;
+
+/// Calls `store(pixel)` for every pixel of a rectangle in place.
+template <class Store>
+void forEachPixelOf(q_ulong *surface, Distance pitch, const tagRECT &rect, Store store) {
+    q_ulong *const first = pixelAt(surface, pitch, rect.left, rect.top);
+    const int width = widthOf(rect);
+    const int height = heightOf(rect);
+    for (Distance y = 0; y < height; ++y) {
+        q_ulong *const row = first + y * pitch;
+        for (Distance x = 0; x < width; ++x)
+            store(row[x]);
+    }
+}
+
+/// Sixteen pixels to a turn: a loop of a single vector store runs at full or half speed depending on where the linker
+/// puts it.
+void fillRow(q_ulong *row, Distance count, q_ulong colour) {
+    constexpr Distance turn = 16;
+    for (; count >= turn; count -= turn, row += turn)
+        std::fill_n(row, turn, colour);
+    std::fill_n(row, count, colour);
+}
+
+} // namespace
+
+void iFillRect(q_ulong *dst, tagRECT *rect, int pitch, q_ulong colour) {
+    const int width = widthOf(*rect);
+    const int height = heightOf(*rect);
+    if (width < 1 || height < 1)
+        return;
+    q_ulong *const first = pixelAt(dst, pitch, rect->left, rect->top);
+    if (pitch == width) {
+        fillRow(first, static_cast<Distance>(width) * height, colour);
+        return;
+    }
+    for (Distance y = 0; y < height; ++y)
+        fillRow(first + y * pitch, width, colour);
+}
+
+void iFadeOut32(q_ulong *dst, tagRECT *rect, int pitch, float factor) {
+    const auto scale = static_cast<q_ulong>(truncateToInt(static_cast<double>(factor) * 256));
+    if (scale == 0) {
+        // Meant as the gentlest fade step, not as a clear to black.
+        forEachPixelOf(dst, pitch, *rect, [](q_ulong &d) { d = (d >> 4 & 0x0F0F0F) * 15; });
+        return;
+    }
+    forEachPixelOf(dst, pitch, *rect, [scale](q_ulong &d) { d = blend256(0, 0, d, scale); });
+}

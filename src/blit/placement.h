@@ -1,0 +1,87 @@
+/// \file
+/// The walk of the unscaled blits: a rectangle of source pixels laid over destination pixels of the same size.
+#ifndef Q_MUR_BLIT_PLACEMENT_H
+#define Q_MUR_BLIT_PLACEMENT_H
+
+#include "../frame/surface.h"
+
+namespace qmur {
+
+/// Where the rows of a blit start and how far they reach.
+struct Placement {
+    q_ulong *dst;
+    Distance dstPitch;
+    const q_ulong *src;
+    Distance srcPitch;
+    int width;
+    int height;
+};
+
+/// A surface to write and one to read.
+struct Surfaces {
+    q_ulong *dst;
+    Distance dstPitch;
+    const q_ulong *src;
+    Distance srcPitch;
+};
+
+/// `srcRect` with its corner on (dstX, dstY), unclipped.
+inline Placement placedAt(const Surfaces &surfaces, Distance dstX, Distance dstY, const tagRECT &srcRect) {
+    return {pixelAt(surfaces.dst, surfaces.dstPitch, dstX, dstY),
+            surfaces.dstPitch,
+            pixelAt(surfaces.src, surfaces.srcPitch, srcRect.left, srcRect.top),
+            surfaces.srcPitch,
+            widthOf(srcRect),
+            heightOf(srcRect)};
+}
+
+/// True for a span that stands for pixels. A negative extent near the least number gives one whose end has come round
+/// to the largest: its length does not.
+constexpr bool coversPixels(Span span) {
+    return !span.empty() && wrapSubtract(span.end, span.begin) > 0;
+}
+
+/// The part within `window` of a `target` whose corner shows the source pixel (srcX, srcY).
+inline Placement placedWithin(const Surfaces &surfaces, const Window &target, Distance srcX, Distance srcY,
+                              const Window &window) {
+    const Span columns = intersection(target.columns, window.columns);
+    const Span rows = intersection(target.rows, window.rows);
+    if (!coversPixels(target.columns) || !coversPixels(target.rows) || columns.empty() || rows.empty())
+        return {};
+    return {pixelAt(surfaces.dst, surfaces.dstPitch, columns.begin, rows.begin),
+            surfaces.dstPitch,
+            pixelAt(surfaces.src, surfaces.srcPitch, srcX + columns.begin - target.columns.begin,
+                    srcY + rows.begin - target.rows.begin),
+            surfaces.srcPitch,
+            columns.length(),
+            rows.length()};
+}
+
+/// The columns or rows that an extent covers around its centre: an odd extent loses its last one.
+constexpr Span centredSpan(int centre, int extent) {
+    return {wrapSubtract(centre, extent >> 1), wrapAdd(centre, extent >> 1)};
+}
+
+/// `srcRect` placed by its centre, within `window`.
+inline Placement centredAt(const Surfaces &surfaces, int centreX, int centreY, const tagRECT &srcRect,
+                           const Window &window) {
+    const Window target = {centredSpan(centreX, widthOf(srcRect)), centredSpan(centreY, heightOf(srcRect))};
+    return placedWithin(surfaces, target, srcRect.left, srcRect.top, window);
+}
+
+/// Calls `store(dst pixel, src pixel)` for every pixel, rows top to bottom, columns left to right.
+/// Pitches and counts are copied out first: read through memory, they would have to be read again after each store.
+template <class Store>
+void forEachPixel(const Placement &placement, Store store) {
+    const auto [firstDst, dstPitch, firstSrc, srcPitch, width, height] = placement;
+    for (Distance y = 0; y < height; ++y) {
+        q_ulong *const dst = firstDst + y * dstPitch;
+        const q_ulong *const src = firstSrc + y * srcPitch;
+        for (Distance x = 0; x < width; ++x)
+            store(dst[x], src[x]);
+    }
+}
+
+} // namespace qmur
+
+#endif

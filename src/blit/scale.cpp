@@ -1,0 +1,90 @@
+#include "q_Mur/blit.h"
+#include "scaling.h"
+
+namespace {
+
+using namespace qmur;
+
+constexpr auto copyPixel = [](q_ulong &d, q_ulong s) { d = s; };
+
+constexpr auto storeFiltered = [](q_ulong &d, ChannelSums sums) { d = sums.pixel(); };
+
+} // namespace
+
+void iBltNear32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, int dstPitch, int srcPitch) {
+    forEachNearest(scaledOnto<Unsigned12_20>(dst, dstPitch, *dstRect, src, srcPitch, *srcRect), copyPixel);
+}
+
+void iBltNear32Safe(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, tagRECT *clipRect, int dstPitch,
+                    int srcPitch) {
+    forEachNearest(scaledWithin<Signed12_20>(windowOf(*clipRect), dst, dstPitch, *dstRect, src, srcPitch, *srcRect),
+                   copyPixel);
+}
+
+void iBltBilinear32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
+                    q_ulong srcPitch) {
+    forEachFiltered(scaledOnto<Unsigned12_20>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect),
+                    storeFiltered);
+}
+
+void iBltBilinear32Safe(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
+                        q_ulong srcPitch) {
+    using Position = Unsigned12_20;
+    const auto walk = scaledOnto<Position>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect);
+    const Distance areaEnd = heightOf(*srcRect) * walk.srcPitch;
+    Position positionY;
+    for (Distance y = 0; y < walk.height; ++y, positionY = positionY.plus(walk.stepY)) {
+        const Distance offset = static_cast<Distance>(positionY.whole()) * walk.srcPitch;
+        const Distance lowerOffset = offset + walk.srcPitch;
+        // In a row, the pixels whose taps would come within a pixel of the area's end are copied as they are.
+        const Distance firstCopied = areaEnd - 2 - (offset < lowerOffset ? lowerOffset : offset);
+        const int filtered = countBefore(firstCopied, walk.stepX, walk.width);
+        const q_ulong *const row0 = walk.src + offset;
+        q_ulong *const dstRow = walk.dst + y * walk.dstPitch;
+        filterRow(dstRow, filtered, row0, walk.src + lowerOffset, positionY.sixteenths(), Position{}, walk.stepX,
+                  storeFiltered);
+        Position positionX = walk.stepX.times(filtered);
+        for (Distance x = filtered; x < walk.width; ++x, positionX = positionX.plus(walk.stepX))
+            dstRow[x] = row0[positionX.whole()];
+    }
+}
+
+void iBltAdaptive32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
+                    q_ulong srcPitch) {
+    const int dstWidth = widthOf(*dstRect);
+    const int dstHeight = heightOf(*dstRect);
+    const int srcWidth = widthOf(*srcRect);
+    const int srcHeight = heightOf(*srcRect);
+    const auto plainDstPitch = static_cast<int>(dstPitch);
+    const auto plainSrcPitch = static_cast<int>(srcPitch);
+    const int dstArea = wrapMultiply(wrapMultiply(2, dstWidth), dstHeight);
+    const int srcArea = wrapMultiply(wrapMultiply(3, srcWidth), srcHeight);
+    if (dstWidth == srcWidth && dstHeight == srcHeight)
+        iBltFast32(dst, src, static_cast<q_ulong>(dstRect->left), static_cast<q_ulong>(dstRect->top), srcRect,
+                   plainDstPitch, plainSrcPitch);
+    else if (dstArea >= srcArea)
+        iBltBilinear32Safe(dst, src, dstRect, srcRect, dstPitch, srcPitch);
+    else
+        iBltNear32(dst, src, dstRect, srcRect, plainDstPitch, plainSrcPitch);
+}
+
+void iBltPerfect32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch, q_ulong srcPitch) {
+    using Position = Signed15_17;
+    const int dstWidth = widthOf(*dstRect);
+    const int dstHeight = heightOf(*dstRect);
+    if (dstWidth == 0 || dstHeight == 0)
+        return;
+    // The phase within a pixel, from sixteenths to the fraction bits of a position.
+    const auto startOf = [](q_long srcEdge, q_long dstEdge) {
+        return Position{static_cast<q_ulong>((srcEdge & 15) - (dstEdge & 15)) << (Position::fraction - 4)};
+    };
+    const Distance dstStride = asDistance(dstPitch);
+    const Distance srcStride = asDistance(srcPitch);
+    forEachFiltered(ScaledWalk<Position>{pixelAt(dst, dstStride, dstRect->left / 16, dstRect->top / 16), dstStride,
+                                         pixelAt(src, srcStride, srcRect->left / 16, srcRect->top / 16), srcStride,
+                                         dstWidth / 16 + 1, dstHeight / 16 + 1, startOf(srcRect->left, dstRect->left),
+                                         startOf(srcRect->top, dstRect->top),
+                                         Position::step(widthOf(*srcRect), dstWidth),
+                                         Position::step(heightOf(*srcRect), dstHeight)},
+                    storeFiltered);
+}

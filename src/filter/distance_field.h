@@ -1,0 +1,34 @@
+/// \file
+/// Distances to the nearest pixel of a kind, by rings around a point and for a whole block at once.
+#ifndef Q_MUR_FILTER_DISTANCE_FIELD_H
+#define Q_MUR_FILTER_DISTANCE_FIELD_H
+
+#include "../frame/surface.h"
+
+namespace qmur {
+
+/// What a search that has found nothing reports, and what it takes no distance above.
+constexpr int noDistance = 1000000;
+
+/// A block of words in which a pixel's neighbours are found by adding to its index. Nothing stops at the end of a row:
+/// beside the sides the neighbours belong to the rows above and below.
+struct LinearBlock {
+    const q_ulong *words;
+    Distance count;
+    Distance pitch;
+
+    bool isBlack(Distance index) const { return index >= 0 && index < count && words[index] == 0; }
+};
+
+/// The number of the first ring with a black word, from 1, around every word that is not black, and 0 for those that
+/// are: what FindNearBlackDistanceSquare() without a limit finds, in time that does not grow with the distance. Words
+/// that no black one can be found from get a number above `block.count`. From ring 708 on, where corners are as far as
+/// #noDistance and the search passes them over, they count here all the same.
+///
+/// The ring number is the chessboard distance on the index. It spreads from word to neighbouring word; two passes, down
+/// and up, settle nearly all of it, and they are repeated while anything changes.
+void findRings(const LinearBlock &block, int *rings);
+
+} // namespace qmur
+
+#endif

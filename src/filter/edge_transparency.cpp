@@ -1,0 +1,147 @@
+#include "../frame/pixel.h"
+#include "../frame/surface.h"
+#include "../frame/wide.h"
+#include "q_Mur/filter.h"
+
+#include <cmath>
+
+namespace {
+
+using namespace qmur;
+
+/// (low * (4096 - t) + high * t) / 4096, truncated, in each channel, for t from 0 to 4096.
+/// Meant: red is masked together with what a top byte leaves beside it, which disturbs red.
+constexpr q_ulong mix4096(q_ulong low, q_ulong high, q_ulong t) {
+    const q_ulong u = 4096 - t;
+    const q_ulong red = (low >> 12 & 0xFFFF0) * u + (high >> 12 & 0xFFFF0) * t;
+    const q_ulong green = greenOf(low) * u + greenOf(high) * t;
+    const q_ulong blue = blueOf(low) * u + blueOf(high) * t;
+    return (red & redMask) | ((green & 0xFF000) | blue >> 8) >> 4;
+}
+
+/// A line through `through` with its slope in 1/32768 of the other axis, and the strip around it.
+struct Strip {
+    int slope;
+    int band; ///< half the strip, measured along the inner walk
+    int ramp; ///< growth of the mix along the inner walk, in 1/4096 of its steps
+
+    /// Where the strip starts, on the line `distance` away from its fixed point.
+    int startAt(int distance, int fixedPoint) const {
+        return wrapAdd(wrapSubtract(wrapMultiply(distance, slope) >> 15, band), fixedPoint);
+    }
+};
+
+/// Divided in 64 bits: the least number over -1 would trap in 32.
+constexpr int slopeOf(int rise, int run) {
+    return static_cast<int>(static_cast<long long>(rise << 15) / run);
+}
+
+/// The part within `clip` of a stretch whose last pixel belongs to it. The clip must not be empty.
+constexpr Span includingLast(Span stretch, Span clip) {
+    return {larger(stretch.begin, clip.begin), smaller(stretch.end, clip.end - 1) + 1};
+}
+
+/// Mixes `count` pixels, `stride` apart, with a mix that starts at `value` and grows by the strip's ramp.
+void mixRun(q_ulong *out, const q_ulong *low, const q_ulong *high, Distance stride, int count, int value, int ramp) {
+    for (; count > 0; --count, out += stride, low += stride, high += stride, value = wrapAdd(value, ramp))
+        *out = mix4096(*low, *high, static_cast<q_ulong>(value / 4096));
+}
+
+} // namespace
+
+void Edge_Transparency(q_ulong *out, q_ulong *imageA, q_ulong *imageB, tagPOINT *p1, tagPOINT *p2, int edgeWidth,
+                       int pitch, int, int, int swapImages, tagRECT *clip) {
+    const int x1 = static_cast<int>(p1->x);
+    const int y1 = static_cast<int>(p1->y);
+    const int dx = wrapSubtract(static_cast<int>(p2->x), x1);
+    const int dy = wrapSubtract(static_cast<int>(p2->y), y1);
+    const Span columns = {smaller(x1, wrapAdd(x1, dx)), larger(x1, wrapAdd(x1, dx))};
+    const Span rows = {smaller(y1, wrapAdd(y1, dy)), larger(y1, wrapAdd(y1, dy))};
+    const int half = edgeWidth / 2;
+
+    struct Direction {
+        bool steep;
+        int band;
+    };
+    const Direction direction = atFullWidth([=] {
+        const Wide theta = arcTangent(rows.length(), columns.length());
+        const bool steep = truncateToInt(theta * 57.29577791868204) > 45;
+        const SineCosine unit = sineCosine(theta);
+        return Direction{steep, truncateToInt(half / (steep ? unit.sine : unit.cosine))};
+    });
+
+    const int rise = direction.steep ? dx : dy;
+    const int run = direction.steep ? dy : dx;
+    const Span clipColumns = columnsOf(*clip);
+    const Span clipRows = rowsOf(*clip);
+    // Without a direction, a width or a clip there is no strip.
+    if (run == 0 || direction.band == 0 || clipColumns.empty() || clipRows.empty())
+        return;
+
+    const q_ulong *const high = swapImages ? imageA : imageB;
+    const q_ulong *const low = swapImages ? imageB : imageA;
+    const Strip strip = {slopeOf(rise, run), direction.band, 16777216 / wrapMultiply(2, direction.band)};
+    const Span clipRowsButLast = {clipRows.begin, clipRows.end - 1};
+    const int extent = wrapMultiply(2, strip.band);
+
+    // Meant: either walk includes its last column and leaves out its last row.
+    if (direction.steep) {
+        const Span walked = intersection(rows, clipRowsButLast);
+        for (int y = walked.begin; y < walked.end; ++y) {
+            const int start = strip.startAt(wrapSubtract(y, y1), x1);
+            const Span across = includingLast({start, wrapAdd(start, extent)}, clipColumns);
+            if (across.empty())
+                continue;
+            const Distance index = static_cast<Distance>(y) * pitch + across.begin;
+            mixRun(out + index, low + index, high + index, 1, across.length(),
+                   wrapMultiply(wrapSubtract(across.begin, start), strip.ramp), strip.ramp);
+        }
+    } else {
+        const Span walked = includingLast(columns, clipColumns);
+        for (int x = walked.begin; x < walked.end; ++x) {
+            const int start = strip.startAt(wrapSubtract(x, x1), y1);
+            const Span across = intersection({start, wrapAdd(start, extent)}, clipRowsButLast);
+            if (across.empty())
+                continue;
+            const Distance index = static_cast<Distance>(across.begin) * pitch + x;
+            mixRun(out + index, low + index, high + index, pitch, across.length(),
+                   wrapMultiply(wrapSubtract(across.begin, start), strip.ramp), strip.ramp);
+        }
+    }
+}
+
+void Edge_Transparency_Circle(q_ulong *out, q_ulong *imageA, q_ulong *imageB, tagPOINT *centre, int radius, int band,
+                              int width, int height, int pitch) {
+    const int centreX = static_cast<int>(centre->x);
+    const int centreY = static_cast<int>(centre->y);
+    const int outer = wrapAdd(radius, band);
+    const int inner = larger(wrapSubtract(radius, band), 0);
+    const int outerSquare = wrapMultiply(outer, outer);
+    const int innerSquare = wrapMultiply(inner, inner);
+    const int bandWidth = wrapMultiply(2, band);
+    if (bandWidth == 0)
+        return;
+    const int scale = 134217728 / bandWidth;
+    for (int y = 0; y < height; ++y) {
+        const int dy = wrapSubtract(y, centreY);
+        const int dySquare = wrapMultiply(dy, dy);
+        const Distance row = static_cast<Distance>(y) * pitch;
+        for (int x = 0; x < width; ++x) {
+            const int dx = wrapSubtract(x, centreX);
+            const int square = wrapAdd(wrapMultiply(dx, dx), dySquare);
+            q_ulong &d = out[row + x];
+            const q_ulong a = imageA[row + x];
+            const q_ulong b = imageB[row + x];
+            if (square >= outerSquare) {
+                d = b;
+            } else if (square <= innerSquare) {
+                d = a;
+            } else {
+                // The double root of a 32-bit number truncates as the exact root does.
+                const int distance = truncateToInt(std::sqrt(static_cast<double>(square)));
+                const auto t = static_cast<q_ulong>(wrapMultiply(wrapSubtract(outer, distance), scale)) >> 15;
+                d = mix4096(b, a, t);
+            }
+        }
+    }
+}

@@ -1,0 +1,14 @@
+/// \file
+/// Further names of one body.
+#ifndef Q_MUR_FRAME_ALIAS_H
+#define Q_MUR_FRAME_ALIAS_H
+
+/// Makes a declared function another name of `body`, an extern "C" function defined in the same file. The signatures
+/// may differ as far as they pass alike at the interface.
+#define Q_MUR_ALIAS_OF(body) __attribute__((alias(#body)))
+
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wattribute-alias"
+#endif
+
+#endif

@@ -1,0 +1,11 @@
+#include "alias.h"
+#include "q_Mur/blit.h"
+#include "q_Mur/filter.h"
+
+// Three names that hosts link against and that draw nothing: one empty body.
+
+extern "C" void q_MurEmptyBody() {}
+
+void Blur_Ring(q_ulong *, tagPOINT, int, int, int, int) Q_MUR_ALIAS_OF(q_MurEmptyBody);
+void Blur_Parallelogram(q_ulong *, int, int, int, int, int, int, tagRECT *, int, int) Q_MUR_ALIAS_OF(q_MurEmptyBody);
+void i3DBltNear32() Q_MUR_ALIAS_OF(q_MurEmptyBody);

@@ -1,0 +1,149 @@
+/// \file
+/// Floating point at full width, and the one conversion from a real number to an int.
+///
+/// Where the library promises "full width" it means the x87 format with its 64-bit mantissa. Two things would break
+/// that promise silently and are dealt with here: a host or a thread of Windows starts with the unit's precision
+/// control at 53 bits, and the platforms' long double sine, cosine and tangent differ in the last bit, whereas the
+/// processor's own instructions are the same under every compiler and system.
+#ifndef Q_MUR_FRAME_WIDE_H
+#define Q_MUR_FRAME_WIDE_H
+
+#include <cmath>
+#include <utility>
+
+#if defined(__GNUC__) && (defined(__i386__) || defined(__x86_64__))
+#define Q_MUR_X87 1
+#else
+#define Q_MUR_X87 0
+#endif
+
+namespace qmur {
+
+/// The widest floating format of the platform.
+using Wide = long double;
+
+/// A sine and a cosine of one angle.
+struct SineCosine {
+    Wide sine;
+    Wide cosine;
+};
+
+namespace detail {
+
+/// Calls `compute` where the compiler can neither move its arithmetic out nor see through it.
+template <class Compute>
+[[gnu::noinline]] auto outOfLine(Compute &compute) {
+#if Q_MUR_X87
+    asm volatile("" ::: "memory");
+#endif
+    return compute();
+}
+
+#if Q_MUR_X87
+/// The state of the unit that the format is made for: 64 bits, rounded to nearest, no exception taken.
+class FullPrecision {
+public:
+    FullPrecision() {
+        asm volatile("fnstcw %0" : "=m"(before));
+        if (before != full)
+            asm volatile("fldcw %0" : : "m"(full) : "memory");
+    }
+    ~FullPrecision() {
+        if (before != full) // a host that takes exceptions must not be handed ours
+            asm volatile("fnclex\n\tfldcw %0" : : "m"(before) : "memory");
+    }
+    FullPrecision(const FullPrecision &) = delete;
+    FullPrecision &operator=(const FullPrecision &) = delete;
+
+private:
+    static constexpr unsigned short full = 0x37F;
+    unsigned short before;
+};
+#endif
+
+/// Brings an angle into the range of the processor's instructions, which end at 2^63.
+inline Wide reducedAngle(Wide angle) {
+    constexpr Wide limit = 0x1p63L;
+    constexpr Wide fullCircle = 6.283185307179586476925286766559L;
+    return angle < limit && angle > -limit ? angle : std::fmod(angle, fullCircle);
+}
+
+} // namespace detail
+
+/// Runs `compute` with the floating unit at its full precision and returns what it returns.
+/// All arithmetic on #Wide values stands inside such a call; its result should be ints, floats or doubles.
+template <class Compute>
+auto atFullWidth(Compute compute) {
+#if Q_MUR_X87
+    const detail::FullPrecision fullPrecision;
+#endif
+    return detail::outOfLine(compute);
+}
+
+inline SineCosine sineCosine(Wide angle) {
+    angle = detail::reducedAngle(angle);
+    SineCosine result;
+#if Q_MUR_X87
+    asm("fsincos" : "=t"(result.cosine), "=u"(result.sine) : "0"(angle));
+#else
+    result = {std::sin(angle), std::cos(angle)};
+#endif
+    return result;
+}
+
+inline Wide tangent(Wide angle) {
+    angle = detail::reducedAngle(angle);
+#if Q_MUR_X87
+    Wide result;
+    Wide one;
+    asm("fptan" : "=t"(one), "=u"(result) : "0"(angle));
+    return result;
+#else
+    return std::tan(angle);
+#endif
+}
+
+/// The angle of the point (x, y), from -pi to pi.
+inline Wide arcTangent(Wide y, Wide x) {
+#if Q_MUR_X87
+    Wide result;
+    asm("fpatan" : "=t"(result) : "0"(x), "u"(y) : "st(1)");
+    return result;
+#else
+    return std::atan2(y, x);
+#endif
+}
+
+/// e to the power of `value`, 0 where that is too small to matter.
+inline Wide exponential(Wide value) {
+    if (value < -11000)
+        return 0;
+#if Q_MUR_X87
+    const Wide power = value * 1.442695040888963407359924681001892137L; // log2(e)
+    const Wide whole = std::nearbyint(power);
+    Wide fraction;
+    Wide result;
+    asm("f2xm1" : "=t"(fraction) : "0"(power - whole));
+    asm("fscale" : "=t"(result) : "0"(fraction + 1), "u"(whole));
+    return result;
+#else
+    return std::exp(value);
+#endif
+}
+
+inline Wide squareRoot(Wide value) {
+    return std::sqrt(value);
+}
+
+/// Truncates toward zero to 64 bits and keeps the low 32; what 64 bits cannot hold gives 0.
+template <class Real>
+int truncateToInt(Real value) {
+    constexpr Real limit = static_cast<Real>(0x1p63);
+    if (!(value >= -limit && value < limit))
+        return 0;
+    return static_cast<int>(static_cast<unsigned>(static_cast<unsigned long long>(static_cast<long long>(value))));
+}
+
+} // namespace qmur
+
+#endif

@@ -1,0 +1,173 @@
+#include "../frame/surface.h"
+#include "outline.h"
+#include "q_Mur/textured.h"
+#include "span_mappers.h"
+
+namespace {
+
+using namespace qmur;
+
+/// The bits of a mode that are looked at, and the four modes.
+constexpr q_ulong modeMask = 0xFFFF0;
+constexpr q_ulong interpolatedLight = 0x200;
+constexpr q_ulong keyed = 0x10100;
+constexpr q_ulong plainTexels = 0x1010;
+constexpr q_ulong flatLight = 0x2210;
+
+/// The mapper of a mode, and the nearest one that takes its place where the texture is shrunk. Null means none.
+template <class Mapper>
+struct MapperChoice {
+    Mapper mapper;
+    Mapper shrunk;
+};
+
+MapperChoice<QM3DSpanMapper> olderChoice(q_ulong flags) {
+    switch (flags & modeMask) {
+    case interpolatedLight:
+        return {mapLinearHPE, mapNearHPE};
+    case keyed:
+        return {mapLinearHPEKeySrc, nullptr};
+    case plainTexels:
+        return {mapNearNoLightNoHPE, nullptr};
+    case flatLight:
+        return {mapLinearNoHPE, mapNearNoHPE};
+    default:
+        return {};
+    }
+}
+
+MapperChoice<QMGLSpanMapper> pipelineChoice(q_ulong flags) {
+    switch (flags & modeMask) {
+    case interpolatedLight:
+        return {VKD_i3D_Mapping_Linear_HPE, VKD_i3D_Mapping_Near_HPE};
+    case keyed:
+        return {VKD_i3D_Mapping_Linear_HPE_KeySrc, nullptr};
+    default:
+        return {};
+    }
+}
+
+/// The distance between the least and the greatest of a value over all corners.
+template <std::size_t count>
+int extentOf(const std::array<Corner, count> &corners, int Corner::*value) {
+    int least = corners[0].*value;
+    int greatest = least;
+    for (const Corner &corner : corners) {
+        least = smaller(least, corner.*value);
+        greatest = larger(greatest, corner.*value);
+    }
+    return wrapSubtract(greatest, least);
+}
+
+/// Whether more than one texel, of 16 by 16 units, comes to two pixels of the bounding box.
+template <std::size_t count>
+bool isShrunk(const std::array<Corner, count> &corners) {
+    const int texArea = wrapMultiply(extentOf(corners, &Corner::u), extentOf(corners, &Corner::v));
+    const int screenArea = wrapMultiply(extentOf(corners, &Corner::x), extentOf(corners, &Corner::y));
+    return texArea > wrapMultiply(screenArea, 128);
+}
+
+/// Fills the slot. False if the mode has no mapper: the slot stays as it is.
+template <class Mapper, std::size_t count>
+bool selectMapper(Mapper &slot, MapperChoice<Mapper> choice, std::array<Corner, count> &corners) {
+    if (!choice.mapper)
+        return false;
+    if (!choice.shrunk || !isShrunk(corners)) {
+        slot = choice.mapper;
+        return true;
+    }
+    slot = choice.shrunk;
+    for (Corner &corner : corners) {
+        corner.u >>= 4;
+        corner.v >>= 4;
+    }
+    return true;
+}
+
+/// Where to draw and from which texture.
+struct Scene {
+    q_ulong *dst;
+    q_ulong *tex;
+    tagRECT *clip;
+    q_ulong dstPitch;
+    q_ulong texPitch;
+};
+
+/// Hands the bands to the mapper in the slot.
+template <class Data, std::size_t count>
+void mapBands(Data &data, const Scene &scene, const std::array<Corner, count> &corners) {
+    const auto mapper = data.spanMapper;
+    if (!mapper)
+        return;
+    forEachBand(corners, [&](const Edge &left, const Edge &right) {
+        const auto [l0, l1] = left;
+        const auto [r0, r1] = right;
+        mapper(&data, scene.dst, scene.tex, scene.clip, scene.dstPitch, scene.texPitch, l0.u, l1.u, r0.u, r1.u, l0.v,
+               l1.v, r0.v, r1.v, l0.x, l1.x, r0.x, r1.x, l0.y, l1.y, r0.y, r1.y, l0.add, l1.add, r0.add, r1.add, l0.mul,
+               l1.mul, r0.mul, r1.mul, l0.z, l1.z, r0.z, r1.z);
+    });
+}
+
+template <class Data, class Mapper>
+void drawQuad(Data &data, const Scene &scene, Quad corners, MapperChoice<Mapper> choice) {
+    sortByHeight(corners);
+    if (corners[3].y < scene.clip->top || scene.clip->bottom < corners[0].y)
+        return;
+    if (selectMapper(data.spanMapper, choice, corners))
+        mapBands(data, scene, corners);
+}
+
+/// The corners from top to bottom. Meant: the first two are compared as they are given; the third, as it is given, with
+/// the other two in whole pixels.
+Triangle sortedTriangle(float y0, float y1, float y2, const Corner &c0, const Corner &c1, const Corner &c2) {
+    const bool inOrder = y0 < y1;
+    const Corner &first = inOrder ? c0 : c1;
+    const Corner &second = inOrder ? c1 : c0;
+    if (static_cast<float>(second.y) < y2)
+        return {first, second, c2};
+    if (static_cast<float>(first.y) < y2)
+        return {first, c2, second};
+    return {c2, first, second};
+}
+
+} // namespace
+
+void i3D_Blt_Rect(_PRIVATE_QM3D_DATA *data, q_ulong *dst, _POINT3DFLOAT *p0, _POINT3DFLOAT *p1, _POINT3DFLOAT *p2,
+                  _POINT3DFLOAT *p3, q_ulong *tex, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2, _POINTINT *t3,
+                  tagRECT *clip, q_ulong dstPitch, q_ulong texPitch, int add0, int add1, int add2, int add3, int mul0,
+                  int mul1, int mul2, int mul3, q_ulong flags) {
+    drawQuad(*data, {dst, tex, clip, dstPitch, texPitch},
+             {cornerOf(*p0, *t0, add0, mul0), cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2),
+              cornerOf(*p3, *t3, add3, mul3)},
+             olderChoice(flags));
+}
+
+void VKD_i3D_Blt_Rect(_PRIVATE_QMGL_DATA *data, q_ulong *dst, _POINT3DFLOAT *p0, _POINT3DFLOAT *p1, _POINT3DFLOAT *p2,
+                      _POINT3DFLOAT *p3, q_ulong *tex, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2, _POINTINT *t3,
+                      tagRECT *clip, q_ulong dstPitch, q_ulong texPitch, int add0, int add1, int add2, int add3,
+                      int mul0, int mul1, int mul2, int mul3, q_ulong flags) {
+    drawQuad(*data, {dst, tex, clip, dstPitch, texPitch},
+             {cornerOf(*p0, *t0, add0, mul0), cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2),
+              cornerOf(*p3, *t3, add3, mul3)},
+             pipelineChoice(flags));
+}
+
+void i3D_Blt_Tri(_PRIVATE_QM3D_DATA *data, q_ulong *dst, _POINT3DFLOAT *p0, _POINT3DFLOAT *p1, _POINT3DFLOAT *p2,
+                 q_ulong *tex, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2, tagRECT *clip, q_ulong dstPitch,
+                 q_ulong texPitch, int add0, int add1, int add2, int mul0, int mul1, int mul2, q_ulong flags) {
+    Triangle corners = sortedTriangle(p0->y, p1->y, p2->y, cornerOf(*p0, *t0, add0, mul0),
+                                      cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2));
+    if (selectMapper(data->spanMapper, olderChoice(flags), corners))
+        mapBands(*data, {dst, tex, clip, dstPitch, texPitch}, corners);
+}
+
+void VKD_i3D_Blt_Tri(_PRIVATE_QMGL_DATA *data, q_ulong *dst, _POINT3DFLOAT *p0, _POINT3DFLOAT *p1, _POINT3DFLOAT *p2,
+                     q_ulong *tex, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2, tagRECT *clip, q_ulong dstPitch,
+                     q_ulong texPitch, int add0, int add1, int add2, int mul0, int mul1, int mul2, q_ulong flags) {
+    Triangle corners = sortedTriangle(p0->y, p1->y, p2->y, cornerOf(*p0, *t0, add0, mul0),
+                                      cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2));
+    // Meant: in any other mode the mapper of an earlier call draws.
+    if ((flags & modeMask) == interpolatedLight)
+        selectMapper(data->spanMapper, pipelineChoice(flags), corners);
+    mapBands(*data, {dst, tex, clip, dstPitch, texPitch}, corners);
+}

@@ -1,0 +1,273 @@
+#include "span_mappers.h"
+
+#include "../frame/sampling.h"
+#include "../frame/surface.h"
+#include "lanes.h"
+#include "q_Mur/textured.h"
+
+namespace {
+
+using namespace qmur;
+
+enum class Sampling { nearest, filtered };
+enum class Light { none, flat, interpolated };
+enum class Depth { untested, tested, testedBehindNearLimit };
+enum class Key { none, zero };
+enum class Red { byte, upperHalf };
+
+/// What a mapper does. The fraction bits are those of all values that it walks.
+struct Mapping {
+    int fractionBits;
+    Sampling sampling;
+    Light light;
+    Depth depth;
+    Key key = Key::none;
+    Red red = Red::byte;
+};
+
+// The fraction bits differ from mapper to mapper, and with them the range of coordinates.
+constexpr Mapping olderLinearHPE = {16, Sampling::filtered, Light::interpolated, Depth::tested};
+constexpr Mapping olderLinearHPEKeySrc = {16, Sampling::filtered, Light::interpolated, Depth::tested, Key::zero};
+constexpr Mapping olderNearHPE = {18, Sampling::nearest, Light::interpolated, Depth::tested};
+constexpr Mapping olderLinearNoHPE = {18, Sampling::filtered, Light::flat, Depth::untested};
+constexpr Mapping olderNearNoHPE = {18, Sampling::nearest, Light::flat, Depth::untested};
+constexpr Mapping olderNearNoLightNoHPE = {18, Sampling::nearest, Light::none, Depth::untested};
+constexpr Mapping pipelineLinearHPE = {14, Sampling::filtered, Light::interpolated, Depth::testedBehindNearLimit};
+// Meant: neither the near limit nor the 14 bits of its sibling.
+constexpr Mapping pipelineLinearHPEKeySrc = olderLinearHPEKeySrc;
+// Meant: red is the upper half of the texel, so that a top byte runs it full.
+constexpr Mapping pipelineNearHPE = {12,        Sampling::nearest, Light::interpolated, Depth::testedBehindNearLimit,
+                                     Key::none, Red::upperHalf};
+
+/// Truncates toward zero. The least number over -1 wraps instead of trapping.
+constexpr int quotient(int value, int divisor) {
+    return divisor == -1 ? wrapSubtract(0, value) : value / divisor;
+}
+
+constexpr int oneIfZero(int value) {
+    return value == 0 ? 1 : value;
+}
+
+/// A number that grows by a step, in fixed point.
+struct Running {
+    int value;
+    int step;
+
+    void advance() { value = wrapAdd(value, step); }
+};
+
+constexpr Running startedAt(int start, int step, int steps) {
+    return {wrapAdd(start, wrapMultiply(steps, step)), step};
+}
+
+/// A quantity on the left and on the right edge at the row in hand.
+struct EdgePair {
+    Running left;
+    Running right;
+
+    void advance() {
+        left.advance();
+        right.advance();
+    }
+
+    /// The quantity along the row, `width` pixels long between the edges, from the pixel `skipped` behind its start on.
+    Running acrossRow(int width, int skipped) const {
+        return startedAt(left.value, quotient(wrapSubtract(right.value, left.value), width), skipped);
+    }
+};
+
+/// The quantities of a pixel, along a row: the depth, and side by side u, v, the multiplier and the highlight.
+struct PixelWalk {
+    Running z;
+    Lanes values;
+    Lanes steps;
+
+    void advance() {
+        z.advance();
+        values += steps;
+    }
+};
+
+/// The same and the column, along both edges.
+struct EdgeWalk {
+    EdgePair x;
+    EdgePair u;
+    EdgePair v;
+    EdgePair z;
+    EdgePair add;
+    EdgePair mul;
+
+    void advance() {
+        x.advance();
+        u.advance();
+        v.advance();
+        z.advance();
+        add.advance();
+        mul.advance();
+    }
+
+    PixelWalk acrossRow(int width, int skipped) const {
+        const Running rowU = u.acrossRow(width, skipped);
+        const Running rowV = v.acrossRow(width, skipped);
+        const Running rowMul = mul.acrossRow(width, skipped);
+        const Running rowAdd = add.acrossRow(width, skipped);
+        return {z.acrossRow(width, skipped), lanesOf(rowU.value, rowV.value, rowMul.value, rowAdd.value),
+                lanesOf(rowU.step, rowV.step, rowMul.step, rowAdd.step)};
+    }
+};
+
+/// A filtered colour, lit with signed products.
+inline q_ulong litColour(q_ulong colour, Lanes mul, Lanes add) {
+    return packedPixel(asUnsigned(asSigned(channelsOf(colour) * mul) >> 8) + add);
+}
+
+/// A texel, lit with unsigned products: a negative multiplier gives full channels. Green is multiplied in its place,
+/// where 24 bits are left for the product.
+template <Red redSource>
+q_ulong litTexel(q_ulong texel, Lanes mul, Lanes add) {
+    Lanes channels = channelsOf(texel);
+    if constexpr (redSource == Red::upperHalf)
+        channels[2] = static_cast<unsigned>(texel) >> 16;
+    return packedPixel(((channels * mul & Lanes{~0U, 0xFFFFFF, ~0U, 0}) >> 8) + add);
+}
+
+/// What the pixels of a call share.
+struct Scene {
+    const q_ulong *tex;
+    Distance texPitch;
+    Lanes flatMul;
+    Lanes flatAdd;
+    int nearLimit;
+};
+
+/// Draws the pixels of a row. A pixel that is left out keeps its colour and its depth.
+template <Mapping mapping>
+void drawRow(q_ulong *dst, short *depths, Span pixels, PixelWalk walk, Scene scene) {
+    constexpr int fractionBits = mapping.fractionBits;
+    for (int x = pixels.begin; x < pixels.end; ++x, walk.advance()) {
+        const int depth = walk.z.value >> fractionBits;
+        if constexpr (mapping.depth == Depth::testedBehindNearLimit) {
+            if (depth <= scene.nearLimit)
+                continue;
+        }
+        if constexpr (mapping.depth != Depth::untested) {
+            if (depth >= depths[x])
+                continue;
+        }
+
+        const SignedLanes whole = asSigned(walk.values) >> fractionBits;
+        const int u = whole[0];
+        const int v = whole[1];
+        const Lanes mul = mapping.light == Light::flat ? scene.flatMul : broadcast<2>(asUnsigned(whole));
+        const Lanes add = mapping.light == Light::flat ? scene.flatAdd : broadcast<3>(asUnsigned(whole));
+        if constexpr (mapping.sampling == Sampling::filtered) {
+            const q_ulong *const upper = pixelAt(scene.tex, scene.texPitch, u >> 4, v >> 4);
+            const q_ulong *const lower = upper + scene.texPitch;
+            if constexpr (mapping.key == Key::zero) {
+                if ((upper[0] | upper[1] | lower[0] | lower[1]) == 0)
+                    continue;
+            }
+            const ChannelSums sums = fourTaps(upper, lower, static_cast<q_ulong>(u & 15), static_cast<q_ulong>(v & 15));
+            dst[x] = litColour(sums.pixel(), mul, add);
+        } else {
+            const q_ulong texel = *pixelAt(scene.tex, scene.texPitch, u, v);
+            dst[x] = mapping.light == Light::none ? texel : litTexel<mapping.red>(texel, mul, add);
+        }
+        if constexpr (mapping.depth != Depth::untested)
+            depths[x] = static_cast<short>(depth);
+    }
+}
+
+/// The one walk of all mappers. What a mapping does not use stands still at 0, and the compiler leaves it out.
+template <Mapping mapping, class Data>
+void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstPitch, q_ulong texPitch, int uL0,
+             int uL1, int uR0, int uR1, int vL0, int vL1, int vR0, int vR1, int xL0, int xL1, int xR0, int xR1, int yL0,
+             int yL1, int yR0, int yR1, int addL0, int addL1, int addR0, int addR1, int mulL0, int mulL1, int mulR0,
+             int mulR1, int zL0, int zL1, int zR0, int zR1) {
+    constexpr int fractionBits = mapping.fractionBits;
+    constexpr bool testsDepth = mapping.depth != Depth::untested;
+
+    const Span columns = columnsOf(*clip);
+    const Span rows = intersection(intersection({yL0, yL1}, {yR0, yR1}), rowsOf(*clip));
+    if (rows.empty())
+        return;
+
+    // Each edge runs over its own height, whichever of its rows are drawn.
+    const auto edge = [rows](int value0, int value1, int y0, int y1) {
+        const int step = quotient(wrapSubtract(value1, value0) << fractionBits, oneIfZero(wrapSubtract(y1, y0)));
+        return startedAt(value0 << fractionBits, step, wrapSubtract(rows.begin, y0));
+    };
+    const auto edges = [=](int left0, int left1, int right0, int right1) {
+        return EdgePair{edge(left0, left1, yL0, yL1), edge(right0, right1, yR0, yR1)};
+    };
+    EdgeWalk walk = {};
+    walk.x = edges(xL0, xL1, xR0, xR1);
+    walk.u = edges(uL0, uL1, uR0, uR1);
+    walk.v = edges(vL0, vL1, vR0, vR1);
+    if constexpr (testsDepth)
+        walk.z = edges(zL0, zL1, zR0, zR1);
+    if constexpr (mapping.light == Light::interpolated) {
+        walk.add = edges(addL0, addL1, addR0, addR1);
+        walk.mul = edges(mulL0, mulL1, mulR0, mulR1);
+    }
+
+    Scene scene = {tex, asDistance(texPitch), lanesOf(mulL0, mulL0, mulL0, mulL0), lanesOf(addL0, addL0, addL0, addL0),
+                   0};
+    const Distance step = asDistance(dstPitch);
+    q_ulong *dstRow = dst + rows.begin * step;
+    short *depthRow = nullptr;
+    if constexpr (testsDepth)
+        depthRow = data->zBuffer + rows.begin * step;
+    if constexpr (mapping.depth == Depth::testedBehindNearLimit)
+        scene.nearLimit = data->nearLimit;
+
+    for (int y = rows.begin; y < rows.end; ++y, walk.advance(), dstRow += step) {
+        const int first = walk.x.left.value >> fractionBits;
+        const Span pixels = intersection({first, walk.x.right.value >> fractionBits}, columns);
+        if (!pixels.empty()) {
+            const int width = oneIfZero(wrapSubtract(walk.x.right.value, walk.x.left.value) >> fractionBits);
+            drawRow<mapping>(dstRow, depthRow, pixels, walk.acrossRow(width, pixels.begin - first), scene);
+        }
+        if constexpr (testsDepth)
+            depthRow += step;
+    }
+}
+
+} // namespace
+
+const QM3DSpanMapper qmur::mapLinearHPE = mapBand<olderLinearHPE>;
+const QM3DSpanMapper qmur::mapLinearHPEKeySrc = mapBand<olderLinearHPEKeySrc>;
+const QM3DSpanMapper qmur::mapNearHPE = mapBand<olderNearHPE>;
+const QM3DSpanMapper qmur::mapLinearNoHPE = mapBand<olderLinearNoHPE>;
+const QM3DSpanMapper qmur::mapNearNoHPE = mapBand<olderNearNoHPE>;
+const QM3DSpanMapper qmur::mapNearNoLightNoHPE = mapBand<olderNearNoLightNoHPE>;
+
+void VKD_i3D_Mapping_Linear_HPE(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstPitch,
+                                q_ulong texPitch, int uL0, int uL1, int uR0, int uR1, int vL0, int vL1, int vR0,
+                                int vR1, int xL0, int xL1, int xR0, int xR1, int yL0, int yL1, int yR0, int yR1,
+                                int addL0, int addL1, int addR0, int addR1, int mulL0, int mulL1, int mulR0, int mulR1,
+                                int zL0, int zL1, int zR0, int zR1) {
+    mapBand<pipelineLinearHPE>(data, dst, tex, clip, dstPitch, texPitch, uL0, uL1, uR0, uR1, vL0, vL1, vR0, vR1, xL0,
+                               xL1, xR0, xR1, yL0, yL1, yR0, yR1, addL0, addL1, addR0, addR1, mulL0, mulL1, mulR0,
+                               mulR1, zL0, zL1, zR0, zR1);
+}
+
+void VKD_i3D_Mapping_Linear_HPE_KeySrc(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip,
+                                       q_ulong dstPitch, q_ulong texPitch, int uL0, int uL1, int uR0, int uR1, int vL0,
+                                       int vL1, int vR0, int vR1, int xL0, int xL1, int xR0, int xR1, int yL0, int yL1,
+                                       int yR0, int yR1, int addL0, int addL1, int addR0, int addR1, int mulL0,
+                                       int mulL1, int mulR0, int mulR1, int zL0, int zL1, int zR0, int zR1) {
+    mapBand<pipelineLinearHPEKeySrc>(data, dst, tex, clip, dstPitch, texPitch, uL0, uL1, uR0, uR1, vL0, vL1, vR0, vR1,
+                                     xL0, xL1, xR0, xR1, yL0, yL1, yR0, yR1, addL0, addL1, addR0, addR1, mulL0, mulL1,
+                                     mulR0, mulR1, zL0, zL1, zR0, zR1);
+}
+
+void VKD_i3D_Mapping_Near_HPE(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstPitch,
+                              q_ulong texPitch, int uL0, int uL1, int uR0, int uR1, int vL0, int vL1, int vR0, int vR1,
+                              int xL0, int xL1, int xR0, int xR1, int yL0, int yL1, int yR0, int yR1, int addL0,
+                              int addL1, int addR0, int addR1, int mulL0, int mulL1, int mulR0, int mulR1, int zL0,
+                              int zL1, int zR0, int zR1) {
+    mapBand<pipelineNearHPE>(data, dst, tex, clip, dstPitch, texPitch, uL0, uL1, uR0, uR1, vL0, vL1, vR0, vR1, xL0, xL1,
+                             xR0, xR1, yL0, yL1, yR0, yR1, addL0, addL1, addR0, addR1, mulL0, mulL1, mulR0, mulR1, zL0,
+                             zL1, zR0, zR1);
+}

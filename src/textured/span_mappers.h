@@ -1,0 +1,20 @@
+/// \file
+/// The span mappers that have no exported name. All of them take `u` and `v` in sixteenths of a texel where they
+/// filter, in whole texels where they take the nearest.
+#ifndef Q_MUR_TEXTURED_SPAN_MAPPERS_H
+#define Q_MUR_TEXTURED_SPAN_MAPPERS_H
+
+#include "q_Mur/types.h"
+
+namespace qmur {
+
+extern const QM3DSpanMapper mapLinearHPE;        ///< filtered, light interpolated, Z plane tested
+extern const QM3DSpanMapper mapLinearHPEKeySrc;  ///< the same without pixels of which all texels are 0
+extern const QM3DSpanMapper mapNearHPE;          ///< nearest texel, light interpolated, Z plane tested
+extern const QM3DSpanMapper mapLinearNoHPE;      ///< filtered, light of the start of the left edge
+extern const QM3DSpanMapper mapNearNoHPE;        ///< nearest texel, light of the start of the left edge
+extern const QM3DSpanMapper mapNearNoLightNoHPE; ///< nearest texel as it is
+
+} // namespace qmur
+
+#endif

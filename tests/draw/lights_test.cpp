@@ -1,0 +1,233 @@
+#include "naive.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using naive::Number;
+using test::Case;
+using test::ClippedShape;
+using test::forEachCase;
+using test::Shape;
+using test::Surface;
+
+constexpr int greatest = std::numeric_limits<int>::max();
+
+/// The light wherever `mayWrite(x, y)`.
+template <class MayWrite>
+void naiveLight(Surface &s, int cx, int cy, int radius, q_ulong colour, q_ulong intensity, MayWrite mayWrite) {
+    if (radius < 1)
+        return;
+    const Number square = Number{radius} * radius;
+    naive::forAll(s, cx, cy, [&](q_ulong old, Number dx, Number dy, int x, int y) {
+        if (!mayWrite(x, y) || dy < -radius || dy >= radius)
+            return old;
+        const Number chordSquare = square - dy * dy;
+        const Number half = iSqrt[chordSquare / 16] / 256;
+        if (dx < -half || dx >= half)
+            return old;
+        const Number product = (chordSquare - dx * dx) * (1048576 / square);
+        return naive::added(old, colour, naive::unsigned32(product * intensity) >> 19, 8);
+    });
+}
+
+bool anywhere(int, int) {
+    return true;
+}
+
+void naiveLightSafe(Surface &s, const tagRECT &clip, int cx, int cy, int radius, q_ulong colour, q_ulong intensity) {
+    naiveLight(s, cx, cy, std::min(radius, 256), colour, intensity,
+               [&clip](int x, int y) { return naive::strictlyInside(clip, x, y); });
+}
+
+q_ulong anyIntensity(test::Random &random) {
+    return random.oneIn(4) ? random.word() : static_cast<q_ulong>(random.between(0, 300));
+}
+
+TEST(Draw_Light, an_intensity_of_128_is_the_full_colour_at_the_centre) {
+    Surface surface(17, 17, 0xFF000000);
+    Draw_Light(surface.pixels(), surface.pitch(), 8, 8, 8, 0x77804020, 128);
+    EXPECT_EQ(surface.at(8, 8), 0x804020u);
+    EXPECT_EQ(surface.at(12, 8), 0x603018u); // 48 / 64 of it
+    EXPECT_EQ(surface.at(8, 4), 0x603018u);
+    EXPECT_EQ(surface.at(4, 4), 0x402010u); // 32 / 64
+    EXPECT_EQ(surface.at(0, 8), 0u);        // touched with a weight of 0
+}
+
+TEST(Draw_Light, the_first_row_has_no_pixel_and_the_last_row_and_column_are_left_out) {
+    Surface surface(17, 17, 0xFF000000);
+    Draw_Light(surface.pixels(), surface.pitch(), 8, 8, 8, 0, 128);
+    for (int x = 0; x < 17; ++x) {
+        EXPECT_EQ(surface.at(x, 0), 0xFF000000u);
+        EXPECT_EQ(surface.at(x, 16), 0xFF000000u);
+        EXPECT_EQ(surface.at(x, 8), x < 16 ? 0u : 0xFF000000u);
+    }
+}
+
+TEST(Draw_Light, radii_of_3_or_less_draw_nothing) {
+    const Surface fresh(9, 9, 0xFF112233);
+    for (const int radius : {3, 2, 1, 0, -1, -65536, -greatest - 1}) {
+        Surface surface = fresh;
+        Draw_Light(surface.pixels(), surface.pitch(), 4, 4, radius, 0xFFFFFF, 128);
+        EXPECT_EQ(surface.differenceFrom(fresh), "") << radius;
+    }
+}
+
+TEST(Draw_Light, saturates_every_channel_alike_however_large_the_weight) {
+    Surface surface(17, 17, 0);
+    Draw_Light(surface.pixels(), surface.pitch(), 8, 8, 8, 0x010203, 4095); // 32 times the colour, nearly
+    EXPECT_EQ(surface.at(8, 8), 0x1F3F5Fu);
+    Draw_Light(surface.pixels(), surface.pitch(), 8, 8, 8, 0xFF0000, 4095);
+    EXPECT_EQ(surface.at(8, 8), 0xFF3F5Fu);
+}
+
+TEST(Draw_Light, large_radii_agree_with_a_naive_light_as_far_as_the_table_goes) {
+    for (const int radius : {50, 100, 256, 300, 362}) {
+        Surface surface(740, 740, 0xFF102030);
+        Surface expected = surface;
+        naiveLight(expected, 370, 370, radius, 0x80FF40, 128, anywhere);
+        Draw_Light(surface.pixels(), surface.pitch(), 370, 370, radius, 0x80FF40, 128);
+        ASSERT_EQ(surface.differenceFrom(expected), "") << radius;
+    }
+}
+
+TEST(Draw_Light, agrees_with_a_naive_light) {
+    forEachCase("Draw_Light", [](Case &c) {
+        Shape shape(c.random, 15);
+        const q_ulong intensity = anyIntensity(c.random);
+        Surface expected = shape.surface;
+        naiveLight(expected, shape.x, shape.y, shape.radius, shape.colour, intensity, anywhere);
+        Draw_Light(shape.surface.pixels(), shape.surface.pitch(), shape.x, shape.y, shape.radius, shape.colour,
+                   intensity);
+        c.expectEqual(shape.surface, expected);
+    });
+}
+
+TEST(Draw_Light_Safe, all_four_limits_are_exclusive_so_the_first_row_and_column_stay) {
+    Surface surface(31, 31, 0xFF000000);
+    tagRECT clip = {10, 12, 18, 19};
+    Draw_Light_Safe(surface.pixels(), surface.pitch(), &clip, 15, 15, 14, 0, 128);
+    for (int y = 0; y < 31; ++y)
+        for (int x = 0; x < 31; ++x)
+            EXPECT_EQ(surface.at(x, y), x >= 11 && x <= 17 && y >= 13 && y <= 18 ? 0u : 0xFF000000u) << x << ", " << y;
+}
+
+TEST(Draw_Light_Safe, radii_above_256_are_cut_to_256) {
+    for (const int radius : {257, 300, 65536, greatest}) {
+        Surface surface(530, 530, 0);
+        Surface expected = surface;
+        tagRECT clip = surface.rect();
+        Draw_Light_Safe(surface.pixels(), surface.pitch(), &clip, 265, 265, radius, 0x80FF40, 128);
+        Draw_Light(expected.pixels(), expected.pitch(), 265, 265, 256, 0x80FF40, 128);
+        EXPECT_EQ(surface.differenceFrom(expected), "") << radius;
+    }
+}
+
+TEST(Draw_Light_Safe, writes_nothing_outside_the_clip) {
+    EXPECT_EQ(test::sweep(
+                  {-greatest - 1, -5, 0, 1, 3, 4, 5, 8, 12, 30, 256, 300, greatest},
+                  [](Surface &s, tagRECT *clip, int x, int y, int radius) {
+                      Draw_Light_Safe(s.pixels(), s.pitch(), clip, x, y, radius, 0x40F080, 100);
+                  },
+                  [](Surface &s, const tagRECT &clip, int x, int y, int radius) {
+                      naiveLightSafe(s, clip, x, y, radius, 0x40F080, 100);
+                  }),
+              "");
+}
+
+TEST(Draw_Light_Safe, extreme_centres_draw_nothing) {
+    const Surface fresh(6, 6, 0x80112233);
+    for (const int x : {-greatest - 1, -greatest + 5, greatest - 5, greatest})
+        for (const int y : {-greatest - 1, 3, greatest}) {
+            Surface surface = fresh;
+            tagRECT clip = surface.rect();
+            Draw_Light_Safe(surface.pixels(), surface.pitch(), &clip, x, y, 100, 0xFFFFFF, 128);
+            EXPECT_EQ(surface.differenceFrom(fresh), "") << x << ", " << y;
+        }
+}
+
+TEST(Draw_Light_Safe, agrees_with_a_naive_light) {
+    forEachCase("Draw_Light_Safe", [](Case &c) {
+        ClippedShape shape(c.random);
+        const q_ulong intensity = anyIntensity(c.random);
+        Surface expected = shape.surface;
+        naiveLightSafe(expected, shape.clip, shape.x, shape.y, shape.radius, shape.colour, intensity);
+        Draw_Light_Safe(shape.surface.pixels(), shape.surface.pitch(), &shape.clip, shape.x, shape.y, shape.radius,
+                        shape.colour, intensity);
+        c.expectEqual(shape.surface, expected);
+    });
+}
+
+void naiveCircleLight(Surface &s, int cx, int cy, int radius, Number red, Number green, Number blue) {
+    const Number square = Number{radius} * radius;
+    for (int dy = -radius; dy <= radius; ++dy)
+        for (int dx = -radius; dx <= radius; ++dx) {
+            const Number d2 = dx * dx + dy * dy;
+            if (square == 0 || d2 > square)
+                continue;
+            const Number t = d2 * (65536 / square) / 256 % 65536;
+            const Number u = 256 - t;
+            q_ulong &d = s.at(cx + dx, cy + dy);
+            d = naive::packed((naive::upperHalf(d) * t + red * u) / 256 % 256,
+                              (naive::green(d) * t + green * u) / 256 % 256, (naive::blue(d) * t + blue * u) / 256);
+        }
+}
+
+void drawCircleLight(Surface &s, int x, int y, int radius, unsigned char red, unsigned char green, unsigned char blue) {
+    Draw_Circle_Light(s.pixels(), s.pitch(), x, y, radius, red, green, blue);
+}
+
+TEST(Draw_Circle_Light, is_solid_at_the_centre_and_clear_at_the_rim) {
+    Surface surface(17, 17, 0x00102030);
+    drawCircleLight(surface, 8, 8, 8, 0x80, 0xFF, 0x40);
+    EXPECT_EQ(surface.at(8, 8), 0x80FF40u);
+    EXPECT_EQ(surface.at(12, 12), 0x488F38u); // half and half
+    for (const int i : {0, 16}) {
+        EXPECT_EQ(surface.at(i, 8), 0x102030u);
+        EXPECT_EQ(surface.at(8, i), 0x102030u);
+    }
+}
+
+TEST(Draw_Circle_Light, leaves_the_rim_very_nearly_as_it_was_where_the_inverse_is_truncated) {
+    // 65536 / 9 is 7281, and 9 * 7281 / 256 is 255.
+    Surface surface(7, 7, 0x00808080);
+    drawCircleLight(surface, 3, 3, 3, 0, 0, 0);
+    EXPECT_EQ(surface.at(0, 3), 0x7F7F7Fu);
+}
+
+TEST(Draw_Circle_Light, an_old_top_byte_disturbs_red) {
+    // At half weight 0x100 of the upper half is 0x80 of red.
+    Surface surface(17, 17, 0x01000000);
+    drawCircleLight(surface, 8, 8, 8, 0, 0, 0);
+    EXPECT_EQ(surface.at(12, 12), 0x00800000u);
+    EXPECT_EQ(surface.at(0, 8), 0u);
+}
+
+TEST(Draw_Circle_Light, radius_below_1_draws_nothing_and_beyond_256_the_disc_is_solid) {
+    const Surface fresh(5, 5, 0xFF112233);
+    for (const int radius : {0, -1, -greatest - 1}) {
+        Surface surface = fresh;
+        drawCircleLight(surface, 2, 2, radius, 1, 2, 3);
+        EXPECT_EQ(surface.differenceFrom(fresh), "") << radius;
+    }
+    Surface large(515, 515, 0xFF112233);
+    drawCircleLight(large, 257, 257, 257, 1, 2, 3);
+    EXPECT_EQ(large.at(0, 257), 0x00010203u);
+    EXPECT_EQ(large.at(257, 514), 0x00010203u);
+}
+
+TEST(Draw_Circle_Light, agrees_with_a_naive_light) {
+    forEachCase("Draw_Circle_Light", [](Case &c) {
+        Shape shape(c.random, 15);
+        const auto byte = [&] { return static_cast<unsigned char>(c.random.between(0, 255)); };
+        const unsigned char red = byte();
+        const unsigned char green = byte();
+        const unsigned char blue = byte();
+        Surface expected = shape.surface;
+        naiveCircleLight(expected, shape.x, shape.y, shape.radius, red, green, blue);
+        drawCircleLight(shape.surface, shape.x, shape.y, shape.radius, red, green, blue);
+        c.expectEqual(shape.surface, expected);
+    });
+}
+
+} // namespace

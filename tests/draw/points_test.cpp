@@ -1,0 +1,52 @@
+#include "naive.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using test::Case;
+using test::forEachCase;
+using test::Surface;
+
+q_ulong sumOf(q_ulong old, q_ulong colour) {
+    Surface one(1, 1, old);
+    Draw_Pixel_Add(one.pixels(), one.pitch(), 0, 0, colour);
+    return one.at(0, 0);
+}
+
+TEST(Draw_Pixel_Add, every_pair_of_channel_values_saturates_in_its_channel) {
+    for (q_ulong a = 0; a < 256; ++a)
+        for (q_ulong b = 0; b < 256; ++b) {
+            const q_ulong sum = std::min<q_ulong>(a + b, 255);
+            ASSERT_EQ(sumOf(a << 16, b << 16), sum << 16);
+            ASSERT_EQ(sumOf(a << 8, b << 8), sum << 8);
+            ASSERT_EQ(sumOf(a, b), sum);
+        }
+}
+
+TEST(Draw_Pixel_Add, top_bytes_are_cleared_and_have_no_influence) {
+    EXPECT_EQ(sumOf(0xFF102030, 0x80010203), 0x00112233u);
+}
+
+TEST(Draw_Pixel_Add, writes_one_pixel_alone) {
+    Surface surface(5, 4, 0x11111111);
+    Surface expected = surface;
+    expected.at(3, 2) = 0x00121314;
+    Draw_Pixel_Add(surface.pixels(), surface.pitch(), 3, 2, 0x010203);
+    EXPECT_EQ(surface.differenceFrom(expected), "");
+}
+
+TEST(Draw_Pixel_Add, agrees_with_a_naive_add) {
+    forEachCase("Draw_Pixel_Add", [](Case &c) {
+        Surface surface = Surface::random(c.random, 6);
+        const int x = c.random.between(-8, surface.width() + 7);
+        const int y = c.random.between(-8, surface.height() + 7);
+        const q_ulong colour = c.random.pixel();
+        Surface expected = surface;
+        expected.at(x, y) = naive::added(expected.at(x, y), colour, 1, 0);
+        Draw_Pixel_Add(surface.pixels(), surface.pitch(), x, y, colour);
+        c.expectEqual(surface, expected);
+    });
+}
+
+} // namespace

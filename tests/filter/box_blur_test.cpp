@@ -1,0 +1,418 @@
+#include "support/cases.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+using test::Case;
+using test::forEachCase;
+using test::Surface;
+
+/// A run of pixels in a buffer: a row, or a column.
+struct Line {
+    const q_ulong *src;
+    q_ulong *dst;
+    int srcStep;
+    int dstStep;
+    int length;
+};
+
+/// The four bytes of the mean over the pixels from `first` to `last`; `scaled(sum, count)` makes a mean of a sum.
+template <class Scaled>
+q_ulong meanOf(const Line &line, int first, int last, Scaled scaled) {
+    std::uint64_t sums[4] = {};
+    for (int x = first; x <= last; ++x)
+        for (int channel = 0; channel < 4; ++channel)
+            sums[channel] += line.src[x * line.srcStep] >> (8 * channel) & 0xFF;
+    q_ulong mean = 0;
+    for (int channel = 0; channel < 4; ++channel)
+        mean |= static_cast<q_ulong>(scaled(sums[channel], static_cast<std::uint64_t>(last - first + 1)) & 0xFF)
+                << (8 * channel);
+    return mean;
+}
+
+std::uint64_t divided(std::uint64_t sum, std::uint64_t count) {
+    return sum / count;
+}
+
+std::uint64_t timesReciprocal(std::uint64_t sum, std::uint64_t count) {
+    return sum * (65536 / count) / 65536;
+}
+
+/// Every pixel becomes the mean over the pixels from `back` before it to `forward` behind it, as far as there are such.
+template <class AtEdge>
+void blurLine(const Line &line, int back, int forward, q_ulong mask, AtEdge atEdge) {
+    for (int x = 0; x < line.length; ++x) {
+        const int first = x < back ? 0 : x - back;
+        const int last = x + forward >= line.length ? line.length - 1 : x + forward;
+        const bool whole = last - first == back + forward;
+        line.dst[x * line.dstStep] =
+            (whole ? meanOf(line, first, last, timesReciprocal) : meanOf(line, first, last, atEdge)) & mask;
+    }
+}
+
+void blurRect(Surface &surface, const tagRECT &rect, int radius) {
+    const int width = static_cast<int>(rect.right - rect.left);
+    const int height = static_cast<int>(rect.bottom - rect.top);
+    if (width < 1 || height < 1)
+        return;
+    std::vector<q_ulong> between(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    const int pitch = surface.pitch();
+    q_ulong *const first = &surface.at(static_cast<int>(rect.left), static_cast<int>(rect.top));
+    for (int y = 0; y < height; ++y)
+        blurLine({first + y * pitch, between.data() + y * width, 1, 1, width}, radius, radius, 0xFFFFFF, divided);
+    for (int x = 0; x < width; ++x)
+        blurLine({between.data() + x, first + x, width, pitch, height}, radius, radius, 0xFFFFFF, divided);
+}
+
+using Blur = void (*)(q_ulong *, q_ulong *, int, int, int, int);
+
+struct Variant {
+    Blur blur;
+    bool alongColumns;
+    q_ulong mask;
+
+    void naive(Surface &dst, Surface &src, int blurSize, int width, int height) const {
+        const int pitch = src.pitch();
+        const int back = blurSize / 2;
+        const int forward = blurSize - back;
+        if (alongColumns)
+            for (int x = 0; x < width; ++x)
+                blurLine({src.pixels() + x, dst.pixels() + x, pitch, pitch, height}, back, forward, mask,
+                         timesReciprocal);
+        else
+            for (int y = 0; y < height; ++y)
+                blurLine({src.pixels() + y * pitch, dst.pixels() + y * pitch, 1, 1, width}, back, forward, mask,
+                         timesReciprocal);
+    }
+};
+
+const Variant rows = {Hor_Blur, false, 0xFFFFFF};
+const Variant columns = {Ver_Blur, true, 0xFFFFFF};
+const Variant rows32 = {Hor_Blur32, false, 0xFFFFFFFF};
+const Variant columns32 = {Ver_Blur32, true, 0xFFFFFFFF};
+
+/// A picture of the same size and pitch with other pixels.
+Surface another(test::Random &random, const Surface &surface) {
+    Surface other = surface;
+    for (int y = -Surface::margin; y < surface.height() + Surface::margin; ++y)
+        for (int x = -Surface::margin; x < surface.width() + Surface::margin; ++x)
+            other.at(x, y) = random.word();
+    return other;
+}
+
+void expectNaiveBlur(const char *name, const Variant &variant) {
+    forEachCase(name, [&variant](Case &c) {
+        Surface src = Surface::random(c.random);
+        Surface dst = another(c.random, src);
+        const int length = variant.alongColumns ? src.height() : src.width();
+        const int blurSize = c.random.between(0, length - 1);
+        Surface expected = dst;
+        variant.naive(expected, src, blurSize, src.width(), src.height());
+        variant.blur(dst.pixels(), src.pixels(), blurSize, src.width(), src.height(), src.pitch());
+        c.expectEqual(dst, expected);
+    });
+}
+
+TEST(Hor_Blur, agrees_with_naive_means) {
+    expectNaiveBlur("Hor_Blur", rows);
+}
+
+TEST(Ver_Blur, agrees_with_naive_means_column_by_column) {
+    expectNaiveBlur("Ver_Blur", columns);
+}
+
+TEST(Hor_Blur32, agrees_with_naive_means) {
+    expectNaiveBlur("Hor_Blur32", rows32);
+}
+
+TEST(Ver_Blur32, agrees_with_naive_means_column_by_column) {
+    expectNaiveBlur("Ver_Blur32", columns32);
+}
+
+TEST(Blur_Rect, agrees_with_naive_means_along_rows_and_then_column_by_column) {
+    forEachCase("Blur_Rect", [](Case &c) {
+        Surface surface = Surface::random(c.random);
+        tagRECT rect = c.random.rectInsideOrEmpty(surface.width(), surface.height());
+        const int width = static_cast<int>(rect.right - rect.left);
+        const int height = static_cast<int>(rect.bottom - rect.top);
+        const int smallest = width < height ? width : height;
+        const int radius = c.random.between(0, smallest > 1 ? smallest / 2 : 0);
+        Surface expected = surface;
+        blurRect(expected, rect, radius);
+        Blur_Rect(surface.pixels(), &rect, surface.pitch(), radius);
+        c.expectEqual(surface, expected);
+    });
+}
+
+TEST(Blur_Rect, windows_up_to_257_pixels_and_pictures_of_several_hundred_columns) {
+    test::Random random(66);
+    for (const int radius : {3, 15, 60, 127, 128}) {
+        Surface surface = Surface::randomOfSize(random, 301, 263);
+        tagRECT rect = {3, 2, 299, 262};
+        Surface expected = surface;
+        blurRect(expected, rect, radius);
+        Blur_Rect(surface.pixels(), &rect, surface.pitch(), radius);
+        ASSERT_EQ(surface.differenceFrom(expected), "") << "radius " << radius;
+    }
+    Surface white(260, 257, 0xFFFFFFFF);
+    Surface expected = white;
+    tagRECT rect = white.rect();
+    blurRect(expected, rect, 128);
+    Blur_Rect(white.pixels(), &rect, white.pitch(), 128);
+    EXPECT_EQ(white.differenceFrom(expected), "");
+}
+
+TEST(Blur_Rect, radius_0_clears_the_top_byte_and_changes_nothing_else) {
+    test::Random random(67);
+    Surface surface = Surface::randomOfSize(random, 9, 7);
+    Surface expected = surface;
+    for (int y = 2; y < 7; ++y)
+        for (int x = 1; x < 8; ++x)
+            expected.at(x, y) &= 0xFFFFFF;
+    tagRECT rect = {1, 2, 8, 7};
+    Blur_Rect(surface.pixels(), &rect, surface.pitch(), 0);
+    EXPECT_EQ(surface.differenceFrom(expected), "");
+}
+
+TEST(Blur_Rect, radius_1_leaves_white_at_255_in_the_corners_254_along_the_edges_and_253_inside) {
+    Surface surface(6, 5, 0xFFFFFFFF);
+    Surface expected(6, 5, 0xFFFFFFFF);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 6; ++x) {
+            const int edges = (x == 0 || x == 5) + (y == 0 || y == 4);
+            expected.at(x, y) = edges == 2 ? 0xFFFFFF : edges == 1 ? 0xFEFEFE : 0xFDFDFD;
+        }
+    tagRECT rect = surface.rect();
+    Blur_Rect(surface.pixels(), &rect, surface.pitch(), 1);
+    EXPECT_EQ(surface.differenceFrom(expected), "");
+}
+
+TEST(Blur_Rect, edges_are_true_means_over_the_pixels_that_exist) {
+    Surface surface(3, 2, 0);
+    const q_ulong reds[2][3] = {{10, 20, 33}, {0, 0, 0}};
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x)
+            surface.at(x, y) = reds[y][x] << 16;
+    // Along the rows: (10 + 20) / 2, 63 * 21845 / 65536 and (20 + 33) / 2; then each column is halved twice.
+    Surface expected = surface;
+    for (int y = 0; y < 2; ++y) {
+        expected.at(0, y) = (15 / 2) << 16;
+        expected.at(1, y) = (20 / 2) << 16;
+        expected.at(2, y) = (26 / 2) << 16;
+    }
+    tagRECT rect = surface.rect();
+    Blur_Rect(surface.pixels(), &rect, surface.pitch(), 1);
+    EXPECT_EQ(surface.differenceFrom(expected), "");
+}
+
+TEST(Blur_Rect, neither_reads_nor_writes_outside_its_rectangle) {
+    for (q_ulong outside : {0u, 0xFFFFFFFFu}) {
+        Surface surface(8, 8, outside);
+        Surface expected(8, 8, outside);
+        tagRECT rect = {2, 3, 7, 8};
+        for (int y = 3; y < 8; ++y)
+            for (int x = 2; x < 7; ++x) {
+                surface.at(x, y) = 0x606060;
+                // 96 * 3 * 21845 / 65536 is 95, and 95 * 3 likewise 94.
+                const int edges = (x == 2 || x == 6) + (y == 3 || y == 7);
+                expected.at(x, y) = edges == 2 ? 0x606060 : edges == 1 ? 0x5F5F5F : 0x5E5E5E;
+            }
+        Blur_Rect(surface.pixels(), &rect, surface.pitch(), 1);
+        EXPECT_EQ(surface.differenceFrom(expected), "");
+    }
+}
+
+TEST(Blur_Rect, a_radius_above_half_the_rectangle_or_below_0_draws_nothing) {
+    test::Random random(68);
+    const Surface before = Surface::randomOfSize(random, 8, 8);
+    const auto expectUntouched = [&before](tagRECT rect, int radius) {
+        Surface surface = before;
+        Blur_Rect(surface.pixels(), &rect, surface.pitch(), radius);
+        EXPECT_EQ(surface.differenceFrom(before), "") << radius;
+    };
+    expectUntouched({0, 0, 8, 5}, 3);
+    expectUntouched({0, 0, 5, 8}, 3);
+    expectUntouched({0, 0, 8, 8}, 0x7FFFFFFF);
+    expectUntouched({0, 0, 8, 8}, -1);
+    expectUntouched({0, 0, 8, 8}, -0x7FFFFFFF - 1);
+    expectUntouched({3, 3, 3, 8}, 0);
+    expectUntouched({3, 3, 8, 3}, 0);
+    expectUntouched({5, 5, 1, 1}, 0);
+}
+
+TEST(Hor_Blur, size_0_copies_and_clears_the_top_byte) {
+    test::Random random(69);
+    for (const Variant &variant : {rows, columns}) {
+        Surface src = Surface::randomOfSize(random, 9, 5);
+        Surface dst = another(random, src);
+        Surface expected = dst;
+        for (int y = 0; y < 5; ++y)
+            for (int x = 0; x < 9; ++x)
+                expected.at(x, y) = src.at(x, y) & 0xFFFFFF;
+        variant.blur(dst.pixels(), src.pixels(), 0, 9, 5, src.pitch());
+        EXPECT_EQ(dst.differenceFrom(expected), "");
+    }
+}
+
+TEST(Hor_Blur32, size_0_copies_whole) {
+    test::Random random(70);
+    for (const Variant &variant : {rows32, columns32}) {
+        Surface src = Surface::randomOfSize(random, 9, 5);
+        Surface dst = another(random, src);
+        Surface expected = dst;
+        for (int y = 0; y < 5; ++y)
+            for (int x = 0; x < 9; ++x)
+                expected.at(x, y) = src.at(x, y);
+        variant.blur(dst.pixels(), src.pixels(), 0, 9, 5, src.pitch());
+        EXPECT_EQ(dst.differenceFrom(expected), "");
+    }
+}
+
+TEST(Hor_Blur, size_1_averages_each_pixel_with_its_right_neighbour) {
+    Surface src(4, 1);
+    Surface dst = src;
+    Surface expected = dst;
+    const q_ulong greens[4] = {10, 21, 200, 255};
+    for (int x = 0; x < 4; ++x)
+        src.at(x, 0) = greens[x] << 8;
+    const q_ulong means[4] = {15, 110, 227, 255}; // the last has no neighbour
+    for (int x = 0; x < 4; ++x)
+        expected.at(x, 0) = means[x] << 8;
+    Hor_Blur(dst.pixels(), src.pixels(), 1, 4, 1, src.pitch());
+    EXPECT_EQ(dst.differenceFrom(expected), "");
+}
+
+TEST(Ver_Blur, size_1_averages_each_pixel_with_the_one_below) {
+    Surface src(1, 4);
+    Surface dst = src;
+    Surface expected = dst;
+    const q_ulong greens[4] = {10, 21, 200, 255};
+    const q_ulong means[4] = {15, 110, 227, 255};
+    for (int y = 0; y < 4; ++y) {
+        src.at(0, y) = greens[y] << 8;
+        expected.at(0, y) = means[y] << 8;
+    }
+    Ver_Blur(dst.pixels(), src.pixels(), 1, 1, 4, src.pitch());
+    EXPECT_EQ(dst.differenceFrom(expected), "");
+}
+
+TEST(Hor_Blur, an_odd_size_leans_one_pixel_forward) {
+    // One bright pixel is seen by those that reach it: two pixels behind it, one before it.
+    Surface src(9, 1);
+    src.at(4, 0) = 0x80;
+    Surface dst(9, 1);
+    Surface expected(9, 1);
+    for (int x = 2; x <= 5; ++x)
+        expected.at(x, 0) = 0x20;
+    Hor_Blur(dst.pixels(), src.pixels(), 3, 9, 1, src.pitch());
+    EXPECT_EQ(dst.differenceFrom(expected), "");
+}
+
+TEST(Hor_Blur, white_stays_255_only_where_the_count_is_a_power_of_two) {
+    constexpr int length = 40;
+    for (int blurSize = 0; blurSize < length; ++blurSize)
+        for (const Variant &variant : {rows, columns, rows32, columns32}) {
+            const int width = variant.alongColumns ? 1 : length;
+            const int height = variant.alongColumns ? length : 1;
+            Surface src(width, height, 0xFFFFFFFF);
+            Surface dst(width, height);
+            Surface expected(width, height);
+            for (int i = 0; i < length; ++i) {
+                int count = 0;
+                for (int k = i - blurSize / 2; k <= i + (blurSize + 1) / 2; ++k)
+                    count += k >= 0 && k < length;
+                const bool powerOfTwo = (count & (count - 1)) == 0;
+                expected.at(variant.alongColumns ? 0 : i, variant.alongColumns ? i : 0) =
+                    (powerOfTwo ? 0xFFFFFFFF : 0xFEFEFEFE) & variant.mask;
+            }
+            variant.blur(dst.pixels(), src.pixels(), blurSize, width, height, src.pitch());
+            ASSERT_EQ(dst.differenceFrom(expected), "") << "size " << blurSize;
+        }
+}
+
+TEST(Hor_Blur32, the_top_byte_is_blurred_like_a_colour) {
+    for (const Variant &variant : {rows32, columns32}) {
+        const int width = variant.alongColumns ? 2 : 3;
+        const int height = variant.alongColumns ? 3 : 2;
+        Surface src(width, height, 0xC0000000);
+        Surface dst(width, height, 1);
+        Surface expected(width, height, 1);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                const int i = variant.alongColumns ? y : x;
+                // 192 * 3 * 21845 / 65536 is 191; two pixels at either end give 192 * 2 * 32768 / 65536.
+                expected.at(x, y) = i == 1 ? 0xBF000000 : 0xC0000000;
+            }
+        variant.blur(dst.pixels(), src.pixels(), 2, width, height, src.pitch());
+        EXPECT_EQ(dst.differenceFrom(expected), "");
+    }
+}
+
+TEST(Hor_Blur, the_largest_window_and_pictures_of_several_hundred_columns) {
+    test::Random random(71);
+    for (const Variant &variant : {rows, columns, rows32, columns32})
+        for (const int blurSize : {254, 255}) {
+            Surface src = Surface::randomOfSize(random, 281, 259);
+            Surface dst = another(random, src);
+            Surface expected = dst;
+            variant.naive(expected, src, blurSize, 281, 259);
+            variant.blur(dst.pixels(), src.pixels(), blurSize, 281, 259, src.pitch());
+            ASSERT_EQ(dst.differenceFrom(expected), "") << "size " << blurSize;
+        }
+}
+
+TEST(Hor_Blur, sizes_above_255_and_below_0_draw_nothing) {
+    test::Random random(72);
+    Surface src = Surface::randomOfSize(random, 300, 300);
+    const Surface before = another(random, src);
+    for (const Variant &variant : {rows, columns, rows32, columns32})
+        for (const int blurSize : {256, 299, 0x7FFFFFFF, -1, -2, -0x7FFFFFFF - 1}) {
+            Surface dst = before;
+            variant.blur(dst.pixels(), src.pixels(), blurSize, 300, 300, src.pitch());
+            ASSERT_EQ(dst.differenceFrom(before), "") << "size " << blurSize;
+        }
+}
+
+TEST(Hor_Blur, without_lines_nothing_is_drawn) {
+    test::Random random(73);
+    Surface src = Surface::randomOfSize(random, 8, 8);
+    const Surface before = another(random, src);
+    for (const Variant &variant : {rows, columns, rows32, columns32})
+        for (const int lines : {0, -1, -0x7FFFFFFF - 1}) {
+            Surface dst = before;
+            const int width = variant.alongColumns ? lines : 8;
+            const int height = variant.alongColumns ? 8 : lines;
+            variant.blur(dst.pixels(), src.pixels(), 4, width, height, src.pitch());
+            EXPECT_EQ(dst.differenceFrom(before), "");
+        }
+}
+
+TEST(Hor_Blur, lines_without_pixels_still_get_their_first_edge) {
+    // Lines of no length: the edge runs its blurSize / 2 steps all the same, over pixels behind the line's end.
+    test::Random random(74);
+    Surface src = Surface::randomOfSize(random, 8, 8);
+    const Surface before = another(random, src);
+    for (const Variant &variant : {rows, columns, rows32, columns32})
+        for (const int length : {0, -1, -0x7FFFFFFF - 1})
+            for (int blurSize = 0; blurSize <= 5; ++blurSize) {
+                Surface dst = before;
+                Surface expected = before;
+                const int step = variant.alongColumns ? src.pitch() : 1;
+                const int otherStep = variant.alongColumns ? 1 : src.pitch();
+                for (int other = 0; other < 3; ++other) {
+                    const Line line = {src.pixels() + other * otherStep, nullptr, step, 0, 0};
+                    for (int i = 0; i < blurSize / 2; ++i)
+                        expected.pixels()[other * otherStep + i * step] =
+                            meanOf(line, 0, i + (blurSize + 1) / 2, timesReciprocal) & variant.mask;
+                }
+                const int width = variant.alongColumns ? 3 : length;
+                const int height = variant.alongColumns ? length : 3;
+                variant.blur(dst.pixels(), src.pixels(), blurSize, width, height, src.pitch());
+                ASSERT_EQ(dst.differenceFrom(expected), "") << "size " << blurSize;
+            }
+}
+
+} // namespace

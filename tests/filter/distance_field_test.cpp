@@ -1,0 +1,260 @@
+#include "naive_rings.h"
+#include "support/cases.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <vector>
+
+namespace {
+
+using test::Case;
+using test::forEachCase;
+using test::Found;
+using test::Surface;
+
+Found searchWithLimit(q_ulong *block, int blockWords, int index, int pitch, int ring, int limit) {
+    Found found = {-1, -1};
+    found.goesOn = FindNearBlackDistanceSquare(block, blockWords, index, pitch, ring, &found.distanceSquare, limit);
+    return found;
+}
+
+Found search(q_ulong *block, int blockWords, int index, int pitch, int ring) {
+    Found found = {-1, -1};
+    found.goesOn = FindNearBlackDistanceSquare(block, blockWords, index, pitch, ring, &found.distanceSquare);
+    return found;
+}
+
+Found searchColour(Surface &surface, int x, int y, int ring) {
+    // This search knows surfaces without a margin alone.
+    std::vector<q_ulong> words;
+    for (int row = 0; row < surface.height(); ++row)
+        for (int column = 0; column < surface.width(); ++column)
+            words.push_back(surface.at(column, row));
+    Found found = {-1, -1};
+    found.goesOn =
+        FindNearSrcDistanceSquare(words.data(), surface.width(), surface.height(), x, y, ring, &found.distanceSquare);
+    return found;
+}
+
+/// A block of words that are not black, 9 by 9 with one row behind another, but for those at the given places.
+struct Field {
+    static constexpr int pitch = 9;
+    static constexpr int middle = 4 * pitch + 4;
+    std::vector<q_ulong> words = std::vector<q_ulong>(81, 1);
+
+    Field &blacken(int dx, int dy) {
+        words[static_cast<std::size_t>(middle + dy * pitch + dx)] = 0;
+        return *this;
+    }
+    Found withLimit(int ring, int limit) { return searchWithLimit(words.data(), 81, middle, pitch, ring, limit); }
+    Found withoutLimit(int ring) { return search(words.data(), 81, middle, pitch, ring); }
+};
+
+TEST(FindNearBlackDistanceSquare, with_a_limit_reports_the_nearest_black_of_the_ring) {
+    EXPECT_EQ(Field().blacken(2, -1).withLimit(2, 100), (Found{0, 5}));
+    EXPECT_EQ(Field().blacken(2, -1).blacken(-2, 0).withLimit(2, 100), (Found{0, 4}));
+    EXPECT_EQ(Field().blacken(2, 2).withLimit(2, 100), (Found{0, 8}));
+    EXPECT_EQ(Field().blacken(-2, 2).blacken(1, 2).withLimit(2, 100), (Found{0, 5}));
+    EXPECT_EQ(Field().blacken(1, 0).withLimit(1, 100), (Found{0, 1}));
+}
+
+TEST(FindNearBlackDistanceSquare, with_a_limit_reports_no_more_than_that) {
+    EXPECT_EQ(Field().blacken(2, 2).withLimit(2, 7), (Found{0, 7}));
+    EXPECT_EQ(Field().blacken(2, 2).withLimit(2, 8), (Found{0, 8}));
+    EXPECT_EQ(Field().blacken(1, 0).withLimit(1, 0), (Found{0, 0}));
+    EXPECT_EQ(Field().blacken(1, 0).withLimit(1, -5), (Found{0, -5}));
+}
+
+TEST(FindNearBlackDistanceSquare, a_limit_below_1000000_ends_the_search_at_the_first_empty_ring) {
+    EXPECT_EQ(Field().blacken(2, 0).withLimit(1, 50), (Found{0, 50}));
+    EXPECT_EQ(Field().withLimit(1, 999999), (Found{0, 999999}));
+    EXPECT_EQ(Field().withLimit(1, -1), (Found{0, -1}));
+}
+
+TEST(FindNearBlackDistanceSquare, a_limit_of_1000000_and_above_lets_the_search_go_on) {
+    EXPECT_EQ(Field().withLimit(1, 1000000), (Found{1, 1000000}));
+    EXPECT_EQ(Field().withLimit(1, 1000001), (Found{1, 1000000}));
+    EXPECT_EQ(Field().withLimit(1, 0x7FFFFFFF), (Found{1, 1000000}));
+    EXPECT_EQ(Field().blacken(2, 1).withLimit(2, 1000000), (Found{0, 5}));
+}
+
+TEST(FindNearBlackDistanceSquare, without_a_limit_reports_the_square_of_the_ring_in_any_case) {
+    EXPECT_EQ(Field().blacken(2, -1).withoutLimit(2), (Found{0, 4}));
+    EXPECT_EQ(Field().blacken(-3, 3).withoutLimit(3), (Found{0, 9}));
+    EXPECT_EQ(Field().blacken(2, 0).withoutLimit(1), (Found{1, 1}));
+    EXPECT_EQ(Field().withoutLimit(4), (Found{1, 16}));
+}
+
+TEST(FindNearBlackDistanceSquare, ring_0_is_the_word_itself) {
+    EXPECT_EQ(Field().blacken(0, 0).withoutLimit(0), (Found{0, 0}));
+    EXPECT_EQ(Field().blacken(1, 0).withoutLimit(0), (Found{1, 0}));
+    EXPECT_EQ(Field().blacken(0, 0).withLimit(0, 9), (Found{0, 0}));
+    EXPECT_EQ(Field().blacken(1, 0).withLimit(0, 9), (Found{0, 9}));
+}
+
+TEST(FindNearBlackDistanceSquare, a_ring_is_an_outline) {
+    for (int dy = -4; dy <= 4; ++dy)
+        for (int dx = -4; dx <= 4; ++dx) {
+            const int on = std::abs(dx) > std::abs(dy) ? std::abs(dx) : std::abs(dy);
+            Field field;
+            field.blacken(dx, dy);
+            // Beyond ring 4 the index wraps round the rows, and meets the word on another ring.
+            for (int ring = 0; ring <= 4; ++ring) {
+                const bool hit = ring == on;
+                EXPECT_EQ(field.withLimit(ring, 60), (Found{0, hit ? dx * dx + dy * dy : 60}));
+                EXPECT_EQ(field.withoutLimit(ring), (Found{hit ? 0 : 1, ring * ring}));
+            }
+        }
+}
+
+TEST(FindNearBlackDistanceSquare, a_top_byte_alone_is_not_black) {
+    Field field;
+    field.words[Field::middle + 1] = 0x01000000;
+    EXPECT_EQ(field.withoutLimit(1), (Found{1, 1}));
+    EXPECT_EQ(field.withLimit(1, 50), (Found{0, 50}));
+    field.words[Field::middle + 1] = 0;
+    EXPECT_EQ(field.withoutLimit(1), (Found{0, 1}));
+}
+
+TEST(FindNearBlackDistanceSquare, rings_wrap_round_at_the_ends_of_rows) {
+    // Three rows of four: the word before the start of the second row is the end of the first.
+    std::vector<q_ulong> words(12, 5);
+    words[3] = 0;
+    EXPECT_EQ(search(words.data(), 12, 4, 4, 1), (Found{0, 1}));
+    EXPECT_EQ(searchWithLimit(words.data(), 12, 4, 4, 1, 50), (Found{0, 1})); // at (-1, 0)
+    EXPECT_EQ(searchWithLimit(words.data(), 12, 8, 4, 1, 50), (Found{0, 2})); // at (-1, -1)
+    words[3] = 5;
+    words[8] = 0;
+    EXPECT_EQ(searchWithLimit(words.data(), 12, 7, 4, 1, 50), (Found{0, 1})); // at (1, 0)
+    EXPECT_EQ(searchWithLimit(words.data(), 12, 3, 4, 1, 50), (Found{0, 2})); // at (1, 1)
+}
+
+TEST(FindNearBlackDistanceSquare, only_words_of_the_block_count) {
+    std::vector<q_ulong> words(12, 0);
+    for (int i = 4; i < 8; ++i)
+        words[static_cast<std::size_t>(i)] = 5;
+    q_ulong *const block = words.data() + 4;
+    for (int index = 0; index < 4; ++index)
+        for (int ring = 0; ring <= 3; ++ring) {
+            EXPECT_EQ(search(block, 4, index, 4, ring), (Found{1, ring * ring}));
+            EXPECT_EQ(searchWithLimit(block, 4, index, 4, ring, 77), (Found{0, 77}));
+        }
+    EXPECT_EQ(search(block, 5, 3, 4, 1), (Found{0, 1}));
+}
+
+TEST(FindNearBlackDistanceSquare, squares_of_1000000_and_above_do_not_count) {
+    // In a row of words whose pitch is larger than the row, the other rows of the ring lie outside.
+    constexpr int length = 1002;
+    std::vector<q_ulong> words(length, 1);
+    words[0] = 0;
+    EXPECT_EQ(searchWithLimit(words.data(), length, 999, 5000, 999, 0x7FFFFFFF), (Found{0, 999 * 999}));
+    EXPECT_EQ(search(words.data(), length, 999, 5000, 999), (Found{0, 999 * 999}));
+    EXPECT_EQ(searchWithLimit(words.data(), length, 1000, 5000, 1000, 0x7FFFFFFF), (Found{1, 1000000}));
+    EXPECT_EQ(search(words.data(), length, 1000, 5000, 1000), (Found{1, 1000000}));
+}
+
+TEST(FindNearBlackDistanceSquare, squares_beyond_32_bits_do_not_count_either) {
+    std::vector<q_ulong> words(100001, 1);
+    words[0] = 0;
+    EXPECT_EQ(searchWithLimit(words.data(), 100001, 100000, 1, 50000, 0x7FFFFFFF), (Found{1, 1000000}));
+    EXPECT_EQ(search(words.data(), 100001, 100000, 1, 50000).goesOn, 1);
+}
+
+void expectNaiveSearch(const char *name, bool limited) {
+    forEachCase(name, [limited](Case &c) {
+        const int pitch = c.random.between(1, 9);
+        const int blockWords = pitch * c.random.between(1, 9);
+        const int seldom = c.random.oneIn(3) ? 1000 : c.random.between(2, 40);
+        std::vector<q_ulong> words(static_cast<std::size_t>(blockWords));
+        for (q_ulong &word : words)
+            word = c.random.oneIn(seldom) ? 0 : test::anyNonZero(c.random);
+        const int index = c.random.between(-3, blockWords + 3);
+        const int ring = c.random.between(0, 6);
+        const int limit = c.random.oneIn(4) ? c.random.between(999999, 1000001) : c.random.between(-2, 40);
+        const Found expected = limited ? test::findNearBlack(words.data(), blockWords, index, pitch, ring, limit)
+                                       : test::findNearBlack(words.data(), blockWords, index, pitch, ring);
+        const Found result = limited ? searchWithLimit(words.data(), blockWords, index, pitch, ring, limit)
+                                     : search(words.data(), blockWords, index, pitch, ring);
+        c.expectEqual(std::int64_t{result.goesOn}, std::int64_t{expected.goesOn});
+        c.expectEqual(std::int64_t{result.distanceSquare}, std::int64_t{expected.distanceSquare});
+    });
+}
+
+TEST(FindNearBlackDistanceSquare, with_a_limit_agrees_with_a_naive_search) {
+    expectNaiveSearch("FindNearBlackDistanceSquare limit", true);
+}
+
+TEST(FindNearBlackDistanceSquare, without_a_limit_agrees_with_a_naive_search) {
+    expectNaiveSearch("FindNearBlackDistanceSquare", false);
+}
+
+TEST(FindNearSrcDistanceSquare, a_top_byte_alone_is_no_colour) {
+    Surface surface(3, 3);
+    surface.at(1, 0) = 0xFF000000;
+    EXPECT_EQ(searchColour(surface, 1, 1, 1), (Found{1, 1000000}));
+    surface.at(1, 0) = 0x00010000;
+    EXPECT_EQ(searchColour(surface, 1, 1, 1), (Found{0, 1}));
+}
+
+TEST(FindNearSrcDistanceSquare, rings_end_at_the_sides_of_the_surface) {
+    // The end of one row does not neighbour the start of the next.
+    Surface surface(4, 3);
+    surface.at(3, 0) = 1;
+    EXPECT_EQ(searchColour(surface, 0, 1, 1), (Found{1, 1000000}));
+    EXPECT_EQ(searchColour(surface, 0, 1, 2), (Found{1, 1000000}));
+    EXPECT_EQ(searchColour(surface, 0, 1, 3), (Found{0, 10}));
+    EXPECT_EQ(searchColour(surface, 0, 1, 4), (Found{1, 1000000}));
+}
+
+TEST(FindNearSrcDistanceSquare, every_pixel_of_a_small_surface_is_met_on_its_ring_alone) {
+    for (int toX = 0; toX < 5; ++toX)
+        for (int toY = 0; toY < 4; ++toY) {
+            Surface surface(5, 4);
+            surface.at(toX, toY) = 0x800000;
+            for (int x = 0; x < 5; ++x)
+                for (int y = 0; y < 4; ++y)
+                    for (int ring = 0; ring < 7; ++ring) {
+                        const int dx = std::abs(toX - x);
+                        const int dy = std::abs(toY - y);
+                        const bool hit = ring == (dx > dy ? dx : dy);
+                        EXPECT_EQ(searchColour(surface, x, y, ring),
+                                  (Found{hit ? 0 : 1, hit ? dx * dx + dy * dy : 1000000}));
+                    }
+        }
+}
+
+TEST(FindNearSrcDistanceSquare, squares_of_1000000_and_above_do_not_count) {
+    Surface surface(1002, 1);
+    surface.at(0, 0) = 1;
+    EXPECT_EQ(searchColour(surface, 999, 0, 999), (Found{0, 999 * 999}));
+    EXPECT_EQ(searchColour(surface, 1000, 0, 1000), (Found{1, 1000000}));
+}
+
+TEST(FindNearSrcDistanceSquare, agrees_with_a_naive_search) {
+    forEachCase("FindNearSrcDistanceSquare", [](Case &c) {
+        const int width = c.random.between(1, 9);
+        Surface surface(width, c.random.between(1, 9));
+        const int seldom = c.random.between(2, 40);
+        for (int y = 0; y < surface.height(); ++y)
+            for (int x = 0; x < surface.width(); ++x)
+                surface.at(x, y) = c.random.oneIn(seldom) ? c.random.pixel() : c.random.word() & 0xFF000000;
+        const int x = c.random.between(-3, surface.width() + 2);
+        const int y = c.random.between(-3, surface.height() + 2);
+        const int ring = c.random.between(0, 8);
+        int best = 1000000;
+        for (int row = 0; row < surface.height(); ++row)
+            for (int column = 0; column < surface.width(); ++column) {
+                const int dx = std::abs(column - x);
+                const int dy = std::abs(row - y);
+                if ((dx > dy ? dx : dy) == ring && (surface.at(column, row) & 0xFFFFFF) != 0 &&
+                    dx * dx + dy * dy < best)
+                    best = dx * dx + dy * dy;
+            }
+        const Found result = searchColour(surface, x, y, ring);
+        c.expectEqual(std::int64_t{result.goesOn}, std::int64_t{best == 1000000});
+        c.expectEqual(std::int64_t{result.distanceSquare}, std::int64_t{best});
+    });
+}
+
+} // namespace

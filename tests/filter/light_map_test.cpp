@@ -1,0 +1,543 @@
+#include "frame/wide.h"
+#include "naive_rings.h"
+#include "support/cases.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+using test::Case;
+using test::forEachCase;
+using test::Found;
+using test::Surface;
+using Real = long double;
+
+enum class Form { blockWithLimit, block, source };
+
+struct Settings {
+    Form form;
+    int heightScale;
+    int bevelSize;
+    int limitOrProfile;
+};
+
+void convert(q_ulong *surface, tagRECT rect, int pitch, const Settings &settings) {
+    switch (settings.form) {
+    case Form::blockWithLimit:
+        ConvertBlock2LightInfom(surface, &rect, pitch, settings.heightScale, settings.bevelSize, 99,
+                                settings.limitOrProfile);
+        break;
+    case Form::block:
+        ConvertBlock2LightInfom(surface, &rect, pitch, settings.heightScale, settings.bevelSize, 99);
+        break;
+    case Form::source:
+        ConvertSrc2LightInfom(surface, &rect, pitch, settings.heightScale, settings.bevelSize, settings.limitOrProfile);
+    }
+}
+
+/// Toward zero; what is no number is 0.
+int truncated(Real value) {
+    return std::isnan(value) ? 0 : static_cast<int>(static_cast<std::int64_t>(value));
+}
+
+/// A light map computed stage by stage, ring by ring and neighbour by neighbour.
+class NaiveMap {
+public:
+    NaiveMap(q_ulong *surface, const tagRECT &rect, int surfacePitch, const Settings &with)
+        : block(surface + rect.top * surfacePitch + rect.left), width(static_cast<int>(rect.right - rect.left)),
+          height(static_cast<int>(rect.bottom - rect.top)), pitch(surfacePitch), settings(with) {}
+
+    void draw() {
+        if (width < 1 || height < 1)
+            return;
+        qmur::atFullWidth([this] {
+            raise();
+            smooth();
+            light();
+        });
+    }
+
+private:
+    int blockWords() const { return height * pitch; }
+    float &heightOf(std::vector<float> &plane, int index) {
+        return plane.at(static_cast<std::size_t>(pitch + 3 + index));
+    }
+
+    template <class Treat>
+    void forEachPixel(Treat treat) {
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                if (block[y * pitch + x] != 0)
+                    treat(x, y, y * pitch + x);
+    }
+
+    int distanceSquareOf(int index) const {
+        for (int ring = settings.form == Form::source ? 0 : 1;; ++ring) {
+            const Found found =
+                settings.form == Form::blockWithLimit
+                    ? test::findNearBlack(block, blockWords(), index, pitch, ring, settings.limitOrProfile)
+                    : test::findNearBlack(block, blockWords(), index, pitch, ring);
+            if (found.goesOn == 0)
+                return found.distanceSquare;
+        }
+    }
+
+    Real profileAt(int d2) const {
+        const int half = settings.bevelSize >> 1;
+        const Real f = std::sqrt(static_cast<Real>(d2));
+        if (settings.form != Form::source)
+            return d2 < half * half ? std::sqrt((2 * half - f) * f) : half;
+        switch (settings.limitOrProfile) {
+        case 0:
+            return f + f;
+        case 1:
+            return d2 * 0.5;
+        case 2:
+            return f < 2 * half ? std::sqrt((2 * half - f) * f) : half;
+        default:
+            return 0;
+        }
+    }
+
+    void raise() {
+        heights.assign(static_cast<std::size_t>((height + 2) * (pitch + 2)), 0);
+        forEachPixel([this](int, int, int index) {
+            heightOf(heights, index) = static_cast<float>(profileAt(distanceSquareOf(index)));
+        });
+    }
+
+    void smooth() {
+        const bool source = settings.form == Form::source;
+        const int reach = source ? settings.bevelSize / 8 : 2;
+        const Real scale =
+            source ? static_cast<float>(static_cast<Real>(1) / ((2 * reach + 1) * (2 * reach + 1))) : 0.04;
+        std::vector<float> smoothed(heights.size(), 0);
+        forEachPixel([&](int, int, int index) {
+            Real sum = 0;
+            for (int dy = -reach; dy <= reach; ++dy)
+                for (int dx = -reach; dx <= reach; ++dx) {
+                    const int neighbour = index + dy * pitch + dx;
+                    if (neighbour >= 0 && neighbour < blockWords())
+                        sum += heightOf(heights, neighbour);
+                }
+            heightOf(smoothed, index) = static_cast<float>(sum * scale);
+        });
+        heights = smoothed;
+    }
+
+    _POINT3DFLOAT pointAt(int x, int y) {
+        return {static_cast<float>(x), static_cast<float>(y),
+                static_cast<float>(static_cast<Real>(settings.heightScale) * heightOf(heights, y * pitch + x)), 0};
+    }
+
+    _POINT3DFLOAT normalAt(int x, int y) {
+        _POINT3DFLOAT a = {};
+        _POINT3DFLOAT b = {};
+        if (settings.form == Form::block) {
+            _POINT3DFLOAT corners[4] = {pointAt(x - 1, y - 1), pointAt(x - 1, y + 1), pointAt(x + 1, y - 1),
+                                        pointAt(x + 1, y + 1)};
+            fBubSun(&a, &corners[0], &corners[1], &corners[2]);
+            fBubSun(&b, &corners[2], &corners[1], &corners[3]);
+        } else {
+            _POINT3DFLOAT centre = pointAt(x, y);
+            _POINT3DFLOAT up = pointAt(x, y - 1);
+            _POINT3DFLOAT left = pointAt(x - 1, y);
+            _POINT3DFLOAT right = pointAt(x + 1, y);
+            _POINT3DFLOAT down = pointAt(x, y + 1);
+            fBubSun(&a, &up, &left, &centre);
+            fBubSun(&b, &down, &right, &centre);
+        }
+        return fMean2Vector(&a, &b);
+    }
+
+    static Real dot(const float (&a)[3], const _POINT3DFLOAT &b) {
+        return static_cast<Real>(a[2]) * b.z + static_cast<Real>(a[1]) * b.y + static_cast<Real>(a[0]) * b.x;
+    }
+
+    q_ulong wordOf(const _POINT3DFLOAT &n) const {
+        const bool source = settings.form == Form::source;
+        const float l = source ? 1 : 0.7F;
+        const Real length = source ? std::sqrt(static_cast<Real>(6)) : std::sqrt(static_cast<Real>(3.869999926090241));
+        const float light[3] = {l, l, -l};
+        const float half[3] = {static_cast<float>(l / length), static_cast<float>(l / length),
+                               static_cast<float>((-static_cast<Real>(l) - 1) / length)};
+        int diffuse = truncated(256 * dot(light, n));
+        if (diffuse < 0)
+            diffuse = 0;
+        const Real s = dot(half, n);
+        int specular = 0;
+        if (s > 0) {
+            const Real s2 = s * s;
+            const Real s4 = s2 * s2;
+            const Real s8 = s4 * s4;
+            const Real s16 = s8 * s8;
+            specular = truncated((source ? 512 : 256) * (s16 * s16));
+        }
+        if (!source)
+            return static_cast<q_ulong>(specular * 65536 + diffuse + 100);
+        const auto x = static_cast<std::uint32_t>(truncated(64 * static_cast<Real>(n.x)));
+        const auto y = static_cast<std::uint32_t>(truncated(64 * static_cast<Real>(n.y)));
+        const std::uint32_t below = static_cast<std::uint32_t>(specular < 255 ? specular : 255) << 8 |
+                                    static_cast<std::uint32_t>(diffuse + 100 < 255 ? diffuse + 100 : 255);
+        return x << 24 | y << 16 | below;
+    }
+
+    void light() {
+        // The words are the mask as well, so all of them are known before the first is written.
+        std::vector<q_ulong> words;
+        forEachPixel([&](int x, int y, int) { words.push_back(wordOf(normalAt(x, y))); });
+        std::size_t next = 0;
+        forEachPixel([&](int, int, int index) { block[index] = words[next++]; });
+    }
+
+    q_ulong *block;
+    int width;
+    int height;
+    int pitch;
+    Settings settings;
+    std::vector<float> heights;
+};
+
+void naiveMap(q_ulong *surface, const tagRECT &rect, int pitch, const Settings &settings) {
+    NaiveMap(surface, rect, pitch, settings).draw();
+}
+
+/// A random mask whose rows lie one behind another, so that searches and squares wrap round at their ends. Behind the
+/// last row lies one more, into which a block that starts inside a row reaches.
+struct Mask {
+    Surface words;
+    int pitch;
+    tagRECT rect;
+
+    static Mask random(test::Random &random, int largestPitch, int largestHeight) {
+        const int pitch = random.between(1, largestPitch);
+        const int rows = random.between(1, largestHeight);
+        Mask mask = {Surface(pitch * (rows + 1), 1), pitch, random.rectInside(pitch, rows)};
+        if (random.oneIn(3)) // at the bottom
+            mask.rect.bottom = rows;
+        if (random.oneIn(20)) // running over the end of the rows
+            mask.rect.right = mask.rect.left + random.between(1, pitch);
+        const int seldom = random.between(2, 60);
+        for (int i = 0; i < mask.words.width(); ++i)
+            mask.words.at(i, 0) = random.oneIn(seldom) ? 0 : test::anyNonZero(random);
+        // A block without black would be searched without end.
+        const int first = static_cast<int>(mask.rect.top) * pitch + static_cast<int>(mask.rect.left);
+        const int count = static_cast<int>(mask.rect.bottom - mask.rect.top) * pitch;
+        mask.words.at(first + random.between(0, count - 1), 0) = 0;
+        return mask;
+    }
+};
+
+int anyHeightScale(test::Random &random) {
+    return random.oneIn(20) ? random.between(INT_MIN, INT_MAX) : random.between(-4, 12);
+}
+
+int anyBevelSize(test::Random &random) {
+    return random.oneIn(20) ? random.between(-40, 0) : random.oneIn(2) ? random.between(0, 12) : random.between(0, 47);
+}
+
+void expectNaiveMap(const char *name, Form form) {
+    forEachCase(name, [form](Case &c) {
+        Mask mask = Mask::random(c.random, 12, 8);
+        Settings settings = {form, anyHeightScale(c.random), anyBevelSize(c.random), c.random.between(-1, 3)};
+        if (form == Form::blockWithLimit)
+            settings.limitOrProfile = c.random.oneIn(2)   ? c.random.between(-2, 40)
+                                      : c.random.oneIn(2) ? c.random.between(999999, 1000001)
+                                                          : INT_MAX;
+        Surface expected = mask.words;
+        naiveMap(expected.pixels(), mask.rect, mask.pitch, settings);
+        convert(mask.words.pixels(), mask.rect, mask.pitch, settings);
+        c.expectEqual(mask.words, expected);
+    });
+}
+
+TEST(ConvertBlock2LightInfom, with_a_limit_agrees_with_a_naive_map) {
+    expectNaiveMap("ConvertBlock2LightInfom limit", Form::blockWithLimit);
+}
+
+TEST(ConvertBlock2LightInfom, without_a_limit_agrees_with_a_naive_map_that_searches_ring_by_ring) {
+    expectNaiveMap("ConvertBlock2LightInfom", Form::block);
+}
+
+TEST(ConvertSrc2LightInfom, agrees_with_a_naive_map_that_searches_ring_by_ring) {
+    expectNaiveMap("ConvertSrc2LightInfom", Form::source);
+}
+
+constexpr Form forms[] = {Form::blockWithLimit, Form::block, Form::source};
+
+TEST(LightMaps, shapes_with_little_black_have_the_heights_of_the_searches) {
+    // Profile 0 puts the ring numbers themselves into the slopes; no height is smoothed away, and rings go far.
+    test::Random random(91);
+    for (int round = 0; round < 1500; ++round) {
+        Mask mask = Mask::random(random, 10, 10);
+        for (int i = 0; i < mask.words.width(); ++i)
+            mask.words.at(i, 0) = 1;
+        const int first = static_cast<int>(mask.rect.top) * mask.pitch + static_cast<int>(mask.rect.left);
+        const int count = static_cast<int>(mask.rect.bottom - mask.rect.top) * mask.pitch;
+        for (int black = random.between(1, 2); black > 0; --black)
+            mask.words.at(first + random.between(0, count - 1), 0) = 0;
+        for (const Settings &settings : {Settings{Form::source, 1, 7, 0}, Settings{Form::block, 1, 60, 0},
+                                         Settings{Form::blockWithLimit, 1, 60, 2000000}}) {
+            Surface result = mask.words;
+            Surface expected = mask.words;
+            naiveMap(expected.pixels(), mask.rect, mask.pitch, settings);
+            convert(result.pixels(), mask.rect, mask.pitch, settings);
+            ASSERT_EQ(result.differenceFrom(expected), "") << "round " << round;
+        }
+    }
+}
+
+TEST(LightMaps, a_larger_shape_agrees_with_a_naive_map) {
+    test::Random random(92);
+    for (const Form form : forms) {
+        Surface surface(70, 50);
+        for (int y = 0; y < 50; ++y)
+            for (int x = 0; x < 70; ++x)
+                surface.at(x, y) = (x - 35) * (x - 35) + (y - 25) * (y - 25) < 24 * 24 ? random.word() | 1 : 0;
+        Surface expected = surface;
+        const Settings settings = {form, 3, 40, form == Form::source ? 2 : 3000000};
+        naiveMap(expected.pixels(), {5, 0, 66, 50}, surface.pitch(), settings);
+        convert(surface.pixels(), {5, 0, 66, 50}, surface.pitch(), settings);
+        EXPECT_EQ(surface.differenceFrom(expected), "");
+    }
+}
+
+TEST(LightMaps, a_rectangle_of_zeros_stays) {
+    for (const Form form : forms) {
+        Surface surface(9, 9, 5);
+        for (int y = 2; y < 8; ++y)
+            for (int x = 1; x < 7; ++x)
+                surface.at(x, y) = 0;
+        const Surface before = surface;
+        for (const int limitOrProfile : {0, 2, 2000000}) {
+            convert(surface.pixels(), {1, 2, 7, 8}, surface.pitch(), {form, 4, 20, limitOrProfile});
+            EXPECT_EQ(surface.differenceFrom(before), "");
+        }
+        // No black anywhere near, either.
+        Surface zeros(9, 9, 0);
+        convert(zeros.pixels(), {0, 0, 9, 9}, zeros.pitch(), {form, 4, 20, 2});
+        EXPECT_EQ(zeros.differenceFrom(Surface(9, 9, 0)), "");
+    }
+}
+
+TEST(LightMaps, empty_rectangles_stay) {
+    test::Random random(93);
+    const Surface before = Surface::randomOfSize(random, 8, 8);
+    for (const Form form : forms)
+        for (const tagRECT rect :
+             {tagRECT{3, 3, 3, 8}, tagRECT{3, 3, 8, 3}, tagRECT{5, 5, 1, 8}, tagRECT{5, 5, 8, 1}}) {
+            Surface surface = before;
+            convert(surface.pixels(), rect, surface.pitch(), {form, 4, 20, 2});
+            EXPECT_EQ(surface.differenceFrom(before), "");
+        }
+}
+
+TEST(LightMaps, a_rectangle_without_black_stays_where_the_search_has_no_limit) {
+    const Surface before(8, 8, 3);
+    for (const Settings &settings : {Settings{Form::blockWithLimit, 4, 20, 1000000}, Settings{Form::block, 4, 20, 0},
+                                     Settings{Form::source, 4, 20, 2}}) {
+        Surface surface = before;
+        convert(surface.pixels(), surface.rect(), surface.pitch(), settings);
+        EXPECT_EQ(surface.differenceFrom(before), "");
+    }
+    Surface surface = before;
+    convert(surface.pixels(), surface.rect(), surface.pitch(), {Form::blockWithLimit, 0, 20, 999999});
+    Surface flat = before;
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 8; ++x)
+            flat.at(x, y) = 0x00020117;
+    EXPECT_EQ(surface.differenceFrom(flat), "");
+}
+
+/// The diffuse light of a flat spot is 256 * 0.7 = 179.2 and 100, its highlight 256 * (1.7 / 1.967)^32 = 2.4. In the
+/// source form 256 and 100 are limited to 255, and the highlight is 512 * (2 / 6^0.5)^32 = 0.8.
+constexpr q_ulong flatWord(Form form) {
+    return form == Form::source ? 0x000000FF : 0x00020117;
+}
+
+/// Expects a shape, all but its every third diagonal, to become flat words.
+void expectFlat(const Settings &settings) {
+    Surface surface(11, 9);
+    Surface expected = surface;
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 11; ++x)
+            if ((x + y) % 3 != 0) {
+                surface.at(x, y) = static_cast<q_ulong>(x + 1) << 24 | 0x777777;
+                expected.at(x, y) = flatWord(settings.form);
+            }
+    convert(surface.pixels(), surface.rect(), surface.pitch(), settings);
+    EXPECT_EQ(surface.differenceFrom(expected), "");
+}
+
+TEST(LightMaps, a_height_scale_of_0_makes_all_of_it_flat) {
+    for (const Form form : forms)
+        for (const int bevelSize : {0, 7, 40})
+            for (const int limitOrProfile : {0, 1, 2, 9, 1000000})
+                expectFlat({form, 0, bevelSize, limitOrProfile});
+}
+
+TEST(LightMaps, a_bevel_of_0_makes_the_block_forms_and_the_rounded_source_form_flat) {
+    expectFlat({Form::blockWithLimit, 12, 0, 0});
+    expectFlat({Form::blockWithLimit, 12, 1, 50});
+    expectFlat({Form::block, 12, 0, 0});
+    expectFlat({Form::source, 12, 0, 2});
+}
+
+TEST(ConvertSrc2LightInfom, a_profile_that_does_not_exist_is_flat) {
+    for (const int profile : {3, 4, -1, INT_MIN, INT_MAX})
+        expectFlat({Form::source, 12, 40, profile});
+}
+
+TEST(ConvertSrc2LightInfom, a_negative_bevel_of_8_and_more_smooths_over_no_pixel_at_all) {
+    expectFlat({Form::source, 12, -8, 0});
+    expectFlat({Form::source, 12, -100, 1});
+}
+
+/// A shape of 40 by 40 pixels but for one black line along one of its sides, converted; the pixel `depth` away from
+/// that line. The far ends of the rows are black too.
+enum class Side { left, top, right, bottom };
+q_ulong wordBeside(Side side, int depth, const Settings &settings) {
+    Surface surface(41, 41, 1);
+    const auto pixel = [&surface, side](int across, int along) -> q_ulong & {
+        switch (side) {
+        case Side::left:
+            return surface.at(across, along);
+        case Side::right:
+            return surface.at(40 - across, along);
+        case Side::top:
+            return surface.at(along, across);
+        default:
+            return surface.at(along, 40 - across);
+        }
+    };
+    for (int along = 0; along < 41; ++along)
+        pixel(0, along) = 0;
+    convert(surface.pixels(), surface.rect(), surface.pitch(), settings);
+    return pixel(depth, 20);
+}
+
+TEST(ConvertSrc2LightInfom, words_of_straight_slopes_by_hand) {
+    // Heights 2 f rise by 2 to the pixel. The normal of a slope that rises to the right is (2, 0, -1) / 5^0.5: 64 times
+    // 0.894 is 57, the light 256 * 1.34 and 100 are beyond 255, and the highlight is 512 * 0.73^32.
+    const Settings settings = {Form::source, 1, 7, 0};
+    for (const int depth : {1, 2, 3, 8}) {
+        EXPECT_EQ(wordBeside(Side::left, depth, settings), 0x390000FFu);
+        EXPECT_EQ(wordBeside(Side::top, depth, settings), 0x003900FFu);
+        // Turned away from the light, which leaves 100: -57 is 0xC7.
+        EXPECT_EQ(wordBeside(Side::right, depth, settings), 0xC7000064u);
+    }
+}
+
+TEST(ConvertSrc2LightInfom, a_normal_with_a_negative_y_has_0xFF_in_the_top_byte) {
+    const Settings settings = {Form::source, 1, 7, 0};
+    for (const int depth : {1, 2, 3, 8})
+        EXPECT_EQ(wordBeside(Side::bottom, depth, settings), 0xFFC70064u);
+    // Also where x is positive: at a lower left corner, heights of 4 above and to the right, of 2 elsewhere. The normal
+    // is (1, -1, -1) over 5^0.5, x 28 and y -28.
+    Surface surface(9, 9);
+    for (int y = 0; y < 6; ++y)
+        for (int x = 3; x < 9; ++x)
+            surface.at(x, y) = 1;
+    surface.at(3, 5) = 0;
+    convert(surface.pixels(), {0, 0, 9, 9}, surface.pitch(), settings);
+    EXPECT_EQ(surface.at(4, 4), 0xFFE400D6u);
+}
+
+TEST(ConvertSrc2LightInfom, words_of_the_other_profiles_by_hand) {
+    // f f / 2 is 0, 0.5 and 2: slopes of 0.5 and 1.5, mean normal (0.6396, 0, -0.7246), highlight 512 * 0.8527^32.
+    EXPECT_EQ(wordBeside(Side::left, 1, {Form::source, 1, 7, 1}), 0x280003FFu);
+    // A circle of radius 3, followed down its other side: 3, 8^0.5 and 5^0.5. Mean normal (-0.3394, 0, -0.9230), light
+    // 256 * 0.5836 and 100.
+    EXPECT_EQ(wordBeside(Side::left, 4, {Form::source, 1, 7, 2}), 0xEB0000F9u);
+    // From 6 pixels on it is as high as in the middle.
+    EXPECT_EQ(wordBeside(Side::left, 8, {Form::source, 1, 7, 2}), 0x000000FFu);
+}
+
+TEST(ConvertBlock2LightInfom, words_of_a_smoothed_step_by_hand) {
+    // With half a bevel of 1 every height is 1. The 5 by 5 squares soften the step to 0.6, 0.8 and 1 behind black.
+    const Settings limited = {Form::blockWithLimit, 1, 2, 50};
+    EXPECT_EQ(wordBeside(Side::left, 1, limited), 0x00120148u); // mean normal (0.3553, 0, -0.9190)
+    EXPECT_EQ(wordBeside(Side::left, 2, limited), 0x00100136u); // (0.1961, 0, -0.9806)
+    EXPECT_EQ(wordBeside(Side::left, 3, limited), 0x00060127u); // (0.0981, 0, -0.9903)
+    EXPECT_EQ(wordBeside(Side::left, 4, limited), 0x00020117u);
+    // Across the diagonals the slope is half the way from 0 to 0.8: (0.3714, 0, -0.9285).
+    EXPECT_EQ(wordBeside(Side::left, 1, {Form::block, 1, 2, 0}), 0x001D014Cu);
+    EXPECT_EQ(wordBeside(Side::left, 4, {Form::block, 1, 2, 0}), 0x00020117u);
+}
+
+TEST(ConvertBlock2LightInfom, a_shape_of_one_pixel_by_hand) {
+    // Its height of 1 is smoothed to 0.04 and scaled to 1. The faces (1, 1, -1) and (-1, -1, -1) over 3^0.5 have the
+    // mean (0, 0, -0.577), whose light is 256 * 0.404 and 100.
+    Surface surface(5, 5);
+    surface.at(2, 2) = 0xFF000000;
+    Surface expected = surface;
+    expected.at(2, 2) = 203;
+    Surface result = surface;
+    convert(result.pixels(), {0, 0, 5, 5}, result.pitch(), {Form::blockWithLimit, 25, 2, 50});
+    EXPECT_EQ(result.differenceFrom(expected), "");
+    // The diagonal neighbours know nothing of it.
+    expected.at(2, 2) = 0x00020117;
+    result = surface;
+    convert(result.pixels(), {0, 0, 5, 5}, result.pitch(), {Form::block, 25, 2, 50});
+    EXPECT_EQ(result.differenceFrom(expected), "");
+}
+
+TEST(ConvertBlock2LightInfom, with_a_limit_below_1000000_the_bevel_is_one_pixel_deep) {
+    // Only the pixels that touch black are lower than 20. The 5 by 5 squares carry that to depth 3, the slopes to 4.
+    const Settings deep = {Form::blockWithLimit, 1, 40, 999999};
+    for (const int depth : {5, 6, 10, 15})
+        EXPECT_EQ(wordBeside(Side::left, depth, deep), 0x00020117u) << depth;
+    EXPECT_NE(wordBeside(Side::left, 4, deep), 0x00020117u);
+    const Settings search = {Form::blockWithLimit, 1, 40, 1000000};
+    for (const int depth : {2, 4, 5, 10, 15})
+        EXPECT_NE(wordBeside(Side::left, depth, search), 0x00020117u) << depth;
+}
+
+TEST(LightMaps, searches_wrap_round_at_the_ends_of_rows) {
+    // Rows of 8, black at their start alone: their last pixel lies beside the next row's black one.
+    Surface surface(8 * 6, 1, 1);
+    for (int y = 0; y < 6; ++y)
+        surface.at(8 * y, 0) = 0;
+    convert(surface.pixels(), {0, 0, 8, 6}, 8, {Form::source, 1, 7, 0});
+    for (int y = 1; y < 5; ++y) {
+        EXPECT_EQ(surface.at(8 * y + 1, 0), 0x390000FFu); // rises from 0 by 2 and 4
+        EXPECT_EQ(surface.at(8 * y + 2, 0), 0x390000FFu);
+        EXPECT_EQ(surface.at(8 * y + 6, 0), 0xC7000064u);
+        EXPECT_EQ(surface.at(8 * y + 7, 0), 0xC7000064u);
+    }
+}
+
+TEST(LightMaps, only_words_that_a_search_comes_to_are_read) {
+    // A rectangle in the last rows of a surface, away from its left: the block ends in a row that is not there.
+    for (const Form form : forms)
+        for (const int x : {1, 2, 3}) {
+            test::PageEndPixels pixels(20 * 5);
+            std::vector<q_ulong> expected(20 * 6);
+            for (int i = 0; i < 20 * 5; ++i)
+                pixels.data()[i] = 0;
+            const int shape[] = {20 * 4 + 10 + x, 20 * 3 + 10 + x, 20 * 2 + 10};
+            for (const int index : shape)
+                pixels.data()[index] = expected[static_cast<std::size_t>(index)] = 7;
+            const Settings settings = {form, 2, 9, form == Form::source ? 0 : 1000000};
+            naiveMap(expected.data(), {10, 0, 15, 5}, 20, settings);
+            convert(pixels.data(), {10, 0, 15, 5}, 20, settings);
+            for (int i = 0; i < 20 * 5; ++i)
+                ASSERT_EQ(pixels.data()[i], expected[static_cast<std::size_t>(i)]) << i;
+        }
+}
+
+TEST(LightMaps, a_rectangle_wider_than_the_pitch_stays) {
+    for (const Form form : forms) {
+        Surface surface(200, 1, 7);
+        surface.at(3, 0) = 0;
+        const Surface before = surface;
+        convert(surface.pixels(), {0, 0, 150, 2}, 4, {form, 2, 9, 0});
+        EXPECT_EQ(surface.differenceFrom(before), "");
+    }
+}
+
+} // namespace

@@ -1,0 +1,38 @@
+#!/usr/bin/env python3
+"""Builds and runs a program with no more than what pkg-config says about the installed library.
+
+usage: pkg_config_test.py PKG_CONFIG PREFIX SOURCE PROGRAM VERSION COMPILER_AND_FLAGS
+"""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+
+SKIPPED = 77
+
+
+def main():
+    pkg_config, prefix, source, program, version, compiler = sys.argv[1:]
+    if not shutil.which(pkg_config):
+        print("pkg-config is not installed")
+        return SKIPPED
+
+    package = next(pathlib.Path(prefix).rglob("q_Mur.pc"))
+    environment = {**os.environ, "PKG_CONFIG_PATH": str(package.parent)}
+
+    def ask(*question):
+        command = [pkg_config, *question, "q_Mur"]
+        return subprocess.run(command, env=environment, stdout=subprocess.PIPE, text=True, check=True).stdout.split()
+
+    if ask("--modversion") != [version]:
+        print(f"pkg-config speaks of version {ask('--modversion')}")
+        return 1
+    subprocess.run([*compiler.split(), *ask("--cflags"), source, *ask("--libs"), "-o", program], check=True)
+    environment["LD_LIBRARY_PATH"] = ask("--variable=libdir")[0]
+    return subprocess.run([program], env=environment).returncode
+
+
+if __name__ == "__main__":
+    sys.exit(main())

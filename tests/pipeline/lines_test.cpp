@@ -1,0 +1,331 @@
+#include "host.h"
+#include "math3d/full_width.h"
+#include "mesh.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdlib>
+
+namespace {
+
+using test::callAtAnyPrecision;
+using test::Canvas;
+using test::Case;
+using test::forEachCase;
+using test::low32;
+using test::Mesh;
+using test::Surface;
+
+void line(Canvas &canvas, tagRECT clip, _POINT3D a, _POINT3D b, q_ulong colour, q_ulong colourB = 0) {
+    VKD_3D_Line(canvas.data, canvas.pixels(), &clip, canvas.pitch(), &a, &b, &colour, &colourB);
+}
+
+q_ulong mean(q_ulong d, q_ulong colour, int dstWeight) {
+    q_ulong result = 0;
+    for (const int shift : {0, 8, 16})
+        result |= ((d >> shift & 255) * static_cast<q_ulong>(dstWeight) +
+                   (colour >> shift & 255) * static_cast<q_ulong>(256 - dstWeight)) /
+                      256
+                  << shift;
+    return result;
+}
+
+/// Asks of each step of the line what becomes of four pixels across it. The two axes are written out as an exchange of
+/// coordinates.
+void naiveLine(Surface &picture, Surface &depths, const tagRECT &clip, _POINT3D a, _POINT3D b, q_ulong colour) {
+    const auto difference = [](int u, int v) { return low32(static_cast<std::int64_t>(u) - v); };
+    const int dx = difference(b.x, a.x);
+    const int dy = difference(b.y, a.y);
+    const bool steep = std::abs(std::int64_t{dx}) <= std::abs(std::int64_t{dy});
+    const int xLow = low32(std::int64_t{clip.left} + 1);
+    const int xHigh = low32(std::int64_t{clip.right} - 2);
+    const int yLow = low32(std::int64_t{clip.top} + 1);
+    const int yHigh = low32(std::int64_t{clip.bottom} - 2);
+    const int major = steep ? dy : dx;
+    if (major == 0)
+        return;
+    const auto perStep = [major](int whole) { return low32(std::int64_t{low32(std::int64_t{whole} * 256)} / major); };
+    const int minorStep = perStep(steep ? dx : dy);
+    const int depthStep = perStep(difference(b.z, a.z));
+    if (!(steep ? b.y > a.y : b.x > a.x))
+        std::swap(a, b);
+    const int first = std::max(steep ? yLow : xLow, steep ? a.y : a.x);
+    const int last = std::min(steep ? yHigh : xHigh, steep ? b.y : b.x);
+    for (int k = first; k < last; ++k) {
+        const std::int64_t steps = difference(k, steep ? a.y : a.x);
+        const int minor = low32(steps * minorStep + std::int64_t{steep ? a.x : a.y} * 256);
+        const int z = low32(steps * depthStep + std::int64_t{a.z} * 256) >> 8;
+        const int p = minor >> 8;
+        if (p < (steep ? xLow : yLow) || p >= (steep ? xHigh : yHigh))
+            continue;
+        const int f = minor & 255;
+        struct Treated {
+            int offset;
+            int dstWeight;
+        };
+        for (const auto &[offset, dstWeight] : {Treated{-1, f}, Treated{2, 256 - f}, Treated{0, -1}, Treated{1, -1}}) {
+            const int x = steep ? p + offset : k;
+            const int y = steep ? k : p + offset;
+            if (z >= static_cast<q_long>(depths.at(x, y)))
+                continue;
+            depths.at(x, y) = static_cast<q_ulong>(static_cast<short>(z));
+            picture.at(x, y) = dstWeight < 0 ? colour : mean(picture.at(x, y), colour, dstWeight);
+        }
+    }
+}
+
+TEST(VKD_3D_Line, the_lower_end_is_not_drawn) {
+    Canvas canvas(32, 24);
+    line(canvas, canvas.picture.rect(), {10, 10, 5, 0}, {20, 10, 5, 0}, 0xFFFFFF);
+    for (int x = 0; x < 32; ++x)
+        for (int y = 9; y <= 12; ++y) {
+            EXPECT_EQ(canvas.picture.at(x, y), x >= 10 && x < 20 && y < 12 ? 0xFFFFFFu : 0u) << x << ", " << y;
+            EXPECT_EQ(canvas.depth(x, y), x >= 10 && x < 20 ? 5 : 0x7FFF) << x << ", " << y;
+        }
+    Canvas turned(32, 24);
+    line(turned, turned.picture.rect(), {20, 10, 5, 0}, {10, 10, 5, 0}, 0xFFFFFF);
+    EXPECT_EQ(turned.picture.differenceFrom(canvas.picture), "");
+}
+
+TEST(VKD_3D_Line, a_fringe_pixel_of_weight_0_writes_its_depth_and_clears_the_top_byte) {
+    Canvas canvas(12, 12);
+    canvas.picture.at(4, 6) = 0xFF123456;
+    line(canvas, canvas.picture.rect(), {4, 4, 7, 0}, {8, 4, 7, 0}, 0xABFFFFFF);
+    EXPECT_EQ(canvas.picture.at(4, 6), 0x123456u);
+    EXPECT_EQ(canvas.depth(4, 6), 7);
+    EXPECT_EQ(canvas.picture.at(4, 3), 0xFFFFFFu) << "the fringe of full weight has no top byte";
+    EXPECT_EQ(canvas.picture.at(4, 4), 0xABFFFFFFu) << "the core is the colour's word";
+    EXPECT_EQ(canvas.picture.at(4, 5), 0xABFFFFFFu);
+}
+
+TEST(VKD_3D_Line, the_fringe_slides_with_the_fraction) {
+    Canvas canvas(16, 16);
+    line(canvas, canvas.picture.rect(), {4, 4, 0, 0}, {8, 6, 0, 0}, 0x00FF80);
+    // Column 5 stands half a pixel down.
+    EXPECT_EQ(canvas.picture.at(5, 3), 0x007F40u);
+    EXPECT_EQ(canvas.picture.at(5, 4), 0x00FF80u);
+    EXPECT_EQ(canvas.picture.at(5, 5), 0x00FF80u);
+    EXPECT_EQ(canvas.picture.at(5, 6), 0x007F40u);
+    EXPECT_EQ(canvas.picture.at(6, 4), 0x00FF80u) << "column 6 a whole pixel";
+    EXPECT_EQ(canvas.picture.at(6, 3), 0u);
+}
+
+TEST(VKD_3D_Line, an_exact_diagonal_is_steep) {
+    Canvas canvas(16, 16);
+    line(canvas, canvas.picture.rect(), {4, 4, 0, 0}, {8, 8, 0, 0}, 9);
+    EXPECT_EQ(canvas.picture.at(5, 4), 9u) << "two pixels beside each other";
+    EXPECT_EQ(canvas.picture.at(3, 4), 9u);
+    EXPECT_EQ(canvas.picture.at(4, 3), 0u);
+    EXPECT_EQ(canvas.picture.at(4, 6), 0u);
+}
+
+TEST(VKD_3D_Line, a_line_without_length_draws_nothing) {
+    Canvas canvas(16, 16);
+    line(canvas, canvas.picture.rect(), {5, 5, 0, 0}, {5, 5, 100, 0}, 9);
+    EXPECT_EQ(canvas.picture.differenceFrom(Surface(16, 16)), "");
+    EXPECT_EQ(canvas.depth(5, 5), 0x7FFF);
+}
+
+TEST(VKD_3D_Line, of_equal_depths_the_first_stands) {
+    Canvas canvas(16, 16);
+    line(canvas, canvas.picture.rect(), {4, 4, 3, 0}, {9, 4, 3, 0}, 1);
+    line(canvas, canvas.picture.rect(), {4, 4, 3, 0}, {9, 4, 3, 0}, 2);
+    EXPECT_EQ(canvas.picture.at(5, 4), 1u);
+    line(canvas, canvas.picture.rect(), {4, 4, 2, 0}, {9, 4, 2, 0}, 2);
+    EXPECT_EQ(canvas.picture.at(5, 4), 2u);
+}
+
+TEST(VKD_3D_Line, the_near_limit_plays_no_part) {
+    Canvas canvas(16, 16);
+    canvas.data->nearLimit = 1000;
+    line(canvas, canvas.picture.rect(), {4, 4, -7, 0}, {9, 4, -7, 0}, 1);
+    EXPECT_EQ(canvas.picture.at(5, 4), 1u);
+    EXPECT_EQ(canvas.depth(5, 4), -7);
+}
+
+TEST(VKD_3D_Line, the_second_colour_is_not_read) {
+    Canvas canvas(16, 16);
+    tagRECT clip = canvas.picture.rect();
+    _POINT3D a = {3, 3, 0, 0};
+    _POINT3D b = {9, 7, 0, 0};
+    q_ulong colour = 0x102030;
+    VKD_3D_Line(canvas.data, canvas.pixels(), &clip, canvas.pitch(), &a, &b, &colour, nullptr);
+    EXPECT_EQ(canvas.picture.at(3, 3), colour);
+    EXPECT_EQ(canvas.picture.at(8, 6), colour);
+}
+
+TEST(VKD_3D_Line, the_fringe_stays_inside_the_clip) {
+    for (int x = -3; x < 20; ++x) {
+        Canvas canvas(16, 16);
+        const tagRECT clip = {3, 3, 12, 12};
+        line(canvas, clip, {x, 0, 0, 0}, {x, 16, 0, 0}, 9);
+        const bool drawn = x >= 4 && x < 10; // clip left + 1 up to clip right - 2
+        for (int row = 0; row < 16; ++row)
+            for (int column = 0; column < 16; ++column) {
+                const bool touched = drawn && row >= 4 && row < 10 && column >= x - 1 && column <= x + 2;
+                ASSERT_EQ(canvas.depth(column, row) != 0x7FFF, touched) << x << ": " << column << ", " << row;
+            }
+    }
+    Canvas canvas(16, 16);
+    line(canvas, {3, 3, 5, 12}, {4, 0, 0, 0}, {4, 16, 0, 0}, 9);
+    EXPECT_EQ(canvas.picture.differenceFrom(Surface(16, 16)), "") << "a clip narrower than its margins";
+}
+
+TEST(VKD_3D_Line, clips_at_the_ends_of_the_numbers_let_nothing_through) {
+    for (const tagRECT clip : {tagRECT{INT_MAX, INT_MAX, INT_MIN, INT_MIN}, tagRECT{0, 0, INT_MIN + 1, 16}}) {
+        Canvas canvas(16, 16);
+        line(canvas, clip, {4, 4, 0, 0}, {10, 12, 0, 0}, 9);
+        line(canvas, clip, {4, 4, 0, 0}, {12, 10, 0, 0}, 9);
+        EXPECT_EQ(canvas.picture.differenceFrom(Surface(16, 16)), "");
+    }
+}
+
+TEST(VKD_3D_Line, depth_runs_along_the_longer_axis) {
+    Canvas canvas(16, 16);
+    line(canvas, canvas.picture.rect(), {2, 4, 100, 0}, {12, 4, 0, 0}, 9);
+    for (int x = 2; x < 12; ++x)
+        EXPECT_EQ(canvas.depth(x, 4), 100 - 10 * (x - 2)) << x;
+}
+
+TEST(VKD_3D_Line, numbers_beyond_the_format_wrap_and_do_not_trap) {
+    Canvas canvas(8, 8);
+    Surface expected(8, 8);
+    Surface depths(8, 8, 0x7FFF);
+    // 8388608 << 8 is the least int, and the length is -1.
+    line(canvas, canvas.picture.rect(), {3, 5, 8388608, 0}, {3, 4, 0, 0}, 9);
+    naiveLine(expected, depths, expected.rect(), {3, 5, 8388608, 0}, {3, 4, 0, 0}, 9);
+    EXPECT_EQ(canvas.picture.differenceFrom(expected), "");
+    EXPECT_EQ(canvas.depths().differenceFrom(depths), "");
+}
+
+TEST(VKD_3D_Line, agrees_with_a_naive_line) {
+    forEachCase("VKD_3D_Line", [](Case &c) {
+        Surface start = Surface::random(c.random, 14);
+        const Surface startDepths = test::randomDepths(c.random, start);
+        const tagRECT clip = c.random.rectInsideOrEmpty(start.width(), start.height());
+        const bool wild = c.random.oneIn(20);
+        const int reach = c.random.oneIn(4) ? 2000 : 20;
+        const auto point = [&c, wild, reach] {
+            const auto value = [&](int low, int high) {
+                return wild && c.random.oneIn(3) ? static_cast<int>(c.random.word()) : c.random.between(low, high);
+            };
+            const int x = value(-reach / 2, reach);
+            const int y = value(-reach / 2, reach);
+            return _POINT3D{x, y, value(-200, 400), 0};
+        };
+        const _POINT3D a = point();
+        _POINT3D b = point();
+        if (c.random.oneIn(8))
+            b.x = a.x;
+        if (c.random.oneIn(8))
+            b.y = a.y;
+        const q_ulong colour = c.random.pixel();
+        Canvas canvas(start, startDepths);
+        Surface expected = start;
+        Surface depths = startDepths;
+        naiveLine(expected, depths, clip, a, b, colour);
+        line(canvas, clip, a, b, colour, ~colour);
+        c.expectEqual(canvas.picture, expected);
+        c.expectEqual(canvas.depths(), depths);
+    });
+}
+
+void renderLines(Canvas &canvas, tagRECT clip, Mesh &mesh) {
+    VKD_Render_3D_Line(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(), mesh.colours.data(),
+                       mesh.wrapRows, mesh.wrapColumns, mesh.columns, mesh.rows, &mesh.light, nullptr, &mesh.ambient,
+                       mesh.specular, mesh.shininess, 0);
+}
+
+void naiveLines(Surface &picture, Surface &depths, const tagRECT &clip, const Mesh &mesh,
+                const std::vector<q_ulong> &colours) {
+    const int R = mesh.rows - 1;
+    const int K = mesh.columns - 1;
+    const auto whole = [&mesh](int row, int column) {
+        const _POINT3DFLOAT &p = mesh.points.at(mesh.index(row, column));
+        return _POINT3D{static_cast<int>(p.x), static_cast<int>(p.y), static_cast<int>(p.z), 0};
+    };
+    const auto draw = [&](int r0, int c0, int r1, int c1) {
+        naiveLine(picture, depths, clip, whole(r0, c0), whole(r1, c1), colours.at(mesh.index(r0, c0)));
+    };
+    for (int r = 0; r < R; ++r)
+        for (int c = 0; c < K; ++c) {
+            draw(r, c, r + 1, c);
+            draw(r, c, r, c + 1);
+        }
+    for (int r = 0; r < R; ++r)
+        draw(r, K, r + 1, K);
+    for (int c = 0; c < K; ++c)
+        draw(R, c, R, c + 1);
+    if (mesh.wrapRows == 1)
+        for (int c = 0; c <= K; ++c)
+            draw(R, c, 0, c);
+    if (mesh.wrapColumns == 1)
+        for (int r = 0; r <= R; ++r)
+            draw(r, K, r, 0);
+}
+
+TEST(VKD_Render_3D_Line, lights_its_colours_like_a_surface) {
+    test::Random random(3);
+    Mesh mesh = test::randomMesh(random, 5, 8);
+    const std::vector<q_ulong> lit = mesh.litNaively();
+    Canvas canvas(30, 30);
+    renderLines(canvas, canvas.picture.rect(), mesh);
+    EXPECT_EQ(mesh.colours, lit);
+}
+
+TEST(VKD_Render_3D_Line, each_line_has_the_colour_of_its_first_point) {
+    Mesh mesh(2, 2);
+    for (std::size_t i = 0; i < 4; ++i) {
+        mesh.points[i].x += 4;
+        mesh.points[i].y += 4;
+        mesh.colours[i] = static_cast<q_ulong>(i + 1) * 16;
+    }
+    Canvas canvas(24, 24);
+    renderLines(canvas, canvas.picture.rect(), mesh);
+    EXPECT_EQ(canvas.picture.at(9, 4), 16u);
+    EXPECT_EQ(canvas.picture.at(4, 9), 16u);
+    EXPECT_EQ(canvas.picture.at(14, 9), 32u);
+    EXPECT_EQ(canvas.picture.at(9, 14), 48u);
+}
+
+TEST(VKD_Render_3D_Line, wrap_lines_join_the_ends) {
+    for (int flag = 0; flag <= 2; ++flag) {
+        // Three points to a side: the line that closes a row lies over its other two, but nearer.
+        Mesh mesh(3, 3);
+        for (int row = 0; row < 3; ++row)
+            for (int column = 0; column < 3; ++column) {
+                _POINT3DFLOAT &p = mesh.point(row, column);
+                p = {p.x + 4, p.y + 4, row == 1 || column == 1 ? 100.0F : 0.0F, 0};
+                mesh.colour(row, column) = 0x10;
+            }
+        mesh.light = {0, 0, -0.5F, 0};
+        mesh.ambient = {256, 0, 0, 0};
+        mesh.wrapColumns = flag;
+        Canvas canvas(40, 40);
+        renderLines(canvas, canvas.picture.rect(), mesh);
+        EXPECT_EQ(canvas.depth(14, 4), flag == 1 ? 0 : 100) << flag;
+        EXPECT_EQ(canvas.depth(4, 14), 100) << flag;
+    }
+}
+
+TEST(VKD_Render_3D_Line, agrees_with_naive_lines) {
+    forEachCase(
+        "VKD_Render_3D_Line",
+        [](Case &c) {
+            Mesh mesh = test::randomMesh(c.random, 4, 5);
+            Surface start = Surface::random(c.random, 16);
+            const Surface startDepths = test::randomDepths(c.random, start);
+            const tagRECT clip = c.random.rectInsideOrEmpty(start.width(), start.height());
+            Canvas canvas(start, startDepths);
+            Surface expected = start;
+            Surface depths = startDepths;
+            naiveLines(expected, depths, clip, mesh, mesh.litNaively());
+            callAtAnyPrecision(c, [&] { renderLines(canvas, clip, mesh); });
+            c.expectEqual(canvas.picture, expected);
+            c.expectEqual(canvas.depths(), depths);
+        },
+        4000);
+}
+
+} // namespace

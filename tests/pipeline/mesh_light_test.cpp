@@ -1,0 +1,201 @@
+#include "host.h"
+#include "math3d/full_width.h"
+#include "mesh.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using test::callAtAnyPrecision;
+using test::Canvas;
+using test::Case;
+using test::forEachCase;
+using test::Mesh;
+
+/// Lights the colours in place; what is drawn does not matter here.
+void light(Mesh &mesh) {
+    Canvas canvas(1, 1);
+    tagRECT clip = {0, 0, 0, 0};
+    VKD_Render_3D_Surface(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(), mesh.colours.data(),
+                          mesh.wrapRows, mesh.wrapColumns, mesh.columns, mesh.rows, &mesh.light, nullptr, &mesh.ambient,
+                          mesh.specular, mesh.shininess, 0);
+}
+
+TEST(VKD_Render_3D_Surface, light_straight_on_a_flat_grid_leaves_its_colours) {
+    for (const int columns : {2, 3, 4})
+        for (const int rows : {2, 3, 4}) {
+            Mesh mesh(columns, rows);
+            light(mesh);
+            for (const q_ulong colour : mesh.colours)
+                EXPECT_EQ(colour, 0x804020u);
+        }
+}
+
+TEST(VKD_Render_3D_Surface, a_grid_facing_away_has_ambient_light_alone) {
+    Mesh mesh(3, 3);
+    mesh.light = {0, 0, -0.5F, 0};
+    light(mesh);
+    for (const q_ulong colour : mesh.colours)
+        EXPECT_EQ(colour, 0u);
+    mesh.light = {0, 0, 1, 0};
+    light(mesh);
+    for (const q_ulong colour : mesh.colours)
+        EXPECT_EQ(colour, 0u) << "colours stay black until they are filled again";
+
+    Mesh ambient(3, 3);
+    ambient.light = {0, 0, -0.5F, 0};
+    ambient.ambient = {0, -128, 0, 0};
+    light(ambient);
+    for (const q_ulong colour : ambient.colours)
+        EXPECT_EQ(colour, 0x402010u);
+}
+
+TEST(VKD_Render_3D_Surface, the_ambient_level_is_the_length_of_its_vector) {
+    Mesh mesh(2, 2, 10, 0xFFFFFF);
+    mesh.light = {0, 0, -0.5F, 0};
+    mesh.ambient = {3, 4, 0, 1000};
+    light(mesh);
+    EXPECT_EQ(mesh.colours[0], 0x040404u) << "255 * 5 / 256";
+}
+
+TEST(VKD_Render_3D_Surface, the_root_of_a_large_ambient_vector_is_exact) {
+    // The squares add up to 4098 * 4098 - 1, which is no float: rounded to one, its root would be 4098 instead of 4097.
+    // 128 * 4097 / 256 is 2048, and a negative highlight brings that back into the channel.
+    Mesh mesh(2, 2, 10, 0x000080);
+    mesh.light = {0, 0, -0.5F, 0};
+    mesh.ambient = {4097, 25, 87, 0};
+    mesh.specular = -8;
+    light(mesh);
+    EXPECT_EQ(mesh.colours[0] & 0xFF, 0u);
+    Mesh negative(2, 2);
+    negative.light = {0, 0, -0.5F, 0};
+    negative.ambient = {40000, 30000, 0, 0}; // the squares wrap below 0 and have no root
+    light(negative);
+    EXPECT_EQ(negative.colours[0], 0u);
+}
+
+TEST(VKD_Render_3D_Surface, channels_stop_at_255_and_the_top_byte_goes) {
+    Mesh mesh(2, 2, 10, 0x00804020);
+    mesh.ambient = {512, 0, 0, 0};
+    mesh.colours[1] = 0x01000010;
+    light(mesh);
+    EXPECT_EQ(mesh.colours[0], 0xFFC060u) << "three times the colour";
+    EXPECT_EQ(mesh.colours[1], 0xFF0030u) << "red is taken with the top byte";
+}
+
+TEST(VKD_Render_3D_Surface, shininess_counts_squarings_of_the_highlight) {
+    // The light from the side at 3, 4: half vector (3, 0, 9) of length sqrt(90), times the normal is 9 / 9.4868.
+    const auto highlight = [](int shininess) {
+        Mesh mesh(2, 2, 10, 0);
+        mesh.light = {0.6F, 0, 0.8F, 0};
+        mesh.specular = 1;
+        mesh.shininess = shininess;
+        light(mesh);
+        return mesh.colours[0] & 0xFF;
+    };
+    EXPECT_EQ(highlight(0), 242u); // 256 * 0.94868
+    EXPECT_EQ(highlight(-3), 242u);
+    EXPECT_EQ(highlight(1), 230u); // 256 * 0.9 less the rounding of the half vector
+    EXPECT_EQ(highlight(3), 167u); // 256 * 0.6561
+}
+
+TEST(VKD_Render_3D_Surface, a_highlight_falls_on_every_channel_alike) {
+    Mesh mesh(2, 2, 10, 0x102030);
+    mesh.specular = 0.25F;
+    light(mesh);
+    EXPECT_EQ(mesh.colours[0], 0x506070u);
+    Mesh away(2, 2, 10, 0x102030);
+    away.light = {0, 0, -2, 0}; // the half vector points away too
+    away.specular = 0.25F;
+    light(away);
+    EXPECT_EQ(away.colours[0], 0u);
+}
+
+TEST(VKD_Render_3D_Surface, a_vertex_inside_ignores_the_cells_to_its_left) {
+    // The left column of points is bent away, so that the cells at the left are dark.
+    Mesh mesh(4, 4);
+    for (int row = 0; row < 4; ++row)
+        mesh.point(row, 0).z = 500;
+    light(mesh);
+    for (int row = 1; row < 3; ++row) {
+        EXPECT_LT(mesh.colour(row, 0), 0x804020u);
+        EXPECT_EQ(mesh.colour(row, 1), 0x804020u) << "row " << row;
+        EXPECT_EQ(mesh.colour(row, 2), 0x804020u);
+        EXPECT_EQ(mesh.colour(row, 3), 0x804020u);
+    }
+    EXPECT_LT(mesh.colour(0, 1), 0x804020u) << "at the upper border both neighbours count";
+    EXPECT_LT(mesh.colour(3, 1), 0x804020u);
+
+    // The right column bent instead: the vertices before it are dark, by both cells on the right.
+    Mesh right(4, 4);
+    for (int row = 0; row < 4; ++row)
+        right.point(row, 3).z = 500;
+    light(right);
+    EXPECT_EQ(right.colour(1, 1), 0x804020u);
+    EXPECT_EQ(right.colour(1, 2), right.colour(1, 3)) << "the bent cells twice over";
+    EXPECT_LT(right.colour(1, 2), 0x101010u);
+}
+
+TEST(VKD_Render_3D_Surface, the_fourth_corner_of_a_cell_has_no_influence) {
+    Mesh mesh(2, 2);
+    mesh.point(1, 1).z = 12345;
+    light(mesh);
+    for (const q_ulong colour : mesh.colours)
+        EXPECT_EQ(colour, 0x804020u);
+}
+
+TEST(VKD_Render_3D_Surface, means_of_normals_are_not_brought_back_to_length_1) {
+    // A roof: its two slopes have the normals (-0.6, 0, 0.8) and (0.6, 0, 0.8), their mean the length 0.8.
+    Mesh mesh(3, 2, 40, 0xFFFFFF);
+    mesh.point(0, 1).z = -30;
+    mesh.point(1, 1).z = -30;
+    light(mesh);
+    EXPECT_NEAR(mesh.colour(0, 1) & 0xFF, 255 * 0.8, 1.5);
+    EXPECT_NEAR(mesh.colour(0, 0) & 0xFF, 255 * 0.8, 1.5);
+}
+
+TEST(VKD_Render_3D_Surface, a_cell_without_area_has_ambient_light_alone) {
+    Mesh mesh(2, 2);
+    mesh.points.assign(4, {5, 5, 5, 0});
+    mesh.ambient = {128, 0, 0, 0};
+    light(mesh);
+    EXPECT_EQ(mesh.colours[0], 0x402010u);
+}
+
+TEST(VKD_Render_3D_Surface, wrap_flags_do_not_change_the_light) {
+    test::Random random(9);
+    const Mesh plain = test::randomMesh(random, 6, 10);
+    for (int flags = 0; flags < 4; ++flags) {
+        Mesh mesh = plain;
+        mesh.wrapRows = flags & 1;
+        mesh.wrapColumns = flags >> 1;
+        light(mesh);
+        EXPECT_EQ(mesh.colours, plain.litNaively());
+    }
+}
+
+TEST(VKD_Render_3D_Surface, a_grid_smaller_than_2_by_2_is_left_alone) {
+    for (const auto &[columns, rows] : {std::pair(1, 5), std::pair(5, 1), std::pair(0, 0), std::pair(-1, 4)}) {
+        Mesh mesh(3, 3);
+        mesh.light = {0, 0, -0.5F, 0};
+        mesh.columns = columns;
+        mesh.rows = rows;
+        light(mesh);
+        EXPECT_EQ(mesh.colours[0], 0x804020u);
+    }
+}
+
+TEST(VKD_Render_3D_Surface, light_agrees_with_a_naive_light) {
+    forEachCase(
+        "VKD_Render_3D_Surface light",
+        [](Case &c) {
+            Mesh mesh = test::randomMesh(c.random, 5, 10);
+            const std::vector<q_ulong> expected = mesh.litNaively();
+            callAtAnyPrecision(c, [&mesh] { light(mesh); });
+            for (std::size_t i = 0; i < expected.size(); ++i)
+                c.expectEqual(std::int64_t{mesh.colours[i]}, std::int64_t{expected[i]});
+        },
+        5000);
+}
+
+} // namespace

@@ -1,0 +1,179 @@
+#include "host.h"
+#include "support/cases.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+using test::Case;
+using test::forEachCase;
+using test::Host;
+
+std::uintptr_t addressOf(const void *pointer) {
+    return reinterpret_cast<std::uintptr_t>(pointer);
+}
+
+bool isIdentity(const _I3DMATRIX &matrix) {
+    for (int i = 0; i < 16; ++i)
+        if (matrix.m[i] != (i % 5 == 0 ? 1 : 0))
+            return false;
+    return true;
+}
+
+TEST(GetPrivate_QMGL_Data, one_block_is_carved_in_order_without_gaps) {
+    const Host host(1000, 37, 5, 17);
+    const _PRIVATE_QMGL_DATA &data = *host.data;
+    const std::uintptr_t start = addressOf(&data);
+    EXPECT_EQ(addressOf(data.modelStack), start + sizeof(_PRIVATE_QMGL_DATA));
+    EXPECT_EQ(addressOf(data.viewStack), addressOf(data.modelStack) + 5 * 64);
+    EXPECT_EQ(addressOf(data.vertexArray0), addressOf(data.viewStack) + 5 * 64);
+    EXPECT_EQ(addressOf(data.vertexArray1), addressOf(data.vertexArray0) + 17 * 4);
+    EXPECT_EQ(addressOf(data.zPlane), addressOf(data.vertexArray1) + 17 * 4);
+    EXPECT_EQ(addressOf(data.zBuffer), addressOf(data.zPlane) + 37 * 2);
+    ASSERT_NE(host.record.blocks[0], nullptr);
+    EXPECT_EQ(host.record.blocks[0]->work, &data);
+    EXPECT_EQ(host.record.blocks[0]->size, addressOf(data.zPlane) + 1000 * 2 - start);
+    EXPECT_EQ(host.record.blockCount, 1);
+}
+
+TEST(GetPrivate_QMGL_Data, stacks_hold_the_identity_and_the_mapper_slot_is_empty) {
+    const Host host(10, 0, 3, 2);
+    const _PRIVATE_QMGL_DATA &data = *host.data;
+    EXPECT_TRUE(isIdentity(data.modelStack[0]));
+    EXPECT_TRUE(isIdentity(data.viewStack[0]));
+    EXPECT_EQ(data.modelDepth, 0);
+    EXPECT_EQ(data.viewDepth, 0);
+    EXPECT_EQ(data.matrixMode, 1);
+    EXPECT_EQ(data.limitValue0, 11);
+    EXPECT_EQ(data.limitValue1, 22);
+    EXPECT_EQ(data.vertexArrayEntries, 2);
+    EXPECT_EQ(data.spanMapper, nullptr);
+}
+
+TEST(GetPrivate_QMGL_Data, the_slot_is_empty_also_in_memory_that_was_used_before) {
+    Host host(10, 0, 3, 2);
+    std::memset(host.data, 0xAA, sizeof *host.data);
+    host.data = GetPrivate_QMGL_Data(&host.record, 0);
+    EXPECT_EQ(host.data->spanMapper, nullptr);
+    EXPECT_EQ(host.data->matrixMode, 1);
+}
+
+TEST(GetPrivate_QMGL_Data, without_a_record_there_is_no_block) {
+    EXPECT_EQ(GetPrivate_QMGL_Data(nullptr, 0), nullptr);
+}
+
+TEST(GetPrivate_QMGL_Data, a_size_that_cannot_be_had_drops_all_blocks_of_the_record) {
+    for (const int entries : {0x7FFFFFFF, 0x20000000, 0x1FFFFFFF}) {
+        Host host;
+        host.limits.vertexArrayEntries = entries;
+        EXPECT_EQ(GetPrivate_QMGL_Data(&host.record, 1), nullptr);
+        EXPECT_EQ(host.record.blockCount, 0);
+        EXPECT_EQ(host.record.blocks[0], nullptr);
+        EXPECT_EQ(host.record.blocks[1], nullptr);
+    }
+}
+
+TEST(GetPrivate_QMGL_Data, no_stacks_and_arrays_are_a_record_and_a_plane) {
+    const Host host(6, 0, 0, 0);
+    EXPECT_EQ(addressOf(host.data->zPlane), addressOf(host.data + 1));
+    for (int i = 0; i < 6; ++i)
+        host.data->zPlane[i] = 5;
+    EXPECT_EQ(host.record.blocks[0]->size, sizeof(_PRIVATE_QMGL_DATA) + 12);
+}
+
+/// A plane of which no entry is empty.
+struct Plane {
+    static constexpr int elements = 600;
+    static constexpr int origin = 250;
+
+    Host host{elements, origin};
+
+    Plane() { std::fill_n(host.data->zPlane, elements, static_cast<short>(1)); }
+
+    int reset(tagRECT rect, int pitch) { return VKD_ResetZBuffer(host.data, &rect, pitch); }
+
+    std::vector<int> emptyEntries() const {
+        std::vector<int> entries;
+        for (int i = 0; i < elements; ++i)
+            if (host.data->zPlane[i] == 0x7FFF)
+                entries.push_back(i - origin);
+        return entries;
+    }
+};
+
+TEST(VKD_ResetZBuffer, works_in_whole_pairs) {
+    Plane plane;
+    EXPECT_EQ(plane.reset({3, 1, 6, 3}, 20), 1);
+    EXPECT_EQ(plane.emptyEntries(), (std::vector<int>{22, 23, 42, 43}));
+}
+
+TEST(VKD_ResetZBuffer, an_odd_pitch_drifts_every_other_row) {
+    Plane plane;
+    plane.reset({0, 0, 4, 4}, 11);
+    // The rows lie five pairs apart, also where they begin at an odd entry.
+    EXPECT_EQ(plane.emptyEntries(), (std::vector<int>{0, 1, 2, 3, 10, 11, 12, 13, 20, 21, 22, 23, 30, 31, 32, 33}));
+}
+
+TEST(VKD_ResetZBuffer, shifts_are_arithmetic) {
+    Plane plane;
+    plane.reset({-3, -1, 1, 0}, 20);
+    EXPECT_EQ(plane.emptyEntries(), (std::vector<int>{-24, -23, -22, -21}));
+    Plane bottomUp;
+    bottomUp.reset({0, 0, 2, 3}, -21);
+    EXPECT_EQ(bottomUp.emptyEntries(), (std::vector<int>{-44, -43, -22, -21, 0, 1}));
+}
+
+TEST(VKD_ResetZBuffer, an_empty_rectangle_resets_nothing) {
+    Plane plane;
+    EXPECT_EQ(plane.reset({5, 2, 5, 6}, 20), 1);
+    EXPECT_EQ(plane.reset({5, 2, 9, 2}, 20), 1);
+    EXPECT_EQ(plane.reset({5, 2, 6, 6}, 20), 1) << "a single column is no pair";
+    EXPECT_TRUE(plane.emptyEntries().empty());
+}
+
+TEST(VKD_ResetZBuffer, answers_0_without_a_plane) {
+    Plane plane;
+    plane.host.data->zBuffer = nullptr;
+    EXPECT_EQ(plane.reset({0, 0, 4, 4}, 20), 0);
+    EXPECT_TRUE(plane.emptyEntries().empty());
+}
+
+TEST(VKD_ResetZBuffer, an_odd_origin_is_no_obstacle) {
+    Host host(20, 3);
+    std::fill_n(host.data->zPlane, 20, static_cast<short>(1));
+    tagRECT rect = {0, 0, 2, 2};
+    VKD_ResetZBuffer(host.data, &rect, 8);
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(host.data->zPlane[i] == 0x7FFF, i == 3 || i == 4 || i == 11 || i == 12) << i;
+}
+
+TEST(VKD_ResetZBuffer, agrees_with_writing_word_after_word) {
+    forEachCase(
+        "VKD_ResetZBuffer",
+        [](Case &c) {
+            Plane plane;
+            const int pitch = c.random.between(-12, 12);
+            const tagRECT rect = {c.random.between(-4, 8), c.random.between(-3, 6), c.random.between(8, 12),
+                                  c.random.between(6, 9)};
+            std::vector<int> expected(Plane::elements, 1);
+            const auto halved = [](q_long value) { return (value - (value % 2 + 2) % 2) / 2; };
+            for (q_long y = 0; y < rect.bottom - rect.top; ++y)
+                for (q_long word = 0; word < halved(rect.right - rect.left); ++word) {
+                    const q_long pair = halved(rect.top * pitch + rect.left) + y * halved(pitch) + word;
+                    expected[static_cast<std::size_t>(Plane::origin + 2 * pair)] = 0x7FFF;
+                    expected[static_cast<std::size_t>(Plane::origin + 2 * pair + 1)] = 0x7FFF;
+                }
+            plane.reset(rect, pitch);
+            for (int i = 0; i < Plane::elements; ++i)
+                c.expectEqual(static_cast<std::int64_t>(plane.host.data->zPlane[i]),
+                              static_cast<std::int64_t>(expected[static_cast<std::size_t>(i)]));
+        },
+        5000);
+}
+
+} // namespace

@@ -1,0 +1,285 @@
+#include "host.h"
+#include "math3d/full_width.h"
+#include "mesh.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace {
+
+using test::callAtAnyPrecision;
+using test::Canvas;
+using test::Case;
+using test::forEachCase;
+using test::Mesh;
+using test::Surface;
+using test::Way;
+
+void render(Canvas &canvas, tagRECT clip, Mesh &mesh) {
+    VKD_Render_3D_Surface(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(), mesh.colours.data(),
+                          mesh.wrapRows, mesh.wrapColumns, mesh.columns, mesh.rows, &mesh.light, nullptr, &mesh.ambient,
+                          mesh.specular, mesh.shininess, 0);
+}
+
+void render(Canvas &canvas, tagRECT clip, Mesh &mesh, int opacity) {
+    VKD_Render_3D_Surface(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(), mesh.colours.data(),
+                          mesh.wrapRows, mesh.wrapColumns, mesh.columns, mesh.rows, &mesh.light, nullptr, &mesh.ambient,
+                          mesh.specular, mesh.shininess, 0, opacity);
+}
+
+void renderAlpha(Canvas &canvas, tagRECT clip, Mesh &mesh) {
+    VKD_Render_3D_Surface_Alpha(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(),
+                                mesh.colours.data(), 3, 5, mesh.wrapRows, mesh.wrapColumns);
+}
+
+/// The triangles of a grid, in the order in which they are drawn.
+std::vector<std::array<std::size_t, 3>> trianglesOf(const Mesh &mesh) {
+    std::vector<std::array<std::size_t, 3>> triangles;
+    const int R = mesh.rows - 1;
+    const int K = mesh.columns - 1;
+    const auto add = [&](std::pair<int, int> a, std::pair<int, int> b, std::pair<int, int> c) {
+        triangles.push_back(
+            {mesh.index(a.first, a.second), mesh.index(b.first, b.second), mesh.index(c.first, c.second)});
+    };
+    for (int r = 0; r <= mesh.rows - 2; ++r)
+        for (int c = 0; c <= mesh.columns - 2; ++c) {
+            add({r, c}, {r, c + 1}, {r + 1, c});
+            add({r, c + 1}, {r + 1, c}, {r + 1, c + 1});
+        }
+    if (mesh.wrapRows == 1)
+        for (int c = 0; c <= mesh.columns - 2; ++c) {
+            add({R, c}, {R, c + 1}, {0, c});
+            add({R, c + 1}, {0, c}, {0, c + 1});
+        }
+    if (mesh.wrapColumns == 1)
+        for (int r = 0; r <= mesh.rows - 2; ++r) {
+            add({r, K}, {r, 0}, {r + 1, K});
+            add({r, 0}, {r + 1, K}, {r + 1, 0});
+        }
+    if (mesh.wrapRows == 1 && mesh.wrapColumns == 1) {
+        add({0, 0}, {0, K}, {R, 0});
+        add({0, K}, {R, 0}, {R, K});
+    }
+    return triangles;
+}
+
+void naiveSurface(Surface &picture, Surface &depths, const tagRECT &clip, const Mesh &mesh,
+                  const std::vector<q_ulong> &colours, int nearLimit, Way way, int opacity) {
+    for (const auto &triangle : trianglesOf(mesh)) {
+        _POINT3DFLOAT points[3];
+        q_ulong corners[3];
+        for (std::size_t k = 0; k < 3; ++k) {
+            points[k] = mesh.points[triangle[k]];
+            corners[k] = colours[triangle[k]];
+        }
+        naiveTriangle(picture, depths, clip, points, corners, nearLimit, way, opacity);
+    }
+}
+
+TEST(VKD_Render_3D_Surface, two_triangles_make_the_smallest_grid) {
+    Mesh mesh(2, 2);
+    Canvas canvas(12, 12);
+    render(canvas, canvas.picture.rect(), mesh);
+    for (int y = 0; y < 12; ++y)
+        for (int x = 0; x < 12; ++x)
+            EXPECT_EQ(canvas.picture.at(x, y), x < 10 && y < 10 ? 0x804020u : 0u) << x << ", " << y;
+}
+
+TEST(VKD_Render_3D_Surface, points_are_read_and_colours_written) {
+    test::Random random(4);
+    Mesh mesh = test::randomMesh(random, 5, 10);
+    const std::vector<_POINT3DFLOAT> points = mesh.points;
+    const std::vector<q_ulong> lit = mesh.litNaively();
+    Canvas canvas(30, 30);
+    render(canvas, canvas.picture.rect(), mesh);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        EXPECT_EQ(mesh.points[i].x, points[i].x);
+        EXPECT_EQ(mesh.points[i].y, points[i].y);
+        EXPECT_EQ(mesh.points[i].z, points[i].z);
+        EXPECT_EQ(mesh.colours[i], lit[i]);
+    }
+}
+
+TEST(VKD_Render_3D_Surface, a_wrap_flag_counts_only_if_it_is_1) {
+    for (const int wrapRows : {-1, 0, 1, 2, 256})
+        for (const int wrapColumns : {-1, 0, 1, 2, 256}) {
+            // The middle is pushed back; a strip that closes the grid passes before it.
+            Mesh mesh(3, 3, 8);
+            mesh.point(1, 1).z = 100;
+            mesh.wrapRows = wrapRows;
+            mesh.wrapColumns = wrapColumns;
+            Canvas canvas(20, 20);
+            render(canvas, canvas.picture.rect(), mesh);
+            EXPECT_EQ(canvas.depth(8, 8), wrapRows == 1 || wrapColumns == 1 ? 0 : 100)
+                << wrapRows << ", " << wrapColumns;
+        }
+}
+
+TEST(VKD_Render_3D_Surface, the_corner_is_closed_only_if_both_flags_are_1) {
+    // Only the corner cell has an area: every point but the four corners stands on a corner.
+    Mesh mesh(3, 3);
+    const _POINT3DFLOAT upperLeft = {0, 0, 0, 0};
+    mesh.points.assign(9, upperLeft);
+    mesh.point(0, 2) = {8, 0, 0, 0};
+    mesh.point(2, 0) = {0, 8, 0, 0};
+    mesh.point(2, 2) = {8, 8, 0, 0};
+    std::set<std::pair<int, int>> drawn;
+    for (int flags = 0; flags < 4; ++flags) {
+        Mesh copy = mesh;
+        copy.ambient = {256, 0, 0, 0};
+        copy.wrapRows = flags & 1;
+        copy.wrapColumns = flags >> 1;
+        Canvas canvas(10, 10);
+        Mesh lit = copy;
+        render(canvas, canvas.picture.rect(), lit);
+        if (canvas.picture.at(6, 6) != 0 && canvas.picture.at(1, 6) != 0 && canvas.picture.at(6, 1) != 0)
+            drawn.insert({copy.wrapRows, copy.wrapColumns});
+    }
+    EXPECT_EQ(drawn, (std::set<std::pair<int, int>>{{1, 1}}));
+}
+
+TEST(VKD_Render_3D_Surface, half_opacity_draws_through_the_Z_plane) {
+    for (const int opacity : {127, 128}) {
+        Mesh mesh(2, 2);
+        Canvas canvas(10, 10);
+        canvas.depth(3, 3) = -1;
+        render(canvas, canvas.picture.rect(), mesh, opacity);
+        EXPECT_EQ(canvas.picture.at(3, 3) != 0, opacity == 128);
+        EXPECT_EQ(canvas.depth(4, 4), opacity == 128 ? 0x7FFF : 0);
+    }
+}
+
+TEST(VKD_Render_3D_Surface, drawing_through_tiles_equals_drawing_at_once) {
+    test::Random random(11);
+    for (int round = 0; round < 10; ++round) {
+        const Mesh mesh = test::randomMesh(random, 8, 8);
+        for (const int opacity : {-1, 100, 128}) {
+            const auto draw = [opacity](Canvas &canvas, tagRECT clip, Mesh copy) {
+                if (opacity < 0)
+                    render(canvas, clip, copy);
+                else
+                    render(canvas, clip, copy, opacity);
+            };
+            Canvas once(50, 50);
+            Canvas tiled(50, 50);
+            draw(once, once.picture.rect(), mesh);
+            for (int top = 0; top < 50; top += 9)
+                for (int left = 0; left < 50; left += 13)
+                    draw(tiled, {left, top, std::min(left + 13, 50), std::min(top + 9, 50)}, mesh);
+            ASSERT_EQ(tiled.picture.differenceFrom(once.picture), "");
+            ASSERT_EQ(tiled.depths().differenceFrom(once.depths()), "");
+        }
+    }
+}
+
+/// A grid of the one size that the alpha form reads, small enough for a small picture.
+Mesh alphaMesh(test::Random &random) {
+    Mesh mesh(64, 20, 1);
+    for (_POINT3DFLOAT &point : mesh.points) {
+        point.x = point.x / 2 + random.realBetween(-1, 1);
+        point.y += random.realBetween(-1, 1);
+        point.z = random.realBetween(-20, 20);
+    }
+    for (q_ulong &colour : mesh.colours)
+        colour = random.word() & 0xFFFFFF;
+    return mesh;
+}
+
+TEST(VKD_Render_3D_Surface_Alpha, the_third_and_fourth_number_close_the_grid) {
+    Mesh mesh(64, 20, 1, 0x202020);
+    for (int row = 0; row < 20; ++row)
+        mesh.point(row, 0).x = 90; // the first column beyond the last: a strip from 63 to 90 closes it
+    const auto painted = [&mesh](int wrapRows, int wrapColumns, int x) {
+        mesh.wrapRows = wrapRows;
+        mesh.wrapColumns = wrapColumns;
+        Canvas canvas(100, 24);
+        renderAlpha(canvas, canvas.picture.rect(), mesh);
+        return canvas.picture.at(x, 10);
+    };
+    EXPECT_NE(painted(0, 0, 75), 0u) << "the first cell reaches from column 1 to 90";
+    EXPECT_EQ(painted(0, 0, 75), 0x101010u);
+    EXPECT_EQ(painted(0, 1, 75), 0x181818u) << "a second layer over the first";
+    EXPECT_EQ(painted(1, 0, 75), 0x181818u) << "from the last row to the first";
+    EXPECT_EQ(painted(2, 2, 75), 0x101010u);
+}
+
+TEST(VKD_Render_3D_Surface_Alpha, draws_20_rows_of_64_whatever_the_unread_numbers_say) {
+    test::Random random(2);
+    Mesh mesh = alphaMesh(random);
+    const std::vector<q_ulong> colours = mesh.colours;
+    Canvas canvas(40, 24);
+    canvas.data->nearLimit = -10;
+    canvas.depth(5, 5) = -1000;
+    renderAlpha(canvas, canvas.picture.rect(), mesh);
+    Surface expected(40, 24);
+    Surface depths = canvas.depths();
+    naiveSurface(expected, depths, expected.rect(), mesh, mesh.colours, -10, Way::mix, 0);
+    EXPECT_EQ(canvas.picture.differenceFrom(expected), "");
+    EXPECT_EQ(mesh.colours, colours) << "nothing is lit";
+    EXPECT_EQ(canvas.depth(5, 5), -1000);
+    EXPECT_EQ(canvas.depth(6, 6), 0x7FFF);
+}
+
+void checkSurfaces(const char *name, bool withOpacity) {
+    forEachCase(
+        name,
+        [withOpacity](Case &c) {
+            Mesh mesh = test::randomMesh(c.random, 4, 5);
+            Surface start = Surface::random(c.random, 14);
+            const Surface startDepths = test::randomDepths(c.random, start);
+            const tagRECT clip = c.random.rectInsideOrEmpty(start.width(), start.height());
+            const int opacity = c.random.oneIn(4) ? 128 : c.random.between(0, 256);
+            const int nearLimit = c.random.between(-20, 5);
+            Canvas canvas(start, startDepths);
+            canvas.data->nearLimit = nearLimit;
+            Surface expected = start;
+            Surface depths = startDepths;
+            naiveSurface(expected, depths, clip, mesh, mesh.litNaively(), nearLimit,
+                         withOpacity ? Way::blend : Way::draw, opacity);
+            callAtAnyPrecision(c, [&] {
+                if (withOpacity)
+                    render(canvas, clip, mesh, opacity);
+                else
+                    render(canvas, clip, mesh);
+            });
+            c.expectEqual(canvas.picture, expected);
+            c.expectEqual(canvas.depths(), depths);
+        },
+        3000);
+}
+
+TEST(VKD_Render_3D_Surface, agrees_with_naive_triangles) {
+    checkSurfaces("VKD_Render_3D_Surface", false);
+}
+
+TEST(VKD_Render_3D_Surface, with_opacity_agrees_with_naive_triangles) {
+    checkSurfaces("VKD_Render_3D_Surface opacity", true);
+}
+
+TEST(VKD_Render_3D_Surface_Alpha, agrees_with_naive_triangles) {
+    forEachCase(
+        "VKD_Render_3D_Surface_Alpha",
+        [](Case &c) {
+            Mesh mesh = alphaMesh(c.random);
+            mesh.wrapRows = c.random.between(0, 2);
+            mesh.wrapColumns = c.random.between(0, 2);
+            Surface start = Surface::random(c.random, 24);
+            const Surface startDepths = test::randomDepths(c.random, start);
+            const tagRECT clip = c.random.rectInsideOrEmpty(start.width(), start.height());
+            const int nearLimit = c.random.between(-20, 5);
+            Canvas canvas(start, startDepths);
+            canvas.data->nearLimit = nearLimit;
+            Surface expected = start;
+            Surface depths = startDepths;
+            naiveSurface(expected, depths, clip, mesh, mesh.colours, nearLimit, Way::mix, 0);
+            renderAlpha(canvas, clip, mesh);
+            c.expectEqual(canvas.picture, expected);
+            c.expectEqual(canvas.depths(), depths);
+        },
+        150);
+}
+
+} // namespace

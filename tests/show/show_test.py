@@ -1,0 +1,565 @@
+#!/usr/bin/env python3
+"""Runs qmur-show as a person would and looks at what it leaves.
+
+    show_test.py --program build/linux/bin/qmur-show --photos photos [--emulator wine] [name of a test ...]
+    show_test.py --program ... --photos ... --accept     writes the checksums of the frames down anew
+"""
+
+import argparse
+import hashlib
+import os
+import pty
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+from pictures import Picture, bmp_bytes, png_bytes, read_png, with_orientation
+
+CHECKSUMS = Path(__file__).with_name("frames.sha256")
+
+# Pinned here, since what the default show consists of may change.
+EFFECTS = "pan,cross-fade,snow,iris,pan,flash,pan,spin,pan,wipe,pan,fade-out"
+
+program = None
+emulator = None
+photos = None
+
+
+def command(*arguments):
+    return ([emulator] if emulator else []) + [str(program), *map(str, arguments)]
+
+
+def four_photos():
+    return [photos / name for name in ("coffee.png", "chelsea.png", "rocket.jpg", "hubble_deep_field.jpg")]
+
+
+def sha256(path):
+    return hashlib.sha256(path.read_bytes()).hexdigest()
+
+
+class ShowTest(unittest.TestCase):
+    def setUp(self):
+        temporary = tempfile.TemporaryDirectory(prefix="qmur-show-")
+        self.addCleanup(temporary.cleanup)
+        self.directory = Path(temporary.name)
+
+    def run_program(self, *arguments, **options):
+        result = self.run_once(*arguments, **options)
+        if emulator and result.stderr.startswith("wine client error"):
+            # The emulator's server went away under it, before the program could run: say so, and start it anew once.
+            print(f"({result.stderr.strip()}; starting again)", file=sys.stderr)
+            result = self.run_once(*arguments, **options)
+        return result
+
+    def run_once(self, *arguments, **options):
+        # Into files: what an emulator leaves running in the background would hold a pipe open.
+        with tempfile.TemporaryFile("w+") as output, tempfile.TemporaryFile("w+") as errors:
+            result = subprocess.run(command(*arguments), cwd=self.directory, stdin=subprocess.DEVNULL, stdout=output,
+                                    stderr=errors, timeout=120, **options)
+            output.seek(0)
+            errors.seek(0)
+            return subprocess.CompletedProcess(result.args, result.returncode, output.read(), errors.read())
+
+    def show(self, *arguments, **options):
+        result = self.run_program(*arguments, **options)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        return result
+
+    def frames(self, name, *arguments):
+        """Renders a sequence into a directory of its own and returns its files' checksums by frame number."""
+        (self.directory / name).mkdir()
+        self.show(*arguments, "-o", f"{name}/%04d.png")
+        files = sorted((self.directory / name).iterdir())
+        for file in files:
+            self.assertRegex(file.name, r"^[0-9]{4}\.png$")
+        return {int(file.stem): sha256(file) for file in files}
+
+    def contents(self):
+        return sorted(str(path.relative_to(self.directory)) for path in self.directory.rglob("*"))
+
+    def assert_refused(self, arguments, reason, **options):
+        before = self.contents()
+        result = self.run_program(*arguments, **options)
+        self.assertEqual(result.returncode, 2, f"{arguments}: {result.stderr}")
+        lines = result.stderr.splitlines()
+        self.assertEqual(len(lines), 1, result.stderr)
+        self.assertTrue(lines[0].startswith("qmur-show: "), lines[0])
+        self.assertIn(reason, lines[0])
+        self.assertEqual(result.stdout, "")
+        self.assertEqual(self.contents(), before)
+
+
+class CommandLine(ShowTest):
+    def effects(self):
+        return [line.split(maxsplit=2) for line in self.show("--list").stdout.splitlines()]
+
+    def test_list_prints_each_effect_with_its_kind_and_a_description(self):
+        effects = self.effects()
+        for effect in effects:
+            self.assertEqual(len(effect), 3, effect)
+        kinds = {name: kind for name, kind, _ in effects}
+        self.assertEqual(len(kinds), len(effects), "a name stands twice")
+        self.assertLessEqual(
+            {
+                ("pan", "scene"),
+                ("snow", "scene"),
+                ("cross-fade", "transition"),
+                ("wipe", "transition"),
+                ("iris", "transition"),
+                ("spin", "transition"),
+                ("flash", "transition"),
+                ("fade-out", "ending"),
+            },
+            set(kinds.items()),
+        )
+
+    def test_help_names_every_option(self):
+        text = self.show("--help").stdout
+        for option in "--output --size --fps --seconds --effects --seed --first --last --threads --list --version".split():
+            self.assertIn(option, text)
+
+    def test_version_is_a_number(self):
+        self.assertRegex(self.show("--version").stdout, r"^qmur-show [0-9]+\.[0-9]+\.[0-9]+\n$")
+
+    def test_without_photographs_the_bundled_ones_are_shown(self):
+        alone = self.frames("alone", "--size", "96x54", "--fps", 2, "--last", 3)
+        named = self.frames("named", *four_photos(), "--size", "96x54", "--fps", 2, "--last", 3)
+        self.assertEqual(alone, named)
+        self.assertEqual(list(alone), [0, 1, 2, 3])
+
+
+class Frames(ShowTest):
+    small = ("--size", "160x90", "--fps", 6, "--seconds", 2)
+
+    def every_effect(self):
+        return [line.split()[0] for line in self.show("--list").stdout.splitlines()]
+
+    def test_one_and_three_threads_give_the_same_bytes_with_every_effect(self):
+        for effect in self.every_effect():
+            arguments = (*four_photos()[:2], *self.small, "--effects", effect)
+            one = self.frames(f"{effect}-1", *arguments, "--threads", 1)
+            three = self.frames(f"{effect}-3", *arguments, "--threads", 3)
+            self.assertEqual(len(one), 24)
+            self.assertEqual(one, three, effect)
+
+    def test_a_frame_depends_on_no_other_frame(self):
+        whole = self.frames("whole", *four_photos(), *self.small, "--effects", EFFECTS)
+        for frame in range(11, len(whole), 12):
+            alone = self.frames(f"frame{frame}", *four_photos(), *self.small, "--effects", EFFECTS, "--first", frame,
+                                "--last", frame)
+            self.assertEqual(alone, {frame: whole[frame]})
+
+    def test_the_seed_governs_what_is_left_to_chance(self):
+        arguments = (*four_photos()[:2], *self.small, "--effects", "snow", "--last", 3)
+        first = self.frames("first", *arguments, "--seed", 11)
+        again = self.frames("again", *arguments, "--seed", 11)
+        other = self.frames("other", *arguments, "--seed", 12)
+        self.assertEqual(first, again)
+        for frame in first:
+            self.assertNotEqual(first[frame], other[frame])
+
+    def test_each_photograph_stands_for_its_seconds(self):
+        frames = self.frames("f", *four_photos()[:3], "--size", "32x18", "--fps", 5, "--seconds", 1.2, "--effects",
+                             "cross-fade")
+        self.assertEqual(list(frames), list(range(3 * 6)))
+
+    def test_photographs_come_round_until_every_effect_had_its_turn(self):
+        frames = self.frames("f", *four_photos()[:1], "--size", "32x18", "--fps", 4, "--seconds", 1, "--effects",
+                             "cross-fade,wipe,iris")
+        self.assertEqual(len(frames), 4 * 4)
+
+    def test_first_and_last_choose_frames_of_the_whole(self):
+        arguments = (*four_photos()[:2], *self.small, "--effects", EFFECTS)
+        whole = self.frames("whole", *arguments, "--last", 20)
+        part = self.frames("part", *arguments, "--first", 9, "--last", 13)
+        self.assertEqual(part, {frame: whole[frame] for frame in range(9, 14)})
+        self.assertEqual(list(self.frames("end", *arguments, "--first", 70)), [70, 71])
+
+    def test_the_show_moves_and_ends_in_black(self):
+        frames = self.frames("f", *four_photos()[:2], *self.small, "--effects", "pan,cross-fade,fade-out")
+        self.assertEqual(len(set(frames.values())), len(frames))
+        last = read_png(self.directory / "f" / "0023.png")
+        self.assertEqual(set(last.pixels), {(0, 0, 0)})
+
+    def test_any_size_gives_frames_of_that_size(self):
+        for size in ("16x16", "17x61", "401x33"):
+            self.show(*four_photos()[:2], "--size", size, "--fps", 3, "--seconds", 2, "--effects", EFFECTS, "-o",
+                      f"{size}-%d.png")
+            width, height = map(int, size.split("x"))
+            for frame in (0, 11, 35):
+                picture = read_png(self.directory / f"{size}-{frame}.png")
+                self.assertEqual((picture.width, picture.height), (width, height))
+
+    def test_a_still_photograph_of_one_colour_stays_that_colour(self):
+        colour = (200, 100, 50)
+        for size in (1, 40, 700):
+            (self.directory / "flat.png").write_bytes(png_bytes(Picture(size, size, [colour] * size * size)))
+            self.show("flat.png", "--size", "64x36", "--fps", 1, "--effects", "pan", "-o", "out%d.png")
+            self.assertEqual(set(read_png(self.directory / "out0.png").pixels), {colour})
+
+    def test_frames_are_those_that_were_written_down(self):
+        self.assertEqual(render_checksums(self), CHECKSUMS.read_text())
+
+
+def render_checksums(test):
+    """Frames of every effect of this project's first shows; equal in every build."""
+    runs = (
+        (160, 90, 1, (3, 8, 9, 13, 17, 18, 22, 26, 27, 31, 35, 36, 44, 45, 52, 53)),
+        (75, 131, 7, (8, 13, 17, 27, 36, 44)),
+    )
+    lines = []
+    for width, height, seed, chosen in runs:
+        frames = test.frames(f"{width}x{height}", *four_photos(), "--size", f"{width}x{height}", "--fps", 2, "--seconds",
+                             4.5, "--seed", seed, "--effects", EFFECTS)
+        lines += [f"{frames[frame]}  {width}x{height} seed {seed} frame {frame}\n" for frame in chosen]
+    return "".join(lines)
+
+
+class Photographs(ShowTest):
+    def picture(self):
+        return Picture(37, 23, [(x * 6, y * 11, (x * y) % 256) for y in range(23) for x in range(37)])
+
+    def test_png_and_bmp_of_the_same_pixels_give_the_same_frames(self):
+        (self.directory / "a.png").write_bytes(png_bytes(self.picture()))
+        (self.directory / "a.bmp").write_bytes(bmp_bytes(self.picture()))
+        arguments = ("--size", "64x36", "--fps", 2, "--seconds", 1, "--effects", "pan")
+        self.assertEqual(self.frames("png", "a.png", *arguments), self.frames("bmp", "a.bmp", *arguments))
+
+    def test_a_photograph_stands_as_the_camera_was_held(self):
+        # Where the stored first row and first column belong, for each orientation that Exif knows.
+        sides = ["top left", "top right", "bottom right", "bottom left", "left top", "right top", "right bottom",
+                 "left bottom"]
+        quarters = {(0, 0): (220, 30, 30), (0, 1): (30, 200, 30), (1, 0): (30, 30, 220), (1, 1): (230, 230, 230)}
+        stored = Picture(64, 64, [quarters[(y // 32, x // 32)] for y in range(64) for x in range(64)])
+        (self.directory / "stored.png").write_bytes(png_bytes(stored))
+        subprocess.run(["ffmpeg", "-loglevel", "error", "-i", "stored.png", "-q:v", "2", "stored.jpg"],
+                       cwd=self.directory, check=True)
+        jpeg = (self.directory / "stored.jpg").read_bytes()
+        for orientation, places in enumerate(sides, 1):
+            (self.directory / "photo.jpg").write_bytes(with_orientation(jpeg, orientation))
+            self.show("photo.jpg", "--size", "64x64", "--fps", 1, "--effects", "pan", "-o", "out%d.png")
+            frame = read_png(self.directory / "out0.png")
+            first_row, first_column = places.split()
+            for (row, column), colour in quarters.items():
+                edges = {first_row if row == 0 else opposite(first_row),
+                         first_column if column == 0 else opposite(first_column)}
+                shown = frame.at(8 if "left" in edges else 55, 8 if "top" in edges else 55)
+                for have, want in zip(shown, colour):
+                    self.assertLess(abs(have - want), 25, f"orientation {orientation}: {shown} for {colour}")
+
+
+def opposite(side):
+    return {"top": "bottom", "bottom": "top", "left": "right", "right": "left"}[side]
+
+
+class ContactSheet(ShowTest):
+    gap = 16
+
+    def test_the_sheet_holds_its_pictures_in_rows_of_four_with_even_margins(self):
+        arguments = (*four_photos(), "--size", "64x36", "--fps", 10, "--seconds", 1, "--effects", EFFECTS)
+        self.show(*arguments, "-o", "sheet.png", "-o", "%04d.png")
+        sheet = read_png(self.directory / "sheet.png")
+        self.assertEqual((sheet.width, sheet.height), (4 * (64 + self.gap) + self.gap, 5 * (36 + self.gap) + self.gap))
+        # Six shots of ten frames each: the middles of twenty stretches of three frames.
+        inside = set()
+        for place in range(20):
+            left = self.gap + place % 4 * (64 + self.gap)
+            top = self.gap + place // 4 * (36 + self.gap)
+            frame = read_png(self.directory / f"{3 * place + 1:04}.png")
+            self.assertEqual(sheet.cut(left, top, 64, 36), frame, f"picture {place}")
+            inside |= {(x, y) for x in range(left - 1, left + 65) for y in range(top - 1, top + 37)}
+        outside = {sheet.at(x, y) for x in range(sheet.width) for y in range(sheet.height) if (x, y) not in inside}
+        self.assertEqual(len(outside), 1)
+
+    def test_pictures_are_at_most_320_by_240_pixels(self):
+        for size, (width, height) in {"1280x720": (320, 180), "720x1440": (120, 240), "2560x16": (320, 2)}.items():
+            self.show(*four_photos()[:1], "--size", size, "--fps", 2, "--seconds", 1, "--effects", "pan", "-o", "s.png")
+            sheet = read_png(self.directory / "s.png")
+            self.assertEqual((sheet.width, sheet.height),
+                             (2 * (width + self.gap) + self.gap, height + 2 * self.gap))
+
+    def test_a_reduced_picture_keeps_its_mean_colour(self):
+        self.show(*four_photos()[:1], "--size", "1280x720", "--fps", 1, "--seconds", 1, "--effects", "pan", "-o", "s.png",
+                  "-o", "%d.png")
+        sheet = read_png(self.directory / "s.png").cut(self.gap, self.gap, 320, 180)
+        frame = read_png(self.directory / "0.png")
+        for channel in range(3):
+            small = sum(pixel[channel] for pixel in sheet.pixels) / len(sheet.pixels)
+            large = sum(pixel[channel] for pixel in frame.pixels) / len(frame.pixels)
+            self.assertLess(abs(small - large), 2.5)
+
+
+class Refusals(ShowTest):
+    def base(self, **changes):
+        arguments = {"size": "160x90", "fps": 2, "seconds": 1, **changes}
+        flat = [part for name, value in arguments.items() for part in (f"--{name}", value)]
+        return [four_photos()[0], *flat]
+
+    def test_a_photograph_that_cannot_be_read(self):
+        (self.directory / "text.jpg").write_text("no picture")
+        (self.directory / "empty.png").write_bytes(b"")
+        (self.directory / "cut.png").write_bytes(four_photos()[0].read_bytes()[:20000])
+        (self.directory / "folder").mkdir()
+        huge = struct.pack(">IIBBBBB", 1 << 20, 1 << 20, 8, 2, 0, 0, 0)
+        (self.directory / "huge.png").write_bytes(png_bytes(Picture(1, 1, [(1, 2, 3)]))[:16] + huge)
+        for name, reason in (("missing.jpg", "cannot read 'missing.jpg'"), ("text.jpg", "no JPEG, PNG or BMP picture"),
+                             ("empty.png", "no JPEG, PNG or BMP picture"), ("cut.png", "no JPEG, PNG or BMP picture"),
+                             ("folder", "it is a directory"), ("huge.png", "cannot read 'huge.png'")):
+            self.assert_refused([four_photos()[0], name, "-o", "out.png"], reason)
+
+    def test_effects_that_do_not_exist_or_do_not_go_together(self):
+        self.assert_refused([*self.base(effects="pan,wobble"), "-o", "out.png"], "'wobble'")
+        self.assert_refused([*self.base(effects="fade-out,fade-out"), "-o", "out.png"], "second ending")
+
+    def test_targets_that_cannot_be_written(self):
+        (self.directory / "folder.png").mkdir()
+        for target, reason in (("nowhere/out.png", "cannot write 'nowhere"), ("nowhere/%d.png", "cannot write 'nowhere"),
+                               ("folder.png", "it is a directory"), ("out.avi", "must end in"), ("out", "must end in"),
+                               ("%d-%d.png", "one number"), ("%s.png", "one number"), ("100%.png", "one number")):
+            self.assert_refused([*self.base(), "-o", target], reason)
+        self.assert_refused([*self.base(), "-o", "good.png", "-o", "nowhere/bad.png"], "cannot write 'nowhere")
+        self.assert_refused(self.base(), "nothing to write")
+
+    def test_a_directory_that_may_not_be_written_to(self):
+        if os.geteuid() == 0:
+            target = Path("/proc/out.png")  # refuses everybody
+        else:
+            (self.directory / "sealed").mkdir(mode=0o555)
+            target = self.directory / "sealed" / "out.png"
+        self.assert_refused([*self.base(), "-o", target], "cannot write")
+
+    def test_sizes_without_sense(self):
+        for size in ("0x0", "-160x90", "160x0", "15x90", "7681x90", "99999x99999", "1000000000x1"):
+            self.assert_refused([*self.base(size=size), "-o", "out.png"], f"--size {size}")
+        for size in ("160", "160x", "x90", "axb", "160x90x2", ""):
+            self.assert_refused([*self.base(size=size), "-o", "out.png"], "is no size")
+        for name in ("out.mp4", "out.webm"):
+            self.assert_refused([*self.base(size="161x90"), "-o", name], "161x90 is odd")
+            self.assert_refused([*self.base(size="160x91"), "-o", name], "160x91 is odd")
+
+    def test_numbers_without_sense(self):
+        for name, values in {
+            "fps": (0, -1, 241, "fast", 29.97, ""),
+            "seconds": (0, -2, "0.0", 601, "long", "1e3", "nan", ""),
+            "threads": (0, -1, 65, "all", ""),
+            "seed": (-1, "x", "1234567890123456789", ""),
+        }.items():
+            for value in values:
+                self.assert_refused([*self.base(**{name: value}), "-o", "out.png"], f"--{name} {value}")
+
+    def test_ranges_that_contradict_themselves_or_the_show(self):
+        self.assert_refused([*self.base(first=1, last=0), "-o", "out.png"], "--first 1 is behind --last 0")
+        arguments = {"effects": "pan"}  # one photograph, one second, two frames
+        self.assert_refused([*self.base(first=2, **arguments), "-o", "out.png"], "frames 0 to 1")
+        self.assert_refused([*self.base(last=2, **arguments), "-o", "out.png"], "frames 0 to 1")
+        self.assert_refused([*self.base(first=-1), "-o", "out.png"], "--first -1")
+        self.assert_refused([*self.base(last="end"), "-o", "out.png"], "--last end")
+
+    def test_options_that_do_not_exist(self):
+        self.assert_refused([*self.base(), "--sharp", "-o", "out.png"], "--sharp")
+
+
+class Progress(ShowTest):
+    def test_plain_lines_where_nobody_watches(self):
+        result = self.show(*four_photos()[:2], "--size", "64x36", "--fps", 20, "--seconds", 2, "-o", "out%d.png",
+                           "--effects", "pan")
+        self.assertEqual([line.split(",")[0] for line in result.stderr.splitlines()],
+                         [f"frame {n} of 80" for n in (20, 40, 60, 80)])
+        self.assertEqual(result.stdout, "")
+
+
+class OtherBuildsOutput(ShowTest):
+    """Builds that start no other program."""
+
+    def test_a_video_is_refused(self):
+        self.assert_refused([four_photos()[0], "-o", "out.mp4"], "this build writes .png only")
+
+
+class Video(ShowTest):
+    arguments = ("--size", "160x90", "--fps", 10, "--seconds", 1, "--effects", "pan,cross-fade,fade-out")
+
+    def probe(self, name):
+        fields = "codec_name,width,height,nb_read_frames,r_frame_rate,pix_fmt"
+        result = subprocess.run(
+            ["ffprobe", "-loglevel", "error", "-count_frames", "-show_entries", f"stream={fields}", "-of",
+             "default=noprint_wrappers=1", name], cwd=self.directory, capture_output=True, text=True, check=True)
+        return dict(line.split("=") for line in result.stdout.splitlines())
+
+    def test_each_kind_of_video_holds_all_frames(self):
+        for name, codec in (("out.mp4", "h264"), ("out.webm", "vp9"), ("out.gif", "gif")):
+            self.show(*four_photos()[:2], *self.arguments, "-o", name)
+            stream = self.probe(name)
+            self.assertEqual((stream["codec_name"], stream["width"], stream["height"], stream["r_frame_rate"],
+                              stream["nb_read_frames"]), (codec, "160", "90", "10/1", "20"))
+        self.assertEqual(self.contents(), ["out.gif", "out.mp4", "out.webm"])
+
+    def test_a_video_shows_the_frames_in_their_colours_and_order(self):
+        self.show(*four_photos()[:2], *self.arguments, "-o", "out.mp4", "-o", "%d.png")
+        raw = subprocess.run(["ffmpeg", "-loglevel", "error", "-i", "out.mp4", "-vf",
+                              "scale=in_color_matrix=bt709:in_range=tv", "-pix_fmt", "rgb24", "-f", "rawvideo", "-"],
+                             cwd=self.directory, capture_output=True, check=True).stdout
+        size = 160 * 90 * 3
+        self.assertEqual(len(raw), 20 * size)
+        for frame in (0, 10, 14, 19):
+            expected = bytes(value for pixel in read_png(self.directory / f"{frame}.png").pixels for value in pixel)
+            difference = sum(abs(a - b) for a, b in zip(raw[frame * size : (frame + 1) * size], expected)) / size
+            self.assertLess(difference, 5, f"frame {frame}")
+
+    def test_a_gif_may_be_odd(self):
+        self.show(four_photos()[0], "--size", "33x17", "--fps", 2, "--seconds", 1, "-o", "out.gif", "--effects", "pan")
+        self.assertEqual(self.probe("out.gif")["width"], "33")
+
+    def test_a_finished_video_takes_the_place_of_an_older_file(self):
+        (self.directory / "out.mp4").write_text("old")
+        self.show(four_photos()[0], *self.arguments, "-o", "out.mp4")
+        self.assertEqual(self.probe("out.mp4")["codec_name"], "h264")
+
+    def fake_ffmpeg(self, script):
+        tools = self.directory / "tools"
+        tools.mkdir(exist_ok=True)
+        (tools / "ffmpeg").write_text(f"#!/bin/sh\n{script}\n")
+        (tools / "ffmpeg").chmod(0o755)
+        return {**os.environ, "PATH": f"{tools}:{os.environ['PATH']}"}
+
+    def test_a_missing_ffmpeg_is_named(self):
+        (self.directory / "empty").mkdir()
+        self.assert_refused([four_photos()[0], *self.arguments, "-o", "out.mp4"], "ffmpeg, which is not installed",
+                            env={**os.environ, "PATH": str(self.directory / "empty")})
+
+    def test_a_failing_ffmpeg_is_reported_with_its_last_words(self):
+        scripts = {
+            "at once": "echo 'first words' >&2; echo 'no such encoder' >&2; exit 1",
+            "in between": "head -c 100000 >/dev/null; echo 'no such encoder' >&2; exit 1",
+            "at the end": "cat >/dev/null; echo 'no such encoder' >&2; exit 1",
+        }
+        for moment, script in scripts.items():
+            environment = self.fake_ffmpeg(script)
+            with self.subTest(moment):
+                before = self.contents()
+                result = self.run_program(*four_photos()[:2], *self.arguments, "-o", "out.mp4", env=environment)
+                self.assertEqual(result.returncode, 2)
+                self.assertEqual(result.stderr.splitlines()[-1],
+                                 "qmur-show: cannot write 'out.mp4': ffmpeg failed (no such encoder)")
+                self.assertEqual(self.contents(), before)
+
+    def test_an_interrupted_run_leaves_what_was_there_before(self):
+        for number in (signal.SIGINT, signal.SIGTERM):
+            (self.directory / "out.mp4").write_text("old")
+            process = subprocess.Popen(
+                command(*four_photos(), "--size", "640x360", "--seconds", 600, "--fps", 30, "-o", "out.mp4", "-o",
+                        "sheet.png"),
+                cwd=self.directory, stderr=subprocess.PIPE, text=True)
+            self.wait_for(lambda: self.encoded_bytes() > 0)
+            self.assertEqual((self.directory / "out.mp4").read_text(), "old")
+            process.send_signal(number)
+            _, errors = process.communicate(timeout=20)
+            self.assertEqual(process.returncode, 128 + number)
+            self.assertEqual(errors.splitlines()[-1], "qmur-show: interrupted")
+            self.assertEqual(self.contents(), ["out.mp4"])
+            self.assertEqual((self.directory / "out.mp4").read_text(), "old")
+
+    def encoded_bytes(self):
+        return sum(path.stat().st_size for path in self.directory.glob(".out.mp4.*.unfinished"))
+
+    def wait_for(self, condition):
+        deadline = time.monotonic() + 60
+        while not condition():
+            self.assertLess(time.monotonic(), deadline, "nothing happened for a minute")
+            time.sleep(0.05)
+
+    def test_a_run_that_was_killed_leaves_nothing_under_the_final_name(self):
+        process = subprocess.Popen(
+            command(*four_photos(), "--size", "640x360", "--seconds", 600, "-o", "out.mp4"), cwd=self.directory,
+            stderr=subprocess.DEVNULL)
+        self.wait_for(lambda: self.encoded_bytes() > 0)
+        process.kill()
+        process.wait()
+        self.assertFalse((self.directory / "out.mp4").exists())
+
+    def test_an_interrupt_ends_a_run_whose_ffmpeg_does_not_listen(self):
+        environment = self.fake_ffmpeg("exec sleep 300")
+        process = subprocess.Popen(command(*four_photos(), "--size", "640x360", "-o", "out.mp4"), cwd=self.directory,
+                                   stderr=subprocess.DEVNULL, env=environment)
+        self.wait_for(lambda: list(self.directory.glob(".out.mp4.*.unfinished")))
+        time.sleep(1)
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(process.wait(timeout=20), 128 + signal.SIGTERM)
+        self.assertEqual(self.contents(), ["tools", "tools/ffmpeg"])
+
+
+class Terminal(ShowTest):
+    def test_a_bar_with_rate_and_time_left(self):
+        ours, theirs = pty.openpty()
+        process = subprocess.Popen(
+            command(*four_photos()[:2], "--size", "160x90", "--fps", 20, "--effects", "pan", "-o", "out%d.png"),
+            cwd=self.directory, stderr=theirs)
+        os.close(theirs)
+        output = b""
+        try:
+            while part := os.read(ours, 4096):
+                output += part
+        except OSError:  # the other side is closed
+            pass
+        os.close(ours)
+        self.assertEqual(process.wait(), 0)
+        states = output.decode().replace("\x1b[K", "").split("\r")
+        for state in filter(str.strip, states):
+            self.assertRegex(state, r"^\[[#.]{30}\] +[0-9]+%  [0-9]+/180  [0-9.]+ fps  [0-9]+:[0-9]{2} left *$")
+        self.assertIn(f"[{'#' * 30}] 100%  180/180", output.decode())
+
+
+class Memory(ShowTest):
+    def peak(self, seconds, environment):
+        process = subprocess.Popen(
+            command(four_photos()[0], "--size", "640x360", "--fps", 30, "--seconds", seconds, "--effects", "pan",
+                    "--threads", 2, "-o", "out.mp4"),
+            cwd=self.directory, stderr=subprocess.DEVNULL, env=environment)
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        self.assertEqual(process.returncode, 0)
+        return usage.ru_maxrss  # in KiB
+
+    def test_a_slow_encoder_does_not_let_frames_pile_up(self):
+        # It reads nothing until all frames of the longer show, 0.9 MB each, could have been drawn.
+        environment = Video.fake_ffmpeg(self, "sleep 3; exec cat >/dev/null")
+        environment["ASAN_OPTIONS"] = "quarantine_size_mb=1"  # a sanitizer keeps freed memory, which is not meant here
+        self.assertLess(self.peak(10, environment) - self.peak(0.5, environment), 20 * 1024)
+
+
+EVERYWHERE = [CommandLine, Frames, Photographs, ContactSheet, Refusals, Progress]
+WHERE_PROGRAMS_START = [Video, Terminal, Memory]
+
+
+def main():
+    global program, emulator, photos
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--program", type=lambda text: Path(text).resolve(), required=True)
+    parser.add_argument("--photos", type=lambda text: Path(text).resolve(), required=True)
+    parser.add_argument("--emulator", default="")
+    parser.add_argument("--accept", action="store_true")
+    parser.add_argument("names", nargs="*", help="run the tests whose names contain one of these")
+    options = parser.parse_args()
+    program, emulator, photos = options.program, options.emulator, options.photos
+
+    if options.accept:
+        test = Frames("test_frames_are_those_that_were_written_down")
+        test.setUp()
+        CHECKSUMS.write_text(render_checksums(test))
+        test.doCleanups()
+        return
+
+    classes = EVERYWHERE + ([OtherBuildsOutput] if program.suffix == ".exe" else WHERE_PROGRAMS_START)
+    suite = unittest.TestSuite()
+    for tests in map(unittest.defaultTestLoader.loadTestsFromTestCase, classes):
+        suite.addTests(test for test in tests if not options.names or any(name in test.id() for name in options.names))
+    result = unittest.TextTestRunner(verbosity=2).run(suite)
+    sys.exit(0 if result.wasSuccessful() and result.testsRun > 0 else 1)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,93 @@
+#include "cases.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cstdio>
+
+namespace test {
+namespace {
+
+struct Golden {
+    std::string_view name;
+    std::uint64_t checksum;
+};
+
+constexpr Golden goldens[] = {
+#include "../golden/blit.inc"
+#include "../golden/draw.inc"
+#include "../golden/filter.inc"
+#include "../golden/frame.inc"
+#include "../golden/math3d.inc"
+#include "../golden/pipeline.inc"
+#include "../golden/region.inc"
+#include "../golden/sprite.inc"
+#include "../golden/textured.inc"
+#include "../golden/warp.inc"
+    {"", 0},
+};
+
+int replayed = -1;
+
+} // namespace
+
+void replayCase(int number) {
+    replayed = number;
+}
+
+void Case::fold(std::uint32_t word) {
+    for (int shift = 0; shift < 32; shift += 8)
+        checksum = (checksum ^ (word >> shift & 0xFF)) * 0x100000001B3u; // FNV-1a
+}
+
+void Case::report(const std::string &difference) {
+    differs = true;
+    ADD_FAILURE() << "case " << number << ": " << difference << "\nreplay it alone with --case=" << number;
+}
+
+void Case::expectEqual(const Surface &result, const Surface &expected) {
+    for (const q_ulong word : result.words())
+        fold(static_cast<std::uint32_t>(word));
+    if (!(result == expected))
+        report(result.differenceFrom(expected));
+}
+
+void Case::expectEqual(std::int64_t result, std::int64_t expected) {
+    fold(static_cast<std::uint32_t>(result));
+    fold(static_cast<std::uint32_t>(result >> 32));
+    if (result != expected)
+        report(std::to_string(result) + " instead of " + std::to_string(expected));
+}
+
+void Case::expectEqual(float result, float expected) {
+    const auto bits = std::bit_cast<std::uint32_t>(result);
+    fold(bits);
+    if (bits != std::bit_cast<std::uint32_t>(expected))
+        report(std::to_string(result) + " instead of " + std::to_string(expected) +
+               ", or they differ in the last bits");
+}
+
+void forEachCase(std::string_view name, const std::function<void(Case &)> &body, int count) {
+    std::uint64_t checksum = 0xCBF29CE484222325u;
+    const int first = replayed >= 0 ? replayed : 0;
+    const int end = replayed >= 0 ? replayed + 1 : count;
+    for (int number = first; number < end; ++number) {
+        Case one(number, checksum);
+        body(one);
+        if (one.failed())
+            return;
+    }
+    if (replayed >= 0)
+        return;
+    for (const Golden &golden : goldens) {
+        if (golden.name == name && golden.checksum == checksum)
+            return;
+    }
+    char text[32];
+    std::snprintf(text, sizeof text, "0x%016llX", static_cast<unsigned long long>(checksum));
+    ADD_FAILURE() << "golden: {\"" << name << "\", " << text
+                  << "},\nis not the checksum written down for this function; "
+                  << "if the change is wanted, run tools/accept-golden";
+}
+
+} // namespace test

@@ -1,0 +1,55 @@
+/// \file
+/// Seeded random cases: each is computed by the library and by a naive second computation in the test, compared bit by
+/// bit, and folded into a checksum that every build must reproduce.
+///
+/// A failing case is replayed alone with `q_Mur_tests --gtest_filter=... --case=NUMBER`. After a wanted change,
+/// `tools/accept-golden` writes the new checksums down.
+#ifndef Q_MUR_TESTS_CASES_H
+#define Q_MUR_TESTS_CASES_H
+
+#include "random.h"
+#include "surface.h"
+
+#include <cstdint>
+#include <functional>
+#include <string_view>
+
+namespace test {
+
+/// One seeded case. Its outcome goes into the function's checksum.
+class Case {
+public:
+    Case(int seed, std::uint64_t &sum) : random(static_cast<std::uint64_t>(seed)), number(seed), checksum(sum) {}
+
+    /// Compares a result with the naive one, pixel by pixel, margins included.
+    void expectEqual(const Surface &result, const Surface &expected);
+
+    /// Compares a number with the naive one.
+    void expectEqual(std::int64_t result, std::int64_t expected);
+
+    /// Compares two floats bit by bit.
+    void expectEqual(float result, float expected);
+
+    bool failed() const { return differs; }
+
+    Random random;
+    const int number;
+
+private:
+    void fold(std::uint32_t word);
+    void report(const std::string &difference);
+
+    std::uint64_t &checksum;
+    bool differs = false;
+};
+
+/// Runs `count` cases and compares their checksum with the one written down under `name`: the exported function's name,
+/// for an overload with a word behind it. Stops at the first case that differs.
+void forEachCase(std::string_view name, const std::function<void(Case &)> &body, int count = 20000);
+
+/// Replays one case only; -1 runs them all.
+void replayCase(int number);
+
+} // namespace test
+
+#endif

@@ -1,0 +1,268 @@
+#include "naive.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace {
+
+using test::Case;
+using test::forEachCase;
+using test::Surface;
+
+/// A corner in whole pixels and texels.
+struct Corner {
+    int x;
+    int y;
+    int u;
+    int v;
+};
+
+using Corners = std::array<Corner, 4>;
+
+int wrapped(std::uint64_t value) {
+    return static_cast<int>(static_cast<std::uint32_t>(value));
+}
+
+int times(int a, int b) {
+    return wrapped(static_cast<std::uint64_t>(static_cast<std::int64_t>(a)) *
+                   static_cast<std::uint64_t>(static_cast<std::int64_t>(b)));
+}
+
+/// Where an edge stands at a row. `value` picks x, u or v.
+int onEdge(const Corner &p, const Corner &q, int Corner::*value, int y) {
+    const int n = q.y - p.y - 1;
+    const int reciprocal = n == 0 ? 0x40000 : 0x40000 / n;
+    const int t = times(y - p.y, reciprocal);
+    return (times(q.*value - p.*value, t) >> 18) + p.*value;
+}
+
+void naiveBand(Surface &dst, const Surface &tex, const tagRECT &clip, bool black, int firstRow, int endRow,
+               const Corner &l0, const Corner &l1, const Corner &r0, const Corner &r1) {
+    for (int y = std::max(firstRow, static_cast<int>(clip.top)); y < std::min(endRow, static_cast<int>(clip.bottom));
+         ++y) {
+        const int left = onEdge(l0, l1, &Corner::x, y);
+        const int right = onEdge(r0, r1, &Corner::x, y);
+        const int uL = onEdge(l0, l1, &Corner::u, y);
+        const int vL = onEdge(l0, l1, &Corner::v, y);
+        const int du = onEdge(r0, r1, &Corner::u, y) - uL;
+        const int dv = onEdge(r0, r1, &Corner::v, y) - vL;
+        for (int x = left; x < right; ++x) {
+            if (x < clip.left || x >= clip.right)
+                continue;
+            const int w = right - left - 1 == 0 ? 1 : right - left - 1;
+            const int q = 0x40000 / w;
+            const int column = (times(times(x - left, q), du) >> 18) + uL;
+            const int row = (times(times(x - left, q), dv) >> 18) + vL;
+            if (row >= clip.top && row < clip.bottom && column >= clip.left && column < clip.right)
+                dst.at(x, y) = tex.at(column, row);
+            else if (black)
+                dst.at(x, y) = 0;
+        }
+    }
+}
+
+bool leftOfLine(const Corner &p, const Corner &a, const Corner &b) {
+    return times(p.y - a.y, b.x - a.x) > times(b.y - a.y, p.x - a.x);
+}
+
+void naiveQuad(Surface &dst, const Surface &tex, const tagRECT &clip, Corners c, bool black) {
+    constexpr std::size_t exchanges[6][2] = {{0, 1}, {0, 2}, {0, 3}, {1, 2}, {1, 3}, {2, 3}};
+    for (const auto &pair : exchanges)
+        if (c[pair[1]].y < c[pair[0]].y)
+            std::swap(c[pair[0]], c[pair[1]]);
+    const auto &[top, upper, lower, bottom] = c;
+    const bool sideUpper = leftOfLine(upper, top, bottom);
+    const bool sideLower = leftOfLine(lower, top, bottom);
+    const auto band = [&](int from, int to, const Corner &l0, const Corner &l1, const Corner &r0, const Corner &r1) {
+        naiveBand(dst, tex, clip, black, from, to, l0, l1, r0, r1);
+    };
+    if (sideUpper && sideLower) {
+        band(top.y, upper.y, top, upper, top, bottom);
+        band(upper.y, lower.y, upper, lower, top, bottom);
+        band(lower.y, bottom.y, lower, bottom, top, bottom);
+    } else if (sideUpper) {
+        band(top.y, upper.y, top, upper, top, lower);
+        band(upper.y, lower.y, upper, bottom, top, lower);
+        band(lower.y, bottom.y, upper, bottom, lower, bottom);
+    } else if (sideLower) {
+        band(top.y, upper.y, top, lower, top, upper);
+        band(upper.y, lower.y, top, lower, upper, bottom);
+        band(lower.y, bottom.y, lower, bottom, upper, bottom);
+    } else {
+        band(top.y, upper.y, top, bottom, top, upper);
+        band(upper.y, lower.y, top, bottom, upper, lower);
+        band(lower.y, bottom.y, top, bottom, lower, bottom);
+    }
+}
+
+using Function = decltype(&i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe);
+
+constexpr Function safe = i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe;
+constexpr Function safeBlack = i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack;
+
+/// `fractions` are added to the corners' coordinates.
+void draw(Function function, Surface &dst, Surface &tex, tagRECT clip, const Corners &c,
+          const std::array<float, 8> &fractions = {}) {
+    std::array<_POINT3DFLOAT, 4> points = {};
+    std::array<_POINTINT, 4> positions = {};
+    for (std::size_t i = 0; i < 4; ++i) {
+        points[i] = {static_cast<float>(c[i].x) + fractions[2 * i], static_cast<float>(c[i].y) + fractions[2 * i + 1],
+                     0, 0};
+        positions[i] = {c[i].u, c[i].v};
+    }
+    function(dst.pixels(), &points[0], &points[1], &points[2], &points[3], tex.pixels(), &positions[0], &positions[1],
+             &positions[2], &positions[3], &clip, static_cast<q_ulong>(dst.pitch()), static_cast<q_ulong>(tex.pitch()));
+}
+
+void agreesWithNaiveQuad(const char *name, Function function, bool black) {
+    forEachCase(name, [=](Case &c) {
+        test::Random &random = c.random;
+        Surface dst = Surface::random(random, 14);
+        Surface tex = Surface::randomOfSize(random, dst.width(), dst.height());
+        const tagRECT clip = random.rectInsideOrEmpty(dst.width(), dst.height());
+        const int reach = random.oneIn(10) ? 20000 : 6; // far beyond, where products wrap
+        Corners corners;
+        std::array<float, 8> fractions;
+        for (std::size_t i = 0; i < 4; ++i) {
+            corners[i] = {random.between(-6, dst.width() + 6), random.between(-6, dst.height() + 6),
+                          random.between(-reach, tex.width() + reach), random.between(-reach, tex.height() + reach)};
+            for (const std::size_t k : {2 * i, 2 * i + 1}) {
+                const int whole = k % 2 == 0 ? corners[i].x : corners[i].y;
+                const float fraction = random.realBetween(0, 0.984375F);
+                fractions[k] = whole < 0 ? -fraction : fraction; // toward zero lies the whole number
+            }
+        }
+        Surface expected = dst;
+        naiveQuad(expected, tex, clip, corners, black);
+        draw(function, dst, tex, clip, corners, fractions);
+        c.expectEqual(dst, expected);
+    });
+}
+
+TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, agrees_with_a_naive_quad) {
+    agreesWithNaiveQuad("i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe", safe, false);
+}
+
+TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack, agrees_with_a_naive_quad) {
+    agreesWithNaiveQuad("i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack", safeBlack, true);
+}
+
+/// A rectangle of the screen with a rectangle of the texture, both with the far sides left out.
+Corners rectangle(int left, int top, int right, int bottom, int u0, int v0, int u1, int v1) {
+    return {{{left, top, u0, v0}, {right, top, u1, v0}, {right, bottom, u1, v1}, {left, bottom, u0, v1}}};
+}
+
+/// Each texel tells its place.
+Surface numbered(int width, int height) {
+    Surface surface(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            surface.at(x, y) = static_cast<q_ulong>(0x77000000 + y * 256 + x);
+    return surface;
+}
+
+TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, the_last_row_and_column_show_the_far_texels) {
+    // 9 pixels over 0 to 8, a reciprocal without remainder: every texel once, the last one included.
+    Surface tex = numbered(16, 16);
+    Surface dst(16, 16, 0x55555555);
+    draw(safe, dst, tex, dst.rect(), rectangle(2, 3, 11, 12, 0, 0, 8, 8));
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 9; ++x)
+            EXPECT_EQ(dst.at(2 + x, 3 + y), tex.at(x, y)); // top byte included
+    EXPECT_EQ(dst.at(11, 5), 0x55555555u);
+    EXPECT_EQ(dst.at(5, 12), 0x55555555u);
+}
+
+TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, a_single_row_and_a_single_column_show_the_first_texels) {
+    Surface tex = numbered(16, 16);
+    Surface dst(16, 16, 0x55555555);
+    draw(safe, dst, tex, dst.rect(), rectangle(2, 3, 3, 4, 5, 6, 9, 9));
+    EXPECT_EQ(dst.at(2, 3), tex.at(5, 6));
+    EXPECT_EQ(dst.at(3, 3), 0x55555555u);
+    EXPECT_EQ(dst.at(2, 4), 0x55555555u);
+}
+
+TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, of_two_pixels_the_second_shows_the_far_texel) {
+    Surface tex = numbered(16, 16);
+    Surface dst(16, 16, 0x55555555);
+    draw(safe, dst, tex, dst.rect(), rectangle(2, 3, 4, 5, 5, 6, 9, 10));
+    EXPECT_EQ(dst.at(2, 3), tex.at(5, 6));
+    EXPECT_EQ(dst.at(3, 3), tex.at(9, 6));
+    EXPECT_EQ(dst.at(2, 4), tex.at(5, 10));
+    EXPECT_EQ(dst.at(3, 4), tex.at(9, 10));
+}
+
+TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, four_corners_on_one_row_draw_nothing) {
+    Surface tex = numbered(16, 16);
+    Surface dst(16, 16, 0x55555555);
+    draw(safe, dst, tex, dst.rect(), rectangle(2, 3, 9, 3, 0, 0, 8, 8));
+    draw(safeBlack, dst, tex, dst.rect(), rectangle(2, 3, 9, 3, 0, 0, 8, 8));
+    EXPECT_EQ(dst.differenceFrom(Surface(16, 16, 0x55555555)), "");
+}
+
+TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, the_clip_bounds_texture_and_destination_alike) {
+    Surface tex = numbered(16, 16);
+    const tagRECT clip = {3, 4, 9, 11};
+    for (const bool black : {false, true}) {
+        Surface dst(16, 16, 0x55555555);
+        // Each pixel shows the texel one column further left and two rows further up.
+        draw(black ? safeBlack : safe, dst, tex, clip, rectangle(0, 0, 16, 16, -1, -2, 14, 13));
+        const auto in = [](int position, q_long begin, q_long end) { return position >= begin && position < end; };
+        for (int y = 0; y < 16; ++y)
+            for (int x = 0; x < 16; ++x) {
+                // 0x40000 / 15 is cut: from the second step on a position falls just short of the next texel.
+                const int u = x == 0 ? -1 : x - 2;
+                const int v = y == 0 ? -2 : y - 3;
+                const bool pixelIn = in(x, 3, 9) && in(y, 4, 11);
+                const bool texelIn = in(u, 3, 9) && in(v, 4, 11);
+                const q_ulong outside = pixelIn && black ? 0 : 0x55555555;
+                EXPECT_EQ(dst.at(x, y), pixelIn && texelIn ? tex.at(u, v) : outside) << x << ", " << y;
+            }
+    }
+}
+
+TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, every_clip_over_a_small_surface_bounds_all_accesses) {
+    test::Random random(1);
+    Surface tex = Surface::randomOfSize(random, 5, 5);
+    const Surface empty(5, 5, 0xAAAAAAAA, tex.pitch() - (5 + 2 * Surface::margin));
+    const Corners corners = {{{2, -2, -3, 0}, {7, 2, 6, -2}, {3, 7, 8, 7}, {-2, 3, -1, 6}}};
+    for (int top = 0; top <= 5; ++top)
+        for (int bottom = 0; bottom <= 5; ++bottom)
+            for (int left = 0; left <= 5; ++left)
+                for (int right = 0; right <= 5; ++right)
+                    for (const bool black : {false, true}) {
+                        const tagRECT clip = {left, top, right, bottom};
+                        Surface dst = empty;
+                        Surface expected = empty;
+                        naiveQuad(expected, tex, clip, corners, black);
+                        draw(black ? safeBlack : safe, dst, tex, clip, corners);
+                        ASSERT_EQ(dst.differenceFrom(expected), "");
+                    }
+}
+
+TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, corners_in_any_order_draw_the_same_quad) {
+    Surface tex = numbered(16, 16);
+    Corners corners = {{{7, 1, 0, 0}, {14, 6, 15, 2}, {9, 15, 12, 15}, {1, 8, 3, 9}}};
+    Surface expected(16, 16, 0x55555555);
+    draw(safe, expected, tex, expected.rect(), corners);
+    EXPECT_NE(expected.at(7, 8), 0x55555555u);
+    std::array<std::size_t, 4> order = {0, 1, 2, 3};
+    do {
+        Surface dst(16, 16, 0x55555555);
+        draw(safe, dst, tex, dst.rect(), {corners[order[0]], corners[order[1]], corners[order[2]], corners[order[3]]});
+        EXPECT_EQ(dst.differenceFrom(expected), "");
+    } while (std::next_permutation(order.begin(), order.end()));
+}
+
+TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack, a_quad_outside_its_texture_turns_black_and_nothing_else) {
+    Surface tex = numbered(16, 16);
+    Surface dst(16, 16, 0x55555555);
+    draw(safeBlack, dst, tex, dst.rect(), rectangle(2, 3, 11, 12, 100, 100, 108, 108));
+    for (int y = 0; y < 16; ++y)
+        for (int x = 0; x < 16; ++x)
+            EXPECT_EQ(dst.at(x, y), x >= 2 && x < 11 && y >= 3 && y < 12 ? 0u : 0x55555555u);
+}
+
+} // namespace

@@ -1,0 +1,166 @@
+#include "naive.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+namespace {
+
+using test::Case;
+using test::DepthPlane;
+using test::forEachCase;
+using test::Surface;
+
+/// A host's record with frame and limits of its own.
+class Host {
+public:
+    Host() {
+        data.frameGeometry = &frame;
+        data.limits3D = &limits;
+    }
+    ~Host() { DeleteMemoryBlocks(&data); }
+    Host(const Host &) = delete;
+    Host &operator=(const Host &) = delete;
+
+    _TRANSFERDATA data = {};
+    TransferFrameGeometry frame = {{0, 0, 0}, 1000, 50};
+    TransferLimits3D limits = {11, 22, 300, 0};
+};
+
+std::uintptr_t addressOf(const void *pointer) {
+    return reinterpret_cast<std::uintptr_t>(pointer);
+}
+
+TEST(GetPrivate_QM3D_Data, null_record_gives_null) {
+    EXPECT_EQ(GetPrivate_QM3D_Data(nullptr, 0), nullptr);
+}
+
+TEST(GetPrivate_QM3D_Data, one_block_holds_record_arrays_and_plane_in_order) {
+    Host host;
+    const _PRIVATE_QM3D_DATA *block = GetPrivate_QM3D_Data(&host.data, 0);
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(host.data.blockCount, 1);
+    EXPECT_EQ(host.data.blocks[0]->work, block);
+    EXPECT_EQ(host.data.blocks[0]->size, sizeof(_PRIVATE_QM3D_DATA) + 2 * 300 * 4 + 1000 * 2);
+    EXPECT_EQ(addressOf(block->vertexArray0), addressOf(block) + sizeof(_PRIVATE_QM3D_DATA));
+    EXPECT_EQ(addressOf(block->vertexArray1), addressOf(block->vertexArray0) + 300 * 4);
+    EXPECT_EQ(addressOf(block->zPlane), addressOf(block->vertexArray1) + 300 * 4);
+    EXPECT_EQ(addressOf(block->zBuffer), addressOf(block->zPlane) + 50 * 2);
+}
+
+TEST(GetPrivate_QM3D_Data, every_piece_is_aligned_for_its_type) {
+    for (int entries = 0; entries < 9; ++entries) {
+        Host host;
+        host.limits.vertexArrayEntries = entries;
+        const _PRIVATE_QM3D_DATA *block = GetPrivate_QM3D_Data(&host.data, 0);
+        ASSERT_NE(block, nullptr);
+        EXPECT_EQ(addressOf(block->vertexArray0) % alignof(int), 0u);
+        EXPECT_EQ(addressOf(block->vertexArray1) % alignof(int), 0u);
+        EXPECT_EQ(addressOf(block->zPlane) % alignof(short), 0u);
+    }
+}
+
+TEST(GetPrivate_QM3D_Data, limits_are_copied_and_the_mapper_slot_is_empty) {
+    Host host;
+    const _PRIVATE_QM3D_DATA *block = GetPrivate_QM3D_Data(&host.data, 0);
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(block->limitValue0, 11);
+    EXPECT_EQ(block->limitValue1, 22);
+    EXPECT_EQ(block->vertexArrayEntries, 300);
+    EXPECT_TRUE(block->spanMapper == nullptr);
+}
+
+TEST(GetPrivate_QM3D_Data, the_whole_block_can_be_written) {
+    Host host;
+    _PRIVATE_QM3D_DATA *block = GetPrivate_QM3D_Data(&host.data, 0);
+    ASSERT_NE(block, nullptr);
+    for (int i = 0; i < 300; ++i)
+        block->vertexArray0[i] = block->vertexArray1[i] = i;
+    for (int i = 0; i < 1000; ++i)
+        block->zPlane[i] = static_cast<short>(i);
+    EXPECT_EQ(block->zBuffer[0], 50);
+    EXPECT_EQ(block->vertexArray0[299], 299);
+    EXPECT_EQ(block->vertexArray1[299], 299);
+}
+
+TEST(GetPrivate_QM3D_Data, a_block_that_cannot_be_had_gives_null_and_drops_all) {
+    Host host;
+    ASSERT_NE(FindNotUsedMemory(&host.data, 0, 16), nullptr);
+    host.limits.vertexArrayEntries = 0x30000000; // more than 2 GB, and less than nothing in 32 bits
+    EXPECT_EQ(GetPrivate_QM3D_Data(&host.data, 1), nullptr);
+    EXPECT_EQ(host.data.blockCount, 0);
+    EXPECT_EQ(host.data.blocks[0], nullptr);
+    EXPECT_EQ(host.data.blocks[1], nullptr);
+}
+
+TEST(ResetZBuffer, odd_left_and_odd_width_reset_whole_pairs) {
+    const Surface shape(8, 2); // an even pitch
+    DepthPlane plane(shape, 0);
+    auto data = test::blockOver<_PRIVATE_QM3D_DATA>(plane);
+    tagRECT rect = {3, 0, 6, 2};
+    EXPECT_EQ(ResetZBuffer(&data, &rect, shape.pitch()), 1);
+    DepthPlane expected(shape, 0);
+    for (int y = 0; y < 2; ++y)
+        expected.at(2, y) = expected.at(3, y) = 0x7FFF;
+    EXPECT_TRUE(plane == expected);
+}
+
+TEST(ResetZBuffer, odd_pitch_drifts_by_an_entry_every_other_row) {
+    const Surface shape(8, 4, 0, 1);
+    ASSERT_EQ(shape.pitch() % 2, 1);
+    DepthPlane plane(shape, 0);
+    auto data = test::blockOver<_PRIVATE_QM3D_DATA>(plane);
+    tagRECT rect = {4, 0, 6, 3};
+    EXPECT_EQ(ResetZBuffer(&data, &rect, shape.pitch()), 1);
+    DepthPlane expected(shape, 0);
+    for (int y = 0; y < 3; ++y)
+        expected.at(4 - y, y) = expected.at(5 - y, y) = 0x7FFF; // each row starts an even number of entries further
+    EXPECT_TRUE(plane == expected);
+}
+
+TEST(ResetZBuffer, a_block_without_a_plane_gives_0) {
+    _PRIVATE_QM3D_DATA data = {};
+    tagRECT rect = {0, 0, 4, 4};
+    EXPECT_EQ(ResetZBuffer(&data, &rect, 4), 0);
+    rect.bottom = 0;
+    EXPECT_EQ(ResetZBuffer(&data, &rect, 4), 0);
+}
+
+TEST(ResetZBuffer, empty_rectangles_reset_nothing_and_give_1) {
+    const Surface shape(8, 4);
+    DepthPlane plane(shape, 0);
+    auto data = test::blockOver<_PRIVATE_QM3D_DATA>(plane);
+    tagRECT rect = {3, 0, 3, 4};
+    EXPECT_EQ(ResetZBuffer(&data, &rect, shape.pitch()), 1);
+    rect = {0, 2, 8, 2};
+    EXPECT_EQ(ResetZBuffer(&data, &rect, shape.pitch()), 1);
+    EXPECT_TRUE(plane == DepthPlane(shape, 0));
+}
+
+TEST(ResetZBuffer, agrees_with_a_naive_reset) {
+    forEachCase("ResetZBuffer", [](Case &c) {
+        const Surface shape = Surface::random(c.random, 12);
+        DepthPlane plane(shape);
+        for (short &entry : plane.all())
+            entry = static_cast<short>(c.random.word());
+        tagRECT rect = c.random.rectInside(shape.width(), shape.height());
+        if (c.random.oneIn(10))
+            rect.bottom = rect.top;
+        else if (c.random.oneIn(10))
+            rect.right = rect.left;
+        DepthPlane expected = plane;
+        // Pairs are counted from the entry of pixel (0, 0) on.
+        short *const origin = expected.entries();
+        for (int y = 0; y < rect.bottom - rect.top; ++y)
+            for (int pair = 0; pair < (rect.right - rect.left) >> 1; ++pair) {
+                const int first = static_cast<int>(rect.top) * shape.pitch() + static_cast<int>(rect.left);
+                const int word = (first >> 1) + y * (shape.pitch() >> 1) + pair;
+                origin[2 * word] = origin[2 * word + 1] = 0x7FFF;
+            }
+        auto data = test::blockOver<_PRIVATE_QM3D_DATA>(plane);
+        c.expectEqual(std::int64_t{ResetZBuffer(&data, &rect, shape.pitch())}, std::int64_t{1});
+        expectEqual(c, plane, expected);
+    });
+}
+
+} // namespace

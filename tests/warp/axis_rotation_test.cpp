@@ -1,0 +1,751 @@
+#include "turning.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+using test::anyPicture;
+using test::anyTurn;
+using test::callAtAnyPrecision;
+using test::Case;
+using test::forEachCase;
+using test::low32;
+using test::product32;
+using test::Real;
+using test::Surface;
+using test::truncated;
+
+constexpr double pi = std::numbers::pi;
+
+enum Axis { axisX, axisY };
+
+int toInt(q_long value) {
+    return static_cast<int>(value);
+}
+
+/// The pixel of a line at a place along it: lines are rows for X and columns for Y.
+q_ulong &pixelOf(Surface &surface, Axis axis, int line, int along) {
+    return axis == axisX ? surface.at(along, line) : surface.at(line, along);
+}
+
+/// A full turn and its surfaces.
+struct Turn {
+    double angle = 0;
+    double scale = 1;
+    double perspective = 0;
+    tagRECT srcRect = {};
+    tagPOINT destCentre = {};
+    tagPOINT pivot = {};
+    int clearOutside = 0;
+    q_ulong backColour = 0;
+    int width = 0;
+    int height = 0;
+    Surface *front = nullptr;
+    Surface *back = nullptr;
+    Surface *background = nullptr;
+
+    void draw(Axis axis, Surface &dst) const {
+        const auto pixels = [](Surface *surface) { return surface ? surface->pixels() : nullptr; };
+        const auto blit = axis == axisX ? iBltNear32_X_Roto : iBltNear32_Y_Roto;
+        blit(dst.pixels(), front->pixels(), pixels(back), pixels(background), angle, scale, perspective, srcRect,
+             destCentre, pivot, clearOutside, backColour, 0x5A5A5A5A, dst.pitch(), width, height);
+    }
+
+    void drawNaively(Axis axis, Surface &dst) const;
+};
+
+/// Computes the walk's limits step by step, then asks for every pixel by itself what becomes of it.
+void Turn::drawNaively(Axis axis, Surface &dst) const {
+    const bool rows = axis == axisX;
+    const int first = toInt(rows ? srcRect.top : srcRect.left); // of the source lines
+    const int end = toInt(rows ? srcRect.bottom : srcRect.right);
+    const int firstAlong = toInt(rows ? srcRect.left : srcRect.top);
+    const int endAlong = toInt(rows ? srcRect.right : srcRect.bottom);
+    const int centre = toInt(rows ? destCentre.y : destCentre.x);
+    const int centreAlong = toInt(rows ? destCentre.x : destCentre.y);
+    const int pivotLine = toInt(rows ? pivot.y : pivot.x);
+    const int limit = rows ? height : width;
+    const int limitAlong = rows ? width : height;
+    if (width < 1 || height < 1 || scale == 0.0)
+        return;
+
+    struct Numbers {
+        bool edgeOn, backView;
+        int scaleQ, tanQ, inverseQ;
+        int bandTop, bandBottom, rowTop, rowBottom, columnLeft, columnRight;
+    };
+    const Numbers n = qmur::atFullWidth([=, *this] {
+        Numbers numbers = {};
+        const Real cosine = qmur::sineCosine(angle).cosine;
+        numbers.edgeOn = std::fabs(cosine) < 1e-07;
+        numbers.scaleQ = truncated(static_cast<Real>(scale) * 32768);
+        numbers.tanQ = truncated(qmur::tangent(angle) * perspective * 32768);
+        numbers.inverseQ = truncated(32768 / cosine / scale);
+        Real reduced = angle;
+        while (reduced > 6.283184)
+            reduced -= 6.283184;
+        while (reduced < 0)
+            reduced += 6.283184;
+        numbers.backView = reduced > 1.570796 && reduced < 4.712388;
+        const Real up = pivotLine - first;
+        const Real down = end - pivotLine;
+        const Real c = std::fabs(qmur::sineCosine(reduced).cosine);
+        const int above = truncated((numbers.backView ? down : up) * c * scale);
+        const int below = truncated((numbers.backView ? up : down) * c * scale);
+        const Real reach = std::max(up * scale, down * scale);
+        const Real half =
+            0.5L * (static_cast<Real>(scale) * (endAlong - firstAlong)) * (static_cast<Real>(perspective) + 1);
+        const auto clamped = [](int value, int most, int otherwise) {
+            if (value < 0)
+                value = 0;
+            return value > most ? otherwise : value;
+        };
+        numbers.bandTop = clamped(truncated(centre - reach), limit, limit - 1);
+        numbers.bandBottom = clamped(truncated(centre + reach), limit, limit);
+        numbers.rowTop = clamped(low32(static_cast<std::int64_t>(centre) - above), limit, limit);
+        numbers.rowBottom = clamped(low32(static_cast<std::int64_t>(centre) + below), limit, limit - 1);
+        numbers.columnLeft = clamped(truncated(centreAlong - half), limitAlong, limitAlong - 1);
+        numbers.columnRight = clamped(truncated(centreAlong + half), limitAlong, limitAlong);
+        return numbers;
+    });
+    if (n.edgeOn)
+        return;
+
+    for (int line = 0; line < limit; ++line)
+        for (int along = n.columnLeft; along < n.columnRight; ++along) {
+            q_ulong &pixel = pixelOf(dst, axis, line, along);
+            const auto storeOutside = [&] {
+                if (background)
+                    pixel = pixelOf(*background, axis, line, along);
+                else if (clearOutside)
+                    pixel = 0;
+            };
+            if ((line >= n.bandTop && line < n.rowTop) || (line >= n.rowBottom && line < n.bandBottom))
+                storeOutside();
+            if (line < n.rowTop || line >= n.rowBottom)
+                continue;
+            const std::int64_t fromCentre = static_cast<std::int64_t>(line) - centre;
+            int source = (product32(fromCentre, n.inverseQ) >> 15) + pivotLine;
+            int depth = product32((product32(fromCentre, n.tanQ) >> 15) + 1024, n.scaleQ) >> 15;
+            if (depth == 0)
+                depth = 1;
+            const int step = 33554432 / depth;
+            const int sourceAlong =
+                (product32(static_cast<std::int64_t>(along) - centreAlong, step) >> 15) + (firstAlong + endAlong) / 2;
+            if (n.backView && front == back)
+                source = end - source;
+            if (sourceAlong < firstAlong || sourceAlong >= endAlong || source < first || source >= end)
+                storeOutside();
+            else if (!n.backView)
+                pixel = pixelOf(*front, axis, source, sourceAlong);
+            else if (!back)
+                pixel = backColour;
+            else
+                pixel = pixelOf(*back, axis, end - source, sourceAlong);
+        }
+}
+
+/// A blit of a whole frame.
+struct FrameTurn {
+    enum Kind { oneFace, withBackground, aboutY };
+
+    Kind kind = oneFace;
+    double angle = 0;
+    double scale = 1;
+    double perspective = 0;
+    int width = 0;
+    int height = 0;
+    Surface *src = nullptr;
+    Surface *background = nullptr;
+
+    void draw(Surface &dst) const {
+        if (kind == oneFace)
+            iBltNear32_X_Roto_Fast(dst.pixels(), dst.pitch(), src->pixels(), src->pitch(), angle, scale, perspective,
+                                   width, height);
+        else if (kind == withBackground)
+            iBltNear32_X_Roto_Fast(dst.pixels(), dst.pitch(), src->pixels(), src->pitch(), background->pixels(), -999,
+                                   angle, scale, perspective, width, height);
+        else
+            iBltNear32_Y_Roto_Fast(dst.pixels(), dst.pitch(), src->pixels(), src->pitch(), angle, scale, perspective,
+                                   width, height);
+    }
+
+    void drawNaively(Surface &dst) const {
+        const Axis axis = kind == aboutY ? axisY : axisX;
+        const int limit = axis == axisX ? height : width;
+        const int limitAlong = axis == axisX ? width : height;
+        const int half = limit >> 1;
+        const int halfAlong = limitAlong >> 1;
+        if (width < 1 || height < 1 || scale == 0.0)
+            return;
+        struct Numbers {
+            bool edgeOn;
+            int scaleQ, tanQ, inverseQ, margin;
+        };
+        const Numbers n = qmur::atFullWidth([=, *this] {
+            const Real shrunk = qmur::sineCosine(angle).cosine * scale;
+            return Numbers{std::fabs(shrunk) < 1e-07, truncated(static_cast<Real>(scale) * 32768),
+                           truncated(qmur::tangent(angle) * perspective * 32768), truncated(32768 / shrunk),
+                           truncated((1.0L - std::fabs(shrunk)) * half)};
+        });
+        if (n.edgeOn)
+            return;
+        const int margin = std::max(n.margin, 0);
+        const int top = std::min(margin, half);
+        const int bottom = limit - margin - 1 > half ? limit - margin - 1 : half + 1;
+        const int inside = kind == oneFace ? 1 : 0;
+        for (int line = 0; line < limit; ++line)
+            for (int along = 0; along < limitAlong; ++along) {
+                const std::int64_t fromCentre = static_cast<std::int64_t>(line) - half;
+                const int source = (product32(fromCentre, n.inverseQ) >> 15) + half;
+                int depth = product32((product32(fromCentre, n.tanQ) >> 15) + 1024, n.scaleQ) >> 15;
+                if (depth == 0)
+                    depth = 1;
+                const int sourceAlong = (product32(along - halfAlong, 33554432 / depth) >> 15) + halfAlong;
+                const bool shown = line >= top && line < bottom && source >= inside && source < limit &&
+                                   sourceAlong >= inside && sourceAlong < limitAlong;
+                pixelOf(dst, axis, line, along) = shown                    ? pixelOf(*src, axis, source, sourceAlong)
+                                                  : kind == withBackground ? pixelOf(*background, axis, line, along)
+                                                                           : 0;
+            }
+    }
+};
+
+/// A picture whose pixels tell their own place: row in the second byte, column in the lowest.
+Surface placesOf(int width, int height) {
+    Surface surface(width, height);
+    for (int y = -Surface::margin; y < height + Surface::margin; ++y)
+        for (int x = -Surface::margin; x < width + Surface::margin; ++x)
+            surface.at(x, y) = 0xFF000000 | static_cast<q_ulong>((y & 255) << 8 | (x & 255));
+    return surface;
+}
+
+q_ulong place(int x, int y) {
+    return 0xFF000000 | static_cast<q_ulong>((y & 255) << 8 | (x & 255));
+}
+
+constexpr q_ulong untouched = 0x11111111;
+
+TEST(iBltNear32_X_Roto, at_angle_0_copies_straight_around_the_pivot) {
+    Surface front = placesOf(12, 12);
+    Surface dst(12, 12, untouched);
+    // Half of a width of 5 is 2.5: the columns 4 to 8 are walked. Source column 1 is outside and column 6 is not
+    // reached, since the middle of 2 and 7 is 4.
+    const Turn turn = {
+        .srcRect = {2, 3, 7, 7}, .destCentre = {7, 6}, .pivot = {4, 5}, .width = 12, .height = 12, .front = &front};
+    turn.draw(axisX, dst);
+    Surface expected(12, 12, untouched);
+    for (int y = 4; y < 8; ++y)
+        for (int x = 5; x < 9; ++x)
+            expected.at(x, y) = place(x - 3, y - 1);
+    EXPECT_EQ(dst.differenceFrom(expected), "");
+}
+
+TEST(iBltNear32_Y_Roto, at_angle_0_copies_straight_around_the_pivot) {
+    Surface front = placesOf(12, 12);
+    Surface dst(12, 12, untouched);
+    const Turn turn = {
+        .srcRect = {3, 2, 7, 7}, .destCentre = {6, 7}, .pivot = {5, 4}, .width = 12, .height = 12, .front = &front};
+    turn.draw(axisY, dst);
+    Surface expected(12, 12, untouched);
+    for (int x = 4; x < 8; ++x)
+        for (int y = 5; y < 9; ++y)
+            expected.at(x, y) = place(x - 1, y - 3);
+    EXPECT_EQ(dst.differenceFrom(expected), "");
+}
+
+TEST(iBltNear32_X_Roto, six_decimals_limit_the_back_view_and_both_limits_are_front) {
+    // A face this close to edge-on has rows only under a huge scale; this one is 3 * 2^17, whose fixed-point form wraps
+    // to 0, so that the middle column still shows the middle of the source.
+    Surface front(24, 24, 1);
+    Surface back(24, 24, 2);
+    const auto seenAt = [&](Axis axis, double angle) {
+        Surface dst(24, 24, untouched);
+        const Turn turn = {.angle = angle,
+                           .scale = 393216,
+                           .srcRect = {2, 2, 22, 22},
+                           .destCentre = {12, 12},
+                           .pivot = {12, 12},
+                           .width = 24,
+                           .height = 24,
+                           .front = &front,
+                           .back = &back};
+        turn.draw(axis, dst);
+        return dst.at(12, 12);
+    };
+    for (const Axis axis : {axisX, axisY}) {
+        EXPECT_EQ(seenAt(axis, 1.570796), 1u);
+        EXPECT_EQ(seenAt(axis, std::nextafter(1.570796, 2)), 2u);
+        EXPECT_EQ(seenAt(axis, 4.712388), 1u);
+        EXPECT_EQ(seenAt(axis, std::nextafter(4.712388, 0)), 2u);
+    }
+}
+
+TEST(iBltNear32_X_Roto, angles_beyond_the_circle_are_brought_back_by_6_283184) {
+    Surface front(8, 8, 1);
+    Surface back(8, 8, 2);
+    const auto seenAt = [&](double angle) {
+        Surface dst(8, 8, untouched);
+        const Turn turn = {.angle = angle,
+                           .srcRect = {0, 0, 8, 8},
+                           .destCentre = {4, 4},
+                           .pivot = {4, 4},
+                           .width = 8,
+                           .height = 8,
+                           .front = &front,
+                           .back = &back};
+        turn.draw(axisX, dst);
+        return dst.at(4, 4);
+    };
+    EXPECT_EQ(seenAt(-1), 1u); // 5.28
+    EXPECT_EQ(seenAt(-2), 2u); // 4.28
+    EXPECT_EQ(seenAt(-4), 2u); // 2.28
+    EXPECT_EQ(seenAt(-5), 1u); // 1.28
+    EXPECT_EQ(seenAt(7), 1u);  // 0.72
+    EXPECT_EQ(seenAt(9), 2u);  // 2.72
+    EXPECT_EQ(seenAt(2.72 + 50 * 6.283184), 2u);
+    EXPECT_EQ(seenAt(0.72 - 50 * 6.283184), 1u);
+}
+
+TEST(iBltNear32_X_Roto, without_background_and_clearing_only_the_face_changes) {
+    Surface front(10, 10, 7);
+    Surface background = placesOf(10, 10);
+    for (const Axis axis : {axisX, axisY}) {
+        Turn turn = {.angle = 1,
+                     .srcRect = {1, 1, 9, 9},
+                     .destCentre = {5, 5},
+                     .pivot = {5, 5},
+                     .width = 10,
+                     .height = 10,
+                     .front = &front};
+        // 4 * cos 1 is 2.16: two lines on either side of the middle. They reach from 1 to 9 along the axis; the rest
+        // of the band, lines 1 to 9, is what the face has left behind.
+        const auto expectedWith = [&](Surface dst, const auto &uncovered) {
+            for (int line = 1; line < 9; ++line)
+                for (int along = 1; along < 9; ++along)
+                    pixelOf(dst, axis, line, along) = line >= 3 && line < 7 ? 7 : uncovered(line, along);
+            return dst;
+        };
+        Surface dst(10, 10, untouched);
+        turn.draw(axis, dst);
+        EXPECT_EQ(dst.differenceFrom(expectedWith(Surface(10, 10, untouched), [](int, int) { return untouched; })), "");
+
+        turn.clearOutside = 1;
+        dst = Surface(10, 10, untouched);
+        turn.draw(axis, dst);
+        EXPECT_EQ(dst.differenceFrom(expectedWith(Surface(10, 10, untouched), [](int, int) { return q_ulong{0}; })),
+                  "");
+
+        turn.background = &background;
+        for (turn.clearOutside = 0; turn.clearOutside < 2; ++turn.clearOutside) {
+            dst = Surface(10, 10, untouched);
+            turn.draw(axis, dst);
+            EXPECT_EQ(dst.differenceFrom(
+                          expectedWith(Surface(10, 10, untouched),
+                                       [&](int line, int along) { return pixelOf(background, axis, line, along); })),
+                      "");
+        }
+    }
+}
+
+TEST(iBltNear32_X_Roto, a_null_back_is_the_plain_back_colour) {
+    Surface front(8, 8, 1);
+    for (const Axis axis : {axisX, axisY}) {
+        Surface dst(8, 8, untouched);
+        const Turn turn = {.angle = pi,
+                           .srcRect = {2, 2, 6, 6},
+                           .destCentre = {4, 4},
+                           .pivot = {4, 4},
+                           .backColour = 0xABCDEF01,
+                           .width = 8,
+                           .height = 8,
+                           .front = &front};
+        turn.draw(axis, dst);
+        // The source line of line 2 is 6, just outside.
+        Surface expected(8, 8, untouched);
+        for (int line = 3; line < 6; ++line)
+            for (int along = 2; along < 6; ++along)
+                pixelOf(expected, axis, line, along) = 0xABCDEF01;
+        EXPECT_EQ(dst.differenceFrom(expected), "");
+    }
+}
+
+TEST(iBltNear32_X_Roto, the_back_view_counts_its_source_lines_from_the_end) {
+    // At half a turn line y shows source line 4 - y, inside from 0 to 3, and reads it at 4 minus that.
+    Surface front(8, 8, 1);
+    Surface back = placesOf(8, 8);
+    Surface dst(8, 8, untouched);
+    Turn turn = {.angle = pi,
+                 .srcRect = {0, 0, 4, 4},
+                 .destCentre = {2, 2},
+                 .pivot = {2, 2},
+                 .width = 8,
+                 .height = 8,
+                 .front = &front,
+                 .back = &back};
+    turn.draw(axisX, dst);
+    EXPECT_EQ(dst.at(2, 0), untouched);
+    for (int y = 1; y < 4; ++y)
+        EXPECT_EQ(dst.at(2, y), place(2, y));
+    EXPECT_EQ(dst.at(2, 4), untouched);
+
+    dst = Surface(8, 8, untouched);
+    turn.draw(axisY, dst);
+    EXPECT_EQ(dst.at(0, 2), untouched);
+    for (int x = 1; x < 4; ++x)
+        EXPECT_EQ(dst.at(x, 2), place(x, 2));
+    EXPECT_EQ(dst.at(4, 2), untouched);
+}
+
+TEST(iBltNear32_X_Roto, one_surface_on_both_faces_is_flipped_once_more_and_reads_one_line_further) {
+    Surface both = placesOf(8, 8);
+    Turn turn = {.angle = pi,
+                 .srcRect = {0, 0, 4, 4},
+                 .destCentre = {2, 2},
+                 .pivot = {2, 2},
+                 .width = 8,
+                 .height = 8,
+                 .front = &both,
+                 .back = &both};
+    Surface dst(8, 8, untouched);
+    turn.draw(axisX, dst);
+    for (int y = 0; y < 4; ++y)
+        EXPECT_EQ(dst.at(2, y), place(2, 4 - y));
+    dst = Surface(8, 8, untouched);
+    turn.draw(axisY, dst);
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(dst.at(x, 2), place(4 - x, 2));
+}
+
+TEST(iBltNear32_X_Roto, a_face_over_the_end_loses_its_last_line_to_the_clearing) {
+    Surface front(12, 12, 7);
+    for (const Axis axis : {axisX, axisY}) {
+        Surface dst(12, 12, untouched);
+        const Turn turn = {.srcRect = {0, 0, 12, 12},
+                           .destCentre = {4, 4},
+                           .pivot = {2, 2},
+                           .clearOutside = 1,
+                           .width = 8,
+                           .height = 8,
+                           .front = &front};
+        turn.draw(axis, dst);
+        EXPECT_EQ(pixelOf(dst, axis, 6, 4), 7u);
+        EXPECT_EQ(pixelOf(dst, axis, 7, 4), 0u);
+        EXPECT_EQ(pixelOf(dst, axis, 8, 4), untouched);
+    }
+}
+
+TEST(iBltNear32_X_Roto, a_face_wholly_outside_draws_nothing) {
+    Surface front(8, 8, 7);
+    for (const Axis axis : {axisX, axisY})
+        for (const int away : {-1000, -20, 20, 1000, INT_MAX, INT_MIN}) {
+            Surface dst(8, 8, untouched);
+            const Turn turn = {.srcRect = {0, 0, 8, 8},
+                               .destCentre = {away, away},
+                               .pivot = {4, 4},
+                               .width = 8,
+                               .height = 8,
+                               .front = &front};
+            turn.draw(axis, dst);
+            EXPECT_EQ(dst.differenceFrom(Surface(8, 8, untouched)), "") << away;
+        }
+}
+
+TEST(iBltNear32_X_Roto, scale_0_and_a_face_edge_on_leave_the_destination) {
+    Surface front(8, 8, 7);
+    for (const Axis axis : {axisX, axisY}) {
+        Turn turn = {.srcRect = {0, 0, 8, 8},
+                     .destCentre = {4, 4},
+                     .pivot = {4, 4},
+                     .clearOutside = 1,
+                     .width = 8,
+                     .height = 8,
+                     .front = &front};
+        const auto changes = [&](double angle, double scale) {
+            Surface dst(8, 8, untouched);
+            turn.angle = angle;
+            turn.scale = scale;
+            turn.draw(axis, dst);
+            return !(dst == Surface(8, 8, untouched));
+        };
+        EXPECT_FALSE(changes(0, 0));
+        EXPECT_FALSE(changes(pi / 2, 1));
+        EXPECT_FALSE(changes(-pi / 2, 1));
+        EXPECT_FALSE(changes(3 * pi / 2, 1));
+        EXPECT_FALSE(changes(pi / 2 + 0.9e-7, 1));
+        EXPECT_TRUE(changes(pi / 2 + 1.1e-7, 1));
+        EXPECT_TRUE(changes(pi / 2 - 1.1e-7, 1));
+        EXPECT_TRUE(changes(0, 0.25)) << "the cosine alone is tested";
+    }
+}
+
+TEST(iBltNear32_X_Roto, perspective_narrows_one_edge) {
+    // The tangent of 45 degrees times 256: the depth, 1024 at the middle, changes by 256 from line to line.
+    Surface front = placesOf(16, 16);
+    Surface dst(16, 16, untouched);
+    const Turn turn = {.angle = std::atan(1.0),
+                       .perspective = 256,
+                       .srcRect = {0, 0, 16, 16},
+                       .destCentre = {8, 8},
+                       .pivot = {8, 8},
+                       .width = 16,
+                       .height = 16,
+                       .front = &front};
+    turn.draw(axisX, dst);
+    const auto columnsOfLine = [&](int y) {
+        int count = 0;
+        for (int x = 0; x < 16; ++x)
+            count += dst.at(x, y) != untouched;
+        return count;
+    };
+    EXPECT_EQ(columnsOfLine(8), 16);      // the middle: depth 1024
+    EXPECT_EQ(columnsOfLine(6), 8);       // 2 lines up: depth 512, step 2.0
+    EXPECT_EQ(dst.at(8, 6), place(8, 5)); // -2 / cos 45 degrees is -2.83
+    EXPECT_EQ(dst.at(9, 6), place(10, 5));
+    EXPECT_EQ(columnsOfLine(10), 16); // 2 lines down: depth 1536, enlarged
+    EXPECT_EQ(dst.at(9, 10), place(8, 10));
+    EXPECT_EQ(dst.at(10, 10), place(9, 10));
+}
+
+TEST(iBltNear32_X_Roto, empty_frames_and_sources_draw_no_face) {
+    Surface front(8, 8, 7);
+    for (const Axis axis : {axisX, axisY}) {
+        Surface dst(8, 8, untouched);
+        Turn turn = {.srcRect = {0, 0, 8, 8},
+                     .destCentre = {4, 4},
+                     .pivot = {4, 4},
+                     .clearOutside = 1,
+                     .width = 0,
+                     .height = 8,
+                     .front = &front};
+        turn.draw(axis, dst);
+        turn.width = 8;
+        turn.height = 0;
+        turn.draw(axis, dst);
+        turn.height = -1;
+        turn.draw(axis, dst);
+        turn.height = 8;
+        turn.srcRect = {4, 4, 4, 4};
+        turn.draw(axis, dst);
+        EXPECT_EQ(dst.differenceFrom(Surface(8, 8, untouched)), "");
+    }
+}
+
+TEST(iBltNear32_X_Roto, every_place_of_a_small_face_stays_inside_the_frame) {
+    test::Random random(1);
+    Surface front = anyPicture(random);
+    Surface background = anyPicture(random);
+    const Surface before = anyPicture(random);
+    for (const Axis axis : {axisX, axisY})
+        for (const double angle : {0.0, 0.7, pi, 5.8})
+            for (int y = -6; y <= 11; ++y)
+                for (int x = -6; x <= 11; ++x)
+                    for (int size = 0; size <= 5; ++size) {
+                        const Turn turn = {.angle = angle,
+                                           .perspective = 0.5,
+                                           .srcRect = {1, 2, 1 + size, 2 + size},
+                                           .destCentre = {x, y},
+                                           .pivot = {1 + size / 2, 2 + size / 2},
+                                           .width = 5,
+                                           .height = 6,
+                                           .front = &front,
+                                           .back = &front,
+                                           .background = &background};
+                        Surface dst = before;
+                        Surface expected = before;
+                        turn.draw(axis, dst);
+                        turn.drawNaively(axis, expected);
+                        ASSERT_EQ(dst.differenceFrom(expected), "")
+                            << angle << " at " << x << ", " << y << ", size " << size;
+                    }
+}
+
+double anyScale(test::Random &random) {
+    constexpr double special[] = {0, 1, 1, 2, 0.5, -1, 1e-6, 1e-8, 300, 70000};
+    return random.oneIn(3) ? special[random.between(0, 9)] : random.between(1, 4096) / 1024.0;
+}
+
+double anyPerspective(test::Random &random) {
+    if (random.oneIn(3))
+        return 0;
+    return random.between(-1024, 1024) / (random.oneIn(3) ? 2.0 : 512.0);
+}
+
+void compareTurns(const char *name, Axis axis) {
+    forEachCase(name, [axis](Case &c) {
+        Surface dst = anyPicture(c.random);
+        Surface front = anyPicture(c.random);
+        Surface back = anyPicture(c.random);
+        Surface background = anyPicture(c.random);
+        Turn turn;
+        turn.angle = anyTurn(c.random);
+        turn.scale = anyScale(c.random);
+        turn.perspective = anyPerspective(c.random);
+        turn.srcRect = c.random.rectInsideOrEmpty(front.width(), front.height());
+        if (c.random.oneIn(10)) { // a single pixel
+            turn.srcRect.right = turn.srcRect.left + 1;
+            turn.srcRect.bottom = turn.srcRect.top + 1;
+        }
+        const int reach = c.random.oneIn(8) ? 1000 : 10;
+        turn.destCentre = {c.random.between(-reach, reach) + 8, c.random.between(-reach, reach) + 6};
+        turn.pivot = {c.random.between(-3, 19), c.random.between(-3, 16)};
+        if (c.random.oneIn(2))
+            turn.pivot = {(turn.srcRect.left + turn.srcRect.right) / 2, (turn.srcRect.top + turn.srcRect.bottom) / 2};
+        turn.clearOutside = c.random.between(0, 2);
+        turn.backColour = c.random.pixel();
+        turn.width = c.random.oneIn(4) ? c.random.between(0, 16) : 16;
+        turn.height = c.random.oneIn(4) ? c.random.between(0, 13) : 13;
+        turn.front = &front;
+        const int faces = c.random.between(0, 2);
+        turn.back = faces == 0 ? nullptr : faces == 1 ? &front : &back;
+        turn.background = c.random.oneIn(2) ? &background : nullptr;
+        Surface expected = dst;
+        turn.drawNaively(axis, expected);
+        callAtAnyPrecision(c, [&] { turn.draw(axis, dst); });
+        c.expectEqual(dst, expected);
+    });
+}
+
+TEST(iBltNear32_X_Roto, agrees_with_a_naive_turn) {
+    compareTurns("iBltNear32_X_Roto", axisX);
+}
+
+TEST(iBltNear32_Y_Roto, agrees_with_a_naive_turn) {
+    compareTurns("iBltNear32_Y_Roto", axisY);
+}
+
+void compareFrameTurns(const char *name, FrameTurn::Kind kind) {
+    forEachCase(name, [kind](Case &c) {
+        Surface dst = anyPicture(c.random);
+        Surface src = anyPicture(c.random);
+        Surface background = anyPicture(c.random);
+        FrameTurn turn;
+        turn.kind = kind;
+        turn.angle = anyTurn(c.random);
+        turn.scale = anyScale(c.random);
+        turn.perspective = anyPerspective(c.random);
+        turn.width = c.random.oneIn(2) ? c.random.between(0, 16) : 16;
+        turn.height = c.random.oneIn(2) ? c.random.between(0, 13) : 13;
+        turn.src = &src;
+        turn.background = &background;
+        Surface expected = dst;
+        turn.drawNaively(expected);
+        callAtAnyPrecision(c, [&] { turn.draw(dst); });
+        c.expectEqual(dst, expected);
+    });
+}
+
+TEST(iBltNear32_X_Roto_Fast, at_angle_0_shows_neither_source_row_0_nor_column_0_and_clears_the_last_row) {
+    Surface src = placesOf(6, 5);
+    Surface dst(6, 5, untouched);
+    FrameTurn{.kind = FrameTurn::oneFace, .width = 6, .height = 5, .src = &src}.draw(dst);
+    Surface expected(6, 5, untouched);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 6; ++x)
+            expected.at(x, y) = x >= 1 && y >= 1 && y < 4 ? place(x, y) : 0;
+    EXPECT_EQ(dst.differenceFrom(expected), "");
+}
+
+TEST(iBltNear32_X_Roto_Fast, with_a_background_shows_source_row_0_and_column_0) {
+    Surface src = placesOf(6, 5);
+    Surface background(6, 5, 0x22222222);
+    Surface dst(6, 5, untouched);
+    FrameTurn{.kind = FrameTurn::withBackground, .width = 6, .height = 5, .src = &src, .background = &background}.draw(
+        dst);
+    Surface expected(6, 5, untouched);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 6; ++x)
+            expected.at(x, y) = y < 4 ? place(x, y) : 0x22222222;
+    EXPECT_EQ(dst.differenceFrom(expected), "");
+}
+
+TEST(iBltNear32_Y_Roto_Fast, at_angle_0_shows_source_row_0_and_column_0_and_clears_the_last_column) {
+    Surface src = placesOf(6, 5);
+    Surface dst(6, 5, untouched);
+    FrameTurn{.kind = FrameTurn::aboutY, .width = 6, .height = 5, .src = &src}.draw(dst);
+    Surface expected(6, 5, untouched);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 6; ++x)
+            expected.at(x, y) = x < 5 ? place(x, y) : 0;
+    EXPECT_EQ(dst.differenceFrom(expected), "");
+}
+
+TEST(iBltNear32_X_Roto_Fast, the_cosine_times_the_scale_decides_whether_the_face_is_edge_on) {
+    Surface src(6, 5, 7);
+    Surface background(6, 5, 9);
+    for (const auto kind : {FrameTurn::oneFace, FrameTurn::withBackground, FrameTurn::aboutY}) {
+        const auto changes = [&](double angle, double scale) {
+            Surface dst(6, 5, untouched);
+            FrameTurn{.kind = kind,
+                      .angle = angle,
+                      .scale = scale,
+                      .width = 6,
+                      .height = 5,
+                      .src = &src,
+                      .background = &background}
+                .draw(dst);
+            return !(dst == Surface(6, 5, untouched));
+        };
+        EXPECT_FALSE(changes(0, 0));
+        EXPECT_FALSE(changes(0, 0.9e-7));
+        EXPECT_TRUE(changes(0, 1.1e-7));
+        EXPECT_FALSE(changes(0, -0.9e-7));
+        EXPECT_FALSE(changes(pi / 2 + 1.8e-7, 0.5));
+        EXPECT_TRUE(changes(pi / 2 + 0.6e-7, 2));
+    }
+}
+
+TEST(iBltNear32_X_Roto_Fast, an_enlarged_frame_writes_nothing_outside) {
+    Surface src = placesOf(6, 5);
+    Surface background(6, 5, 9);
+    for (const auto kind : {FrameTurn::oneFace, FrameTurn::withBackground, FrameTurn::aboutY})
+        for (const double scale : {1.5, 2.0, 3.0, 40.0, 1e9, 1e18}) {
+            const FrameTurn turn = {
+                .kind = kind, .scale = scale, .width = 6, .height = 5, .src = &src, .background = &background};
+            Surface dst(6, 5, untouched);
+            Surface expected(6, 5, untouched);
+            turn.draw(dst);
+            turn.drawNaively(expected);
+            EXPECT_EQ(dst.differenceFrom(expected), "") << scale;
+        }
+}
+
+TEST(iBltNear32_X_Roto_Fast, every_small_frame_is_written_whole_and_nothing_beside_it) {
+    Surface src(8, 8, 0);
+    Surface background(8, 8, 0);
+    for (const auto kind : {FrameTurn::oneFace, FrameTurn::withBackground, FrameTurn::aboutY})
+        for (const double angle : {0.0, 0.5, 1.5, pi, 4.0, 6.2})
+            for (int height = 0; height <= 8; ++height)
+                for (int width = 0; width <= 8; ++width) {
+                    Surface dst(8, 8, untouched);
+                    FrameTurn{.kind = kind,
+                              .angle = angle,
+                              .width = width,
+                              .height = height,
+                              .src = &src,
+                              .background = &background}
+                        .draw(dst);
+                    Surface expected(8, 8, untouched);
+                    for (int y = 0; y < height; ++y)
+                        for (int x = 0; x < width; ++x)
+                            expected.at(x, y) = 0;
+                    ASSERT_EQ(dst.differenceFrom(expected), "") << width << " x " << height << ", angle " << angle;
+                }
+}
+
+TEST(iBltNear32_X_Roto_Fast, agrees_with_a_naive_turn) {
+    compareFrameTurns("iBltNear32_X_Roto_Fast", FrameTurn::oneFace);
+}
+
+TEST(iBltNear32_X_Roto_Fast, with_a_background_agrees_with_a_naive_turn) {
+    compareFrameTurns("iBltNear32_X_Roto_Fast background", FrameTurn::withBackground);
+}
+
+TEST(iBltNear32_Y_Roto_Fast, agrees_with_a_naive_turn) {
+    compareFrameTurns("iBltNear32_Y_Roto_Fast", FrameTurn::aboutY);
+}
+
+} // namespace

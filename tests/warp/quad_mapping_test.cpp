@@ -1,0 +1,610 @@
+#include "turning.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cmath>
+
+namespace {
+
+using test::anyPicture;
+using test::callAtAnyPrecision;
+using test::Case;
+using test::forEachCase;
+using test::low32;
+using test::product32;
+using test::Real;
+using test::Surface;
+using test::truncated;
+
+constexpr q_ulong untouched = 0x11111111;
+
+int toInt(q_long value) {
+    return static_cast<int>(value);
+}
+
+struct Corner {
+    int x;
+    int y;
+};
+
+using Quad = std::array<Corner, 4>;
+
+/// The corners of an upright rectangle, from the top left clockwise.
+Quad upright(int left, int top, int right, int bottom) {
+    return {{{left, top}, {right, top}, {right, bottom}, {left, bottom}}};
+}
+
+/// The same figure with another corner first.
+Quad cycled(const Quad &quad, std::size_t first) {
+    return {{quad[first & 3], quad[(first + 1) & 3], quad[(first + 2) & 3], quad[(first + 3) & 3]}};
+}
+
+void drawBilinear(Surface &dst, Surface &src, int width, int height, const Quad &p) {
+    iBilinearMapping(dst.pixels(), src.pixels(), dst.pitch(), width, height, p[0].x, p[1].x, p[2].x, p[3].x, p[0].y,
+                     p[1].y, p[2].y, p[3].y);
+}
+
+void drawPseudo(Surface &dst, Surface &src, Surface &scratch, int width, int height, q_ulong fill, const Quad &p) {
+    iPsudoBilinearMapping(dst.pixels(), src.pixels(), scratch.pixels(), dst.pitch(), width, height, fill, p[0].x,
+                          p[1].x, p[2].x, p[3].x, p[0].y, p[1].y, p[2].y, p[3].y);
+}
+
+void drawAffine(Surface &dst, Surface &src, tagRECT srcRect, tagRECT clip, const Quad &p, int add = 0,
+                int scale = 256) {
+    iAffineMapping(dst.pixels(), src.pixels(), dst.pitch(), &srcRect, &clip, p[0].x, p[1].x, p[2].x, p[3].x, p[0].y,
+                   p[1].y, p[2].y, p[3].y, add, scale);
+}
+
+/// Finds the place in the patch of every pixel by itself.
+void naiveBilinear(Surface &dst, const Surface &src, int width, int height, const Quad &p) {
+    qmur::atFullWidth([&] {
+        const auto fourCorners = [](std::int64_t p0, std::int64_t p1, std::int64_t p2, std::int64_t p3) {
+            return low32(p0 - p1 - p3 + p2);
+        };
+        const auto difference = [](std::int64_t a, std::int64_t b) { return low32(a - b); };
+        constexpr Real offset = 0.0001;
+        const Real A = fourCorners(p[0].x, p[1].x, p[2].x, p[3].x) + offset;
+        const Real B = difference(p[1].x, p[0].x) + offset;
+        const Real G = difference(p[3].x, p[0].x) + offset;
+        const Real D = fourCorners(p[0].y, p[1].y, p[2].y, p[3].y) + offset;
+        const Real E = difference(p[1].y, p[0].y) + offset;
+        const Real F = difference(p[3].y, p[0].y) + offset;
+        const Real X0 = p[0].x + offset;
+        const Real Y0 = p[0].y + offset;
+        const Real q = E * A - D * B;
+        const Real K1 = E * G + Y0 * A - D * X0 - F * B;
+        const Real K2 = Y0 * G - F * X0;
+        for (int r = 0; r < height; ++r)
+            for (int c = 0; c < width; ++c) {
+                const Real b = c * D + K1 - r * A;
+                const Real e = c * F + K2 - r * G;
+                Real root = 0;
+                Real s = -b / (2 * q);
+                if (e * (4 * q) <= b * b) {
+                    root = std::sqrt(b * b - e * (4 * q)) / (2 * q);
+                    s = -b / (2 * q) + root;
+                }
+                if ((s <= 0 || s >= 1) && e * (4 * q) < b * b)
+                    s = -b / (2 * q) - root;
+                Real denominator = s * A + G;
+                if (denominator == 0)
+                    denominator = 1e-09;
+                const int x = truncated(width * s + 0.5L);
+                const int y = truncated(height * (c - s * B - X0) / denominator + 0.5L);
+                dst.at(c, r) = x >= 0 && x < width && y >= 0 && y < height ? src.at(x, y) : 0;
+            }
+    });
+}
+
+int divided(std::int64_t value, std::int64_t divisor) {
+    return low32(value / divisor);
+}
+
+int shifted15(int value) {
+    return low32(static_cast<std::int64_t>(value) << 15);
+}
+
+int orientationOf(const Quad &p) {
+    if (product32(p[0].x - p[1].x, p[3].x - p[2].x) > product32(p[1].x - p[2].x, p[0].x - p[3].x))
+        return p[0].x < p[2].x ? 0 : 2;
+    return p[1].x < p[3].x ? 1 : 3;
+}
+
+/// Both passes, pixel by pixel.
+void naivePseudo(Surface &dst, const Surface &src, Surface &scratch, int width, int height, q_ulong fill,
+                 const Quad &quad) {
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            dst.at(x, y) = fill;
+    int minX = 1024;
+    int maxX = -1024;
+    for (const Corner &corner : quad) {
+        minX = std::min(minX, corner.x);
+        maxX = std::max(maxX, corner.x);
+    }
+    const int o = orientationOf(quad);
+    const auto [p0, p1, p2, p3] = cycled(quad, static_cast<std::size_t>(o));
+    const int x0 = p0.x, x1 = p1.x, x2 = p2.x, x3 = p3.x;
+    const int y0 = p0.y, y1 = p1.y, y2 = p2.y, y3 = p3.y;
+
+    struct RowSpan {
+        int left, right;
+    };
+    const auto spanOf = [=](int i) {
+        return qmur::atFullWidth([=] {
+            const auto orTiny = [](int value) {
+                return value == 0 ? static_cast<Real>(1e-11) : static_cast<Real>(value);
+            };
+            const Real a = orTiny(x1 - x0), b = orTiny(x3 - x2), c = orTiny(x3 - x0), d = orTiny(x2 - x1);
+            const Real e = orTiny(y1 - y0), f = orTiny(y3 - y2), g = orTiny(y3 - y0), h = orTiny(y1 - y2);
+            const Real H = height;
+            const Real S = x0 * e / a;
+            const Real P = (g / c - e / a) * H;
+            const Real Q = (y3 - x3 * g / c - y0 + S) * H;
+            const Real T = f / b - e / a;
+            const Real U = y3 - x3 * f / b - y0 + S;
+            const Real V = (-h / d - e / a) * H;
+            const Real W = (x1 * h / d + y1 - y0 + S) * H;
+            return RowSpan{truncated((Q - i * U) / (i * T - P)), truncated((W - i * U) / (i * T - V))};
+        });
+    };
+    for (int i = 0; i < height; ++i) {
+        const auto [left, right] = spanOf(i);
+        if (right <= left)
+            continue;
+        const int extent = o == 0 || o == 2 ? width : height;
+        const int step = divided(shifted15(extent), low32(static_cast<std::int64_t>(left) - right));
+        for (int x = std::max(left, 0); x < std::min(right, width); ++x) {
+            const int p = product32(static_cast<std::int64_t>(left) - x, step) >> 15;
+            switch (o) {
+            case 0:
+                scratch.at(x, i) = src.at(p, i);
+                break;
+            case 1:
+                scratch.at(x, i) = src.at(width - 1 - i * width / height, p);
+                break;
+            case 2:
+                scratch.at(x, i) = src.at(width - 1 - p, height - 1 - i);
+                break;
+            default:
+                scratch.at(x, i) = src.at(i * width / height, height - 1 - p);
+            }
+        }
+    }
+    if (maxX == minX)
+        return;
+    for (int x = std::max(minX, 0); x < std::min(width, maxX); ++x) {
+        const int top = divided(product32(x - x0, y1 - y0), x1 == x0 ? 1 : x1 - x0) + y0;
+        const int bottom = divided(product32(x - x3, y2 - y3), x2 == x3 ? 1 : x2 - x3) + y3;
+        if (top >= bottom)
+            continue;
+        const int step = divided(shifted15(height), bottom - top);
+        for (int y = std::max(top, 0); y < std::min(height, bottom); ++y)
+            dst.at(x, y) = scratch.at(x, product32(y - top, step) >> 15);
+    }
+}
+
+q_ulong brightened(q_ulong p, int add, int scale) {
+    const std::uint32_t pixel = static_cast<std::uint32_t>(p);
+    const std::uint32_t factor = static_cast<std::uint32_t>(scale);
+    const std::uint32_t plus = static_cast<std::uint32_t>(add);
+    const std::uint32_t red = (((pixel >> 16) * factor) >> 8) + plus;
+    const std::uint32_t green = (((pixel & 0xFF00) * factor) >> 16) + plus;
+    const std::uint32_t blue = (((pixel & 0xFF) * factor) >> 8) + plus;
+    return std::min(red, 255U) << 16 | std::min(green, 255U) << 8 | std::min(blue, 255U);
+}
+
+/// Asks for every pixel whether one of the two shapes shows something there.
+void naiveAffine(Surface &dst, const Surface &src, const tagRECT &srcRect, const tagRECT &clip, const Quad &p, int add,
+                 int scale) {
+    const int left = toInt(srcRect.left);
+    const int top = toInt(srcRect.top);
+    const int right = toInt(srcRect.right);
+    const int bottom = toInt(srcRect.bottom);
+    const auto [x0, y0] = p[0];
+    const auto [x1, y1] = p[1];
+    const auto [x2, y2] = p[2];
+    const auto [x3, y3] = p[3];
+    const bool horizontal = y0 == y1 && y2 == y3;
+    int first = 0, last = 0, start = 0, slope = 0, otherStart = 0, otherSlope = 0, source = 0, sourceEnd = 0;
+    if (horizontal) {
+        if (y0 < y3) {
+            first = y0, last = y3, start = x0, slope = x3 - x0, otherStart = x1, otherSlope = x2 - x1;
+            source = top, sourceEnd = bottom;
+        } else {
+            first = y3, last = y0, start = x3, slope = x0 - x3, otherStart = x2, otherSlope = x1 - x2;
+            source = bottom - 1, sourceEnd = top;
+        }
+    } else if (x0 == x3 && x1 == x2) {
+        if (x0 < x1) {
+            first = x0, last = x1, start = y0, slope = y1 - y0, otherStart = y3, otherSlope = y2 - y3;
+            source = left, sourceEnd = right;
+        } else if (y3 < y0) {
+            first = x1, last = x0, start = y1, slope = y0 - y1, otherStart = y2, otherSlope = y3 - y2;
+            source = right - 1, sourceEnd = left;
+        } else {
+            return;
+        }
+    } else {
+        return;
+    }
+    const int n = last - first;
+    for (int y = 0; y < dst.height(); ++y)
+        for (int x = 0; x < dst.width(); ++x) {
+            if (y < clip.top || y >= clip.bottom || x < clip.left || x >= clip.right)
+                continue;
+            const int line = horizontal ? y : x;
+            const int along = horizontal ? x : y;
+            if (line < first || line >= last)
+                continue;
+            const int t = line - first;
+            const int from = t * slope / n + start;
+            const int to = t * otherSlope / n + otherStart;
+            if (along < from || along >= to)
+                continue;
+            const int extent = horizontal ? right - left : bottom - top;
+            const int step = low32(static_cast<std::int64_t>(extent) << 18) / (to == from ? 1 : to - from);
+            const int sourceLine = (sourceEnd - source) * t / n + source;
+            const int sourceAlong = product32(along - from, step) >> 18;
+            dst.at(x, y) = brightened(horizontal ? src.at(left + sourceAlong, top + sourceLine)
+                                                 : src.at(left + sourceLine, top + sourceAlong),
+                                      add, scale);
+        }
+}
+
+Surface placesOf(int width, int height) {
+    Surface surface(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            surface.at(x, y) = 0x01000000 | static_cast<q_ulong>(y << 8 | x);
+    return surface;
+}
+
+q_ulong place(int x, int y) {
+    return 0x01000000 | static_cast<q_ulong>(y << 8 | x);
+}
+
+TEST(iBilinearMapping, corners_on_the_frame_reproduce_the_source) {
+    // s and t come out a ten-thousandth or so low, which the half that is added hides, and rounding up reaches beyond
+    // the last column and row for none of the pixels.
+    Surface src = placesOf(16, 12);
+    Surface dst(16, 12, untouched);
+    drawBilinear(dst, src, 16, 12, upright(0, 0, 16, 12));
+    Surface expected(16, 12, untouched);
+    for (int y = 0; y < 12; ++y)
+        for (int x = 0; x < 16; ++x)
+            expected.at(x, y) = place(x, y);
+    EXPECT_EQ(dst.differenceFrom(expected), "");
+}
+
+TEST(iBilinearMapping, pixels_outside_the_figure_become_0) {
+    Surface src(16, 12, 0xFF010203);
+    Surface dst(16, 12, untouched);
+    drawBilinear(dst, src, 16, 12, upright(5, 3, 11, 9));
+    for (int y = 0; y < 12; ++y)
+        for (int x = 0; x < 16; ++x) {
+            // A column of the figure is 16 / 6 source columns, so that the half added is less than its width.
+            if (x < 4 || x > 11 || y < 2 || y > 9) {
+                EXPECT_EQ(dst.at(x, y), 0u) << x << ", " << y;
+            }
+            if (x > 5 && x < 11 && y > 3 && y < 9) {
+                EXPECT_EQ(dst.at(x, y), 0xFF010203u) << x << ", " << y;
+            }
+        }
+    drawBilinear(dst, src, 16, 12, upright(50, 30, 60, 40));
+    Surface cleared(16, 12, untouched);
+    for (int y = 0; y < 12; ++y)
+        for (int x = 0; x < 16; ++x)
+            cleared.at(x, y) = 0;
+    EXPECT_EQ(dst.differenceFrom(cleared), "") << "wholly outside";
+}
+
+TEST(iBilinearMapping, turned_corners_turn_the_image) {
+    Surface src = placesOf(12, 12);
+    const Quad frame = upright(0, 0, 12, 12);
+    for (std::size_t first = 0; first < 4; ++first) {
+        Surface dst(12, 12, untouched);
+        drawBilinear(dst, src, 12, 12, cycled(frame, first));
+        const q_ulong expected[4] = {place(3, 5), place(5, 9), place(9, 7), place(7, 3)};
+        // A corner further each time: the image's top lies right, at the bottom, left. A tie of the half that is added
+        // may fall to either side.
+        const q_ulong seen = dst.at(3, 5);
+        EXPECT_NEAR(static_cast<int>(seen & 0xFF), static_cast<int>(expected[first] & 0xFF), 1);
+        EXPECT_NEAR(static_cast<int>(seen >> 8 & 0xFF), static_cast<int>(expected[first] >> 8 & 0xFF), 1);
+    }
+}
+
+TEST(iBilinearMapping, writes_the_whole_frame_and_nothing_beside_it) {
+    Surface src(16, 13);
+    for (int height = 0; height <= 13; ++height)
+        for (int width = 0; width <= 16; ++width) {
+            Surface dst(16, 13, untouched);
+            drawBilinear(dst, src, width, height, upright(1, 1, 9, 8));
+            drawBilinear(dst, src, width, height, {{{3, 3}, {3, 3}, {3, 3}, {3, 3}}});
+            Surface expected(16, 13, untouched);
+            for (int y = 0; y < height; ++y)
+                for (int x = 0; x < width; ++x)
+                    expected.at(x, y) = 0;
+            ASSERT_EQ(dst.differenceFrom(expected), "");
+        }
+}
+
+TEST(iPsudoBilinearMapping, shows_the_source_in_each_of_the_four_orientations) {
+    Surface src = placesOf(8, 6);
+    const Quad frame = upright(0, 0, 8, 6);
+    for (std::size_t first = 0; first < 4; ++first) {
+        const Quad quad = cycled(frame, first);
+        Surface dst(8, 6, untouched);
+        Surface scratch(8, 6, 0x22222222);
+        drawPseudo(dst, src, scratch, 8, 6, 0x33333333, quad);
+        Surface expected(8, 6, untouched);
+        for (int y = 0; y < 6; ++y)
+            for (int x = 0; x < 8; ++x) {
+                const q_ulong turned[4] = {place(x, y), place(y * 8 / 6, 5 - x * 6 / 8), place(7 - x, 5 - y),
+                                           place(7 - y * 8 / 6, x * 6 / 8)};
+                expected.at(x, y) = turned[first];
+            }
+        EXPECT_EQ(dst.differenceFrom(expected), "") << "corner " << first << " at the top left";
+    }
+}
+
+TEST(iPsudoBilinearMapping, leaves_the_fill_colour_outside_the_figure) {
+    Surface src = placesOf(8, 6);
+    Surface dst(8, 6, untouched);
+    Surface scratch(8, 6, 0x22222222);
+    drawPseudo(dst, src, scratch, 8, 6, 0xFF333333, upright(2, 1, 6, 4));
+    // The left end of a row, a hair below 2, is truncated to 1: the step is 8 source columns over 5, -52428.
+    Surface expected(8, 6, untouched);
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 8; ++x)
+            expected.at(x, y) =
+                x >= 2 && x < 6 && y >= 1 && y < 4 ? place((x - 1) * 52428 >> 15, (y - 1) * 2) : 0xFF333333;
+    EXPECT_EQ(dst.differenceFrom(expected), "");
+
+    drawPseudo(dst, src, scratch, 8, 6, 0xFF333333, upright(200, 1, 206, 4));
+    drawPseudo(dst, src, scratch, 8, 6, 0xFF333333, upright(2, 100, 6, 104));
+    drawPseudo(dst, src, scratch, 8, 6, 0xFF333333, upright(3, 0, 3, 6));
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 8; ++x)
+            expected.at(x, y) = 0xFF333333;
+    EXPECT_EQ(dst.differenceFrom(expected), "") << "wholly outside, and without width";
+}
+
+TEST(iPsudoBilinearMapping, a_figure_beyond_column_1024_is_drawn_from_there) {
+    Surface src(1100, 2, 7);
+    Surface dst(1100, 2, untouched);
+    Surface scratch(1100, 2, 0x22222222);
+    drawPseudo(dst, src, scratch, 1100, 2, 5, upright(1040, 0, 1090, 2));
+    EXPECT_EQ(dst.at(1023, 0), 5u);
+    EXPECT_EQ(dst.at(1024, 0), 0x22222222u) << "what the scratch surface held";
+    EXPECT_EQ(dst.at(1038, 1), 0x22222222u);
+    EXPECT_EQ(dst.at(1040, 1), 7u);
+    EXPECT_EQ(dst.at(1089, 1), 7u);
+    EXPECT_EQ(dst.at(1090, 1), 5u);
+}
+
+TEST(iPsudoBilinearMapping, a_figure_as_high_as_the_numbers_reads_nothing_beside_the_scratch_surface) {
+    Surface src = placesOf(8, 6);
+    Surface dst(8, 6, untouched);
+    Surface scratch(8, 6, 0x22222222);
+    drawPseudo(dst, src, scratch, 8, 6, 5, upright(0, INT_MIN, 8, INT_MAX));
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 8; ++x)
+            EXPECT_EQ(dst.at(x, y), scratch.at(x, 0)) << "a step of 0 stays on the first row";
+}
+
+TEST(iAffineMapping, other_figures_draw_nothing) {
+    Surface src(8, 8, 0x00FFFFFF);
+    Surface dst(8, 8, untouched);
+    const tagRECT all = dst.rect();
+    drawAffine(dst, src, all, all, {{{0, 0}, {8, 1}, {7, 8}, {0, 8}}});
+    drawAffine(dst, src, all, all, {{{0, 0}, {8, 0}, {8, 7}, {1, 8}}});
+    drawAffine(dst, src, all, all, {{{0, 0}, {7, 1}, {8, 8}, {0, 8}}});
+    drawAffine(dst, src, all, all, {{{0, 4}, {8, 4}, {8, 4}, {0, 4}}}); // a line
+    drawAffine(dst, src, all, all, {{{4, 0}, {4, 2}, {4, 6}, {4, 8}}}); // another
+    drawAffine(dst, src, all, all, {{{4, 8}, {4, 2}, {4, 6}, {4, 0}}});
+    drawAffine(dst, src, all, all, {{{8, 0}, {0, 2}, {0, 6}, {8, 8}}}); // corner 0 right of 1, corner 3 below 0
+    drawAffine(dst, src, all, all, {{{8, 4}, {0, 2}, {0, 6}, {8, 4}}});
+    EXPECT_EQ(dst.differenceFrom(Surface(8, 8, untouched)), "");
+}
+
+TEST(iAffineMapping, copies_colours_and_clears_the_top_byte) {
+    Surface src(8, 8);
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 8; ++x)
+            src.at(x, y) = static_cast<q_ulong>(x * 0x202020 + y);
+    Surface dst(8, 8, untouched);
+    drawAffine(dst, src, src.rect(), dst.rect(), upright(0, 0, 8, 8));
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 8; ++x)
+            EXPECT_EQ(dst.at(x, y), src.at(x, y));
+}
+
+TEST(iAffineMapping, brightness_caps_at_both_ends_and_lets_the_top_byte_into_red) {
+    const auto shown = [](q_ulong pixel, int add, int scale) {
+        Surface src(1, 1, pixel);
+        Surface dst(1, 1, untouched);
+        drawAffine(dst, src, src.rect(), dst.rect(), upright(0, 0, 1, 1), add, scale);
+        return dst.at(0, 0);
+    };
+    EXPECT_EQ(shown(0x123456, 0, 256), 0x123456u);
+    EXPECT_EQ(shown(0x123456, 255, 256), 0xFFFFFFu);
+    EXPECT_EQ(shown(0, 255, 0), 0xFFFFFFu);
+    EXPECT_EQ(shown(0x8040FF, 0, 128), 0x40207Fu);
+    EXPECT_EQ(shown(0x804020, 16, 512), 0xFF9050u);
+    EXPECT_EQ(shown(0x804020, -0x40, 256), 0x4000FFu) << "blue falls below 0";
+    EXPECT_EQ(shown(0x01004020, 0, 256), 0xFF4020u);
+    EXPECT_EQ(shown(0x01004020, 0, 64), 0x401008u);
+}
+
+TEST(iAffineMapping, with_corner_3_above_corner_0_the_image_is_upside_down) {
+    Surface src = placesOf(8, 8);
+    Surface dst(8, 8, untouched);
+    drawAffine(dst, src, src.rect(), dst.rect(), {{{0, 8}, {8, 8}, {8, 0}, {0, 0}}});
+    // From row 7 toward row 0, which is not reached: 7 - 7 * t / 8.
+    constexpr int rows[8] = {7, 7, 6, 5, 4, 3, 2, 1};
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 8; ++x)
+            EXPECT_EQ(dst.at(x, y) & 0xFFFF, place(x, rows[y]) & 0xFFFF);
+}
+
+TEST(iAffineMapping, a_trapezoid_between_verticals_exchanges_the_axes) {
+    Surface src = placesOf(8, 8);
+    Surface dst(8, 8, untouched);
+    // Heights from 8 to 4: at column x the face runs from x / 4 to 8 - x / 4. Steps are truncated at 18 bits.
+    drawAffine(dst, src, src.rect(), dst.rect(), {{{0, 0}, {8, 2}, {8, 6}, {0, 8}}});
+    for (int x = 0; x < 8; ++x) {
+        const int top = x / 4;
+        const int bottom = 8 - x / 4;
+        for (int y = 0; y < 8; ++y) {
+            const q_ulong expected =
+                y < top || y >= bottom ? untouched : place(x, (y - top) * ((8 << 18) / (bottom - top)) >> 18) & 0xFFFF;
+            EXPECT_EQ(y < top || y >= bottom ? dst.at(x, y) : dst.at(x, y) & 0xFFFF, expected) << x << ", " << y;
+        }
+    }
+}
+
+TEST(iAffineMapping, mirrored_between_verticals_looks_at_the_rows_and_not_at_the_columns) {
+    // Corner 0 to the right of corner 1: drawn only if corner 3 is above corner 0, so a figure crossed over.
+    Surface src = placesOf(8, 8);
+    Surface dst(8, 8, untouched);
+    drawAffine(dst, src, src.rect(), dst.rect(), {{{8, 8}, {0, 0}, {0, 8}, {8, 0}}});
+    for (int x = 0; x < 8; ++x) {
+        const int top = x;
+        const int bottom = 8 - x;
+        const int column = 7 - 7 * x / 8;
+        for (int y = 0; y < 8; ++y) {
+            if (y < top || y >= bottom) {
+                EXPECT_EQ(dst.at(x, y), untouched);
+            } else {
+                EXPECT_EQ(dst.at(x, y) & 0xFFFF,
+                          place(column, (y - top) * ((8 << 18) / (bottom - top)) >> 18) & 0xFFFF);
+            }
+        }
+    }
+}
+
+TEST(iAffineMapping, the_first_source_line_counts_twice) {
+    Surface src = placesOf(12, 12);
+    Surface dst(12, 12, untouched);
+    drawAffine(dst, src, {1, 2, 5, 6}, dst.rect(), upright(0, 0, 4, 4));
+    for (int y = 0; y < 4; ++y)
+        EXPECT_EQ(dst.at(3, y) & 0xFFFF, place(4, 2 + 2 + y) & 0xFFFF);
+    drawAffine(dst, src, {1, 2, 5, 6}, dst.rect(), {{{0, 0}, {4, 0}, {4, 4}, {0, 5}}}); // between verticals
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(dst.at(x, 0) & 0xFFFF, place(1 + 1 + x, 2) & 0xFFFF);
+}
+
+TEST(iAffineMapping, a_figure_as_wide_as_the_numbers_shows_its_source_and_nothing_beside_it) {
+    Surface src = placesOf(8, 8);
+    const Surface before(8, 8, untouched);
+    for (const Quad &quad : {Quad{{{INT_MIN, 0}, {INT_MAX, 0}, {INT_MAX, 8}, {INT_MIN, 8}}},
+                             Quad{{{0, INT_MIN}, {8, INT_MIN + 1}, {8, INT_MAX}, {0, INT_MAX}}}}) {
+        Surface dst = before;
+        drawAffine(dst, src, src.rect(), dst.rect(), quad);
+        for (int i = 0; i < 8; ++i)
+            EXPECT_EQ((quad[0].y == 0 ? dst.at(i, 5) : dst.at(5, i)) & 0xFFFF,
+                      (quad[0].y == 0 ? place(0, 5) : place(5, 0)) & 0xFFFF)
+                << "a step of 0 stays on the first source pixel";
+    }
+}
+
+TEST(iAffineMapping, every_clip_and_place_keeps_its_writes_inside) {
+    test::Random random(1);
+    Surface src = anyPicture(random);
+    const Surface before = anyPicture(random);
+    for (int clipped = 0; clipped < 60; ++clipped) {
+        const tagRECT clip = random.rectInsideOrEmpty(16, 13);
+        for (int y = -8; y <= 12; y += 2)
+            for (int x = -8; x <= 14; x += 2)
+                for (const Quad &quad : {Quad{{{x, y}, {x + 5, y}, {x + 7, y + 6}, {x - 1, y + 6}}},
+                                         Quad{{{x, y}, {x + 5, y + 1}, {x + 5, y + 6}, {x, y + 8}}}}) {
+                    Surface dst = before;
+                    Surface expected = before;
+                    drawAffine(dst, src, {2, 1, 9, 8}, clip, quad);
+                    naiveAffine(expected, src, {2, 1, 9, 8}, clip, quad, 0, 256);
+                    ASSERT_EQ(dst.differenceFrom(expected), "");
+                }
+    }
+}
+
+/// A figure near a frame of 16 by 13: the frame itself turned or mirrored, bent a little, or anything.
+Quad anyQuad(test::Random &random) {
+    Quad quad = cycled(upright(0, 0, 16, 13), static_cast<std::size_t>(random.between(0, 3)));
+    if (random.oneIn(4))
+        std::swap(quad[1], quad[3]); // the other way round
+    const int bend = random.between(0, 4);
+    const int reach = bend == 4 ? 2000 : bend == 3 ? 40 : bend * 5;
+    for (Corner &corner : quad)
+        corner = {corner.x + random.between(-reach, reach), corner.y + random.between(-reach, reach)};
+    if (random.oneIn(6))
+        quad[static_cast<std::size_t>(random.between(0, 3))] = quad[static_cast<std::size_t>(random.between(0, 3))];
+    if (random.oneIn(10)) { // wholly outside
+        const int away = random.between(-1, 1) * 3000;
+        for (Corner &corner : quad)
+            corner = {corner.x + away, corner.y + 3000};
+    }
+    return quad;
+}
+
+TEST(iBilinearMapping, agrees_with_a_naive_inversion) {
+    forEachCase("iBilinearMapping", [](Case &c) {
+        Surface dst = anyPicture(c.random);
+        Surface src = anyPicture(c.random);
+        const Quad quad = anyQuad(c.random);
+        const int width = c.random.oneIn(3) ? c.random.between(0, 16) : 12;
+        const int height = c.random.oneIn(3) ? c.random.between(0, 13) : 9;
+        Surface expected = dst;
+        naiveBilinear(expected, src, width, height, quad);
+        callAtAnyPrecision(c, [&] { drawBilinear(dst, src, width, height, quad); });
+        c.expectEqual(dst, expected);
+    });
+}
+
+TEST(iPsudoBilinearMapping, agrees_with_naive_passes) {
+    forEachCase("iPsudoBilinearMapping", [](Case &c) {
+        Surface dst = anyPicture(c.random);
+        Surface src = anyPicture(c.random);
+        Surface scratch = anyPicture(c.random);
+        const Quad quad = anyQuad(c.random);
+        const int width = c.random.oneIn(3) ? c.random.between(0, 16) : 16;
+        const int height = c.random.oneIn(3) ? c.random.between(0, 13) : 13;
+        const q_ulong fill = c.random.pixel();
+        Surface expected = dst;
+        Surface expectedScratch = scratch;
+        naivePseudo(expected, src, expectedScratch, width, height, fill, quad);
+        callAtAnyPrecision(c, [&] { drawPseudo(dst, src, scratch, width, height, fill, quad); });
+        c.expectEqual(dst, expected);
+        c.expectEqual(scratch, expectedScratch);
+    });
+}
+
+TEST(iAffineMapping, agrees_with_a_naive_mapping) {
+    forEachCase("iAffineMapping", [](Case &c) {
+        Surface dst = anyPicture(c.random);
+        Surface src = anyPicture(c.random);
+        Quad quad = anyQuad(c.random);
+        if (c.random.oneIn(2)) {
+            quad[1].y = quad[0].y;
+            quad[3].y = quad[2].y;
+        } else if (!c.random.oneIn(8)) {
+            quad[3].x = quad[0].x;
+            quad[2].x = quad[1].x;
+        }
+        tagRECT srcRect = c.random.rectInsideOrEmpty(src.width(), src.height());
+        srcRect.left = std::min<q_long>(srcRect.left, 6);
+        srcRect.top = std::min<q_long>(srcRect.top, 6);
+        const tagRECT clip = c.random.oneIn(3) ? c.random.rectInsideOrEmpty(dst.width(), dst.height()) : dst.rect();
+        const int add = c.random.oneIn(2) ? 0 : c.random.between(-300, 300);
+        const int scale = c.random.oneIn(2) ? 256 : c.random.between(-300, 600);
+        Surface expected = dst;
+        naiveAffine(expected, src, srcRect, clip, quad, add, scale);
+        drawAffine(dst, src, srcRect, clip, quad, add, scale);
+        c.expectEqual(dst, expected);
+    });
+}
+
+} // namespace
