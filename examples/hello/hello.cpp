@@ -17,8 +17,10 @@ int main() {
     Edge_Transparency_Circle(picture.data(), light.data(), night.data(), &moon, 50, 12, width, height, width);
 
     std::FILE *file = std::fopen("hello.ppm", "wb");
-    if (!file)
+    if (!file) {
+        std::perror("hello.ppm");
         return 1;
+    }
     std::fprintf(file, "P6 %d %d 255\n", width, height);
     for (q_ulong pixel : picture)
         for (int shift : {16, 8, 0})

@@ -9,7 +9,11 @@ from pathlib import Path
 
 def main(command):
     with tempfile.TemporaryDirectory(prefix="qmur-hello-") as directory:
-        subprocess.run(command, cwd=directory, check=True)
+        # Into a file: what an emulator leaves running in the background would hold a pipe open.
+        with tempfile.TemporaryFile("w+") as errors:
+            status = subprocess.run(command, cwd=directory, stderr=errors).returncode
+            errors.seek(0)
+            assert status == 0, f"status {status}: {errors.read()}"
         header, pixels = (Path(directory) / "hello.ppm").read_bytes().split(b"\n", 1)
     assert header == b"P6 640 360 255", header
     assert len(pixels) == 640 * 360 * 3, len(pixels)

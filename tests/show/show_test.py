@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs qmur-show as a person would and looks at what it leaves.
 
-    show_test.py --program build/linux/bin/qmur-show --photos photos [--emulator wine] [name of a test ...]
+    show_test.py --program build/linux/bin/qmur-show --photos photos [--emulator cmake/under-wine] [name of a test ...]
     show_test.py --program ... --photos ... --accept     writes the checksums of the frames down anew
 """
 
@@ -49,14 +49,6 @@ class ShowTest(unittest.TestCase):
         self.directory = Path(temporary.name)
 
     def run_program(self, *arguments, **options):
-        result = self.run_once(*arguments, **options)
-        if emulator and result.stderr.startswith("wine client error"):
-            # The emulator's server went away under it, before the program could run: say so, and start it anew once.
-            print(f"({result.stderr.strip()}; starting again)", file=sys.stderr)
-            result = self.run_once(*arguments, **options)
-        return result
-
-    def run_once(self, *arguments, **options):
         # Into files: what an emulator leaves running in the background would hold a pipe open.
         with tempfile.TemporaryFile("w+") as output, tempfile.TemporaryFile("w+") as errors:
             result = subprocess.run(command(*arguments), cwd=self.directory, stdin=subprocess.DEVNULL, stdout=output,
