@@ -129,15 +129,22 @@ class Frames(ShowTest):
     small = ("--size", "160x90", "--fps", 6, "--seconds", 2)
 
     def every_effect(self):
-        return [line.split()[0] for line in self.show("--list").stdout.splitlines()]
+        return ",".join(line.split()[0] for line in self.show("--list").stdout.splitlines())
 
     def test_one_and_three_threads_give_the_same_bytes_with_every_effect(self):
-        for effect in self.every_effect():
-            arguments = (*four_photos()[:2], *self.small, "--effects", effect)
-            one = self.frames(f"{effect}-1", *arguments, "--threads", 1)
-            three = self.frames(f"{effect}-3", *arguments, "--threads", 3)
-            self.assertEqual(len(one), 24)
-            self.assertEqual(one, three, effect)
+        arguments = (*four_photos(), "--size", "160x90", "--fps", 6, "--seconds", 2, "--effects", self.every_effect())
+        one = self.frames("one", *arguments, "--threads", 1)
+        three = self.frames("three", *arguments, "--threads", 3)
+        self.assertGreater(len(one), 4 * 12)
+        self.assertEqual([frame for frame in one if one[frame] != three.get(frame)], [])
+
+    def test_every_effect_draws_frames_of_any_size(self):
+        for size in ("16x16", "17x61", "401x33"):
+            frames = self.frames(size, *four_photos(), "--size", size, "--fps", 3, "--seconds", 2, "--effects",
+                                 self.every_effect())
+            width, height = map(int, size.split("x"))
+            picture = read_png(self.directory / size / f"{len(frames) // 2:04d}.png")
+            self.assertEqual((picture.width, picture.height), (width, height))
 
     def test_a_frame_depends_on_no_other_frame(self):
         whole = self.frames("whole", *four_photos(), *self.small, "--effects", EFFECTS)
@@ -177,15 +184,6 @@ class Frames(ShowTest):
         self.assertEqual(len(set(frames.values())), len(frames))
         last = read_png(self.directory / "f" / "0023.png")
         self.assertEqual(set(last.pixels), {(0, 0, 0)})
-
-    def test_any_size_gives_frames_of_that_size(self):
-        for size in ("16x16", "17x61", "401x33"):
-            self.show(*four_photos()[:2], "--size", size, "--fps", 3, "--seconds", 2, "--effects", EFFECTS, "-o",
-                      f"{size}-%d.png")
-            width, height = map(int, size.split("x"))
-            for frame in (0, 11, 35):
-                picture = read_png(self.directory / f"{size}-{frame}.png")
-                self.assertEqual((picture.width, picture.height), (width, height))
 
     def test_a_still_photograph_of_one_colour_stays_that_colour(self):
         colour = (200, 100, 50)
