@@ -124,6 +124,9 @@ void boxColumnByColumn(Surface &dst, Surface &src, int blurSize) {
     const int pitch = src.pitch();
     const int length = src.height();
     const int forward = (blurSize + 1) / 2;
+    std::vector<q_ulong> reciprocals = {0};
+    while (static_cast<int>(reciprocals.size()) <= blurSize + 1)
+        reciprocals.push_back(65536 / static_cast<q_ulong>(reciprocals.size()));
     for (int x = 0; x < src.width(); ++x) {
         const q_ulong *const in = src.pixels() + x;
         q_ulong *const out = dst.pixels() + x;
@@ -143,7 +146,7 @@ void boxColumnByColumn(Surface &dst, Surface &src, int blurSize) {
                 move(end++, 1);
             while (first < y - blurSize / 2)
                 move(first++, static_cast<q_ulong>(-1));
-            const q_ulong reciprocal = 65536 / static_cast<q_ulong>(end - first);
+            const q_ulong reciprocal = reciprocals[static_cast<std::size_t>(end - first)];
             out[y * pitch] =
                 (red * reciprocal & 0xFF0000) | (green * reciprocal >> 8 & 0xFF00) | blue * reciprocal >> 16;
         }
