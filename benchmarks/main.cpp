@@ -1,5 +1,6 @@
 /// \file
-/// Times every exported function beside memcpy and fill of the same bytes in the same run.
+/// Times the exported functions: whole pictures beside memcpy and fill of the same bytes in the same run, everything
+/// else by what it draws.
 ///
 /// usage: q_Mur_bench [--check] [REGEX] [--benchmark_...]
 ///
@@ -75,7 +76,11 @@ int main(int argc, char **argv) {
     bench::addFrameRows();
     bench::addBlitRows();
     bench::addWarpRows();
+    bench::addDrawRows();
+    bench::addRegionRows();
     bench::addFilterRows();
+    bench::addPipelineRows();
+    bench::addTexturedRows();
     bench::Table table(checkOnly);
     benchmark::RunSpecifiedBenchmarks(&table);
     benchmark::Shutdown();

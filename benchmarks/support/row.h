@@ -1,5 +1,5 @@
 /// \file
-/// Rows of the benchmark: one for each exported function. Every row is checked before it is timed.
+/// Rows of the benchmark that draw whole pictures, and calls. Every row is checked before it is timed.
 #ifndef Q_MUR_BENCH_ROW_H
 #define Q_MUR_BENCH_ROW_H
 
@@ -65,7 +65,11 @@ void addCall(const std::string &name, Call call, Check holds) {
 void addFrameRows();
 void addBlitRows();
 void addWarpRows();
+void addDrawRows();
+void addRegionRows();
 void addFilterRows();
+void addPipelineRows();
+void addTexturedRows();
 
 } // namespace bench
 

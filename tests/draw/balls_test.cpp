@@ -1,9 +1,11 @@
 #include "naive.h"
+#include "naive_shapes.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using namespace naive::shapes;
 using naive::Number;
 using test::Case;
 using test::ClippedShape;
@@ -12,30 +14,6 @@ using test::Shape;
 using test::Surface;
 
 constexpr int greatest = std::numeric_limits<int>::max();
-
-/// The ball wherever `mayWrite(x, y)`.
-template <class MayWrite>
-void naiveBall(Surface &s, int cx, int cy, int radius, q_ulong colour, MayWrite mayWrite) {
-    if (radius < 0)
-        return;
-    const Number r = std::clamp(radius, 1, 256);
-    const Number q = 3 * r / 2;
-    const Number h = r / 2;
-    naive::forAll(s, cx, cy, [&](q_ulong old, Number dx, Number dy, int x, int y) {
-        if (!mayWrite(x, y) || dx * dx + dy * dy > r * r)
-            return old;
-        const Number product = (q * q - (h + dx) * (h + dx) - (h + dy) * (h + dy)) * (1048576 / (q * q));
-        return naive::added(0, colour, product < 0 ? 0 : product / 2048, 8);
-    });
-}
-
-bool anywhere(int, int) {
-    return true;
-}
-
-void naiveBallSafe(Surface &s, const tagRECT &clip, int cx, int cy, int radius, q_ulong colour) {
-    naiveBall(s, cx, cy, radius, colour, [&clip](int x, int y) { return naive::strictlyInside(clip, x, y); });
-}
 
 TEST(Draw_3DBall, radius_0_draws_a_ball_of_radius_1_the_five_pixels_of_a_plus) {
     for (const int radius : {0, 1}) {

@@ -1,9 +1,11 @@
 #include "naive.h"
+#include "naive_shapes.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using namespace naive::shapes;
 using naive::Number;
 using test::Case;
 using test::ClippedShape;
@@ -12,18 +14,6 @@ using test::Shape;
 using test::Surface;
 
 constexpr int greatest = std::numeric_limits<int>::max();
-
-/// 256 times the share of the colour at a squared distance, with 16 fraction bits of 1 / r^2.
-Number naiveShare(Number square, int radius) {
-    return square * (65536 / (Number{radius} * radius)) / 256 % 65536;
-}
-
-void naiveFill(Surface &s, int x, int y, int radius, q_ulong colour) {
-    for (int dy = -radius; dy <= 0; ++dy)
-        for (int dx = -radius; dx <= 0; ++dx)
-            if (dx * dx + dy * dy <= radius * radius)
-                s.at(x + dx, y + dy) = s.at(x - dx, y + dy) = s.at(x + dx, y - dy) = s.at(x - dx, y - dy) = colour;
-}
 
 TEST(Draw_Circle_FillInside, radius_0_is_one_pixel_with_its_top_byte) {
     Surface surface(3, 3, 0);
@@ -60,19 +50,6 @@ TEST(Draw_Circle_FillInside, agrees_with_a_naive_disc) {
                                shape.colour);
         c.expectEqual(shape.surface, expected);
     });
-}
-
-void naiveOutline(Surface &s, int x, int y, int radius, int thickness, q_ulong colour) {
-    const int inner = (radius - thickness) * (radius - thickness);
-    for (int dy = -radius; dy <= 0; ++dy)
-        for (int dx = -radius; dx <= 0; ++dx) {
-            const int square = dx * dx + dy * dy;
-            if (square > radius * radius)
-                continue;
-            s.at(x + dx, y + dy) = s.at(x - dx, y + dy) = s.at(x + dx, y - dy) = s.at(x - dx, y - dy) = colour;
-            if (square <= inner)
-                break;
-        }
 }
 
 TEST(Draw_Circle_NoFillInside, rows_run_up_to_and_including_the_first_pixel_of_the_hole) {
@@ -119,17 +96,6 @@ TEST(Draw_Circle_NoFillInside, agrees_with_a_naive_outline) {
         Draw_Circle_NoFillInside(shape.surface.pixels(), shape.surface.pitch(), shape.x, shape.y, shape.radius,
                                  thickness, shape.colour);
         c.expectEqual(shape.surface, expected);
-    });
-}
-
-/// Sets each pixel of a clipped disc to `value(pixel, squared distance)`, with 32-bit squares.
-template <class Value>
-void naiveDisc(Surface &s, const tagRECT &clip, int cx, int cy, int radius, Value value) {
-    const Number limit = naive::signed32(Number{radius} * radius);
-    naive::forAll(s, cx, cy, [&](q_ulong old, Number dx, Number dy, int x, int y) {
-        const Number square = naive::signed32(dx * dx + dy * dy);
-        const bool within = std::abs(dx) <= radius && std::abs(dy) <= radius && square <= limit;
-        return naive::inside(clip, x, y) && within ? value(old, square) : old;
     });
 }
 
@@ -210,15 +176,6 @@ TEST(iFill_Circle_Safe, agrees_with_a_naive_disc) {
                           shape.colour);
         c.expectEqual(shape.surface, expected);
     });
-}
-
-/// Each channel of a blend masked to its byte.
-q_ulong naiveAlpha(q_ulong old, q_ulong colour, Number alpha) {
-    const auto channel = [alpha](Number o, Number c) {
-        return naive::unsigned32(o * (256 - alpha) + c * alpha) / 256 % 256;
-    };
-    return naive::packed(channel(naive::red(old), naive::red(colour)), channel(naive::green(old), naive::green(colour)),
-                         channel(naive::blue(old), naive::blue(colour)));
 }
 
 q_ulong blendedOver(q_ulong old, q_ulong colour, int alpha) {
@@ -344,16 +301,6 @@ TEST(Draw_Bubble_Circle, agrees_with_a_naive_disc) {
                            shape.colour);
         c.expectEqual(shape.surface, expected);
     });
-}
-
-q_ulong naiveMetal(Number square, int radius, q_ulong colour) {
-    const Number step = 65536 / (Number{radius} * radius);
-    const auto channel = [&](Number c) {
-        const Number product = naive::signed32(square * (c - 255) * step);
-        return (product >= 0 ? product / 65536 : -((-product + 65535) / 65536)) + 255;
-    };
-    return naive::packed(channel(naive::upperHalf(colour)), channel(naive::green(colour)),
-                         channel(naive::blue(colour)));
 }
 
 TEST(Draw_Metal_Circle, goes_from_white_to_the_colour) {

@@ -1,9 +1,11 @@
 #include "naive.h"
+#include "naive_shapes.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using namespace naive::shapes;
 using naive::Number;
 using test::Case;
 using test::ClippedShape;
@@ -12,33 +14,6 @@ using test::Shape;
 using test::Surface;
 
 constexpr int greatest = std::numeric_limits<int>::max();
-
-/// The light wherever `mayWrite(x, y)`.
-template <class MayWrite>
-void naiveLight(Surface &s, int cx, int cy, int radius, q_ulong colour, q_ulong intensity, MayWrite mayWrite) {
-    if (radius < 1)
-        return;
-    const Number square = Number{radius} * radius;
-    naive::forAll(s, cx, cy, [&](q_ulong old, Number dx, Number dy, int x, int y) {
-        if (!mayWrite(x, y) || dy < -radius || dy >= radius)
-            return old;
-        const Number chordSquare = square - dy * dy;
-        const Number half = iSqrt[chordSquare / 16] / 256;
-        if (dx < -half || dx >= half)
-            return old;
-        const Number product = (chordSquare - dx * dx) * (1048576 / square);
-        return naive::added(old, colour, naive::unsigned32(product * intensity) >> 19, 8);
-    });
-}
-
-bool anywhere(int, int) {
-    return true;
-}
-
-void naiveLightSafe(Surface &s, const tagRECT &clip, int cx, int cy, int radius, q_ulong colour, q_ulong intensity) {
-    naiveLight(s, cx, cy, std::min(radius, 256), colour, intensity,
-               [&clip](int x, int y) { return naive::strictlyInside(clip, x, y); });
-}
 
 q_ulong anyIntensity(test::Random &random) {
     return random.oneIn(4) ? random.word() : static_cast<q_ulong>(random.between(0, 300));
@@ -156,21 +131,6 @@ TEST(Draw_Light_Safe, agrees_with_a_naive_light) {
                         shape.colour, intensity);
         c.expectEqual(shape.surface, expected);
     });
-}
-
-void naiveCircleLight(Surface &s, int cx, int cy, int radius, Number red, Number green, Number blue) {
-    const Number square = Number{radius} * radius;
-    for (int dy = -radius; dy <= radius; ++dy)
-        for (int dx = -radius; dx <= radius; ++dx) {
-            const Number d2 = dx * dx + dy * dy;
-            if (square == 0 || d2 > square)
-                continue;
-            const Number t = d2 * (65536 / square) / 256 % 65536;
-            const Number u = 256 - t;
-            q_ulong &d = s.at(cx + dx, cy + dy);
-            d = naive::packed((naive::upperHalf(d) * t + red * u) / 256 % 256,
-                              (naive::green(d) * t + green * u) / 256 % 256, (naive::blue(d) * t + blue * u) / 256);
-        }
 }
 
 void drawCircleLight(Surface &s, int x, int y, int radius, unsigned char red, unsigned char green, unsigned char blue) {

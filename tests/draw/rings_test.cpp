@@ -1,9 +1,11 @@
 #include "naive.h"
+#include "naive_shapes.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using namespace naive::shapes;
 using naive::Number;
 using test::Case;
 using test::ClippedShape;
@@ -12,36 +14,6 @@ using test::Shape;
 using test::Surface;
 
 constexpr int greatest = std::numeric_limits<int>::max();
-
-/// The weight of a band at an offset, or -1 outside of it.
-Number naiveBandWeight(int radius, int thickness, Number dx, Number dy) {
-    const Number index = (dx * dx + dy * dy) / 4;
-    const Number e = std::abs(Number{radius} * 512 - iSqrt[index]);
-    const Number band = Number{thickness} * 1024;
-    return e < band ? (band - e) * (32768 / (2 * Number{thickness})) / 65536 : -1;
-}
-
-/// The blend with red and top byte as one number.
-q_ulong naiveSoft(q_ulong old, q_ulong colour, Number weight) {
-    const auto channel = [weight](Number o, Number c) { return (o * (256 - weight) + c * weight) / 256; };
-    return naive::packed(channel(naive::upperHalf(old), naive::upperHalf(colour)),
-                         channel(naive::green(old), naive::green(colour)),
-                         channel(naive::blue(old), naive::blue(colour)));
-}
-
-void naiveSoftCircle(Surface &s, int x, int y, int radius, int thickness, q_ulong colour) {
-    const int reach = radius + 2 * thickness;
-    const auto blend = [&](int dx, int dy) {
-        const Number weight = naiveBandWeight(radius, thickness, dx, dy);
-        if (weight >= 0)
-            s.at(x + dx, y + dy) = naiveSoft(s.at(x + dx, y + dy), colour, weight);
-    };
-    for (int dy = -reach; dy <= -1; ++dy)
-        for (int dx = -reach; dx <= -1; ++dx)
-            blend(dx, dy), blend(-dx, dy), blend(dx, -dy), blend(-dx, -dy);
-    for (int k = -reach; k <= 0; ++k)
-        blend(k, 0), blend(-k, 0), blend(0, k), blend(0, -k);
-}
 
 void drawSoft(Surface &s, int x, int y, int radius, int thickness, q_ulong colour) {
     Draw_Anti_Aliasing_Circle_NoFillInside(s.pixels(), s.pitch(), x, y, radius, thickness, colour);
@@ -132,16 +104,6 @@ TEST(Draw_Anti_Aliasing_Circle_NoFillInside, agrees_with_a_naive_band) {
     });
 }
 
-void naiveRingSafe(Surface &s, const tagRECT &clip, int cx, int cy, int radius, int thickness, q_ulong colour) {
-    const Number reach = radius + 2 * thickness;
-    naive::forAll(s, cx, cy, [&](q_ulong old, Number dx, Number dy, int x, int y) {
-        if (!naive::inside(clip, x, y) || std::abs(dx) > reach || std::abs(dy) > reach)
-            return old;
-        const Number weight = naiveBandWeight(radius, thickness, dx, dy);
-        return weight < 0 ? old : naive::addedByUpperHalf(old, colour, weight);
-    });
-}
-
 TEST(Draw_Ring_Safe, adds_each_pixel_of_the_band_once) {
     Surface surface(9, 9, 0x000010);
     tagRECT clip = surface.rect();
@@ -217,25 +179,6 @@ TEST(Draw_Ring_Safe, agrees_with_a_naive_band) {
                        thickness, shape.colour);
         c.expectEqual(shape.surface, expected);
     });
-}
-
-void naiveRing(Surface &s, int x, int y, int radius, q_ulong colour, q_ulong intensity) {
-    const Number inner = std::max(radius - 16, radius >> 1);
-    const Number mid = (inner + radius) / 2;
-    const Number halfBand = radius - mid;
-    const Number step = halfBand == 0 ? -1 : 65536 / halfBand;
-    for (int dy = -radius; dy < radius; ++dy)
-        for (int dx = -radius; dx < radius; ++dx) {
-            const Number square = dx * dx + dy * dy;
-            if (square > Number{radius} * radius || square < inner * inner)
-                continue;
-            Number distance = 0;
-            while ((distance + 1) * (distance + 1) <= square)
-                ++distance;
-            const Number weight = naive::unsigned32((halfBand - std::abs(mid - distance)) * step * intensity) / 65536;
-            q_ulong &d = s.at(x + dx, y + dy);
-            d = naive::added(d, colour, weight, 7);
-        }
 }
 
 void drawRing(Surface &s, int x, int y, int radius, q_ulong colour, q_ulong intensity) {

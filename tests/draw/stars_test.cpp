@@ -1,9 +1,11 @@
 #include "naive.h"
+#include "naive_shapes.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using namespace naive::shapes;
 using naive::Number;
 using test::Case;
 using test::ClippedShape;
@@ -12,38 +14,6 @@ using test::Shape;
 using test::Surface;
 
 constexpr int greatest = std::numeric_limits<int>::max();
-
-/// Half the columns of a star's row, by the table.
-Number naiveHalf(Number radius, Number dy) {
-    return iSqrt[(radius * radius - dy * dy) / 16] / 256;
-}
-
-Number naiveWeight(Number radius, Number dx, Number dy, q_ulong intensity) {
-    const Number inverse = 1048576 / (radius * radius);
-    const Number a = radius - std::abs(dy);
-    const Number b = radius - std::abs(dx);
-    const Number rowWeight = naive::unsigned32(a * a * inverse * intensity) >> 18;
-    return naive::unsigned32(b * b * rowWeight * inverse) >> 20;
-}
-
-/// The star of type 1 wherever `mayWrite(x, y)`.
-template <class MayWrite>
-void naiveType1(Surface &s, int cx, int cy, int radius, q_ulong colour, q_ulong intensity, MayWrite mayWrite) {
-    if (radius < 1)
-        return;
-    naive::forAll(s, cx, cy, [&](q_ulong old, Number dx, Number dy, int x, int y) {
-        if (!mayWrite(x, y) || dy < -radius || dy >= radius)
-            return old;
-        const Number half = naiveHalf(radius, dy);
-        if (dx < -half || dx >= half)
-            return old;
-        return naive::added(old, colour, naiveWeight(radius, dx, dy, intensity), 8);
-    });
-}
-
-bool anywhere(int, int) {
-    return true;
-}
 
 q_ulong anyIntensity(test::Random &random) {
     return random.oneIn(4) ? random.word() : static_cast<q_ulong>(random.between(0, 200));
@@ -114,11 +84,6 @@ TEST(Draw_Star_Type1, agrees_with_a_naive_star) {
     });
 }
 
-void naiveType1Safe(Surface &s, const tagRECT &clip, int cx, int cy, int radius, q_ulong colour, q_ulong intensity) {
-    naiveType1(s, cx, cy, std::min(radius, 256), colour, intensity,
-               [&clip](int x, int y) { return naive::strictlyInside(clip, x, y); });
-}
-
 TEST(Draw_Star_Type1_Safe, all_four_limits_are_exclusive_so_the_first_row_and_column_stay) {
     Surface surface(31, 31, 0xFF000000);
     tagRECT clip = {10, 12, 18, 19};
@@ -179,14 +144,6 @@ TEST(Draw_Star_Type1_Safe, agrees_with_a_naive_star) {
     });
 }
 
-void naiveType2(Surface &s, int cx, int cy, int radius, q_ulong colour, q_ulong intensity) {
-    for (int dy = 0; dy < radius; ++dy)
-        for (int k = 0; k < naiveHalf(radius, dy); ++k)
-            for (const int y : {cy + dy, cy - dy})
-                for (const int x : {cx + k, cx - k})
-                    s.at(x, y) = naive::added(s.at(x, y), colour, naiveWeight(radius, k, dy, intensity), 8);
-}
-
 TEST(Draw_Star_Type2, the_centre_pixel_is_added_four_times) {
     Surface twice(17, 17, 0);
     Draw_Star_Type2(twice.pixels(), twice.pitch(), 8, 8, 8, 0x404040, 64);
@@ -238,26 +195,6 @@ TEST(Draw_Star_Type2, agrees_with_a_naive_star) {
                         intensity);
         c.expectEqual(shape.surface, expected);
     });
-}
-
-void naiveType3(Surface &s, int cx, int cy, int radius, q_ulong colour, q_ulong intensity) {
-    const Number r = radius;
-    const Number inverse = r == 0 ? 0 : 1024 / r;
-    const Number core = r / 5;
-    for (int dy = -radius; dy < radius; ++dy) {
-        const int a = std::abs(dy);
-        const Number f = a < core ? naive::unsigned32((r - 4 * a) * inverse * intensity * 4) >> 10
-                                  : naive::unsigned32((r - a) * inverse * intensity) >> 10;
-        for (int dx = a - radius; dx < radius - a; ++dx) {
-            const Number b = std::abs(dx);
-            // Only the core's product is a signed number.
-            const Number product =
-                b < core ? naive::signed32((r - 4 * b) * f * inverse) : naive::unsigned32((r - b) * f * inverse);
-            const Number divisor = b < core ? 64 : 256;
-            const Number weight = product >= 0 ? product / divisor : -((-product + divisor - 1) / divisor);
-            s.at(cx + dx, cy + dy) = naive::added(s.at(cx + dx, cy + dy), colour, weight, 11);
-        }
-    }
 }
 
 TEST(Draw_Star_Type3, an_intensity_of_32_reaches_the_full_colour_at_the_centre) {

@@ -1,3 +1,4 @@
+#include "naive_image_line.h"
 #include "turning.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +8,7 @@
 
 namespace {
 
+using namespace naive::imageLine;
 using test::Case;
 using test::forEachCase;
 using test::Surface;
@@ -16,39 +18,6 @@ constexpr q_ulong revealed = 0xFF2468AC;
 
 void draw(Surface &dst, Surface &src, int x1, int y1, int x2, int y2, int width) {
     ImageLine(dst.pixels(), src.pixels(), dst.pitch(), x1, y1, x2, y2, width);
-}
-
-void copy(Surface &dst, const Surface &src, int x, int y) {
-    dst.at(x, y) = src.at(x, y);
-}
-
-/// Walks the line position by position and copies a run across it at each.
-void naiveLine(Surface &dst, const Surface &src, int x1, int y1, int x2, int y2, int width) {
-    const int low = width / 2;
-    const int high = (width + 1) / 2;
-    const int adx = std::abs(x2 - x1);
-    const int ady = std::abs(y2 - y1);
-    const int stepX = x2 < x1 ? -1 : 1;
-    const int stepY = y2 < y1 ? -1 : 1;
-    const bool yMajor = adx <= ady;
-    const int major = std::max(adx, ady);
-    const int minor = std::min(adx, ady);
-    int x = x1;
-    int y = y1;
-    int d = 2 * minor - major;
-    for (int position = 0;; ++position) {
-        for (int across = -low; across <= high - 1; ++across)
-            copy(dst, src, yMajor ? x + across : x, yMajor ? y : y + across);
-        if (position == major)
-            return;
-        if (d >= 0) {
-            (yMajor ? x : y) += yMajor ? stepX : stepY;
-            d += 2 * (minor - major);
-        } else {
-            d += 2 * minor;
-        }
-        (yMajor ? y : x) += yMajor ? stepY : stepX;
-    }
 }
 
 TEST(ImageLine, of_width_1_copies_one_whole_pixel_for_each_position) {
