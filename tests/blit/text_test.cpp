@@ -8,6 +8,13 @@
 #include <limits>
 #include <thread>
 
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define Q_MUR_TESTS_DETECT_LEAKS
+#include <sanitizer/lsan_interface.h>
+#endif
+#endif
+
 namespace {
 
 using test::Case;
@@ -224,6 +231,22 @@ int write(Surface &dst, std::string text, q_ulong colour, int x, int y, int font
 
 constexpr char sans[] = "DejaVu Sans";
 constexpr char mono[] = "DejaVu Sans Mono";
+
+#if defined(Q_MUR_TESTS_DETECT_LEAKS)
+
+/// fontconfig reads its settings in the first call and keeps them behind offsets that a leak detector does not follow.
+/// That call is made before the tests and not looked at; what later calls leave behind is a leak.
+class FirstCall : public testing::Environment {
+    void SetUp() override {
+        const __lsan::ScopedDisabler disabler;
+        Surface surface(8, 8);
+        write(surface, "text", white, 0, 0, 16, sans);
+    }
+};
+
+testing::Environment *const firstCall = testing::AddGlobalTestEnvironment(new FirstCall);
+
+#endif
 
 /// A surface with a text on it.
 Surface page(const std::string &text, int fontHeight = 40, const std::string &face = sans, q_ulong colour = white) {
