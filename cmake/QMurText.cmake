@@ -1,5 +1,5 @@
-# What draws the letters of texts: GDI on Windows, FreeType and fontconfig elsewhere, and nothing where these are lacking
-# or Q_MUR_TEXT is off. Sets
+# What draws the letters of texts: GDI on Windows, FreeType and fontconfig elsewhere, and nothing where these are
+# lacking or Q_MUR_TEXT is off. Sets
 #   Q_MUR_TEXT_RASTERISER         gdi, freetype or none, as in src/blit/text_<rasteriser>.cpp
 #   Q_MUR_TEXT_LIBRARIES          what the library links for it
 #   Q_MUR_TEXT_INSTALLED_LIBRARIES, Q_MUR_TEXT_PC_LIBRARIES
