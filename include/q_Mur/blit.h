@@ -196,6 +196,28 @@ Q_MUR_API void iBltFast32AlphaChannelSafe(q_ulong *dst, q_ulong *src, int dstX, 
                                           tagRECT *clipRect, int dstPitch, int srcPitch);
 
 /// @}
+/// \name Text
+/// @{
+
+/// Writes `text` in the bold face that comes nearest to `fontName`, its top left corner on (`x`, `y`), clipped to the
+/// destination columns 0 up to the width of `clipRect` and rows 0 up to its height; where `clipRect` stands makes no
+/// difference. A pixel with ink replaces the destination whole, top byte 0: edges are smoothed toward black and not
+/// blended with what lies below, and ink of colour 0 is left out. Where the text's width or height in pixels is odd,
+/// its last column or row is missing.
+///
+/// \param text 8-bit characters of code page 1252, ending with a zero. Line breaks begin new lines, each centred in the
+/// width of the widest. An `&` underlines the character behind it, `&&` stands for one `&`
+/// \param colour 0x00BBGGRR: red in the lowest byte, the reverse of a pixel
+/// \param fontHeight in pixels: positive the height of a line, negative that of its letters, 0 whatever is usual
+/// \param fontName the name of a face as the system knows it; empty leaves the choice to the system
+/// \return 1 if the text was drawn, also where the clip left nothing of it; 0 if it could not be had: it is empty or
+/// null or too large, there is no font, or the library was built without a way to draw letters
+///
+/// The letters are the platform's: their bytes and sizes differ from system to system. The font is made on each call.
+Q_MUR_API int iTextOut(q_ulong *dst, tagRECT *clipRect, int pitch, char *text, q_ulong colour, int x, int y,
+                       int fontHeight, char *fontName);
+
+/// @}
 
 /// Does nothing; kept because hosts link against it.
 Q_MUR_API void i3DBltNear32();

@@ -9,6 +9,8 @@ usage: exports_test.py symbols LIBRARY SCHEME... --reader PROGRAM
            all the names are one function, and those named apart are others
        exports_test.py imports LIBRARY --reader PROGRAM
            the DLL needs no other DLLs but the system's
+       exports_test.py count LIBRARY SCHEME... --reader PROGRAM
+           the library shows the whole interface: so many functions and so many arrays
 
 PROGRAM is nm for shared objects and archives, objdump for DLLs. A NAME stands for all overloads of it unless its
 parameters stand behind it, as in the list. Exit status 77 says that the list does not have all the names yet.
@@ -23,6 +25,7 @@ import subprocess
 import sys
 
 SKIPPED = 77
+FUNCTIONS, ARRAYS = 257, 3
 SYSTEM_DLLS = {"kernel32.dll", "msvcrt.dll", "user32.dll", "gdi32.dll"}
 
 
@@ -125,9 +128,22 @@ def check_imports(arguments):
     return 0 if {name.lower() for name in needed} <= SYSTEM_DLLS else 1
 
 
+def check_count(arguments, exports, is_array):
+    """Each entry of the list is one thing at one address, whatever number of decorations it bears there."""
+    addresses = shown_addresses(arguments)
+    shown = [export for export in exports if all(export.decorated[scheme] in addresses for scheme in arguments.schemes)]
+    arrays = sum(map(is_array, shown))
+    functions = len(shown) - arrays
+    print(f"{functions} functions and {arrays} arrays shown, of {FUNCTIONS} and {ARRAYS}")
+    if len(exports) < FUNCTIONS + ARRAYS:
+        print(f"the list has {len(exports)} names of {FUNCTIONS + ARRAYS}")
+        return SKIPPED
+    return 0 if (functions, arrays, len(exports)) == (FUNCTIONS, ARRAYS, FUNCTIONS + ARRAYS) else 1
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("check", choices=["symbols", "defined", "one-body", "imports"])
+    parser.add_argument("check", choices=["symbols", "defined", "one-body", "imports", "count"])
     parser.add_argument("library")
     parser.add_argument("schemes", nargs="*")
     parser.add_argument("--reader", required=True)
@@ -137,8 +153,11 @@ def main():
     arguments = parser.parse_args()
     if arguments.check == "imports":
         return check_imports(arguments)
+    tool = load_tool()
+    if arguments.check == "count":
+        return check_count(arguments, tool.read_list(), tool.is_array)
     checks = {"symbols": check_symbols, "defined": check_defined, "one-body": check_one_body}
-    return checks[arguments.check](arguments, load_tool().read_list())
+    return checks[arguments.check](arguments, tool.read_list())
 
 
 if __name__ == "__main__":

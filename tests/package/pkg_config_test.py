@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Builds and runs a program with no more than what pkg-config says about the installed library.
+"""Builds and runs a program with no more than what pkg-config says about the installed library, shared and static.
 
 usage: pkg_config_test.py PKG_CONFIG PREFIX SOURCE PROGRAM VERSION COMPILER_AND_FLAGS
 """
@@ -30,6 +30,10 @@ def main():
         print(f"pkg-config speaks of version {ask('--modversion')}")
         return 1
     subprocess.run([*compiler.split(), *ask("--cflags"), source, *ask("--libs"), "-o", program], check=True)
+    libraries = ["-l:libq_Mur.a" if word == "-lq_Mur" else word for word in ask("--static", "--libs")]
+    subprocess.run([*compiler.split(), *ask("--cflags"), source, *libraries, "-o", program + "_static"], check=True)
+    if subprocess.run([program + "_static"]).returncode != 0:
+        return 1
     environment["LD_LIBRARY_PATH"] = ask("--variable=libdir")[0]
     return subprocess.run([program], env=environment).returncode
 

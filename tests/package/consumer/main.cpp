@@ -8,6 +8,10 @@ int main() {
     tagRECT rect = {1, 1, 3, 3};
     iFillRect(pixels, &rect, 4, 0x123456);
     const bool filled = pixels[0] == 0 && pixels[5] == 0x123456 && pixels[10] == 0x123456 && pixels[15] == 0;
-    std::puts(filled && iSin[2048] == 32768 ? "the installed library works" : "the installed library does not work");
-    return filled && iSin[2048] == 32768 ? 0 : 1;
+    char text[] = "";
+    char face[] = "";
+    const bool silent = iTextOut(pixels, &rect, 4, text, 0xFFFFFF, 0, 0, 16, face) == 0;
+    const bool works = filled && silent && iSin[2048] == 32768;
+    std::puts(works ? "the installed library works" : "the installed library does not work");
+    return works ? 0 : 1;
 }

@@ -1,0 +1,65 @@
+# What draws the letters of texts: GDI on Windows, FreeType and fontconfig elsewhere, and nothing where these are
+# lacking or Q_MUR_TEXT is off. Sets
+#   Q_MUR_TEXT_RASTERISER         gdi, freetype or none, as in src/blit/text_<rasteriser>.cpp
+#   Q_MUR_TEXT_LIBRARIES          what the library links for it
+#   Q_MUR_TEXT_INSTALLED_LIBRARIES, Q_MUR_TEXT_PC_LIBRARIES
+#                                 what programs link for the installed static library, as told to CMake and pkg-config
+
+set(Q_MUR_TEXT_RASTERISER none)
+set(Q_MUR_TEXT_LIBRARIES "")
+set(Q_MUR_TEXT_INSTALLED_LIBRARIES "")
+set(Q_MUR_TEXT_PC_LIBRARIES "")
+
+# Says it in the first configuration, and again when there is something else to say.
+function(q_mur_say_once text)
+  if(NOT Q_MUR_SAID_OF_TEXT STREQUAL text)
+    message(STATUS "${text}")
+    set(Q_MUR_SAID_OF_TEXT "${text}" CACHE INTERNAL "")
+  endif()
+endfunction()
+
+# Whether FreeType and fontconfig can be linked: what is installed may be for another architecture.
+function(q_mur_find_freetype)
+  find_package(Freetype QUIET)
+  find_package(Fontconfig QUIET)
+  set(includes ${FREETYPE_INCLUDE_DIRS} ${Fontconfig_INCLUDE_DIRS})
+  set(libraries ${FREETYPE_LIBRARIES} ${Fontconfig_LIBRARIES})
+  if(FREETYPE_FOUND AND Fontconfig_FOUND)
+    include(CheckCXXSourceCompiles)
+    set(CMAKE_REQUIRED_INCLUDES ${includes})
+    set(CMAKE_REQUIRED_LIBRARIES ${libraries})
+    set(CMAKE_REQUIRED_QUIET ON)
+    check_cxx_source_compiles("
+      #include <fontconfig/fontconfig.h>
+      #include <ft2build.h>
+      #include FT_FREETYPE_H
+      int main() {
+        FT_Library library;
+        return FT_Init_FreeType(&library) + FcGetVersion();
+      }" Q_MUR_FREETYPE_LINKS)
+  endif()
+  if(NOT Q_MUR_FREETYPE_LINKS)
+    # Packages may have come when the build is configured again.
+    unset(Q_MUR_FREETYPE_LINKS CACHE)
+    q_mur_say_once("iTextOut will draw nothing: no FreeType and fontconfig for this architecture")
+    return()
+  endif()
+  set(Q_MUR_TEXT_RASTERISER freetype PARENT_SCOPE)
+  set(Q_MUR_TEXT_INCLUDES ${includes} PARENT_SCOPE)
+  set(Q_MUR_TEXT_LIBRARIES ${libraries} PARENT_SCOPE)
+  # One argument, so that nothing comes between: programs that draw no text do not need the libraries.
+  set(libraries "-Wl,--push-state,--as-needed,-lfreetype,-lfontconfig,--pop-state")
+  set(Q_MUR_TEXT_PC_LIBRARIES "${libraries}" PARENT_SCOPE)
+  set(Q_MUR_TEXT_INSTALLED_LIBRARIES "${libraries}" PARENT_SCOPE)
+endfunction()
+
+if(NOT Q_MUR_TEXT)
+  q_mur_say_once("iTextOut will draw nothing: Q_MUR_TEXT is off")
+elseif(WIN32)
+  set(Q_MUR_TEXT_RASTERISER gdi)
+  set(Q_MUR_TEXT_LIBRARIES gdi32 user32)
+  set(Q_MUR_TEXT_INSTALLED_LIBRARIES ${Q_MUR_TEXT_LIBRARIES})
+  set(Q_MUR_TEXT_PC_LIBRARIES "-lgdi32 -luser32")
+else()
+  q_mur_find_freetype()
+endif()

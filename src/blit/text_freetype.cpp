@@ -1,0 +1,246 @@
+#include "text.h"
+
+#include <fontconfig/fontconfig.h>
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include FT_SYNTHESIS_H
+#include FT_TRUETYPE_TABLES_H
+
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+using namespace qmur;
+
+using Library = std::unique_ptr<FT_LibraryRec_, FT_Error (*)(FT_Library)>;
+using Face = std::unique_ptr<FT_FaceRec_, FT_Error (*)(FT_Face)>;
+using Pattern = std::unique_ptr<FcPattern, void (*)(FcPattern *)>;
+
+// Characters are bytes, read as the text drawing of Windows reads them.
+
+/// The characters 0x80 to 0x9F of code page 1252; all others are those of Latin-1.
+constexpr FT_ULong codePage1252[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                       0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                       0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                       0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+constexpr FT_ULong unicodeOf(unsigned char character) {
+    return character >= 0x80 && character < 0xA0 ? codePage1252[character - 0x80] : character;
+}
+
+constexpr bool endsLine(char character) {
+    return character == '\r' || character == '\n';
+}
+
+/// Calls `visit(character, is underlined)` for the characters of the line that starts at `text`. A single ampersand
+/// underlines the character behind it, a double one stands for itself. Returns the start of the next line, or null.
+template <class Visit>
+const char *forEachInLine(const char *text, Visit visit) {
+    for (; *text && !endsLine(*text); ++text) {
+        const bool isMark = *text == '&' && text[1] && !endsLine(text[1]);
+        if (isMark)
+            ++text;
+        visit(static_cast<unsigned char>(*text), isMark && *text != '&');
+    }
+    if (!*text)
+        return nullptr;
+    const bool isPair = endsLine(text[1]) && text[1] != text[0];
+    text += isPair ? 2 : 1;
+    return *text ? text : nullptr; // a break at the very end begins no line
+}
+
+/// The bold face of the system that comes nearest to a name. Null or empty, the name leaves the choice to the system.
+class Font {
+public:
+    explicit Font(const char *name)
+        : library(nullptr, FT_Done_FreeType), face(nullptr, FT_Done_Face), advances(), isKnown() {
+        FT_Library newLibrary = nullptr;
+        if (FT_Init_FreeType(&newLibrary) != 0)
+            return;
+        library.reset(newLibrary);
+        if (!open(name))
+            open(nullptr);
+    }
+
+    /// Sets the height in pixels: of a cell where positive, of the letters where negative. False if there is no such
+    /// font.
+    bool setHeight(int height) {
+        if (!face)
+            return false;
+        constexpr long long usual = 16, largest = 0x7FFF;
+        long long ascender = face->ascender;
+        long long descender = -static_cast<long long>(face->descender);
+        const auto *windows = static_cast<const TT_OS2 *>(FT_Get_Sfnt_Table(face.get(), FT_SFNT_OS2));
+        if (windows && windows->usWinAscent + windows->usWinDescent > 0) {
+            ascender = windows->usWinAscent;
+            descender = windows->usWinDescent;
+        }
+        const long long unitsPerEm = face->units_per_EM;
+        if (ascender + descender <= 0 || unitsPerEm == 0)
+            return false;
+        const long long cell = height == 0 ? usual : height;
+        long long em = cell < 0 ? -cell : cell * unitsPerEm / (ascender + descender);
+        em = em < 1 ? 1 : em;
+        if (em > largest || FT_Set_Pixel_Sizes(face.get(), 0, static_cast<FT_UInt>(em)) != 0)
+            return false;
+        const auto inPixels = [em, unitsPerEm](long long units) { return (units * em + unitsPerEm / 2) / unitsPerEm; };
+        ascent = static_cast<int>(inPixels(ascender));
+        lineHeight = ascent + static_cast<int>(inPixels(descender));
+        return lineHeight > 0;
+    }
+
+    /// Makes a character the current glyph. False if the font cannot draw it.
+    bool load(unsigned char character) {
+        const FT_UInt index = FT_Get_Char_Index(face.get(), unicodeOf(character));
+        if (FT_Load_Glyph(face.get(), index, FT_LOAD_NO_BITMAP) != 0)
+            return false;
+        if (mustBeEmboldened)
+            FT_GlyphSlot_Embolden(face->glyph);
+        return true;
+    }
+
+    /// The current glyph as coverages from 0 to 255; null if it has no picture.
+    FT_GlyphSlot rendered() {
+        const FT_GlyphSlot glyph = face->glyph;
+        if (FT_Render_Glyph(glyph, FT_RENDER_MODE_NORMAL) != 0)
+            return nullptr;
+        return glyph->bitmap.pixel_mode == FT_PIXEL_MODE_GRAY && glyph->bitmap.pitch >= 0 ? glyph : nullptr;
+    }
+
+    /// The pixels from a character to the next. There are no more than 256 characters: each is asked for once.
+    int advanceOf(unsigned char character) {
+        if (!isKnown[character]) {
+            advances[character] = load(character) ? static_cast<int>((face->glyph->advance.x + 32) >> 6) : 0;
+            isKnown[character] = true;
+        }
+        return advances[character];
+    }
+
+    int ascent = 0;
+    int lineHeight = 0;
+
+private:
+    bool open(const char *name) {
+        const Pattern wanted(FcPatternCreate(), FcPatternDestroy);
+        if (!wanted)
+            return false;
+        if (name && *name)
+            FcPatternAddString(wanted.get(), FC_FAMILY, reinterpret_cast<const FcChar8 *>(name));
+        FcPatternAddInteger(wanted.get(), FC_WEIGHT, FC_WEIGHT_BOLD);
+        FcPatternAddInteger(wanted.get(), FC_SLANT, FC_SLANT_ROMAN);
+        FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue);
+        FcPatternAddBool(wanted.get(), FC_VARIABLE, FcFalse);
+        FcConfigSubstitute(nullptr, wanted.get(), FcMatchPattern);
+        FcDefaultSubstitute(wanted.get());
+        FcResult result = FcResultNoMatch;
+        const Pattern found(FcFontMatch(nullptr, wanted.get(), &result), FcPatternDestroy);
+        FcChar8 *file = nullptr;
+        int index = 0;
+        if (!found || FcPatternGetString(found.get(), FC_FILE, 0, &file) != FcResultMatch)
+            return false;
+        FcPatternGetInteger(found.get(), FC_INDEX, 0, &index);
+        int weight = FC_WEIGHT_NORMAL;
+        FcPatternGetInteger(found.get(), FC_WEIGHT, 0, &weight);
+        mustBeEmboldened = weight < FC_WEIGHT_DEMIBOLD;
+
+        FT_Face newFace = nullptr;
+        if (FT_New_Face(library.get(), reinterpret_cast<const char *>(file), index & 0x7FFFFFFF, &newFace) != 0)
+            return false;
+        face.reset(newFace);
+        if (!FT_IS_SCALABLE(newFace))
+            face.reset();
+        return static_cast<bool>(face);
+    }
+
+    Library library;
+    Face face;
+    bool mustBeEmboldened = false;
+    int advances[256];
+    bool isKnown[256];
+};
+
+/// A text drawn by FreeType into pixels of just its size, its lines centred.
+class FreeTypeText {
+public:
+    FreeTypeText(const char *text, q_ulong colour, int fontHeight, const char *fontName)
+        : pixels(nullptr, std::free), red(colour & 0xFF), green(colour >> 8 & 0xFF), blue(colour >> 16 & 0xFF) {
+        if (!text || !*text)
+            return;
+        Font font(fontName);
+        if (!font.setHeight(fontHeight))
+            return;
+        long long widest = 0;
+        long long lines = 0;
+        for (const char *line = text; line; ++lines) {
+            const long long lineWidth = widthOfLine(font, line);
+            widest = lineWidth > widest ? lineWidth : widest;
+            line = forEachInLine(line, [](unsigned char, bool) {});
+        }
+        if (!canBeRaster(widest, lines * font.lineHeight))
+            return;
+        width = static_cast<int>(widest);
+        height = static_cast<int>(lines) * font.lineHeight;
+        const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+        pixels.reset(static_cast<q_ulong *>(std::calloc(count, sizeof(q_ulong))));
+        if (!pixels)
+            return;
+        int top = 0;
+        for (const char *line = text; line; top += font.lineHeight)
+            line = drawLine(font, line, (width - static_cast<int>(widthOfLine(font, line))) / 2, top + font.ascent);
+    }
+
+    TextRaster raster() const { return {pixels.get(), width, height}; }
+
+private:
+    static long long widthOfLine(Font &font, const char *line) {
+        long long lineWidth = 0;
+        forEachInLine(line, [&](unsigned char character, bool) { lineWidth += font.advanceOf(character); });
+        return lineWidth;
+    }
+
+    const char *drawLine(Font &font, const char *line, int x, int baseLine) {
+        return forEachInLine(line, [&](unsigned char character, bool isUnderlined) {
+            const int advance = font.advanceOf(character);
+            if (font.load(character)) {
+                if (const FT_GlyphSlot glyph = font.rendered())
+                    drawGlyph(*glyph, x, baseLine);
+            }
+            for (int column = 0; isUnderlined && column < advance; ++column)
+                ink(x + column, baseLine + 1, 255);
+            x += advance;
+        });
+    }
+
+    void drawGlyph(const FT_GlyphSlotRec_ &glyph, int x, int baseLine) {
+        const FT_Bitmap &bitmap = glyph.bitmap;
+        for (int row = 0; row < static_cast<int>(bitmap.rows); ++row)
+            for (int column = 0; column < static_cast<int>(bitmap.width); ++column)
+                ink(x + glyph.bitmap_left + column, baseLine - glyph.bitmap_top + row,
+                    bitmap.buffer[static_cast<std::ptrdiff_t>(row) * bitmap.pitch + column]);
+    }
+
+    /// Brings a pixel nearer to the text's colour, all the way with a coverage of 255.
+    void ink(int x, int y, q_ulong coverage) {
+        if (x < 0 || x >= width || y < 0 || y >= height)
+            return;
+        q_ulong &pixel = *pixelAt(pixels.get(), width, x, y);
+        const auto mixed = [&pixel, coverage](q_ulong channel, int shift) {
+            const q_ulong before = pixel >> shift & 0xFF;
+            return (before + (channel - before) * coverage / 255) << shift;
+        };
+        pixel = mixed(red, 16) | mixed(green, 8) | mixed(blue, 0);
+    }
+
+    std::unique_ptr<q_ulong, void (*)(void *)> pixels;
+    int width = 0;
+    int height = 0;
+    q_ulong red, green, blue;
+};
+
+} // namespace
+
+int iTextOut(q_ulong *dst, tagRECT *clipRect, int pitch, char *text, q_ulong colour, int x, int y, int fontHeight,
+             char *fontName) {
+    return drawText<FreeTypeText>(dst, *clipRect, pitch, text, colour, x, y, fontHeight, fontName);
+}
