@@ -7,6 +7,7 @@
 #include "easing.h"
 #include "picture.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace show {
@@ -25,7 +26,8 @@ struct Disc {
 /// Covers the disc `place` of `out` with what `part` of `picture` shows, and that with an opacity from 0 to 255 for
 /// each pixel: `opacity(colour, distance)`, where the distance is to the middle of the disc, in pixels of `out`.
 ///
-/// Around `part` the picture goes on for two pixels of `out` and one of its own.
+/// Around `part` the picture should go on for three pixels of `out` and one of its own. If there is less, as around
+/// discs of a few pixels, the rim of `part` is cut off.
 template <class Opacity>
 void layDisc(const Surface &out, const Disc &place, const Surface &picture, const Disc &part, Opacity opacity) {
     if (!place.touches(out))
@@ -33,7 +35,8 @@ void layDisc(const Surface &out, const Disc &place, const Surface &picture, cons
     const int left = static_cast<int>(std::floor(place.x - place.radius));
     const int top = static_cast<int>(std::floor(place.y - place.radius));
     const int side = static_cast<int>(2 * place.radius) + 3;
-    const double scale = part.radius / place.radius;
+    const double reach = std::min({part.x, part.y, picture.width - 1 - part.x, picture.height - 1 - part.y}) - 1;
+    const double scale = std::min(part.radius / place.radius, reach / (place.radius + 3));
     const Canvas sprite(side, side);
     const Surface pixels = sprite.surface();
     drawView(pixels, picture,

@@ -153,7 +153,7 @@ public:
     RoundSprite() = default;
     explicit RoundSprite(Canvas first) {
         canvases.push_back(std::move(first));
-        while (canvases.back().width() > 16)
+        while (canvases.back().width() > 64)
             canvases.push_back(halved(canvases.back().surface()));
     }
 

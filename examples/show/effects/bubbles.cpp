@@ -1,8 +1,9 @@
 // Bubbles of glass rise and sway before the photograph. Each shows it the way a lens does, and the bubbles behind it,
 // with light on its rim, a gleam, and a spot of gathered light on what lies beneath.
 //
-// Uses MakeBubbleResource and DrawRealBubble, Draw_Ring_Safe (rim), Draw_Light_Safe (gathered light),
-// Draw_Star_Type1_Safe (gleam), iBltFast32AlphaChannelSafe and iBltPerfect32 (by layDisc and drawView).
+// Uses MakeBubbleResource, DrawRealBubble and, for large frames, DrawRealBubbleOld, Draw_Ring_Safe (rim),
+// Draw_Light_Safe (gathered light), Draw_Star_Type1_Safe (gleam), iBltFast32AlphaChannelSafe and iBltPerfect32 (by
+// layDisc and drawView).
 
 #include "../disc.h"
 #include "../effect.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <memory>
 #include <vector>
 
 namespace show {
@@ -19,11 +21,16 @@ namespace {
 
 /// The sizes at which bubbles are drawn, to be scaled down from there, or up from the last. The lens has a whole number
 /// for 65536 / size^2; where the truncated rest of that is small, it is as strong as in any other size.
-constexpr std::array<int, 5> drawnSizes = {45, 64, 90, 128, 181};
+constexpr std::array<int, 6> drawnSizes = {45, 64, 90, 128, 181, 256};
+constexpr int largestSoftSize = 181; // beyond it only DrawRealBubbleOld() works
 constexpr int resourceSize = 256;
 
 /// How much farther than the rim the lens sees.
 constexpr double reachOfLens = 1.3;
+
+constexpr int middleOfGlass(int size) {
+    return static_cast<int>(size / 2 * reachOfLens) + 6;
+}
 
 constexpr std::array<q_ulong, 5> hues = {0xBFE6FF, 0xD8D0FF, 0xC8FFF0, 0xFFE0F0, 0xFFF2D0};
 
@@ -33,6 +40,10 @@ double sine(double turns) {
 
 /// One bubble's way. It depends on its own random numbers alone.
 struct Bubble {
+    /// How many times its radius it has at the bottom, and above.
+    static constexpr double smallest = 0.86;
+    static constexpr double largest = 1.08;
+
     double nearness; ///< 0 far, 1 close
     double column;   ///< 0 to 1 of the frame's width
     double start;    ///< 0 to 1 of the way up
@@ -56,7 +67,8 @@ struct Bubble {
         const double share = risen - std::floor(risen);
         const double phase = swayPhase + swayTurns * seconds;
         return {column * out.width + sway * (sine(phase) + 0.35 * sine(2.3 * phase)),
-                out.height + reach - share * way + 0.2 * sway * sine(1.7 * phase), radius * mix(0.86, 1.08, share)};
+                out.height + reach - share * way + 0.2 * sway * sine(1.7 * phase),
+                radius * mix(smallest, largest, share)};
     }
 };
 
@@ -65,8 +77,16 @@ class Bubbles : public Effect {
 
     void prepare(int width, int height) override {
         unit = std::min(width, height) / 720.0;
-        resource = std::vector<q_ulong>(resourceSize * resourceSize);
-        MakeBubbleResource(resource.data(), resourceSize, 0, 0, resourceSize, 1);
+        resource = makeResource(resourceSize);
+        wideResource = makeResource(glassLayout(drawnSizes.back()).pitch());
+    }
+
+    static PlaneLayout glassLayout(int size) { return {2 * middleOfGlass(size), 2 * middleOfGlass(size)}; }
+
+    static std::unique_ptr<q_ulong[]> makeResource(int pitch) {
+        auto words = std::make_unique<q_ulong[]>(static_cast<std::size_t>(resourceSize * pitch));
+        MakeBubbleResource(words.get(), pitch, 0, 0, resourceSize, 1);
+        return words;
     }
 
     void render(Stage &, const Surface &out, const Moment &moment) const override {
@@ -92,22 +112,26 @@ class Bubbles : public Effect {
 
     void draw(const Surface &out, const Disc &place, const Bubble &bubble) const {
         gatherLight(out, place);
-        const auto fits = [&](int size) { return size / 2 - 1 >= place.radius; };
+        const auto fits = [&](int size) { return size / 2 - 1 >= bubble.radius * Bubble::largest; };
         const auto found = std::find_if(drawnSizes.begin(), drawnSizes.end() - 1, fits);
         const int size = *found;
         const int radius = size / 2;
-        const int middle = static_cast<int>(radius * reachOfLens) + 6;
-        const Canvas lens(2 * middle, 2 * middle);
+        const int middle = middleOfGlass(size);
+        const Canvas lens(glassLayout(size).width, glassLayout(size).height);
         const Surface glass = lens.surface();
         const Disc part = {middle * 1.0, middle * 1.0, radius - 1.0};
         fill(glass, part, out, place);
 
         std::vector<q_ulong> scratch(static_cast<std::size_t>(size * size));
         tagRECT clip = glass.rect();
-        DrawRealBubble(glass.pixels, scratch.data(), glass.pitch, middle, middle, size,
-                       const_cast<q_ulong *>(resource.data()), resourceSize, bubble.colour, glass.width, glass.height);
-        const int thickness = std::max(radius / 22, 1);
-        Draw_Ring_Safe(glass.pixels, glass.pitch, &clip, middle, middle, radius - thickness, thickness, 0x38424A);
+        const bool soft = size <= largestSoftSize;
+        (soft ? DrawRealBubble : DrawRealBubbleOld)(glass.pixels, scratch.data(), glass.pitch, middle, middle, size,
+                                                    (soft ? resource : wideResource).get(), resourceSize, bubble.colour,
+                                                    glass.width, glass.height);
+        // The ring's table ends at 127, where the rim of the largest bubble is.
+        const int thickness = std::max(std::min(radius, 90) / 22, 1);
+        Draw_Ring_Safe(glass.pixels, glass.pitch, &clip, middle, middle,
+                       std::min(radius - thickness, 127 - 2 * thickness), thickness, 0x38424A);
         const int gleam = middle - radius * 21 / 50;
         Draw_Star_Type1_Safe(glass.pixels, glass.pitch, &clip, gleam, gleam, radius * 2 / 5, 0xFFFFFF, 40);
         layDisc(out, place, glass, part);
@@ -120,7 +144,7 @@ class Bubbles : public Effect {
             return std::clamp(static_cast<int>(std::ceil(middle - centre / scale)), 0, glass.width - 1);
         };
         const auto end = [&](double middle, double centre, int extent) {
-            return std::clamp(static_cast<int>(std::floor(middle + (extent - 1 - centre) / scale)) + 1, 1, glass.width);
+            return std::clamp(static_cast<int>(std::floor(middle + (extent - 1 - centre) / scale)), 1, glass.width);
         };
         const int left = first(part.x, place.x);
         const int top = first(part.y, place.y);
@@ -158,7 +182,8 @@ class Bubbles : public Effect {
     }
 
     double unit = 1;
-    std::vector<q_ulong> resource;
+    std::unique_ptr<q_ulong[]> resource;     // its rows as long as itself
+    std::unique_ptr<q_ulong[]> wideResource; // as long as those of the largest glass
 };
 
 } // namespace
