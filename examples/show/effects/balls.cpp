@@ -128,8 +128,11 @@ private:
 
     bool meet(const Ball &first, const Ball &second) const {
         constexpr double step = 1.0 / 30;
+        constexpr double longestCourse = 9; // by then both lie still
         const double room = (first.radius + second.radius) * 1.12;
-        for (double seconds = std::max(first.start, second.start) - 0.3; seconds < showSeconds + 1; seconds += step) {
+        const double from = std::max(first.start, second.start) - 0.3;
+        const double until = std::min(showSeconds + 1, from + longestCourse);
+        for (double seconds = from; seconds < until; seconds += step) {
             const Ball::Place a = first.at(seconds);
             const Ball::Place b = second.at(seconds);
             const double x = a.x - b.x;

@@ -128,10 +128,10 @@ class Bubbles : public Effect {
         (soft ? DrawRealBubble : DrawRealBubbleOld)(glass.pixels, scratch.data(), glass.pitch, middle, middle, size,
                                                     (soft ? resource : wideResource).get(), resourceSize, bubble.colour,
                                                     glass.width, glass.height);
-        // The ring's table ends at 127, where the rim of the largest bubble is.
-        const int thickness = std::max(std::min(radius, 90) / 22, 1);
-        Draw_Ring_Safe(glass.pixels, glass.pitch, &clip, middle, middle,
-                       std::min(radius - thickness, 127 - 2 * thickness), thickness, 0x38424A);
+        // A band about the ring, to both sides. Its table ends at 127, where the largest bubble has its rim.
+        const int thickness = soft ? std::max(radius / 22, 1) : 2;
+        const int ring = std::min(radius - thickness, 127 - 2 * thickness);
+        Draw_Ring_Safe(glass.pixels, glass.pitch, &clip, middle, middle, ring, thickness, 0x38424A);
         const int gleam = middle - radius * 21 / 50;
         Draw_Star_Type1_Safe(glass.pixels, glass.pitch, &clip, gleam, gleam, radius * 2 / 5, 0xFFFFFF, 40);
         layDisc(out, place, glass, part);

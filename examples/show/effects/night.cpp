@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 
 namespace show {
 
@@ -154,8 +155,10 @@ class Night : public Effect {
         const auto radius = [&](double at720, int least) { return std::max(static_cast<int>(at720 * unit), least); };
         if (size < 0.62) {
             between(x, y, dimmed(colour, brightness * (0.30 + size)), [&](int column, int row, q_ulong shared) {
-                if (inside(column, row, 0))
+                if (unit < 1.5 && inside(column, row, 0))
                     Draw_Pixel_Add(out.pixels, out.pitch, column, row, shared);
+                else if (unit >= 1.5 && inside(column, row, radius(1.2, 1)))
+                    Draw_Star_Type3(out.pixels, out.pitch, column, row, radius(1.2, 1), shared, 32);
             });
         } else if (size < 0.76) {
             const int reach = radius(3, 2);
@@ -301,9 +304,10 @@ class Night : public Effect {
 
         tagRECT frame = out.rect();
         tagRECT clip = {-1, -1, out.width, out.height};
-        for (const int beside : {-1, 0, 1})
-            iLine_AntiAliasing_AddSome(out.pixels, &frame, out.pitch, x, y + beside, tailX, tailY + beside,
-                                       dimmed(0xA8C4FF, beside == 0 ? brightness : 0.4 * brightness), 1);
+        const int beside = std::max(static_cast<int>(1.2 * unit), 1);
+        for (int i = -beside; i <= beside; ++i)
+            iLine_AntiAliasing_AddSome(out.pixels, &frame, out.pitch, x, y + i, tailX, tailY + i,
+                                       dimmed(0xA8C4FF, brightness * (1 - std::abs(i) / (beside + 0.7))), 1);
         iLine_AntiAliasing_Add(out.pixels, &frame, out.pitch, x, y, x + (tailX - x) / 8, y + (tailY - y) / 8,
                                dimmed(0x8098C0, brightness), 1);
         const auto radius = [&](double at720) { return std::max(static_cast<int>(at720 * unit), 4); };
