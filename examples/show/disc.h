@@ -24,7 +24,8 @@ struct Disc {
 };
 
 /// Covers the disc `place` of `out` with what `part` of `picture` shows, and that with an opacity from 0 to 255 for
-/// each pixel: `opacity(colour, distance)`, where the distance is to the middle of the disc, in pixels of `out`.
+/// each pixel: `opacity(colour, distance)`, where the distance is to the middle of the disc, in pixels of `out`. It may
+/// change the colour.
 ///
 /// Around `part` the picture should go on for three pixels of `out` and one of its own. If there is less, as around
 /// discs of a few pixels, the rim of `part` is cut off.

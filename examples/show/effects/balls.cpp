@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace show {
@@ -161,10 +162,9 @@ public:
     }
 
     /// Where a disc of this radius is taken from: from the smallest canvas that is not smaller.
-    const Surface pictureFor(double radius) const { return canvases[levelFor(radius)].surface(); }
+    Surface pictureFor(double radius) const { return canvases[levelFor(radius)].surface(); }
 
-    /// The middle of an even number of pixels, and one pixel less than they hold, since the rim is mixed with what is
-    /// around.
+    /// The disc in that canvas, without its outermost pixel, which is mixed with what is around.
     Disc discFor(double radius) const {
         const double shrunk = 1.0 / (1 << levelFor(radius));
         const double middle = (room + largest + 0.5) * shrunk - 0.5;

@@ -127,7 +127,7 @@ class Night : public Effect {
             const q_ulong colour = random.below(3) == 0 ? 0xA088D0 : 0x7890E0;
             Draw_Light_Safe(out.pixels, out.pitch, &clip, static_cast<int>(std::floor(place.x)),
                             static_cast<int>(std::floor(place.y)), static_cast<int>(size * unit),
-                            dimmed(colour, easeIn(dusk) * haze(place)), 9);
+                            dimmed(colour, easeIn(dusk) * haze(place)), 8);
         }
         for (int i = 0; i < stars + faintStars; ++i) {
             const bool faint = i >= stars;
