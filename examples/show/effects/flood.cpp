@@ -346,7 +346,7 @@ class Flood : public Effect {
                 const Point tip = cutTo(curve, drawn);
                 drawLight(light, curve, scaled(2), colourAt);
                 if (drawn < 1)
-                    addStar(light, tip, 22, 0xFFF0D0, 60);
+                    addStar(light, tip, 20, 0xFFE4B0, 44 * stretch(drawn, 0.0, 0.4));
             }
             Outline rib = {shape.at(0.1, 0), shape.at(0.3, 0), shape.at(0.5, 0), shape.at(0.72, 0)};
             cutTo(rib, drawn);

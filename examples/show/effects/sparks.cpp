@@ -44,23 +44,27 @@ struct Braid {
     double width;
     double height;
     double unit;
-    Point phase;
+    double start; ///< where on its figure it sets off, in turns
+    double lean;  ///< how far the figure leans to one side
     double twist;
+    double side; ///< 1, or -1 for the figure seen in a mirror
 
     Braid(Random &random, const Surface &out) : width(out.width), height(out.height), unit(out.height / 720.0) {
-        phase.x = random.unit();
-        phase.y = random.unit();
+        start = random.unit();
+        lean = random.between(-0.1, 0.1);
         twist = random.unit();
+        side = random.unit() < 0.5 ? -1 : 1;
     }
 
     /// Before and behind the picture's plane, from -1 to 1.
-    double depthAt(double seconds) const { return sineOf(0.31 * seconds + phase.y + 0.2); }
+    double depthAt(double seconds) const { return sineOf(0.31 * seconds + start + 0.2); }
 
     double scaleAt(double seconds) const { return unit * (1 + 0.35 * depthAt(seconds)); }
 
+    /// A figure of eight, which never stands still: where it did, the tubes would tangle.
     Point centreAt(double seconds) const {
-        return {width * (0.5 + 0.40 * sineOf(0.21 * seconds + phase.x)),
-                height * (0.5 + 0.34 * sineOf(0.33 * seconds + phase.y))};
+        const double turns = 0.18 * seconds + start;
+        return {width * (0.5 + side * 0.40 * sineOf(turns)), height * (0.5 + 0.32 * sineOf(2 * turns + lean))};
     }
 
     /// A strand's place, and how far it is before the others.
@@ -302,6 +306,8 @@ void drawBurst(const Surface &light, const Rocket &rocket, double seconds) {
     const double unit = light.height / 720.0;
     tagRECT clip = light.rect();
     const int sparks = rocket.isRing ? 80 : 130;
+    // Close together at first, they would make a white ball.
+    const double parted = mix(0.15, 1, stretch(seconds, 0.0, 0.2));
     Random random(rocket.seed + 1);
     for (int i = 0; i < sparks; ++i) {
         const double direction = (i + random.between(-0.3, 0.3)) * 0.6180339887498949;
@@ -327,12 +333,12 @@ void drawBurst(const Surface &light, const Rocket &rocket, double seconds) {
             const tagPOINT tail = at(seconds - length * mix(1, 0.7, share));
             iLine_AntiAliasing_AddSome(light.pixels, &clip, light.pitch, static_cast<int>(head.x),
                                        static_cast<int>(head.y), static_cast<int>(tail.x), static_cast<int>(tail.y),
-                                       mixColours(0, colour, 0.9), 1);
+                                       mixColours(0, colour, 0.9 * parted), 1);
         }
         // Embers glitter toward their end.
         const double glitter = sineOf(flicker + 5 * seconds);
         const int radius = static_cast<int>(unit * mix(7, 11, clampUnit(glitter)));
-        const double shine = mix(0.55, 1.0, clampUnit(glitter)) * (1 - share * share);
+        const double shine = mix(0.55, 1.0, clampUnit(glitter)) * (1 - share * share) * parted;
         Draw_Star_Type1_Safe(light.pixels, light.pitch, &clip, static_cast<int>(head.x), static_cast<int>(head.y),
                              radius, mixColours(own, 0xFFFFFF, 0.3), static_cast<q_ulong>(64 * shine));
     }
@@ -342,11 +348,11 @@ void drawBurst(const Surface &light, const Rocket &rocket, double seconds) {
     const auto y = static_cast<int>(rocket.place.y);
     const q_ulong glare = mixColours(rocket.colour, 0xFFFFFF, flash * 0.6);
     Draw_Light_Safe(light.pixels, light.pitch, &clip, x, y, static_cast<int>(190 * unit), glare,
-                    static_cast<q_ulong>(26 * flash * flash));
-    for (const int reach : {250, 90})
+                    static_cast<q_ulong>(22 * flash * flash));
+    for (const int reach : {250, 110})
         Draw_Star_Type1_Safe(light.pixels, light.pitch, &clip, x, y,
                              static_cast<int>(reach * mix(0.6, 1, flash) * unit), glare,
-                             static_cast<q_ulong>(64 * flash));
+                             static_cast<q_ulong>(17 * flash));
 }
 
 /// The picture in the dark: of each channel as much as there is light of its colour.
