@@ -20,7 +20,7 @@ inline Surface softened(const Surface &plane, const Surface &light, int radius) 
     const Surface half = plane.cropped((light.width + 1) / 2, (light.height + 1) / 2);
     drawHalved(half, light);
     tagRECT rect = half.rect();
-    const int possible = std::min({radius, half.width / 2, half.height / 2});
+    const int possible = std::min({radius, half.width / 2, half.height / 2, 128});
     for (int i = 0; i < 2; ++i)
         Blur_Rect(half.pixels, &rect, half.pitch, possible);
     return half;

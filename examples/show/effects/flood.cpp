@@ -4,9 +4,9 @@
 // Uses bPolyBesier (the dams), Region_Src_Fill, bscan_left and bscan_right (the flood), iLine_AntiAliasing_Max (the
 // lines of light), Draw_Star_Type1_Safe (their tips); drawHalved, Blur_Rect and iBltBilinear32_Add make them glow.
 
-#include "../angle.h"
 #include "../effect.h"
 #include "../glow.h"
+#include "../point.h"
 #include "../random.h"
 
 #include <algorithm>
@@ -18,16 +18,7 @@ namespace show {
 
 namespace {
 
-struct Point {
-    double x;
-    double y;
-};
-
 using Outline = std::vector<Point>;
-
-tagPOINT pixelAt(Point point) {
-    return {static_cast<q_long>(std::floor(point.x + 0.5)), static_cast<q_long>(std::floor(point.y + 0.5))};
-}
 
 Point polar(Point centre, double turns, double radius) {
     return {centre.x + radius * sineOf(turns), centre.y - radius * cosineOf(turns)};
@@ -36,8 +27,9 @@ Point polar(Point centre, double turns, double radius) {
 /// A plane of bytes on which dams are drawn, and the two surfaces between which pixels flow within them.
 ///
 /// What is drawn between two clearings must hang together: around an island the flood would go without end. The fills
-/// leave the first and the last row of their limits alone, and a curve that leaves its clip follows the edge: so the
-/// limits reach into the margins of the surfaces, where neither is seen.
+/// call themselves for each row on their way, and any thread's stack holds the rows of the largest frames. They leave
+/// the first and the last row of their limits alone, and a curve that leaves its clip follows the edge: so the limits
+/// reach into the margins of the surfaces, where neither is seen.
 class Basin {
 public:
     Basin(const Surface &scratch, const Surface &to, const Surface &from)
@@ -46,10 +38,12 @@ public:
           pitch(to.pitch) {
         SetRegionSrcFill(&fill, to.at(-beyond, -beyond), pitch, from.at(-beyond, -beyond), pitch, plane, &limits,
                          pitch);
-        clearRows(0, to.height);
+        clear();
     }
     Basin(const Basin &) = delete;
     Basin &operator=(const Basin &) = delete;
+
+    void clear() { clearRows(-beyond, limits.bottom); }
 
     /// Takes away the dams in the rows of the frame from `top` to `bottom`.
     void clearRows(double top, double bottom) {
@@ -114,11 +108,11 @@ Outline curveThrough(const Outline &points, bool isOpen) {
         for (int k = 1; k <= chords; ++k) {
             const double t = static_cast<double>(k) / chords;
             const double s = 1 - t;
-            const auto between = [=](double a, double b, double c, double d) {
+            const auto along = [=](double a, double b, double c, double d) {
                 return a * s * s * s + b * 3 * s * s * t + c * 3 * s * t * t + d * t * t * t;
             };
-            curve.push_back({between(from.x, from.x + leaving.x, to.x - arriving.x, to.x),
-                             between(from.y, from.y + leaving.y, to.y - arriving.y, to.y)});
+            curve.push_back({along(from.x, from.x + leaving.x, to.x - arriving.x, to.x),
+                             along(from.y, from.y + leaving.y, to.y - arriving.y, to.y)});
         }
     }
     return curve;
@@ -129,7 +123,7 @@ template <class ColourAt>
 void drawLight(const Surface &light, const Outline &curve, int width, ColourAt colourAt) {
     tagRECT clip = {-3, -3, light.width + 3, light.height + 3};
     for (std::size_t i = 0; i + 1 < curve.size(); ++i) {
-        const q_ulong colour = colourAt(Point{(curve[i].x + curve[i + 1].x) / 2, (curve[i].y + curve[i + 1].y) / 2});
+        const q_ulong colour = colourAt(between(curve[i], curve[i + 1], 0.5));
         if (colour == 0)
             continue;
         const tagPOINT from = pixelAt(curve[i]);
@@ -161,8 +155,9 @@ constexpr double waveBegin = 0.56;
 constexpr q_ulong gold = 0xFFD48A;
 constexpr q_ulong foam = 0xD8F2FF;
 
-/// A petal's two sides, one from the base to the tip and the other back.
 struct Petal {
+    static constexpr int steps = 12;
+
     Point centre;
     double turns;
     double base;
@@ -175,8 +170,6 @@ struct Petal {
         return {axis.x + halfWidth * aside * cosineOf(turns), axis.y + halfWidth * aside * sineOf(turns)};
     }
 
-    static constexpr int steps = 12;
-
     static double widthAt(double along) {
         // Slender at the base, widest beyond the middle, drawn out to a point.
         constexpr std::array<double, steps + 1> widths = {0,    0.21, 0.41, 0.60, 0.77, 0.90, 0.98,
@@ -186,6 +179,8 @@ struct Petal {
         return mix(widths[index], widths[index + 1], place - static_cast<double>(index));
     }
 
+    /// The left side from the base to the tip, or the right one back: each begins where the other ends, so that nothing
+    /// runs out between them.
     Outline side(int sign) const {
         Outline points;
         for (int i = 0; i <= steps; ++i) {
@@ -294,9 +289,7 @@ class Flood : public Effect {
 
         /// Lines are submerged when the wave has passed them.
         double shineAt(Point point) const {
-            const double x = point.x - centre.x;
-            const double y = point.y - centre.y;
-            const double depth = wave - std::sqrt(x * x + y * y);
+            const double depth = wave - distance(point, centre);
             return wave > 0 ? 1 - clampUnit(depth / (0.35 * radius)) : 1;
         }
 
@@ -357,9 +350,7 @@ class Flood : public Effect {
         static Point cutTo(Outline &curve, double share) {
             const double place = share * static_cast<double>(curve.size() - 1);
             const auto index = std::min(static_cast<std::size_t>(place), curve.size() - 2);
-            const double rest = place - static_cast<double>(index);
-            const Point end = {mix(curve[index].x, curve[index + 1].x, rest),
-                               mix(curve[index].y, curve[index + 1].y, rest)};
+            const Point end = between(curve[index], curve[index + 1], place - static_cast<double>(index));
             curve.resize(index + 1);
             curve.push_back(end);
             return end;
@@ -390,7 +381,7 @@ class Flood : public Effect {
             if (wave < 8)
                 return;
             const Outline line = waveLine(1);
-            basin.clearRows(0, centre.y * 2 + farthest);
+            basin.clear();
             basin.build(line, false);
             basin.floodFrom(centre);
             // Foam thins out behind the front, and ripples follow it.
@@ -413,8 +404,7 @@ class Flood : public Effect {
         }
 
         Point towardsCentre(Point point, double way) const {
-            const double share = std::max(1 - way / wave, 0.0);
-            return {mix(centre.x, point.x, share), mix(centre.y, point.y, share)};
+            return between(centre, point, std::max(1 - way / wave, 0.0));
         }
     };
 };

@@ -5,9 +5,9 @@
 // iBltFast32SafeAlpha_Channel (which lays it on); Rect_Safe (the pen), iBltFast32AlphaChannelSafe and
 // Draw_Star_Type1_Safe (the pen on the paper and the glint of its nib).
 
-#include "../angle.h"
 #include "../effect.h"
 #include "../glow.h"
+#include "../point.h"
 #include "../random.h"
 
 #include <algorithm>
@@ -19,23 +19,6 @@
 namespace show {
 
 namespace {
-
-struct Point {
-    double x;
-    double y;
-};
-
-Point between(Point from, Point to, double t) {
-    return {mix(from.x, to.x, t), mix(from.y, to.y, t)};
-}
-
-double distance(Point a, Point b) {
-    return std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
-}
-
-int rounded(double value) {
-    return static_cast<int>(std::floor(value + 0.5));
-}
 
 /// A cubic curve by its ends and handles.
 struct Curve {
@@ -162,7 +145,7 @@ private:
 
         const Surface surface = canvas.surface();
         tagRECT clip = surface.rect();
-        iFillRect(surface.pixels, &clip, surface.pitch, inkTime(2) << 1);
+        iFillRect(surface.pixels, &clip, surface.pitch, inkTime(1.2) << 1);
         for (const Mark &mark : marks)
             if (mark.radius > 0)
                 iFill_Circle_Safe(surface.pixels, &clip, surface.pitch, rounded(mark.stroke->curve.d.x) + border,
@@ -171,7 +154,7 @@ private:
                 drawStroke(surface, *mark.stroke, colourOf(mark));
     }
 
-    int nibReach() const { return std::max(rounded(17 * unit * grainsPerPixel), 1); }
+    int nibReach() const { return std::max(rounded(34 * unit), 1); }
 
     /// The nib is a slanted edge: its stroke is the same curve many times, one beside the other.
     void drawStroke(const Surface &surface, const Stroke &stroke, q_ulong colour) const {
@@ -269,8 +252,6 @@ private:
                 times.push_back(static_cast<std::uint16_t>(std::clamp(time, 0.0, wholeTime - 1)));
             }
     }
-
-    static constexpr double grainsPerPixel = 2;
 
     double grain; ///< pixels of the frame to one of the canvas
     double unit;  ///< pixels of the canvas to one of a frame of 1280 by 720

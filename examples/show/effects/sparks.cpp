@@ -1,32 +1,24 @@
 // Night falls over the photograph. Three neon tubes wind around each other across it and throw sparks where they grow,
 // rockets burst above, and all of their light falls on the picture.
 //
-// Uses DDLine_Fat (tubes), DDLine_Color_Change (rockets), iLine_AntiAliasing_AddSome and iLineAddSome (trails of
-// sparks), Draw_Star_Type1_Safe (embers), Draw_Light_Safe (bursts); drawHalved, Blur_Rect and iBltBilinear32 spread
-// the light, iBltBilinear32_Add and iBltFast32_Add lay it on.
+// Uses DDLine_Fat (tubes), DDLine_Color_Change (rockets, and tubes that burn down), iLine_AntiAliasing_AddSome and
+// iLineAddSome (trails of sparks), Draw_Star_Type1_Safe (embers), Draw_Light_Safe (bursts); drawHalved, Blur_Rect and
+// iBltBilinear32 spread the light, iBltBilinear32_Add and iBltFast32_Add lay it on.
 
-#include "../angle.h"
 #include "../effect.h"
 #include "../glow.h"
+#include "../point.h"
 #include "../random.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <vector>
 
 namespace show {
 
 namespace {
-
-struct Point {
-    double x;
-    double y;
-};
-
-tagPOINT pixelAt(Point point) {
-    return {static_cast<q_long>(std::floor(point.x + 0.5)), static_cast<q_long>(std::floor(point.y + 0.5))};
-}
 
 /// Where something is that was thrown from `start`, is held back by the air, and falls. Lengths are pixels.
 Point thrown(Point start, Point velocity, double drag, double gravity, double seconds) {
@@ -67,17 +59,19 @@ struct Braid {
         return {width * (0.5 + side * 0.40 * sineOf(turns)), height * (0.5 + 0.32 * sineOf(2 * turns + lean))};
     }
 
-    /// A strand's place, and how far it is before the others.
-    Point strandAt(int strand, double seconds, double *nearness) const {
+    struct Place {
+        Point point;
+        double nearness; ///< what is nearer covers what is farther
+    };
+
+    Place strandAt(int strand, double seconds) const {
         const Point here = centreAt(seconds);
         const Point next = centreAt(seconds + 0.01);
-        const double dx = next.x - here.x;
-        const double dy = next.y - here.y;
-        const double length = std::sqrt(dx * dx + dy * dy) + 0.001;
+        const double length = distance(here, next) + 0.001;
+        const Point along = {(next.x - here.x) / length, (next.y - here.y) / length};
         const double turn = 0.85 * seconds + twist + static_cast<double>(strand) / strands;
         const double aside = 44 * scaleAt(seconds) * sineOf(turn);
-        *nearness = cosineOf(turn) + 4 * depthAt(seconds);
-        return {here.x - dy / length * aside, here.y + dx / length * aside};
+        return {{here.x - along.y * aside, here.y + along.x * aside}, cosineOf(turn) + 4 * depthAt(seconds)};
     }
 };
 
@@ -98,9 +92,8 @@ bool isSteep(const tagPOINT &from, const tagPOINT &to) {
 }
 
 double lengthOf(const tagPOINT &from, const tagPOINT &to) {
-    const double dx = to.x - from.x;
-    const double dy = to.y - from.y;
-    return std::sqrt(dx * dx + dy * dy);
+    return distance({static_cast<double>(from.x), static_cast<double>(from.y)},
+                    {static_cast<double>(to.x), static_cast<double>(to.y)});
 }
 
 /// The pieces of a strand that shine between two times.
@@ -108,12 +101,12 @@ void addPieces(std::vector<Piece> &pieces, const Braid &braid, int strand, doubl
     constexpr double step = 0.02;
     const auto first = static_cast<int>(std::floor(begin / step));
     const auto last = static_cast<int>(std::floor(end / step)) + 1;
-    double nearness = 0;
     const auto timeOf = [=](int i) { return std::clamp(i * step, begin, end); };
-    tagPOINT from = pixelAt(braid.strandAt(strand, timeOf(first), &nearness));
+    tagPOINT from = pixelAt(braid.strandAt(strand, timeOf(first)).point);
     for (int i = first + 1; i <= last; ++i) {
         const double time = timeOf(i);
-        const tagPOINT to = pixelAt(braid.strandAt(strand, time, &nearness));
+        const Braid::Place place = braid.strandAt(strand, time);
+        const tagPOINT to = pixelAt(place.point);
         // Pointed at the tail, where a wire is left that dies down, and a little at the head.
         const double taper = std::min((time - begin - wireSeconds) / 0.35, 0.5 + (end - time) / 0.12);
         // Shades along an axis make a tube that is slanted thinner.
@@ -121,7 +114,7 @@ void addPieces(std::vector<Piece> &pieces, const Braid &braid, int strand, doubl
             lengthOf(from, to) / std::max({std::abs(to.x - from.x), std::abs(to.y - from.y), q_long{1}});
         const int halfWidth = static_cast<int>(10 * braid.scaleAt(time) * clampUnit(taper) * slant + 0.5);
         const auto shineAt = [=](double at) { return clampUnit((at - begin) / (wireSeconds + 0.1)); };
-        pieces.push_back({nearness, strand * 100000 + i, from, to, halfWidth < 2 ? 0 : halfWidth,
+        pieces.push_back({place.nearness, strand * 100000 + i, from, to, halfWidth < 2 ? 0 : halfWidth,
                           neon[static_cast<std::size_t>(strand)], shineAt(timeOf(i - 1)), shineAt(time)});
         from = to;
     }
@@ -209,8 +202,7 @@ void drawWelding(const Surface &light, const Braid &braid, std::uint64_t seed, d
         const double speed = braid.unit * random.between(60, 520);
         if (age <= 0 || age >= life)
             continue;
-        double nearness = 0;
-        const Point start = braid.strandAt(i % strands, born, &nearness);
+        const Point start = braid.strandAt(i % strands, born).point;
         const Point velocity = {speed * cosineOf(direction), speed * sineOf(direction) - 120 * braid.unit};
         const auto at = [&](double seconds) {
             return pixelAt(thrown(start, velocity, 1.2, 1500 * braid.unit, std::max(seconds, 0.0)));
@@ -229,8 +221,7 @@ void drawWelding(const Surface &light, const Braid &braid, std::uint64_t seed, d
     if (now >= growing)
         return;
     for (int strand = 0; strand < strands; ++strand) {
-        double nearness = 0;
-        const tagPOINT head = pixelAt(braid.strandAt(strand, now, &nearness));
+        const tagPOINT head = pixelAt(braid.strandAt(strand, now).point);
         Random random(seedOf(seed, static_cast<int>(now * 60) * strands + strand));
         const int radius = static_cast<int>(braid.unit * random.between(24, 40));
         Draw_Star_Type1_Safe(light.pixels, light.pitch, &clip, static_cast<int>(head.x), static_cast<int>(head.y),
@@ -381,10 +372,8 @@ class Sparks : public Effect {
 
         const Stage::Plane light = stage.plane();
         clear(light);
-        const Braid braid = [&] {
-            Random random(shot.seed);
-            return Braid(random, out);
-        }();
+        Random random(shot.seed);
+        const Braid braid(random, out);
         // The tubes set off when it has become dark, and end before it dawns.
         const double start = 0.08 * shot.seconds;
         const double growing = 0.78 * shot.seconds - start;
