@@ -1,5 +1,5 @@
 /// \file
-/// Points that lie between the pixels, and angles in turns.
+/// Points that lie between the pixels, angles in turns, and the unit of lengths.
 #ifndef QMUR_SHOW_POINT_H
 #define QMUR_SHOW_POINT_H
 
@@ -7,6 +7,7 @@
 
 #include "q_Mur.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace show {
@@ -22,6 +23,11 @@ inline Point between(Point from, Point to, double t) {
 
 inline double distance(Point a, Point b) {
     return std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
+}
+
+/// What measures a pixel in a frame of 1280 by 720 measures this in one of another size.
+inline double unitOf(int width, int height) {
+    return std::min(width, height) / 720.0;
 }
 
 inline int rounded(double value) {

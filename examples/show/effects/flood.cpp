@@ -239,8 +239,9 @@ class Flood : public Effect {
         }
         const Surface close = softened(scratch, light, flower.scaled(2));
         const Surface wide = softened(after, close, flower.scaled(9));
+        // In a small frame the lines are wide for their length as it is.
         addLight(out, wide, 1.0);
-        addLight(out, wide, 1.0);
+        addLight(out, wide, flower.unit);
         addLight(out, close, 0.9);
         addLight(out, light);
     }
@@ -257,7 +258,7 @@ class Flood : public Effect {
         std::array<double, 4> phases;
 
         Flower(const Surface &out, const Moment &moment)
-            : unit(out.height / 720.0), t(moment.t), seconds(1.5 * moment.t) {
+            : unit(unitOf(out.width, out.height)), t(moment.t), seconds(1.5 * moment.t) {
             Random random(moment.b.seed);
             centre.x = out.width * random.between(0.47, 0.53);
             centre.y = out.height * random.between(0.49, 0.51);

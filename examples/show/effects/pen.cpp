@@ -109,7 +109,7 @@ public:
     static constexpr double wholeTime = 65536;
 
     Paper(int width, int height)
-        : grain(std::max({width / 640.0, height / 360.0, 1.0})), unit(std::min(height / 720.0, width / 640.0) / grain),
+        : grain(std::max({width / 640.0, height / 360.0, 1.0})), unit(unitOf(width, height) / grain),
           columns(static_cast<int>(width / grain) + 2), rows(static_cast<int>(height / grain) + 2),
           border(columns / 5 + 8), canvas(columns + 2 * border, rows + 2 * border) {
         spreadInk(strokesOver(width / grain, height / grain));
@@ -395,7 +395,7 @@ class Pen : public Effect {
     void prepare(int width, int height) override {
         strokes = strokesOver(width, height);
         times = Paper(width, height).times;
-        unit = std::min(height / 720.0, width / 640.0);
+        unit = unitOf(width, height);
         sprite.draw(unit);
         for (std::size_t i = 0; i < shades.size(); ++i) {
             const double age = static_cast<double>(i) / static_cast<double>(shades.size());

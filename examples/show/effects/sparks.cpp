@@ -41,7 +41,8 @@ struct Braid {
     double twist;
     double side; ///< 1, or -1 for the figure seen in a mirror
 
-    Braid(Random &random, const Surface &out) : width(out.width), height(out.height), unit(out.height / 720.0) {
+    Braid(Random &random, const Surface &out)
+        : width(out.width), height(out.height), unit(unitOf(out.width, out.height)) {
         start = random.unit();
         lean = random.between(-0.1, 0.1);
         twist = random.unit();
@@ -247,7 +248,7 @@ struct Rocket {
 
     Rocket(std::uint64_t ownSeed, const Surface &out, double when) : seed(ownSeed) {
         Random random(seed);
-        const double unit = out.height / 720.0;
+        const double unit = unitOf(out.width, out.height);
         burst = when + random.between(-0.12, 0.12);
         place.x = out.width * random.between(0.12, 0.88);
         place.y = out.height * random.between(0.16, 0.48);
@@ -274,7 +275,7 @@ void drawRise(const Surface &light, const Rocket &rocket, double seconds) {
                         std::clamp<q_long>(point.y, 0, light.height - 1)};
     };
     // Three tails side by side, the outer ones shorter and darker.
-    const double unit = light.height / 720.0;
+    const double unit = unitOf(light.width, light.height);
     for (const int side : {-1, 1, 0}) {
         const double aside = side * std::max(unit, 1.0);
         const auto at = [&](double time) {
@@ -294,7 +295,7 @@ void drawRise(const Surface &light, const Rocket &rocket, double seconds) {
 }
 
 void drawBurst(const Surface &light, const Rocket &rocket, double seconds) {
-    const double unit = light.height / 720.0;
+    const double unit = unitOf(light.width, light.height);
     tagRECT clip = light.rect();
     const int sparks = rocket.isRing ? 80 : 130;
     // Close together at first, they would make a white ball.
@@ -390,7 +391,7 @@ class Sparks : public Effect {
 
         // The light close around what shines, and what of it reaches farther over the picture.
         const Stage::Plane planes[] = {stage.plane(), stage.plane(), stage.plane()};
-        const double unit = out.height / 720.0;
+        const double unit = unitOf(out.width, out.height);
         const auto scaled = [unit](double pixels) { return std::max(static_cast<int>(pixels * unit), 1); };
         const Surface half = softened(planes[0], light, scaled(3));
         const Surface close = softened(planes[1], half, scaled(5));
