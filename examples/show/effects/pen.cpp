@@ -1,0 +1,492 @@
+// A broad nib writes one long flourish over the photograph. Its ink is the next photograph, which shows as it dries,
+// and bleeds into the paper until nothing of the old one is left.
+//
+// Uses iBesierLine (the strokes of the nib, one beside the other), iFill_Circle_Safe (the ink that bleeds) and
+// iBltFast32SafeAlpha_Channel (which lays it on); Rect_Safe (the pen), iBltFast32AlphaChannelSafe and
+// Draw_Star_Type1_Safe (the pen on the paper and the glint of its nib).
+
+#include "../angle.h"
+#include "../effect.h"
+#include "../glow.h"
+#include "../point.h"
+#include "../random.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+namespace show {
+
+namespace {
+
+/// A cubic curve by its ends and handles.
+struct Curve {
+    Point a;
+    Point b;
+    Point c;
+    Point d;
+
+    Point at(double t) const { return upTo(t).d; }
+
+    /// The part from `begin` to `end` as a curve of its own.
+    Curve part(double begin, double end) const { return upTo(end).turned().upTo(1 - begin / end).turned(); }
+
+private:
+    Curve turned() const { return {d, c, b, a}; }
+    Curve upTo(double t) const {
+        const Point ab = between(a, b, t);
+        const Point bc = between(b, c, t);
+        const Point cd = between(c, d, t);
+        const Point abc = between(ab, bc, t);
+        const Point bcd = between(bc, cd, t);
+        return {a, ab, abc, between(abc, bcd, t)};
+    }
+};
+
+/// The flourish, in shares of the frame's width and height: three loops and a way in and out.
+constexpr std::array<Point, 20> flourish = {{{-0.10, 0.80}, {0.09, 0.62},  {0.27, 0.22},  {0.215, 0.07}, {0.13, 0.25},
+                                             {0.165, 0.68}, {0.29, 0.90},  {0.43, 0.63},  {0.57, 0.20},  {0.515, 0.06},
+                                             {0.43, 0.25},  {0.465, 0.70}, {0.59, 0.92},  {0.73, 0.64},  {0.87, 0.21},
+                                             {0.815, 0.07}, {0.73, 0.26},  {0.765, 0.70}, {0.90, 0.88},  {1.12, 0.50}}};
+
+/// A short piece of the flourish, and when the nib is there.
+struct Stroke {
+    Curve curve;
+    double begin;
+    double end;
+};
+
+constexpr double writingBegin = 0.06;
+constexpr double writingEnd = 0.66;
+constexpr double allInked = 0.86; ///< when the last of the paper has taken ink
+
+std::vector<Stroke> strokesOver(double width, double height) {
+    constexpr int pieces = 16; // of each curve
+    const auto pointAt = [=](int i) -> Point {
+        const Point share = flourish[static_cast<std::size_t>(std::clamp<int>(i, 0, flourish.size() - 1))];
+        return {share.x * width, share.y * height};
+    };
+    std::vector<Stroke> strokes;
+    double length = 0;
+    for (int i = 0; i + 1 < static_cast<int>(flourish.size()); ++i) {
+        const auto handleAt = [&](int k) -> Point {
+            constexpr double reach = 0.19;
+            return {(pointAt(k + 1).x - pointAt(k - 1).x) * reach, (pointAt(k + 1).y - pointAt(k - 1).y) * reach};
+        };
+        const Point from = pointAt(i);
+        const Point to = pointAt(i + 1);
+        const Curve whole = {from,
+                             {from.x + handleAt(i).x, from.y + handleAt(i).y},
+                             {to.x - handleAt(i + 1).x, to.y - handleAt(i + 1).y},
+                             to};
+        for (int k = 0; k < pieces; ++k) {
+            const Curve part = whole.part(static_cast<double>(k) / pieces, (k + 1.0) / pieces);
+            const double begin = length;
+            length += distance(part.a, part.d);
+            strokes.push_back({part, begin, length});
+        }
+    }
+    for (Stroke &stroke : strokes)
+        for (double *const time : {&stroke.begin, &stroke.end})
+            *time = mix(writingBegin, writingEnd, mix(*time / length, easeInOut(*time / length), 0.35));
+    return strokes;
+}
+
+/// What is laid on the paper at one time: a stroke of the nib, or, with a radius, ink that has spread so far.
+struct Mark {
+    q_ulong time; ///< of 65536 for the whole transition
+    const Stroke *stroke;
+    int radius;
+};
+
+/// When the ink arrives at each pixel of the frame, in 1/65536 of the transition.
+///
+/// It is worked out at about half the size of 1280 by 720, by drawing with the time for a colour: what comes later
+/// first, so that what comes earlier covers it. Around the frame there is room for the ends of the flourish.
+class Paper {
+public:
+    static constexpr double wholeTime = 65536;
+
+    Paper(int width, int height)
+        : grain(std::max({width / 640.0, height / 360.0, 1.0})), unit(unitOf(width, height) / grain),
+          columns(static_cast<int>(width / grain) + 2), rows(static_cast<int>(height / grain) + 2),
+          border(columns / 5 + 8), canvas(columns + 2 * border, rows + 2 * border) {
+        spreadInk(strokesOver(width / grain, height / grain));
+        takeTimes();
+        for (int i = 0; i < 2; ++i)
+            for (std::vector<double> *const map : {&coarse, &bled})
+                smooth(*map);
+        roughen();
+        settle();
+        stretchOver(width, height);
+    }
+
+    std::vector<std::uint16_t> times; ///< row by row
+
+private:
+    /// Ink lies where the nib has been and spreads from there, slowly at first.
+    void spreadInk(const std::vector<Stroke> &strokes) {
+        const int farthest = std::max(columns, rows) / 2;
+        std::vector<Mark> marks;
+        for (const Stroke &stroke : strokes) {
+            // The ink flows from under the nib.
+            marks.push_back({inkTime(stroke.begin - 0.006), &stroke, 0});
+            const int first = std::max(nibReach() / 3, 1);
+            for (int radius = first; radius < farthest; radius += 1 + radius / 24) {
+                const double share = static_cast<double>(radius - first) / std::max(250 * unit, columns / 8.0);
+                const double delay = 0.13 + 0.26 * std::sqrt(share);
+                marks.push_back({inkTime(stroke.end + delay), &stroke, radius});
+                if (delay > 0.45)
+                    break;
+            }
+        }
+        std::stable_sort(marks.begin(), marks.end(), [](const Mark &a, const Mark &b) { return a.time > b.time; });
+
+        const Surface surface = canvas.surface();
+        tagRECT clip = surface.rect();
+        iFillRect(surface.pixels, &clip, surface.pitch, inkTime(1.2) << 1);
+        for (const Mark &mark : marks)
+            if (mark.radius > 0)
+                iFill_Circle_Safe(surface.pixels, &clip, surface.pitch, rounded(mark.stroke->curve.d.x) + border,
+                                  rounded(mark.stroke->curve.d.y) + border, mark.radius, colourOf(mark));
+            else
+                drawStroke(surface, *mark.stroke, colourOf(mark));
+    }
+
+    int nibReach() const { return std::max(rounded(34 * unit), 1); }
+
+    /// The nib is a slanted edge: its stroke is the same curve many times, one beside the other.
+    void drawStroke(const Surface &surface, const Stroke &stroke, q_ulong colour) const {
+        tagRECT clip = surface.rect();
+        const int reach = nibReach();
+        const auto [a, b, c, d] = stroke.curve;
+        for (int i = -2 * reach; i <= 2 * reach; ++i) {
+            const int right = border + (i >> 1) + (i & 1);
+            const int down = border - (i >> 1);
+            iBesierLine(surface.pixels, rounded(a.x) + right, rounded(a.y) + down, rounded(b.x) + right,
+                        rounded(b.y) + down, rounded(c.x) + right, rounded(c.y) + down, rounded(d.x) + right,
+                        rounded(d.y) + down, colour, &clip, surface.pitch);
+        }
+    }
+
+    static q_ulong inkTime(double time) { return static_cast<q_ulong>(time * wholeTime); }
+
+    // The lowest bit of a colour tells a stroke from what has spread.
+    static q_ulong colourOf(const Mark &mark) { return mark.time << 1 | (mark.radius == 0 ? 1 : 0); }
+
+    void takeTimes() {
+        const Surface surface = canvas.surface();
+        for (int y = 0; y < rows; ++y)
+            for (int x = 0; x < columns; ++x) {
+                const q_ulong colour = *surface.at(x + border, y + border);
+                coarse.push_back(static_cast<double>(colour >> 1));
+                bled.push_back(colour & 1 ? 0 : 1);
+            }
+    }
+
+    double &at(std::vector<double> &map, int x, int y) const {
+        return map[static_cast<std::size_t>(std::clamp(y, 0, rows - 1)) * static_cast<std::size_t>(columns) +
+                   static_cast<std::size_t>(std::clamp(x, 0, columns - 1))];
+    }
+
+    /// Each value becomes the mean of the nine around it.
+    void smooth(std::vector<double> &map) const {
+        std::vector<double> means;
+        for (int y = 0; y < rows; ++y)
+            for (int x = 0; x < columns; ++x) {
+                double sum = 0;
+                for (int dy = -1; dy <= 1; ++dy)
+                    for (int dx = -1; dx <= 1; ++dx)
+                        sum += at(map, x + dx, y + dy);
+                means.push_back(sum / 9);
+            }
+        map = means;
+    }
+
+    /// Paper does not take ink evenly: its fibres hurry it or hold it up.
+    void roughen() {
+        for (const double size : {64.0, 22.0, 8.0, 3.0}) {
+            const double cell = std::max(size * unit, 1.0);
+            const auto cells = static_cast<int>(columns / cell) + 2;
+            for (int y = 0; y < rows; ++y)
+                for (int x = 0; x < columns; ++x)
+                    at(coarse, x, y) +=
+                        roughness(x / cell, y / cell, cells) * wholeTime * (0.004 + 0.0002 * size) * at(bled, x, y);
+        }
+    }
+
+    /// From -1 to 1, running smoothly from one lattice point to the next.
+    static double roughness(double x, double y, int cells) {
+        const auto column = static_cast<int>(x);
+        const auto row = static_cast<int>(y);
+        const auto valueAt = [=](int right, int down) {
+            return Random(seedOf(7, (row + down) * cells + column + right)).between(-1, 1);
+        };
+        const double across = easeInOut(x - column);
+        return mix(mix(valueAt(0, 0), valueAt(1, 0), across), mix(valueAt(0, 1), valueAt(1, 1), across),
+                   easeInOut(y - row));
+    }
+
+    /// The last pixels take ink in time; the nib keeps its own.
+    void settle() {
+        const double written = writingEnd * wholeTime;
+        const double last = std::max(*std::max_element(coarse.begin(), coarse.end()), written + 1);
+        const double room = allInked * wholeTime - written;
+        for (double &time : coarse)
+            if (time > written)
+                time = written + (time - written) * std::min(room / (last - written), 1.0);
+    }
+
+    void stretchOver(int width, int height) {
+        times.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                const double left = (x + 0.5) / grain;
+                const double top = (y + 0.5) / grain;
+                const auto column = static_cast<int>(left);
+                const auto row = static_cast<int>(top);
+                const double time =
+                    mix(mix(at(coarse, column, row), at(coarse, column + 1, row), left - column),
+                        mix(at(coarse, column, row + 1), at(coarse, column + 1, row + 1), left - column), top - row);
+                times.push_back(static_cast<std::uint16_t>(std::clamp(time, 0.0, wholeTime - 1)));
+            }
+    }
+
+    double grain; ///< pixels of the frame to one of the canvas
+    double unit;  ///< pixels of the canvas to one of a frame of 1280 by 720
+    int columns;
+    int rows;
+    int border;
+    Canvas canvas;
+    std::vector<double> coarse; ///< the times on the canvas
+    std::vector<double> bled;   ///< 1 where the ink has come by itself, 0 where the nib has been
+};
+
+/// A fountain pen, with its point where it touches the paper.
+class PenSprite {
+public:
+    void draw(double frameUnit) {
+        unit = frameUnit;
+        fine = unit > 1.2 ? 2 : 4;
+        const Canvas colours(columnsOf(fine), rowsOf(fine));
+        const Canvas shape(columnsOf(fine), rowsOf(fine));
+        // A little fatter below, so that the edges mix with the pen's own colour.
+        for (const Section &section : sections) {
+            drawSection(colours.surface(), section, 3, [&](double) { return section.dark; });
+            drawSection(shape.surface(), section, 0, [](double) { return q_ulong{0xFFFFFF}; });
+        }
+        for (const Section &section : sections)
+            drawSection(colours.surface(), section, 0, [&](double aside) { return section.colourAt(aside); });
+        drawSlit(colours.surface());
+
+        pen = reduced(colours.surface(), columnsOf(1), rowsOf(1));
+        shadow = reduced(shape.surface(), columnsOf(1), rowsOf(1));
+        putAlpha(pen.surface(), shadow.surface(), 1, 0xFFFFFF);
+        tagRECT rect = shadow.rect();
+        Blur_Rect(shadow.surface().pixels, &rect, shadow.surface().pitch,
+                  std::min({rounded(7 * unit), shadow.width() / 2, shadow.height() / 2}));
+        putAlpha(shadow.surface(), shadow.surface(), 0.45, 0);
+    }
+
+    void lay(const Surface &out, Point point, double lift) const {
+        const auto layAt = [&](const Canvas &sprite, double x, double y) {
+            const Surface src = sprite.surface();
+            tagRECT whole = src.rect();
+            tagRECT clip = out.rect();
+            iBltFast32AlphaChannelSafe(out.pixels, src.pixels, rounded(x - before * unit), rounded(y - above * unit),
+                                       &whole, &clip, out.pitch, src.pitch);
+        };
+        layAt(shadow, point.x + (7 + lift) * unit, point.y + (9 + lift) * unit);
+        layAt(pen, point.x, point.y);
+    }
+
+private:
+    /// A length of the pen, as it is lit from the upper left. Lengths are pixels of a frame of 1280 by 720.
+    struct Section {
+        double begin;
+        double end;
+        double halfBegin; ///< half its width where it begins
+        double halfEnd;
+        q_ulong dark;
+        q_ulong own;
+        q_ulong shine;
+
+        q_ulong colourAt(double aside) const {
+            const double lit = clampUnit(1 - std::abs(aside + 0.25) / 0.9);
+            const double glint = clampUnit(1 - std::abs(aside + 0.38) / 0.2);
+            return mixColours(mixColours(dark, own, lit), shine, glint * glint);
+        }
+    };
+
+    static constexpr q_ulong darkGold = 0x6A4312;
+    static constexpr q_ulong gold = 0xE9B64C;
+    static constexpr q_ulong lightGold = 0xFFF6CC;
+    static constexpr std::array<Section, 10> sections = {{{0, 5, 1.5, 2.2, darkGold, gold, lightGold},
+                                                          {5, 34, 2.2, 9, darkGold, gold, lightGold},
+                                                          {34, 62, 9, 16, darkGold, gold, lightGold},
+                                                          {62, 76, 16, 15, darkGold, gold, lightGold},
+                                                          {76, 92, 13, 13.5, 0x0A0B14, 0x272A3C, 0xA8B0D0},
+                                                          {92, 170, 13.5, 18, 0x0A0B14, 0x272A3C, 0xA8B0D0},
+                                                          {170, 177, 20, 20, darkGold, gold, lightGold},
+                                                          {177, 420, 20, 23, 0x070B28, 0x1E2E78, 0xB4C4FF},
+                                                          {420, 428, 24, 24, darkGold, gold, lightGold},
+                                                          {428, 470, 23, 14, 0x070B28, 0x1E2E78, 0xB4C4FF}}};
+
+    // The sprite's extent around the point.
+    static constexpr double before = 26;
+    static constexpr double above = 400;
+    static constexpr double behind = 344;
+    static constexpr double below = 24;
+    static constexpr double slant = 0.107; // of the pen against the upright, in turns
+
+    int columnsOf(int scale) const { return std::max(rounded((before + behind) * unit), 1) * scale; }
+    int rowsOf(int scale) const { return std::max(rounded((above + below) * unit), 1) * scale; }
+
+    tagPOINT place(double along, double aside) const {
+        const double x = before + along * sineOf(slant) + aside * cosineOf(slant);
+        const double y = above - along * cosineOf(slant) + aside * sineOf(slant);
+        return {static_cast<q_long>(std::floor(x * unit * fine)), static_cast<q_long>(std::floor(y * unit * fine))};
+    }
+
+    template <class ColourAt>
+    void drawSection(const Surface &surface, const Section &section, double fatter, ColourAt colourAt) const {
+        constexpr int strips = 28;
+        tagRECT clip = surface.rect();
+        for (int i = 0; i < strips; ++i) {
+            const double from = 2.0 * i / strips - 1;
+            const double to = 2.0 * (i + 1) / strips - 1;
+            tagPOINT corners[] = {place(section.begin - fatter, from * (section.halfBegin + fatter)),
+                                  place(section.begin - fatter, to * (section.halfBegin + fatter)),
+                                  place(section.end + fatter, to * (section.halfEnd + fatter)),
+                                  place(section.end + fatter, from * (section.halfEnd + fatter))};
+            q_ulong colour = colourAt((from + to) / 2);
+            Rect_Safe(surface.pixels, &clip, surface.pitch, &corners[0], &corners[1], &corners[2], &corners[3],
+                      &colour);
+        }
+    }
+
+    /// The nib's slit, with the hole at its end.
+    void drawSlit(const Surface &surface) const {
+        tagRECT clip = surface.rect();
+        q_ulong ink = 0x2A1A08;
+        tagPOINT corners[] = {place(4, -0.5), place(4, 0.5), place(46, 0.9), place(46, -0.9)};
+        Rect_Safe(surface.pixels, &clip, surface.pitch, &corners[0], &corners[1], &corners[2], &corners[3], &ink);
+        const tagPOINT hole = place(48, 0);
+        iFill_Circle_Safe(surface.pixels, &clip, surface.pitch, static_cast<int>(hole.x), static_cast<int>(hole.y),
+                          rounded(3 * unit * fine), ink);
+    }
+
+    /// Takes the blue of `shape` for the top byte, and of the colour what `mask` lets pass.
+    static void putAlpha(const Surface &sprite, const Surface &shape, double strength, q_ulong mask) {
+        const auto factor = static_cast<q_ulong>(strength * 256);
+        for (int y = 0; y < sprite.height; ++y)
+            for (int x = 0; x < sprite.width; ++x)
+                *sprite.at(x, y) = ((*shape.at(x, y) & 0xFF) * factor >> 8) << 24 | (*sprite.at(x, y) & mask);
+    }
+
+    double unit = 1;
+    int fine = 1; ///< the pen is drawn that much larger
+    Canvas pen;
+    Canvas shadow;
+};
+
+class Pen : public Effect {
+    void prepare(int width, int height) override {
+        strokes = strokesOver(width, height);
+        times = Paper(width, height).times;
+        unit = unitOf(width, height);
+        sprite.draw(unit);
+        for (std::size_t i = 0; i < shades.size(); ++i) {
+            const double age = static_cast<double>(i) / static_cast<double>(shades.size());
+            const double wet = 1 - age;
+            shades[i] = {static_cast<q_ulong>(255 * easeInOut(stretch(age, 0.0, 0.06))),
+                         static_cast<q_ulong>(256 * 0.92 * wet * wet * wet)};
+        }
+    }
+
+    void render(Stage &stage, const Surface &out, const Moment &moment) const override {
+        const Stage::Plane inked = stage.plane();
+        drawShot(stage, out, moment.a);
+        drawShot(stage, inked, moment.b);
+        takeInk(inked, moment.t);
+
+        // The blit leaves out the last column and row of odd sizes; beyond the frame it is clipped.
+        const int width = out.width + (out.width & 1);
+        const int height = out.height + (out.height & 1);
+        tagRECT rect = {0, 0, width, height};
+        iBltFast32SafeAlpha_Channel(out.pixels, inked->pixels, width / 2, height / 2, &rect, out.pitch, inked->pitch,
+                                    out.width, out.height);
+        // Whole pixels were copied with their opacity.
+        tagRECT frame = out.rect();
+        iFadeOut32(out.pixels, &frame, out.pitch, 1);
+        if (moment.t < writingEnd + 0.05)
+            drawPen(out, moment.t);
+    }
+
+    /// Gives the pixels their opacity, and those on which the ink is wet its colour.
+    void takeInk(const Surface &picture, double t) const {
+        constexpr q_ulong ink = 0x161A4A;
+        const auto now = static_cast<int>(t * Paper::wholeTime);
+        constexpr auto drying = static_cast<int>(0.10 * Paper::wholeTime);
+        for (int y = 0; y < picture.height; ++y) {
+            q_ulong *const row = picture.at(0, y);
+            const std::uint16_t *const time =
+                times.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width);
+            for (int x = 0; x < picture.width; ++x) {
+                const int age = now - time[x];
+                if (age <= 0) {
+                    row[x] = 0;
+                } else if (age >= drying) {
+                    row[x] |= 0xFF000000;
+                } else {
+                    const Shade shade = shades[static_cast<std::size_t>(age) * shades.size() / drying];
+                    const auto mixed = [d = row[x], share = shade.ink](q_ulong channels) {
+                        return ((d & channels) * (256 - share) + (ink & channels) * share) >> 8 & channels;
+                    };
+                    row[x] = shade.opacity << 24 | mixed(0xFF00FF) | mixed(0x00FF00);
+                }
+            }
+        }
+    }
+
+    void drawPen(const Surface &out, double t) const {
+        Point point = strokes.front().curve.a;
+        double lift = 0;
+        if (t < writingBegin) {
+            // It comes in from the left, above the paper.
+            lift = 60 * (1 - easeOut(t / writingBegin));
+            point.x -= lift * 9 * unit;
+            point.y -= lift * 2 * unit;
+        }
+        for (const Stroke &stroke : strokes)
+            if (t >= stroke.begin)
+                point = stroke.curve.at(stretch(t, stroke.begin, stroke.end));
+        sprite.lay(out, point, lift);
+        tagRECT clip = out.rect();
+        const double twinkle = 0.5 + 0.5 * sineOf(9 * t);
+        Draw_Star_Type1_Safe(out.pixels, out.pitch, &clip, rounded(point.x + 14 * unit), rounded(point.y - 30 * unit),
+                             rounded(mix(16, 30, twinkle) * unit), 0xFFF4D0, static_cast<q_ulong>(40 * twinkle));
+    }
+
+    struct Shade {
+        q_ulong opacity;
+        q_ulong ink;
+    };
+
+    std::vector<Stroke> strokes;
+    std::vector<std::uint16_t> times;
+    double unit = 1;
+    PenSprite sprite;
+    std::array<Shade, 512> shades = {};
+};
+
+} // namespace
+
+EffectInfo pen() {
+    return {"pen", Effect::Kind::transition, "a pen writes a flourish whose ink is the next photograph",
+            makeEffect<Pen>};
+}
+
+} // namespace show
