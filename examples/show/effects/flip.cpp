@@ -7,6 +7,7 @@
 #include "../effect.h"
 #include "../random.h"
 #include "../supersampling.h"
+#include "../table_angle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,17 +17,12 @@ namespace show {
 
 namespace {
 
-constexpr double halfCircle = 3.141592653589793;
 constexpr int cardsAcross = 4; // the frame's shorter side
 
 /// How much larger the near edge of a card that stands upright appears, as a share.
 constexpr double nearness = 0.2;
 
 constexpr double flipTime = 0.46; // of the transition
-
-double cosine(double angle) {
-    return iCos[static_cast<int>(angle / halfCircle * 4096 + 0.5) & 8191] / 32768.0;
-}
 
 struct Card {
     tagRECT place;

@@ -7,6 +7,7 @@
 #include "../backdrop.h"
 #include "../effect.h"
 #include "../supersampling.h"
+#include "../table_angle.h"
 
 #include <algorithm>
 #include <array>
@@ -16,7 +17,6 @@ namespace show {
 
 namespace {
 
-constexpr double halfCircle = 3.141592653589793;
 constexpr q_ulong paper = 0xF3F0E8;
 constexpr int stripCount = 32;
 
@@ -34,14 +34,6 @@ struct Strip {
 };
 
 using Page = std::array<Strip, stripCount>;
-
-double cosine(double angle) {
-    return iCos[static_cast<int>(angle / halfCircle * 4096 + 0.5) & 8191] / 32768.0;
-}
-
-double sine(double angle) {
-    return iSin[static_cast<int>(angle / halfCircle * 4096 + 0.5) & 8191] / 32768.0;
-}
 
 /// The page at `t` from 0 to 1 of its way. Its outer edge sets off first.
 Page bentPage(double t, int width) {

@@ -1,0 +1,220 @@
+// The next photograph comes down in triangular shards that tumble, grow smaller as they fall away from the eye, and fit
+// together.
+//
+// Uses Blt_Triangle (the shards), Rect_Safe, Hor_Blur32 and Ver_Blur32 (shadows), iBltFast32AlphaChannelSafe,
+// iFadeOut32 (light), iBltFast32Alpha.
+
+#include "../effect.h"
+#include "../random.h"
+#include "../supersampling.h"
+#include "../table_angle.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+namespace show {
+
+namespace {
+
+constexpr int cellsAcross = 4;    // the frame's shorter side
+constexpr double fallTime = 0.44; // of the transition
+constexpr int lightLevels = 6;
+constexpr double darkest = 0.45;
+
+struct Place {
+    double x;
+    double y;
+};
+
+/// A shard of the photograph.
+struct Shard {
+    std::array<tagPOINT, 3> home;
+    double start; ///< when it sets off: 0 to 1 of the time that is left before the last one does
+    double axis;
+    double turn; ///< radians through which it tumbles about an axis in its plane
+    double spin; ///< and about its own middle
+    double drift;
+};
+
+/// A shard at a moment of its fall.
+struct FallingShard {
+    std::array<tagPOINT, 3> home;
+    std::array<Place, 3> corners;
+    std::array<Place, 3> shadow;
+    double height; ///< above the photograph, from 1 to 0
+    std::size_t level;
+};
+
+class Triangles : public Effect {
+    /// A grid whose inner points are moved by chance, each of its cells cut in two.
+    void prepare(int width, int height) override {
+        const double side = std::min(width, height) / static_cast<double>(cellsAcross);
+        const int columns = static_cast<int>(width / side + 0.5);
+        const int rows = static_cast<int>(height / side + 0.5);
+        Random random(7);
+        std::vector<tagPOINT> points;
+        for (int row = 0; row <= rows; ++row)
+            for (int column = 0; column <= columns; ++column) {
+                const double x = random.between(-0.3, 0.3);
+                const double y = random.between(-0.3, 0.3);
+                const bool onSide = column == 0 || column == columns;
+                const bool onEnd = row == 0 || row == rows;
+                points.push_back({static_cast<q_long>((column + (onSide ? 0 : x)) * width / columns),
+                                  static_cast<q_long>((row + (onEnd ? 0 : y)) * height / rows)});
+            }
+        for (int row = 0; row < rows; ++row)
+            for (int column = 0; column < columns; ++column) {
+                const auto upperLeft = points.begin() + row * (columns + 1) + column;
+                const tagPOINT corners[] = {upperLeft[0], upperLeft[1], upperLeft[columns + 2], upperLeft[columns + 1]};
+                const auto first = static_cast<std::size_t>(random.below(2));
+                for (const std::size_t i : {first, first + 2})
+                    shards.push_back(
+                        shardOf({corners[i % 4], corners[(i + 1) % 4], corners[(i + 2) % 4]}, random, height));
+            }
+    }
+
+    static Shard shardOf(const std::array<tagPOINT, 3> &home, Random &random, int height) {
+        Shard shard = {home, 0, 0, 0, 0, 0};
+        const double middle = static_cast<double>(home[0].y + home[1].y + home[2].y) / 3;
+        // The lower ones first, though not in rank and file.
+        shard.start = clampUnit(0.72 * (1 - middle / height) + random.between(0, 0.28));
+        shard.axis = random.between(0, 2 * halfCircle);
+        shard.turn = random.between(2.5, 6) * (random.below(2) == 0 ? -1 : 1);
+        shard.spin = random.between(0.4, 1.4) * (random.below(2) == 0 ? -1 : 1);
+        shard.drift = random.between(-0.35, 0.35);
+        return shard;
+    }
+
+    void render(Stage &stage, const Surface &out, const Moment &moment) const override {
+        const Stage::Plane ground = stage.plane();
+        const Stage::Plane levels[lightLevels] = {stage.plane(), stage.plane(), stage.plane(),
+                                                  stage.plane(), stage.plane(), stage.plane()};
+        drawShot(stage, ground, moment.a);
+        drawShot(stage, levels[lightLevels - 1], moment.b);
+        tagRECT frame = out.rect();
+        for (int i = 0; i + 1 < lightLevels; ++i) {
+            const Surface &level = levels[i];
+            iBltFast32(level.pixels, levels[lightLevels - 1]->pixels, 0, 0, &frame, level.pitch, level.pitch);
+            iFadeOut32(level.pixels, &frame, level.pitch, static_cast<float>(mix(darkest, 1, i / (lightLevels - 1.0))));
+        }
+
+        std::vector<FallingShard> lying;
+        std::vector<FallingShard> falling;
+        for (const Shard &shard : shards) {
+            const double start = (1 - fallTime) * shard.start * 0.94;
+            const double way = stretch(moment.t, start, start + fallTime);
+            if (way >= 1)
+                lying.push_back(shardAt(shard, 1, out));
+            else if (way > 0)
+                falling.push_back(shardAt(shard, way, out));
+        }
+        std::sort(falling.begin(), falling.end(),
+                  [](const FallingShard &lower, const FallingShard &higher) { return lower.height < higher.height; });
+        for (const FallingShard &shard : lying)
+            reveal(ground, levels[lightLevels - 1], shard);
+        if (!falling.empty())
+            layShadows(stage, ground, falling);
+
+        drawSupersampled(stage, out, [&](const Surface &part, int left, int top) {
+            drawDoubled(part, ground, left, top);
+            for (const FallingShard &shard : falling)
+                lay(part, left, top, levels[shard.level], shard);
+        });
+    }
+
+    static FallingShard shardAt(const Shard &shard, double way, const Surface &out) {
+        const double unit = out.height;
+        const double height = (1 - way) * (1 - way);
+        const double distance = 1.5 * unit;
+        const double rise = 0.75 * unit * height;
+        const double turn = shard.turn * height;
+        const double spin = shard.spin * height;
+        Place middle = {0, 0};
+        for (const tagPOINT &corner : shard.home) {
+            middle.x += static_cast<double>(corner.x) / 3;
+            middle.y += static_cast<double>(corner.y) / 3;
+        }
+        const Place place = {middle.x + shard.drift * unit * height, middle.y - 1.45 * unit * height};
+
+        FallingShard result = {shard.home, {}, {}, height, lightLevels - 1};
+        for (std::size_t i = 0; i < 3; ++i) {
+            const double x = static_cast<double>(shard.home[i].x) - middle.x;
+            const double y = static_cast<double>(shard.home[i].y) - middle.y;
+            const double turnedX = x * cosine(spin) - y * sine(spin);
+            const double turnedY = x * sine(spin) + y * cosine(spin);
+            // What is across the axis leaves the plane.
+            const double along = turnedX * cosine(shard.axis) + turnedY * sine(shard.axis);
+            const double beside = turnedY * cosine(shard.axis) - turnedX * sine(shard.axis);
+            const double across = beside * cosine(turn);
+            const double scale = distance / (distance - rise - beside * sine(turn));
+            const double tiltedX = along * cosine(shard.axis) - across * sine(shard.axis);
+            const double tiltedY = along * sine(shard.axis) + across * cosine(shard.axis);
+            result.corners[i] = {place.x + tiltedX * scale, place.y + tiltedY * scale};
+            result.shadow[i] = {place.x + 0.1 * rise + tiltedX, place.y + 0.25 * rise + tiltedY};
+        }
+        // The face turned to the light, from above, is bright, and the back of a shard is dark.
+        const double facing = cosine(turn);
+        const double light =
+            clampUnit(mix(facing < 0 ? 0 : 0.35, 1, std::abs(facing)) - 0.35 * sine(turn) * cosine(shard.axis));
+        result.level = static_cast<std::size_t>(light * (lightLevels - 1) + 0.5);
+        return result;
+    }
+
+    /// The shard in its place: the photograph's own pixels.
+    static void reveal(const Surface &ground, const Surface &photo, const FallingShard &shard) {
+        tagRECT frame = ground.rect();
+        std::array<_POINTINT, 3> home;
+        for (std::size_t i = 0; i < 3; ++i)
+            home[i] = {static_cast<int>(shard.home[i].x), static_cast<int>(shard.home[i].y)};
+        blit(ground, frame, photo, home, home);
+    }
+
+    static void lay(const Surface &part, int left, int top, const Surface &photo, const FallingShard &shard) {
+        std::array<_POINTINT, 3> home;
+        std::array<_POINTINT, 3> corners;
+        for (std::size_t i = 0; i < 3; ++i) {
+            home[i] = {static_cast<int>(shard.home[i].x), static_cast<int>(shard.home[i].y)};
+            corners[i] = {whole(2 * shard.corners[i].x) - left, whole(2 * shard.corners[i].y) - top};
+        }
+        blit(part, part.rect(), photo, corners, home);
+    }
+
+    static void blit(const Surface &out, tagRECT clip, const Surface &photo, std::array<_POINTINT, 3> corners,
+                     std::array<_POINTINT, 3> home) {
+        Blt_Triangle(out.pixels, &clip, out.pitch, &corners[0], &corners[1], &corners[2], photo.pixels, photo.pitch,
+                     &home[0], &home[1], &home[2]);
+    }
+
+    static void layShadows(Stage &stage, const Surface &out, const std::vector<FallingShard> &shards) {
+        const Stage::Plane layer = stage.plane();
+        const Stage::Plane blurred = stage.plane();
+        tagRECT frame = out.rect();
+        iFillRect(layer->pixels, &frame, layer->pitch, 0);
+        for (const FallingShard &shard : shards) {
+            std::array<tagPOINT, 3> points;
+            for (std::size_t i = 0; i < 3; ++i)
+                points[i] = {whole(shard.shadow[i].x), whole(shard.shadow[i].y)};
+            q_ulong colour = static_cast<q_ulong>(140 * clampUnit(shard.height * 8)) << 24;
+            Rect_Safe(layer->pixels, &frame, layer->pitch, &points[0], &points[1], &points[2], &points[2], &colour);
+        }
+        const int softness = std::min({out.height / 30, out.width - 1, out.height - 1});
+        Hor_Blur32(blurred->pixels, layer->pixels, softness, out.width, out.height, out.pitch);
+        Ver_Blur32(layer->pixels, blurred->pixels, softness, out.width, out.height, out.pitch);
+        iBltFast32AlphaChannelSafe(out.pixels, layer->pixels, 0, 0, &frame, &frame, out.pitch, layer->pitch);
+    }
+
+    static int whole(double position) { return static_cast<int>(std::floor(position + 0.5)); }
+
+    std::vector<Shard> shards;
+};
+
+} // namespace
+
+EffectInfo triangles() {
+    return {"triangles", Effect::Kind::transition, "shards rain down and fit together to the next photograph",
+            makeEffect<Triangles>};
+}
+
+} // namespace show
