@@ -2,7 +2,8 @@
 // together.
 //
 // Uses Blt_Triangle (the shards), Rect_Safe, Hor_Blur32 and Ver_Blur32 (shadows), iBltFast32AlphaChannelSafe,
-// iFadeOut32 (light), iBltFast32Alpha.
+// iFadeOut32 and
+// iLine_AntiAliasing_Add (light), iBltFast32Alpha.
 
 #include "../effect.h"
 #include "../random.h"
@@ -18,8 +19,8 @@ namespace show {
 
 namespace {
 
-constexpr int cellsAcross = 4;    // the frame's shorter side
-constexpr double fallTime = 0.44; // of the transition
+constexpr int cellsAcross = 4;   // the frame's shorter side
+constexpr double fallTime = 0.5; // of the transition
 constexpr int lightLevels = 6;
 constexpr double darkest = 0.45;
 
@@ -103,7 +104,8 @@ class Triangles : public Effect {
         std::vector<FallingShard> lying;
         std::vector<FallingShard> falling;
         for (const Shard &shard : shards) {
-            const double start = (1 - fallTime) * shard.start * 0.94;
+            // The first ones have come some of their way already, and are not yet to be seen.
+            const double start = mix(-0.05, 0.94 - fallTime, shard.start);
             const double way = stretch(moment.t, start, start + fallTime);
             if (way >= 1)
                 lying.push_back(shardAt(shard, 1, out));
@@ -122,6 +124,9 @@ class Triangles : public Effect {
             for (const FallingShard &shard : falling)
                 lay(part, left, top, levels[shard.level], shard);
         });
+        // The triangles' sampling leaves shards up to a pixel beside the photograph that follows.
+        iBltFast32Alpha(out.pixels, levels[lightLevels - 1]->pixels, 0, 0, &frame, out.pitch, out.pitch,
+                        static_cast<float>(easeInOut(stretch(moment.t, 0.85, 1))));
     }
 
     static FallingShard shardAt(const Shard &shard, double way, const Surface &out) {
@@ -179,6 +184,16 @@ class Triangles : public Effect {
             corners[i] = {whole(2 * shard.corners[i].x) - left, whole(2 * shard.corners[i].y) - top};
         }
         blit(part, part.rect(), photo, corners, home);
+        // The edges catch the light. Lines stay away from the end of their clip, which is why it reaches into the
+        // margin.
+        tagRECT clip = {-3, -3, part.width + 3, part.height + 3};
+        const auto level = static_cast<q_ulong>(90 * clampUnit(shard.height * 7));
+        for (std::size_t i = 0; i < 3; ++i) {
+            const _POINTINT &from = corners[i];
+            const _POINTINT &to = corners[(i + 1) % 3];
+            iLine_AntiAliasing_Add(part.pixels, &clip, part.pitch, from.x, from.y, to.x, to.y,
+                                   level << 16 | level << 8 | level, 2);
+        }
     }
 
     static void blit(const Surface &out, tagRECT clip, const Surface &photo, std::array<_POINTINT, 3> corners,
