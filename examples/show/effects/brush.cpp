@@ -15,11 +15,11 @@ namespace show {
 
 namespace {
 
-constexpr int sections = 36;            // straight pieces of a stroke
-constexpr double paintingTime = 0.8;    // of the transition; then the last paint flows together
+constexpr int sections = 60;            // straight pieces of a stroke
+constexpr double paintingTime = 0.77;   // of the transition; then the last paint flows together
 constexpr double flowingTime = 0.2;     // from the end of a stroke on
 constexpr double dryingTime = 0.3;      // until the grain is gone
-constexpr q_ulong covering = 128;       // the thickness of paint through which nothing shows
+constexpr q_ulong covering = 132;       // a thickness of paint through which nothing shows
 constexpr double strokeOverlap = 1.4;   // thickness of a stroke in distances between strokes
 constexpr double strokeDuration = 1.45; // in the time from one stroke to the next
 
@@ -35,10 +35,10 @@ struct Strokes {
     Strokes(int frameWidth, int frameHeight, Random &random) : width(frameWidth) {
         slope = random.between(0.1, 0.2) * (random.below(2) == 0 ? -1 : 1);
         const double rise = std::abs(slope) * frameWidth;
-        count = std::clamp(static_cast<int>((frameHeight + rise) * 6 / frameHeight + 0.5), 3, 14);
+        count = std::clamp(static_cast<int>((frameHeight + rise) * 4 / frameHeight + 0.5), 3, 12);
         distance = (frameHeight + rise) / count;
         first = (distance - rise) / 2;
-        swing = 0.16 * distance;
+        swing = 0.13 * distance;
     }
 
     /// From 0 to 1 of the way from left to right, a little beyond the frame on both sides.
@@ -55,16 +55,16 @@ struct Bristle {
     double offset; // from -1 to 1 across the stroke
     double lag;    // how far it stays behind the brush, in lengths of the stroke
     double dryness;
-    q_ulong paint;
+    double paint;
     int thickness;
     std::uint64_t seed;
 
     Bristle(Random &random, double place, double unit) : offset(place + random.between(-0.02, 0.02)) {
         const double rim = std::abs(place);
         lag = 0.035 * (1 - std::sqrt(1 - std::min(rim * rim, 1.0))) + random.between(0, 0.035);
-        dryness = random.between(0, 0.16) + 0.5 * stretch(rim, 0.75, 1);
-        paint = covering + static_cast<q_ulong>(random.between(8, 120));
-        thickness = std::max(static_cast<int>(unit * random.between(2, 5.5)), 1);
+        dryness = random.between(0.1, 0.65) + 0.45 * stretch(rim, 0.7, 1);
+        paint = random.between(covering + 8, 250);
+        thickness = std::max(static_cast<int>(unit * random.between(1, 4.5) + 0.5), 1);
         seed = random.next();
     }
 };
@@ -105,7 +105,7 @@ class Brush : public Effect {
             const double way = stretch(moment.t, step * stroke, endOf(stroke));
             const double wet = 1 - easeInOut(stretch(moment.t, endOf(stroke), endOf(stroke) + dryingTime));
             Random chance(seedOf(seed, stroke));
-            const auto count = static_cast<int>(strokeOverlap * strokes.distance / (3 * unit)) + 2;
+            const auto count = static_cast<int>(strokeOverlap * strokes.distance / (2.2 * unit)) + 2;
             for (int i = 0; i < count && way > 0; ++i) {
                 const Bristle bristle(chance, 2.0 * i / (count - 1) - 1, unit);
                 drag(paint, strokes, stroke, bristle, mix(way, easeInOut(way), 0.7), static_cast<q_ulong>(255 * wet));
@@ -132,24 +132,34 @@ class Brush : public Effect {
             return tagPOINT{static_cast<q_long>(std::floor(strokes.column(fromLeft))),
                             static_cast<q_long>(std::floor(strokes.row(stroke, fromLeft) + offset))};
         };
+        // How well the bristle touches the canvas changes along its way.
+        constexpr int sectionsToAChange = 5;
         Random random(bristle.seed);
+        double touch = random.unit();
+        double nextTouch = random.unit();
         tagPOINT from = pointAt(0);
         for (int i = 0; i < sections && i < reach * sections; ++i) {
+            if (i % sectionsToAChange == 0) {
+                touch = nextTouch;
+                nextTouch = random.unit();
+            }
             const double along = static_cast<double>(i) / sections;
             const tagPOINT to = pointAt(std::min(reach, along + 1.0 / sections));
             // Toward its end the brush has less to give.
-            const bool leavesPaint = random.unit() > bristle.dryness * (0.4 + along);
-            if (leavesPaint)
+            const double pressed = mix(touch, nextTouch, i % sectionsToAChange / double{sectionsToAChange});
+            const double given = clampUnit((pressed - bristle.dryness * mix(0.25, 0.85, along)) * 4 + 1);
+            if (given > 0.1)
                 iLine_AntiAliasing_Max(paint.pixels, &clip, paint.pitch, static_cast<int>(from.x),
                                        static_cast<int>(from.y), static_cast<int>(to.x), static_cast<int>(to.y),
-                                       wet << 8 | bristle.paint, bristle.thickness);
+                                       wet << 8 | static_cast<q_ulong>(bristle.paint * given), bristle.thickness);
             from = to;
         }
     }
 
     static void layFlowed(const Surface &paint, const Strokes &strokes, int stroke, q_ulong thickness) {
         tagRECT clip = paint.rect();
-        const double half = strokes.distance * 0.54;
+        // Neighbours may bend away from each other.
+        const double half = strokes.distance / 2 + strokes.swing + 1;
         for (int i = 0; i < sections; ++i) {
             const double ends[] = {static_cast<double>(i) / sections, static_cast<double>(i + 1) / sections};
             tagPOINT points[4];
