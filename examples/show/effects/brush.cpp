@@ -18,7 +18,7 @@ namespace {
 constexpr int sections = 60;            // straight pieces of a stroke
 constexpr double paintingTime = 0.77;   // of the transition; then the last paint flows together
 constexpr double flowingTime = 0.2;     // from the end of a stroke on
-constexpr double dryingTime = 0.3;      // until the grain is gone
+constexpr double dryingTime = 0.22;     // until the grain is gone
 constexpr q_ulong covering = 132;       // a thickness of paint through which nothing shows
 constexpr double strokeOverlap = 1.4;   // thickness of a stroke in distances between strokes
 constexpr double strokeDuration = 1.45; // in the time from one stroke to the next

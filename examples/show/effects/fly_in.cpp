@@ -122,8 +122,8 @@ class FlyIn : public Effect {
                 else if (way > 0)
                     flying.push_back(pieceInFlight(home, chance, way, out.width, out.height));
             }
-        std::sort(flying.begin(), flying.end(),
-                  [](const Piece &lower, const Piece &higher) { return lower.height < higher.height; });
+        std::stable_sort(flying.begin(), flying.end(),
+                         [](const Piece &lower, const Piece &higher) { return lower.height < higher.height; });
         if (!flying.empty()) {
             layShadows(stage, out, flying);
             for (const Piece &piece : flying)

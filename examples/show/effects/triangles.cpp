@@ -112,8 +112,9 @@ class Triangles : public Effect {
             else if (way > 0)
                 falling.push_back(shardAt(shard, way, out));
         }
-        std::sort(falling.begin(), falling.end(),
-                  [](const FallingShard &lower, const FallingShard &higher) { return lower.height < higher.height; });
+        std::stable_sort(falling.begin(), falling.end(), [](const FallingShard &lower, const FallingShard &higher) {
+            return lower.height < higher.height;
+        });
         for (const FallingShard &shard : lying)
             reveal(ground, levels[lightLevels - 1], shard);
         if (!falling.empty())
