@@ -11,25 +11,17 @@
 
 namespace show {
 
-/// A place on the frame, in pixels.
-struct Shade {
-    double left;
-    double top;
-    double right;
-    double bottom;
-};
-
 /// Fills `out` with the blurred mixture of two pictures of its size, `t` of the second one, at `brightness`. A soft
 /// shadow lies on it around `shade`.
 inline void drawBackdrop(Stage &stage, const Surface &out, const Surface &first, const Surface &second, double t,
-                         double brightness, const Shade &shade) {
+                         double brightness, const View &shade) {
     // All of it at an eighth of the size, which is the larger part of the blur.
     constexpr int halvings = 3;
     const Stage::Plane planes[] = {stage.plane(), stage.plane(), stage.plane()};
     const auto reduce = [&](const Surface &picture, const Surface &result) {
         Surface large = picture;
         for (int i = 0; i < halvings; ++i) {
-            const Surface &target = i + 1 < halvings ? *planes[i].operator->() : result;
+            const Surface &target = i + 1 < halvings ? static_cast<const Surface &>(planes[i]) : result;
             const Surface half = target.cropped((large.width + 1) / 2, (large.height + 1) / 2);
             drawHalved(half, large);
             large = half;
@@ -52,7 +44,8 @@ inline void drawBackdrop(Stage &stage, const Surface &out, const Surface &first,
     const auto row = [&](double y) {
         return std::clamp(static_cast<q_long>(y * small.height / out.height), q_long{0}, q_long{small.height});
     };
-    tagRECT dark = {column(shade.left), row(shade.top), column(shade.right), row(shade.bottom)};
+    tagRECT dark = {column(shade.left), row(shade.top), column(shade.left + shade.width),
+                    row(shade.top + shade.height)};
     iFadeOut32(small.pixels, &dark, small.pitch, 0.3F);
     blur(std::min(4, least / 2));
     blur(std::min(2, least / 2));

@@ -5,8 +5,8 @@
 // iBltFast32Alpha (edges), iFadeOut32 (light), iBltPerfect32 (by drawView).
 
 #include "../effect.h"
+#include "../flight.h"
 #include "../random.h"
-#include "../table_angle.h"
 
 #include <algorithm>
 #include <array>
@@ -19,11 +19,6 @@ namespace {
 
 constexpr int piecesAcross = 5;    // the frame's shorter side
 constexpr double flightTime = 0.6; // of the transition
-
-struct Place {
-    double x;
-    double y;
-};
 
 using Corners = std::array<Place, 4>;
 
@@ -64,31 +59,20 @@ Piece pieceInFlight(tagRECT home, const Chance &chance, double way, int frameWid
     const Place place = {middle.x + away * (besideX * cosine(bend) - besideY * sine(bend)),
                          middle.y + away * (besideX * sine(bend) + besideY * cosine(bend))};
 
-    const double distance = 1.6 * unit;
     const double height = easeInOut(1 - way);
-    const double rise = 0.5 * unit * height;
-    const double tilt = chance.tilt * height;
-    const double roll = chance.roll * height;
+    const Attitude attitude = {place, 0.5 * unit * height, chance.roll * height, chance.axis, chance.tilt * height};
     Piece piece = {home, height, 1, {}, {}};
     const double sideX[] = {-1, 1, 1, -1};
     const double sideY[] = {-1, -1, 1, 1};
     for (std::size_t i = 0; i < 4; ++i) {
-        const double x = sideX[i] * static_cast<double>(home.right - home.left) / 2;
-        const double y = sideY[i] * static_cast<double>(home.bottom - home.top) / 2;
-        const double turnedX = x * cosine(roll) - y * sine(roll);
-        const double turnedY = x * sine(roll) + y * cosine(roll);
-        // Tilted about an axis that lies in the plane: what is across the axis leaves the plane.
-        const double along = turnedX * cosine(chance.axis) + turnedY * sine(chance.axis);
-        const double across = (turnedY * cosine(chance.axis) - turnedX * sine(chance.axis)) * cosine(tilt);
-        const double depth = (turnedY * cosine(chance.axis) - turnedX * sine(chance.axis)) * sine(tilt);
-        const double tiltedX = along * cosine(chance.axis) - across * sine(chance.axis);
-        const double tiltedY = along * sine(chance.axis) + across * cosine(chance.axis);
-        const double scale = distance / (distance - rise - depth);
-        piece.corners[i] = {place.x + tiltedX * scale, place.y + tiltedY * scale};
-        piece.shadow[i] = {place.x + 0.3 * rise + tiltedX, place.y + 0.5 * rise + tiltedY};
+        const Place corner = {sideX[i] * static_cast<double>(home.right - home.left) / 2,
+                              sideY[i] * static_cast<double>(home.bottom - home.top) / 2};
+        const SeenPoint seen = seenPoint(attitude, corner, 1.6 * unit);
+        piece.corners[i] = seen.place;
+        piece.shadow[i] = seen.shadow;
     }
     // Brighter where it leans towards the light, from above, and darker away from it.
-    piece.light = 0.86 + 0.14 * cosine(tilt) - 0.26 * sine(tilt) * cosine(chance.axis);
+    piece.light = 0.86 + 0.14 * cosine(attitude.tilt) - 0.26 * sine(attitude.tilt) * cosine(chance.axis);
     return piece;
 }
 
@@ -124,35 +108,16 @@ class FlyIn : public Effect {
             }
         std::stable_sort(flying.begin(), flying.end(),
                          [](const Piece &lower, const Piece &higher) { return lower.height < higher.height; });
-        if (!flying.empty()) {
-            layShadows(stage, out, flying);
-            for (const Piece &piece : flying)
-                lay(stage, out, after, piece);
-        }
+        std::vector<Shadow> shadows;
+        for (const Piece &piece : flying)
+            shadows.push_back({piece.shadow, 150 * clampUnit(piece.height * 6)});
+        castShadows(stage, out, shadows, out.height / 24);
+        for (const Piece &piece : flying)
+            lay(stage, out, after, piece);
 
-        tagRECT frame = out.rect();
-        for (q_long y = frame.top; y < frame.bottom; ++y)
-            for (q_long x = frame.left; x < frame.right; ++x)
-                *out.at(static_cast<int>(x), static_cast<int>(y)) &= 0xFFFFFF;
-    }
-
-    /// The pieces' shadows, all in one layer whose top bytes are blurred.
-    static void layShadows(Stage &stage, const Surface &out, const std::vector<Piece> &pieces) {
-        const Stage::Plane layer = stage.plane();
-        const Stage::Plane blurred = stage.plane();
-        tagRECT frame = out.rect();
-        iFillRect(layer->pixels, &frame, layer->pitch, 0);
-        for (const Piece &piece : pieces) {
-            std::array<tagPOINT, 4> points;
-            for (std::size_t i = 0; i < 4; ++i)
-                points[i] = {whole(piece.shadow[i].x), whole(piece.shadow[i].y)};
-            q_ulong colour = static_cast<q_ulong>(150 * clampUnit(piece.height * 6)) << 24;
-            Rect_Safe(layer->pixels, &frame, layer->pitch, &points[0], &points[1], &points[2], &points[3], &colour);
-        }
-        const int softness = std::min({out.height / 24, out.width - 1, out.height - 1});
-        Hor_Blur32(blurred->pixels, layer->pixels, softness, out.width, out.height, out.pitch);
-        Ver_Blur32(layer->pixels, blurred->pixels, softness, out.width, out.height, out.pitch);
-        iBltFast32AlphaChannelSafe(out.pixels, layer->pixels, 0, 0, &frame, &frame, out.pitch, layer->pitch);
+        for (int y = 0; y < out.height; ++y)
+            for (int x = 0; x < out.width; ++x)
+                *out.at(x, y) &= 0xFFFFFF;
     }
 
     void lay(Stage &stage, const Surface &out, const Surface &photo, const Piece &piece) const {
@@ -164,10 +129,10 @@ class FlyIn : public Effect {
             std::minmax_element(piece.corners.begin(), piece.corners.end(), compare(&Place::x));
         const auto [topmost, lowest] =
             std::minmax_element(piece.corners.begin(), piece.corners.end(), compare(&Place::y));
-        const q_long left = whole(leftmost->x) - 1;
-        const q_long top = whole(topmost->y) - 1;
-        const int width = static_cast<int>(whole(rightmost->x) + 2 - left);
-        const int height = static_cast<int>(whole(lowest->y) + 2 - top);
+        const int left = wholePixel(leftmost->x) - 1;
+        const int top = wholePixel(topmost->y) - 1;
+        const int width = wholePixel(rightmost->x) + 2 - left;
+        const int height = wholePixel(lowest->y) + 2 - top;
         if (left >= out.width || top >= out.height || left + width <= 0 || top + height <= 0 || 2 * width > out.width ||
             2 * height > out.height)
             return;
@@ -182,8 +147,8 @@ class FlyIn : public Effect {
         std::array<int, 4> x;
         std::array<int, 4> y;
         for (std::size_t i = 0; i < 4; ++i) {
-            x[i] = static_cast<int>(whole(2 * (piece.corners[i].x - static_cast<double>(left))));
-            y[i] = static_cast<int>(whole(2 * (piece.corners[i].y - static_cast<double>(top))));
+            x[i] = wholePixel(2 * (piece.corners[i].x - left));
+            y[i] = wholePixel(2 * (piece.corners[i].y - top));
         }
         iPsudoBilinearMapping(warped.pixels, source.pixels, scratch.pixels, warped.pitch, warped.width, warped.height,
                               0, x[0], x[1], x[2], x[3], y[0], y[1], y[2], y[3]);
@@ -192,8 +157,7 @@ class FlyIn : public Effect {
         halve(sprite, warped);
         tagRECT all = sprite.rect();
         tagRECT frame = out.rect();
-        iBltFast32AlphaChannelSafe(out.pixels, sprite.pixels, static_cast<int>(left), static_cast<int>(top), &all,
-                                   &frame, out.pitch, sprite.pitch);
+        iBltFast32AlphaChannelSafe(out.pixels, sprite.pixels, left, top, &all, &frame, out.pitch, sprite.pitch);
     }
 
     /// The piece of the photograph stretched over the whole of `source`, lit, with a bright edge while it is high up.
@@ -242,8 +206,6 @@ class FlyIn : public Effect {
                 *half.at(x, y) = (count * 64 - 1) << 24 | red << 16 | (green / count & 0xFF00) | blue;
             }
     }
-
-    static q_long whole(double position) { return static_cast<q_long>(std::floor(position + 0.5)); }
 
     Canvas white;
     int columns = 1;

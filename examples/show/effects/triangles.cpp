@@ -6,9 +6,9 @@
 // iLine_AntiAliasing_Add (light), iBltFast32Alpha.
 
 #include "../effect.h"
+#include "../flight.h"
 #include "../random.h"
 #include "../supersampling.h"
-#include "../table_angle.h"
 
 #include <algorithm>
 #include <array>
@@ -23,11 +23,6 @@ constexpr int cellsAcross = 4;   // the frame's shorter side
 constexpr double fallTime = 0.5; // of the transition
 constexpr int lightLevels = 6;
 constexpr double darkest = 0.45;
-
-struct Place {
-    double x;
-    double y;
-};
 
 /// A shard of the photograph.
 struct Shard {
@@ -117,8 +112,11 @@ class Triangles : public Effect {
         });
         for (const FallingShard &shard : lying)
             reveal(ground, levels[lightLevels - 1], shard);
-        if (!falling.empty())
-            layShadows(stage, ground, falling);
+        std::vector<Shadow> shadows;
+        for (const FallingShard &shard : falling)
+            shadows.push_back({{shard.shadow[0], shard.shadow[1], shard.shadow[2], shard.shadow[2]},
+                               140 * clampUnit(shard.height * 8)});
+        castShadows(stage, ground, shadows, out.height / 30);
 
         drawSupersampled(stage, out, [&](const Surface &part, int left, int top) {
             drawDoubled(part, ground, left, top);
@@ -133,37 +131,26 @@ class Triangles : public Effect {
     static FallingShard shardAt(const Shard &shard, double way, const Surface &out) {
         const double unit = out.height;
         const double height = (1 - way) * (1 - way);
-        const double distance = 1.5 * unit;
-        const double rise = 0.75 * unit * height;
-        const double turn = shard.turn * height;
-        const double spin = shard.spin * height;
         Place middle = {0, 0};
         for (const tagPOINT &corner : shard.home) {
             middle.x += static_cast<double>(corner.x) / 3;
             middle.y += static_cast<double>(corner.y) / 3;
         }
         const Place place = {middle.x + shard.drift * unit * height, middle.y - 1.45 * unit * height};
-
+        const Attitude attitude = {place, 0.75 * unit * height, shard.spin * height, shard.axis, shard.turn * height};
         FallingShard result = {shard.home, {}, {}, height, lightLevels - 1};
         for (std::size_t i = 0; i < 3; ++i) {
-            const double x = static_cast<double>(shard.home[i].x) - middle.x;
-            const double y = static_cast<double>(shard.home[i].y) - middle.y;
-            const double turnedX = x * cosine(spin) - y * sine(spin);
-            const double turnedY = x * sine(spin) + y * cosine(spin);
-            // What is across the axis leaves the plane.
-            const double along = turnedX * cosine(shard.axis) + turnedY * sine(shard.axis);
-            const double beside = turnedY * cosine(shard.axis) - turnedX * sine(shard.axis);
-            const double across = beside * cosine(turn);
-            const double scale = distance / (distance - rise - beside * sine(turn));
-            const double tiltedX = along * cosine(shard.axis) - across * sine(shard.axis);
-            const double tiltedY = along * sine(shard.axis) + across * cosine(shard.axis);
-            result.corners[i] = {place.x + tiltedX * scale, place.y + tiltedY * scale};
-            result.shadow[i] = {place.x + 0.1 * rise + tiltedX, place.y + 0.25 * rise + tiltedY};
+            const tagPOINT &corner = shard.home[i];
+            const SeenPoint seen = seenPoint(
+                attitude, {static_cast<double>(corner.x) - middle.x, static_cast<double>(corner.y) - middle.y},
+                1.5 * unit);
+            result.corners[i] = seen.place;
+            result.shadow[i] = seen.shadow;
         }
         // The face turned to the light, from above, is bright, and the back of a shard is dark.
-        const double facing = cosine(turn);
-        const double light =
-            clampUnit(mix(facing < 0 ? 0 : 0.35, 1, std::abs(facing)) - 0.35 * sine(turn) * cosine(shard.axis));
+        const double facing = cosine(attitude.tilt);
+        const double light = clampUnit(mix(facing < 0 ? 0 : 0.35, 1, std::abs(facing)) -
+                                       0.35 * sine(attitude.tilt) * cosine(shard.axis));
         result.level = static_cast<std::size_t>(light * (lightLevels - 1) + 0.5);
         return result;
     }
@@ -182,7 +169,7 @@ class Triangles : public Effect {
         std::array<_POINTINT, 3> corners;
         for (std::size_t i = 0; i < 3; ++i) {
             home[i] = {static_cast<int>(shard.home[i].x), static_cast<int>(shard.home[i].y)};
-            corners[i] = {whole(2 * shard.corners[i].x) - left, whole(2 * shard.corners[i].y) - top};
+            corners[i] = {wholePixel(2 * shard.corners[i].x) - left, wholePixel(2 * shard.corners[i].y) - top};
         }
         blit(part, part.rect(), photo, corners, home);
         // The edges catch the light. Lines stay away from the end of their clip, which is why it reaches into the
@@ -202,26 +189,6 @@ class Triangles : public Effect {
         Blt_Triangle(out.pixels, &clip, out.pitch, &corners[0], &corners[1], &corners[2], photo.pixels, photo.pitch,
                      &home[0], &home[1], &home[2]);
     }
-
-    static void layShadows(Stage &stage, const Surface &out, const std::vector<FallingShard> &shards) {
-        const Stage::Plane layer = stage.plane();
-        const Stage::Plane blurred = stage.plane();
-        tagRECT frame = out.rect();
-        iFillRect(layer->pixels, &frame, layer->pitch, 0);
-        for (const FallingShard &shard : shards) {
-            std::array<tagPOINT, 3> points;
-            for (std::size_t i = 0; i < 3; ++i)
-                points[i] = {whole(shard.shadow[i].x), whole(shard.shadow[i].y)};
-            q_ulong colour = static_cast<q_ulong>(140 * clampUnit(shard.height * 8)) << 24;
-            Rect_Safe(layer->pixels, &frame, layer->pitch, &points[0], &points[1], &points[2], &points[2], &colour);
-        }
-        const int softness = std::min({out.height / 30, out.width - 1, out.height - 1});
-        Hor_Blur32(blurred->pixels, layer->pixels, softness, out.width, out.height, out.pitch);
-        Ver_Blur32(layer->pixels, blurred->pixels, softness, out.width, out.height, out.pitch);
-        iBltFast32AlphaChannelSafe(out.pixels, layer->pixels, 0, 0, &frame, &frame, out.pitch, layer->pitch);
-    }
-
-    static int whole(double position) { return static_cast<int>(std::floor(position + 0.5)); }
 
     std::vector<Shard> shards;
 };

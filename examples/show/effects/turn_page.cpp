@@ -95,8 +95,8 @@ class TurnPage : public Effect {
         const double halfHeight = out.height * size / 2;
         const double soft = out.height / 24.0;
         drawBackdrop(stage, backdrop, before, after, moment.t, 0.5,
-                     {out.width / 2 - halfWidth - soft, out.height / 2 - halfHeight, out.width / 2 + halfWidth + soft,
-                      out.height / 2 + halfHeight + 2 * soft});
+                     {out.width / 2 - halfWidth - soft, out.height / 2 - halfHeight, 2 * (halfWidth + soft),
+                      2 * (halfHeight + soft)});
 
         const Page page = bentPage(stretch(moment.t, 0.06, 0.94), out.width);
         const int margin = static_cast<int>(away * out.height / 32);
