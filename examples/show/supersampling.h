@@ -25,7 +25,8 @@ void drawSupersampled(Stage &stage, const Surface &out, const Draw &draw) {
             // With an odd size this is a pixel more than the plane's own size, and still inside its margin.
             const Surface part = plane->cropped(2 * width, 2 * height);
             draw(part, 2 * left, 2 * top);
-            drawHalved({out.at(left, top), width, height, out.pitch}, part);
+            // As drawHalved() does, whose edges around the part the margin would not hold then.
+            drawView({out.at(left, top), width, height, out.pitch}, part, {0.5, 0.5, 2.0 * width, 2.0 * height});
         }
 }
 

@@ -141,7 +141,7 @@ class FlyIn : public Effect {
         const Surface source = planes[0]->cropped(2 * width, 2 * height);
         const Surface scratch = planes[1]->cropped(2 * width, 2 * height);
         const Surface warped = planes[2]->cropped(2 * width, 2 * height);
-        drawSource(source, photo, piece, out.height);
+        drawSource(source, photo, piece, std::min(out.width, out.height) / 144);
         tagRECT rect = scratch.rect();
         iFillRect(scratch.pixels, &rect, scratch.pitch, 0);
         std::array<int, 4> x;
@@ -160,16 +160,17 @@ class FlyIn : public Effect {
         iBltFast32AlphaChannelSafe(out.pixels, sprite.pixels, left, top, &all, &frame, out.pitch, sprite.pitch);
     }
 
-    /// The piece of the photograph stretched over the whole of `source`, lit, with a bright edge while it is high up.
-    void drawSource(const Surface &source, const Surface &photo, const Piece &piece, int frameHeight) const {
+    /// The piece of the photograph stretched over the whole of `source`, lit, with a bright edge while it is high up,
+    /// `edge` pixels wide before it is stretched.
+    void drawSource(const Surface &source, const Surface &photo, const Piece &piece, int edge) const {
         const tagRECT &home = piece.home;
         drawView(source, photo,
                  {static_cast<double>(home.left), static_cast<double>(home.top),
                   static_cast<double>(home.right - home.left), static_cast<double>(home.bottom - home.top)});
         const q_long width = source.width;
         const q_long height = source.height;
-        const q_long edgeX = width * frameHeight / 144 / (home.right - home.left);
-        const q_long edgeY = height * frameHeight / 144 / (home.bottom - home.top);
+        const q_long edgeX = width * edge / (home.right - home.left);
+        const q_long edgeY = height * edge / (home.bottom - home.top);
         const double strength = clampUnit(piece.height * 5);
         for (tagRECT band :
              {tagRECT{0, 0, width, edgeY}, tagRECT{0, height - edgeY, width, height},
