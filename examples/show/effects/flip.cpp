@@ -52,6 +52,7 @@ class Flip : public Effect {
         drawShot(stage, before, moment.a);
         drawShot(stage, after, moment.b);
         drawBackdrop(stage, still, before, after, moment.t, 0.45, {});
+        extendEdges(after); // the back of a card is read one row further than the card
 
         std::vector<Card> moving;
         Random random(moment.b.seed);

@@ -90,6 +90,7 @@ class FlyIn : public Effect {
         const Stage::Plane after = stage.plane();
         drawShot(stage, out, moment.a);
         drawShot(stage, after, moment.b);
+        extendEdges(after);
 
         std::vector<Piece> flying;
         Random random(moment.b.seed);

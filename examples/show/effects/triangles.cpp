@@ -95,6 +95,9 @@ class Triangles : public Effect {
             iBltFast32(level.pixels, levels[lightLevels - 1]->pixels, 0, 0, &frame, level.pitch, level.pitch);
             iFadeOut32(level.pixels, &frame, level.pitch, static_cast<float>(mix(darkest, 1, i / (lightLevels - 1.0))));
         }
+        // Sampling reaches the lower end of a shard a little early, and what lies behind it.
+        for (const Stage::Plane &level : levels)
+            extendEdges(level);
 
         std::vector<FallingShard> lying;
         std::vector<FallingShard> falling;
