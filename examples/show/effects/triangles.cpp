@@ -1,0 +1,206 @@
+// The next photograph comes down in triangular shards that tumble, grow smaller as they fall away from the eye, and fit
+// together.
+//
+// Uses Blt_Triangle (the shards), Rect_Safe, Hor_Blur32 and Ver_Blur32 (shadows), iBltFast32AlphaChannelSafe,
+// iFadeOut32 and
+// iLine_AntiAliasing_Add (light), iBltFast32Alpha.
+
+#include "../effect.h"
+#include "../flight.h"
+#include "../random.h"
+#include "../supersampling.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+namespace show {
+
+namespace {
+
+constexpr int cellsAcross = 4;   // the frame's shorter side
+constexpr double fallTime = 0.5; // of the transition
+constexpr int lightLevels = 6;
+constexpr double darkest = 0.45;
+
+/// A shard of the photograph.
+struct Shard {
+    std::array<tagPOINT, 3> home;
+    double start; ///< when it sets off: 0 to 1 of the time that is left before the last one does
+    double axis;
+    double turn; ///< radians through which it tumbles about an axis in its plane
+    double spin; ///< and about its own middle
+    double drift;
+};
+
+/// A shard at a moment of its fall.
+struct FallingShard {
+    std::array<tagPOINT, 3> home;
+    std::array<Place, 3> corners;
+    std::array<Place, 3> shadow;
+    double height; ///< above the photograph, from 1 to 0
+    std::size_t level;
+};
+
+class Triangles : public Effect {
+    /// A grid whose inner points are moved by chance, each of its cells cut in two.
+    void prepare(int width, int height) override {
+        const double side = std::min(width, height) / static_cast<double>(cellsAcross);
+        const int columns = static_cast<int>(width / side + 0.5);
+        const int rows = static_cast<int>(height / side + 0.5);
+        Random random(7);
+        std::vector<tagPOINT> points;
+        for (int row = 0; row <= rows; ++row)
+            for (int column = 0; column <= columns; ++column) {
+                const double x = random.between(-0.3, 0.3);
+                const double y = random.between(-0.3, 0.3);
+                const bool onSide = column == 0 || column == columns;
+                const bool onEnd = row == 0 || row == rows;
+                points.push_back({static_cast<q_long>((column + (onSide ? 0 : x)) * width / columns),
+                                  static_cast<q_long>((row + (onEnd ? 0 : y)) * height / rows)});
+            }
+        for (int row = 0; row < rows; ++row)
+            for (int column = 0; column < columns; ++column) {
+                const auto upperLeft = points.begin() + row * (columns + 1) + column;
+                const tagPOINT corners[] = {upperLeft[0], upperLeft[1], upperLeft[columns + 2], upperLeft[columns + 1]};
+                const auto first = static_cast<std::size_t>(random.below(2));
+                for (const std::size_t i : {first, first + 2})
+                    shards.push_back(
+                        shardOf({corners[i % 4], corners[(i + 1) % 4], corners[(i + 2) % 4]}, random, height));
+            }
+    }
+
+    static Shard shardOf(const std::array<tagPOINT, 3> &home, Random &random, int height) {
+        Shard shard = {home, 0, 0, 0, 0, 0};
+        const double middle = static_cast<double>(home[0].y + home[1].y + home[2].y) / 3;
+        // The lower ones first, though not in rank and file.
+        shard.start = clampUnit(0.72 * (1 - middle / height) + random.between(0, 0.28));
+        shard.axis = random.between(0, 2 * halfCircle);
+        shard.turn = random.between(2.5, 6) * (random.below(2) == 0 ? -1 : 1);
+        shard.spin = random.between(0.4, 1.4) * (random.below(2) == 0 ? -1 : 1);
+        shard.drift = random.between(-0.35, 0.35);
+        return shard;
+    }
+
+    void render(Stage &stage, const Surface &out, const Moment &moment) const override {
+        const Stage::Plane ground = stage.plane();
+        const Stage::Plane levels[lightLevels] = {stage.plane(), stage.plane(), stage.plane(),
+                                                  stage.plane(), stage.plane(), stage.plane()};
+        drawShot(stage, ground, moment.a);
+        drawShot(stage, levels[lightLevels - 1], moment.b);
+        tagRECT frame = out.rect();
+        for (int i = 0; i + 1 < lightLevels; ++i) {
+            const Surface &level = levels[i];
+            iBltFast32(level.pixels, levels[lightLevels - 1]->pixels, 0, 0, &frame, level.pitch, level.pitch);
+            iFadeOut32(level.pixels, &frame, level.pitch, static_cast<float>(mix(darkest, 1, i / (lightLevels - 1.0))));
+        }
+        // Sampling reaches the lower end of a shard a little early, and what lies behind it.
+        for (const Stage::Plane &level : levels)
+            extendEdges(level);
+
+        std::vector<FallingShard> lying;
+        std::vector<FallingShard> falling;
+        for (const Shard &shard : shards) {
+            // The first ones have come some of their way already, and are not yet to be seen.
+            const double start = mix(-0.05, 0.94 - fallTime, shard.start);
+            const double way = stretch(moment.t, start, start + fallTime);
+            if (way >= 1)
+                lying.push_back(shardAt(shard, 1, out));
+            else if (way > 0)
+                falling.push_back(shardAt(shard, way, out));
+        }
+        std::stable_sort(falling.begin(), falling.end(), [](const FallingShard &lower, const FallingShard &higher) {
+            return lower.height < higher.height;
+        });
+        for (const FallingShard &shard : lying)
+            reveal(ground, levels[lightLevels - 1], shard);
+        std::vector<Shadow> shadows;
+        for (const FallingShard &shard : falling)
+            shadows.push_back({{shard.shadow[0], shard.shadow[1], shard.shadow[2], shard.shadow[2]},
+                               140 * clampUnit(shard.height * 8)});
+        castShadows(stage, ground, shadows, out.height / 30);
+
+        drawSupersampled(stage, out, [&](const Surface &part, int left, int top) {
+            drawDoubled(part, ground, left, top);
+            for (const FallingShard &shard : falling)
+                lay(part, left, top, levels[shard.level], shard);
+        });
+        // The triangles' sampling leaves shards up to a pixel beside the photograph that follows.
+        iBltFast32Alpha(out.pixels, levels[lightLevels - 1]->pixels, 0, 0, &frame, out.pitch, out.pitch,
+                        static_cast<float>(easeInOut(stretch(moment.t, 0.85, 1))));
+    }
+
+    static FallingShard shardAt(const Shard &shard, double way, const Surface &out) {
+        const double unit = out.height;
+        const double height = (1 - way) * (1 - way);
+        Place middle = {0, 0};
+        for (const tagPOINT &corner : shard.home) {
+            middle.x += static_cast<double>(corner.x) / 3;
+            middle.y += static_cast<double>(corner.y) / 3;
+        }
+        const Place place = {middle.x + shard.drift * unit * height, middle.y - 1.45 * unit * height};
+        const Attitude attitude = {place, 0.75 * unit * height, shard.spin * height, shard.axis, shard.turn * height};
+        FallingShard result = {shard.home, {}, {}, height, lightLevels - 1};
+        for (std::size_t i = 0; i < 3; ++i) {
+            const tagPOINT &corner = shard.home[i];
+            const SeenPoint seen = seenPoint(
+                attitude, {static_cast<double>(corner.x) - middle.x, static_cast<double>(corner.y) - middle.y},
+                1.5 * unit);
+            result.corners[i] = seen.place;
+            result.shadow[i] = seen.shadow;
+        }
+        // The face turned to the light, from above, is bright, and the back of a shard is dark.
+        const double facing = cosine(attitude.tilt);
+        const double light = clampUnit(mix(facing < 0 ? 0 : 0.35, 1, std::abs(facing)) -
+                                       0.35 * sine(attitude.tilt) * cosine(shard.axis));
+        result.level = static_cast<std::size_t>(light * (lightLevels - 1) + 0.5);
+        return result;
+    }
+
+    /// The shard in its place: the photograph's own pixels.
+    static void reveal(const Surface &ground, const Surface &photo, const FallingShard &shard) {
+        tagRECT frame = ground.rect();
+        std::array<_POINTINT, 3> home;
+        for (std::size_t i = 0; i < 3; ++i)
+            home[i] = {static_cast<int>(shard.home[i].x), static_cast<int>(shard.home[i].y)};
+        blit(ground, frame, photo, home, home);
+    }
+
+    static void lay(const Surface &part, int left, int top, const Surface &photo, const FallingShard &shard) {
+        std::array<_POINTINT, 3> home;
+        std::array<_POINTINT, 3> corners;
+        for (std::size_t i = 0; i < 3; ++i) {
+            home[i] = {static_cast<int>(shard.home[i].x), static_cast<int>(shard.home[i].y)};
+            corners[i] = {wholePixel(2 * shard.corners[i].x) - left, wholePixel(2 * shard.corners[i].y) - top};
+        }
+        blit(part, part.rect(), photo, corners, home);
+        // The edges catch the light. Lines stay away from the end of their clip, which is why it reaches into the
+        // margin.
+        tagRECT clip = {-3, -3, part.width + 3, part.height + 3};
+        const auto level = static_cast<q_ulong>(90 * clampUnit(shard.height * 7));
+        for (std::size_t i = 0; i < 3; ++i) {
+            const _POINTINT &from = corners[i];
+            const _POINTINT &to = corners[(i + 1) % 3];
+            iLine_AntiAliasing_Add(part.pixels, &clip, part.pitch, from.x, from.y, to.x, to.y,
+                                   level << 16 | level << 8 | level, 2);
+        }
+    }
+
+    static void blit(const Surface &out, tagRECT clip, const Surface &photo, std::array<_POINTINT, 3> corners,
+                     std::array<_POINTINT, 3> home) {
+        Blt_Triangle(out.pixels, &clip, out.pitch, &corners[0], &corners[1], &corners[2], photo.pixels, photo.pitch,
+                     &home[0], &home[1], &home[2]);
+    }
+
+    std::vector<Shard> shards;
+};
+
+} // namespace
+
+EffectInfo triangles() {
+    return {"triangles", Effect::Kind::transition, "shards rain down and fit together to the next photograph",
+            makeEffect<Triangles>};
+}
+
+} // namespace show

@@ -1,0 +1,86 @@
+/// \file
+/// Flat pieces of a photograph that tumble through the air above another one, and their shadows on it.
+#ifndef QMUR_SHOW_FLIGHT_H
+#define QMUR_SHOW_FLIGHT_H
+
+#include "stage.h"
+#include "table_angle.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+namespace show {
+
+struct Place {
+    double x;
+    double y;
+};
+
+/// A place or a length as the library takes it.
+inline int wholePixel(double position) {
+    return static_cast<int>(std::floor(position + 0.5));
+}
+
+/// How a piece lies in the air.
+struct Attitude {
+    Place middle; ///< of the piece, on the frame
+    double rise;  ///< its height above the photograph, in pixels
+    double roll;  ///< its turn in its plane
+    double axis;  ///< the direction of the line in the frame's plane about which it is tilted then
+    double tilt;
+};
+
+/// Where a point of a piece appears, and where its shadow falls.
+struct SeenPoint {
+    Place place;
+    Place shadow;
+};
+
+/// `fromMiddle` is the point's place in the piece, `eye` the height from which all is seen.
+inline SeenPoint seenPoint(const Attitude &attitude, Place fromMiddle, double eye) {
+    const double x = fromMiddle.x * cosine(attitude.roll) - fromMiddle.y * sine(attitude.roll);
+    const double y = fromMiddle.x * sine(attitude.roll) + fromMiddle.y * cosine(attitude.roll);
+    // What lies beside the axis leaves the plane.
+    const double along = x * cosine(attitude.axis) + y * sine(attitude.axis);
+    const double beside = y * cosine(attitude.axis) - x * sine(attitude.axis);
+    const double across = beside * cosine(attitude.tilt);
+    const double tiltedX = along * cosine(attitude.axis) - across * sine(attitude.axis);
+    const double tiltedY = along * sine(attitude.axis) + across * cosine(attitude.axis);
+    const double scale = eye / (eye - attitude.rise - beside * sine(attitude.tilt));
+    const Place &middle = attitude.middle;
+    return {{middle.x + tiltedX * scale, middle.y + tiltedY * scale},
+            {middle.x + 0.2 * attitude.rise + tiltedX, middle.y + 0.35 * attitude.rise + tiltedY}};
+}
+
+/// A shadow with four corners, of which two may be the same; its opacity goes up to 255.
+struct Shadow {
+    std::array<Place, 4> corners;
+    double opacity;
+};
+
+/// Lays shadows over `out`, of the stage's size, whose edges are `softness` pixels wide. Leaves top bytes as they come.
+inline void castShadows(Stage &stage, const Surface &out, const std::vector<Shadow> &shadows, int softness) {
+    if (shadows.empty())
+        return;
+    const Stage::Plane layer = stage.plane();
+    const Stage::Plane blurred = stage.plane();
+    tagRECT frame = out.rect();
+    iFillRect(layer->pixels, &frame, layer->pitch, 0);
+    for (const Shadow &shadow : shadows) {
+        std::array<tagPOINT, 4> points;
+        for (std::size_t i = 0; i < 4; ++i)
+            points[i] = {wholePixel(shadow.corners[i].x), wholePixel(shadow.corners[i].y)};
+        q_ulong colour = static_cast<q_ulong>(shadow.opacity) << 24;
+        Rect_Safe(layer->pixels, &frame, layer->pitch, &points[0], &points[1], &points[2], &points[3], &colour);
+    }
+    const int reach = std::min({softness, out.width - 1, out.height - 1});
+    Hor_Blur32(blurred->pixels, layer->pixels, reach, out.width, out.height, out.pitch);
+    Ver_Blur32(layer->pixels, blurred->pixels, reach, out.width, out.height, out.pitch);
+    iBltFast32AlphaChannelSafe(out.pixels, layer->pixels, 0, 0, &frame, &frame, out.pitch, layer->pitch);
+}
+
+} // namespace show
+
+#endif
