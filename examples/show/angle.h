@@ -18,6 +18,11 @@ inline double betweenEntries(const int *table, double turns) {
     return mix(table[index & 8191], table[(index + 1) & 8191], entries - index) / 32768;
 }
 
+/// The library's rotations take radians.
+constexpr double radiansIn(double turns) {
+    return turns * 6.283185307179586;
+}
+
 inline double sineOf(double turns) {
     return betweenEntries(iSin, turns);
 }

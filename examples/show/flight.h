@@ -3,8 +3,8 @@
 #ifndef QMUR_SHOW_FLIGHT_H
 #define QMUR_SHOW_FLIGHT_H
 
+#include "angle.h"
 #include "stage.h"
-#include "table_angle.h"
 
 #include <algorithm>
 #include <array>
@@ -27,7 +27,7 @@ inline int wholePixel(double position) {
 struct Attitude {
     Place middle; ///< of the piece, on the frame
     double rise;  ///< its height above the photograph, in pixels
-    double roll;  ///< its turn in its plane
+    double roll;  ///< its turn in its plane; angles are in turns
     double axis;  ///< the direction of the line in the frame's plane about which it is tilted then
     double tilt;
 };
@@ -40,15 +40,15 @@ struct SeenPoint {
 
 /// `fromMiddle` is the point's place in the piece, `eye` the height from which all is seen.
 inline SeenPoint seenPoint(const Attitude &attitude, Place fromMiddle, double eye) {
-    const double x = fromMiddle.x * cosine(attitude.roll) - fromMiddle.y * sine(attitude.roll);
-    const double y = fromMiddle.x * sine(attitude.roll) + fromMiddle.y * cosine(attitude.roll);
+    const double x = fromMiddle.x * cosineOf(attitude.roll) - fromMiddle.y * sineOf(attitude.roll);
+    const double y = fromMiddle.x * sineOf(attitude.roll) + fromMiddle.y * cosineOf(attitude.roll);
     // What lies beside the axis leaves the plane.
-    const double along = x * cosine(attitude.axis) + y * sine(attitude.axis);
-    const double beside = y * cosine(attitude.axis) - x * sine(attitude.axis);
-    const double across = beside * cosine(attitude.tilt);
-    const double tiltedX = along * cosine(attitude.axis) - across * sine(attitude.axis);
-    const double tiltedY = along * sine(attitude.axis) + across * cosine(attitude.axis);
-    const double scale = eye / (eye - attitude.rise - beside * sine(attitude.tilt));
+    const double along = x * cosineOf(attitude.axis) + y * sineOf(attitude.axis);
+    const double beside = y * cosineOf(attitude.axis) - x * sineOf(attitude.axis);
+    const double across = beside * cosineOf(attitude.tilt);
+    const double tiltedX = along * cosineOf(attitude.axis) - across * sineOf(attitude.axis);
+    const double tiltedY = along * sineOf(attitude.axis) + across * cosineOf(attitude.axis);
+    const double scale = eye / (eye - attitude.rise - beside * sineOf(attitude.tilt));
     const Place &middle = attitude.middle;
     return {{middle.x + tiltedX * scale, middle.y + tiltedY * scale},
             {middle.x + 0.2 * attitude.rise + tiltedX, middle.y + 0.35 * attitude.rise + tiltedY}};

@@ -26,6 +26,12 @@ public:
 
     double between(double low, double high) { return low + (high - low) * unit(); }
 
+    /// The same, on either side of 0.
+    double onEitherSide(double low, double high) {
+        const double size = between(low, high);
+        return below(2) == 0 ? -size : size;
+    }
+
     /// From 0 up to, not including, `count`.
     int below(int count) { return static_cast<int>(unit() * count); }
 

@@ -4,9 +4,9 @@
 // Uses iLine_AntiAliasing_Max (bristles), Rect_Safe (paint that flows together), Hor_Blur and Ver_Blur,
 // iBltFast32AlphaChannelSafe.
 
+#include "../angle.h"
 #include "../effect.h"
 #include "../random.h"
-#include "../table_angle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -33,7 +33,7 @@ struct Strokes {
     int width;    // of the frame
 
     Strokes(int frameWidth, int frameHeight, Random &random) : width(frameWidth) {
-        slope = random.between(0.1, 0.2) * (random.below(2) == 0 ? -1 : 1);
+        slope = random.onEitherSide(0.1, 0.2);
         const double rise = std::abs(slope) * frameWidth;
         count = std::clamp(static_cast<int>((frameHeight + rise) * 4 / frameHeight + 0.5), 3, 12);
         distance = (frameHeight + rise) / count;
@@ -45,7 +45,7 @@ struct Strokes {
     double column(double along) const { return mix(-0.12, 1.12, along) * width; }
 
     double row(int stroke, double along) const {
-        const double bend = sine(halfCircle * (2.3 * along + stroke));
+        const double bend = sineOf((2.3 * along + stroke) / 2);
         return first + stroke * distance + slope * (column(along) - width / 2.0) + swing * bend;
     }
 };

@@ -5,6 +5,7 @@
 // Draw_Light_Safe (gathered light), Draw_Star_Type1_Safe (gleam), iBltFast32AlphaChannelSafe and iBltPerfect32 (by
 // layDisc and drawView).
 
+#include "../angle.h"
 #include "../disc.h"
 #include "../effect.h"
 #include "../random.h"
@@ -34,10 +35,6 @@ constexpr int middleOfGlass(int size) {
 
 constexpr std::array<q_ulong, 5> hues = {0xBFE6FF, 0xD8D0FF, 0xC8FFF0, 0xFFE0F0, 0xFFF2D0};
 
-double sine(double turns) {
-    return iSin[static_cast<int>(std::floor(turns * 8192)) & 8191] / 32768.0;
-}
-
 /// One bubble's way. It depends on its own random numbers alone.
 struct Bubble {
     /// How many times its radius it has at the bottom, and above.
@@ -66,8 +63,8 @@ struct Bubble {
         const double risen = start + speed * seconds / way;
         const double share = risen - std::floor(risen);
         const double phase = swayPhase + swayTurns * seconds;
-        return {column * out.width + sway * (sine(phase) + 0.35 * sine(2.3 * phase)),
-                out.height + reach - share * way + 0.2 * sway * sine(1.7 * phase),
+        return {column * out.width + sway * (sineOf(phase) + 0.35 * sineOf(2.3 * phase)),
+                out.height + reach - share * way + 0.2 * sway * sineOf(1.7 * phase),
                 radius * mix(smallest, largest, share)};
     }
 };

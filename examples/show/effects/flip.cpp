@@ -3,11 +3,11 @@
 //
 // Uses iBltNear32_X_Roto, iFadeOut32 and iBltBilinear32_Add (light), iBltFast32, Blur_Rect (the backdrop).
 
+#include "../angle.h"
 #include "../backdrop.h"
 #include "../effect.h"
 #include "../random.h"
 #include "../supersampling.h"
-#include "../table_angle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -82,12 +82,12 @@ class Flip : public Effect {
 
     /// The card at `way` from 0 to 1 of its own way. Both of its faces take on the light in which it stands.
     Card lit(const Surface &before, const Surface &after, tagRECT place, double way) const {
-        const double angle = halfCircle * easeInOut(stretch(way, 0.08, 0.92));
+        const double angle = easeInOut(stretch(way, 0.08, 0.92)) / 2;
         const double drawnBack = easeInOut(clampUnit(std::min(way, 1 - way) * 5));
         // Light falls from above. The front turns towards it and flares up; the back comes out of the shadow.
-        const double facing = cosine(angle);
+        const double facing = cosineOf(angle);
         constexpr double brightest = 0.27; // of the half turn
-        const double passed = (angle / halfCircle - brightest) / 0.24;
+        const double passed = (2 * angle - brightest) / 0.24;
         if (std::abs(passed) < 1) {
             const auto top = static_cast<q_long>((glossRows - cardRows) / 2.0 * (1 + passed));
             tagRECT part = {0, top, glossColumns, top + cardRows};
@@ -104,7 +104,7 @@ class Flip : public Effect {
     static void lay(const Surface &part, int left, int top, const Surface &before, const Surface &after,
                     const Card &card) {
         // Edge-on there is nothing to be seen.
-        if (std::abs(cosine(card.angle)) < 0.004)
+        if (std::abs(cosineOf(card.angle)) < 0.004)
             return;
         const tagRECT &place = card.place;
         const double scale = 2 * card.size;
@@ -113,8 +113,9 @@ class Flip : public Effect {
         const tagPOINT pivot = {(place.left + place.right) / 2, (place.top + place.bottom) / 2};
         const tagPOINT centre = {place.left + place.right - left, place.top + place.bottom - top};
         // The row of the back is counted from the bottom of the card upward, and from the first row of its surface.
-        iBltNear32_X_Roto(part.pixels, before.pixels, after.at(0, static_cast<int>(place.top)), nullptr, card.angle,
-                          scale, perspective, place, centre, pivot, 0, 0, 0, part.pitch, part.width, part.height);
+        iBltNear32_X_Roto(part.pixels, before.pixels, after.at(0, static_cast<int>(place.top)), nullptr,
+                          radiansIn(card.angle), scale, perspective, place, centre, pivot, 0, 0, 0, part.pitch,
+                          part.width, part.height);
     }
 
     static void copy(const Surface &out, const Surface &from, tagRECT rect) {

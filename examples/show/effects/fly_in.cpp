@@ -31,8 +31,8 @@ struct Chance {
     double roll;
 
     explicit Chance(Random &random)
-        : start(random.unit()), direction(random.between(-0.5, 0.5)), axis(random.between(0, 2 * halfCircle)),
-          tilt(random.between(1.1, 1.5)), roll(random.between(0.6, 1.6) * (random.below(2) == 0 ? -1 : 1)) {}
+        : start(random.unit()), direction(random.between(-0.08, 0.08)), axis(random.unit()),
+          tilt(random.between(0.175, 0.24)), roll(random.onEitherSide(0.1, 0.25)) {}
 };
 
 /// A piece at a moment of its flight.
@@ -51,13 +51,13 @@ Piece pieceInFlight(tagRECT home, const Chance &chance, double way, int frameWid
 
     // It comes from beyond the frame, on a bent path, and from the side on which it is to lie.
     // What lies near the middle of the frame takes whatever side chance gives it.
-    const double besideX = middle.x - frameWidth / 2.0 + 0.12 * unit * cosine(chance.axis);
-    const double besideY = middle.y - frameHeight / 2.0 + 0.12 * unit * sine(chance.axis);
+    const double besideX = middle.x - frameWidth / 2.0 + 0.12 * unit * cosineOf(chance.axis);
+    const double besideY = middle.y - frameHeight / 2.0 + 0.12 * unit * sineOf(chance.axis);
     const double beside = std::sqrt(besideX * besideX + besideY * besideY) + 1;
-    const double bend = chance.direction + 1.1 * left;
+    const double bend = chance.direction + 0.175 * left;
     const double away = left * std::max(frameWidth, frameHeight) * 0.7 / beside;
-    const Place place = {middle.x + away * (besideX * cosine(bend) - besideY * sine(bend)),
-                         middle.y + away * (besideX * sine(bend) + besideY * cosine(bend))};
+    const Place place = {middle.x + away * (besideX * cosineOf(bend) - besideY * sineOf(bend)),
+                         middle.y + away * (besideX * sineOf(bend) + besideY * cosineOf(bend))};
 
     const double height = easeInOut(1 - way);
     const Attitude attitude = {place, 0.5 * unit * height, chance.roll * height, chance.axis, chance.tilt * height};
@@ -72,7 +72,7 @@ Piece pieceInFlight(tagRECT home, const Chance &chance, double way, int frameWid
         piece.shadow[i] = seen.shadow;
     }
     // Brighter where it leans towards the light, from above, and darker away from it.
-    piece.light = 0.86 + 0.14 * cosine(attitude.tilt) - 0.26 * sine(attitude.tilt) * cosine(chance.axis);
+    piece.light = 0.86 + 0.14 * cosineOf(attitude.tilt) - 0.26 * sineOf(attitude.tilt) * cosineOf(chance.axis);
     return piece;
 }
 

@@ -5,6 +5,7 @@
 // (stars), Draw_Light_Safe and Draw_Ring_Safe (lights and their halos), iLine_AntiAliasing_AddSome and
 // iLine_AntiAliasing_Add (falling stars), iBltFast32_Add with brightness and iFillRect (the dark).
 
+#include "../angle.h"
 #include "../effect.h"
 #include "../random.h"
 
@@ -19,18 +20,6 @@ namespace {
 
 constexpr std::array<q_ulong, 6> starColours = {0xFFFFFF, 0xDCE6FF, 0xBFD2FF, 0xFFF0D8, 0xFFDCB8, 0xE8F0FF};
 constexpr std::array<q_ulong, 6> lampColours = {0xFFA040, 0xFFB860, 0xFF8830, 0xFFC890, 0xFFA848, 0xA0C8FF};
-
-int steps(double turns) {
-    return static_cast<int>(std::floor(turns * 8192)) & 8191;
-}
-
-double sine(double turns) {
-    return iSin[steps(turns)] / 32768.0;
-}
-
-double cosine(double turns) {
-    return iCos[steps(turns)] / 32768.0;
-}
 
 q_ulong dimmed(q_ulong colour, double share) {
     const auto weight = static_cast<q_ulong>(clampUnit(share) * 256);
@@ -96,8 +85,8 @@ class Night : public Effect {
         const double poleX = 0.35 * out.width;
         const double poleY = 1.25 * out.height;
         const double turned = 0.009 * (shot.progress - 0.5);
-        const double across = cosine(turned);
-        const double down = sine(turned);
+        const double across = cosineOf(turned);
+        const double down = sineOf(turned);
         struct Place {
             double x;
             double y;
@@ -140,7 +129,8 @@ class Night : public Effect {
             const double late = random.between(0.2, 0.8);
             const q_ulong colour = starColours[static_cast<std::size_t>(random.below(starColours.size()))];
             const double shown = easeInOut(stretch(dusk, late, std::min(late + 0.25, 1.0)));
-            const double twinkle = 0.72 + 0.28 * sine(phase + speed * seconds) * sine(2.7 * speed * seconds - phase);
+            const double twinkle =
+                0.72 + 0.28 * sineOf(phase + speed * seconds) * sineOf(2.7 * speed * seconds - phase);
             if (place.x > -40 * unit && place.x < out.width + 40 * unit && place.y > -40 * unit)
                 drawStar(out, place.x, place.y, size, colour, shown * haze(place) * twinkle);
         }
@@ -210,7 +200,7 @@ class Night : public Effect {
             const double late = random.between(0.3, 0.85);
             const q_ulong colour = lampColours[static_cast<std::size_t>(random.below(lampColours.size()))];
             const double lit = easeInOut(stretch(dusk, late, std::min(late + 0.12, 1.0)));
-            const double pulse = 0.8 + 0.2 * sine(phase + speed * seconds);
+            const double pulse = 0.8 + 0.2 * sineOf(phase + speed * seconds);
             const double x = (column + panX) * out.width;
             const double y = (row + panY) * out.height;
             glow(out, x, y, unit * size * (0.9 + 0.1 * pulse), colour, lit * pulse);
@@ -256,10 +246,11 @@ class Night : public Effect {
             const double blink = random.between(0.25, 0.45);
             const double size = random.between(5, 9);
             const double turns = phase + speed * seconds;
-            const double x = column * out.width + reach * out.height * (sine(turns) + 0.4 * sine(2.6 * turns + phase));
+            const double x =
+                column * out.width + reach * out.height * (sineOf(turns) + 0.4 * sineOf(2.6 * turns + phase));
             const double y =
-                row * out.height + reach * out.height * (0.6 * cosine(1.3 * turns) + 0.25 * sine(3.1 * turns));
-            const double pulse = clampUnit(0.55 + 0.65 * sine(blink * seconds + 3 * phase));
+                row * out.height + reach * out.height * (0.6 * cosineOf(1.3 * turns) + 0.25 * sineOf(3.1 * turns));
+            const double pulse = clampUnit(0.55 + 0.65 * sineOf(blink * seconds + 3 * phase));
             const double brightness = easeInOut(pulse) * stretch(dusk, 0.7, 1);
             tagRECT clip = {-1, -1, out.width, out.height};
             const auto light = [&](double share, q_ulong colour, q_ulong intensity) {

@@ -29,7 +29,7 @@ struct Shard {
     std::array<tagPOINT, 3> home;
     double start; ///< when it sets off: 0 to 1 of the time that is left before the last one does
     double axis;
-    double turn; ///< radians through which it tumbles about an axis in its plane
+    double turn; ///< turns through which it tumbles about an axis in its plane
     double spin; ///< and about its own middle
     double drift;
 };
@@ -76,9 +76,9 @@ class Triangles : public Effect {
         const double middle = static_cast<double>(home[0].y + home[1].y + home[2].y) / 3;
         // The lower ones first, though not in rank and file.
         shard.start = clampUnit(0.72 * (1 - middle / height) + random.between(0, 0.28));
-        shard.axis = random.between(0, 2 * halfCircle);
-        shard.turn = random.between(2.5, 6) * (random.below(2) == 0 ? -1 : 1);
-        shard.spin = random.between(0.4, 1.4) * (random.below(2) == 0 ? -1 : 1);
+        shard.axis = random.unit();
+        shard.turn = random.onEitherSide(0.4, 0.95);
+        shard.spin = random.onEitherSide(0.065, 0.22);
         shard.drift = random.between(-0.35, 0.35);
         return shard;
     }
@@ -151,9 +151,9 @@ class Triangles : public Effect {
             result.shadow[i] = seen.shadow;
         }
         // The face turned to the light, from above, is bright, and the back of a shard is dark.
-        const double facing = cosine(attitude.tilt);
+        const double facing = cosineOf(attitude.tilt);
         const double light = clampUnit(mix(facing < 0 ? 0 : 0.35, 1, std::abs(facing)) -
-                                       0.35 * sine(attitude.tilt) * cosine(shard.axis));
+                                       0.35 * sineOf(attitude.tilt) * cosineOf(shard.axis));
         result.level = static_cast<std::size_t>(light * (lightLevels - 1) + 0.5);
         return result;
     }

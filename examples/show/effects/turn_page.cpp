@@ -4,10 +4,10 @@
 // Uses iBltNear32_Y_Roto for each strip of the page that bends, iFadeOut32 (light and shadow), iFillRect (margins),
 // Blur_Rect (the backdrop).
 
+#include "../angle.h"
 #include "../backdrop.h"
 #include "../effect.h"
 #include "../supersampling.h"
-#include "../table_angle.h"
 
 #include <algorithm>
 #include <array>
@@ -48,13 +48,13 @@ Page bentPage(double t, int width) {
         Strip &strip = page[static_cast<std::size_t>(i)];
         strip.left = spine + (width - spine) * i / stripCount;
         strip.right = spine + (width - spine) * (i + 1) / stripCount;
-        strip.angle = halfCircle * easeInOut(clampUnit(t * (1 + lag) - lag * inward));
+        strip.angle = easeInOut(clampUnit(t * (1 + lag) - lag * inward)) / 2;
         strip.place = place;
         strip.scale = scale;
         const double extent = strip.right - strip.left;
-        strip.reach = extent * cosine(strip.angle) * scale;
+        strip.reach = extent * cosineOf(strip.angle) * scale;
         place += strip.reach;
-        scale += scale * scale * nearness * extent / pageWidth * sine(strip.angle);
+        scale += scale * scale * nearness * extent / pageWidth * sineOf(strip.angle);
     }
     return page;
 }
@@ -112,8 +112,8 @@ class TurnPage : public Effect {
                                  tagRECT rect, int pivotX, double place) {
                 const tagPOINT centre = {static_cast<q_long>(std::floor(2 * (spine + size * place) + 0.5)) - left,
                                          2 * pivotY - top};
-                iBltNear32_Y_Roto(part.pixels, front, back, nullptr, angle, 2 * size * scale, perspective, rect, centre,
-                                  {pivotX, pivotY}, 0, 0, 0, part.pitch, part.width, part.height);
+                iBltNear32_Y_Roto(part.pixels, front, back, nullptr, radiansIn(angle), 2 * size * scale, perspective,
+                                  rect, centre, {pivotX, pivotY}, 0, 0, 0, part.pitch, part.width, part.height);
             };
             lay(before->pixels, before->pixels, 0, 1, 0, {0, 0, spine, out.height}, spine, 0);
             lay(after->pixels, after->pixels, 0, 1, 0, {spine, 0, out.width, out.height}, spine, 0);
@@ -161,7 +161,7 @@ class TurnPage : public Effect {
         for (int x = spine; x < width; x += step) {
             const int next = std::min(x + step, width);
             const double place = (x + 0.5 * step - spine) / pageWidth;
-            const double facing = cosine(angleAt(page, place));
+            const double facing = cosineOf(angleAt(page, place));
             // Light falls from the upper left: the front turns away from it, and the back comes out of the dark.
             const double front = 1 - 0.5 * (1 - facing) * (1 - 0.25 * facing);
             const double back = 1 - 0.42 * (1 + facing);
