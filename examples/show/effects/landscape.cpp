@@ -78,14 +78,15 @@ struct Front {
     }
 };
 
-constexpr Front net = {0.12, 0.40};
-constexpr Front hills = {0.28, 0.56};
-constexpr Front focus = {0.46, 0.74};
+// The photograph stands when the next transition comes over the scene.
+constexpr Front net = {0.14, 0.37};
+constexpr Front hills = {0.26, 0.49};
+constexpr Front focus = {0.38, 0.60};
 /// How much light of their own the hills have before they rise.
-constexpr double darkness = 0.07;
+constexpr double darkness = 0.17;
 
-constexpr double settlingFrom = 0.52;
-constexpr double settled = 0.88;
+constexpr double settlingFrom = 0.44;
+constexpr double settled = 0.73;
 
 /// Light from the upper left. Upright, flat rows come out in their own brightness.
 struct Light {
@@ -111,7 +112,7 @@ class Landscape : public Effect {
         const Stage::Plane photo = stage.plane();
         const Stage::Plane ground = stage.plane();
         drawView(photo, moment.a.photo, moment.a.camera.at(progress));
-        const double arrival = easeInOut(stretch(progress, settled, settled + 0.05));
+        const double arrival = easeInOut(stretch(progress, settled, settled + 0.03));
         if (arrival < 1) {
             Space &space = stage.space();
             space.begin(56);
@@ -265,9 +266,9 @@ class Landscape : public Effect {
 
     static void drawLights(Space &space, const Grid &grid, double progress) {
         // Each is a cross between four fainter ones.
-        constexpr double reach = 2;
+        constexpr double reach = 1;
         constexpr std::array<std::array<double, 3>, 5> parts = {
-            {{-reach, -reach, 0.4}, {reach, -reach, 0.4}, {-reach, reach, 0.4}, {reach, reach, 0.4}, {0, 0, 1}}};
+            {{-reach, -reach, 0.5}, {reach, -reach, 0.4}, {-reach, reach, 0.4}, {reach, reach, 0.4}, {0, 0, 1}}};
         const int columns = (grid.columns - 1) / meshSize + 1;
         tagRECT clip = space.surface().rect();
         for (const auto &[aside, below, share] : parts) {
