@@ -61,6 +61,7 @@ struct Grid {
     int rows;
     std::vector<_POINT3DFLOAT> points;
     std::vector<Colour> colours;
+    double luminance = 0; ///< the mean
 
     std::size_t index(int row, int column) const { return static_cast<std::size_t>(row * columns + column); }
     /// From 0 at the far end to 1 at the near one.
@@ -116,10 +117,10 @@ class Landscape : public Effect {
         if (arrival < 1) {
             Space &space = stage.space();
             space.begin(56);
-            drawBackdrop(stage, ground, photo, 0.34);
-            space.fillWith(ground);
             const double settling = easeInOut(stretch(progress, settlingFrom, settled));
             const Grid grid = raise(stage, space, photo, settling, progress * moment.a.seconds, progress);
+            drawBackdrop(stage, ground, photo, std::clamp(0.13 / (grid.luminance + 0.01), 0.3, 0.7));
+            space.fillWith(ground);
             drawHills(space, grid, photo, settling, progress);
             drawNet(space, grid, settling, progress);
             drawLights(space, grid, progress);
@@ -156,24 +157,38 @@ class Landscape : public Effect {
         for (int i = 0; i < 2; ++i)
             Blur_Rect(relief.pixels, &area, relief.pitch, radius);
 
+        const auto placeX = [&](int column) { return static_cast<double>(column) / (grid.columns - 1); };
+        std::vector<double> luminances;
+        for (int row = 0; row < grid.rows; ++row)
+            for (int column = 0; column < grid.columns; ++column) {
+                const double pixelX = placeX(column) * colours.width - 0.5;
+                const double pixelY = grid.depth(row) * colours.height - 0.5;
+                grid.colours.push_back(colourAt(colours, pixelX, pixelY));
+                luminances.push_back(colourAt(relief, pixelX, pixelY).luminance());
+                grid.luminance += luminances.back();
+            }
+        const auto count = static_cast<double>(luminances.size());
+        grid.luminance /= count;
+        double deviation = 0.01;
+        for (const double luminance : luminances)
+            deviation += std::fabs(luminance - grid.luminance) / count;
+
+        // Of pictures without much contrast the hills are higher.
+        const double steepness = std::clamp(0.05 / deviation, 0.3, 0.6);
         const double extent = std::min(width, height);
         for (int row = 0; row < grid.rows; ++row)
             for (int column = 0; column < grid.columns; ++column) {
-                const double placeX = static_cast<double>(column) / (grid.columns - 1);
-                const double placeY = grid.depth(row);
-                const double x = (placeX - 0.5) * width;
-                const double y = (placeY - 0.5) * height;
-                const double pixelX = placeX * colours.width - 0.5;
-                const double pixelY = placeY * colours.height - 0.5;
-                grid.colours.push_back(colourAt(colours, pixelX, pixelY));
-
-                const double hill = 0.30 * (colourAt(relief, pixelX, pixelY).luminance() - 0.3);
+                const double x = (placeX(column) - 0.5) * width;
+                const double y = (grid.depth(row) - 0.5) * height;
+                const double hill = steepness * (luminances[grid.index(row, column)] - grid.luminance);
                 const double fromX = x + 0.2 * extent;
                 const double fromY = y - 0.9 * extent;
                 const double distance = std::sqrt(fromX * fromX + fromY * fromY) / extent;
                 const double wave = 0.020 * sine(distance * 2.6 - seconds * 0.55) +
                                     0.012 * sine(x / extent * 1.3 + y / extent * 0.8 + seconds * 0.4);
-                const double rise = mix(0.35, 1, hills.at(progress, placeY));
+                // Low until the net has come, and at the near end, which must not lift into view.
+                const double rise = mix(0.35, 1, hills.at(progress, grid.depth(row))) *
+                                    mix(0.25, 1, easeInOut(stretch(1 - grid.depth(row), 0, 0.2)));
                 const double z = -extent * (1 - settling) * (hill * rise + wave);
                 grid.points.push_back({static_cast<float>(x), static_cast<float>(y), static_cast<float>(z), 0});
             }
