@@ -27,6 +27,11 @@ double cosine(double degrees) {
     return sine(degrees + 90);
 }
 
+/// More gently than easeInOut(), at either end.
+double setOffGently(double t) {
+    return t * t * t * (10 - t * (15 - 6 * t));
+}
+
 /// A side of the block: where it is, and what it shows.
 struct Side {
     double turn;    ///< degrees about the upright axis, from the front
@@ -105,32 +110,32 @@ class Cube : public Effect {
         const double focal = space.focalLength();
         const double longer = std::max(width, height);
 
-        // Away and back, with a longer stay at the far end.
-        const double far = easeInOut(stretch(t, 0, 0.5)) * (1 - easeInOut(stretch(t, 0.5, 1)));
-        const double distance = focal + width / 2 + far * longer * 1.5;
-        const double rise = 24 * far;
-        const double sideways = 14 * far * (1 - 2 * t);
+        const double drawnBack = setOffGently(stretch(t, 0, 0.5)) * (1 - setOffGently(stretch(t, 0.5, 1)));
+        const double distance = focal + width / 2 + drawnBack * longer * 1.5;
+        const double rise = 24 * drawnBack;
+        const double sideways = 14 * drawnBack * (1 - 2 * t);
         space.look({static_cast<float>(distance * sine(sideways) * cosine(rise)),
                     static_cast<float>(-distance * sine(rise)),
                     static_cast<float>(-distance * cosine(sideways) * cosine(rise)), 0},
-                   {0, static_cast<float>(0.10 * height * far), 0, 0});
+                   {0, static_cast<float>(0.10 * height * drawnBack), 0, 0});
 
         for (const Side &side : sides) {
             VKD_glLoadIdentity(data);
             VKD_glTranslatef(data, 0, 0, static_cast<float>(-(side.tip == 0 ? width : height) / 2));
             VKD_glRotatef(data, static_cast<float>(side.tip), 1, 0, 0);
-            VKD_glRotatef(data, static_cast<float>(side.turn - wayAround * easeInOut(t)), 0, 1, 0);
+            VKD_glRotatef(data, static_cast<float>(side.turn - wayAround * mix(easeInOut(t), setOffGently(t), 0.5)), 0,
+                          1, 0);
             if (isMirrored) {
                 VKD_glScalef(data, 1, -1, 1);
                 VKD_glTranslatef(data, 0, static_cast<float>(height * 1.06), 0);
             }
-            drawSide(space, to, zoom, side.showsNext ? after : before, side, width, side.tip == 0 ? height : width, far,
-                     isMirrored);
+            drawSide(space, to, zoom, side.showsNext ? after : before, side, width, side.tip == 0 ? height : width,
+                     drawnBack, isMirrored);
         }
     }
 
     static void drawSide(Space &space, const Surface &to, double zoom, const Surface &photo, const Side &side,
-                         double width, double height, double far, bool isMirrored) {
+                         double width, double height, double drawnBack, bool isMirrored) {
         constexpr int columns = 33;
         constexpr int rows = 25;
         _PRIVATE_QMGL_DATA *const data = space.pipeline();
@@ -163,8 +168,8 @@ class Cube : public Effect {
             for (int k = 0; k < 4; ++k)
                 mirror *= mirror;
             const double dim = isMirrored ? 0.9 : 1;
-            shade.push_back(static_cast<int>(256 * dim * mix(1, mix(0.38, 1.06, facing), far)));
-            shine.push_back(static_cast<int>(isMirrored ? 0 : 70 * mirror * far));
+            shade.push_back(static_cast<int>(256 * dim * mix(1, mix(0.38, 1.06, facing), drawnBack)));
+            shine.push_back(static_cast<int>(isMirrored ? 0 : 70 * mirror * drawnBack));
         }
 
         const View part = partOf(photo, side);
