@@ -1,8 +1,10 @@
 #include "space.h"
 
+#include "easing.h"
 #include "picture.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 
 namespace show {
@@ -83,6 +85,12 @@ void Space::show(const Surface &frame) {
         iBltFast32(frame.pixels, picture.pixels, 0, 0, &all, frame.pitch, picture.pitch);
     else
         drawHalved(frame, picture);
+}
+
+double sineOf(double turns) {
+    const double place = (turns - std::floor(turns)) * 8192;
+    const int entry = static_cast<int>(place);
+    return mix(iSin[entry & 8191], iSin[(entry + 1) & 8191], place - entry) / 32768;
 }
 
 } // namespace show

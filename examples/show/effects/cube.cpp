@@ -17,14 +17,12 @@ namespace show {
 
 namespace {
 
-/// The sine of an angle in degrees, by the library's table.
 double sine(double degrees) {
-    const double turns = degrees / 360 - std::floor(degrees / 360);
-    return iSin[static_cast<int>(turns * 8192 + 0.5) & 8191] / 32768.0;
+    return sineOf(degrees / 360);
 }
 
 double cosine(double degrees) {
-    return sine(degrees + 90);
+    return sineOf(degrees / 360 + 0.25);
 }
 
 /// More gently than easeInOut(), at either end.
@@ -37,7 +35,7 @@ struct Side {
     double turn;    ///< degrees about the upright axis, from the front
     double tip;     ///< degrees about the axis to the right, from the front
     bool showsNext; ///< the next photograph, not the one before
-    View part;      ///< the part that it shows, 0 to 1 of the frame
+    View part;      ///< the part that it shows if it is upright, 0 to 1 of the frame
 };
 
 constexpr double wayAround = 270;

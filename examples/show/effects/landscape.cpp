@@ -51,10 +51,6 @@ q_ulong pixelOf(const Colour &colour) {
     return level(colour.red) << 16 | level(colour.green) << 8 | level(colour.blue);
 }
 
-double sine(double turns) {
-    return iSin[static_cast<int>((turns - std::floor(turns)) * 8192) & 8191] / 32768.0;
-}
-
 /// Points of the landscape, row after row from the far end, on the screen.
 struct Grid {
     int columns;
@@ -184,8 +180,8 @@ class Landscape : public Effect {
                 const double fromX = x + 0.2 * extent;
                 const double fromY = y - 0.9 * extent;
                 const double distance = std::sqrt(fromX * fromX + fromY * fromY) / extent;
-                const double wave = 0.020 * sine(distance * 2.6 - seconds * 0.55) +
-                                    0.012 * sine(x / extent * 1.3 + y / extent * 0.8 + seconds * 0.4);
+                const double wave = 0.020 * sineOf(distance * 2.6 - seconds * 0.55) +
+                                    0.012 * sineOf(x / extent * 1.3 + y / extent * 0.8 + seconds * 0.4);
                 // Low until the net has come, and at the near end, which must not lift into view.
                 const double rise = mix(0.35, 1, hills.at(progress, grid.depth(row))) *
                                     mix(0.25, 1, easeInOut(stretch(1 - grid.depth(row), 0, 0.2)));
