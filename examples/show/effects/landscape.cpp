@@ -149,9 +149,12 @@ class Landscape : public Effect {
         const Surface relief = planes[2]->cropped(colours.width, colours.height);
         tagRECT area = colours.rect();
         iBltFast32(relief.pixels, colours.pixels, 0, 0, &area, relief.pitch, colours.pitch);
-        const int radius = std::min({relief.width / 2, relief.height / 2, std::max(1, relief.height / 18), 128});
+        const int largest = std::min({relief.width / 2, relief.height / 2, 128});
         for (int i = 0; i < 2; ++i)
-            Blur_Rect(relief.pixels, &area, relief.pitch, radius);
+            Blur_Rect(relief.pixels, &area, relief.pitch, std::min(largest, std::max(1, relief.height / 18)));
+        // Contours across the cells would show the triangles' teeth.
+        if (colours.pixels != photo.pixels)
+            Blur_Rect(colours.pixels, &area, colours.pitch, std::min(largest, 1));
 
         const auto placeX = [&](int column) { return static_cast<double>(column) / (grid.columns - 1); };
         std::vector<double> luminances;
