@@ -180,7 +180,8 @@ class Shatter : public Effect {
             const Place &corner = shard.corners[i];
             flight.face[i] = {static_cast<float>((corner.x - 0.5) * width),
                               static_cast<float>((corner.y - 0.5) * height), 0, 0};
-            flight.texels[i] = {static_cast<int>(corner.x * frame.width), static_cast<int>(corner.y * frame.height)};
+            flight.texels[i] = {std::min(static_cast<int>(corner.x * frame.width), frame.width - 1),
+                                std::min(static_cast<int>(corner.y * frame.height), frame.height - 1)};
         }
         flight.isCracked = flown > 0;
         const _POINT3DFLOAT middle = fMean4Vector(&flight.face[0], &flight.face[1], &flight.face[2], &flight.face[3]);
