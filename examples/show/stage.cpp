@@ -1,5 +1,7 @@
 #include "stage.h"
 
+#include "space.h"
+
 #include <new>
 
 namespace show {
@@ -26,6 +28,12 @@ Stage::Stage(int width, int height)
 
 Stage::~Stage() {
     FreeMemoryBlocks(&record);
+}
+
+Space &Stage::space() {
+    if (!ownSpace)
+        ownSpace = std::make_unique<Space>(layout.width, layout.height);
+    return *ownSpace;
 }
 
 Stage::Plane::Plane(Stage &owner) : stage(owner) {

@@ -6,7 +6,11 @@
 
 #include "surface.h"
 
+#include <memory>
+
 namespace show {
+
+class Space;
 
 class Stage {
 public:
@@ -41,6 +45,9 @@ public:
     /// The first plane that is not in use. It stays allocated for the frames to come while planes are used at all.
     Plane plane() { return Plane(*this); }
 
+    /// The stage's space, made at first use; see space.h.
+    Space &space();
+
 private:
     PlaneLayout layout;
     Canvas frameCanvas;
@@ -49,6 +56,7 @@ private:
     TransferLimits3D limits = {};
     _TRANSFERDATA record = {};
     int planesInUse = 0;
+    std::unique_ptr<Space> ownSpace;
 };
 
 } // namespace show
