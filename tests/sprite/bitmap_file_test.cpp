@@ -360,42 +360,46 @@ TEST(SetSpriteDir, a_prefix_too_long_is_answered_0_until_a_shorter_one_is_set) {
 TEST(LoadBitmap24, agrees_with_a_naive_reader_on_true_and_false_files) {
     const Directory directory;
     setDirectory(directory.prefix());
-    forEachCase("LoadBitmap24", [&directory](Case &c) {
-        const int width = c.random.between(1, 12);
-        const int height = c.random.between(1, 12);
-        const int padding = c.random.oneIn(3) ? c.random.between(0, 9) : width % 4;
-        Bitmap bitmap = Bitmap::ofSize(width, height, width * 3 + padding);
-        for (unsigned char &byte : bitmap.data)
-            byte = static_cast<unsigned char>(c.random.word());
-        if (c.random.oneIn(4))
-            bitmap.fileSize = static_cast<std::uint32_t>(c.random.between(0, static_cast<int>(bitmap.fileSize) + 99));
-        if (c.random.oneIn(6))
-            bitmap.dataOffset = static_cast<std::uint32_t>(c.random.between(0, 120));
-        if (c.random.oneIn(20))
-            bitmap.bitCount = static_cast<std::uint32_t>(c.random.between(0, 32));
-        Bytes file = bitmap.file();
-        if (c.random.oneIn(4)) { // a bit of the header is wrong
-            const int position = c.random.between(0, 53);
-            const int bit = c.random.between(0, 7);
-            file[static_cast<std::size_t>(position)] ^= static_cast<unsigned char>(1 << bit);
-        }
-        if (c.random.oneIn(4))
-            file.resize(static_cast<std::size_t>(c.random.between(0, static_cast<int>(file.size()))));
-        directory.write("picture.bmp", file);
+    forEachCase(
+        "LoadBitmap24",
+        [&directory](Case &c) {
+            const int width = c.random.between(1, 12);
+            const int height = c.random.between(1, 12);
+            const int padding = c.random.oneIn(3) ? c.random.between(0, 9) : width % 4;
+            Bitmap bitmap = Bitmap::ofSize(width, height, width * 3 + padding);
+            for (unsigned char &byte : bitmap.data)
+                byte = static_cast<unsigned char>(c.random.word());
+            if (c.random.oneIn(4))
+                bitmap.fileSize =
+                    static_cast<std::uint32_t>(c.random.between(0, static_cast<int>(bitmap.fileSize) + 99));
+            if (c.random.oneIn(6))
+                bitmap.dataOffset = static_cast<std::uint32_t>(c.random.between(0, 120));
+            if (c.random.oneIn(20))
+                bitmap.bitCount = static_cast<std::uint32_t>(c.random.between(0, 32));
+            Bytes file = bitmap.file();
+            if (c.random.oneIn(4)) { // a bit of the header is wrong
+                const int position = c.random.between(0, 53);
+                const int bit = c.random.between(0, 7);
+                file[static_cast<std::size_t>(position)] ^= static_cast<unsigned char>(1 << bit);
+            }
+            if (c.random.oneIn(4))
+                file.resize(static_cast<std::size_t>(c.random.between(0, static_cast<int>(file.size()))));
+            directory.write("picture.bmp", file);
 
-        const int askedWidth = c.random.oneIn(12) ? width + c.random.between(-1, 1) : width;
-        const int askedHeight = c.random.oneIn(12) ? height + c.random.between(-1, 1) : height;
-        const auto expected = naivePixels(file, askedWidth, askedHeight);
-        const std::size_t count = static_cast<std::size_t>(askedWidth) * static_cast<std::size_t>(askedHeight);
-        Pixels surface(count + 8, untouched);
-        std::string name = "picture.bmp";
-        const int answer = LoadBitmap24(surface.data() + 4, name.data(), askedWidth, askedHeight);
-        c.expectEqual(std::int64_t{answer}, std::int64_t{expected.has_value()});
-        for (std::size_t i = 0; i < surface.size(); ++i) {
-            const bool isPicture = expected && i >= 4 && i < count + 4;
-            c.expectEqual(std::int64_t{surface[i]}, std::int64_t{isPicture ? (*expected)[i - 4] : untouched});
-        }
-    });
+            const int askedWidth = c.random.oneIn(12) ? width + c.random.between(-1, 1) : width;
+            const int askedHeight = c.random.oneIn(12) ? height + c.random.between(-1, 1) : height;
+            const auto expected = naivePixels(file, askedWidth, askedHeight);
+            const std::size_t count = static_cast<std::size_t>(askedWidth) * static_cast<std::size_t>(askedHeight);
+            Pixels surface(count + 8, untouched);
+            std::string name = "picture.bmp";
+            const int answer = LoadBitmap24(surface.data() + 4, name.data(), askedWidth, askedHeight);
+            c.expectEqual(std::int64_t{answer}, std::int64_t{expected.has_value()});
+            for (std::size_t i = 0; i < surface.size(); ++i) {
+                const bool isPicture = expected && i >= 4 && i < count + 4;
+                c.expectEqual(std::int64_t{surface[i]}, std::int64_t{isPicture ? (*expected)[i - 4] : untouched});
+            }
+        },
+        4000); // under an emulator each file takes its time; the fuzz target tries many more
 }
 
 } // namespace
