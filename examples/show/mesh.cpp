@@ -89,6 +89,40 @@ void MeshCanvas::draw(Mesh &mesh, const Surface &front, const Surface &back, con
                           light.shininess);
 }
 
+void MeshCanvas::drawRim(const Mesh &mesh, q_ulong colour) const {
+    tagRECT clip = canvas.rect();
+    const auto lit = [&](int vertex) {
+        q_ulong result = 0;
+        for (const int shift : {16, 8, 0}) {
+            const int level = static_cast<int>(colour >> shift & 0xFF);
+            const int channel = level * data->vertexArray1[vertex] / 256 + data->vertexArray0[vertex];
+            result |= static_cast<q_ulong>(std::clamp(channel, 0, 255)) << shift;
+        }
+        return result;
+    };
+    const auto line = [&](int from, int to) {
+        const auto end = [&](int vertex) {
+            const _POINT3DFLOAT &point = mesh.points[static_cast<std::size_t>(vertex)];
+            // Before the picture, which has the same depth.
+            return _POINT3D{static_cast<int>(point.x), static_cast<int>(point.y), static_cast<int>(point.z) - 2, 0};
+        };
+        _POINT3D a = end(from);
+        _POINT3D b = end(to);
+        q_ulong litColour = lit(from);
+        VKD_3D_Line(data, canvas.pixels, &clip, static_cast<q_ulong>(canvas.pitch), &a, &b, &litColour, &litColour);
+    };
+    const int lastRow = (mesh.rows - 1) * mesh.columns;
+    for (int column = 0; column + 1 < mesh.columns; ++column) {
+        line(column, column + 1);
+        line(lastRow + column, lastRow + column + 1);
+    }
+    for (int first = 0; first < lastRow; first += mesh.columns) {
+        const int last = first + mesh.columns - 1;
+        line(first, first + mesh.columns);
+        line(last, last + mesh.columns);
+    }
+}
+
 Ground::Ground(Stage &stage, const Surface &first, const Surface &second, double t, double brightness)
     : plane(stage.plane()) {
     const Stage::Plane half = stage.plane();

@@ -39,6 +39,9 @@ struct MeshLight {
     static double ambientBeside(const _POINT3DFLOAT &direction);
 };
 
+/// What the edges of a printed sheet look like.
+constexpr q_ulong paper = 0xC8C4BC;
+
 /// The place where meshes are drawn: twice as large as the frame, since the library puts the points of a mesh on whole
 /// pixels, which would make edges crawl.
 class MeshCanvas {
@@ -67,6 +70,10 @@ public:
 
     /// Draws the mesh with one picture where it faces the viewer, and another one, of the same pitch, on its back.
     void draw(Mesh &mesh, const Surface &front, const Surface &back, const MeshLight &light) const;
+
+    /// Draws the outline of the mesh that was drawn last, in its light: a thin rim of this colour, whose edges are
+    /// smoother than those of the picture.
+    void drawRim(const Mesh &mesh, q_ulong colour) const;
 
     /// Brings what was drawn to the frame.
     void finish(const Surface &out) const { drawHalved(out, canvas); }

@@ -47,6 +47,7 @@ class Cylinder : public Effect {
         ground.fill(behind);
         canvas.fill(behind);
         canvas.draw(mesh, before, after, lightAt(t, curl));
+        canvas.drawRim(mesh, paper);
         canvas.finish(out);
 
         // The mesh softens the photographs a little: not from one frame to the next.

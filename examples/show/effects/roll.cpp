@@ -56,6 +56,7 @@ class Roll : public Effect {
         canvas.fill(behind);
         const _POINT3DFLOAT direction = {0.20F, 0.52F, 0.80F, 0};
         canvas.draw(mesh, picture, {direction, MeshLight::ambientBeside(direction), 0.35 * stretch(bend, 0, 0.5), 5});
+        canvas.drawRim(mesh, paper);
         canvas.finish(out);
 
         // The mesh softens the photographs a little: not from one frame to the next.

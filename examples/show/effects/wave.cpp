@@ -60,6 +60,7 @@ class Wave : public Effect {
         ground.fill(behind);
         canvas.fill(behind);
         canvas.draw(mesh, picture, lightAt(aloft, seconds));
+        canvas.drawRim(mesh, paper);
 
         // The mesh softens the photograph a little: not from one frame to the next.
         const Stage::Plane drawn = stage.plane();
