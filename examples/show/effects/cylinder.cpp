@@ -34,7 +34,7 @@ class Cylinder : public Effect {
         extendEdges(after);
 
         const double t = moment.t;
-        const double curl = easeInOut(stretch(t, 0.0, 0.40)) * (1 - easeInOut(stretch(t, 0.60, 1.0)));
+        const double curl = easeGently(stretch(t, 0.0, 0.44)) * (1 - easeGently(stretch(t, 0.56, 1.0)));
         Mesh mesh = Mesh::over(out.width, out.height, cellSize * out.height / 720);
         const MeshCanvas canvas(out.width, out.height, mesh.points.size());
         wind(mesh, curl, out.width, out.height);
@@ -92,7 +92,7 @@ class Cylinder : public Effect {
         // A pixel larger on each side than the frame, so that nothing shows beside it when it is flat.
         const double larger = 1 + 2.0 / height;
         const auto unit = static_cast<float>(MeshCanvas::scale * width * larger / (circle * postRadius));
-        const double away = easeInOut(stretch(t, 0.0, 0.42)) * (1 - easeInOut(stretch(t, 0.58, 1.0)));
+        const double away = easeGently(stretch(t, 0.0, 0.44)) * (1 - easeGently(stretch(t, 0.56, 1.0)));
         VKD_glScalef(pipeline, unit, unit, unit);
         VKD_glRotatef(pipeline, static_cast<float>(540 * easeInOut(stretch(t, 0.10, 0.90))), 0, 1, 0);
         VKD_glRotatef(pipeline, static_cast<float>(10 * away), 0, 0, 1);

@@ -30,7 +30,7 @@ class Roll : public Effect {
         drawShot(stage, after, moment.b);
 
         const double t = moment.t;
-        const double bend = easeInOut(stretch(t, 0.0, 0.36)) * (1 - easeInOut(stretch(t, 0.64, 1.0)));
+        const double bend = easeGently(stretch(t, 0.0, 0.42)) * (1 - easeGently(stretch(t, 0.58, 1.0)));
         const double turn = easeInOut(stretch(t, 0.12, 0.88));
 
         // What has come round behind the drum is the next photograph.
