@@ -21,7 +21,12 @@ constexpr int halvings = 2;
 constexpr int smallPerFrame = 1 << halvings;
 
 int cells(double length, double cellSize) {
-    return std::clamp(static_cast<int>(length / cellSize), 4, 160);
+    return std::clamp(static_cast<int>(length / std::max(cellSize, 2.0)), 4, 160);
+}
+
+/// The library takes the ambient light as the length of a vector.
+_POINT3D ambientOf(const MeshLight &light) {
+    return {static_cast<int>(light.ambient * 256 + 0.5), 0, 0, 0};
 }
 
 } // namespace
@@ -72,7 +77,7 @@ void MeshCanvas::draw(Mesh &mesh, const Surface &front, const MeshLight &light) 
     tagRECT clip = canvas.rect();
     tagRECT picture = front.rect();
     _POINT3DFLOAT direction = light.direction;
-    _POINT3D ambient = {static_cast<int>(light.ambient * 256 + 0.5), 0, 0, 0};
+    _POINT3D ambient = ambientOf(light);
     VKD_Render_Texture_3D(data, canvas.pixels, front.pixels, &clip, &picture, static_cast<q_ulong>(canvas.pitch),
                           static_cast<q_ulong>(front.pitch), mesh.data(), mesh.rows, mesh.columns, &direction, nullptr,
                           &ambient, static_cast<float>(light.specular), light.shininess);
@@ -82,7 +87,7 @@ void MeshCanvas::draw(Mesh &mesh, const Surface &front, const Surface &back, con
     tagRECT clip = canvas.rect();
     tagRECT picture = front.rect();
     _POINT3DFLOAT direction = light.direction;
-    _POINT3D ambient = {static_cast<int>(light.ambient * 256 + 0.5), 0, 0, 0};
+    _POINT3D ambient = ambientOf(light);
     VKD_Render_Texture_3D(data, canvas.pixels, front.pixels, back.pixels, &clip, &picture,
                           static_cast<q_ulong>(canvas.pitch), static_cast<q_ulong>(front.pitch), mesh.data(), mesh.rows,
                           mesh.columns, &direction, nullptr, &ambient, static_cast<float>(light.specular),
@@ -121,6 +126,16 @@ void MeshCanvas::drawRim(const Mesh &mesh, q_ulong colour) const {
         line(first, first + mesh.columns);
         line(last, last + mesh.columns);
     }
+}
+
+void blendEnds(const Surface &out, const Surface &before, const Surface &after, double t) {
+    constexpr double time = 0.08;
+    const double share = 1 - std::min(t, 1 - t) / time;
+    if (share <= 0)
+        return;
+    const Surface &photo = t < 0.5 ? before : after;
+    tagRECT frame = out.rect();
+    iBltFast32Alpha(out.pixels, photo.pixels, 0, 0, &frame, out.pitch, photo.pitch, static_cast<float>(share));
 }
 
 Ground::Ground(Stage &stage, const Surface &first, const Surface &second, double t, double brightness)

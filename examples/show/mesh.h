@@ -39,6 +39,12 @@ struct MeshLight {
     static double ambientBeside(const _POINT3DFLOAT &direction);
 };
 
+/// The radius of Post3D() at a scale of 1.
+constexpr double postRadius = 180;
+
+/// An eye so far away that Flat3D() and Post3D() project nothing: MeshCanvas does it afterwards.
+constexpr int noProjection = 1 << 30;
+
 /// What the edges of a printed sheet look like.
 constexpr q_ulong paper = 0xC8C4BC;
 
@@ -86,6 +92,10 @@ private:
     Surface canvas;
     _PRIVATE_QMGL_DATA *data = nullptr;
 };
+
+/// Lets a transition by a mesh, at `t`, begin and end with the photographs themselves: the mesh softens them a little,
+/// which must not happen from one frame to the next.
+void blendEnds(const Surface &out, const Surface &before, const Surface &after, double t);
 
 /// The ground below a mesh: a quarter of the frame's size, so that it is blurred when it fills the frame.
 class Ground {

@@ -2,25 +2,17 @@
 // fills the frame.
 //
 // Uses Post3D (the cylinder), fRotate3DByY (the sheet on its way), VKD_glScalef, VKD_glRotatef, VKD_glTranslatef and
-// VKD_Mapping3Dto2D (its place in space), VKD_Render_Texture_3D with two textures; Blur_Rect, iFadeOut32, Rect_Safe,
-// Hor_Blur32, Ver_Blur32 and iBltFast32AlphaChannelSafe (the ground and the shadow on it).
+// VKD_Mapping3Dto2D (its place in space), VKD_Render_Texture_3D with two textures, VKD_3D_Line (its rim); Blur_Rect,
+// iFadeOut32, Rect_Safe, Hor_Blur32, Ver_Blur32 and iBltFast32AlphaChannelSafe (the ground and the shadow on it).
 
 #include "../effect.h"
 #include "../mesh.h"
-
-#include <algorithm>
 
 namespace show {
 
 namespace {
 
 constexpr double circle = 6.283185307179586;
-
-/// The radius of Post3D().
-constexpr double postRadius = 180;
-
-/// An eye so far away that nothing is projected.
-constexpr int noProjection = 1 << 30;
 
 class Cylinder : public Effect {
     static constexpr double cellSize = 14;
@@ -34,7 +26,7 @@ class Cylinder : public Effect {
         extendEdges(after);
 
         const double t = moment.t;
-        const double curl = easeGently(stretch(t, 0.0, 0.44)) * (1 - easeGently(stretch(t, 0.56, 1.0)));
+        const double curl = easeGently(stretch(t, 0.0, 0.40)) * (1 - easeGently(stretch(t, 0.60, 1.0)));
         Mesh mesh = Mesh::over(out.width, out.height, cellSize * out.height / 720);
         const MeshCanvas canvas(out.width, out.height, mesh.points.size());
         wind(mesh, curl, out.width, out.height);
@@ -49,14 +41,7 @@ class Cylinder : public Effect {
         canvas.draw(mesh, before, after, lightAt(t, curl));
         canvas.drawRim(mesh, paper);
         canvas.finish(out);
-
-        // The mesh softens the photographs a little: not from one frame to the next.
-        const double whole = std::max(1 - t / 0.08, 1 - (1 - t) / 0.08);
-        if (whole > 0) {
-            const Surface &photo = t < 0.5 ? before : after;
-            tagRECT frame = out.rect();
-            iBltFast32Alpha(out.pixels, photo.pixels, 0, 0, &frame, out.pitch, photo.pitch, static_cast<float>(whole));
-        }
+        blendEnds(out, before, after, t);
     }
 
     /// The sheet, `curl` of the way from flat to a cylinder, in the units of Post3D(): the cylinder's circumference is
@@ -72,11 +57,12 @@ class Cylinder : public Effect {
         const bool flat = curl < 0.002;
         for (int column = 0; column < mesh.columns; ++column) {
             const double across = static_cast<double>(column) / (mesh.columns - 1) - 0.5;
-            const double radius = postRadius / curl;
             auto x = static_cast<float>(flat ? across * sheetWidth : 0);
-            auto z = static_cast<float>(flat ? 0 : -radius);
+            float z = 0;
             if (!flat) {
                 // A part of a larger cylinder, whose front comes forward as it closes.
+                const double radius = postRadius / curl;
+                z = static_cast<float>(-radius);
                 fRotate3DByY(&x, &z, static_cast<float>(across * circle * curl));
                 z += static_cast<float>(radius - postRadius * curl);
             }
@@ -92,7 +78,7 @@ class Cylinder : public Effect {
         // A pixel larger on each side than the frame, so that nothing shows beside it when it is flat.
         const double larger = 1 + 2.0 / height;
         const auto unit = static_cast<float>(MeshCanvas::scale * width * larger / (circle * postRadius));
-        const double away = easeGently(stretch(t, 0.0, 0.44)) * (1 - easeGently(stretch(t, 0.56, 1.0)));
+        const double away = easeGently(stretch(t, 0.0, 0.40)) * (1 - easeGently(stretch(t, 0.60, 1.0)));
         VKD_glScalef(pipeline, unit, unit, unit);
         VKD_glRotatef(pipeline, static_cast<float>(540 * easeInOut(stretch(t, 0.10, 0.90))), 0, 1, 0);
         VKD_glRotatef(pipeline, static_cast<float>(10 * away), 0, 0, 1);

@@ -1,24 +1,17 @@
 // The photograph bends into a drum that rolls over once, brings up the next photograph from behind, and flattens again.
 //
 // Uses Flat3D, Post3D and Interpolate3DPoint (the sheet, the drum and what lies between), VKD_glRotatef,
-// VKD_glTranslatef and VKD_Mapping3Dto2D (their place in space), VKD_Render_Texture_3D; Blur_Rect, iFadeOut32,
-// Rect_Safe, Hor_Blur32, Ver_Blur32 and iBltFast32AlphaChannelSafe (the ground and the shadow on it).
+// VKD_glTranslatef and VKD_Mapping3Dto2D (their place in space), VKD_Render_Texture_3D, VKD_3D_Line (the rim);
+// Blur_Rect, iFadeOut32, Rect_Safe, Hor_Blur32, Ver_Blur32 and iBltFast32AlphaChannelSafe (the ground and the shadow).
 
 #include "../effect.h"
 #include "../mesh.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace show {
 
 namespace {
-
-/// The radius of Post3D().
-constexpr double postRadius = 180;
-
-/// An eye so far away that nothing is projected.
-constexpr int noProjection = 1 << 30;
 
 class Roll : public Effect {
     static constexpr double cellSize = 14;
@@ -58,14 +51,7 @@ class Roll : public Effect {
         canvas.draw(mesh, picture, {direction, MeshLight::ambientBeside(direction), 0.35 * stretch(bend, 0, 0.5), 5});
         canvas.drawRim(mesh, paper);
         canvas.finish(out);
-
-        // The mesh softens the photographs a little: not from one frame to the next.
-        const double whole = std::max(1 - t / 0.08, 1 - (1 - t) / 0.08);
-        if (whole > 0) {
-            const Surface &photo = t < 0.5 ? before : after;
-            tagRECT frame = out.rect();
-            iBltFast32Alpha(out.pixels, photo.pixels, 0, 0, &frame, out.pitch, photo.pitch, static_cast<float>(whole));
-        }
+        blendEnds(out, before, after, t);
     }
 
     /// The mesh, `bend` of the way from a flat sheet to a drum whose axis lies across the frame.

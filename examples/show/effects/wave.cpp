@@ -1,11 +1,10 @@
 // The photograph comes off the screen as a cloth that waves in the wind, with a gleam on its folds, and lies down
 // again.
 //
-// Uses VKD_Render_Texture_3D (the lit cloth), VKD_glRotatef, VKD_glTranslatef and VKD_Mapping3Dto2D (its place in
-// space), iSin (the waves), Blur_Rect and iFadeOut32 (the ground), Rect_Safe, Hor_Blur32, Ver_Blur32 and
-// iBltFast32AlphaChannelSafe (its shadow).
+// Uses VKD_Render_Texture_3D (the lit cloth), VKD_3D_Line (its hem), VKD_glRotatef, VKD_glTranslatef and
+// VKD_Mapping3Dto2D (its place in space), iSin (the waves), Blur_Rect and iFadeOut32 (the ground), Rect_Safe,
+// Hor_Blur32, Ver_Blur32 and iBltFast32AlphaChannelSafe (its shadow).
 
-#include "../angle.h"
 #include "../effect.h"
 #include "../mesh.h"
 
@@ -16,6 +15,13 @@
 namespace show {
 
 namespace {
+
+/// Between two entries of the library's table, which goes round once in 8192.
+double sineOf(double turns) {
+    const double entries = (turns - std::floor(turns)) * 8192;
+    const int index = static_cast<int>(entries);
+    return mix(iSin[index & 8191], iSin[(index + 1) & 8191], entries - index) / 32768;
+}
 
 /// A train of waves; lengths in frame heights, times in seconds.
 struct Train {
