@@ -43,8 +43,9 @@ class Wave : public Effect {
 
     void render(Stage &stage, const Surface &out, const Moment &moment) const override {
         const Shot &shot = moment.a;
+        // Down before a transition takes the photograph away, and up after one has brought it.
         const double aloft =
-            easeInOut(stretch(shot.progress, 0.10, 0.40)) * (1 - easeInOut(stretch(shot.progress, 0.62, 0.92)));
+            easeInOut(stretch(shot.progress, 0.15, 0.38)) * (1 - easeInOut(stretch(shot.progress, 0.56, 0.80)));
         drawView(out, shot.photo, shot.camera.at(shot.progress));
         if (aloft <= 0)
             return;
