@@ -14,6 +14,11 @@ constexpr double easeInOut(double t) {
     return t * t * (3 - 2 * t);
 }
 
+/// Sets off and arrives more gently still, and hurries in between.
+constexpr double easeGently(double t) {
+    return t * t * t * (t * (6 * t - 15) + 10);
+}
+
 /// Sets off gently.
 constexpr double easeIn(double t) {
     return t * t;

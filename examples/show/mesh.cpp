@@ -1,0 +1,204 @@
+#include "mesh.h"
+
+#include "easing.h"
+
+#include <algorithm>
+#include <new>
+
+namespace show {
+
+namespace {
+
+constexpr float openingDegrees = 36;
+/// As near as a mesh may come, in canvas heights before the plane of the picture.
+constexpr float nearest = 1.2F;
+
+/// iBltNear32() holds sources of fewer than 4096 pixels.
+constexpr int widestTile = 2048;
+
+/// How often a ground's pictures are halved.
+constexpr int halvings = 2;
+constexpr int smallPerFrame = 1 << halvings;
+
+int cells(double length, double cellSize) {
+    return std::clamp(static_cast<int>(length / std::max(cellSize, 2.0)), 4, 160);
+}
+
+/// The library takes the ambient light as the length of a vector.
+_POINT3D ambientOf(const MeshLight &light) {
+    return {static_cast<int>(light.ambient * 256 + 0.5), 0, 0, 0};
+}
+
+} // namespace
+
+Mesh Mesh::over(double width, double height, double cellSize) {
+    const int rows = cells(height, cellSize) + 1;
+    const int columns = cells(width, cellSize) + 1;
+    return {rows, columns, std::vector<_POINT3DFLOAT>(static_cast<std::size_t>(rows * columns))};
+}
+
+double MeshLight::ambientBeside(const _POINT3DFLOAT &direction) {
+    return 1 - std::max(direction.z, -direction.z);
+}
+
+MeshCanvas::MeshCanvas(int width, int height, std::size_t vertices) : layout{width * scale, height * scale} {
+    geometry.planeElements = layout.elements();
+    geometry.originElement = layout.origin();
+    limits.vertexArrayEntries = static_cast<int>(vertices);
+    limits.matrixStackDepth = 1;
+    record.frameGeometry = &geometry;
+    record.limits3D = &limits;
+    constexpr int planeOfPixels = -1;
+    void *const pixels = FindNotUsedMemory(&record, 0, planeOfPixels);
+    // A failure frees the record's other blocks.
+    data = pixels ? GetPrivate_QMGL_Data(&record, 1) : nullptr;
+    if (!data)
+        throw std::bad_alloc();
+    canvas = layout.at(static_cast<q_ulong *>(pixels));
+    VKD_glViewPort(data, 0, 0, canvas.width, canvas.height);
+    const auto depth = static_cast<float>(canvas.height);
+    VKD_gluPerspective(data, openingDegrees, 1, nearest * depth, nearest * depth);
+}
+
+void MeshCanvas::fill(const Surface &ground) const {
+    for (int left = 0; left < ground.width; left += widestTile)
+        for (int top = 0; top < ground.height; top += widestTile) {
+            const int right = std::min(left + widestTile, ground.width);
+            const int bottom = std::min(top + widestTile, ground.height);
+            tagRECT dstRect = {left * scale, top * scale, right * scale, bottom * scale};
+            tagRECT srcRect = {left, top, right, bottom};
+            iBltNear32(canvas.pixels, ground.pixels, &dstRect, &srcRect, canvas.pitch, ground.pitch);
+        }
+    tagRECT whole = canvas.rect();
+    VKD_ResetZBuffer(data, &whole, canvas.pitch);
+}
+
+void MeshCanvas::draw(Mesh &mesh, const Surface &front, const MeshLight &light) const {
+    tagRECT clip = canvas.rect();
+    tagRECT picture = front.rect();
+    _POINT3DFLOAT direction = light.direction;
+    _POINT3D ambient = ambientOf(light);
+    VKD_Render_Texture_3D(data, canvas.pixels, front.pixels, &clip, &picture, static_cast<q_ulong>(canvas.pitch),
+                          static_cast<q_ulong>(front.pitch), mesh.data(), mesh.rows, mesh.columns, &direction, nullptr,
+                          &ambient, static_cast<float>(light.specular), light.shininess);
+}
+
+void MeshCanvas::draw(Mesh &mesh, const Surface &front, const Surface &back, const MeshLight &light) const {
+    tagRECT clip = canvas.rect();
+    tagRECT picture = front.rect();
+    _POINT3DFLOAT direction = light.direction;
+    _POINT3D ambient = ambientOf(light);
+    VKD_Render_Texture_3D(data, canvas.pixels, front.pixels, back.pixels, &clip, &picture,
+                          static_cast<q_ulong>(canvas.pitch), static_cast<q_ulong>(front.pitch), mesh.data(), mesh.rows,
+                          mesh.columns, &direction, nullptr, &ambient, static_cast<float>(light.specular),
+                          light.shininess);
+}
+
+void MeshCanvas::drawRim(const Mesh &mesh, q_ulong colour) const {
+    tagRECT clip = canvas.rect();
+    const auto lit = [&](int vertex) {
+        q_ulong result = 0;
+        for (const int shift : {16, 8, 0}) {
+            const int level = static_cast<int>(colour >> shift & 0xFF);
+            const int channel = level * data->vertexArray1[vertex] / 256 + data->vertexArray0[vertex];
+            result |= static_cast<q_ulong>(std::clamp(channel, 0, 255)) << shift;
+        }
+        return result;
+    };
+    const auto line = [&](int from, int to) {
+        const auto end = [&](int vertex) {
+            const _POINT3DFLOAT &point = mesh.points[static_cast<std::size_t>(vertex)];
+            // Before the picture, which has the same depth.
+            return _POINT3D{static_cast<int>(point.x), static_cast<int>(point.y), static_cast<int>(point.z) - 2, 0};
+        };
+        _POINT3D a = end(from);
+        _POINT3D b = end(to);
+        q_ulong litColour = lit(from);
+        VKD_3D_Line(data, canvas.pixels, &clip, static_cast<q_ulong>(canvas.pitch), &a, &b, &litColour, &litColour);
+    };
+    const int lastRow = (mesh.rows - 1) * mesh.columns;
+    for (int column = 0; column + 1 < mesh.columns; ++column) {
+        line(column, column + 1);
+        line(lastRow + column, lastRow + column + 1);
+    }
+    for (int first = 0; first < lastRow; first += mesh.columns) {
+        const int last = first + mesh.columns - 1;
+        line(first, first + mesh.columns);
+        line(last, last + mesh.columns);
+    }
+}
+
+void blendEnds(const Surface &out, const Surface &before, const Surface &after, double t) {
+    constexpr double time = 0.08;
+    const double share = 1 - std::min(t, 1 - t) / time;
+    if (share <= 0)
+        return;
+    const Surface &photo = t < 0.5 ? before : after;
+    tagRECT frame = out.rect();
+    iBltFast32Alpha(out.pixels, photo.pixels, 0, 0, &frame, out.pitch, photo.pitch, static_cast<float>(share));
+}
+
+Ground::Ground(Stage &stage, const Surface &first, const Surface &second, double t, double brightness)
+    : plane(stage.plane()) {
+    const Stage::Plane half = stage.plane();
+    const Stage::Plane other = stage.plane();
+    const auto reduce = [&half](const Surface &result, const Surface &picture) {
+        const Surface large = half->cropped((picture.width + 1) / 2, (picture.height + 1) / 2);
+        drawHalved(large, picture);
+        const Surface quarter = result.cropped((large.width + 1) / 2, (large.height + 1) / 2);
+        drawHalved(quarter, large);
+        return quarter;
+    };
+    small = reduce(plane, first);
+    tagRECT whole = small.rect();
+    if (t > 0) {
+        const Surface next = reduce(other, second);
+        iBltFast32Alpha(small.pixels, next.pixels, 0, 0, &whole, small.pitch, next.pitch, static_cast<float>(t));
+    }
+    // Two boxes make a tent, whose corners do not show.
+    const int radius = std::min({small.height / 20, small.width / 2, small.height / 2, 128});
+    for (int i = 0; i < 2; ++i)
+        Blur_Rect(small.pixels, &whole, small.pitch, radius);
+    iFadeOut32(small.pixels, &whole, small.pitch, static_cast<float>(brightness));
+}
+
+void Ground::castShadow(Stage &stage, const Mesh &mesh, double offsetX, double offsetY, double opacity) const {
+    const Stage::Plane first = stage.plane();
+    const Stage::Plane second = stage.plane();
+    const Surface shadow = first->cropped(small.width, small.height);
+    tagRECT whole = shadow.rect();
+    iFillRect(shadow.pixels, &whole, shadow.pitch, 0);
+
+    // Far outside the frame a mesh is no longer where it should be, but without its shadow there either way.
+    const auto place = [&](const _POINT3DFLOAT &point) {
+        constexpr double smallest = 1.0 / (MeshCanvas::scale * smallPerFrame);
+        const auto bounded = [](double position) { return static_cast<q_long>(std::clamp(position, -2048.0, 4096.0)); };
+        return tagPOINT{bounded((point.x + offsetX * MeshCanvas::scale) * smallest),
+                        bounded((point.y + offsetY * MeshCanvas::scale) * smallest)};
+    };
+    q_ulong black = static_cast<q_ulong>(clampUnit(opacity) * 255) << 24;
+    for (int row = 0; row + 1 < mesh.rows; ++row)
+        for (int column = 0; column + 1 < mesh.columns; ++column) {
+            tagPOINT corners[] = {place(mesh.at(row, column)), place(mesh.at(row, column + 1)),
+                                  place(mesh.at(row + 1, column + 1)), place(mesh.at(row + 1, column))};
+            Rect_Safe(shadow.pixels, &whole, shadow.pitch, &corners[0], &corners[1], &corners[2], &corners[3], &black);
+        }
+
+    const Surface blurred = second->cropped(small.width, small.height);
+    const int size = std::min({small.height / 8, small.width - 1, small.height - 1, 255});
+    for (int i = 0; i < 2; ++i) {
+        Hor_Blur32(blurred.pixels, shadow.pixels, size, small.width, small.height, small.pitch);
+        Ver_Blur32(shadow.pixels, blurred.pixels, size, small.width, small.height, small.pitch);
+    }
+    tagRECT clip = small.rect();
+    iBltFast32AlphaChannelSafe(small.pixels, shadow.pixels, 0, 0, &whole, &clip, small.pitch, shadow.pitch);
+}
+
+void Ground::fill(const Surface &out) const {
+    // Where a plane's margin is not written, it holds what it happens to hold.
+    extendEdges(small);
+    drawView(out, small,
+             {0, 0, static_cast<double>(out.width) / smallPerFrame, static_cast<double>(out.height) / smallPerFrame});
+}
+
+} // namespace show
