@@ -1,0 +1,401 @@
+#include "sprite/bitmap.h"
+#include "support/cases.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <filesystem>
+#include <limits>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace {
+
+using test::Bitmap;
+using test::Bytes;
+using test::Case;
+using test::forEachCase;
+using test::naivePixels;
+using test::Surface;
+using Pixels = std::vector<q_ulong>;
+
+constexpr q_ulong untouched = 0xAA5533CC;
+
+/// A directory of the test's own, removed at its end.
+class Directory {
+public:
+    Directory() {
+        std::random_device device;
+        do
+            path = std::filesystem::temp_directory_path() / ("q_Mur_tests_" + std::to_string(device()));
+        while (!std::filesystem::create_directory(path));
+    }
+    ~Directory() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+    Directory(const Directory &) = delete;
+    Directory &operator=(const Directory &) = delete;
+
+    /// With a separator behind it.
+    std::string prefix() const { return path.string() + "/"; }
+
+    void write(const std::string &name, const Bytes &bytes) const {
+        const std::string filePath = prefix() + name;
+        std::remove(filePath.c_str()); // a file made anew is faster: one cut short is put on the disk at once
+        std::FILE *file = std::fopen(filePath.c_str(), "wb");
+        if (!file)
+            throw std::runtime_error("cannot write " + name);
+        const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+        if (std::fclose(file) != 0 || !isWritten)
+            throw std::runtime_error("cannot write " + name);
+    }
+
+private:
+    std::filesystem::path path;
+};
+
+void setDirectory(std::string path) {
+    SetSpriteDir(path.data());
+}
+
+/// The answer, and the surface if it was answered 1. A surface that a failure has touched is a failure.
+struct Loaded {
+    int answer;
+    Pixels pixels;
+};
+
+Loaded load(std::string name, int width, int height) {
+    const auto count = static_cast<std::size_t>(std::max(width, 0)) * static_cast<std::size_t>(std::max(height, 0));
+    test::PageEndPixels surface(std::max<std::size_t>(count, 4)); // a write behind it faults
+    q_ulong *const first = surface.data() + (std::max<std::size_t>(count, 4) - count);
+    std::fill(first, first + count, untouched);
+    const int answer = LoadBitmap24(first, name.data(), width, height);
+    Pixels pixels(first, first + count);
+    if (answer == 0) {
+        EXPECT_EQ(pixels, Pixels(count, untouched)) << "touched by a failure";
+        pixels.clear();
+    }
+    return {answer, pixels};
+}
+
+/// What happened with a whole path before any directory was set: taken down before a test runs.
+const int answerWithoutDirectory = [] {
+    const Directory directory;
+    directory.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
+    q_ulong pixel = untouched;
+    const int answer = LoadBitmap24(&pixel, (directory.prefix() + "a.bmp").data(), 1, 1);
+    return pixel == 0x030201 ? answer : -1;
+}();
+
+class LoadBitmap24Files : public testing::Test {
+protected:
+    LoadBitmap24Files() { setDirectory(directory.prefix()); }
+
+    /// Writes a file and loads it at the size that its header states.
+    Loaded loadOf(const Bitmap &bitmap) {
+        return loadOf(bitmap.file(), static_cast<int>(bitmap.width), static_cast<int>(bitmap.height));
+    }
+
+    Loaded loadOf(const Bytes &file, int width, int height) {
+        directory.write("picture.bmp", file);
+        return load("picture.bmp", width, height);
+    }
+
+    const Directory directory;
+};
+
+TEST_F(LoadBitmap24Files, rows_run_bottom_to_top_and_bytes_blue_to_red) {
+    Bitmap bitmap = Bitmap::ofSize(2, 2, 8);
+    bitmap.data = {0x10, 0x20, 0x30, 0xFF, 0x00, 0x80, 0xEE, 0xEE, 1, 2, 3, 4, 5, 6, 0xEE, 0xEE};
+    const Loaded loaded = loadOf(bitmap);
+    EXPECT_EQ(loaded.answer, 1);
+    EXPECT_EQ(loaded.pixels, (Pixels{0x030201, 0x060504, 0x302010, 0x8000FF}));
+}
+
+TEST_F(LoadBitmap24Files, a_size_field_that_counts_padding_gives_a_stride_of_12_for_3_columns) {
+    const Loaded loaded = loadOf(Bitmap::ofSize(3, 2, 12));
+    EXPECT_EQ(loaded.answer, 1);
+    EXPECT_EQ(loaded.pixels, (Pixels{0x0F0E0D, 0x121110, 0x151413, 0x030201, 0x060504, 0x090807}));
+}
+
+TEST_F(LoadBitmap24Files, rows_without_padding_are_read_if_the_size_field_says_so) {
+    const Loaded loaded = loadOf(Bitmap::ofSize(3, 2, 9));
+    EXPECT_EQ(loaded.answer, 1);
+    EXPECT_EQ(loaded.pixels, (Pixels{0x0C0B0A, 0x0F0E0D, 0x121110, 0x030201, 0x060504, 0x090807}));
+}
+
+TEST_F(LoadBitmap24Files, the_distance_of_rows_comes_from_the_size_field_and_is_truncated) {
+    Bitmap bitmap = Bitmap::ofSize(1, 2, 4);
+    bitmap.fileSize += 3; // 11 bytes for two rows: 5 each
+    const Loaded loaded = loadOf(bitmap);
+    EXPECT_EQ(loaded.answer, 1);
+    EXPECT_EQ(loaded.pixels, (Pixels{0x080706, 0x030201}));
+}
+
+TEST_F(LoadBitmap24Files, other_sizes_than_the_file_has_are_answered_0) {
+    const Bytes file = Bitmap::ofSize(3, 2, 12).file();
+    for (int height = -3; height <= 4; ++height)
+        for (int width = -4; width <= 5; ++width)
+            EXPECT_EQ(loadOf(file, width, height).answer, width == 3 && height == 2) << width << " by " << height;
+}
+
+TEST_F(LoadBitmap24Files, negative_sizes_and_pictures_without_rows_are_answered_0_even_if_the_file_has_them) {
+    Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
+    for (const auto &[width, height] : {std::pair{3, -2}, {-3, 2}, {-3, -2}, {3, 0}, {0, 0}, {-1, -1}}) {
+        bitmap.width = static_cast<std::uint32_t>(width);
+        bitmap.height = static_cast<std::uint32_t>(height);
+        EXPECT_EQ(loadOf(bitmap).answer, 0) << width << " by " << height;
+    }
+}
+
+TEST_F(LoadBitmap24Files, rows_without_pixels_are_a_picture) {
+    EXPECT_EQ(loadOf(Bitmap::ofSize(0, 2, 4)).answer, 1);
+}
+
+TEST_F(LoadBitmap24Files, only_24_bits_are_read) {
+    Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
+    for (const int bits : {0, 1, 4, 8, 16, 23, 25, 32, 24 + 256, 65535}) {
+        bitmap.bitCount = static_cast<std::uint32_t>(bits);
+        EXPECT_EQ(loadOf(bitmap).answer, 0) << bits;
+    }
+}
+
+TEST_F(LoadBitmap24Files, a_file_that_does_not_begin_with_BM_is_answered_0) {
+    for (int bit = 0; bit < 16; ++bit) {
+        Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
+        bitmap.magic ^= 1u << bit;
+        EXPECT_EQ(loadOf(bitmap).answer, 0) << bit;
+    }
+    EXPECT_EQ(loadOf(Bitmap::ofSize(3, 2, 12)).answer, 1);
+}
+
+TEST_F(LoadBitmap24Files, compression_and_other_fields_are_not_looked_at) {
+    const Bytes file = Bitmap::ofSize(3, 2, 12).file();
+    const Loaded expected = loadOf(file, 3, 2);
+    for (const std::size_t position : {6, 7, 8, 9, 14, 15, 16, 17, 26, 27, 30, 31, 32, 33, 34, 37, 38, 45, 46, 53}) {
+        Bytes changed = file;
+        changed[position] ^= 0xFF;
+        const Loaded loaded = loadOf(changed, 3, 2);
+        EXPECT_EQ(loaded.answer, 1) << position;
+        EXPECT_EQ(loaded.pixels, expected.pixels) << position;
+    }
+}
+
+TEST_F(LoadBitmap24Files, a_file_cut_anywhere_keeps_its_whole_pixels_and_is_black_behind_them) {
+    const Bytes whole = Bitmap::ofSize(3, 4, 12).file();
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        const Bytes file(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+        const Loaded loaded = loadOf(file, 3, 4);
+        ASSERT_EQ(loaded.answer, length >= 54) << length;
+        if (length < 54)
+            continue;
+        for (std::size_t y = 0; y < 4; ++y)
+            for (std::size_t x = 0; x < 3; ++x) {
+                const std::size_t end = 54 + (3 - y) * 12 + x * 3 + 3;
+                const q_ulong value = static_cast<q_ulong>(end - 54 - 2);
+                const q_ulong expected = end <= length ? value + (value + 1) * 256 + (value + 2) * 65536 : 0;
+                ASSERT_EQ(loaded.pixels[y * 3 + x], expected) << x << ", " << y << " of " << length;
+            }
+    }
+}
+
+TEST_F(LoadBitmap24Files, the_data_may_begin_anywhere_even_in_the_header) {
+    for (std::uint32_t offset = 0; offset <= 100; ++offset) {
+        Bitmap bitmap = Bitmap::ofSize(3, 2, 30);
+        bitmap.dataOffset = offset;
+        bitmap.fileSize = offset + 24;
+        const Loaded loaded = loadOf(bitmap);
+        ASSERT_EQ(loaded.answer, 1) << offset;
+        ASSERT_EQ(loaded.pixels, naivePixels(bitmap.file(), 3, 2)) << offset;
+    }
+}
+
+TEST_F(LoadBitmap24Files, data_that_the_header_leaves_no_room_for_is_answered_0) {
+    Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
+    for (std::uint32_t room = 0; room <= 30; ++room) {
+        bitmap.fileSize = 54 + room;
+        EXPECT_EQ(loadOf(bitmap).answer, room >= 18) << room;
+    }
+    for (const std::uint32_t size : {0u, 1u, 53u}) { // smaller than the offset: less than nothing is left
+        bitmap.fileSize = size;
+        EXPECT_EQ(loadOf(bitmap).answer, 0) << size;
+    }
+    bitmap.dataOffset = 0xFFFFFFFF;
+    EXPECT_EQ(loadOf(bitmap).answer, 0);
+}
+
+TEST_F(LoadBitmap24Files, sizes_whose_product_passes_every_number_are_answered_0) {
+    Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
+    bitmap.fileSize = 0xFFFFFFFF;
+    directory.write("picture.bmp", bitmap.file());
+    constexpr int largest = std::numeric_limits<int>::max();
+    // Products that are small again in 32 or 64 bits, and those that are as large as can be.
+    for (const auto &[width, height] : {std::pair{largest, largest},
+                                        {0x40000000, 4},
+                                        {0x55555556, 1},
+                                        {0x10000, 0x10000},
+                                        {1, largest},
+                                        {largest, 1},
+                                        {0x55555555, 3}}) {
+        bitmap.width = static_cast<std::uint32_t>(width);
+        bitmap.height = static_cast<std::uint32_t>(height);
+        directory.write("picture.bmp", bitmap.file());
+        q_ulong surface = untouched;
+        std::string name = "picture.bmp";
+        EXPECT_EQ(LoadBitmap24(&surface, name.data(), width, height), 0) << width << " by " << height;
+        EXPECT_EQ(surface, untouched);
+    }
+}
+
+TEST_F(LoadBitmap24Files, rows_claimed_far_behind_the_end_are_black) {
+    Bitmap bitmap = Bitmap::ofSize(1, 3, 4);
+    for (const std::uint32_t size : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+        bitmap.fileSize = size;
+        const Loaded loaded = loadOf(bitmap);
+        EXPECT_EQ(loaded.answer, 1);
+        EXPECT_EQ(loaded.pixels, (Pixels{0, 0, 0x030201})) << size;
+    }
+    bitmap.fileSize = 0xFFFFFFFF;
+    for (const std::uint32_t offset : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFF0u}) {
+        bitmap.dataOffset = offset;
+        const Loaded loaded = loadOf(bitmap);
+        EXPECT_EQ(loaded.answer, 1);
+        EXPECT_EQ(loaded.pixels, Pixels(3, 0)) << offset;
+    }
+}
+
+TEST_F(LoadBitmap24Files, what_is_no_file_is_answered_0) {
+    EXPECT_EQ(load("nobody.bmp", 1, 1).answer, 0);
+    EXPECT_EQ(load("", 1, 1).answer, 0);
+    EXPECT_EQ(load("no/where.bmp", 1, 1).answer, 0);
+}
+
+TEST_F(LoadBitmap24Files, files_are_closed_whatever_is_answered) {
+    directory.write("good.bmp", Bitmap::ofSize(1, 1, 4).file());
+    directory.write("short.bmp", Bytes(20, 'B'));
+    directory.write("false.bmp", Bytes(60, 'B'));
+    Bitmap small = Bitmap::ofSize(1, 1, 4);
+    small.fileSize = 55;
+    directory.write("small.bmp", small.file());
+    for (int i = 0; i < 1500; ++i) { // more files than a program may have open
+        ASSERT_EQ(load("short.bmp", 1, 1).answer, 0);
+        ASSERT_EQ(load("false.bmp", 1, 1).answer, 0);
+        ASSERT_EQ(load("small.bmp", 1, 1).answer, 0);
+        ASSERT_EQ(load("good.bmp", 1, 1).answer, 1) << i;
+    }
+}
+
+TEST(LoadBitmap24, without_a_directory_the_name_is_the_path) {
+    EXPECT_EQ(answerWithoutDirectory, 1);
+}
+
+TEST(SetSpriteDir, a_later_directory_takes_the_place_of_an_earlier_one) {
+    const Directory first;
+    const Directory second;
+    first.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
+    second.write("b.bmp", Bitmap::ofSize(1, 1, 4).file());
+    setDirectory(first.prefix());
+    EXPECT_EQ(load("a.bmp", 1, 1).answer, 1);
+    EXPECT_EQ(load("b.bmp", 1, 1).answer, 0);
+    setDirectory(second.prefix());
+    EXPECT_EQ(load("a.bmp", 1, 1).answer, 0);
+    EXPECT_EQ(load("b.bmp", 1, 1).answer, 1);
+    setDirectory("");
+    EXPECT_EQ(load(second.prefix() + "b.bmp", 1, 1).answer, 1);
+}
+
+TEST(SetSpriteDir, the_text_is_copied_and_stands_right_before_the_name) {
+    const Directory directory;
+    directory.write("tree.bmp", Bitmap::ofSize(1, 1, 4).file());
+    std::string prefix = directory.prefix() + "tr";
+    SetSpriteDir(prefix.data());
+    prefix.assign(prefix.size(), 'x');
+    EXPECT_EQ(load("ee.bmp", 1, 1).answer, 1);
+    EXPECT_EQ(load("tree.bmp", 1, 1).answer, 0);
+}
+
+TEST(SetSpriteDir, a_path_of_511_characters_is_opened_and_a_longer_one_answered_0) {
+    const Directory directory;
+    directory.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
+    // The same file under names of any length: each two characters more are a step to where one is.
+    const auto nameOfLength = [&directory](std::size_t length) {
+        std::string name = directory.prefix();
+        while (name.size() + 5 < length)
+            name += name.size() + 6 < length ? "./" : "/";
+        return name + "a.bmp";
+    };
+    const auto isOpened = [](const std::string &path) {
+        std::FILE *file = std::fopen(path.c_str(), "rb");
+        return file && std::fclose(file) == 0;
+    };
+    for (std::size_t length = 500; length <= 530; ++length) {
+        const std::string path = nameOfLength(length);
+        ASSERT_EQ(path.size(), length);
+        const int expected = length < 512 && isOpened(path); // not every system opens paths so long
+        for (const std::size_t cut : {std::size_t{0}, std::size_t{1}, length / 2, length - 5, length}) {
+            setDirectory(path.substr(0, cut));
+            EXPECT_EQ(load(path.substr(cut), 1, 1).answer, expected) << length << " cut at " << cut;
+        }
+    }
+}
+
+TEST(SetSpriteDir, a_prefix_too_long_is_answered_0_until_a_shorter_one_is_set) {
+    const Directory directory;
+    directory.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
+    for (const std::size_t length : {511, 512, 513, 1000, 5000}) {
+        setDirectory(std::string(length, '/'));
+        EXPECT_EQ(load("a.bmp", 1, 1).answer, 0) << length;
+        EXPECT_EQ(load("", 1, 1).answer, 0) << length;
+        setDirectory(directory.prefix());
+        EXPECT_EQ(load("a.bmp", 1, 1).answer, 1) << length;
+    }
+}
+
+TEST(LoadBitmap24, agrees_with_a_naive_reader_on_true_and_false_files) {
+    const Directory directory;
+    setDirectory(directory.prefix());
+    forEachCase("LoadBitmap24", [&directory](Case &c) {
+        const int width = c.random.between(1, 12);
+        const int height = c.random.between(1, 12);
+        const int padding = c.random.oneIn(3) ? c.random.between(0, 9) : width % 4;
+        Bitmap bitmap = Bitmap::ofSize(width, height, width * 3 + padding);
+        for (unsigned char &byte : bitmap.data)
+            byte = static_cast<unsigned char>(c.random.word());
+        if (c.random.oneIn(4))
+            bitmap.fileSize = static_cast<std::uint32_t>(c.random.between(0, static_cast<int>(bitmap.fileSize) + 99));
+        if (c.random.oneIn(6))
+            bitmap.dataOffset = static_cast<std::uint32_t>(c.random.between(0, 120));
+        if (c.random.oneIn(20))
+            bitmap.bitCount = static_cast<std::uint32_t>(c.random.between(0, 32));
+        Bytes file = bitmap.file();
+        if (c.random.oneIn(4)) { // a bit of the header is wrong
+            const int position = c.random.between(0, 53);
+            const int bit = c.random.between(0, 7);
+            file[static_cast<std::size_t>(position)] ^= static_cast<unsigned char>(1 << bit);
+        }
+        if (c.random.oneIn(4))
+            file.resize(static_cast<std::size_t>(c.random.between(0, static_cast<int>(file.size()))));
+        directory.write("picture.bmp", file);
+
+        const int askedWidth = c.random.oneIn(12) ? width + c.random.between(-1, 1) : width;
+        const int askedHeight = c.random.oneIn(12) ? height + c.random.between(-1, 1) : height;
+        const auto expected = naivePixels(file, askedWidth, askedHeight);
+        const std::size_t count = static_cast<std::size_t>(askedWidth) * static_cast<std::size_t>(askedHeight);
+        Pixels surface(count + 8, untouched);
+        std::string name = "picture.bmp";
+        const int answer = LoadBitmap24(surface.data() + 4, name.data(), askedWidth, askedHeight);
+        c.expectEqual(std::int64_t{answer}, std::int64_t{expected.has_value()});
+        for (std::size_t i = 0; i < surface.size(); ++i) {
+            const bool isPicture = expected && i >= 4 && i < count + 4;
+            c.expectEqual(std::int64_t{surface[i]}, std::int64_t{isPicture ? (*expected)[i - 4] : untouched});
+        }
+    });
+}
+
+} // namespace

@@ -1,0 +1,1 @@
+"""The pictures of the built-in sprites, drawn by arithmetic alone."""
