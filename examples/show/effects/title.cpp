@@ -61,7 +61,7 @@ bool writeLine(const Surface &out, const char *line, const tagRECT &place) {
         return size > 0 && iTextOut(paper.pixels, &whole, paper.pitch, text.data(), ink, 0, 0, size, face) != 0;
     };
     // First small enough to be seen whole, then to measure.
-    const int tried = widthOf(place) / static_cast<int>(text.size());
+    const int tried = std::min(widthOf(place) / static_cast<int>(text.size()), heightOf(place));
     if (!write(tried))
         return false;
     const tagRECT trial = boundsOf(paper);
@@ -81,40 +81,37 @@ bool writeLine(const Surface &out, const char *line, const tagRECT &place) {
     return true;
 }
 
-void drawFivePoints(const Surface &out, double x, double y, double radius) {
-    constexpr double waist = 0.45;
+/// \param waist where the points part, in radii
+void drawStar(const Surface &out, double x, double y, double radius, int points, double waist) {
     tagRECT clip = out.rect();
     q_ulong colour = ink;
     const auto point = [&](double turns, double distance) {
         return tagPOINT{rounded(x + distance * sineOf(turns)), rounded(y - distance * cosineOf(turns))};
     };
-    for (int i = 0; i < 5; ++i) {
-        const double turns = i / 5.0;
+    for (int i = 0; i < points; ++i) {
         tagPOINT middle = point(0, 0);
-        tagPOINT before = point(turns - 0.1, waist * radius);
-        tagPOINT tip = point(turns, radius);
-        tagPOINT behind = point(turns + 0.1, waist * radius);
+        tagPOINT before = point((i - 0.5) / points, waist * radius);
+        tagPOINT tip = point(static_cast<double>(i) / points, radius);
+        tagPOINT behind = point((i + 0.5) / points, waist * radius);
         Rect_Safe(out.pixels, &clip, out.pitch, &middle, &before, &tip, &behind, &colour);
     }
 }
 
-/// A star in a ring, and two crescents beside it where there is room.
+/// A star in a ring, and two sparks beside it where there is room.
 void drawOrnament(const Surface &out) {
     const int x = out.width / 2;
     const int y = out.height / 2;
     const int radius = std::min(out.width, out.height) * 34 / 100;
     if (radius < 2)
         return;
-    Draw_Circle_NoFillInside(out.pixels, out.pitch, x, y, radius, radius / 8, ink);
-    drawFivePoints(out, x, y, 0.80 * radius);
-    const int moon = radius * 45 / 100;
-    const int aside = radius * 17 / 10;
-    if (x <= aside + moon)
-        return;
-    for (const int side : {-1, 1}) {
-        Draw_Circle_FillInside(out.pixels, out.pitch, x + side * aside, y, moon, ink);
-        Draw_Circle_FillInside(out.pixels, out.pitch, x + side * (aside - moon * 4 / 10), y, moon * 8 / 10, 0);
-    }
+    Draw_Circle_NoFillInside(out.pixels, out.pitch, x, y, radius, radius / 9, ink);
+    drawStar(out, x, y, 0.80 * radius, 8, 0.48);
+    Draw_Circle_FillInside(out.pixels, out.pitch, x, y, radius / 4, 0);
+    Draw_Circle_FillInside(out.pixels, out.pitch, x, y, radius / 6, ink);
+    const int aside = radius * 165 / 100;
+    if (x > aside + radius / 2)
+        for (const int side : {-1, 1})
+            drawStar(out, x + side * aside, y, 0.45 * radius, 4, 0.32);
 }
 
 Canvas flipped(const Surface &picture, bool acrossX, bool acrossY) {
