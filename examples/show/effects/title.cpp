@@ -380,11 +380,11 @@ class Title : public Effect {
         const int brightness = 256 + (diffuse - flat) * 256 * 9 / (flat * 10);
         const int sheen = lighting.sheen[static_cast<std::size_t>(x + y / 2)];
         const int highlight = std::min(specular * (200 + sheen * 3 / 4) >> 8, 255) + sheen * 44 / 256;
-        constexpr int frost = 66;
         const int opacity = coverage * risen / 255;
         return eachChannel([&](int shift) {
             const int warmth = shift == 16 ? 256 : shift == 8 ? 248 : 228;
-            const int clear = channel(bent, shift) * 304 >> 8;
+            const int clear = std::min(channel(bent, shift) * 304 >> 8, 255);
+            const int frost = 58 + (255 - clear) / 5; // more where it is dark, so that letters stand out there too
             const int glass = ((clear + frost) * std::max(brightness, 40) >> 8) + (highlight * warmth >> 8);
             const int ground = channel(below, shift) * lit >> 8;
             return ground + ((std::min(glass, 255) - ground) * opacity >> 8);

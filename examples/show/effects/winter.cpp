@@ -368,8 +368,11 @@ class Winter : public Effect {
     }
 
     static void drawMoon(const Surface &out, double x, double y, double radius) {
-        light(out, x, y, 6 * radius, 0x5060A0, 60);
-        light(out, x, y, 2.4 * radius, 0x8090C8, 60);
+        for (const double reach : {7.0, 3.0}) {
+            const int size = lengthOf(2 * reach * radius, 2);
+            const Canvas halo = softGlow(size, size, 0x7C8CCC, 0.42);
+            lay(out, halo.surface(), rounded(x) - size / 2, rounded(y) - size / 2, out.rect());
+        }
         disc(out, x, y, radius, 0xF2EEDC);
         tagRECT clip = out.rect();
         constexpr std::array<std::array<double, 3>, 7> seas = {{{-0.30, -0.34, 0.38},
