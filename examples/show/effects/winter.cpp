@@ -358,7 +358,8 @@ class Winter : public Effect {
         for (int i = 0; i < 70; ++i) {
             const double x = w * (i + random.unit()) / 70;
             const double size = random.between(26, 58) * u;
-            drawFir(out, x, 0.70 * h + 0.02 * h * random.unit(), size, between(0x1E2A52, 0x2C3A68, random.unit()));
+            const double bottom = 0.70 * h + 0.02 * h * random.unit();
+            drawFir(out, x, bottom, size, between(0x1E2A52, 0x2C3A68, random.unit()));
         }
         drawHill(out, 0.30 * w, 0.675 * h, 2.6 * w, 0.22 * h, 0x8094CE, 0x485A98);
         drawHill(out, 0.80 * w, 0.715 * h, 1.9 * w, 0.24 * h, 0x8A9ED6, 0x4C5E9C);
