@@ -12,7 +12,15 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <string>
 #include <vector>
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define QMUR_SHOW_DETECT_LEAKS
+#include <sanitizer/lsan_interface.h>
+#endif
+#endif
 
 namespace show {
 
@@ -25,7 +33,7 @@ int rounded(double value) {
     return static_cast<int>(std::floor(value + 0.5));
 }
 
-/// A level that may be out of range, in steps of 1/256 of the whole.
+/// In steps of 1/256. A share beyond 0 to 1 is cut off there.
 int share(double value) {
     return rounded(256 * clampUnit(value));
 }
@@ -57,6 +65,10 @@ bool writeLine(const Surface &out, const char *line, const tagRECT &place) {
     std::vector<char> text(line, line + std::char_traits<char>::length(line) + 1);
     char face[] = "Verdana";
     const auto write = [&](int size) {
+#if defined(QMUR_SHOW_DETECT_LEAKS)
+        // fontconfig keeps its settings behind offsets that a leak detector does not follow.
+        const __lsan::ScopedDisabler disabler;
+#endif
         iFillRect(paper.pixels, &whole, paper.pitch, 0);
         return size > 0 && iTextOut(paper.pixels, &whole, paper.pitch, text.data(), ink, 0, 0, size, face) != 0;
     };
@@ -310,19 +322,19 @@ class Title : public Effect {
 
     static Lighting lightingAt(const Surface &out, double progress) {
         Lighting lighting;
-        const double right = easeInOut(stretch(progress, 0.20, 0.85));
+        const double right = easeInOut(stretch(progress, 0.18, 0.82));
         const double low = 0.12 + 0.10 * sineOf(progress);
         lighting.weights = {share((1 - right) * (1 - low)), share(right * (1 - low)), share((1 - right) * low),
                             share(right * low)};
         for (int x = 0; x < out.width; ++x) {
             const double late = 0.14 * x / out.width;
             const double appeared = easeInOut(stretch(progress, 0.06 + late, 0.26 + late));
-            const double gone = easeInOut(stretch(progress, 0.72 + late, 0.86 + late));
+            const double gone = easeInOut(stretch(progress, 0.66 + late, 0.80 + late));
             lighting.risen.push_back(share(appeared * (1 - gone)));
         }
         const double half = 0.13 * out.width + 1;
         const double middle =
-            mix(-2 * half, out.width + out.height / 2.0 + half, easeInOut(stretch(progress, 0.22, 0.80)));
+            mix(-2 * half, out.width + out.height / 2.0 + half, easeInOut(stretch(progress, 0.22, 0.76)));
         for (int along = 0; along <= out.width + out.height / 2; ++along) {
             const double distance = std::abs(along - middle) / half;
             lighting.sheen.push_back(share(easeInOut(clampUnit(1 - distance))));
@@ -337,7 +349,7 @@ class Title : public Effect {
         const Surface &picture = plane;
         drawView(picture, shot.photo, shot.camera.at(shot.progress));
         const double shown =
-            easeInOut(stretch(shot.progress, 0.06, 0.34)) * (1 - easeInOut(stretch(shot.progress, 0.74, 0.98)));
+            easeInOut(stretch(shot.progress, 0.06, 0.34)) * (1 - easeInOut(stretch(shot.progress, 0.68, 0.94)));
         tagRECT frame = picture.rect();
         if (shown > 0)
             iFadeOut32(picture.pixels, &frame, picture.pitch, static_cast<float>(1 - 0.34 * shown));
@@ -366,7 +378,7 @@ class Title : public Effect {
         const auto weighted = [&](q_ulong three, int fourth) {
             return (channel(three, 16) * lighting.weights[0] + channel(three, 8) * lighting.weights[1] +
                     channel(three, 0) * lighting.weights[2] + fourth * lighting.weights[3]) /
-                   coverage; // of 255, in steps of 1/256: the steps and the coverage's range all but cancel out
+                   coverage; // weights add up to 256 and coverage is one of 255: the two all but cancel out
         };
         const int diffuse = 2 * weighted(*maps[0].surface().at(x, y), channel(rest, 16));
         const int specular = weighted(*maps[1].surface().at(x, y), channel(rest, 8));
