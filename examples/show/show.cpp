@@ -24,7 +24,11 @@ auto inTurn(const Container &container, int index) {
 } // namespace
 
 std::vector<std::string> defaultEffects() {
-    return {"pan", "cross-fade", "snow", "iris", "pan", "flash", "pan", "spin", "pan", "wipe", "pan", "fade-out"};
+    // A scene for each of the shots, and what leads from one to the next.
+    return {"title",  "wave",    "night", "pan",  "landscape",  "bubbles", "pan",   "pan",  "balls",     "winter",
+            "sparks", "bubbles", "snow",  "pan",  "wave",       "pan",     "pan",   "pan",  "turn-page", "cylinder",
+            "flood",  "shatter", "cube",  "pen",  "fly-in",     "roll",    "brush", "iris", "dissolve",  "triangles",
+            "flip",   "spin",    "flash", "wipe", "cross-fade", "fade-out"};
 }
 
 Show::Show(const ShowSettings &chosen)

@@ -24,6 +24,8 @@ CHECKSUMS = Path(__file__).with_name("frames.sha256")
 
 # Pinned here, since what the default show consists of may change.
 EFFECTS = "pan,cross-fade,snow,iris,pan,flash,pan,spin,pan,wipe,pan,fade-out"
+OTHER_EFFECTS = ("bubbles,balls,night,sparks,wave,landscape,winter,"
+                 "flood,pen,cylinder,roll,turn-page,flip,fly-in,triangles,dissolve,brush,cube,shatter")
 
 program = None
 emulator = None
@@ -197,17 +199,23 @@ class Frames(ShowTest):
 
 
 def render_checksums(test):
-    """Frames of every effect of this project's first shows; equal in every build."""
+    """Frames of every effect but the title, whose letters are the system's; equal in every build."""
     runs = (
-        (160, 90, 1, (3, 8, 9, 13, 17, 18, 22, 26, 27, 31, 35, 36, 44, 45, 52, 53)),
-        (75, 131, 7, (8, 13, 17, 27, 36, 44)),
+        ("160x90", 1, EFFECTS, range(3, 54, 5)),
+        ("160x90", 3, OTHER_EFFECTS, moments_of_shots(18)),
+        ("75x131", 7, OTHER_EFFECTS, moments_of_shots(18)),
     )
     lines = []
-    for width, height, seed, chosen in runs:
-        frames = test.frames(f"{width}x{height}", *four_photos(), "--size", f"{width}x{height}", "--fps", 2, "--seconds",
-                             4.5, "--seed", seed, "--effects", EFFECTS)
-        lines += [f"{frames[frame]}  {width}x{height} seed {seed} frame {frame}\n" for frame in chosen]
+    for size, seed, effects, chosen in runs:
+        frames = test.frames(f"{size}-{seed}", *four_photos(), "--size", size, "--fps", 2, "--seconds", 4.5, "--seed",
+                             seed, "--effects", effects)
+        lines += [f"{frames[frame]}  {size} seed {seed} frame {frame}\n" for frame in chosen if frame in frames]
     return "".join(lines)
+
+
+def moments_of_shots(count):
+    """The middle of each shot of nine frames, and the two frames of the transition behind it."""
+    return [9 * shot + frame for shot in range(count) for frame in (4, 8, 9)]
 
 
 class Photographs(ShowTest):
