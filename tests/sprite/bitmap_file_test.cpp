@@ -172,6 +172,14 @@ TEST_F(LoadBitmap24Files, rows_without_pixels_are_a_picture) {
     EXPECT_EQ(loadOf(Bitmap::ofSize(0, 2, 4)).answer, 1);
 }
 
+TEST_F(LoadBitmap24Files, rows_without_pixels_take_no_time_however_many) {
+    Bitmap bitmap = Bitmap::ofSize(0, 1, 4);
+    bitmap.height = std::numeric_limits<int>::max();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(loadOf(bitmap).answer, 1);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)); // a seek for each takes minutes
+}
+
 TEST_F(LoadBitmap24Files, only_24_bits_are_read) {
     Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
     for (const int bits : {0, 1, 4, 8, 16, 23, 25, 32, 24 + 256, 65535}) {
