@@ -8,6 +8,13 @@
 #include <limits>
 #include <thread>
 
+#if defined(_WIN32)
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#endif
+
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
 #define Q_MUR_TESTS_DETECT_LEAKS
@@ -582,6 +589,48 @@ TEST(iTextOut, a_text_of_many_characters_begins_as_a_short_one) {
     const Surface shorter = page(text.substr(0, 60), 16);
     EXPECT_EQ(page(text, 16).differenceFrom(shorter), "");
 }
+
+#if defined(_WIN32)
+
+/// Takes all GDI objects that a program may have, 10,000 or more, but for a few.
+class ScarceObjects {
+public:
+    explicit ScarceObjects(int left) {
+        constexpr std::size_t all = 0x10000; // a handle has 16 bits for its index
+        while (taken.size() < all) {
+            const HBRUSH brush = CreateSolidBrush(0);
+            if (!brush)
+                break;
+            taken.push_back(brush);
+        }
+        isScarce = taken.size() < all;
+        for (; left > 0 && !taken.empty(); --left) {
+            DeleteObject(taken.back());
+            taken.pop_back();
+        }
+    }
+    ~ScarceObjects() {
+        for (const HBRUSH brush : taken)
+            DeleteObject(brush);
+    }
+    ScarceObjects(const ScarceObjects &) = delete;
+    ScarceObjects &operator=(const ScarceObjects &) = delete;
+
+    bool isScarce = false;
+
+private:
+    std::vector<HBRUSH> taken;
+};
+
+TEST(iTextOut, each_call_gives_its_objects_back) {
+    Surface surface(40, 16, ground);
+    const ScarceObjects scarce(100);
+    ASSERT_TRUE(scarce.isScarce);
+    for (int i = 0; i < 12000; ++i)
+        ASSERT_EQ(write(surface, "H&x", white, 1, 1, 8, sans), 1) << i;
+}
+
+#endif
 
 TEST(iTextOut, any_bytes_stay_inside_the_clip) {
     for (int seed = 0; seed < 300; ++seed) {
