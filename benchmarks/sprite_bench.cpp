@@ -33,12 +33,13 @@ void addFitRow() {
               }}});
 }
 
+constexpr const auto &sprite = qmur::christmasTree;
+
 Job christmasTree() {
-    const auto &sprite = qmur::christmasTree;
     return drawing(
         noise(sprite.width, sprite.height),
         [](test::Surface &dst) { LoadResourceChristmasTree(dst.pixels(), dst.width(), dst.height(), dst.pitch()); },
-        [&sprite](test::Surface &dst) {
+        [](test::Surface &dst) {
             for (int y = 0; y < sprite.height; ++y)
                 for (int x = 0; x < sprite.width; ++x)
                     dst.at(x, y) = sprite.palette[sprite.pixels[y * sprite.width + x]];
