@@ -1,3 +1,4 @@
+#include "support/job.h"
 #include "support/naive.h"
 #include "support/row.h"
 
@@ -426,6 +427,72 @@ void addAlphaRows() {
     });
 }
 
+#if Q_MUR_BENCH_TEXT
+
+/// White letters. The platform's letters cannot be computed: the check is that they are where they should be, whole and
+/// in their colour, and that the same ones stand elsewhere when asked for elsewhere.
+class TextPage {
+public:
+    TextPage() : dst(width, height, ground) {}
+
+    int write(int x, int y) {
+        tagRECT clip = dst.rect();
+        return iTextOut(dst.pixels(), &clip, dst.pitch(), text.data(), 0xFFFFFF, x, y, lineHeight, face.data());
+    }
+
+    Outcome outcome() {
+        Outcome found;
+        if (write(left, top) != 1)
+            return {"the answer is not 1"};
+        int white = 0;
+        for (int y = -test::Surface::margin; y < height + test::Surface::margin; ++y)
+            for (int x = -test::Surface::margin; x < width + test::Surface::margin; ++x) {
+                const q_ulong pixel = dst.at(x, y);
+                if (pixel == ground)
+                    continue;
+                // No letter is wider than its line is high.
+                const int mostColumns = static_cast<int>(text.size()) * lineHeight;
+                if (x < left || x >= left + mostColumns || y < top || y >= top + lineHeight)
+                    return {"writes beside the text"};
+                if (pixel % 256 * 0x010101 != pixel)
+                    return {"a letter is not white"};
+                white += pixel == 0xFFFFFF;
+                found.pixels += 1;
+            }
+        if (white < static_cast<int>(text.size()) * lineHeight)
+            return {"letters are missing"};
+        TextPage moved;
+        moved.write(left + 7, top + 5);
+        for (int y = 0; y < height - 5; ++y)
+            for (int x = 0; x < width - 7; ++x)
+                if (moved.dst.at(x + 7, y + 5) != dst.at(x, y))
+                    return {"the letters differ from place to place"};
+        return found;
+    }
+
+    static constexpr int left = 10;
+    static constexpr int top = 20;
+
+private:
+    static constexpr q_ulong ground = 0x5A102030;
+    static constexpr int width = 640;
+    static constexpr int height = 80;
+    static constexpr int lineHeight = 40;
+    test::Surface dst;
+    std::string text = "Letters on a page";
+    std::string face = "DejaVu Sans";
+};
+
+void addTextRow() {
+    addJobs(
+        {{"iTextOut", "17 characters 40 pixels high", "texts", [] {
+              auto page = std::make_shared<TextPage>();
+              return Job{[page] { page->write(TextPage::left, TextPage::top); }, [page] { return page->outcome(); }, 1};
+          }}});
+}
+
+#endif
+
 } // namespace
 
 void addBlitRows() {
@@ -434,6 +501,9 @@ void addBlitRows() {
     addAdditiveRows();
     addColourKeyRows();
     addAlphaRows();
+#if Q_MUR_BENCH_TEXT
+    addTextRow();
+#endif
     addCall("i3DBltNear32", i3DBltNear32, [] {
         i3DBltNear32();
         return true; // that it returns is all it promises

@@ -81,6 +81,7 @@ int main(int argc, char **argv) {
     bench::addFilterRows();
     bench::addPipelineRows();
     bench::addTexturedRows();
+    bench::addSpriteRows();
     bench::Table table(checkOnly);
     benchmark::RunSpecifiedBenchmarks(&table);
     benchmark::Shutdown();

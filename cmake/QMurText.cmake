@@ -1,11 +1,13 @@
 # What draws the letters of texts: GDI on Windows, FreeType and fontconfig elsewhere, and nothing where these are
 # lacking or Q_MUR_TEXT is off. Sets
 #   Q_MUR_TEXT_RASTERISER         gdi, freetype or none, as in src/blit/text_<rasteriser>.cpp
-#   Q_MUR_TEXT_LIBRARIES          what the library links for it
+#   Q_MUR_TEXT_INCLUDES, Q_MUR_TEXT_LIBRARIES
+#                                 what the library is compiled with and linked with for it
 #   Q_MUR_TEXT_INSTALLED_LIBRARIES, Q_MUR_TEXT_PC_LIBRARIES
 #                                 what programs link for the installed static library, as told to CMake and pkg-config
 
 set(Q_MUR_TEXT_RASTERISER none)
+set(Q_MUR_TEXT_INCLUDES "")
 set(Q_MUR_TEXT_LIBRARIES "")
 set(Q_MUR_TEXT_INSTALLED_LIBRARIES "")
 set(Q_MUR_TEXT_PC_LIBRARIES "")
@@ -38,7 +40,8 @@ function(q_mur_find_freetype)
         return FT_Init_FreeType(&library) + FcGetVersion();
       }" Q_MUR_FREETYPE_LINKS)
   endif()
-  if(NOT Q_MUR_FREETYPE_LINKS)
+  # The last result is remembered, also when the packages have gone since.
+  if(NOT (FREETYPE_FOUND AND Fontconfig_FOUND AND Q_MUR_FREETYPE_LINKS))
     # Packages may have come when the build is configured again.
     unset(Q_MUR_FREETYPE_LINKS CACHE)
     q_mur_say_once("iTextOut will draw nothing: no FreeType and fontconfig for this architecture")

@@ -70,6 +70,7 @@ void addRegionRows();
 void addFilterRows();
 void addPipelineRows();
 void addTexturedRows();
+void addSpriteRows();
 
 } // namespace bench
 

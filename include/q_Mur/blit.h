@@ -206,8 +206,10 @@ Q_MUR_API void iBltFast32AlphaChannelSafe(q_ulong *dst, q_ulong *src, int dstX, 
 /// its last column or row is missing.
 ///
 /// \param text 8-bit characters of code page 1252, ending with a zero. Line breaks begin new lines, each centred in the
-/// width of the widest. An `&` underlines the character behind it, `&&` stands for one `&`
-/// \param colour 0x00BBGGRR: red in the lowest byte, the reverse of a pixel
+/// width of the widest. An `&` underlines the character behind it, of several in a line only the last one; `&&` stands
+/// for one `&`
+/// \param colour 0x00BBGGRR: red in the lowest byte, the reverse of a pixel. The top byte is 0; what anything else
+/// there means is the platform's affair
 /// \param fontHeight in pixels: positive the height of a line, negative that of its letters, 0 whatever is usual
 /// \param fontName the name of a face as the system knows it; empty leaves the choice to the system
 /// \return 1 if the text was drawn, also where the clip left nothing of it; 0 if it could not be had: it is empty or

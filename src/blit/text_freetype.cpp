@@ -33,21 +33,36 @@ constexpr bool endsLine(char character) {
     return character == '\r' || character == '\n';
 }
 
-/// Calls `visit(character, is underlined)` for the characters of the line that starts at `text`. A single ampersand
-/// underlines the character behind it, a double one stands for itself. Returns the start of the next line, or null.
+constexpr unsigned char byteOf(char character) {
+    return static_cast<unsigned char>(character);
+}
+
+/// Calls `visit(character, is marked)` for the characters of the line that starts at `text`. A single ampersand marks
+/// the character behind it, a double one stands for itself; before a line break it marks nothing, and only as the very
+/// last character it is one like others. Returns the start of the next line, or null.
 template <class Visit>
 const char *forEachInLine(const char *text, Visit visit) {
     for (; *text && !endsLine(*text); ++text) {
-        const bool isMark = *text == '&' && text[1] && !endsLine(text[1]);
-        if (isMark)
-            ++text;
-        visit(static_cast<unsigned char>(*text), isMark && *text != '&');
+        const bool isMark = *text == '&' && text[1];
+        if (isMark && endsLine(*++text))
+            break;
+        visit(*text, isMark && *text != '&');
     }
     if (!*text)
         return nullptr;
     const bool isPair = endsLine(text[1]) && text[1] != text[0];
     text += isPair ? 2 : 1;
     return *text ? text : nullptr; // a break at the very end begins no line
+}
+
+/// The one character of a line that is underlined, the last that is marked; null if none is.
+const char *underlinedIn(const char *line) {
+    const char *underlined = nullptr;
+    forEachInLine(line, [&underlined](const char &character, bool isMarked) {
+        if (isMarked)
+            underlined = &character;
+    });
+    return underlined;
 }
 
 /// The bold face of the system that comes nearest to a name. Null or empty, the name leaves the choice to the system.
@@ -63,7 +78,7 @@ public:
             open(nullptr);
     }
 
-    /// Sets the height in pixels: of a cell where positive, of the letters where negative. False if there is no such
+    /// Sets the height in pixels: of a line where positive, of the letters where negative. False if there is no such
     /// font.
     bool setHeight(int height) {
         if (!face)
@@ -77,16 +92,16 @@ public:
             descender = windows->usWinDescent;
         }
         const long long unitsPerEm = face->units_per_EM;
-        if (ascender + descender <= 0 || unitsPerEm == 0)
+        const long long units = ascender + descender;
+        if (units <= 0 || unitsPerEm == 0)
             return false;
-        const long long cell = height == 0 ? usual : height;
-        long long em = cell < 0 ? -cell : cell * unitsPerEm / (ascender + descender);
+        const long long asked = height == 0 ? usual : height;
+        long long em = asked < 0 ? -asked : rounded(asked * unitsPerEm, units);
         em = em < 1 ? 1 : em;
         if (em > largest || FT_Set_Pixel_Sizes(face.get(), 0, static_cast<FT_UInt>(em)) != 0)
             return false;
-        const auto inPixels = [em, unitsPerEm](long long units) { return (units * em + unitsPerEm / 2) / unitsPerEm; };
-        ascent = static_cast<int>(inPixels(ascender));
-        lineHeight = ascent + static_cast<int>(inPixels(descender));
+        lineHeight = static_cast<int>(asked < 0 ? rounded(units * em, unitsPerEm) : asked);
+        ascent = static_cast<int>(rounded(ascender * lineHeight, units));
         return lineHeight > 0;
     }
 
@@ -121,6 +136,10 @@ public:
     int lineHeight = 0;
 
 private:
+    static constexpr long long rounded(long long dividend, long long divisor) {
+        return (dividend + divisor / 2) / divisor;
+    }
+
     bool open(const char *name) {
         const Pattern wanted(FcPatternCreate(), FcPatternDestroy);
         if (!wanted)
@@ -175,7 +194,7 @@ public:
         for (const char *line = text; line; ++lines) {
             const long long lineWidth = widthOfLine(font, line);
             widest = lineWidth > widest ? lineWidth : widest;
-            line = forEachInLine(line, [](unsigned char, bool) {});
+            line = forEachInLine(line, [](char, bool) {});
         }
         if (!canBeRaster(widest, lines * font.lineHeight))
             return;
@@ -195,18 +214,19 @@ public:
 private:
     static long long widthOfLine(Font &font, const char *line) {
         long long lineWidth = 0;
-        forEachInLine(line, [&](unsigned char character, bool) { lineWidth += font.advanceOf(character); });
+        forEachInLine(line, [&](char character, bool) { lineWidth += font.advanceOf(byteOf(character)); });
         return lineWidth;
     }
 
     const char *drawLine(Font &font, const char *line, int x, int baseLine) {
-        return forEachInLine(line, [&](unsigned char character, bool isUnderlined) {
-            const int advance = font.advanceOf(character);
-            if (font.load(character)) {
+        const char *const underlined = underlinedIn(line);
+        return forEachInLine(line, [&](const char &character, bool) {
+            const int advance = font.advanceOf(byteOf(character));
+            if (font.load(byteOf(character))) {
                 if (const FT_GlyphSlot glyph = font.rendered())
                     drawGlyph(*glyph, x, baseLine);
             }
-            for (int column = 0; isUnderlined && column < advance; ++column)
+            for (int column = 0; &character == underlined && column < advance; ++column)
                 ink(x + column, baseLine + 1, 255);
             x += advance;
         });

@@ -95,7 +95,7 @@ int LoadBitmap24(q_ulong *dst, char *name, int width, int height) {
         return 0;
     Rows rows;
     const bool isPicture = readHeader(file, width, height, rows);
-    if (isPicture)
+    if (isPicture && width > 0) // a file may claim any number of rows without a pixel
         for (Distance y = 0; y < height; ++y)
             readRow(file, rows.offset + y * rows.stride, dst + (height - 1 - y) * Distance{width}, width);
     std::fclose(file);

@@ -6,7 +6,7 @@ namespace {
 
 using namespace qmur;
 
-HINSTANCE__ *spriteModule;
+[[maybe_unused]] HINSTANCE__ *spriteModule;
 
 /// Meant: width and height are the caller's alone. Columns beyond the sprite's read on into its next row, and only the
 /// end of its pixels is a bound.

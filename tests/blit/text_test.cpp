@@ -8,6 +8,13 @@
 #include <limits>
 #include <thread>
 
+#if defined(_WIN32)
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#endif
+
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
 #define Q_MUR_TESTS_DETECT_LEAKS
@@ -459,12 +466,28 @@ TEST(iTextOut, characters_are_those_of_code_page_1252) {
     EXPECT_LT(em.bottom - em.top, 12);
 }
 
+// GDI rounds a font's em and with it the height of its lines.
+#if defined(_WIN32)
+constexpr double lineHeightError = 1.0;
+#else
+constexpr double lineHeightError = 0.0;
+#endif
+
+TEST(iTextOut, a_positive_height_is_the_distance_of_lines) {
+    for (int height = 8; height <= 64; ++height) {
+        const tagRECT one = inkOf(page("H", height));
+        const tagRECT two = inkOf(page("H\nH", height));
+        EXPECT_EQ(two.top, one.top) << height;
+        EXPECT_NEAR(static_cast<double>(two.bottom - one.bottom), height, lineHeightError) << height;
+    }
+}
+
 TEST(iTextOut, line_breaks_begin_lines_that_are_centred) {
     const Surface two = page("HHHHHH\nH", 30);
     const tagRECT first = inkOf(page("HHHHHH", 30));
     const tagRECT both = inkOf(two);
     EXPECT_EQ(both.top, first.top);
-    EXPECT_NEAR(static_cast<double>(both.bottom - first.bottom), 30.0, 2.0);
+    EXPECT_NEAR(static_cast<double>(both.bottom - first.bottom), 30.0, lineHeightError);
     q_long left = two.width(), right = 0;
     for (int y = static_cast<int>(first.bottom); y < two.height(); ++y)
         for (int x = 0; x < two.width(); ++x)
@@ -490,6 +513,39 @@ TEST(iTextOut, an_ampersand_underlines_and_two_stand_for_one) {
         for (int x = 0; x < plain.width(); ++x)
             ASSERT_EQ(underlined.at(x, y), plain.at(x, y)) << x << ", " << y;
     EXPECT_GT(inkOf(page("H&&H", 40)).right, inkOf(page("HH", 40)).right + 10);
+}
+
+TEST(iTextOut, of_several_ampersands_in_a_line_the_last_one_underlines) {
+    const Surface several = page("H&I&H", 40);
+    const tagRECT plain = inkOf(page("HIH", 40));
+    const tagRECT before = inkOf(page("HI", 40));
+    bool isUnderlined = false;
+    for (int y = static_cast<int>(plain.bottom); y < several.height(); ++y)
+        for (int x = 0; x < several.width(); ++x)
+            if (isInked(several, x, y)) {
+                EXPECT_GE(x, before.right) << y;
+                isUnderlined = true;
+            }
+    EXPECT_TRUE(isUnderlined);
+    EXPECT_FALSE(several == page("H&IH", 40));
+    EXPECT_EQ(several.differenceFrom(page("HI&H", 40)), "");
+    EXPECT_EQ(page("&H&&&I&&H", 40).differenceFrom(page("H&&&I&&H", 40)), "");
+}
+
+TEST(iTextOut, each_line_has_its_own_underlined_character) {
+    EXPECT_EQ(page("&H&I\n&I&H", 30).differenceFrom(page("H&I\nI&H", 30)), "");
+    EXPECT_FALSE(page("H&I\nI&H", 30) == page("H&I\nIH", 30));
+    EXPECT_FALSE(page("H&I\nI&H", 30) == page("HI\nI&H", 30));
+}
+
+TEST(iTextOut, an_ampersand_before_a_break_is_dropped_and_one_at_the_end_is_a_character) {
+    for (const std::string lineBreak : {"\n", "\r", "\r\n"}) {
+        EXPECT_EQ(page("H&" + lineBreak + "IH").differenceFrom(page("H\nIH")), "");
+        EXPECT_EQ(page("H&I&" + lineBreak + "HH").differenceFrom(page("H&I\nHH")), "");
+    }
+    EXPECT_EQ(page("H&").differenceFrom(page("H&&")), "");
+    EXPECT_EQ(page("H&I&").differenceFrom(page("H&I&&")), "");
+    EXPECT_EQ(page("H\n&").differenceFrom(page("H\n&&")), "");
 }
 
 TEST(iTextOut, equal_calls_write_equal_bytes_also_at_the_same_time) {
@@ -533,6 +589,48 @@ TEST(iTextOut, a_text_of_many_characters_begins_as_a_short_one) {
     const Surface shorter = page(text.substr(0, 60), 16);
     EXPECT_EQ(page(text, 16).differenceFrom(shorter), "");
 }
+
+#if defined(_WIN32)
+
+/// Takes all GDI objects that a program may have, 10,000 or more, but for a few.
+class ScarceObjects {
+public:
+    explicit ScarceObjects(int left) {
+        constexpr std::size_t all = 0x10000; // a handle has 16 bits for its index
+        while (taken.size() < all) {
+            const HBRUSH brush = CreateSolidBrush(0);
+            if (!brush)
+                break;
+            taken.push_back(brush);
+        }
+        isScarce = taken.size() < all;
+        for (; left > 0 && !taken.empty(); --left) {
+            DeleteObject(taken.back());
+            taken.pop_back();
+        }
+    }
+    ~ScarceObjects() {
+        for (const HBRUSH brush : taken)
+            DeleteObject(brush);
+    }
+    ScarceObjects(const ScarceObjects &) = delete;
+    ScarceObjects &operator=(const ScarceObjects &) = delete;
+
+    bool isScarce = false;
+
+private:
+    std::vector<HBRUSH> taken;
+};
+
+TEST(iTextOut, each_call_gives_its_objects_back) {
+    Surface surface(40, 16, ground);
+    const ScarceObjects scarce(100);
+    ASSERT_TRUE(scarce.isScarce);
+    for (int i = 0; i < 12000; ++i)
+        ASSERT_EQ(write(surface, "H&x", white, 1, 1, 8, sans), 1) << i;
+}
+
+#endif
 
 TEST(iTextOut, any_bytes_stay_inside_the_clip) {
     for (int seed = 0; seed < 300; ++seed) {

@@ -13,7 +13,7 @@ usage: exports_test.py symbols LIBRARY SCHEME... --reader PROGRAM
            the library shows the whole interface: so many functions and so many arrays
 
 PROGRAM is nm for shared objects and archives, objdump for DLLs. A NAME stands for all overloads of it unless its
-parameters stand behind it, as in the list. Exit status 77 says that the list does not have all the names yet.
+parameters stand behind it, as in the list.
 """
 
 import argparse
@@ -24,7 +24,6 @@ import re
 import subprocess
 import sys
 
-SKIPPED = 77
 FUNCTIONS, ARRAYS = 257, 3
 SYSTEM_DLLS = {"kernel32.dll", "msvcrt.dll", "user32.dll", "gdi32.dll"}
 
@@ -116,7 +115,7 @@ def check_one_body(arguments, exports):
     absent = [name for name, bodies in found.items() if not bodies]
     if absent:
         print(f"not in the list: {', '.join(absent)}")
-        return SKIPPED
+        return 1
     return 0
 
 
@@ -135,9 +134,7 @@ def check_count(arguments, exports, is_array):
     arrays = sum(map(is_array, shown))
     functions = len(shown) - arrays
     print(f"{functions} functions and {arrays} arrays shown, of {FUNCTIONS} and {ARRAYS}")
-    if len(exports) < FUNCTIONS + ARRAYS:
-        print(f"the list has {len(exports)} names of {FUNCTIONS + ARRAYS}")
-        return SKIPPED
+    print(f"{len(exports)} names in the list")
     return 0 if (functions, arrays, len(exports)) == (FUNCTIONS, ARRAYS, FUNCTIONS + ARRAYS) else 1
 
 

@@ -4,15 +4,26 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstdio>
+#include <exception>
 #include <filesystem>
+#include <fstream>
+#include <iostream>
 #include <limits>
 #include <random>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 #include <vector>
+
+#if defined(_WIN32)
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#endif
 
 namespace {
 
@@ -56,7 +67,46 @@ public:
             throw std::runtime_error("cannot write " + name);
     }
 
+    /// Writes an empty file of any size, in which only what is written later takes room. False where the file system
+    /// has no such files.
+    bool writeHole(const std::string &name, std::uintmax_t size) const {
+        write(name, {});
+        if (!mayHaveHoles(prefix() + name))
+            return false;
+        std::error_code error;
+        std::filesystem::resize_file(path / name, size, error);
+        return !error;
+    }
+
+    /// Writes bytes into a file, wherever they lie.
+    void writeInto(const std::string &name, std::int64_t position, const Bytes &bytes) const {
+        std::fstream file(prefix() + name, std::ios::in | std::ios::out | std::ios::binary);
+        file.seekp(position);
+        file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        file.close();
+        if (!file)
+            throw std::runtime_error("cannot write into " + name);
+    }
+
 private:
+#if defined(_WIN32)
+    /// Windows must be told, and some of its file systems refuse.
+    static bool mayHaveHoles(const std::string &filePath) {
+        const HANDLE file = CreateFileA(filePath.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file == INVALID_HANDLE_VALUE)
+            return false;
+        DWORD count = 0;
+        const BOOL isGranted = DeviceIoControl(file, FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &count, nullptr);
+        CloseHandle(file);
+        return isGranted != 0;
+    }
+#else
+    static bool mayHaveHoles(const std::string &) {
+        return true;
+    }
+#endif
+
     std::filesystem::path path;
 };
 
@@ -85,13 +135,23 @@ Loaded load(std::string name, int width, int height) {
 }
 
 /// What happened with a whole path before any directory was set: taken down before a test runs.
-const int answerWithoutDirectory = [] {
-    const Directory directory;
-    directory.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
+struct WithoutDirectory {
+    WithoutDirectory() noexcept {
+        try {
+            const Directory directory;
+            directory.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
+            answer = LoadBitmap24(&pixel, (directory.prefix() + "a.bmp").data(), 1, 1);
+        } catch (const std::exception &) {
+            hasFile = false;
+        }
+    }
+
+    bool hasFile = true;
+    int answer = -1;
     q_ulong pixel = untouched;
-    const int answer = LoadBitmap24(&pixel, (directory.prefix() + "a.bmp").data(), 1, 1);
-    return pixel == 0x030201 ? answer : -1;
-}();
+};
+
+const WithoutDirectory withoutDirectory;
 
 class LoadBitmap24Files : public testing::Test {
 protected:
@@ -156,6 +216,14 @@ TEST_F(LoadBitmap24Files, negative_sizes_and_pictures_without_rows_are_answered_
 
 TEST_F(LoadBitmap24Files, rows_without_pixels_are_a_picture) {
     EXPECT_EQ(loadOf(Bitmap::ofSize(0, 2, 4)).answer, 1);
+}
+
+TEST_F(LoadBitmap24Files, rows_without_pixels_take_no_time_however_many) {
+    Bitmap bitmap = Bitmap::ofSize(0, 1, 4);
+    bitmap.height = std::numeric_limits<int>::max();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(loadOf(bitmap).answer, 1);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)); // a seek for each takes minutes
 }
 
 TEST_F(LoadBitmap24Files, only_24_bits_are_read) {
@@ -270,6 +338,28 @@ TEST_F(LoadBitmap24Files, rows_claimed_far_behind_the_end_are_black) {
     }
 }
 
+TEST_F(LoadBitmap24Files, a_file_of_3_GiB_is_read_where_rows_begin_below_2_GiB) {
+    constexpr std::int64_t GiB = std::int64_t{1} << 30;
+    if (!directory.writeHole("picture.bmp", 3 * GiB)) {
+        std::cout << "no file of 3 GiB can be made here without taking that room\n";
+        return;
+    }
+    directory.writeInto("picture.bmp", GiB - 1, {1, 2, 3, 4, 5});
+    directory.writeInto("picture.bmp", 2 * GiB - 1, {6, 7, 8, 9, 10});
+    const auto loadedFrom = [this](std::int64_t offset) { // two rows, 1 GiB apart
+        Bitmap bitmap = Bitmap::ofSize(1, 2, 0);
+        bitmap.dataOffset = static_cast<std::uint32_t>(offset);
+        bitmap.fileSize = static_cast<std::uint32_t>(offset + 2 * GiB);
+        directory.writeInto("picture.bmp", 0, bitmap.file());
+        const Loaded loaded = load("picture.bmp", 1, 2);
+        EXPECT_EQ(loaded.answer, 1) << offset;
+        return loaded.pixels;
+    };
+    EXPECT_EQ(loadedFrom(GiB - 1), (Pixels{0x080706, 0x030201}));
+    EXPECT_EQ(loadedFrom(GiB), (Pixels{0, 0x040302}));
+    EXPECT_EQ(loadedFrom(GiB + 1), (Pixels{0, 0x050403}));
+}
+
 TEST_F(LoadBitmap24Files, what_is_no_file_is_answered_0) {
     EXPECT_EQ(load("nobody.bmp", 1, 1).answer, 0);
     EXPECT_EQ(load("", 1, 1).answer, 0);
@@ -292,7 +382,9 @@ TEST_F(LoadBitmap24Files, files_are_closed_whatever_is_answered) {
 }
 
 TEST(LoadBitmap24, without_a_directory_the_name_is_the_path) {
-    EXPECT_EQ(answerWithoutDirectory, 1);
+    ASSERT_TRUE(withoutDirectory.hasFile) << "there was no file to load";
+    EXPECT_EQ(withoutDirectory.answer, 1);
+    EXPECT_EQ(withoutDirectory.pixel, 0x030201u);
 }
 
 TEST(SetSpriteDir, a_later_directory_takes_the_place_of_an_earlier_one) {
