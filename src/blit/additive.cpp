@@ -1,3 +1,4 @@
+#include "../frame/one_pixel.h"
 #include "../frame/wide.h"
 #include "placement.h"
 #include "q_Mur/blit.h"
@@ -57,11 +58,8 @@ void iBltFast32_Add(q_ulong *dst, q_ulong *src, q_ulong dstX, q_ulong dstY, tagR
 void iBltNear32_Add(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
                     q_ulong srcPitch) {
     forEachNearest(addedOnto<Signed17_15>(dst, dstPitch, *dstRect, src, srcPitch, *srcRect), [](q_ulong &d, q_ulong s) {
-        const q_ulong red = (d & redMask) + (s & redMask);
-        const q_ulong green = (d & greenMask) + (s & greenMask);
         // Meant: blue is not capped, and its carry is or-ed onto the lowest bit of green.
-        const q_ulong blue = (d & blueMask) + (s & blueMask);
-        d = ((red > redMask ? redMask : red) & redMask) | ((green > greenMask ? greenMask : green) & greenMask) | blue;
+        d = (saturatingBytes(d, s) & (redMask | greenMask)) | (blueOf(d) + blueOf(s));
     });
 }
 

@@ -1,4 +1,4 @@
-#include "../frame/alpha.h"
+#include "../frame/one_pixel.h"
 #include "four_pixels.h"
 #include "placement.h"
 #include "q_Mur/blit.h"
@@ -13,9 +13,6 @@ struct ConstantBlend {
     AlphaWeights weights;
 
     explicit ConstantBlend(float alpha) : weights(alphaWeights(alpha)) {}
-
-    /// Whether the weights are such that no channel reaches into its neighbour.
-    bool withinRange() const { return weights.src <= 256; }
 
     q_ulong one(q_ulong d, q_ulong s) const { return blend256(d, weights.dst, s, weights.src); }
 #if defined(__SSE2__)
@@ -80,7 +77,7 @@ struct ChannelBlendUnlessClear : ChannelBlend<256> {
 /// Draws with constant weights; those outside 0 to 256 are left to the masks, pixel by pixel.
 template <class Operation>
 void combineConstant(const Placement &placement, const ConstantBlend &blend, Operation operation) {
-    if (blend.withinRange())
+    if (blend.weights.areWithinRange())
         combineRows(placement, operation);
     else
         forEachPixel(placement, [operation](q_ulong &d, q_ulong s) { d = operation.one(d, s); });
@@ -109,13 +106,18 @@ void iBltBilinear32_Alpha(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT 
     if (isEmpty(*srcRect))
         return;
     const AlphaWeights weights = alphaWeights(alpha);
-    forEachFiltered(scaledOnto<Unsigned12_20>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect),
-                    [weights](q_ulong &d, ChannelSums sums) {
-                        const q_ulong s = sums.pixel();
-                        // Blue is not masked: outside 0 to 1 its sign runs through the whole word.
-                        const auto blue = static_cast<int>(weightedByte(blueOf(d), blueOf(s), weights));
-                        d = mixedRedGreen(d, s, weights) | static_cast<q_ulong>(blue >> 8);
-                    });
+    const auto walk =
+        scaledOnto<Unsigned12_20>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect);
+    if (weights.areWithinRange())
+        forEachFiltered(walk,
+                        [blend = OnePixelBlend(weights)](q_ulong &d, ChannelSums sums) { d = blend(d, sums.pixel()); });
+    else
+        forEachFiltered(walk, [weights](q_ulong &d, ChannelSums sums) {
+            const q_ulong s = sums.pixel();
+            // Blue is not masked: outside 0 to 1 its sign runs through the whole word.
+            const auto blue = static_cast<int>(weightedByte(blueOf(d), blueOf(s), weights));
+            d = mixedRedGreen(d, s, weights) | static_cast<q_ulong>(blue >> 8);
+        });
 }
 
 void iBltFast32_KeySrc_AlphaFast(q_ulong *dst, q_ulong *src, int dstX, int dstY, tagRECT *srcRect, int dstPitch,

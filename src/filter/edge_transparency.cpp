@@ -1,5 +1,6 @@
+#include "../frame/extent.h"
 #include "../frame/pixel.h"
-#include "../frame/surface.h"
+#include "../frame/stretch.h"
 #include "../frame/wide.h"
 #include "q_Mur/filter.h"
 
@@ -45,6 +46,56 @@ constexpr Span includingLast(Span stretch, Span clip) {
 void mixRun(q_ulong *out, const q_ulong *low, const q_ulong *high, Distance stride, int count, int value, int ramp) {
     for (; count > 0; --count, out += stride, low += stride, high += stride, value = wrapAdd(value, ramp))
         *out = mix4096(*low, *high, static_cast<q_ulong>(value / 4096));
+}
+
+/// The pictures of a call.
+struct Pictures {
+    q_ulong *out;
+    const q_ulong *low;
+    const q_ulong *high;
+    Distance pitch;
+
+    /// Whether the pixels of a window may be mixed in any order, for none of them is read after it was written.
+    bool leaveOrderOpen(const Window &window) const {
+        const Extent written = extentOf(out, pitch, window);
+        const auto keepsClear = [&](const q_ulong *picture) {
+            return picture == out || written.isApartFrom(extentOf(picture, pitch, window));
+        };
+        return keepsPixelsApart(pitch, window.columns.length()) && keepsClear(low) && keepsClear(high);
+    }
+};
+
+/// Mixes a strip along columns row by row, as it lies in memory. Says no if the strip does not lie plainly enough, or
+/// if the pictures overlap so that the order of the columns shows.
+bool mixByRows(const Pictures &pictures, const Strip &strip, tagPOINT fixedPoint, Span columns, Span clipRows) {
+    const auto [out, low, high, pitch] = pictures;
+    const auto [slope, band, ramp] = strip;
+    // A column starts at its position's whole part, moved by the offset.
+    const int position = wrapMultiply(wrapSubtract(columns.begin, static_cast<int>(fixedPoint.x)), slope);
+    const int offset = wrapSubtract(static_cast<int>(fixedPoint.y), band);
+    const int count = columns.length();
+    constexpr Bounds plain = {-(1 << 29), 1 << 29}; // sums of any two and a whole part stay within 32 bits
+    if (columns.empty() || count < 1 || band < 1 || !plain.contain(offset) || !plain.contain(band) ||
+        !staysIn32Bits(position, slope, count))
+        return false;
+    const int firstStart = (position >> 15) + offset;
+    const int lastStart = (wrapAdd(position, wrapMultiply(count - 1, slope)) >> 15) + offset;
+    const int extent = 2 * band;
+    const Span rows = intersection({smaller(firstStart, lastStart), larger(firstStart, lastStart) + extent}, clipRows);
+    if (rows.empty())
+        return true;
+    if (!pictures.leaveOrderOpen({columns, rows}))
+        return false;
+    for (int y = rows.begin; y < rows.end; ++y) {
+        const Span inside = stretchInside(position, slope, scaledBounds(y - extent + 1, y + 1, offset, 15), {0, count});
+        const Distance row = y * pitch + columns.begin;
+        int here = wrapAdd(position, wrapMultiply(inside.begin, slope));
+        for (int x = inside.begin; x < inside.end; ++x, here = wrapAdd(here, slope)) {
+            const int value = wrapMultiply(y - (here >> 15) - offset, ramp);
+            out[row + x] = mix4096(low[row + x], high[row + x], static_cast<q_ulong>(value / 4096));
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -98,6 +149,8 @@ void Edge_Transparency(q_ulong *out, q_ulong *imageA, q_ulong *imageB, tagPOINT 
         }
     } else {
         const Span walked = includingLast(columns, clipColumns);
+        if (mixByRows({out, low, high, pitch}, strip, *p1, walked, clipRowsButLast))
+            return;
         for (int x = walked.begin; x < walked.end; ++x) {
             const int start = strip.startAt(wrapSubtract(x, x1), y1);
             const Span across = intersection({start, wrapAdd(start, extent)}, clipRowsButLast);

@@ -12,6 +12,9 @@ namespace qmur {
 struct AlphaWeights {
     q_ulong src;
     q_ulong dst;
+
+    /// Whether the weights are from 0 to 256, so that no channel reaches into its neighbour.
+    constexpr bool areWithinRange() const { return src <= 256; }
 };
 
 inline AlphaWeights alphaWeights(float alpha) {

@@ -1,3 +1,4 @@
+#include "../frame/extent.h"
 #include "../frame/stretch.h"
 #include "../frame/wide.h"
 #include "q_Mur/warp.h"
@@ -32,11 +33,11 @@ struct Position {
 };
 
 /// Where one destination line finds its source.
-struct Line {
-    int source; ///< the source line
-    int step;   ///< source pixels for one destination pixel
+struct SourceLine {
+    int line;
+    int step; ///< source pixels for one destination pixel
 
-    static Line at(int outer, const Turn &turn, int centre, int sourceCentre) {
+    static SourceLine at(int outer, const Turn &turn, int centre, int sourceCentre) {
         const auto growth = [outer, centre](int factor) {
             return wrapSubtract(wrapMultiply(outer, factor), wrapMultiply(centre, factor)) >> 15;
         };
@@ -65,37 +66,110 @@ struct Outside {
 struct InnerAxis {
     int destCentre;
     int sourceCentre;
-    Bounds source; ///< the source pixels that are shown
+    Bounds source;         ///< the source pixels that are shown
+    Distance sourceStride; ///< 0: a line is of one colour
+
+    /// How far the source of a line's pixel lies from the centre, in 15 fraction bits.
+    int positionAt(int inner, int step) const {
+        return wrapSubtract(wrapMultiply(inner, step), wrapMultiply(destCentre, step));
+    }
+    int sourceAt(int position) const { return wrapAdd(position >> 15, sourceCentre); }
 };
 
-/// Draws the pixels `inner` of one line: `inside(dst pixel, source position)` where the source is shown, `outside`
-/// elsewhere. `index` belongs to the inner coordinate 0.
-template <class Inside>
-void drawLine(q_ulong *dst, Distance index, Distance stride, Span inner, int step, const InnerAxis &axis,
-              const Outside &outside, Inside inside) {
-    const int sourceCentre = axis.sourceCentre;
-    const int start = wrapSubtract(wrapMultiply(inner.begin, step), wrapMultiply(axis.destCentre, step));
+/// What one destination line shows.
+struct ShownLine {
+    const q_ulong *source; ///< null: what stands outside
+    int step;
+};
+
+/// What the lines of a walk have in common.
+struct Walk {
+    q_ulong *dst;
+    Strides strides;
+    Span inner; ///< the pixels of each line
+    InnerAxis axis;
+    Outside outside;
+};
+
+void drawLine(const Walk &walk, int outer, const ShownLine &line) {
+    const auto [dst, strides, inner, axis, outside] = walk;
+    const Distance stride = strides.inner;
+    const int step = line.step;
+    const int start = axis.positionAt(inner.begin, step);
     const int count = inner.length();
-    index += inner.begin * stride;
-    if (staysIn32Bits(start, step, count)) {
-        const Bounds scaled = {(axis.source.low - sourceCentre) * 32768, (axis.source.high - sourceCentre) * 32768};
+    Distance index = outer * strides.outer + inner.begin * stride;
+    if (!line.source) {
+        outside.store(dst, index, stride, count);
+    } else if (staysIn32Bits(start, step, count)) {
+        const Bounds scaled = scaledBounds(axis.source.low, axis.source.high, axis.sourceCentre, 15);
         const Span stretch = stretchInside(start, step, scaled, {0, count});
         outside.store(dst, index, stride, stretch.begin);
+        index += stretch.begin * stride;
         int position = wrapAdd(start, wrapMultiply(step, stretch.begin));
-        Distance at = index + stretch.begin * stride;
-        for (int x = stretch.begin; x < stretch.end; ++x, at += stride, position = wrapAdd(position, step))
-            inside(dst[at], (position >> 15) + sourceCentre);
-        outside.store(dst, at, stride, count - stretch.end);
-        return;
+        if (axis.sourceStride == 0) {
+            const q_ulong colour = *line.source;
+            for (int x = stretch.begin; x < stretch.end; ++x, index += stride)
+                dst[index] = colour;
+        } else {
+            for (int x = stretch.begin; x < stretch.end; ++x, index += stride, position = wrapAdd(position, step))
+                dst[index] = line.source[axis.sourceAt(position) * axis.sourceStride];
+        }
+        outside.store(dst, index, stride, count - stretch.end);
+    } else {
+        int position = start;
+        for (int x = 0; x < count; ++x, index += stride, position = wrapAdd(position, step)) {
+            const int source = axis.sourceAt(position);
+            if (axis.source.contain(source))
+                dst[index] = line.source[source * axis.sourceStride];
+            else
+                outside.store(dst, index, stride, 1);
+        }
     }
-    int position = start;
-    for (int x = 0; x < count; ++x, index += stride, position = wrapAdd(position, step)) {
-        const int source = wrapAdd(position >> 15, sourceCentre);
-        if (axis.source.contain(source))
-            inside(dst[index], source);
-        else
-            outside.store(dst, index, stride, 1);
+}
+
+/// Draws the lines, which are columns, in groups, and each group row by row, as it lies in memory.
+template <class LineAt>
+void drawColumnsByRows(const Walk &walk, Span columns, LineAt lineAt) {
+    constexpr int groupSize = 256; // a few kilobytes of state, and long enough runs of memory
+    const auto [dst, strides, inner, axis, outside] = walk;
+    const auto lowest = static_cast<unsigned>(axis.source.low);
+    const auto extent = static_cast<unsigned>(axis.source.high - axis.source.low);
+    int positions[groupSize];
+    int steps[groupSize];
+    unsigned extents[groupSize]; // 0 for a line that only shows what stands outside
+    const q_ulong *sources[groupSize];
+    for (int first = columns.begin, count = 0; first < columns.end; first += count) {
+        count = smaller(groupSize, columns.end - first);
+        for (int x = 0; x < count; ++x) {
+            const ShownLine line = lineAt(first + x);
+            positions[x] = axis.positionAt(inner.begin, line.step);
+            steps[x] = line.step;
+            extents[x] = line.source ? extent : 0;
+            sources[x] = line.source;
+        }
+        for (int y = inner.begin; y < inner.end; ++y) {
+            const Distance row = y * strides.inner + first;
+            for (int x = 0; x < count; ++x) {
+                const int source = axis.sourceAt(positions[x]);
+                positions[x] = wrapAdd(positions[x], steps[x]);
+                if (static_cast<unsigned>(source) - lowest < extents[x])
+                    dst[row + x] = sources[x][source * axis.sourceStride];
+                else
+                    outside.store(dst, row + x, 1, 1);
+            }
+        }
     }
+}
+
+/// Draws lines in their order; or `byRows`, for columns of which no pixel is read or written again after it was
+/// written, so that nothing tells the order.
+template <class LineAt>
+void drawLines(const Walk &walk, Span lines, bool byRows, LineAt lineAt) {
+    if (byRows)
+        drawColumnsByRows(walk, lines, lineAt);
+    else
+        for (int outer = lines.begin; outer < lines.end; ++outer)
+            drawLine(walk, outer, lineAt(outer));
 }
 
 /// The arguments of a full turn, on the outer and inner axes.
@@ -177,48 +251,56 @@ Reach reachOf(const TwoFaces &faces, double angle, double scale, double perspect
     });
 }
 
+/// Whether the lines are columns that may be drawn row by row.
+bool turnsByRows(const TwoFaces &faces, const Reach &reach) {
+    const Distance pitch = faces.strides.inner;
+    const Window frame = {{0, faces.outerLimit}, {0, faces.innerLimit}};
+    if (faces.strides.outer != 1 || !keepsPixelsApart(pitch, faces.outerLimit))
+        return false;
+    const Extent written = extentOf(faces.dst, pitch, frame);
+    if (faces.outside.background && !written.isApartFrom(extentOf(faces.outside.background, pitch, frame)))
+        return false;
+    if (!reach.backView)
+        return written.isApartFrom(extentOf(faces.front, pitch, {faces.srcOuter, faces.srcInner}));
+    // The back view counts its lines from the end on, down to 1.
+    const Span backLines = {0, faces.srcOuter.length()};
+    return !faces.back ||
+           (!backLines.empty() && written.isApartFrom(extentOf(faces.back + 1, pitch, {backLines, faces.srcInner})));
+}
+
 void turn(const TwoFaces &faces, double angle, double scale, double perspective) {
     if (faces.outerLimit < 1 || faces.innerLimit < 1)
         return;
     const Reach reach = reachOf(faces, angle, scale, perspective);
     if (!reach.drawn || reach.inner.empty())
         return;
-    q_ulong *const dst = faces.dst;
-    const Distance outerStride = faces.strides.outer;
-    const Distance innerStride = faces.strides.inner;
-    const Distance firstInner = reach.inner.begin * innerStride;
-
-    const auto clear = [&](Span lines) {
-        for (int outer = lines.begin; outer < lines.end; ++outer)
-            faces.outside.store(dst, outer * outerStride + firstInner, innerStride, reach.inner.length());
-    };
+    const bool showsColour = reach.backView && !faces.back;
+    const Walk walk = {faces.dst,
+                       faces.strides,
+                       reach.inner,
+                       {faces.destCentre.inner,
+                        wrapAdd(faces.srcInner.begin, faces.srcInner.end) / 2,
+                        {faces.srcInner.begin, faces.srcInner.end},
+                        showsColour ? 0 : faces.strides.inner},
+                       faces.outside};
+    const bool byRows = turnsByRows(faces, reach);
+    const auto clear = [&](Span lines) { drawLines(walk, lines, byRows, [](int) { return ShownLine{}; }); };
     clear({reach.band.begin, reach.face.begin});
     clear({reach.face.end, reach.band.end});
 
-    const InnerAxis axis = {faces.destCentre.inner,
-                            wrapAdd(faces.srcInner.begin, faces.srcInner.end) / 2,
-                            {faces.srcInner.begin, faces.srcInner.end}};
     const Bounds outerBounds = {faces.srcOuter.begin, faces.srcOuter.end};
-    for (int outer = reach.face.begin; outer < reach.face.end; ++outer) {
-        Line line = Line::at(outer, reach.turn, faces.destCentre.outer, faces.pivot);
+    drawLines(walk, reach.face, byRows, [&](int outer) {
+        auto [line, step] = SourceLine::at(outer, reach.turn, faces.destCentre.outer, faces.pivot);
         if (reach.backView && faces.front == faces.back)
-            line.source = wrapSubtract(faces.srcOuter.end, line.source);
-        const Distance index = outer * outerStride;
-        if (!outerBounds.contain(line.source) || axis.source.empty()) {
-            faces.outside.store(dst, index + firstInner, innerStride, reach.inner.length());
-        } else if (!reach.backView) {
-            const q_ulong *const source = faces.front + line.source * outerStride;
-            drawLine(dst, index, innerStride, reach.inner, line.step, axis, faces.outside,
-                     [source, innerStride](q_ulong &d, int s) { d = source[s * innerStride]; });
-        } else if (faces.back) {
-            const q_ulong *const source = faces.back + wrapSubtract(faces.srcOuter.end, line.source) * outerStride;
-            drawLine(dst, index, innerStride, reach.inner, line.step, axis, faces.outside,
-                     [source, innerStride](q_ulong &d, int s) { d = source[s * innerStride]; });
-        } else {
-            drawLine(dst, index, innerStride, reach.inner, line.step, axis, faces.outside,
-                     [colour = faces.backColour](q_ulong &d, int) { d = colour; });
-        }
-    }
+            line = wrapSubtract(faces.srcOuter.end, line);
+        if (!outerBounds.contain(line) || faces.srcInner.empty())
+            return ShownLine{};
+        if (showsColour)
+            return ShownLine{&faces.backColour, step};
+        if (reach.backView)
+            return ShownLine{faces.back + wrapSubtract(faces.srcOuter.end, line) * faces.strides.outer, step};
+        return ShownLine{faces.front + line * faces.strides.outer, step};
+    });
 }
 
 /// The arguments of a turn of a whole frame with one face.
@@ -232,6 +314,14 @@ struct WholeFrame {
     int firstInside; ///< the first source line and pixel that are shown
     Outside outside;
 };
+
+/// Whether the lines are columns that may be drawn row by row.
+bool turnsByRows(const WholeFrame &frame) {
+    const Window window = {{0, frame.outerExtent}, {0, frame.innerExtent}};
+    const Distance dstPitch = frame.dstStrides.inner;
+    return frame.dstStrides.outer == 1 && keepsPixelsApart(dstPitch, frame.outerExtent) && !frame.outside.background &&
+           extentOf(frame.dst, dstPitch, window).isApartFrom(extentOf(frame.src, frame.srcStrides.inner, window));
+}
 
 void turnFrame(const WholeFrame &frame, double angle, double scale, double perspective) {
     if (frame.outerExtent < 1 || frame.innerExtent < 1)
@@ -257,23 +347,19 @@ void turnFrame(const WholeFrame &frame, double angle, double scale, double persp
     const int last = frame.outerExtent - frameTurn.margin - 1;
     const Span face = {smaller(frameTurn.margin, outerHalf), last > outerHalf ? last : outerHalf + 1};
 
-    q_ulong *const dst = frame.dst;
-    const Distance dstStride = frame.dstStrides.inner;
-    const Distance srcStride = frame.srcStrides.inner;
-    const Span inner = {0, frame.innerExtent};
     const Bounds outerBounds = {frame.firstInside, frame.outerExtent};
-    const InnerAxis axis = {innerHalf, innerHalf, {frame.firstInside, frame.innerExtent}};
-    for (int outer = 0; outer < frame.outerExtent; ++outer) {
-        const Distance index = outer * frame.dstStrides.outer;
-        const Line line = Line::at(outer, frameTurn.turn, outerHalf, outerHalf);
-        if (outer < face.begin || outer >= face.end || !outerBounds.contain(line.source) || axis.source.empty()) {
-            frame.outside.store(dst, index, dstStride, inner.length());
-            continue;
-        }
-        const q_ulong *const source = frame.src + line.source * frame.srcStrides.outer;
-        drawLine(dst, index, dstStride, inner, line.step, axis, frame.outside,
-                 [source, srcStride](q_ulong &d, int s) { d = source[s * srcStride]; });
-    }
+    const Bounds innerBounds = {frame.firstInside, frame.innerExtent};
+    drawLines({frame.dst,
+               frame.dstStrides,
+               {0, frame.innerExtent},
+               {innerHalf, innerHalf, innerBounds, frame.srcStrides.inner},
+               frame.outside},
+              {0, frame.outerExtent}, turnsByRows(frame), [&](int outer) {
+                  const auto [line, step] = SourceLine::at(outer, frameTurn.turn, outerHalf, outerHalf);
+                  if (outer < face.begin || outer >= face.end || !outerBounds.contain(line) || innerBounds.empty())
+                      return ShownLine{};
+                  return ShownLine{frame.src + line * frame.srcStrides.outer, step};
+              });
 }
 
 } // namespace

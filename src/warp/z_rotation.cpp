@@ -1,4 +1,4 @@
-#include "../frame/alpha.h"
+#include "../frame/one_pixel.h"
 #include "../frame/sampling.h"
 #include "../frame/stretch.h"
 #include "../frame/wide.h"
@@ -157,10 +157,16 @@ void rotateFiltered(const Scene &scene, Store store) {
 
 constexpr auto copyPixel = [](q_ulong &d, q_ulong s) { d = s; };
 
-auto mixPixel(AlphaWeights weights) {
-    return [weights](q_ulong &d, q_ulong s) {
-        d = mixedRedGreen(d, s, weights) | weightedByte(blueOf(d), blueOf(s), weights) >> 8;
-    };
+/// Calls `rotate` with a store that mixes by a constant alpha.
+template <class Rotate>
+void withMix(float alpha, Rotate rotate) {
+    const AlphaWeights weights = alphaWeights(alpha);
+    if (weights.areWithinRange())
+        rotate([blend = OnePixelBlend(weights)](q_ulong &d, q_ulong s) { d = blend(d, s); });
+    else
+        rotate([weights](q_ulong &d, q_ulong s) {
+            d = mixedRedGreen(d, s, weights) | weightedByte(blueOf(d), blueOf(s), weights) >> 8;
+        });
 }
 
 } // namespace
@@ -179,13 +185,13 @@ void iBltNear32_Z_Roto_KeySrc(q_ulong *dst, int dstPitch, q_ulong *src, int srcP
 void iBltNear32_Z_Roto_KeySrc_Add(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                                   tagRECT *srcRect, int centreX, int centreY, float angle, float scale) {
     rotateNearest({dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale},
-                  [](q_ulong &d, q_ulong s) { d = s == 0 ? d : saturatingAdd(d, s); });
+                  [](q_ulong &d, q_ulong s) { d = saturatingBytes(d, s) & (s == 0 ? 0xFFFFFFFF : 0xFFFFFF); });
 }
 
 void iBltNear32_Z_Roto_Alpha(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                              tagRECT *srcRect, int centreX, int centreY, float angle, float scale, float alpha) {
-    rotateNearest({dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale},
-                  mixPixel(alphaWeights(alpha)));
+    const Scene scene = {dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale};
+    withMix(alpha, [&scene](auto store) { rotateNearest(scene, store); });
 }
 
 void iBltLinear32_Z_Roto(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect, tagRECT *srcRect,
@@ -195,6 +201,6 @@ void iBltLinear32_Z_Roto(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch,
 
 void iBltLinear32_Z_Roto_Alpha(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                                tagRECT *srcRect, int centreX, int centreY, float angle, float scale, float alpha) {
-    rotateFiltered({dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale},
-                   mixPixel(alphaWeights(alpha)));
+    const Scene scene = {dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale};
+    withMix(alpha, [&scene](auto store) { rotateFiltered(scene, store); });
 }

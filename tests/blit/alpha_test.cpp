@@ -480,6 +480,25 @@ TEST(iBltBilinear32_Alpha, overlapping_blends_run_in_row_and_column_order) {
     EXPECT_EQ(surface.differenceFrom(expected), "");
 }
 
+TEST(iBltBilinear32_Alpha, any_two_rectangles_of_one_surface_are_read_as_they_are_written) {
+    for (int seed = 0; seed < 3000; ++seed) {
+        test::Random random(static_cast<std::uint64_t>(seed));
+        Surface surface = Surface::random(random, 24);
+        Surface expected = surface;
+        tagRECT srcRect = random.rectInside(surface.width(), surface.height());
+        tagRECT dstRect = random.rectInside(surface.width(), surface.height());
+        const float alpha = randomAlpha(random);
+        const int left = static_cast<int>(dstRect.left);
+        const int top = static_cast<int>(dstRect.top);
+        naiveWalk(expected, left, top, dstRect, [&](q_ulong &d, int x, int y) {
+            d = naiveMix(d, naiveSample(expected, srcRect, dstRect, x - left, y - top), weightOf(alpha));
+        });
+        iBltBilinear32_Alpha(surface.pixels(), surface.pixels(), &dstRect, &srcRect, unsignedOf(surface.pitch()),
+                             unsignedOf(surface.pitch()), alpha);
+        ASSERT_EQ(surface.differenceFrom(expected), "") << seed;
+    }
+}
+
 TEST(iBltBilinear32_Alpha, a_source_without_pixels_draws_nothing) {
     for (const tagRECT empty : {tagRECT{1, 0, 1, 2}, tagRECT{0, 1, 2, 1}, tagRECT{2, 0, 1, 2}}) {
         Surface dst(3, 3, 0xAA112233);

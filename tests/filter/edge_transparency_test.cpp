@@ -54,8 +54,16 @@ struct Edge {
     tagRECT clip;
 };
 
+/// Where the pictures' corners lie on their surfaces.
+struct Origins {
+    tagPOINT out;
+    tagPOINT imageA;
+    tagPOINT imageB;
+};
+
 /// One pixel after the other, from the two points; whole numbers cut to 32 bits, angles at full width.
-void naiveEdge(Surface &out, const Surface &imageA, const Surface &imageB, const Edge &edge) {
+void naiveEdge(Surface &out, const Surface &imageA, const Surface &imageB, const Edge &edge,
+               const Origins &origins = {}) {
     const std::int64_t x1 = edge.p1.x;
     const std::int64_t y1 = edge.p1.y;
     const std::int64_t x2 = edge.p2.x;
@@ -73,22 +81,34 @@ void naiveEdge(Surface &out, const Surface &imageA, const Surface &imageB, const
         return;
     const std::int64_t slope = cut((byRows ? x2 - x1 : y2 - y1) * 32768) / run;
     const std::int64_t ramp = 16777216 / cut(2 * band);
-    const Surface &high = edge.swapImages != 0 ? imageA : imageB;
-    const Surface &low = edge.swapImages != 0 ? imageB : imageA;
-    for (int y = static_cast<int>(edge.clip.top); y < edge.clip.bottom; ++y)
-        for (int x = static_cast<int>(edge.clip.left); x < edge.clip.right; ++x) {
-            const std::int64_t distance = byRows ? y - y1 : x - x1;
-            const std::int64_t start = cut((cut(distance * slope) >> 15) - band + (byRows ? x1 : y1));
-            const std::int64_t end = cut(start + cut(2 * band));
-            const int across = byRows ? x : y;
-            if (byRows && (y < minY || y >= std::min<std::int64_t>(maxY, edge.clip.bottom - 1) || x < start || x > end))
-                continue;
-            if (!byRows &&
-                (x < minX || x > maxX || y < start || y >= std::min<std::int64_t>(end, edge.clip.bottom - 1)))
-                continue;
-            const std::int64_t value = cut(across * ramp - start * ramp);
-            out.at(x, y) = naiveMix(low.at(x, y), high.at(x, y), value / 4096);
-        }
+    const auto pixelOf = [](const Surface &picture, const tagPOINT &origin, int x, int y) {
+        return picture.at(x + static_cast<int>(origin.x), y + static_cast<int>(origin.y));
+    };
+    const auto mixAt = [&](int x, int y) {
+        const std::int64_t distance = byRows ? y - y1 : x - x1;
+        const std::int64_t start = cut((cut(distance * slope) >> 15) - band + (byRows ? x1 : y1));
+        const std::int64_t end = cut(start + cut(2 * band));
+        const int across = byRows ? x : y;
+        if (byRows && (y < minY || y >= std::min<std::int64_t>(maxY, edge.clip.bottom - 1) || x < start || x > end))
+            return;
+        if (!byRows && (x < minX || x > maxX || y < start || y >= std::min<std::int64_t>(end, edge.clip.bottom - 1)))
+            return;
+        const std::int64_t value = cut(across * ramp - start * ramp);
+        const q_ulong a = pixelOf(imageA, origins.imageA, x, y);
+        const q_ulong b = pixelOf(imageB, origins.imageB, x, y);
+        const bool swapped = edge.swapImages != 0;
+        out.at(x + static_cast<int>(origins.out.x), y + static_cast<int>(origins.out.y)) =
+            naiveMix(swapped ? b : a, swapped ? a : b, value / 4096);
+    };
+    if (byRows) {
+        for (int y = static_cast<int>(edge.clip.top); y < edge.clip.bottom; ++y)
+            for (int x = static_cast<int>(edge.clip.left); x < edge.clip.right; ++x)
+                mixAt(x, y);
+    } else {
+        for (int x = static_cast<int>(edge.clip.left); x < edge.clip.right; ++x)
+            for (int y = static_cast<int>(edge.clip.top); y < edge.clip.bottom; ++y)
+                mixAt(x, y);
+    }
 }
 
 void drawEdge(Surface &out, Surface &imageA, Surface &imageB, Edge edge) {
@@ -369,6 +389,84 @@ TEST(Edge_Transparency, out_may_be_either_image) {
                           const_cast<tagRECT *>(&edge.clip));
         EXPECT_EQ(overB.differenceFrom(expected), "");
     }
+}
+
+TEST(Edge_Transparency, overlapping_pictures_are_mixed_in_the_order_of_the_walk) {
+    for (int seed = 0; seed < 6000; ++seed) {
+        test::Random random(static_cast<std::uint64_t>(seed));
+        Surface sheet = Surface::randomOfSize(random, 40, 60);
+        const auto anyOrigin = [&]() -> tagPOINT {
+            const int x = random.between(-6, 6);
+            int y = random.between(-5, 5);
+            if (random.oneIn(2))
+                y += y < 0 ? -9 : 9;
+            return random.oneIn(4) ? tagPOINT{12, 22} : tagPOINT{12 + x, 22 + y};
+        };
+        const Origins origins = {{12, 22}, anyOrigin(), anyOrigin()};
+        Edge edge = {};
+        edge.p1 = {random.between(-4, 20), random.between(-4, 20)};
+        edge.p2 = {random.between(-4, 20), random.between(-4, 20)};
+        edge.edgeWidth = random.between(2, 24);
+        edge.swapImages = random.between(0, 1);
+        edge.clip = random.rectInside(16, 16);
+        Surface expected = sheet;
+        naiveEdge(expected, expected, expected, edge, origins);
+        const auto pixelsAt = [&](const tagPOINT &origin) {
+            return &sheet.at(static_cast<int>(origin.x), static_cast<int>(origin.y));
+        };
+        Edge_Transparency(pixelsAt(origins.out), pixelsAt(origins.imageA), pixelsAt(origins.imageB), &edge.p1, &edge.p2,
+                          edge.edgeWidth, sheet.pitch(), 0, 0, edge.swapImages, &edge.clip);
+        ASSERT_EQ(sheet.differenceFrom(expected), "") << seed;
+    }
+}
+
+TEST(Edge_Transparency, on_a_pitch_below_the_width_the_last_column_wins) {
+    for (int seed = 0; seed < 2000; ++seed) {
+        test::Random random(static_cast<std::uint64_t>(seed));
+        Surface out = Surface::randomOfSize(random, 1, 40);
+        Surface imageA(1, 40, 0, out.pitch() - 1 - 2 * Surface::margin);
+        Surface imageB = imageA;
+        for (int y = 0; y < 40; ++y)
+            for (int x = 0; x < out.pitch(); ++x) {
+                imageA.at(x, y) = random.pixel();
+                imageB.at(x, y) = random.pixel();
+            }
+        const int width = out.pitch() + random.between(-1, 12);
+        Edge edge = {};
+        edge.p1 = {random.between(-4, 4), random.between(0, 12)};
+        edge.p2 = {width - random.between(-4, 4), random.between(0, 12)};
+        edge.edgeWidth = random.between(2, 16);
+        edge.clip = {0, 0, width, random.between(1, 30)};
+        Surface expected = out;
+        naiveEdge(expected, imageA, imageB, edge);
+        drawEdge(out, imageA, imageB, edge);
+        ASSERT_EQ(out.differenceFrom(expected), "") << seed;
+    }
+}
+
+TEST(Edge_Transparency, points_a_world_away_from_the_clip_draw_nothing) {
+    // The distance between the points and the clip is more than an int counts.
+    const tagRECT left = {-2000000000, 0, -1999999990, 8};
+    const tagRECT right = {1999999990, 0, 2000000000, 8};
+    BlackAndWhite scene(8, 8);
+    scene.draw({{2000000000, 4}, {2000000010, 4}, 8, 0, left});
+    scene.draw({{-2000000010, 4}, {-2000000000, 4}, 8, 0, right});
+    EXPECT_EQ(scene.out, Surface(8, 8, untouched));
+}
+
+TEST(Edge_Transparency, agrees_with_a_naive_mix_at_every_width) {
+    test::Random random(7);
+    Surface imageA = Surface::randomOfSize(random, 200, 40);
+    Surface imageB(200, 40, 0x80FFC0, imageA.pitch() - 200 - 2 * Surface::margin);
+    for (int width = 1; width <= 200; ++width)
+        for (const int rise : {-25, -3, 0, 1, 30}) {
+            const Edge edge = {{-1, 15}, {width, 15 + rise}, 14, width & 1, {0, 2, width, 38}};
+            Surface out(200, 40, untouched, imageA.pitch() - 200 - 2 * Surface::margin);
+            Surface expected = out;
+            naiveEdge(expected, imageA, imageB, edge);
+            drawEdge(out, imageA, imageB, edge);
+            ASSERT_EQ(out.differenceFrom(expected), "") << width << " rising by " << rise;
+        }
 }
 
 TEST(Edge_Transparency, a_strip_without_width_or_direction_draws_nothing) {

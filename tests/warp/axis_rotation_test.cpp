@@ -425,6 +425,116 @@ TEST(iBltNear32_Y_Roto, agrees_with_a_naive_turn) {
     compareTurns("iBltNear32_Y_Roto", axisY);
 }
 
+/// Surfaces of one pitch that share their memory: any of them begins anywhere on one sheet, the destination in its
+/// middle, so that some overlap, some touch and some lie apart.
+struct Sheet {
+    static constexpr int width = 40;
+    static constexpr int height = 48;
+
+    static tagPOINT anyOrigin(test::Random &random) {
+        // Beside the destination by a little, or above or below it by about its height.
+        const int x = random.between(-6, 6);
+        int y = random.between(-6, 6);
+        if (random.oneIn(2))
+            y += y < 0 ? -8 : 8;
+        return {12 + x, 18 + y};
+    }
+    static constexpr tagPOINT dstOrigin = {12, 18};
+};
+
+void compareOverlappingTurns(Axis axis) {
+    for (int seed = 0; seed < 4000; ++seed) {
+        test::Random random(static_cast<std::uint64_t>(seed));
+        Surface sheet = Surface::randomOfSize(random, Sheet::width, Sheet::height);
+        Turn turn;
+        turn.angle = anyTurn(random);
+        turn.scale = random.between(512, 2048) / 1024.0;
+        turn.perspective = anyPerspective(random);
+        turn.srcRect = random.rectInside(12, 12);
+        turn.destCentre = {random.between(3, 9), random.between(3, 9)};
+        turn.pivot = {(turn.srcRect.left + turn.srcRect.right) / 2, (turn.srcRect.top + turn.srcRect.bottom) / 2};
+        turn.clearOutside = random.between(0, 1);
+        turn.backColour = random.pixel();
+        turn.width = random.between(1, 12);
+        turn.height = random.between(1, 12);
+        turn.dstOrigin = Sheet::dstOrigin;
+        turn.faceOrigin = Sheet::anyOrigin(random);
+        turn.backgroundOrigin = Sheet::anyOrigin(random);
+        turn.front = &sheet;
+        turn.background = random.oneIn(2) ? &sheet : nullptr;
+        const int faces = random.between(0, 2);
+        Surface back(Sheet::width, Sheet::height, 0x123456, sheet.pitch() - Sheet::width - 2 * Surface::margin);
+        turn.back = faces == 0 ? nullptr : faces == 1 ? &sheet : &back;
+        Surface expected = sheet;
+        Turn naive = turn;
+        naive.front = &expected;
+        naive.back = turn.back == &sheet ? &expected : turn.back;
+        naive.background = turn.background ? &expected : nullptr;
+        naive.drawNaively(axis, expected);
+        turn.draw(axis, sheet);
+        ASSERT_EQ(sheet.differenceFrom(expected), "") << seed;
+    }
+}
+
+TEST(iBltNear32_X_Roto, overlapping_turns_run_row_by_row) {
+    compareOverlappingTurns(axisX);
+}
+
+TEST(iBltNear32_Y_Roto, overlapping_turns_run_column_by_column) {
+    compareOverlappingTurns(axisY);
+}
+
+TEST(iBltNear32_Y_Roto, on_a_pitch_below_the_width_the_last_column_wins) {
+    // Each row begins before the one above it has ended: what a column writes, one further right may write again.
+    for (int seed = 0; seed < 2000; ++seed) {
+        test::Random random(static_cast<std::uint64_t>(seed));
+        Surface dst = Surface::randomOfSize(random, 1, 40);
+        Surface front(1, 40, 0, dst.pitch() - 1 - 2 * Surface::margin);
+        for (int y = 0; y < 40; ++y)
+            for (int x = 0; x < front.pitch(); ++x)
+                front.at(x, y) = random.pixel();
+        Turn turn;
+        turn.angle = anyTurn(random);
+        turn.srcRect = {0, 0, random.between(1, 40), random.between(1, 12)};
+        turn.destCentre = {random.between(0, 40), random.between(0, 12)};
+        turn.pivot = {turn.srcRect.right / 2, turn.srcRect.bottom / 2};
+        turn.clearOutside = random.between(0, 1);
+        turn.width = dst.pitch() + random.between(-2, 12);
+        turn.height = random.between(1, 12);
+        turn.front = &front;
+        turn.back = &front;
+        Surface expected = dst;
+        turn.drawNaively(axisY, expected);
+        turn.draw(axisY, dst);
+        ASSERT_EQ(dst.differenceFrom(expected), "") << seed;
+    }
+}
+
+TEST(iBltNear32_Y_Roto, agrees_with_a_naive_turn_at_every_width) {
+    test::Random random(5);
+    constexpr int height = 5;
+    Surface front = Surface::randomOfSize(random, 530, height);
+    Surface background(530, height, 0x222222, front.pitch() - 530 - 2 * Surface::margin);
+    for (int width = 1; width <= 530; ++width)
+        for (const double angle : {0.0, 0.5, 2.5}) {
+            Surface dst(530, height, untouched, front.pitch() - 530 - 2 * Surface::margin);
+            Turn turn = {.angle = angle,
+                         .perspective = 0.01,
+                         .srcRect = {0, 0, width, height},
+                         .destCentre = {width / 2, height / 2},
+                         .pivot = {width / 2, height / 2},
+                         .width = width,
+                         .height = height,
+                         .front = &front,
+                         .back = &front,
+                         .background = width % 2 == 0 ? &background : nullptr};
+            Surface expected = dst;
+            turn.drawNaively(axisY, expected);
+            turn.draw(axisY, dst);
+            ASSERT_EQ(dst.differenceFrom(expected), "") << width << ", angle " << angle;
+        }
+}
+
 void compareFrameTurns(const char *name, FrameTurn::Kind kind) {
     forEachCase(name, [kind](Case &c) {
         Surface dst = anyPicture(c.random);
@@ -554,6 +664,59 @@ TEST(iBltNear32_X_Roto_Fast, with_a_background_agrees_with_a_naive_turn) {
 
 TEST(iBltNear32_Y_Roto_Fast, agrees_with_a_naive_turn) {
     compareFrameTurns("iBltNear32_Y_Roto_Fast", FrameTurn::aboutY);
+}
+
+void compareOverlappingFrameTurns(FrameTurn::Kind kind) {
+    for (int seed = 0; seed < 4000; ++seed) {
+        test::Random random(static_cast<std::uint64_t>(seed));
+        Surface sheet = Surface::randomOfSize(random, Sheet::width, Sheet::height);
+        FrameTurn turn;
+        turn.kind = kind;
+        turn.angle = anyTurn(random);
+        turn.scale = random.between(512, 2048) / 1024.0;
+        turn.perspective = anyPerspective(random);
+        turn.width = random.between(1, 12);
+        turn.height = random.between(1, 12);
+        turn.dstOrigin = Sheet::dstOrigin;
+        turn.srcOrigin = Sheet::anyOrigin(random);
+        turn.src = &sheet;
+        Surface background(Sheet::width, Sheet::height, 0x654321, sheet.pitch() - Sheet::width - 2 * Surface::margin);
+        turn.background = &background;
+        Surface expected = sheet;
+        FrameTurn naive = turn;
+        naive.src = &expected;
+        naive.drawNaively(expected);
+        turn.draw(sheet);
+        ASSERT_EQ(sheet.differenceFrom(expected), "") << seed;
+    }
+}
+
+TEST(iBltNear32_X_Roto_Fast, overlapping_turns_run_row_by_row) {
+    compareOverlappingFrameTurns(FrameTurn::oneFace);
+    compareOverlappingFrameTurns(FrameTurn::withBackground);
+}
+
+TEST(iBltNear32_Y_Roto_Fast, overlapping_turns_run_column_by_column) {
+    compareOverlappingFrameTurns(FrameTurn::aboutY);
+}
+
+TEST(iBltNear32_Y_Roto_Fast, agrees_with_a_naive_turn_at_every_width) {
+    test::Random random(6);
+    Surface src = Surface::randomOfSize(random, 530, 5);
+    for (int width = 1; width <= 530; ++width)
+        for (const double angle : {0.0, 0.5, 2.5}) {
+            const FrameTurn turn = {.kind = FrameTurn::aboutY,
+                                    .angle = angle,
+                                    .perspective = 0.01,
+                                    .width = width,
+                                    .height = 5,
+                                    .src = &src};
+            Surface dst(530, 5, untouched);
+            Surface expected = dst;
+            turn.drawNaively(expected);
+            turn.draw(dst);
+            ASSERT_EQ(dst.differenceFrom(expected), "") << width << ", angle " << angle;
+        }
 }
 
 } // namespace

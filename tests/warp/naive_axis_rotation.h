@@ -23,8 +23,14 @@ inline int toInt(q_long value) {
 }
 
 /// The pixel of a line at a place along it: lines are rows for X and columns for Y.
-inline q_ulong &pixelOf(Surface &surface, Axis axis, int line, int along) {
-    return axis == axisX ? surface.at(along, line) : surface.at(line, along);
+inline q_ulong &pixelOf(Surface &surface, Axis axis, int line, int along, tagPOINT origin = {}) {
+    const int x = (axis == axisX ? along : line) + toInt(origin.x);
+    const int y = (axis == axisX ? line : along) + toInt(origin.y);
+    return surface.at(x, y);
+}
+
+inline q_ulong *pixelsAt(Surface *surface, tagPOINT origin) {
+    return surface ? &surface->at(toInt(origin.x), toInt(origin.y)) : nullptr;
 }
 
 /// A full turn and its surfaces.
@@ -42,12 +48,15 @@ struct Turn {
     Surface *front = nullptr;
     Surface *back = nullptr;
     Surface *background = nullptr;
+    tagPOINT dstOrigin = {}; ///< what is handed over as the corner of a surface
+    tagPOINT faceOrigin = {};
+    tagPOINT backgroundOrigin = {};
 
     void draw(Axis axis, Surface &dst) const {
-        const auto pixels = [](Surface *surface) { return surface ? surface->pixels() : nullptr; };
         const auto blit = axis == axisX ? iBltNear32_X_Roto : iBltNear32_Y_Roto;
-        blit(dst.pixels(), front->pixels(), pixels(back), pixels(background), angle, scale, perspective, srcRect,
-             destCentre, pivot, clearOutside, backColour, 0x5A5A5A5A, dst.pitch(), width, height);
+        blit(pixelsAt(&dst, dstOrigin), pixelsAt(front, faceOrigin), pixelsAt(back, faceOrigin),
+             pixelsAt(background, backgroundOrigin), angle, scale, perspective, srcRect, destCentre, pivot,
+             clearOutside, backColour, 0x5A5A5A5A, dst.pitch(), width, height);
     }
 
     void drawNaively(Axis axis, Surface &dst) const;
@@ -110,19 +119,22 @@ inline void Turn::drawNaively(Axis axis, Surface &dst) const {
     if (n.edgeOn)
         return;
 
-    for (int line = 0; line < limit; ++line)
+    const auto storeOutside = [&](int line, int along) {
+        if (background)
+            pixelOf(dst, axis, line, along, dstOrigin) = pixelOf(*background, axis, line, along, backgroundOrigin);
+        else if (clearOutside)
+            pixelOf(dst, axis, line, along, dstOrigin) = 0;
+    };
+    const auto clear = [&](int firstLine, int endLine) {
+        for (int line = firstLine; line < endLine; ++line)
+            for (int along = n.columnLeft; along < n.columnRight; ++along)
+                storeOutside(line, along);
+    };
+    clear(n.bandTop, n.rowTop);
+    clear(n.rowBottom, n.bandBottom);
+    for (int line = n.rowTop; line < n.rowBottom; ++line)
         for (int along = n.columnLeft; along < n.columnRight; ++along) {
-            q_ulong &pixel = pixelOf(dst, axis, line, along);
-            const auto storeOutside = [&] {
-                if (background)
-                    pixel = pixelOf(*background, axis, line, along);
-                else if (clearOutside)
-                    pixel = 0;
-            };
-            if ((line >= n.bandTop && line < n.rowTop) || (line >= n.rowBottom && line < n.bandBottom))
-                storeOutside();
-            if (line < n.rowTop || line >= n.rowBottom)
-                continue;
+            q_ulong &pixel = pixelOf(dst, axis, line, along, dstOrigin);
             const std::int64_t fromCentre = static_cast<std::int64_t>(line) - centre;
             int source = (product32(fromCentre, n.inverseQ) >> 15) + pivotLine;
             int depth = product32((product32(fromCentre, n.tanQ) >> 15) + 1024, n.scaleQ) >> 15;
@@ -134,13 +146,13 @@ inline void Turn::drawNaively(Axis axis, Surface &dst) const {
             if (n.backView && front == back)
                 source = end - source;
             if (sourceAlong < firstAlong || sourceAlong >= endAlong || source < first || source >= end)
-                storeOutside();
+                storeOutside(line, along);
             else if (!n.backView)
-                pixel = pixelOf(*front, axis, source, sourceAlong);
+                pixel = pixelOf(*front, axis, source, sourceAlong, faceOrigin);
             else if (!back)
                 pixel = backColour;
             else
-                pixel = pixelOf(*back, axis, end - source, sourceAlong);
+                pixel = pixelOf(*back, axis, end - source, sourceAlong, faceOrigin);
         }
 }
 
@@ -156,17 +168,21 @@ struct FrameTurn {
     int height = 0;
     Surface *src = nullptr;
     Surface *background = nullptr;
+    tagPOINT dstOrigin = {}; ///< what is handed over as the corner of a surface
+    tagPOINT srcOrigin = {};
 
     void draw(Surface &dst) const {
+        q_ulong *const dstPixels = pixelsAt(&dst, dstOrigin);
+        q_ulong *const srcPixels = pixelsAt(src, srcOrigin);
         if (kind == oneFace)
-            iBltNear32_X_Roto_Fast(dst.pixels(), dst.pitch(), src->pixels(), src->pitch(), angle, scale, perspective,
-                                   width, height);
+            iBltNear32_X_Roto_Fast(dstPixels, dst.pitch(), srcPixels, src->pitch(), angle, scale, perspective, width,
+                                   height);
         else if (kind == withBackground)
-            iBltNear32_X_Roto_Fast(dst.pixels(), dst.pitch(), src->pixels(), src->pitch(), background->pixels(), -999,
-                                   angle, scale, perspective, width, height);
+            iBltNear32_X_Roto_Fast(dstPixels, dst.pitch(), srcPixels, src->pitch(), background->pixels(), -999, angle,
+                                   scale, perspective, width, height);
         else
-            iBltNear32_Y_Roto_Fast(dst.pixels(), dst.pitch(), src->pixels(), src->pitch(), angle, scale, perspective,
-                                   width, height);
+            iBltNear32_Y_Roto_Fast(dstPixels, dst.pitch(), srcPixels, src->pitch(), angle, scale, perspective, width,
+                                   height);
     }
 
     void drawNaively(Surface &dst) const {
@@ -203,9 +219,10 @@ struct FrameTurn {
                 const int sourceAlong = (product32(along - halfAlong, 33554432 / depth) >> 15) + halfAlong;
                 const bool shown = line >= top && line < bottom && source >= inside && source < limit &&
                                    sourceAlong >= inside && sourceAlong < limitAlong;
-                pixelOf(dst, axis, line, along) = shown                    ? pixelOf(*src, axis, source, sourceAlong)
-                                                  : kind == withBackground ? pixelOf(*background, axis, line, along)
-                                                                           : 0;
+                pixelOf(dst, axis, line, along, dstOrigin) = shown ? pixelOf(*src, axis, source, sourceAlong, srcOrigin)
+                                                             : kind == withBackground
+                                                                 ? pixelOf(*background, axis, line, along)
+                                                                 : 0;
             }
     }
 };

@@ -588,6 +588,20 @@ Scene randomScene(test::Random &random, const Surface &dst, const Surface &src, 
     return scene;
 }
 
+TEST(Z_Roto, any_scene_within_one_picture_is_read_as_it_is_written) {
+    for (const Rotator &rotator : rotators)
+        for (int seed = 0; seed < 2000; ++seed) {
+            test::Random random(static_cast<std::uint64_t>(seed));
+            Surface surface = Surface::random(random, 24);
+            const Scene scene = randomScene(random, surface, surface, false);
+            Surface expected = surface;
+            RowCount rows;
+            naiveRotation(expected, expected, scene, rotator.filtered, rotator.store, rows);
+            rotator.draw(surface, surface.pixels(), surface.pitch(), scene);
+            ASSERT_EQ(surface.differenceFrom(expected), "") << rotator.name << ", " << seed;
+        }
+}
+
 void agreesWithANaiveWalk(const Rotator &rotator) {
     RowCount rows;
     int cases = 0;

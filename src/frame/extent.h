@@ -1,0 +1,37 @@
+/// \file
+/// Where areas of surfaces lie in memory: a walk may leave the order that it promises only where none can tell.
+#ifndef Q_MUR_FRAME_EXTENT_H
+#define Q_MUR_FRAME_EXTENT_H
+
+#include "surface.h"
+
+#include <cstdint>
+
+namespace qmur {
+
+/// The memory from the first to behind the last pixel of an area, in pixels from address 0.
+struct Extent {
+    long long begin;
+    long long end;
+
+    constexpr bool isApartFrom(Extent other) const { return end <= other.begin || other.end <= begin; }
+};
+
+/// The extent of a window that is not empty.
+inline Extent extentOf(const q_ulong *surface, Distance pitch, const Window &window) {
+    constexpr long long size = sizeof(q_ulong);
+    const auto address = static_cast<long long>(reinterpret_cast<std::uintptr_t>(surface));
+    const long long top = static_cast<long long>(window.rows.begin) * pitch;
+    const long long bottom = (window.rows.end - 1LL) * pitch;
+    return {address / size + (top < bottom ? top : bottom) + window.columns.begin,
+            (address + size - 1) / size + (top < bottom ? bottom : top) + window.columns.end};
+}
+
+/// Whether no two pixels of a window that wide are one in memory.
+constexpr bool keepsPixelsApart(Distance pitch, int width) {
+    return pitch >= width || pitch <= -width;
+}
+
+} // namespace qmur
+
+#endif
