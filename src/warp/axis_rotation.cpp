@@ -349,17 +349,22 @@ void turnFrame(const WholeFrame &frame, double angle, double scale, double persp
 
     const Bounds outerBounds = {frame.firstInside, frame.outerExtent};
     const Bounds innerBounds = {frame.firstInside, frame.innerExtent};
-    drawLines({frame.dst,
-               frame.dstStrides,
-               {0, frame.innerExtent},
-               {innerHalf, innerHalf, innerBounds, frame.srcStrides.inner},
-               frame.outside},
-              {0, frame.outerExtent}, turnsByRows(frame), [&](int outer) {
-                  const auto [line, step] = SourceLine::at(outer, frameTurn.turn, outerHalf, outerHalf);
-                  if (outer < face.begin || outer >= face.end || !outerBounds.contain(line) || innerBounds.empty())
-                      return ShownLine{};
-                  return ShownLine{frame.src + line * frame.srcStrides.outer, step};
-              });
+    const Walk walk = {frame.dst,
+                       frame.dstStrides,
+                       {0, frame.innerExtent},
+                       {innerHalf, innerHalf, innerBounds, frame.srcStrides.inner},
+                       frame.outside};
+    const bool byRows = turnsByRows(frame);
+    // Both margins come before the face: where a frame is turned in place, the face shows them.
+    const auto margin = [](int) { return ShownLine{}; };
+    drawLines(walk, {0, face.begin}, byRows, margin);
+    drawLines(walk, {face.end, frame.outerExtent}, byRows, margin);
+    drawLines(walk, face, byRows, [&](int outer) {
+        const auto [line, step] = SourceLine::at(outer, frameTurn.turn, outerHalf, outerHalf);
+        if (!outerBounds.contain(line) || innerBounds.empty())
+            return ShownLine{};
+        return ShownLine{frame.src + line * frame.srcStrides.outer, step};
+    });
 }
 
 } // namespace

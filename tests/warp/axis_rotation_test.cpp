@@ -700,6 +700,16 @@ TEST(iBltNear32_Y_Roto_Fast, overlapping_turns_run_column_by_column) {
     compareOverlappingFrameTurns(FrameTurn::aboutY);
 }
 
+TEST(iBltNear32_Y_Roto_Fast, in_place_the_face_shows_margins_that_are_cleared_already) {
+    // Column x of the face, 8 to 22, shows column 2x - 16.
+    constexpr int size = 32;
+    std::vector<q_ulong> frame(size * size, 0x123456);
+    iBltNear32_Y_Roto_Fast(frame.data(), size, frame.data(), size, 0.0, 0.5, 0.0, size, size);
+    for (int x = 0; x < size; ++x)
+        // 8 to 11 show the left margin, 12 to 15 what these have become, 20 to 22 the right margin.
+        EXPECT_EQ(frame[16 * size + static_cast<std::size_t>(x)], x >= 16 && x < 20 ? 0x123456U : 0U) << x;
+}
+
 TEST(iBltNear32_Y_Roto_Fast, agrees_with_a_naive_turn_at_every_width) {
     test::Random random(6);
     Surface src = Surface::randomOfSize(random, 530, 5);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace naive::axisRotation {
 
@@ -209,7 +210,14 @@ struct FrameTurn {
         const int top = std::min(margin, half);
         const int bottom = limit - margin - 1 > half ? limit - margin - 1 : half + 1;
         const int inside = kind == oneFace ? 1 : 0;
+        // Both margins before the face.
+        std::vector<int> order;
         for (int line = 0; line < limit; ++line)
+            if (line < top || line >= bottom)
+                order.push_back(line);
+        for (int line = top; line < bottom; ++line)
+            order.push_back(line);
+        for (const int line : order)
             for (int along = 0; along < limitAlong; ++along) {
                 const std::int64_t fromCentre = static_cast<std::int64_t>(line) - half;
                 const int source = (product32(fromCentre, n.inverseQ) >> 15) + half;
