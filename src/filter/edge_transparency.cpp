@@ -125,15 +125,15 @@ void Edge_Transparency(q_ulong *out, q_ulong *imageA, q_ulong *imageB, tagPOINT 
     const int run = direction.steep ? dy : dx;
     const Span clipColumns = columnsOf(*clip);
     const Span clipRows = rowsOf(*clip);
+    const int extent = wrapMultiply(2, direction.band);
     // Without a direction, a width or a clip there is no strip.
-    if (run == 0 || direction.band == 0 || clipColumns.empty() || clipRows.empty())
+    if (run == 0 || extent == 0 || clipColumns.empty() || clipRows.empty())
         return;
 
     const q_ulong *const high = swapImages ? imageA : imageB;
     const q_ulong *const low = swapImages ? imageB : imageA;
-    const Strip strip = {slopeOf(rise, run), direction.band, 16777216 / wrapMultiply(2, direction.band)};
+    const Strip strip = {slopeOf(rise, run), direction.band, 16777216 / extent};
     const Span clipRowsButLast = {clipRows.begin, clipRows.end - 1};
-    const int extent = wrapMultiply(2, strip.band);
 
     // Meant: either walk includes its last column and leaves out its last row.
     if (direction.steep) {

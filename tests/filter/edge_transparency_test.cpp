@@ -454,6 +454,16 @@ TEST(Edge_Transparency, points_a_world_away_from_the_clip_draw_nothing) {
     EXPECT_EQ(scene.out, Surface(8, 8, untouched));
 }
 
+TEST(Edge_Transparency, a_strip_whose_width_wraps_to_0_draws_nothing) {
+    constexpr q_long distant = 1 << 30;
+    BlackAndWhite scene(8, 8);
+    for (const int width : {2, 6}) {
+        scene.draw({{0, -distant}, {1, distant}, width, 0, {0, 0, 8, 8}});
+        scene.draw({{-distant, 0}, {distant, 1}, width, 0, {0, 0, 8, 8}});
+    }
+    EXPECT_EQ(scene.out, Surface(8, 8, untouched));
+}
+
 TEST(Edge_Transparency, agrees_with_a_naive_mix_at_every_width) {
     test::Random random(7);
     Surface imageA = Surface::randomOfSize(random, 200, 40);
