@@ -51,14 +51,24 @@ struct Outside {
     const q_ulong *background; ///< may be null
     bool filled;
 
+    /// Hands `use` the function that treats the destination pixel of an index, so that nothing is decided per pixel.
+    template <class Use>
+    void forPixelsOf(q_ulong *dst, Use use) const {
+        if (background)
+            use([dst, from = background](Distance index) { dst[index] = from[index]; });
+        else if (filled)
+            use([dst](Distance index) { dst[index] = 0; });
+        else
+            use([](Distance) {});
+    }
+
     /// Treats a run of destination pixels whose first one has the given index.
     void store(q_ulong *dst, Distance index, Distance stride, int count) const {
-        if (background)
-            for (; count > 0; --count, index += stride)
-                dst[index] = background[index];
-        else if (filled)
-            for (; count > 0; --count, index += stride)
-                dst[index] = 0;
+        forPixelsOf(dst, [index, stride, count](auto storeAt) {
+            Distance at = index;
+            for (int i = 0; i < count; ++i, at += stride)
+                storeAt(at);
+        });
     }
 };
 
@@ -78,8 +88,9 @@ struct InnerAxis {
 
 /// What one destination line shows.
 struct ShownLine {
-    const q_ulong *source; ///< null: what stands outside
+    const q_ulong *source;
     int step;
+    bool ofFace; ///< not only what stands outside
 };
 
 /// What the lines of a walk have in common.
@@ -98,7 +109,7 @@ void drawLine(const Walk &walk, int outer, const ShownLine &line) {
     const int start = axis.positionAt(inner.begin, step);
     const int count = inner.length();
     Distance index = outer * strides.outer + inner.begin * stride;
-    if (!line.source) {
+    if (!line.ofFace) {
         outside.store(dst, index, stride, count);
     } else if (staysIn32Bits(start, step, count)) {
         const Bounds scaled = scaledBounds(axis.source.low, axis.source.high, axis.sourceCentre, 15);
@@ -128,10 +139,14 @@ void drawLine(const Walk &walk, int outer, const ShownLine &line) {
 }
 
 /// Draws the lines, which are columns, in groups, and each group row by row, as it lies in memory.
-template <class LineAt>
-void drawColumnsByRows(const Walk &walk, Span columns, LineAt lineAt) {
+/// `storeOutside(index)` treats a pixel outside the face.
+template <class LineAt, class StoreOutside>
+void drawColumnsByRows(const Walk &walk, Span columns, LineAt lineAt, StoreOutside storeOutside) {
     constexpr int groupSize = 256; // a few kilobytes of state, and long enough runs of memory
-    const auto [dst, strides, inner, axis, outside] = walk;
+    q_ulong *const dst = walk.dst;
+    const Distance pitch = walk.strides.inner;
+    const Span inner = walk.inner;
+    const InnerAxis axis = walk.axis;
     const auto lowest = static_cast<unsigned>(axis.source.low);
     const auto extent = static_cast<unsigned>(axis.source.high - axis.source.low);
     int positions[groupSize];
@@ -144,18 +159,18 @@ void drawColumnsByRows(const Walk &walk, Span columns, LineAt lineAt) {
             const ShownLine line = lineAt(first + x);
             positions[x] = axis.positionAt(inner.begin, line.step);
             steps[x] = line.step;
-            extents[x] = line.source ? extent : 0;
+            extents[x] = line.ofFace ? extent : 0;
             sources[x] = line.source;
         }
         for (int y = inner.begin; y < inner.end; ++y) {
-            const Distance row = y * strides.inner + first;
+            const Distance row = y * pitch + first;
             for (int x = 0; x < count; ++x) {
                 const int source = axis.sourceAt(positions[x]);
                 positions[x] = wrapAdd(positions[x], steps[x]);
                 if (static_cast<unsigned>(source) - lowest < extents[x])
                     dst[row + x] = sources[x][source * axis.sourceStride];
                 else
-                    outside.store(dst, row + x, 1, 1);
+                    storeOutside(row + x);
             }
         }
     }
@@ -166,7 +181,8 @@ void drawColumnsByRows(const Walk &walk, Span columns, LineAt lineAt) {
 template <class LineAt>
 void drawLines(const Walk &walk, Span lines, bool byRows, LineAt lineAt) {
     if (byRows)
-        drawColumnsByRows(walk, lines, lineAt);
+        walk.outside.forPixelsOf(walk.dst,
+                                 [&](auto storeOutside) { drawColumnsByRows(walk, lines, lineAt, storeOutside); });
     else
         for (int outer = lines.begin; outer < lines.end; ++outer)
             drawLine(walk, outer, lineAt(outer));
@@ -296,10 +312,10 @@ void turn(const TwoFaces &faces, double angle, double scale, double perspective)
         if (!outerBounds.contain(line) || faces.srcInner.empty())
             return ShownLine{};
         if (showsColour)
-            return ShownLine{&faces.backColour, step};
+            return ShownLine{&faces.backColour, step, true};
         if (reach.backView)
-            return ShownLine{faces.back + wrapSubtract(faces.srcOuter.end, line) * faces.strides.outer, step};
-        return ShownLine{faces.front + line * faces.strides.outer, step};
+            return ShownLine{faces.back + wrapSubtract(faces.srcOuter.end, line) * faces.strides.outer, step, true};
+        return ShownLine{faces.front + line * faces.strides.outer, step, true};
     });
 }
 
@@ -363,7 +379,7 @@ void turnFrame(const WholeFrame &frame, double angle, double scale, double persp
         const auto [line, step] = SourceLine::at(outer, frameTurn.turn, outerHalf, outerHalf);
         if (!outerBounds.contain(line) || innerBounds.empty())
             return ShownLine{};
-        return ShownLine{frame.src + line * frame.srcStrides.outer, step};
+        return ShownLine{frame.src + line * frame.srcStrides.outer, step, true};
     });
 }
 
