@@ -1,8 +1,8 @@
-#include "../frame/one_pixel.h"
-#include "four_pixels.h"
-#include "placement.h"
+#include "base/four_pixels.h"
+#include "base/one_pixel.h"
 #include "q_Mur/blit.h"
-#include "scaling.h"
+#include "walks/placed.h"
+#include "walks/scaled.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "placement.h"
 #include "q_Mur/blit.h"
-#include "scaling.h"
+#include "walks/placed.h"
+#include "walks/scaled.h"
 
 namespace {
 

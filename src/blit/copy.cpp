@@ -1,5 +1,5 @@
-#include "placement.h"
 #include "q_Mur/blit.h"
+#include "walks/placed.h"
 
 #include <cstdint>
 #include <cstring>

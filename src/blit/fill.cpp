@@ -1,7 +1,7 @@
-#include "../frame/pixel.h"
-#include "../frame/wide.h"
-#include "placement.h"
+#include "base/pixel.h"
+#include "base/wide.h"
 #include "q_Mur/blit.h"
+#include "walks/placed.h"
 
 #include <algorithm>
 

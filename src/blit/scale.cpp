@@ -1,5 +1,5 @@
 #include "q_Mur/blit.h"
-#include "scaling.h"
+#include "walks/scaled.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #ifndef Q_MUR_BLIT_TEXT_H
 #define Q_MUR_BLIT_TEXT_H
 
-#include "../frame/surface.h"
+#include "base/surface.h"
 #include "q_Mur/blit.h"
 
 #include <limits>

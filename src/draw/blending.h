@@ -3,8 +3,8 @@
 #ifndef Q_MUR_DRAW_BLENDING_H
 #define Q_MUR_DRAW_BLENDING_H
 
-#include "../frame/pixel.h"
-#include "../frame/surface.h"
+#include "base/pixel.h"
+#include "base/surface.h"
 
 namespace qmur {
 

@@ -1,7 +1,7 @@
 #include "blending.h"
 #include "outline.h"
 #include "q_Mur/draw.h"
-#include "round.h"
+#include "walks/round.h"
 
 using namespace qmur;
 

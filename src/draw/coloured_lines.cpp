@@ -1,6 +1,6 @@
 #include "blending.h"
-#include "line.h"
 #include "q_Mur/draw.h"
+#include "walks/lines.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,5 +1,5 @@
-#include "../frame/alias.h"
-#include "../frame/surface.h"
+#include "base/alias.h"
+#include "base/surface.h"
 #include "q_Mur/draw.h"
 
 #include <algorithm>

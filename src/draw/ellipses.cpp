@@ -1,7 +1,7 @@
-#include "../frame/pixel.h"
+#include "base/pixel.h"
 #include "outline.h"
 #include "q_Mur/draw.h"
-#include "round.h"
+#include "walks/round.h"
 
 #include <initializer_list>
 

@@ -1,6 +1,6 @@
 #include "blending.h"
 #include "q_Mur/draw.h"
-#include "round.h"
+#include "walks/round.h"
 
 namespace {
 

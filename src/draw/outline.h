@@ -3,7 +3,7 @@
 #ifndef Q_MUR_DRAW_OUTLINE_H
 #define Q_MUR_DRAW_OUTLINE_H
 
-#include "round.h"
+#include "walks/round.h"
 
 #include <algorithm>
 #include <initializer_list>

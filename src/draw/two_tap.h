@@ -4,8 +4,8 @@
 #ifndef Q_MUR_DRAW_TWO_TAP_H
 #define Q_MUR_DRAW_TWO_TAP_H
 
-#include "../frame/pixel.h"
-#include "line.h"
+#include "base/pixel.h"
+#include "walks/lines.h"
 
 #include <limits>
 

@@ -3,7 +3,7 @@
 #ifndef Q_MUR_FILTER_DISTANCE_FIELD_H
 #define Q_MUR_FILTER_DISTANCE_FIELD_H
 
-#include "../frame/surface.h"
+#include "base/surface.h"
 
 namespace qmur {
 

@@ -1,8 +1,8 @@
-#include "../frame/extent.h"
-#include "../frame/pixel.h"
-#include "../frame/stretch.h"
-#include "../frame/wide.h"
+#include "base/extent.h"
+#include "base/pixel.h"
+#include "base/wide.h"
 #include "q_Mur/filter.h"
+#include "walks/stretch.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
-#include "../frame/pixel.h"
-#include "../frame/surface.h"
-#include "../frame/wide.h"
+#include "base/pixel.h"
+#include "base/surface.h"
+#include "base/wide.h"
 #include "q_Mur/filter.h"
 
 namespace {

@@ -1,5 +1,5 @@
-#include "../frame/wide.h"
-#include "../math3d/vector.h"
+#include "base/vector.h"
+#include "base/wide.h"
 #include "distance_field.h"
 #include "q_Mur/filter.h"
 

@@ -1,5 +1,5 @@
-#include "../frame/pixel.h"
-#include "../frame/surface.h"
+#include "base/pixel.h"
+#include "base/surface.h"
 #include "q_Mur/filter.h"
 
 #include <cstdlib>

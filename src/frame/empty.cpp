@@ -1,4 +1,4 @@
-#include "alias.h"
+#include "base/alias.h"
 #include "q_Mur/blit.h"
 #include "q_Mur/filter.h"
 

@@ -1,6 +1,6 @@
-#include "arithmetic.h"
+#include "base/integers.h"
+#include "base/wide.h"
 #include "q_Mur/frame.h"
-#include "wide.h"
 
 #include <cstdlib>
 

@@ -1,5 +1,5 @@
+#include "base/wide.h"
 #include "q_Mur/frame.h"
-#include "wide.h"
 
 int iSin[8192];
 int iCos[8192];

@@ -1,4 +1,4 @@
-#include "../frame/surface.h"
+#include "base/surface.h"
 #include "projection.h"
 #include "q_Mur/math3d.h"
 

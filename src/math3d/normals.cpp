@@ -1,6 +1,6 @@
-#include "../frame/arithmetic.h"
+#include "base/integers.h"
+#include "base/vector.h"
 #include "q_Mur/math3d.h"
-#include "vector.h"
 
 #include <climits>
 

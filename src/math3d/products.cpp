@@ -1,7 +1,7 @@
-#include "../frame/alias.h"
-#include "../frame/arithmetic.h"
+#include "base/alias.h"
+#include "base/integers.h"
+#include "base/vector.h"
 #include "q_Mur/math3d.h"
-#include "vector.h"
 
 namespace {
 

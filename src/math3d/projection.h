@@ -3,7 +3,7 @@
 #ifndef Q_MUR_MATH3D_PROJECTION_H
 #define Q_MUR_MATH3D_PROJECTION_H
 
-#include "rotation.h"
+#include "base/rotation.h"
 
 namespace qmur {
 

@@ -1,4 +1,4 @@
-#include "rotation.h"
+#include "base/rotation.h"
 
 #include "q_Mur/math3d.h"
 

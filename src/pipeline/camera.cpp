@@ -1,5 +1,5 @@
-#include "../frame/arithmetic.h"
-#include "../math3d/vector.h"
+#include "base/integers.h"
+#include "base/vector.h"
 #include "matrix.h"
 #include "q_Mur/pipeline.h"
 

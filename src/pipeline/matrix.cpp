@@ -1,6 +1,6 @@
 #include "matrix.h"
 
-#include "../math3d/vector.h"
+#include "base/vector.h"
 #include "q_Mur/pipeline.h"
 
 using namespace qmur;

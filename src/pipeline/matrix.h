@@ -3,7 +3,7 @@
 #ifndef Q_MUR_PIPELINE_MATRIX_H
 #define Q_MUR_PIPELINE_MATRIX_H
 
-#include "../frame/wide.h"
+#include "base/wide.h"
 #include "q_Mur/types.h"
 
 namespace qmur {

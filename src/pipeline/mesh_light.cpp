@@ -1,8 +1,8 @@
 #include "mesh_light.h"
 
-#include "../frame/pixel.h"
-#include "../math3d/lighting.h"
+#include "base/pixel.h"
 #include "q_Mur/math3d.h"
+#include "walks/lighting.h"
 
 namespace qmur {
 namespace {

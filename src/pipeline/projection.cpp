@@ -1,5 +1,5 @@
-#include "../frame/arithmetic.h"
-#include "../frame/wide.h"
+#include "base/integers.h"
+#include "base/wide.h"
 #include "matrix.h"
 #include "q_Mur/pipeline.h"
 

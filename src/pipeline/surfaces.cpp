@@ -1,4 +1,4 @@
-#include "../frame/surface.h"
+#include "base/surface.h"
 #include "mesh_light.h"
 #include "q_Mur/pipeline.h"
 

@@ -1,5 +1,5 @@
-#include "../frame/pixel.h"
-#include "../frame/wide.h"
+#include "base/pixel.h"
+#include "base/wide.h"
 #include "q_Mur/draw.h"
 #include "q_Mur/pipeline.h"
 #include "spans.h"

@@ -3,7 +3,7 @@
 #ifndef Q_MUR_REGION_LINE_H
 #define Q_MUR_REGION_LINE_H
 
-#include "../frame/surface.h"
+#include "base/surface.h"
 
 namespace qmur {
 

@@ -1,4 +1,4 @@
-#include "../frame/surface.h"
+#include "base/surface.h"
 #include "q_Mur/sprite.h"
 
 #include <cstdio>

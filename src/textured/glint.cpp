@@ -1,7 +1,7 @@
 #include "glint.h"
 
-#include "../frame/pixel.h"
-#include "../frame/surface.h"
+#include "base/pixel.h"
+#include "base/surface.h"
 
 #include <cstdlib>
 

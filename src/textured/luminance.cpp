@@ -1,5 +1,5 @@
-#include "../math3d/lighting.h"
 #include "q_Mur/textured.h"
+#include "walks/lighting.h"
 
 namespace {
 

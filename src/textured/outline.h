@@ -3,7 +3,7 @@
 #ifndef Q_MUR_TEXTURED_OUTLINE_H
 #define Q_MUR_TEXTURED_OUTLINE_H
 
-#include "../frame/wide.h"
+#include "base/wide.h"
 #include "q_Mur/draw.h"
 
 #include <array>

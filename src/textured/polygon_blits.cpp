@@ -1,4 +1,4 @@
-#include "../frame/surface.h"
+#include "base/surface.h"
 #include "outline.h"
 #include "q_Mur/textured.h"
 #include "span_mappers.h"

@@ -1,5 +1,5 @@
-#include "../frame/private_block.h"
-#include "../frame/z_plane.h"
+#include "base/private_block.h"
+#include "base/z_plane.h"
 #include "q_Mur/frame.h"
 #include "q_Mur/textured.h"
 

@@ -1,5 +1,5 @@
-#include "../frame/surface.h"
-#include "../frame/wide.h"
+#include "base/surface.h"
+#include "base/wide.h"
 #include "glint.h"
 #include "q_Mur/math3d.h"
 #include "q_Mur/textured.h"

@@ -1,8 +1,8 @@
 #include "span_mappers.h"
 
-#include "../frame/sampling.h"
-#include "../frame/surface.h"
-#include "lanes.h"
+#include "base/lanes.h"
+#include "base/sampling.h"
+#include "base/surface.h"
 #include "q_Mur/textured.h"
 
 namespace {

@@ -1,7 +1,7 @@
-#include "../frame/extent.h"
-#include "../frame/stretch.h"
-#include "../frame/wide.h"
+#include "base/extent.h"
+#include "base/wide.h"
 #include "q_Mur/warp.h"
+#include "walks/stretch.h"
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
-#include "../frame/sampling.h"
-#include "../frame/stretch.h"
-#include "../frame/wide.h"
+#include "base/sampling.h"
+#include "base/wide.h"
 #include "q_Mur/math3d.h"
 #include "q_Mur/warp.h"
+#include "walks/stretch.h"
 
 #include <algorithm>
 #include <cstdint>

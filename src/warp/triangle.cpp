@@ -1,6 +1,6 @@
-#include "../frame/stretch.h"
 #include "q_Mur/draw.h"
 #include "q_Mur/warp.h"
+#include "walks/stretch.h"
 
 #include <utility>
 

@@ -1,8 +1,8 @@
-#include "../frame/one_pixel.h"
-#include "../frame/sampling.h"
-#include "../frame/stretch.h"
-#include "../frame/wide.h"
+#include "base/one_pixel.h"
+#include "base/sampling.h"
+#include "base/wide.h"
 #include "q_Mur/warp.h"
+#include "walks/stretch.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "frame/wide.h"
+#include "base/wide.h"
 #include "naive_gaussian_blur.h"
 #include "support/cases.h"
 

@@ -1,4 +1,4 @@
-#include "frame/wide.h"
+#include "base/wide.h"
 #include "naive_light_map.h"
 #include "naive_rings.h"
 #include "support/cases.h"

@@ -3,7 +3,7 @@
 #ifndef Q_MUR_TESTS_FILTER_NAIVE_GAUSSIAN_BLUR_H
 #define Q_MUR_TESTS_FILTER_NAIVE_GAUSSIAN_BLUR_H
 
-#include "frame/wide.h"
+#include "base/wide.h"
 #include "support/surface.h"
 
 #include <cmath>

@@ -3,7 +3,7 @@
 #ifndef Q_MUR_TESTS_FILTER_NAIVE_LIGHT_MAP_H
 #define Q_MUR_TESTS_FILTER_NAIVE_LIGHT_MAP_H
 
-#include "frame/wide.h"
+#include "base/wide.h"
 #include "naive_rings.h"
 
 #include <cmath>

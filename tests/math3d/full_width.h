@@ -3,7 +3,7 @@
 #ifndef Q_MUR_TESTS_MATH3D_FULL_WIDTH_H
 #define Q_MUR_TESTS_MATH3D_FULL_WIDTH_H
 
-#include "frame/wide.h"
+#include "base/wide.h"
 #include "support/cases.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "naive.h"
 
-#include "frame/wide.h"
+#include "base/wide.h"
 #include "math3d/full_width.h"
 
 #include <algorithm>

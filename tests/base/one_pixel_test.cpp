@@ -1,4 +1,4 @@
-#include "frame/one_pixel.h"
+#include "base/one_pixel.h"
 #include "support/random.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 /// \file
 /// Positions on surfaces, and the spans of columns and rows that clipping leaves.
-#ifndef Q_MUR_FRAME_SURFACE_H
-#define Q_MUR_FRAME_SURFACE_H
+#ifndef Q_MUR_BASE_SURFACE_H
+#define Q_MUR_BASE_SURFACE_H
 
-#include "arithmetic.h"
+#include "base/integers.h"
 #include "q_Mur/types.h"
 
 #include <cstddef>

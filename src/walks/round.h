@@ -1,10 +1,10 @@
 /// \file
 /// Walks of round shapes: runs of columns, given as offsets from a centre, row by row.
-#ifndef Q_MUR_DRAW_ROUND_H
-#define Q_MUR_DRAW_ROUND_H
+#ifndef Q_MUR_WALKS_ROUND_H
+#define Q_MUR_WALKS_ROUND_H
 
-#include "../frame/surface.h"
-#include "../frame/wide.h"
+#include "base/surface.h"
+#include "base/wide.h"
 #include "q_Mur/frame.h"
 
 #include <cmath>

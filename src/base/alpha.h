@@ -1,10 +1,10 @@
 /// \file
 /// The constant alpha of a whole call.
-#ifndef Q_MUR_FRAME_ALPHA_H
-#define Q_MUR_FRAME_ALPHA_H
+#ifndef Q_MUR_BASE_ALPHA_H
+#define Q_MUR_BASE_ALPHA_H
 
-#include "pixel.h"
-#include "wide.h"
+#include "base/pixel.h"
+#include "base/wide.h"
 
 namespace qmur {
 

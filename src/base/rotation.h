@@ -3,11 +3,11 @@
 ///
 /// A rotation changes the two coordinates a and b that its axis leaves free: (y, z) for X, (x, z) for Y, (x, y) for Z.
 /// Meant: Y turns the other way round than X and Z.
-#ifndef Q_MUR_MATH3D_ROTATION_H
-#define Q_MUR_MATH3D_ROTATION_H
+#ifndef Q_MUR_BASE_ROTATION_H
+#define Q_MUR_BASE_ROTATION_H
 
-#include "../frame/arithmetic.h"
-#include "../frame/wide.h"
+#include "base/integers.h"
+#include "base/wide.h"
 #include "q_Mur/frame.h"
 
 namespace qmur {

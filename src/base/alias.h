@@ -1,7 +1,7 @@
 /// \file
 /// Further names of one body.
-#ifndef Q_MUR_FRAME_ALIAS_H
-#define Q_MUR_FRAME_ALIAS_H
+#ifndef Q_MUR_BASE_ALIAS_H
+#define Q_MUR_BASE_ALIAS_H
 
 /// Makes a declared function another name of `body`, an extern "C" function defined in the same file. The signatures
 /// may differ as far as they pass alike at the interface.

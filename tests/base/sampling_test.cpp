@@ -1,4 +1,4 @@
-#include "frame/sampling.h"
+#include "base/sampling.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 /// \file
 /// Private blocks that are carved out of one allocation.
-#ifndef Q_MUR_FRAME_PRIVATE_BLOCK_H
-#define Q_MUR_FRAME_PRIVATE_BLOCK_H
+#ifndef Q_MUR_BASE_PRIVATE_BLOCK_H
+#define Q_MUR_BASE_PRIVATE_BLOCK_H
 
 #include <climits>
 

@@ -1,11 +1,11 @@
 /// \file
 /// The walks of the scaling blits. A source position starts at 0, grows by one step for each destination pixel, and is
 /// a fixed-point number; how many fraction bits it has, and whether it is signed, belongs to each family.
-#ifndef Q_MUR_BLIT_SCALING_H
-#define Q_MUR_BLIT_SCALING_H
+#ifndef Q_MUR_WALKS_SCALED_H
+#define Q_MUR_WALKS_SCALED_H
 
-#include "../frame/sampling.h"
-#include "../frame/surface.h"
+#include "base/sampling.h"
+#include "base/surface.h"
 
 namespace qmur {
 

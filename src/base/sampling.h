@@ -1,10 +1,10 @@
 /// \file
 /// Bilinear sampling with four-bit weights: the four weights are products of numbers up to 16 and add up to 256, so
 /// the weighted sum of a channel stays below 65536 and fits 16 bits at every step.
-#ifndef Q_MUR_FRAME_SAMPLING_H
-#define Q_MUR_FRAME_SAMPLING_H
+#ifndef Q_MUR_BASE_SAMPLING_H
+#define Q_MUR_BASE_SAMPLING_H
 
-#include "pixel.h"
+#include "base/pixel.h"
 
 #if defined(__SSE2__)
 #include <emmintrin.h>

@@ -1,4 +1,4 @@
-#include "frame/surface.h"
+#include "base/surface.h"
 
 #include <gtest/gtest.h>
 

@@ -5,8 +5,8 @@
 /// that promise silently and are dealt with here: a host or a thread of Windows starts with the unit's precision
 /// control at 53 bits, and the platforms' long double sine, cosine and tangent differ in the last bit, whereas the
 /// processor's own instructions are the same under every compiler and system.
-#ifndef Q_MUR_FRAME_WIDE_H
-#define Q_MUR_FRAME_WIDE_H
+#ifndef Q_MUR_BASE_WIDE_H
+#define Q_MUR_BASE_WIDE_H
 
 #include <cmath>
 #include <utility>

@@ -1,9 +1,9 @@
 /// \file
 /// Four numbers of 32 bits side by side: what a mapper walks at each pixel, and the channels of a pixel in the light.
-#ifndef Q_MUR_TEXTURED_LANES_H
-#define Q_MUR_TEXTURED_LANES_H
+#ifndef Q_MUR_BASE_LANES_H
+#define Q_MUR_BASE_LANES_H
 
-#include "../frame/arithmetic.h"
+#include "base/integers.h"
 #include "q_Mur/types.h"
 
 #include <bit>

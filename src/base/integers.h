@@ -3,8 +3,8 @@
 ///
 /// The detour through unsigned keeps the wrap-around out of the compiler's hands. Right shifts of signed values are
 /// arithmetic and left shifts wrap by the language itself.
-#ifndef Q_MUR_FRAME_ARITHMETIC_H
-#define Q_MUR_FRAME_ARITHMETIC_H
+#ifndef Q_MUR_BASE_INTEGERS_H
+#define Q_MUR_BASE_INTEGERS_H
 
 namespace qmur {
 

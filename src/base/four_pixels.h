@@ -1,9 +1,9 @@
 /// \file
 /// Blends of four pixels at a time, in 16-bit lanes: the weights are 0 to 256, so no weighted sum leaves its lane.
-#ifndef Q_MUR_BLIT_FOUR_PIXELS_H
-#define Q_MUR_BLIT_FOUR_PIXELS_H
+#ifndef Q_MUR_BASE_FOUR_PIXELS_H
+#define Q_MUR_BASE_FOUR_PIXELS_H
 
-#include "placement.h"
+#include "walks/placed.h"
 
 #include <cstdint>
 

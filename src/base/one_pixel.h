@@ -1,10 +1,10 @@
 /// \file
 /// Pixel arithmetic for walks that meet one pixel at a time: all channels at once, in the lanes of one register.
-#ifndef Q_MUR_FRAME_ONE_PIXEL_H
-#define Q_MUR_FRAME_ONE_PIXEL_H
+#ifndef Q_MUR_BASE_ONE_PIXEL_H
+#define Q_MUR_BASE_ONE_PIXEL_H
 
-#include "alpha.h"
-#include "pixel.h"
+#include "base/alpha.h"
+#include "base/pixel.h"
 
 #if defined(__SSE2__)
 #include <emmintrin.h>

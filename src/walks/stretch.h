@@ -1,9 +1,9 @@
 /// \file
 /// The stretch of a straight walk that lies between two bounds, worked out before the walk, so that no pixel is tested.
-#ifndef Q_MUR_FRAME_STRETCH_H
-#define Q_MUR_FRAME_STRETCH_H
+#ifndef Q_MUR_WALKS_STRETCH_H
+#define Q_MUR_WALKS_STRETCH_H
 
-#include "surface.h"
+#include "base/surface.h"
 
 namespace qmur {
 

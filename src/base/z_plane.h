@@ -1,9 +1,9 @@
 /// \file
 /// The Z planes of the 3D modules: signed 16-bit depths, one for each pixel of a destination, smaller is nearer.
-#ifndef Q_MUR_FRAME_Z_PLANE_H
-#define Q_MUR_FRAME_Z_PLANE_H
+#ifndef Q_MUR_BASE_Z_PLANE_H
+#define Q_MUR_BASE_Z_PLANE_H
 
-#include "surface.h"
+#include "base/surface.h"
 
 #include <algorithm>
 

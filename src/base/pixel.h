@@ -3,8 +3,8 @@
 ///
 /// d is the destination pixel and s the source pixel. Unless said otherwise the top byte of a result is 0 and the top
 /// bytes of d and s have no influence.
-#ifndef Q_MUR_FRAME_PIXEL_H
-#define Q_MUR_FRAME_PIXEL_H
+#ifndef Q_MUR_BASE_PIXEL_H
+#define Q_MUR_BASE_PIXEL_H
 
 #include "q_Mur/types.h"
 

@@ -1,9 +1,9 @@
 /// \file
 /// Where areas of surfaces lie in memory: a walk may leave the order that it promises only where none can tell.
-#ifndef Q_MUR_FRAME_EXTENT_H
-#define Q_MUR_FRAME_EXTENT_H
+#ifndef Q_MUR_BASE_EXTENT_H
+#define Q_MUR_BASE_EXTENT_H
 
-#include "surface.h"
+#include "base/surface.h"
 
 #include <cstdint>
 

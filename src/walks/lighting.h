@@ -1,11 +1,11 @@
 /// \file
 /// The light on a grid of points: one directional light with one highlight from a half vector, at each vertex.
-#ifndef Q_MUR_MATH3D_LIGHTING_H
-#define Q_MUR_MATH3D_LIGHTING_H
+#ifndef Q_MUR_WALKS_LIGHTING_H
+#define Q_MUR_WALKS_LIGHTING_H
 
-#include "../frame/arithmetic.h"
-#include "../frame/surface.h"
-#include "vector.h"
+#include "base/integers.h"
+#include "base/surface.h"
+#include "base/vector.h"
 
 namespace qmur {
 

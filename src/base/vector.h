@@ -1,10 +1,10 @@
 /// \file
 /// Arithmetic on vectors of three floats at full width. What a function here returns as #Wide has not been rounded, so
 /// all of it stands inside atFullWidth().
-#ifndef Q_MUR_MATH3D_VECTOR_H
-#define Q_MUR_MATH3D_VECTOR_H
+#ifndef Q_MUR_BASE_VECTOR_H
+#define Q_MUR_BASE_VECTOR_H
 
-#include "../frame/wide.h"
+#include "base/wide.h"
 #include "q_Mur/types.h"
 
 namespace qmur {

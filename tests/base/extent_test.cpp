@@ -1,4 +1,4 @@
-#include "frame/extent.h"
+#include "base/extent.h"
 
 #include <gtest/gtest.h>
 

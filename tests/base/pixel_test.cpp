@@ -1,6 +1,6 @@
-#include "frame/pixel.h"
+#include "base/pixel.h"
 
-#include "frame/alpha.h"
+#include "base/alpha.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "frame/arithmetic.h"
+#include "base/integers.h"
 
 #include <gtest/gtest.h>
 

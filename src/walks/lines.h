@@ -1,9 +1,9 @@
 /// \file
 /// A straight line as a run along its major axis, whichever of the two that is, and the Bresenham walk of it.
-#ifndef Q_MUR_DRAW_LINE_H
-#define Q_MUR_DRAW_LINE_H
+#ifndef Q_MUR_WALKS_LINES_H
+#define Q_MUR_WALKS_LINES_H
 
-#include "../frame/surface.h"
+#include "base/surface.h"
 
 namespace qmur {
 

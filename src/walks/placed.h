@@ -1,9 +1,9 @@
 /// \file
 /// The walk of the unscaled blits: a rectangle of source pixels laid over destination pixels of the same size.
-#ifndef Q_MUR_BLIT_PLACEMENT_H
-#define Q_MUR_BLIT_PLACEMENT_H
+#ifndef Q_MUR_WALKS_PLACED_H
+#define Q_MUR_WALKS_PLACED_H
 
-#include "../frame/surface.h"
+#include "base/surface.h"
 
 namespace qmur {
 

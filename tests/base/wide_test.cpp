@@ -1,4 +1,4 @@
-#include "frame/wide.h"
+#include "base/wide.h"
 
 #include "frame/x87.h"
 
