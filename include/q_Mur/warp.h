@@ -83,7 +83,9 @@ Q_MUR_API void iBltNear32_Y_Roto(q_ulong *dst, q_ulong *front, q_ulong *back, q_
                                  int width, int height);
 
 /// Turns a whole frame of `width` by `height` about the horizontal line through its middle, one face alone; what it
-/// uncovers becomes 0. Source row 0 and column 0 are not shown.
+/// uncovers becomes 0. The margin below is one row higher than the one above: the last row is cleared even where the
+/// face just fills the frame, and shows it only where that reaches past the frame by a whole row or more, above and
+/// below. Source row 0 and column 0 are not shown.
 Q_MUR_API void iBltNear32_X_Roto_Fast(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, double angle,
                                       double scale, double perspective, int width, int height);
 
@@ -93,7 +95,8 @@ Q_MUR_API void iBltNear32_X_Roto_Fast(q_ulong *dst, int dstPitch, q_ulong *src, 
                                       int height);
 
 /// Turns a whole frame of `width` by `height` about the vertical line through its middle, one face alone; what it
-/// uncovers becomes 0.
+/// uncovers becomes 0. The last column is treated as the last row is in iBltNear32_X_Roto_Fast(). Shows all of the
+/// source.
 Q_MUR_API void iBltNear32_Y_Roto_Fast(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, double angle,
                                       double scale, double perspective, int width, int height);
 

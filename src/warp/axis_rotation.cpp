@@ -356,12 +356,15 @@ void turnFrame(const WholeFrame &frame, double angle, double scale, double persp
         return FrameTurn{true,
                          {truncateToInt(scale * 32768.0L), truncateToInt(tangent(angle) * perspective * 32768),
                           truncateToInt(32768 / scaledCosine)},
-                         larger(truncateToInt((1.0L - std::fabs(scaledCosine)) * outerHalf), 0)};
+                         truncateToInt((1.0L - std::fabs(scaledCosine)) * outerHalf)};
     });
     if (!frameTurn.drawn)
         return;
-    const int last = frame.outerExtent - frameTurn.margin - 1;
-    const Span face = {smaller(frameTurn.margin, outerHalf), last > outerHalf ? last : outerHalf + 1};
+    // Meant: a margin of 0 still clears the last line. That of an enlarged frame is negative, and its face, which ends
+    // beyond the frame, shows there.
+    const long long end = frame.outerExtent - static_cast<long long>(frameTurn.margin) - 1;
+    const int heldEnd = end > frame.outerExtent ? frame.outerExtent : static_cast<int>(end);
+    const Span face = {larger(smaller(frameTurn.margin, outerHalf), 0), larger(heldEnd, outerHalf + 1)};
 
     const Bounds outerBounds = {frame.firstInside, frame.outerExtent};
     const Bounds innerBounds = {frame.firstInside, frame.innerExtent};

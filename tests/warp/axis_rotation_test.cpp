@@ -591,6 +591,58 @@ TEST(iBltNear32_Y_Roto_Fast, at_angle_0_shows_source_row_0_and_column_0_and_clea
     EXPECT_EQ(dst.differenceFrom(expected), "");
 }
 
+TEST(iBltNear32_X_Roto_Fast, enlarged_shows_the_face_in_its_last_row) {
+    // At a scale of 2 the margin of a height of 5 is -1 * 2: the face ends beyond the frame. Row y shows row
+    // (y - 2) / 2 + 2, column x column (x - 3) / 2 + 3, rounded down.
+    constexpr int rows[] = {1, 1, 2, 2, 3};
+    constexpr int columns[] = {1, 2, 2, 3, 3, 4};
+    Surface src = placesOf(6, 5);
+    Surface background(6, 5, 0x22222222);
+    Surface expected(6, 5, untouched);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 6; ++x)
+            expected.at(x, y) = place(columns[x], rows[y]);
+    for (const auto kind : {FrameTurn::oneFace, FrameTurn::withBackground}) {
+        Surface dst(6, 5, untouched);
+        FrameTurn{.kind = kind, .scale = 2, .width = 6, .height = 5, .src = &src, .background = &background}.draw(dst);
+        EXPECT_EQ(dst.differenceFrom(expected), "");
+    }
+}
+
+TEST(iBltNear32_Y_Roto_Fast, enlarged_shows_the_face_in_its_last_column) {
+    constexpr int rows[] = {1, 1, 2, 2, 3};
+    constexpr int columns[] = {1, 2, 2, 3, 3, 4};
+    Surface src = placesOf(6, 5);
+    Surface dst(6, 5, untouched);
+    FrameTurn{.kind = FrameTurn::aboutY, .scale = 2, .width = 6, .height = 5, .src = &src}.draw(dst);
+    Surface expected(6, 5, untouched);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 6; ++x)
+            expected.at(x, y) = place(columns[x], rows[y]);
+    EXPECT_EQ(dst.differenceFrom(expected), "");
+}
+
+TEST(iBltNear32_X_Roto_Fast, a_margin_that_is_truncated_to_0_clears_the_last_row_and_one_of_minus_1_does_not) {
+    // Half of 8 rows is 4: a scale of 1.2 leaves a margin of -0.8, which is 0, one of 1.25 leaves -1.
+    for (const auto kind : {FrameTurn::oneFace, FrameTurn::withBackground, FrameTurn::aboutY})
+        for (const bool negative : {false, true})
+            for (const double scale : {1.2, 1.25}) {
+                Surface src(8, 8, 7);
+                Surface background(8, 8, 9);
+                Surface dst(8, 8, untouched);
+                FrameTurn{.kind = kind,
+                          .scale = negative ? -scale : scale,
+                          .width = 8,
+                          .height = 8,
+                          .src = &src,
+                          .background = &background}
+                    .draw(dst);
+                const q_ulong last = kind == FrameTurn::aboutY ? dst.at(7, 4) : dst.at(4, 7);
+                const q_ulong outside = kind == FrameTurn::withBackground ? 9 : 0;
+                EXPECT_EQ(last, scale == 1.25 ? 7u : outside) << scale;
+            }
+}
+
 TEST(iBltNear32_X_Roto_Fast, the_cosine_times_the_scale_decides_whether_the_face_is_edge_on) {
     Surface src(6, 5, 7);
     Surface background(6, 5, 9);

@@ -206,17 +206,17 @@ struct FrameTurn {
         });
         if (n.edgeOn)
             return;
-        const int margin = std::max(n.margin, 0);
-        const int top = std::min(margin, half);
-        const int bottom = limit - margin - 1 > half ? limit - margin - 1 : half + 1;
+        const std::int64_t top = std::min(n.margin, half);
+        const std::int64_t bottom = std::max(limit - std::int64_t{n.margin} - 1, std::int64_t{half} + 1);
         const int inside = kind == oneFace ? 1 : 0;
         // Both margins before the face.
         std::vector<int> order;
         for (int line = 0; line < limit; ++line)
             if (line < top || line >= bottom)
                 order.push_back(line);
-        for (int line = top; line < bottom; ++line)
-            order.push_back(line);
+        for (int line = 0; line < limit; ++line)
+            if (line >= top && line < bottom)
+                order.push_back(line);
         for (const int line : order)
             for (int along = 0; along < limitAlong; ++along) {
                 const std::int64_t fromCentre = static_cast<std::int64_t>(line) - half;
