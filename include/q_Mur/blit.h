@@ -43,7 +43,8 @@ Q_MUR_API void iFadeOut32(q_ulong *dst, tagRECT *rect, int pitch, float factor);
 Q_MUR_API void iBltNear32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, int dstPitch, int srcPitch);
 
 /// As iBltNear32(), writing inside `clipRect` only; what is written is what would stand there unclipped. A source of
-/// 2048 pixels or more in either direction is beyond the format.
+/// 2048 pixels or more in either direction is beyond the format. One that is turned inside out is walked to the left or
+/// up, as in iBltNear32_Add().
 Q_MUR_API void iBltNear32Safe(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, tagRECT *clipRect,
                               int dstPitch, int srcPitch);
 
@@ -76,8 +77,11 @@ Q_MUR_API void iBltPerfect32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRE
 /// @}
 /// \name Additive blits
 /// The source colour is added to the destination, channel by channel; top byte 0. "Saturates" means capped at 255,
-/// "wraps" that a carry is dropped. The forms with three scales multiply the source channel by scale / 256 first. An
-/// empty source adds nothing.
+/// "wraps" that a carry is dropped. The forms with three scales multiply the source channel by scale / 256 first.
+///
+/// A source of no width or height adds nothing. One that is turned inside out, its right below its left or its bottom
+/// below its top, adds nothing either, except in iBltNear32_Add() without scales and iBltNear32SafeKeySrcAdd(): these
+/// begin at (left, top) and go left or up, positions rounded down, so that column `right` or row `bottom` can be read.
 /// @{
 
 /// Adds `srcRect` at (`dstX`, `dstY`). All channels saturate.

@@ -30,6 +30,11 @@ constexpr auto addScaled(ChannelScales scales) {
     };
 }
 
+/// Whether a source is without pixels. One whose end lies before its start is none: it is walked left or up.
+bool lacksExtent(const tagRECT &srcRect) {
+    return srcRect.left == srcRect.right || srcRect.top == srcRect.bottom;
+}
+
 /// The walk of a scaled add. Unlike in the scaling copies, a source without pixels adds nothing.
 template <class Position>
 ScaledWalk<Position> addedOnto(q_ulong *dst, q_ulong dstPitch, const tagRECT &dstRect, const q_ulong *src,
@@ -57,10 +62,13 @@ void iBltFast32_Add(q_ulong *dst, q_ulong *src, q_ulong dstX, q_ulong dstY, tagR
 
 void iBltNear32_Add(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
                     q_ulong srcPitch) {
-    forEachNearest(addedOnto<Signed17_15>(dst, dstPitch, *dstRect, src, srcPitch, *srcRect), [](q_ulong &d, q_ulong s) {
-        // Meant: blue is not capped, and its carry is or-ed onto the lowest bit of green.
-        d = (saturatingBytes(d, s) & (redMask | greenMask)) | (blueOf(d) + blueOf(s));
-    });
+    if (lacksExtent(*srcRect))
+        return;
+    forEachNearest(scaledOnto<Signed17_15>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect),
+                   [](q_ulong &d, q_ulong s) {
+                       // Meant: blue is not capped, and its carry is or-ed onto the lowest bit of green.
+                       d = (saturatingBytes(d, s) & (redMask | greenMask)) | (blueOf(d) + blueOf(s));
+                   });
 }
 
 void iBltNear32_Add(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch, q_ulong srcPitch,
@@ -94,7 +102,7 @@ void iBltFast32_KeySrc_Add(q_ulong *dst, q_ulong *src, int dstX, int dstY, tagRE
 
 void iBltNear32SafeKeySrcAdd(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, int dstPitch, int srcPitch,
                              int clipWidth, int clipHeight) {
-    if (isEmpty(*srcRect))
+    if (lacksExtent(*srcRect))
         return;
     forEachNearest(
         scaledWithin<Signed16_16>(windowOf(clipWidth, clipHeight), dst, dstPitch, *dstRect, src, srcPitch, *srcRect),

@@ -173,10 +173,15 @@ bool isEmpty(const tagRECT &rect) {
     return widthOf(rect) < 1 || heightOf(rect) < 1;
 }
 
+/// Without pixels, but not turned inside out.
+bool lacksExtent(const tagRECT &rect) {
+    return widthOf(rect) == 0 || heightOf(rect) == 0;
+}
+
 template <class Store>
 ScaledAdd naiveScaled(PositionFormat format, Store store) {
     return [format, store](Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect) {
-        if (!isEmpty(srcRect))
+        if (format.isSigned ? !lacksExtent(srcRect) : !isEmpty(srcRect))
             naiveNearest(dst, src, dstRect, srcRect, format, unclipped, store);
     };
 }
@@ -201,7 +206,7 @@ ScaledAdd naiveFiltered(Scales scales) {
 }
 
 void naiveSafeKeyAdd(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect) {
-    if (!isEmpty(srcRect))
+    if (!lacksExtent(srcRect))
         naiveNearest(dst, src, dstRect, srcRect, signed16_16, dst.rect(), clampAllUnlessZero);
 }
 
@@ -603,15 +608,98 @@ TEST(ScaledAdds, an_empty_source_or_destination_writes_nothing) {
     test::Random random(1);
     Surface src = Surface::randomOfSize(random, 8, 8);
     const Surface untouched = Surface::randomOfSize(random, 8, 8);
+    const tagRECT withoutExtent[] = {{3, 2, 3, 5}, {3, 2, 5, 2}, {5, 2, 5, 1}, {5, 2, 3, 2}, {4, 4, 4, 4}};
+    const tagRECT insideOut[] = {{5, 2, 3, 5}, {3, 5, 5, 2}, {5, 5, 3, 2}};
+    const auto writesNothing = [&](const ScaledAdd &add, const tagRECT &dstRect, const tagRECT &srcRect) {
+        Surface dst = untouched;
+        add(dst, dstRect, src, srcRect);
+        EXPECT_EQ(dst.differenceFrom(untouched), "");
+    };
+    const tagRECT drawn = {1, 1, 6, 7};
     for (const ScaledAdd &add : {ScaledAdd(nearAdd), nearAddScaled({255, 255, 255}), ScaledAdd(bilinearAdd),
-                                 bilinearAddScaled({255, 255, 255}), ScaledAdd(safeKeyAdd)})
-        for (const tagRECT empty : {tagRECT{3, 2, 3, 5}, {3, 2, 5, 2}, {5, 2, 3, 5}, {3, 5, 5, 2}, {4, 4, 4, 4}}) {
-            Surface dst = untouched;
-            add(dst, {1, 1, 6, 7}, src, empty);
-            EXPECT_EQ(dst.differenceFrom(untouched), "");
-            add(dst, empty, src, {1, 1, 6, 7});
-            EXPECT_EQ(dst.differenceFrom(untouched), "");
+                                 bilinearAddScaled({255, 255, 255}), ScaledAdd(safeKeyAdd)}) {
+        for (const tagRECT &empty : withoutExtent) {
+            writesNothing(add, drawn, empty);
+            writesNothing(add, empty, drawn);
         }
+        for (const tagRECT &empty : insideOut)
+            writesNothing(add, empty, drawn);
+    }
+    for (const ScaledAdd &add :
+         {nearAddScaled({255, 255, 255}), ScaledAdd(bilinearAdd), bilinearAddScaled({255, 255, 255})})
+        for (const tagRECT &empty : insideOut)
+            writesNothing(add, drawn, empty);
+}
+
+/// A row of 1 to 6, and its turned-inside-out rectangles.
+void walksASourceTurnedInsideOutToTheLeft(const ScaledAdd &add) {
+    Surface src(6, 1);
+    for (int x = 0; x < 6; ++x)
+        src.at(x, 0) = static_cast<q_ulong>(x + 1);
+    src.at(-1, 0) = 0x70;
+    const auto drawn = [&](int width, tagRECT srcRect) {
+        Surface dst(width, 1);
+        add(dst, dst.rect(), src, srcRect);
+        std::vector<q_ulong> pixels;
+        for (int x = 0; x < width; ++x)
+            pixels.push_back(dst.at(x, 0));
+        return pixels;
+    };
+    // A step of -4 / 4: from column 5, the sixth pixel, to the left.
+    EXPECT_EQ(drawn(4, {5, 0, 1, 1}), (std::vector<q_ulong>{6, 5, 4, 3}));
+    // A step of -4 / 2.
+    EXPECT_EQ(drawn(2, {5, 0, 1, 1}), (std::vector<q_ulong>{6, 4}));
+    // A step of -2 / 4: the positions -1/2 and -3/2 are rounded down, to -1 and -2.
+    EXPECT_EQ(drawn(4, {5, 0, 3, 1}), (std::vector<q_ulong>{6, 5, 5, 4}));
+    // A step of -2 / 3, which the division truncates toward 0: -0.67 and -1.33.
+    EXPECT_EQ(drawn(3, {5, 0, 3, 1}), (std::vector<q_ulong>{6, 5, 4}));
+    // The column where the rectangle ends is reached where the last position is rounded down to it.
+    EXPECT_EQ(drawn(4, {0, 0, -1, 1}), (std::vector<q_ulong>{1, 0x70, 0x70, 0x70}));
+}
+
+void walksASourceTurnedInsideOutUp(const ScaledAdd &add) {
+    Surface src(2, 6);
+    for (int y = 0; y < 6; ++y) {
+        src.at(0, y) = static_cast<q_ulong>(y + 1);
+        src.at(1, y) = static_cast<q_ulong>(y + 1) << 8;
+    }
+    Surface dst(2, 4);
+    add(dst, dst.rect(), src, {0, 5, 2, 3});
+    const q_ulong expected[] = {6, 5, 5, 4};
+    for (int y = 0; y < 4; ++y) {
+        EXPECT_EQ(dst.at(0, y), expected[y]);
+        EXPECT_EQ(dst.at(1, y), expected[y] << 8);
+    }
+    // Left and up at once.
+    Surface both(2, 2);
+    add(both, both.rect(), src, {1, 5, -1, 3});
+    EXPECT_EQ(both.at(0, 0), 0x600u);
+    EXPECT_EQ(both.at(1, 0), 6u);
+    EXPECT_EQ(both.at(0, 1), 0x500u);
+    EXPECT_EQ(both.at(1, 1), 5u);
+}
+
+TEST(iBltNear32_Add, a_source_turned_inside_out_is_walked_to_the_left_or_up) {
+    walksASourceTurnedInsideOutToTheLeft(nearAdd);
+    walksASourceTurnedInsideOutUp(nearAdd);
+}
+
+TEST(iBltNear32SafeKeySrcAdd, a_source_turned_inside_out_is_walked_to_the_left_or_up) {
+    walksASourceTurnedInsideOutToTheLeft(safeKeyAdd);
+    walksASourceTurnedInsideOutUp(safeKeyAdd);
+}
+
+TEST(iBltNear32SafeKeySrcAdd, a_source_turned_inside_out_is_clipped_as_any_other) {
+    // The destination begins two columns before the surface: its third pixel shows the third source pixel to the left.
+    Surface src(6, 1);
+    for (int x = 0; x < 6; ++x)
+        src.at(x, 0) = static_cast<q_ulong>(x + 1);
+    Surface dst(3, 1);
+    safeKeyAdd(dst, {-2, 0, 4, 1}, src, {5, 0, -1, 1});
+    EXPECT_EQ(dst.at(0, 0), 4u);
+    EXPECT_EQ(dst.at(1, 0), 3u);
+    EXPECT_EQ(dst.at(2, 0), 2u);
+    EXPECT_EQ(dst.at(3, 0), 0u);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -720,7 +808,7 @@ TEST(iBltNear32SafeKeySrcAdd, agrees_with_a_naive_add) {
         const int clipWidth = c.random.between(-1, dst.width());
         const int clipHeight = c.random.between(-1, dst.height());
         Surface expected = dst;
-        if (!isEmpty(srcRect))
+        if (!lacksExtent(srcRect))
             naiveNearest(expected, src, dstRect, srcRect, signed16_16, {0, 0, clipWidth, clipHeight},
                          clampAllUnlessZero);
         iBltNear32SafeKeySrcAdd(dst.pixels(), src.pixels(), &dstRect, &srcRect, dst.pitch(), src.pitch(), clipWidth,
