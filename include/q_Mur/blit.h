@@ -165,8 +165,7 @@ Q_MUR_API void iBltFast32Alpha(q_ulong *dst, q_ulong *src, int offsetX, int offs
                                int srcPitch, float alpha);
 
 /// Scales `srcRect` onto `dstRect`, filtered as in iBltBilinear32(), and blends it over the destination. With an
-/// `alpha` outside 0 to 1 red and green wrap in place and blue runs over into them, a negative one through the whole
-/// word, the top byte included.
+/// `alpha` outside 0 to 1 red and green wrap in place and blue runs over into them; the top byte is 0 all the same.
 Q_MUR_API void iBltBilinear32_Alpha(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
                                     q_ulong srcPitch, float alpha);
 

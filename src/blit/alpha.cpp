@@ -114,9 +114,8 @@ void iBltBilinear32_Alpha(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT 
     else
         forEachFiltered(walk, [weights](q_ulong &d, ChannelSums sums) {
             const q_ulong s = sums.pixel();
-            // Blue is not masked: outside 0 to 1 its sign runs through the whole word.
-            const auto blue = static_cast<int>(weightedByte(blueOf(d), blueOf(s), weights));
-            d = mixedRedGreen(d, s, weights) | static_cast<q_ulong>(blue >> 8);
+            // Meant: blue is not masked. Outside 0 to 1 it runs over into green and red, but not into the top byte.
+            d = mixedRedGreen(d, s, weights) | weightedByte(blueOf(d), blueOf(s), weights) >> 8;
         });
 }
 

@@ -42,13 +42,13 @@ q_ulong naiveBlend(q_ulong d, std::int64_t dWeight, q_ulong s, std::int64_t sWei
     return ((products(0xFF0000) & 0xFF0000FF) | (products(0xFF00) & 0xFF0000) | products(0xFF)) >> 8;
 }
 
-/// Each channel as a byte of its own; blue unmasked and shifted with its sign.
+/// Each channel as a byte of its own; blue unmasked and shifted as a word without a sign.
 q_ulong naiveMix(q_ulong d, q_ulong s, std::int64_t weight) {
     const auto sum = [&](int shift) {
         return cut(static_cast<std::int64_t>(s >> shift & 0xFF) * weight +
                    static_cast<std::int64_t>(d >> shift & 0xFF) * (256 - weight));
     };
-    return (sum(16) & 0xFF00) << 8 | (sum(8) & 0xFF00) | cut(static_cast<std::int32_t>(sum(0)) >> 8);
+    return (sum(16) & 0xFF00) << 8 | (sum(8) & 0xFF00) | sum(0) / 256;
 }
 
 /// What a blend within 0 to 1 means: every byte on its own, in whole numbers.
@@ -402,11 +402,21 @@ TEST(iBltBilinear32_Alpha, alpha_1_is_the_plain_filter_and_alpha_0_the_destinati
     EXPECT_EQ(clear.differenceFrom(cleared), "");
 }
 
-TEST(iBltBilinear32_Alpha, below_0_the_sign_of_blue_runs_through_the_whole_word) {
-    // 1 * 512 - 3 * 256 = -256, shifted with its sign
-    EXPECT_EQ(filteredBlend(0x000001, 0x000003, -1.0F), 0xFFFFFFFFu);
+TEST(iBltBilinear32_Alpha, below_0_blue_runs_through_green_and_red_and_leaves_the_top_byte_0) {
+    // 1 * 512 - 3 * 256 = -256, which is 0xFFFFFF00 as a word
+    EXPECT_EQ(filteredBlend(0x000001, 0x000003, -1.0F), 0x00FFFFFFu);
     // Blue 0 * 512 - 1 * 256 = -256 covers red and green, whatever they are.
-    EXPECT_EQ(filteredBlend(0x102000, 0x010101, -1.0F), 0xFFFFFFFFu);
+    EXPECT_EQ(filteredBlend(0xFF102000, 0x010101, -1.0F), 0x00FFFFFFu);
+    // Green 0 * 512 - 1 * 256 stays in its place: under its mask 0xFF00 is left of 0xFFFFFF00.
+    EXPECT_EQ(filteredBlend(0xFF000000, 0x000100, -1.0F), 0x0000FF00u);
+}
+
+TEST(iBltBilinear32_Alpha, leaves_the_top_byte_0_under_every_alpha) {
+    test::Random random(7);
+    for (int i = 0; i < 100000; ++i) {
+        const float alpha = randomAlpha(random);
+        ASSERT_EQ(filteredBlend(random.pixel(), random.pixel(), alpha) >> 24, 0u) << alpha;
+    }
 }
 
 TEST(iBltBilinear32_Alpha, beyond_1_red_and_green_wrap_in_place_and_blue_runs_upward) {
