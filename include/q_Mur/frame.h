@@ -94,7 +94,7 @@ Q_MUR_API double randDouble(double low, double high);
 Q_MUR_API int randIntGauss(int low, int high, int count);
 
 /// The mean of `count` draws, scaled to `low` to `high`. A `count` of 0 gives no number, below 0 the result is `low`.
-/// The sum of the draws and its divisor are 32-bit numbers and wrap from 65539 draws on.
+/// The sum of the draws is a 32-bit number, which can wrap from 65539 draws on; its divisor never does.
 Q_MUR_API float randFloatGauss(float low, float high, int count);
 
 /// As randFloatGauss(), in double.

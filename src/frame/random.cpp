@@ -50,9 +50,10 @@ Real uniform(Real low, Real high, Real perDraw) {
 template <class Real>
 Real bell(Real low, Real high, int count) {
     const int sum = sumOfDraws(count);
-    const int divisor = qmur::wrapMultiply(count, largestDraw);
     return qmur::atFullWidth([=] {
         const qmur::Wide span = static_cast<qmur::Wide>(high) - low;
+        // Only the sum wraps.
+        const qmur::Wide divisor = static_cast<qmur::Wide>(count) * largestDraw;
         return static_cast<Real>(low + sum * span / divisor);
     });
 }

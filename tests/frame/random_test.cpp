@@ -315,12 +315,26 @@ TEST(randFloatGauss, with_a_count_below_0_is_the_lower_bound_without_a_draw) {
     EXPECT_EQ(with({}, [] { return randDoubleGauss(10, 20, -1); }), 10.0);
 }
 
-TEST(randFloatGauss, sum_and_divisor_are_32_bit_numbers) {
-    // 65540 * 32767 is above 2^31: both wrap alike, and their quotient is still 1.
+TEST(randFloatGauss, the_divisor_never_wraps) {
+    // 65540 * 32767 is 2147549180, which as a 32-bit number would be -2147418116.
+    std::vector<int> draws(65540, 0);
+    draws.front() = 32767;
+    EXPECT_EQ(with(draws, [] { return randFloatGauss(0, 65540, 65540); }), 1.0F);
+    EXPECT_EQ(with(draws, [] { return randDoubleGauss(0, 65540, 65540); }), 1.0);
+    // 131076 * 32767 is 2^32 - 4, which would be -4.
+    EXPECT_EQ(with(std::vector<int>(131076, 1), [] { return randDoubleGauss(0, 32767, 131076); }), 1.0);
+}
+
+TEST(randFloatGauss, the_sum_is_a_32_bit_number) {
+    // Of 65540 draws of 32767 it is 2147549180, which wraps to -2147418116.
     const std::vector<int> draws(65540, 32767);
-    EXPECT_EQ(with(draws, [] { return randFloatGauss(0, 1, 65540); }), 1.0F);
-    EXPECT_EQ(with(draws, [] { return randDoubleGauss(0, 1, 65540); }), 1.0);
-    EXPECT_EQ(with(draws, [] { return randIntGauss(0, 1, 65540); }), 1);
+    EXPECT_EQ(with(draws, [] { return randFloatGauss(0, 1, 65540); }), static_cast<float>(-2147418116.0 / 2147549180));
+    EXPECT_EQ(with(draws, [] { return randDoubleGauss(0, 1, 65540); }), -2147418116.0 / 2147549180);
+}
+
+TEST(randIntGauss, sum_and_divisor_are_32_bit_numbers) {
+    // 65540 * 32767 is above 2^31: both wrap alike, and their quotient is still 1.
+    EXPECT_EQ(with(std::vector<int>(65540, 32767), [] { return randIntGauss(0, 1, 65540); }), 1);
 }
 
 TEST(randFloatGauss, agrees_with_a_naive_mean) {
