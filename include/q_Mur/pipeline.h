@@ -1,16 +1,24 @@
 /// \file
 /// Matrix pipeline: matrix stacks, camera, projection, Z-buffered shaded triangles, surfaces and lines.
 ///
-/// A host takes a private block once, fills its two matrix stacks, sets viewport and perspective, and for every frame
-/// resets the Z plane, projects its points with VKD_Mapping3Dto2D() and hands them to a renderer. The names are those
-/// of OpenGL's fixed-function matrix calls, but the meaning is this library's own:
+/// The calls of a host, in order:
+///
+/// 1. Once: GetPrivate_QMGL_Data(), VKD_glViewPort(), and then VKD_gluPerspective(), which reads the viewport.
+/// 2. For every frame: VKD_ResetZBuffer() for what is drawn; VKD_glMatrixMode() with 0, VKD_glLoadIdentity() and
+///    VKD_gluLookAt() for the camera, which looks along +z without it.
+/// 3. For every mesh: VKD_glMatrixMode() with 1, VKD_glLoadIdentity(), and the turns and moves that place it.
+/// 4. VKD_Mapping3Dto2D() on a copy of its points, which it overwrites, and a renderer for what comes out.
+///
+/// The names are those of OpenGL's fixed-function matrix calls, but the meaning is this library's own:
 ///
 /// - Matrices are row-major and act on column vectors; the translation stands in elements 3, 7 and 11.
 /// - Every operation comes behind those before it: a point goes through the calls in the order in which they were made.
 /// - A positive angle about +Z takes +X toward -Y.
 /// - There are two stacks, model (mode 1) and view (any other mode), and no projection matrix: the division is done by
 ///   VKD_Mapping3Dto2D().
-/// - Screen y grows downward with world y. z grows away from the viewer, and the eye lies at minus the focal length.
+/// - Screen y grows downward with world y. z grows away from the viewer.
+/// - On the plane z = 0 of the camera a unit is a pixel. What VKD_gluLookAt() calls the eye lies on this plane; the
+///   viewer's own eye, toward which the rays run together, lies a focal length behind it, at z = -`focalLength`.
 /// - Depth is the camera's z in world units, an int in the Z plane, smaller is nearer.
 /// - VKD_Mapping3Dto2D() takes rows before columns, the renderers take columns before rows.
 ///
@@ -92,19 +100,31 @@ Q_MUR_API void VKD_glViewPort(_PRIVATE_QMGL_DATA *data, int left, int top, int r
 
 /// Sets the focal length so that the viewport, as it stands now, is `fovyDegrees` high as a whole, and the depth limit
 /// to `-zNear`. Opening angles of no tangent, such as 0, give a focal length of 32768.
+///
+/// Depth is counted from the plane z = 0 of the camera, not from the viewer's eye, and a pixel is drawn where it is
+/// above `-zNear`. So a `zNear` of 0 cuts off everything before that plane, the focal length nothing before the
+/// viewer's eye (a little less is best: what comes nearer than 1 is no longer in perspective), and a negative one cuts
+/// deeper.
 /// \param aspect not read: one scale serves x and y
 /// \param zFar stored, but nothing clips at the far side
 Q_MUR_API void VKD_gluPerspective(_PRIVATE_QMGL_DATA *data, float fovyDegrees, float aspect, float zNear, float zFar);
 
 /// Moves the camera to the eye and turns it to the centre, in the view stack whatever the mode. The z of all three
-/// vectors is negated. With eye and centre in one place nothing happens. An up vector along the line of sight gives way
-/// to world Y; where the camera looks along world Y as well, the matrix becomes huge.
+/// vectors is negated, that of points is not: eye (0, 0, 100) stands where a point (0, 0, -100) does. With eye and
+/// centre in one place nothing happens.
+///
+/// The eye is where a unit is a pixel, not where the viewer stands, which is a focal length behind: to look from a
+/// point, pass one that lies a focal length ahead of it, and a centre beyond that. The up vector names the direction
+/// that runs *down* the screen, as y does: with (0, 1, 0) the picture stands as without a camera, with (0, -1, 0) it is
+/// turned by half a circle. Give it a length of about 1. Along the line of sight it gives way to world Y, unless it is
+/// so long that rounding leaves a rest of it, which then counts. Where the camera looks along world Y as well, all x
+/// and y become NaN, or huge if it looks the least bit beside.
 Q_MUR_API void VKD_gluLookAt(_PRIVATE_QMGL_DATA *data, float eyeX, float eyeY, float eyeZ, float centerX, float centerY,
                              float centerZ, float upX, float upY, float upZ);
 
 /// Brings a grid of points from model space to the screen, in place: x and y become pixels, z the depth from the
-/// camera, undivided. The fourth word is left alone. No point is left out: one that is nearer to the eye than 1, or
-/// behind it, is scaled by the whole focal length. Leaves view x model in `workMatrix`.
+/// camera, undivided. The fourth word is left alone. No point is left out: one that is nearer to the viewer's eye than
+/// 1, or behind it, is scaled by the whole focal length. Leaves view x model in `workMatrix`.
 Q_MUR_API void VKD_Mapping3Dto2D(_PRIVATE_QMGL_DATA *data, _POINT3DFLOAT *points, int rows, int columns);
 
 /// @}
@@ -184,8 +204,14 @@ Q_MUR_API void VKD_Render_Tri_Add(q_ulong *dst, tagRECT *clip, q_ulong pitch, _P
 /// `specular` can take a channel below 0, which then runs into those above it. Both sides of a surface are drawn,
 /// lit alike. The grid must be at least 2 by 2, otherwise nothing is done.
 ///
-/// \param light direction toward the light, of length 1; not (0, 0, -1)
-/// \param unusedVector not read
+/// Normals follow the grid: a row's direction x a column's. Where rows run to the right and columns downward, they
+/// point along +z, away from the viewer, and so must the light.
+///
+/// \param light of length 1, in the axes of the screen: with normals as above, the direction in which the light shines,
+///        *away* from the lamp. (0.577, 0.577, 0.577) lights the upper left of what bulges toward the viewer, (-0.577,
+///        -0.577, 0.577) the lower right, and (0, 0, 1) comes from the viewer. On a grid of the other sense it is the
+///        direction toward the lamp, with z below 0, and highlights go astray. Not (0, 0, -1).
+/// \param unusedVector not read, may be null
 /// \param ambientVector its length is the ambient level, 256 is unity
 /// \param specular strength of the highlight, 1.0 stands for 256 channel levels
 /// \param shininess how often the highlight term is squared; 0 leaves it linear

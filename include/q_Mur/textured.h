@@ -43,13 +43,19 @@ Q_MUR_API int ResetZBuffer(_PRIVATE_QM3D_DATA *data, tagRECT *rect, int pitch);
 /// Lights a grid of `rows` by `cols` points, each at least 2, row after row: writes the highlight of each vertex to
 /// `vertexArray0` and the multiplier to `vertexArray1`, which must have that many entries.
 ///
-/// The normal of a cell is that of its upper left triangle. A vertex on the border takes the mean of the two cells
-/// beside it, a corner that of its one cell, and an interior vertex the mean of the two cells to its right alone. The
-/// means are not renormalised: where a surface bends it darkens.
-/// \param light direction to the light, a unit vector in the axes of the points; a longer one gives more light;
-///        (0, 0, -1) has no highlight direction and must not be passed
+/// The normal of a cell is that of its upper left triangle: the step to the next point of the row x the step to the
+/// next row. Where rows run to the right and columns downward on the screen it points along +z, away from the viewer;
+/// mirrored, it points toward him. A vertex on the border takes the mean of the two cells beside it, a corner that of
+/// its one cell, and an interior vertex the mean of the two cells to its right alone. The means are not renormalised:
+/// where a surface bends it darkens.
+/// \param light a unit vector on the side of the normals, in the axes of the points. With normals that point away from
+///        the viewer it does too: it is the direction in which the light shines, *away* from the lamp. (0.577, 0.577,
+///        0.577) lights the upper left of what bulges toward the viewer, (-0.577, -0.577, 0.577) the lower right, and
+///        (0, 0, 1) comes from the viewer. With the other normals it is the direction toward the lamp, and highlights
+///        go astray. A longer one gives more light; (0, 0, -1) has no highlight direction and must not be passed.
 /// \param ambient added to every multiplier; 256 is unity
-/// \param specular highlight in channel levels where the surface mirrors the light to the viewer
+/// \param specular highlight in channel levels where the surface mirrors the light to a viewer at +z, the side on which
+///        the normals stand
 /// \param shininess how many times the highlight is squared; 0 or less: not at all
 Q_MUR_API void FindLuminenceTerm(_PRIVATE_QM3D_DATA *data, _POINT3DFLOAT *points, int rows, int cols,
                                  _POINT3DFLOAT *light, int ambient, int specular, int shininess);
@@ -170,8 +176,9 @@ Q_MUR_API void i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack(q_ulong *dst, _POINT
 /// as by FindLuminenceTerm(): both vertex arrays are overwritten. The cells divide `texRect` evenly to the texel. With
 /// less than 2 rows or columns nothing is drawn.
 /// \param texRect must leave two columns and two rows of the texture to its right and below, which may be read
-/// \param light direction to the light, a unit vector in the axes of the points
-/// \param lightColor not read
+/// \param light a unit vector, *away* from the lamp where rows run to the right and columns downward on the screen:
+///        (0.577, 0.577, 0.577) lights the upper left; see FindLuminenceTerm()
+/// \param lightColor not read, may be null
 /// \param ambientColor its length is the ambient light; 256 is unity
 /// \param specular strength of the highlight; 1.0 is 256 levels
 /// \param shininess how many times the highlight is squared

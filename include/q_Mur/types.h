@@ -194,7 +194,7 @@ struct _PRIVATE_QMGL_DATA {
     int viewportBottom;
     int nearLimit;   ///< a pixel is drawn only if its depth is greater
     int farLimit;    ///< stored, never read
-    int focalLength; ///< pixels from the eye to the plane Z = 0
+    int focalLength; ///< pixels from the viewer's eye to the plane z = 0
     int limitValue0;
     int limitValue1;
     int vertexArrayEntries;
