@@ -18,16 +18,21 @@
 /// Below 46 degrees the strip is walked by columns, from the one point's column to the other's, both included; from
 /// there on by rows, the row of the lower point left out. Either walk includes the last column of `clip` and leaves out
 /// its last row.
-/// \param p1,p2 two different points; equal ones draw nothing. The shorter extent of the line must stay below 65536.
+/// \param p1 one end of the line, whose shorter extent must stay below 65536
+/// \param p2 the other end; equal ends draw nothing
 /// \param edgeWidth width of the strip across the line, in pixels; below 2 nothing is drawn
-/// \param unused1,unused2 not read
+/// \param unused1 not read
+/// \param unused2 not read
 Q_MUR_API void Edge_Transparency(q_ulong *out, q_ulong *imageA, q_ulong *imageB, tagPOINT *p1, tagPOINT *p2,
                                  int edgeWidth, int pitch, int unused1, int unused2, int swapImages, tagRECT *clip);
 
 /// Writes the whole area of `width` by `height` pixels: `imageA` inside a circle, `imageB` outside, mixed where the
 /// distance to `centre` is within `band` of `radius`. Pixels outside the band are copied whole. Distances are squared
-/// in 32 bits: beyond 46340 pixels from `centre` they wrap. \param band half the width of the soft edge, in pixels; 0
-/// draws nothing
+/// in 32 bits: beyond 46340 pixels from `centre` they wrap.
+/// \param radius 0 or more. Below 0 only the outer part of the edge is left, and at -`band` nothing; from there on its
+///        square grows again, and a disc of meaningless colours appears.
+/// \param band half the width of the soft edge, in pixels; 0 draws nothing, a negative one a hard edge at `radius` +
+///        `band`
 Q_MUR_API void Edge_Transparency_Circle(q_ulong *out, q_ulong *imageA, q_ulong *imageB, tagPOINT *centre, int radius,
                                         int band, int width, int height, int pitch);
 
@@ -98,12 +103,26 @@ Q_MUR_API void Ver_GaussBlur(q_ulong *dst, q_ulong *src, float sigma, int width,
 /// distance to its outside becomes a height, heights become slopes, and each pixel of the shape is overwritten by a
 /// word that holds the light on that spot of the relief. Pixels outside stay 0. A rectangle wider than the pitch is
 /// left as it is.
+///
+/// **Light.** It comes from the upper left, 35 degrees above the picture, and the viewer looks straight down. With a
+/// negative `heightScale` the shape is a hollow, whose lower right side is the bright one.
+///
+/// **Neutral.** A flat spot is 0x20117 in both maps of ConvertBlock2LightInfom(): a diffuse light of 179, stored as
+/// 279, and a highlight of 2. In those of ConvertSrc2LightInfom() it is 0xFF: 256 and the 100 reach the limit, so that
+/// slopes toward the light are no brighter than a flat spot but for their highlight. A slope that the light does not
+/// reach has the diffuse light 0, stored as 100.
+///
+/// **Applying.** No function reads a map; the host lays it over a picture of its own where words are not 0, channel by
+/// channel, capped at 255: `colour * (word & 0xFFFF) / 279 + (word >> 16)` for the first two maps, `colour * (word &
+/// 0xFF) / 255 + (word >> 8 & 0xFF)` for the third. The 100 is light from all around: without it, 179 and 155 are the
+/// divisors and slopes in the shade turn black.
 /// @{
 
 /// Searches one square ring around a word for black (0 in all 32 bits). Neighbours are found by adding to the index, so
 /// that a ring wraps round at the ends of rows. Black at a squared distance of 1000000 and above is passed over. A
 /// caller asks for ring 1, 2, 3 ... until the answer is 0.
-/// \param block,blockWords the words that count
+/// \param block the first of the words that count
+/// \param blockWords how many they are
 /// \param index the word in the middle
 /// \param ring half the side of the square
 /// \param[out] distanceSquare the smallest squared distance to black on this ring, at most `limit`. Where the ring has
@@ -126,7 +145,7 @@ Q_MUR_API int FindNearSrcDistanceSquare(q_ulong *surface, int width, int height,
 
 /// Light map with a bevel by true distance: bits 0-15 hold the diffuse light plus 100, bits 16 and up the highlight,
 /// neither limited. The bevel is one pixel deep unless `limit` is very large.
-/// \param heightScale what heights are multiplied by
+/// \param heightScale what heights are multiplied by; 1 keeps them in pixels
 /// \param bevelSize width of the bevel, in pixels; its profile is a quarter circle of half that radius
 /// \param limit the largest squared distance; from 1000000 upward the nearest black is sought however far it lies, and
 ///        a rectangle without any word of 0 is left as it is
@@ -138,8 +157,8 @@ Q_MUR_API void ConvertBlock2LightInfom(q_ulong *surface, tagRECT *rect, int pitc
                                        int unused);
 
 /// Light map with slopes: from bit 0 a byte each of diffuse light plus 100 and highlight, both at most 255, and of the
-/// normal's y and x times 64, signed. A negative y sets the whole byte of x. The relief has square contours. A
-/// rectangle without any word of 0 is left as it is.
+/// normal's y and x times 64, signed: positive where the relief rises downward and to the right. A negative y sets the
+/// whole byte of x. The relief has square contours. A rectangle without any word of 0 is left as it is.
 /// \param bevelSize width of the bevel in pixels; an eighth of it is how far heights are smoothed
 /// \param profile the height by distance f: 0 is 2 f, 1 is f f / 2, 2 a half circle as wide as the bevel, as high as
 ///        its middle again where that ends; anything else is flat
