@@ -49,20 +49,23 @@ Q_MUR_API void iBltNear32Safe(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagR
                               int dstPitch, int srcPitch);
 
 /// Scales `srcRect` onto `dstRect`, filtered; top byte 0. Positions and their limit are those of iBltNear32(). Reads
-/// one column and one row beyond `srcRect`.
+/// one column and one row beyond `srcRect`, and what stands there bleeds in: enlarged by k, the last k - 1 columns and
+/// rows run over into it. In a buffer of just the size of `srcRect` that is the start of the next row, and memory that
+/// is not the picture's behind the last. Where nothing may bleed, iBltBilinear32_KeySrc() repeats the last column and
+/// row instead; with the key 0xFF000000, which never matches, it leaves nothing out.
 Q_MUR_API void iBltBilinear32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
                               q_ulong srcPitch);
 
 /// As iBltBilinear32(), but reading nothing behind the last source row: a pixel whose taps would reach the last pixel
 /// of the source area, or go beyond, is copied unfiltered, its top byte included. So is the whole last row, and with a
 /// pitch of the width, or one more, the end of the row above. The area is `srcPitch` times the height of `srcRect`,
-/// counted from the top left of `srcRect`; the right edge still reads one pixel beyond. A source with a negative pitch
-/// is not filtered.
+/// counted from the top left of `srcRect`; the right edge still reads one pixel beyond and bleeds. A source with a
+/// negative pitch is not filtered.
 Q_MUR_API void iBltBilinear32Safe(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
                                   q_ulong srcPitch);
 
-/// Chooses by size: equal sizes iBltFast32(), an area enlarged by half or more iBltBilinear32Safe(), anything else
-/// iBltNear32(). Areas are compared in 32 bits and should stay below 2^29 pixels.
+/// Chooses by size: equal sizes iBltFast32(), an area enlarged by half or more iBltBilinear32Safe(), with what bleeds
+/// at its right edge, anything else iBltNear32(). Areas are compared in 32 bits and should stay below 2^29 pixels.
 Q_MUR_API void iBltAdaptive32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
                               q_ulong srcPitch);
 
@@ -164,8 +167,9 @@ Q_MUR_API void iBltFast32SafeKeySrc(q_ulong *dst, q_ulong *src, int centreX, int
 Q_MUR_API void iBltFast32Alpha(q_ulong *dst, q_ulong *src, int offsetX, int offsetY, tagRECT *rect, int dstPitch,
                                int srcPitch, float alpha);
 
-/// Scales `srcRect` onto `dstRect`, filtered as in iBltBilinear32(), and blends it over the destination. With an
-/// `alpha` outside 0 to 1 red and green wrap in place and blue runs over into them; the top byte is 0 all the same.
+/// Scales `srcRect` onto `dstRect`, filtered as in iBltBilinear32(), edges included, and blends it over the
+/// destination. With an `alpha` outside 0 to 1 red and green wrap in place and blue runs over into them; the top byte
+/// is 0 all the same.
 Q_MUR_API void iBltBilinear32_Alpha(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
                                     q_ulong srcPitch, float alpha);
 

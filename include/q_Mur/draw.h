@@ -119,8 +119,8 @@ Q_MUR_API void Draw_Metal_Circle(q_ulong *surface, int pitch, int cx, int cy, in
 /// Blends a soft band around a circle: the full colour on it, falling to nothing 2 * `thickness` pixels to either side.
 /// Red is blended together with the top byte, as one 16-bit number. A centre that lies inside the band is blended four
 /// times. Nothing is clipped. Reads #iSqrt.
-/// \param thickness 1 or more; `radius` + 2 * `thickness` must not exceed 127, where the distance table ends. What
-///                  lies more than 181 pixels from the centre is never drawn.
+/// \param thickness 1 or more; 0 draws nothing. `radius` + 2 * `thickness` is at most 181, where the distance table
+///                  ends: what lies farther from the centre is left out.
 Q_MUR_API void Draw_Anti_Aliasing_Circle_NoFillInside(q_ulong *surface, int pitch, int cx, int cy, int radius,
                                                       int thickness, q_ulong colour);
 
@@ -159,9 +159,10 @@ Q_MUR_API void Draw_Outer_Ellipse_AlphaFast(q_ulong *surface, int pitch, tagRECT
 /// weight w that the shape gives each pixel; top byte 0, and the old pixel's has no influence.
 ///
 /// Draw_Star_Type1(), Draw_Star_Type2() and Draw_Light() lie inside the circle of their radius as #iSqrt has it: one of
-/// radius 3 or less draws nothing. Their last column and last row are left out, and their radius is at most 362, where
-/// the table ends; their weights are a little low where the radius does not divide a power of two. The `_Safe` forms
-/// cut the radius to 256 and write inside `clip` without its first row and its first column.
+/// radius 3 or less draws nothing. They and their `_Safe` forms read the table, which PrepareSinTable() must have
+/// filled. Their last column and last row are left out, and their radius is at most 362, where the table ends; their
+/// weights are a little low where the radius does not divide a power of two. The `_Safe` forms cut the radius to 256
+/// and write inside `clip` without its first row and its first column.
 /// @{
 
 /// Adds a star with four spikes: the weight is the product of the squares of (r - |dx|) / r and (r - |dy|) / r.
@@ -212,7 +213,7 @@ Q_MUR_API void Draw_Circle_Light(q_ulong *surface, int pitch, int cx, int cy, in
 /// Adds a horizontal and a vertical spike, one pixel wide, from the full colour at (`x`, `y`) to nothing `size` pixels
 /// away, inside `clip`. The centre is in both and takes the colour twice. All channels saturate; top byte 0. Nothing at
 /// all is drawn if the centre lies outside `clip` or in its last column or row.
-/// \param red,green,blue 0 to 255
+/// \param red 0 to 255, as `green` and `blue`
 Q_MUR_API void Draw_One_Star_Add(q_ulong *surface, int pitch, tagRECT *clip, int x, int y, int size, int red, int green,
                                  int blue);
 

@@ -71,7 +71,10 @@ Q_MUR_API _PRIVATE_LUT_DATA *GetPrivate_LUT_Data(_TRANSFERDATA *data, int slot);
 
 /// @}
 /// \name Random numbers
-/// All but GaussRand() draw 15-bit numbers from the runtime's `rand`, which the library never seeds.
+/// All but GaussRand() draw 15-bit numbers from `rand`, which the library never seeds. It is that of the C runtime that
+/// the library is linked with: the process's own on Linux and for the static library, the system's msvcrt.dll for the
+/// DLLs. A Windows host on another runtime (that of Visual C++) seeds that one, by `srand` out of msvcrt.dll: its own
+/// has no effect here. There each thread has a sequence of its own.
 /// @{
 
 /// Not random: the next entry of 0, -2, 0, 0, 0, 1, 0, -1, 0, 0, 0, 2, 0, 0, 0, 0, in a cycle shared by all callers.
