@@ -65,11 +65,13 @@ Q_MUR_API void iBltLinear32_Z_Roto_Alpha(q_ulong *dst, int dstPitch, q_ulong *sr
 
 /// Draws the front or the back of `srcRect`, whichever is seen, turned about the horizontal line through `sourcePivot`,
 /// which lands on `destCentre`. All four surfaces share one `pitch`.
-/// \param front,back the two faces; a null `back` is the plain colour `backColour`; the back view reads one row further
-///        than `srcRect`. The same surface twice reads the same way up on both faces.
+/// \param front the one face
+/// \param back the other; null is the plain colour `backColour`. The back view reads one row further than `srcRect`.
+///        The same surface as `front` reads the same way up on both faces.
 /// \param background what the face uncovers, at the same place as the destination; may be null
 /// \param clearOutside without a background: not 0 sets what the face uncovers to 0, 0 leaves it
-/// \param width,height the destination's columns 0 up to `width` and rows 0 up to `height` may be written
+/// \param width the destination's columns 0 up to `width` may be written
+/// \param height likewise its rows 0 up to `height`
 Q_MUR_API void iBltNear32_X_Roto(q_ulong *dst, q_ulong *front, q_ulong *back, q_ulong *background, double angle,
                                  double scale, double perspective, tagRECT srcRect, tagPOINT destCentre,
                                  tagPOINT sourcePivot, int clearOutside, q_ulong backColour, int unused, int pitch,
@@ -172,8 +174,8 @@ Q_MUR_API void iRotateLinearAA(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_
 /// Maps a triangle of a source image onto a triangle of the destination, nearest pixel, copied whole. Lower and right
 /// ends are left out. Source positions are tested against `clip` as well, and only against it: a source pixel outside
 /// the clip is not drawn, and the source must be at least as large as the clip's extent.
-/// \param p0,p1,p2 corners on the destination
-/// \param t0,t1,t2 the source column and row of each corner
+/// \param p0 a corner on the destination, as `p1` and `p2`
+/// \param t0 the source column and row of `p0`; `t1` and `t2` are those of the others
 Q_MUR_API void Blt_Triangle(q_ulong *dst, tagRECT *clip, int dstPitch, _POINTINT *p0, _POINTINT *p1, _POINTINT *p2,
                             q_ulong *src, int srcPitch, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2);
 
