@@ -78,6 +78,16 @@ TEST(Draw_Anti_Aliasing_Circle_NoFillInside, every_band_that_the_table_holds_agr
         }
 }
 
+TEST(Draw_Anti_Aliasing_Circle_NoFillInside, a_band_may_reach_181_pixels_from_its_centre) {
+    // Halfway through the outer half of the band, at a distance of exactly 180.
+    Surface surface(401, 401, 0);
+    drawSoft(surface, 200, 200, 179, 1, 0xFFFFFF);
+    for (const auto &[dx, dy] : {std::pair{180, 0}, {0, 180}, {108, 144}, {144, 108}})
+        for (const int signX : {-1, 1})
+            for (const int signY : {-1, 1})
+                EXPECT_EQ(surface.at(200 + signX * dx, 200 + signY * dy), 0x7F7F7Fu) << dx << ", " << dy;
+}
+
 TEST(Draw_Anti_Aliasing_Circle_NoFillInside, bands_that_reach_beyond_the_table_are_drawn_as_far_as_it_goes) {
     Surface surface(401, 401, 0);
     drawSoft(surface, 200, 200, 181, 4, 0xFFFFFF);

@@ -688,6 +688,27 @@ TEST(Edge_Transparency_Circle, a_band_above_the_radius_leaves_the_centre_pixel_a
     EXPECT_EQ(out.at(12, 6), 0u);
 }
 
+TEST(Edge_Transparency_Circle, below_0_the_radius_leaves_the_outer_part_of_the_edge_and_at_minus_the_band_nothing) {
+    Surface imageA(4, 1, 0xFFFFFF);
+    Surface imageB(4, 1, 0);
+    Surface out(4, 1);
+    drawDisc(out, imageA, imageB, {{0, 0}, -2, 4}, 4, 1);
+    EXPECT_EQ(out.at(0, 0), 0xFFFFFFu);
+    EXPECT_EQ(out.at(1, 0), 0x1F1F1Fu); // outer 2 less distance 1, times 512
+    EXPECT_EQ(out.at(2, 0), 0u);
+    drawDisc(out, imageA, imageB, {{0, 0}, -4, 4}, 4, 1);
+    EXPECT_EQ(out.differenceFrom(imageB), "");
+}
+
+TEST(Edge_Transparency_Circle, a_negative_band_is_a_hard_edge_within_the_radius) {
+    Surface imageA(8, 1, 0xAAFFFFFF);
+    Surface imageB(8, 1, 0xBB000000);
+    Surface out(8, 1);
+    drawDisc(out, imageA, imageB, {{0, 0}, 6, -2}, 8, 1);
+    for (int x = 0; x < 8; ++x)
+        EXPECT_EQ(out.at(x, 0), x < 4 ? 0xAAFFFFFFu : 0xBB000000u) << x;
+}
+
 TEST(Edge_Transparency_Circle, the_distance_is_truncated_before_it_weighs) {
     // The square of the distance of (1, 1) is 2, its root 1: the same mix as at (1, 0).
     Surface out(2, 2);

@@ -184,6 +184,44 @@ void expectFlat(const Settings &settings) {
     EXPECT_EQ(surface.differenceFrom(expected), "");
 }
 
+TEST(LightMaps, raised_shapes_are_lit_from_the_upper_left_and_hollow_ones_look_lit_from_the_lower_right) {
+    for (const Form form : forms)
+        for (const int heightScale : {1, -1}) {
+            Surface disc(41, 41);
+            for (int y = 0; y < 41; ++y)
+                for (int x = 0; x < 41; ++x)
+                    disc.at(x, y) = (x - 20) * (x - 20) + (y - 20) * (y - 20) < 16 * 16 ? 1 : 0;
+            convert(disc.pixels(), disc.rect(), disc.pitch(),
+                    {form, heightScale, 16, form == Form::source ? 2 : 1000000});
+            const auto diffuse = [&](int x, int y) {
+                return static_cast<int>(disc.at(x, y) & (form == Form::source ? 0xFF : 0xFFFF)) - 100;
+            };
+            const int flat = form == Form::source ? 155 : 179;
+            EXPECT_EQ(diffuse(20, 20), flat);
+            // A source map has no room for more light than a flat spot has.
+            const int brightest = form == Form::source ? flat : flat + 100;
+            const int upperLeft = diffuse(11, 11);
+            const int lowerRight = diffuse(29, 29);
+            EXPECT_GE(heightScale > 0 ? upperLeft : lowerRight, brightest);
+            EXPECT_EQ(heightScale > 0 ? lowerRight : upperLeft, 0);
+        }
+}
+
+TEST(ConvertSrc2LightInfom, slopes_are_positive_where_the_relief_rises_to_the_right_and_downward) {
+    Surface disc(41, 41);
+    for (int y = 0; y < 41; ++y)
+        for (int x = 0; x < 41; ++x)
+            disc.at(x, y) = (x - 20) * (x - 20) + (y - 20) * (y - 20) < 16 * 16 ? 1 : 0;
+    tagRECT rect = disc.rect();
+    ConvertSrc2LightInfom(disc.pixels(), &rect, disc.pitch(), 1, 16, 2);
+    const auto slopeX = [&](int x, int y) { return static_cast<signed char>(disc.at(x, y) >> 24); };
+    const auto slopeY = [&](int x, int y) { return static_cast<signed char>(disc.at(x, y) >> 16 & 0xFF); };
+    EXPECT_GT(slopeX(6, 20), 0);
+    EXPECT_LT(slopeX(34, 20), 0);
+    EXPECT_GT(slopeY(20, 6), 0);
+    EXPECT_LT(slopeY(20, 34), 0);
+}
+
 TEST(LightMaps, a_height_scale_of_0_makes_all_of_it_flat) {
     for (const Form form : forms)
         for (const int bevelSize : {0, 7, 40})

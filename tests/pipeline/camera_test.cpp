@@ -133,6 +133,45 @@ TEST(VKD_gluLookAt, looking_along_world_y_divides_by_the_tiny_length_that_is_lef
     EXPECT_FALSE(std::isinf(beside.data->workMatrix.m[6]));
 }
 
+/// Where a point lands on a screen of 640 by 480, under a focal length of 240.
+_POINT3DFLOAT onScreen(const float (&view)[9], _POINT3DFLOAT point) {
+    Host host;
+    VKD_glViewPort(host.data, 0, 0, 640, 480);
+    VKD_gluPerspective(host.data, 90, 1, 0, 0);
+    VKD_gluLookAt(host.data, view[0], view[1], view[2], view[3], view[4], view[5], view[6], view[7], view[8]);
+    VKD_Mapping3Dto2D(host.data, &point, 1, 1);
+    return point;
+}
+
+TEST(VKD_gluLookAt, at_its_eye_a_unit_is_a_pixel_and_the_viewer_stands_a_focal_length_behind) {
+    constexpr float view[9] = {0, 0, 100, 0, 0, 0, 0, 1, 0};
+    const _POINT3DFLOAT atEye = onScreen(view, {50, 20, -100, 0});
+    EXPECT_FLOAT_EQ(atEye.x, 370);
+    EXPECT_FLOAT_EQ(atEye.y, 260);
+    EXPECT_FLOAT_EQ(atEye.z, 0);
+    // Twice as far on the ray that begins at (0, 0, -340).
+    const _POINT3DFLOAT behind = onScreen(view, {100, 40, 140, 0});
+    EXPECT_FLOAT_EQ(behind.x, 370);
+    EXPECT_FLOAT_EQ(behind.y, 260);
+    EXPECT_FLOAT_EQ(behind.z, 240);
+}
+
+TEST(VKD_gluLookAt, the_up_vector_runs_down_the_screen) {
+    // 240 / 340 of 170 is 120.
+    EXPECT_FLOAT_EQ(onScreen({0, 0, 100, 0, 0, 0, 0, 1, 0}, {0, 170, 0, 0}).y, 360);
+    EXPECT_FLOAT_EQ(onScreen({0, 0, 100, 0, 0, 0, 0, 1, 0}, {170, 0, 0, 0}).x, 440);
+    EXPECT_FLOAT_EQ(onScreen({0, 0, 100, 0, 0, 0, 0, -1, 0}, {0, 170, 0, 0}).y, 120);
+    EXPECT_FLOAT_EQ(onScreen({0, 0, 100, 0, 0, 0, 0, -1, 0}, {170, 0, 0, 0}).x, 200);
+}
+
+TEST(VKD_gluLookAt, along_world_y_under_a_like_up_vector_nothing_has_a_place_on_the_screen) {
+    for (const float y : {10.0F, -10.0F}) {
+        const _POINT3DFLOAT point = onScreen({0, y, 0, 0, 0, 0, 0, 1, 0}, {1, 2, 3, 0});
+        EXPECT_TRUE(std::isnan(point.x));
+        EXPECT_TRUE(std::isnan(point.y));
+    }
+}
+
 TEST(VKD_gluPerspective, agrees_with_a_naive_tangent) {
     forEachCase("VKD_gluPerspective", [](Case &c) {
         Host host;

@@ -50,6 +50,23 @@ TEST(VKD_Render_3D_Surface, a_grid_facing_away_has_ambient_light_alone) {
         EXPECT_EQ(colour, 0x402010u);
 }
 
+TEST(VKD_Render_3D_Surface, a_light_that_points_away_from_the_lamp_lights_the_upper_left_of_a_bulge) {
+    // Left of and above its middle a bulge comes nearer to the right and downward.
+    for (const float sign : {-1.0F, 1.0F}) {
+        const bool upperLeft = sign < 0;
+        Mesh mesh(2, 2, 1, 0x808080);
+        mesh.point(0, 1).z = mesh.point(1, 0).z = sign;
+        mesh.point(1, 1).z = 2 * sign;
+        Mesh reversed = mesh;
+        mesh.light = {1, 1, 1, 0};
+        light(mesh);
+        EXPECT_EQ(mesh.colour(0, 0), upperLeft ? 0xDDDDDDu : 0u); // 128 * 443 / 256 is 221
+        reversed.light = {-1, -1, 1, 0};
+        light(reversed);
+        EXPECT_EQ(reversed.colour(0, 0), upperLeft ? 0u : 0xDDDDDDu);
+    }
+}
+
 TEST(VKD_Render_3D_Surface, the_ambient_level_is_the_length_of_its_vector) {
     Mesh mesh(2, 2, 10, 0xFFFFFF);
     mesh.light = {0, 0, -0.5F, 0};

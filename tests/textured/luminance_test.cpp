@@ -134,6 +134,30 @@ TEST(FindLuminenceTerm, the_highlight_stands_halfway_between_light_and_viewer) {
     EXPECT_EQ(result.mul[0], 204); // 0.96 * 0.6 + 0.28 * 0.8 = 0.8
 }
 
+TEST(FindLuminenceTerm, a_light_that_points_away_from_the_lamp_lights_the_upper_left_of_a_bulge) {
+    // Left of and above its middle a bulge comes nearer to the right and downward: the normal is (1, 1, 1) / sqrt(3).
+    const auto side = [](float sign) {
+        return grid(2, 2, [sign](int i, int j) { return sign * static_cast<float>(i + j); });
+    };
+    const Points upperLeft = side(-1);
+    const Points lowerRight = side(1);
+    constexpr int full = 443; // sqrt(3) * 256
+    EXPECT_EQ(lights(upperLeft, 2, 2, {1, 1, 1, 0}, 0, 0, 0).mul[0], full);
+    EXPECT_EQ(lights(lowerRight, 2, 2, {1, 1, 1, 0}, 0, 0, 0).mul[0], 0);
+    EXPECT_EQ(lights(upperLeft, 2, 2, {-1, -1, 1, 0}, 0, 0, 0).mul[0], 0);
+    EXPECT_EQ(lights(lowerRight, 2, 2, {-1, -1, 1, 0}, 0, 0, 0).mul[0], full);
+    EXPECT_EQ(lights(upperLeft, 2, 2, {-1, -1, -1, 0}, 0, 0, 0).mul[0], 0);
+}
+
+TEST(FindLuminenceTerm, where_rows_run_upward_the_light_points_toward_the_lamp) {
+    Points upperLeft = grid(2, 2, [](int i, int j) { return static_cast<float>(i - j); });
+    for (_POINT3DFLOAT &point : upperLeft)
+        point.y = -point.y;
+    EXPECT_EQ(lights(upperLeft, 2, 2, {-1, -1, -1, 0}, 0, 255, 0).mul[0], 443);
+    EXPECT_EQ(lights(upperLeft, 2, 2, {-1, -1, -1, 0}, 0, 255, 0).add[0], 208) << "255 * sqrt(2 / 3), from the side";
+    EXPECT_EQ(lights(upperLeft, 2, 2, {1, 1, 1, 0}, 0, 255, 0).mul[0], 0);
+}
+
 TEST(FindLuminenceTerm, nothing_is_clamped_above) {
     const VertexLights result = lights(flatGrid(2, 2), 2, 2, {0, 0, 3, 0}, 10, 1000, 0);
     EXPECT_EQ(result.mul, std::vector<int>(4, 778));
