@@ -34,22 +34,6 @@ TEST(iBltFast32, copies_all_32_bits) {
     EXPECT_EQ(dst.at(1, 0), 0x80000000u);
 }
 
-TEST(iBltFast32, agrees_with_a_naive_copy) {
-    forEachCase("iBltFast32", [](Case &c) {
-        Surface dst = Surface::random(c.random);
-        Surface src = Surface::random(c.random);
-        tagRECT rect =
-            c.random.rectInsideOrEmpty(std::min(src.width(), dst.width()), std::min(src.height(), dst.height()));
-        const int dstX = c.random.between(0, dst.width() - std::max(1, static_cast<int>(rect.right - rect.left)));
-        const int dstY = c.random.between(0, dst.height() - std::max(1, static_cast<int>(rect.bottom - rect.top)));
-        Surface expected = dst;
-        naiveCopy(expected, src, dstX, dstY, rect, everywhere);
-        iBltFast32(dst.pixels(), src.pixels(), static_cast<q_ulong>(dstX), static_cast<q_ulong>(dstY), &rect,
-                   dst.pitch(), src.pitch());
-        c.expectEqual(dst, expected);
-    });
-}
-
 TEST(iBltFast32, overlapping_copies_run_in_row_and_column_order) {
     for (int offsetY = -3; offsetY <= 3; ++offsetY)
         for (int offsetX = -5; offsetX <= 5; ++offsetX) {

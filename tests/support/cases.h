@@ -30,6 +30,10 @@ public:
     /// Compares two floats bit by bit.
     void expectEqual(float result, float expected);
 
+    /// What the outcomes are folded into, and what says that one differs: for outcomes of other kinds.
+    std::uint64_t &sum() { return checksum; }
+    void report(const std::string &difference);
+
     bool failed() const { return differs; }
 
     Random random;
@@ -37,7 +41,6 @@ public:
 
 private:
     void fold(std::uint32_t word);
-    void report(const std::string &difference);
 
     std::uint64_t &checksum;
     bool differs = false;
@@ -49,6 +52,10 @@ void forEachCase(std::string_view name, const std::function<void(Case &)> &body,
 
 /// Replays one case only; -1 runs them all.
 void replayCase(int number);
+
+/// Runs so many cases at the most, no fewer than `prefixLength`; a second checksum is written down for these.
+void limitCases(int count);
+inline constexpr int prefixLength = 2000;
 
 } // namespace test
 

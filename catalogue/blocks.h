@@ -1,0 +1,71 @@
+/// \file
+/// The private blocks that calls take, with the memory that they point to.
+#ifndef Q_MUR_CATALOGUE_BLOCKS_H
+#define Q_MUR_CATALOGUE_BLOCKS_H
+
+#include "plane.h"
+
+#include <string>
+
+namespace catalogue {
+
+/// #_PRIVATE_QMGL_DATA: matrix stacks, arrays of vertices and the Z plane of one destination.
+struct PipelineBlock {
+    using Data = _PRIVATE_QMGL_DATA;
+
+    Data data{};
+    Plane modelStack;   ///< matrices of 16 floats
+    Plane viewStack;    ///< likewise
+    Plane vertexArray0; ///< ints
+    Plane vertexArray1; ///< ints
+    Plane depths;       ///< shorts; a null plane where the block has none
+
+    /// The record with its pointers set.
+    Data *settled();
+    PipelineBlock copy(Copies &copies) const;
+    std::string differenceFrom(const PipelineBlock &expected) const;
+};
+
+/// #_PRIVATE_QM3D_DATA: arrays of vertices and the Z plane of one destination.
+struct TexturedBlock {
+    using Data = _PRIVATE_QM3D_DATA;
+
+    Data data{};
+    Plane vertexArray0;
+    Plane vertexArray1;
+    Plane depths;
+
+    Data *settled();
+    TexturedBlock copy(Copies &copies) const;
+    std::string differenceFrom(const TexturedBlock &expected) const;
+};
+
+/// #_PRIVATE_QMGP_DATA: the surfaces and the plane of a region fill.
+struct RegionBlock {
+    using Data = _PRIVATE_QMGP_DATA;
+
+    Data data{};
+    Plane plane;
+    tagRECT planeRect{};
+    Plane destSurface;
+    Plane testSurface;
+
+    Data *settled();
+    RegionBlock copy(Copies &copies) const;
+    std::string differenceFrom(const RegionBlock &expected) const;
+};
+
+/// #_PRIVATE_LUT_DATA: the phase of a blur.
+struct PhaseBlock {
+    using Data = _PRIVATE_LUT_DATA;
+
+    Data data{};
+
+    Data *settled() { return &data; }
+    PhaseBlock copy(Copies &) const { return *this; }
+    std::string differenceFrom(const PhaseBlock &expected) const;
+};
+
+} // namespace catalogue
+
+#endif

@@ -1,0 +1,114 @@
+/// \file
+/// An exported function and its plain twin, bound to the arguments of a call by their common signature.
+#ifndef Q_MUR_CATALOGUE_BOUND_H
+#define Q_MUR_CATALOGUE_BOUND_H
+
+#include "call.h"
+
+#include <functional>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace catalogue {
+namespace detail {
+
+template <class>
+inline constexpr bool always = true;
+
+template <class T>
+T passed(Value &value) {
+    using Target = std::remove_cv_t<std::remove_pointer_t<std::remove_reference_t<T>>>;
+    if constexpr (std::is_floating_point_v<T>)
+        return static_cast<T>(value.number());
+    else if constexpr (std::is_integral_v<T>)
+        return static_cast<T>(static_cast<std::int64_t>(value.number()));
+    else if constexpr (std::is_same_v<T, tagRECT> || std::is_same_v<T, tagPOINT>)
+        return value.get<T>();
+    else if constexpr (std::is_same_v<T, tagRECT *> || std::is_same_v<T, tagPOINT *>)
+        return value.is<Target>() ? &value.get<Target>() : nullptr;
+    else if constexpr (std::is_same_v<Target, _PRIVATE_QMGL_DATA>)
+        return value.get<PipelineBlock>().settled();
+    else if constexpr (std::is_same_v<Target, _PRIVATE_QM3D_DATA>)
+        return value.get<TexturedBlock>().settled();
+    else if constexpr (std::is_same_v<Target, _PRIVATE_QMGP_DATA>)
+        return value.get<RegionBlock>().settled();
+    else if constexpr (std::is_same_v<Target, _PRIVATE_LUT_DATA>)
+        return value.get<PhaseBlock>().settled();
+    else if constexpr (std::is_reference_v<T>)
+        return *value.plane().as<Target>();
+    else if constexpr (std::is_pointer_v<T>)
+        return value.is<Plane>() ? value.plane().as<Target>() : nullptr;
+    else
+        static_assert(always<T> && false, "no value of a call passes as this type");
+}
+
+/// How a type is written in a call's declaration.
+template <class T>
+std::string_view nameOfType() {
+    const std::string_view name = __PRETTY_FUNCTION__;
+    const std::size_t begin = name.find("T = ") + 4;
+    return name.substr(begin, name.find_first_of(";]", begin) - begin);
+}
+
+} // namespace detail
+
+/// Ready to run as often as wanted on the values of one call.
+using Run = std::function<void()>;
+
+struct Bound {
+    std::function<Run(Call &)> library;
+    std::function<Run(Call &)> twin; ///< empty where there is none
+    std::vector<std::string_view> types;
+    std::string_view resultType;
+};
+
+template <class Result, class... Parameters>
+std::function<Run(Call &)> bound(Result (*function)(Parameters...)) {
+    return [function](Call &call) -> Run {
+        return [&]<std::size_t... index>(std::index_sequence<index...>)->Run {
+            return [function, &call,
+                    arguments = std::tuple<Parameters...>(detail::passed<Parameters>(call[index])...)]() mutable {
+                if constexpr (std::is_void_v<Result>)
+                    std::apply(function, arguments);
+                else
+                    call.keep(std::apply(function, arguments));
+            };
+        }
+        (std::index_sequence_for<Parameters...>());
+    };
+}
+
+template <class Result, class... Parameters>
+Bound callOf(Result (*function)(Parameters...), Result (*twin)(Parameters...)) {
+    return {bound(function),
+            twin ? bound(twin) : nullptr,
+            {detail::nameOfType<Parameters>()...},
+            detail::nameOfType<Result>()};
+}
+
+template <class Result, class... Parameters>
+Bound callOf(Result (*function)(Parameters...), std::nullptr_t) {
+    return callOf(function, static_cast<Result (*)(Parameters...)>(nullptr));
+}
+
+/// The overload of this signature.
+template <class Signature>
+Bound callOfOverload(Signature *function, Signature *twin) {
+    return callOf(function, twin);
+}
+
+} // namespace catalogue
+
+/// The beginning of a row: the function's name, itself and its twin of the same name.
+#define Q_MUR_FUNCTION(function) .name = #function, .call = callOf(function, plain::function)
+
+/// The same for the overload of a signature, which begins with the type of the result.
+#define Q_MUR_OVERLOAD(function, ...) .name = #function, .call = callOfOverload<__VA_ARGS__>(function, plain::function)
+
+/// The same for a function that has no twin, since what it does is nothing that could be computed again.
+#define Q_MUR_FUNCTION_WITHOUT_TWIN(function) .name = #function, .call = callOf(function, nullptr)
+
+#endif

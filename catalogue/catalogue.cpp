@@ -1,0 +1,183 @@
+#include "areas.h"
+#include "row.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace catalogue {
+namespace {
+
+bool isReal(const Row &row, std::size_t index) {
+    return row.call.types[index] == "float" || row.call.types[index] == "double";
+}
+
+/// A number of the contract, at times at one of its ends.
+double randomNumber(const Argument &argument, bool real, Random &random) {
+    const Range &range = argument.contract;
+    if (real) {
+        if (!std::isfinite(range.low) || !std::isfinite(range.high))
+            return static_cast<double>(random.realBetween(-8, 8));
+        return range.low + (range.high - range.low) * random.between(0, 4096) / 4096;
+    }
+    if (random.oneIn(8))
+        return random.oneIn(2) ? range.low : range.high;
+    if (range.high > anyInt.high)
+        return random.word();
+    return random.between(static_cast<int>(range.low), static_cast<int>(range.high));
+}
+
+/// The surface that an argument belongs to, where it has been made.
+tagRECT surroundings(const Call &call, const Argument &argument) {
+    if (!argument.of.empty() && call[argument.of].is<Plane>())
+        return call[argument.of].plane().rect();
+    return {0, 0, 16, 16};
+}
+
+Value randomValue(const Call &call, std::size_t index, Random &random) {
+    const Argument &argument = call.row().arguments[index];
+    const tagRECT around = surroundings(call, argument);
+    const int width = widthOf(around);
+    const int height = heightOf(around);
+    switch (argument.kind) {
+    case Kind::rectangle:
+    case Kind::clip:
+        return random.rectInsideOrEmpty(width, height);
+    case Kind::point:
+        return tagPOINT{random.between(0, width - 1), random.between(0, height - 1)};
+    case Kind::position:
+        return static_cast<double>(random.between(-6, 21));
+    case Kind::extent:
+        return static_cast<double>(random.between(0, std::min(width, height)));
+    case Kind::colour:
+    case Kind::key:
+        return static_cast<double>(random.pixel());
+    case Kind::angle:
+        if (isReal(call.row(), index) && random.oneIn(4))
+            return random.between(-8, 8) * 1.5707963267948966;
+        break;
+    case Kind::radius:
+    case Kind::count:
+    case Kind::weight:
+    case Kind::alpha:
+    case Kind::scale:
+    case Kind::number:
+    case Kind::choice:
+    case Kind::unused:
+        break;
+    default:
+        return {};
+    }
+    return randomNumber(argument, isReal(call.row(), index), random);
+}
+
+Value sceneValue(const Call &call, std::size_t index, const Stage &stage) {
+    const Argument &argument = call.row().arguments[index];
+    const double drawn = stage.within(argument.drawn);
+    switch (argument.kind) {
+    case Kind::rectangle:
+    case Kind::clip:
+        return tagRECT{0, 0, stage.width, stage.height};
+    case Kind::point:
+        return tagPOINT{stage.width / 2, stage.height / 2};
+    case Kind::position:
+        // A name ends in X or Y, or begins so.
+        return std::floor(drawn *
+                          (argument.name.find_first_of("yY") == std::string_view::npos ? stage.width : stage.height));
+    case Kind::extent:
+        return argument.name.find_first_of("hH") == argument.name.size() - 1 ? stage.width : stage.height;
+    case Kind::colour:
+        return 0xFFB060;
+    case Kind::key:
+        return 0;
+    default:
+        return isReal(call.row(), index) ? drawn : std::floor(drawn);
+    }
+}
+
+bool isSurface(Kind kind) {
+    return kind == Kind::destination || kind == Kind::source || kind == Kind::scratch;
+}
+
+/// Surfaces first, since the other arguments lie on them.
+template <class Make>
+void fill(Call &call, Make make) {
+    for (const bool surfaces : {true, false})
+        for (std::size_t i = 0; i < call.size(); ++i)
+            if (isSurface(call.row().arguments[i].kind) == surfaces)
+                call[i] = make(i);
+}
+
+} // namespace
+
+std::string Row::fullName() const {
+    return word.empty() ? std::string(name) : std::string(name) + " " + std::string(word);
+}
+
+const Argument *Row::argument(std::string_view wanted) const {
+    const auto found =
+        std::find_if(arguments.begin(), arguments.end(), [wanted](const Argument &a) { return a.name == wanted; });
+    return found == arguments.end() ? nullptr : &*found;
+}
+
+const std::vector<Subsystem> &subsystems() {
+    static const std::vector<Subsystem> all = {
+        {"frame", frameRows()},       {"blit", blitRows()},     {"warp", warpRows()},     {"draw", drawRows()},
+        {"region", regionRows()},     {"filter", filterRows()}, {"math3d", math3dRows()}, {"pipeline", pipelineRows()},
+        {"textured", texturedRows()}, {"sprite", spriteRows()},
+    };
+    return all;
+}
+
+void forEachRow(const std::function<void(const Row &)> &visit) {
+    for (const Subsystem &subsystem : subsystems())
+        for (const Row &row : subsystem.rows)
+            visit(row);
+}
+
+bool keepsToContract(const Call &call) {
+    for (std::size_t i = 0; i < call.size(); ++i)
+        if (call[i].is<double>() && !call.row().arguments[i].contract.contains(call[i].number()))
+            return false;
+    for (const auto areas : {call.row().writes, call.row().reads}) {
+        if (!areas)
+            continue;
+        for (const Area &area : areas(call)) {
+            const Value &value = call[area.argument];
+            if (value.is<Plane>() && !value.plane().holds(area.part))
+                return false;
+        }
+    }
+    return true;
+}
+
+Call randomCall(const Row &row, Random &random) {
+    Call call(row);
+    fill(call, [&](std::size_t i) -> Value {
+        if (isSurface(row.arguments[i].kind)) {
+            const int width = random.between(1, 16);
+            const int height = random.between(1, 16);
+            return Plane::randomSurface(random, width, height);
+        }
+        return randomValue(call, i, random);
+    });
+    if (row.arrange)
+        row.arrange(call, random);
+    call.settle();
+    return call;
+}
+
+Call sceneCall(const Row &row, const Scene &scene, const Stage &stage) {
+    Call call(row);
+    int pictures = 0;
+    fill(call, [&](std::size_t i) -> Value {
+        if (isSurface(row.arguments[i].kind))
+            return stage.picture(pictures++);
+        return sceneValue(call, i, stage);
+    });
+    if (scene.set)
+        scene.set(call, stage);
+    call.settle();
+    return call;
+}
+
+} // namespace catalogue

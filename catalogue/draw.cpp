@@ -1,0 +1,9 @@
+#include "row.h"
+
+namespace catalogue {
+
+std::vector<Row> drawRows() {
+    return {};
+}
+
+} // namespace catalogue

@@ -1,0 +1,226 @@
+#include "plane.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <utility>
+#include <vector>
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
+
+namespace catalogue {
+namespace {
+
+#if defined(_WIN32)
+
+std::size_t pageSize() {
+    SYSTEM_INFO info;
+    GetSystemInfo(&info);
+    return info.dwPageSize;
+}
+
+std::byte *mapped(std::size_t bytes) {
+    void *memory = VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+    if (!memory)
+        throw std::bad_alloc();
+    return static_cast<std::byte *>(memory);
+}
+
+void forbid(void *page, std::size_t bytes) {
+    DWORD before;
+    if (!VirtualProtect(page, bytes, PAGE_NOACCESS, &before))
+        throw std::bad_alloc();
+}
+
+#else
+
+std::size_t pageSize() {
+    return static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+std::byte *mapped(std::size_t bytes) {
+    void *memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        throw std::bad_alloc();
+    return static_cast<std::byte *>(memory);
+}
+
+void forbid(void *page, std::size_t bytes) {
+    if (mprotect(page, bytes, PROT_NONE) != 0)
+        throw std::bad_alloc();
+}
+
+#endif
+
+/// Pages with a fence that are not in use, kept since it takes the system long to make them.
+class FencedPages {
+public:
+    static std::byte *taken(std::size_t bytes, Fence fence) {
+        const std::lock_guard<std::mutex> lock(guard());
+        std::vector<std::byte *> &kept = pages()[{bytes, fence}];
+        if (kept.empty())
+            return nullptr;
+        std::byte *last = kept.back();
+        kept.pop_back();
+        return last;
+    }
+
+    static void giveBack(std::byte *mapping, std::size_t bytes, Fence fence) {
+        const std::lock_guard<std::mutex> lock(guard());
+        pages()[{bytes, fence}].push_back(mapping);
+    }
+
+private:
+    using Kept = std::map<std::pair<std::size_t, Fence>, std::vector<std::byte *>>;
+
+    static Kept &pages() {
+        static auto *all = new Kept; // outlives whatever is given back late
+        return *all;
+    }
+    static std::mutex &guard() {
+        static auto *one = new std::mutex;
+        return *one;
+    }
+};
+
+} // namespace
+
+Memory::Memory(std::size_t bytes, Fence fence) : length(bytes), fencedAt(fence), first(nullptr) {
+    if (fence == Fence::none) {
+        first = static_cast<std::byte *>(::operator new(bytes));
+        return;
+    }
+    const std::size_t page = pageSize();
+    const std::size_t used = (bytes + page - 1) / page * page;
+    mappedBytes = used + page;
+    auto *pages = FencedPages::taken(mappedBytes, fence);
+    if (!pages) {
+        pages = mapped(mappedBytes);
+        forbid(fence == Fence::before ? pages : pages + used, page);
+    }
+    mapping = pages;
+    first = fence == Fence::before ? pages + page : pages + used - bytes;
+}
+
+Memory::~Memory() {
+    if (mapping)
+        FencedPages::giveBack(static_cast<std::byte *>(mapping), mappedBytes, fencedAt);
+    else
+        ::operator delete(first);
+}
+
+Plane::Plane(int bytesOfElement, int width, int height, int margin, int extraPitch)
+    : bytesEach(bytesOfElement), columns(width), rows(height), stride(width + 2 * margin + extraPitch) {
+    const auto count = static_cast<std::size_t>(stride) * static_cast<std::size_t>(height + 2 * margin);
+    memory = std::make_shared<Memory>(count * static_cast<std::size_t>(bytesEach));
+    std::memset(memory->data(), 0, memory->size());
+    start = memory->data() + (static_cast<std::ptrdiff_t>(margin) * stride + margin) * bytesEach;
+}
+
+Plane Plane::surface(int width, int height, q_ulong colour, int extraPitch) {
+    Plane plane(4, width, height, usualMargin, extraPitch);
+    auto *pixels = static_cast<q_ulong *>(static_cast<void *>(plane.memory->data()));
+    std::fill_n(pixels, plane.memory->size() / 4, colour);
+    return plane;
+}
+
+Plane Plane::randomSurface(Random &random, int width, int height) {
+    Plane plane = surface(width, height, 0, random.between(0, 3));
+    auto *pixels = static_cast<q_ulong *>(static_cast<void *>(plane.memory->data()));
+    std::generate_n(pixels, plane.memory->size() / 4, [&random] { return random.pixel(); });
+    return plane;
+}
+
+Plane Plane::ofBytes(std::span<const std::byte> bytes) {
+    Plane plane(4, static_cast<int>(bytes.size() / 4), 1);
+    std::memcpy(plane.memory->data(), bytes.data(), bytes.size());
+    return plane;
+}
+
+Plane Plane::copy(Copies &copies) const {
+    Plane plane = *this;
+    if (!memory)
+        return plane;
+    std::shared_ptr<Memory> &own = copies[memory.get()];
+    if (!own) {
+        own = std::make_shared<Memory>(memory->size(), memory->fence());
+        std::memcpy(own->data(), memory->data(), memory->size());
+    }
+    plane.memory = own;
+    plane.start = own->data() + (start - memory->data());
+    return plane;
+}
+
+Plane Plane::movedBy(int x, int y) const {
+    Plane plane = *this;
+    plane.start += (static_cast<std::ptrdiff_t>(y) * stride + x) * bytesEach;
+    return plane;
+}
+
+Plane Plane::cutTo(const Box &part, Fence fence) const {
+    Plane plane = *this;
+    const bool empty = part.isEmpty();
+    const std::int64_t first = empty ? 0 : (part.top * stride + part.left) * bytesEach;
+    const std::int64_t end = empty ? 0 : ((part.bottom - 1) * stride + part.right) * bytesEach;
+    plane.memory = std::make_shared<Memory>(static_cast<std::size_t>(end - first), fence);
+    std::memcpy(plane.memory->data(), start + first, static_cast<std::size_t>(end - first));
+    plane.start = plane.memory->data() - first;
+    return plane;
+}
+
+bool Plane::holds(const Box &part) const {
+    if (part.isEmpty())
+        return true;
+    if (!memory)
+        return false;
+    const std::int64_t first = (part.top * stride + part.left) * bytesEach;
+    const std::int64_t end = ((part.bottom - 1) * stride + part.right) * bytesEach;
+    const std::ptrdiff_t before = start - memory->data();
+    return first >= -before && end <= static_cast<std::ptrdiff_t>(memory->size()) - before;
+}
+
+std::span<const std::byte> Plane::bytes() const {
+    return memory ? std::span<const std::byte>(memory->data(), memory->size()) : std::span<const std::byte>();
+}
+
+tagPOINT Plane::placeOf(std::size_t byte) const {
+    const std::ptrdiff_t before = (start - memory->data()) / bytesEach;
+    const std::ptrdiff_t left = before % stride;
+    const std::ptrdiff_t element = static_cast<std::ptrdiff_t>(byte) / bytesEach;
+    return {static_cast<q_long>(element % stride - left), static_cast<q_long>(element / stride - before / stride)};
+}
+
+std::string Plane::differenceFrom(const Plane &expected) const {
+    if (isNull() || expected.isNull())
+        return isNull() == expected.isNull() ? "" : "one is null";
+    if (memory->size() != expected.memory->size() || stride != expected.stride)
+        return "the planes have different shapes";
+    const std::byte *own = memory->data();
+    const std::byte *other = expected.memory->data();
+    const std::size_t size = memory->size();
+    const auto byte = static_cast<std::size_t>(std::mismatch(own, own + size, other).first - own);
+    if (byte == size)
+        return {};
+    const auto each = static_cast<std::size_t>(bytesEach);
+    const auto wordAt = [each](const std::byte *at) {
+        unsigned word = 0;
+        std::memcpy(&word, at, each);
+        return word;
+    };
+    const std::size_t element = byte / each * each;
+    const tagPOINT place = placeOf(byte);
+    char text[160];
+    std::snprintf(text, sizeof text, "(%d, %d) of %d x %d is 0x%0*X instead of 0x%0*X", static_cast<int>(place.x),
+                  static_cast<int>(place.y), columns, rows, bytesEach * 2, wordAt(own + element), bytesEach * 2,
+                  wordAt(other + element));
+    return text;
+}
+
+} // namespace catalogue

@@ -1,0 +1,85 @@
+/// \file
+/// Seeded random numbers: the same on every build. The seed of a test case is its number.
+#ifndef Q_MUR_CATALOGUE_RANDOM_H
+#define Q_MUR_CATALOGUE_RANDOM_H
+
+#include <q_Mur.h>
+
+#include <cstdint>
+
+namespace catalogue {
+
+class Random {
+public:
+    explicit Random(std::uint64_t seed) : state(seed * 0x9E3779B97F4A7C15u + 0x1234567) {}
+
+    /// 32 random bits (SplitMix64).
+    std::uint32_t word() {
+        state += 0x9E3779B97F4A7C15u;
+        std::uint64_t z = state;
+        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9u;
+        z = (z ^ (z >> 27)) * 0x94D049BB133111EBu;
+        return static_cast<std::uint32_t>((z ^ (z >> 31)) >> 16);
+    }
+
+    /// A number from `low` to `high`, both included.
+    int between(int low, int high) {
+        const std::uint64_t span = static_cast<std::uint64_t>(static_cast<std::int64_t>(high) - low + 1);
+        return static_cast<int>(low + static_cast<std::int64_t>(word() * span >> 32));
+    }
+
+    /// True once in `n` times.
+    bool oneIn(int n) { return between(1, n) == 1; }
+
+    /// A number from `low` to `high` in steps of 1/64, exact in a float.
+    float realBetween(float low, float high) {
+        return static_cast<float>(between(static_cast<int>(low * 64), static_cast<int>(high * 64))) / 64;
+    }
+
+    /// A mix of plain colours, zeros, full white, black with a top byte, and pixels with non-zero top bytes.
+    q_ulong pixel() {
+        switch (between(0, 9)) {
+        case 0:
+            return 0;
+        case 1:
+            return 0xFFFFFF;
+        case 2:
+            return 0xFFFFFFFF;
+        case 3:
+            return static_cast<q_ulong>(word()) << 24;
+        case 4:
+        case 5:
+            return word();
+        default:
+            return word() & 0xFFFFFF;
+        }
+    }
+
+    /// A rectangle that lies inside `width` by `height`, at least one pixel large.
+    tagRECT rectInside(int width, int height) {
+        const int left = between(0, width - 1);
+        const int top = between(0, height - 1);
+        const int right = between(left + 1, width);
+        const int bottom = between(top + 1, height);
+        return {left, top, right, bottom};
+    }
+
+    /// As rectInside(), but once in ten times without pixels: of zero or negative width or height.
+    tagRECT rectInsideOrEmpty(int width, int height) {
+        tagRECT rect = rectInside(width, height);
+        if (oneIn(10)) {
+            if (oneIn(2))
+                rect.right = between(static_cast<int>(rect.left) - 3, static_cast<int>(rect.left));
+            else
+                rect.bottom = between(static_cast<int>(rect.top) - 3, static_cast<int>(rect.top));
+        }
+        return rect;
+    }
+
+private:
+    std::uint64_t state;
+};
+
+} // namespace catalogue
+
+#endif

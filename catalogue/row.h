@@ -1,0 +1,187 @@
+/// \file
+/// The catalogue: a row for each exported function, from which proofs, benchmarks and everything else that goes over
+/// all functions is made.
+#ifndef Q_MUR_CATALOGUE_ROW_H
+#define Q_MUR_CATALOGUE_ROW_H
+
+#include "bound.h"
+#include "call.h"
+
+#include <functional>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace catalogue {
+
+/// What an argument is for.
+enum class Kind {
+    destination,  ///< pixels that are drawn into
+    source,       ///< pixels that are read
+    scratch,      ///< pixels whose content is lost
+    plane,        ///< bytes, a plane of 8 bits
+    depths,       ///< shorts, a Z plane
+    rectangle,    ///< an area of a surface
+    clip,         ///< a rectangle beyond which nothing is drawn
+    point,        ///< a place on a surface
+    position,     ///< a column or a row on a surface
+    pitch,        ///< elements from a row of a surface to the next
+    extent,       ///< a width or a height
+    radius,       ///< or another half extent
+    count,        ///< how many
+    colour,       ///< 0x00RRGGBB
+    key,          ///< a colour that is left out
+    weight,       ///< a factor of a channel
+    alpha,        ///< how much of the source is seen
+    angle,        ///< a turn
+    scale,        ///< a factor of a length
+    number,       ///< any other number
+    choice,       ///< one of a few, or yes and no
+    unused,       ///< ignored
+    points,       ///< records of coordinates
+    colours,      ///< an array of colours
+    numbers,      ///< an array of other numbers
+    matrix,       ///< 16 floats
+    privateBlock, ///< a private block
+    hostRecord,   ///< the host's record or a part of it
+    text,         ///< characters that end with 0
+};
+
+/// Numbers from `low` to `high`, both included.
+struct Range {
+    double low;
+    double high;
+
+    bool contains(double number) const { return number >= low && number <= high; }
+};
+
+inline constexpr Range anyInt = {-2147483648.0, 2147483647.0};
+inline constexpr Range anyWord = {0, 4294967295.0};
+inline constexpr Range anyShort = {0, 65535};
+inline constexpr Range anyByte = {0, 255};
+inline constexpr Range anyReal = {-std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()};
+
+struct Argument {
+    std::string_view name;
+    Kind kind;
+    std::string_view unit;
+    Range contract = anyInt; ///< what the caller may pass, other arguments aside
+    Range drawn = {0, 0};    ///< what is worth drawing, from the beginning of a scene to its end
+    std::string_view of;     ///< the surface that a pitch, a place or an area belongs to
+    bool mayBeNull = false;
+};
+
+/// A part of what a pointer leads to: elements of a surface, or the columns of a single row of an array.
+struct Area {
+    std::string_view argument;
+    Box part;
+};
+using Areas = std::vector<Area>;
+
+/// What happens where source and destination share memory.
+enum class Overlap {
+    rowOrder,    ///< rows run top to bottom and pixels left to right
+    none,        ///< there is no second surface
+    notPromised, ///< the result is not promised
+};
+
+/// What becomes of the top byte of a pixel that is written.
+enum class TopByte { cleared, copied, kept, blended, setByColour, disturbsRed, noPixels };
+
+/// What becomes of a sum that leaves a channel.
+enum class Sums { stayInside, saturate, wrap, carryOver, none };
+
+/// The stage on which a scene is set.
+struct Stage {
+    int width;
+    int height;
+    double time; ///< from 0 to 1
+
+    /// A number on its way from the beginning of a range to its end.
+    double within(Range range) const { return range.low + (range.high - range.low) * time; }
+
+    Plane picture(int number = 0) const; ///< a photograph-like picture, the same for the same number
+    Plane sprite() const;                ///< a figure on pixels that are 0, its alphas in the top byte
+};
+
+/// A set of arguments that makes a good picture.
+struct Scene {
+    std::string_view word; ///< what tells it from the function's other scenes; empty for the first
+    void (*set)(Call &, const Stage &);
+    double figures = 0;           ///< how many figures are drawn, where they count rather than pixels
+    std::string_view figure = {}; ///< "lines", or "Mtriangles" in millions
+};
+
+/// Why a proof has nothing to say of a row, in a word.
+struct Exception {
+    std::string_view proof;
+    std::string_view reason;
+};
+
+struct Row {
+    std::string_view name;     ///< the exported name
+    Bound call;                ///< the function and its plain twin
+    std::string_view word;     ///< what tells an overload from the others
+    std::string_view sentence; ///< what the function does
+    std::vector<Argument> arguments;
+    std::vector<std::string_view> aliases;
+
+    /// What a call may write and read, worked out from its arguments.
+    Areas (*writes)(const Call &) = nullptr;
+    Areas (*reads)(const Call &) = nullptr;
+
+    Overlap overlap = Overlap::none;
+    TopByte topByte = TopByte::noPixels;
+    Sums sums = Sums::none;
+
+    /// Turns arguments that were drawn one by one into a call inside the contract.
+    void (*arrange)(Call &, Random &) = nullptr;
+
+    /// Draws the whole of the sources over the whole destination, pixel on pixel; null where a pixel does not depend on
+    /// the ones in its place alone.
+    void (*pixelOnPixel)(Call &) = nullptr;
+
+    std::vector<Scene> scenes;
+    std::vector<Exception> without;
+
+    /// The name with the word behind it.
+    std::string fullName() const;
+    const Argument *argument(std::string_view name) const;
+};
+
+/// Each subsystem's rows, in the order of its header.
+std::vector<Row> frameRows();
+std::vector<Row> blitRows();
+std::vector<Row> warpRows();
+std::vector<Row> drawRows();
+std::vector<Row> regionRows();
+std::vector<Row> filterRows();
+std::vector<Row> math3dRows();
+std::vector<Row> pipelineRows();
+std::vector<Row> texturedRows();
+std::vector<Row> spriteRows();
+
+struct Subsystem {
+    std::string_view name;
+    std::vector<Row> rows;
+};
+
+/// All rows, made once.
+const std::vector<Subsystem> &subsystems();
+
+/// Calls `visit` for every row.
+void forEachRow(const std::function<void(const Row &)> &visit);
+
+/// Whether a call keeps to the contract: numbers within their ranges, nothing read or written outside of its planes.
+bool keepsToContract(const Call &call);
+
+/// A call with arguments drawn from `random`, inside the contract.
+Call randomCall(const Row &row, Random &random);
+
+/// A call as a scene sets it.
+Call sceneCall(const Row &row, const Scene &scene, const Stage &stage);
+
+} // namespace catalogue
+
+#endif

@@ -1,0 +1,87 @@
+/// \file
+/// The twins' own arithmetic at full width. It is computed with the floating unit at its full precision, wherever the
+/// host left it.
+#ifndef Q_MUR_TESTS_PLAIN_REAL_H
+#define Q_MUR_TESTS_PLAIN_REAL_H
+
+#include "words.h"
+
+#include <cmath>
+
+namespace plain {
+
+/// The format of 64 bits of mantissa.
+using Real = long double;
+
+/// While it lives, the floating unit has its full precision. It stands in a scope around whatever computes with Real.
+class FullWidth {
+public:
+#if defined(__i386__) || defined(__x86_64__)
+    FullWidth() {
+        constexpr unsigned short full = 0x037F;
+        asm volatile("fnstcw %0\n\tfldcw %1" : "=&m"(before) : "m"(full) : "memory");
+    }
+    ~FullWidth() {
+        asm volatile("fnclex\n\tfldcw %0" : : "m"(before) : "memory");
+    }
+
+private:
+    unsigned short before;
+#else
+    FullWidth() = default;
+#endif
+
+public:
+    FullWidth(const FullWidth &) = delete;
+    FullWidth &operator=(const FullWidth &) = delete;
+};
+
+/// Toward zero to 64 bits, of which the low 32 are kept; what 64 bits cannot hold is 0.
+inline int truncated(Real value) {
+    if (!(value >= -9223372036854775808.0L && value < 9223372036854775808.0L))
+        return 0;
+    return int32(static_cast<Number>(value));
+}
+
+/// An angle that the processor's instructions take.
+inline Real turnable(Real angle) {
+    if (angle < 9223372036854775808.0L && angle > -9223372036854775808.0L)
+        return angle;
+    return std::fmod(angle, 6.283185307179586476925286766559L);
+}
+
+/// The functions as the processor computes them, the same under every compiler and system.
+inline Real sine(Real angle) {
+    Real result = turnable(angle);
+#if defined(__i386__) || defined(__x86_64__)
+    asm("fsin" : "+t"(result));
+    return result;
+#else
+    return std::sin(result);
+#endif
+}
+
+inline Real cosine(Real angle) {
+    Real result = turnable(angle);
+#if defined(__i386__) || defined(__x86_64__)
+    asm("fcos" : "+t"(result));
+    return result;
+#else
+    return std::cos(result);
+#endif
+}
+
+inline Real tangent(Real angle) {
+    Real result = turnable(angle);
+#if defined(__i386__) || defined(__x86_64__)
+    Real one;
+    asm("fptan" : "=t"(one), "=u"(result) : "0"(result));
+    return result;
+#else
+    return std::tan(result);
+#endif
+}
+
+} // namespace plain
+
+#endif

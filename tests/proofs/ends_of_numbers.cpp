@@ -1,0 +1,65 @@
+#include "proofs.h"
+
+#include <limits>
+
+namespace proofs {
+namespace {
+
+bool isWhole(const Row &row, std::size_t index) {
+    const std::string_view type = row.call.types[index];
+    return type != "float" && type != "double";
+}
+
+/// The numbers around the ends of what an argument may be; those that it may not are left out by the contract.
+std::vector<double> ends(const Row &row, std::size_t index) {
+    const catalogue::Range &range = row.arguments[index].contract;
+    if (isWhole(row, index))
+        return {range.low, range.low + 1, -65536, -1, 0, 1, 65535, range.high - 1, range.high};
+    return {range.low, -1e30, -1, -1e-30, 0, 1e-30, 1, 1e30, range.high};
+}
+
+std::vector<std::size_t> numbersOf(const Row &row) {
+    std::vector<std::size_t> found;
+    for (std::size_t i = 0; i < row.arguments.size(); ++i) {
+        const Kind kind = row.arguments[i].kind;
+        const bool isPlain = kind == Kind::position || kind == Kind::extent || kind == Kind::radius ||
+                             kind == Kind::count || kind == Kind::weight || kind == Kind::alpha ||
+                             kind == Kind::angle || kind == Kind::scale || kind == Kind::number ||
+                             kind == Kind::choice || kind == Kind::colour || kind == Kind::key;
+        if (isPlain)
+            found.push_back(i);
+    }
+    return found;
+}
+
+std::string_view reason(const Row &row) {
+    if (!row.call.twin)
+        return "no twin";
+    return numbersOf(row).empty() ? "no numbers" : "";
+}
+
+/// Each number of a call, and each two of them, at the ends of what they may be: wherever the call still keeps to the
+/// contract, it gives what the twin gives.
+void prove(const Row &row) {
+    const std::vector<std::size_t> numbers = numbersOf(row);
+    for (int number = 0; number < 4; ++number) {
+        Random random(static_cast<std::uint64_t>(number));
+        const Call before = catalogue::randomCall(row, random);
+        for (const std::size_t first : numbers)
+            for (const std::size_t second : numbers)
+                for (const double a : ends(row, first))
+                    for (const double b : ends(row, second)) {
+                        Call call = before;
+                        call[first] = a;
+                        call[second] = b;
+                        if (catalogue::keepsToContract(call) && !agree(call, "at the ends of numbers"))
+                            return;
+                    }
+    }
+}
+
+} // namespace
+
+const Proof endsOfNumbers = {"numbers_at_their_ends", reason, prove};
+
+} // namespace proofs

@@ -1,0 +1,107 @@
+#include "proofs.h"
+
+#include <vector>
+
+namespace proofs {
+namespace {
+
+constexpr int side = 4;
+
+bool isPlace(const Argument &argument) {
+    switch (argument.kind) {
+    case Kind::rectangle:
+    case Kind::clip:
+    case Kind::point:
+    case Kind::position:
+    case Kind::extent:
+    case Kind::radius:
+        return true;
+    default:
+        return false;
+    }
+}
+
+std::string_view reason(const Row &row) {
+    if (!row.call.twin)
+        return "no twin";
+    for (const Argument &argument : row.arguments)
+        if (isPlace(argument))
+            return "";
+    return "no places";
+}
+
+/// What a place may be over a surface of 4 x 4: all rectangles, the inverted and the empty ones included, and all
+/// numbers from before its beginning to behind its end.
+std::vector<Value> places(const Argument &argument) {
+    std::vector<Value> all;
+    constexpr int low = -2;
+    constexpr int high = side + 2;
+    switch (argument.kind) {
+    case Kind::rectangle:
+    case Kind::clip:
+        for (int left = 0; left <= side; ++left)
+            for (int right = left - 1; right <= side; ++right)
+                for (int top = 0; top <= side; ++top)
+                    for (int bottom = top - 1; bottom <= side; ++bottom)
+                        all.emplace_back(tagRECT{left, top, right, bottom});
+        break;
+    case Kind::point:
+        for (int y = low; y <= high; ++y)
+            for (int x = low; x <= high; ++x)
+                all.emplace_back(tagPOINT{x, y});
+        break;
+    default:
+        for (int number = low; number <= high; ++number)
+            all.emplace_back(number);
+    }
+    return all;
+}
+
+/// Surfaces of 4 x 4 that end where memory ends, with every combination of places and sizes, or 20,000 of them where
+/// there are more: wherever the call keeps to the contract, it gives what the twin gives.
+void prove(const Row &row) {
+    constexpr double most = 20000;
+    std::vector<std::size_t> indices;
+    std::vector<std::vector<Value>> choices;
+    double combinations = 1;
+    for (std::size_t i = 0; i < row.arguments.size(); ++i)
+        if (isPlace(row.arguments[i])) {
+            indices.push_back(i);
+            choices.push_back(places(row.arguments[i]));
+            combinations *= static_cast<double>(choices.back().size());
+        }
+    Random random(1);
+    Call base = catalogue::randomCall(row, random);
+    for (std::size_t i = 0; i < base.size(); ++i) {
+        const Kind kind = row.arguments[i].kind;
+        const bool isSurface = kind == Kind::destination || kind == Kind::source || kind == Kind::scratch;
+        if (isSurface && base[i].is<Plane>() && !base[i].plane().isNull())
+            base[i] = Plane::randomSurface(random, side, side).cutTo({0, 0, side, side}, Fence::behind);
+    }
+    base.settle();
+    std::vector<std::size_t> chosen(indices.size(), 0);
+    const bool all = combinations <= most;
+    int tried = 0;
+    for (double n = 0; n < (all ? combinations : most); ++n) {
+        Call call = base;
+        for (std::size_t k = 0; k < indices.size(); ++k) {
+            if (!all)
+                chosen[k] = static_cast<std::size_t>(random.between(0, static_cast<int>(choices[k].size()) - 1));
+            call[indices[k]] = choices[k][chosen[k]];
+        }
+        for (std::size_t k = 0; all && k < indices.size() && ++chosen[k] == choices[k].size(); ++k)
+            chosen[k] = 0;
+        if (!catalogue::keepsToContract(call))
+            continue;
+        ++tried;
+        if (!agree(call, "over 4 x 4 pixels"))
+            return;
+    }
+    EXPECT_GT(tried, 0) << "no call kept to the contract";
+}
+
+} // namespace
+
+const Proof everyPlaceAndSize = {"every_place_and_size_over_a_small_surface", reason, prove};
+
+} // namespace proofs

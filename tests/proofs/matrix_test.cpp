@@ -1,0 +1,60 @@
+#include "proofs.h"
+
+#include <cstdio>
+#include <fstream>
+#include <set>
+
+namespace proofs {
+namespace {
+
+/// Prints the matrix of rows and proofs where a file for it is named, and asks every cell for its answer.
+TEST(matrix, every_row_has_an_answer_for_every_proof) {
+    const char *path = std::getenv("Q_MUR_MATRIX");
+    std::ofstream out(path ? path : "");
+    out << "function";
+    for (const Proof &proof : allProofs())
+        out << "\t" << proof.name;
+    out << "\n";
+    catalogue::forEachRow([&out](const Row &row) {
+        out << row.fullName();
+        for (const Proof &proof : allProofs()) {
+            const std::string_view reason = reasonAgainst(proof, row);
+            out << "\t" << (reason.empty() ? "holds" : reason);
+            // A row that can be computed again is computed again: no proof is waived for it but by its own nature.
+            if (proof.name == agreesWithTwin.name && row.call.twin) {
+                EXPECT_EQ(reason, "") << row.fullName();
+            }
+        }
+        out << "\n";
+    });
+}
+
+TEST(matrix, every_waived_proof_exists_and_would_apply) {
+    catalogue::forEachRow([](const Row &row) {
+        for (const catalogue::Exception &exception : row.without) {
+            bool found = exception.proof == "every proof";
+            for (const Proof &proof : allProofs())
+                if (proof.name == exception.proof) {
+                    found = true;
+                    EXPECT_EQ(proof.reasonAgainst(row), "") << row.fullName() << " waives " << proof.name << " idly";
+                }
+            EXPECT_TRUE(found) << row.fullName() << " waives " << exception.proof;
+            EXPECT_NE(exception.reason, "") << row.fullName();
+        }
+    });
+}
+
+TEST(matrix, every_row_describes_each_parameter) {
+    std::set<std::string> names;
+    catalogue::forEachRow([&names](const Row &row) {
+        EXPECT_EQ(row.call.types.size(), row.arguments.size()) << row.fullName();
+        EXPECT_FALSE(row.sentence.empty()) << row.fullName();
+        EXPECT_TRUE(names.insert(row.fullName()).second) << row.fullName() << " stands twice";
+        for (const Argument &argument : row.arguments) {
+            EXPECT_TRUE(argument.of.empty() || row.argument(argument.of)) << row.fullName() << " " << argument.name;
+        }
+    });
+}
+
+} // namespace
+} // namespace proofs

@@ -1,0 +1,60 @@
+#include "proofs.h"
+
+#include <algorithm>
+
+namespace proofs {
+namespace {
+
+constexpr int reach = 3;
+
+std::string_view reason(const Row &row) {
+    if (!row.call.twin)
+        return "no twin";
+    if (row.overlap == Overlap::none)
+        return "one surface";
+    return row.overlap == Overlap::notPromised ? "not promised" : "";
+}
+
+bool isSurface(const Argument &argument) {
+    return argument.kind == Kind::destination || argument.kind == Kind::source;
+}
+
+/// Lays the surfaces of a call into one, the sources moved by (dx, dy) from the destination.
+void overlap(Call &call, int dx, int dy, Random &random) {
+    int width = 0;
+    int height = 0;
+    for (std::size_t i = 0; i < call.size(); ++i)
+        if (isSurface(call.row().arguments[i]) && call[i].is<Plane>()) {
+            width = std::max(width, call[i].plane().width());
+            height = std::max(height, call[i].plane().height());
+        }
+    Plane shared = Plane::randomSurface(random, width + 2 * reach, height + 2 * reach).movedBy(reach, reach);
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        const Argument &argument = call.row().arguments[i];
+        if (isSurface(argument) && call[i].is<Plane>())
+            call[i] = argument.kind == Kind::source ? shared.movedBy(dx, dy) : shared;
+    }
+    call.settle();
+}
+
+/// Source and destination in one surface, in every relative place around the same one: what is drawn is what rows from
+/// top to bottom and pixels from left to right give.
+void prove(const Row &row) {
+    for (int number = 0; number < 20; ++number)
+        for (int dy = -reach; dy <= reach; ++dy)
+            for (int dx = -reach; dx <= reach; ++dx) {
+                Random random(static_cast<std::uint64_t>(number));
+                Call call = catalogue::randomCall(row, random);
+                overlap(call, dx, dy, random);
+                if (!catalogue::keepsToContract(call))
+                    continue;
+                if (!agree(call, "moved by " + std::to_string(dx) + ", " + std::to_string(dy)))
+                    return;
+            }
+}
+
+} // namespace
+
+const Proof overlappingSurfaces = {"overlapping_surfaces_run_in_row_and_column_order", reason, prove};
+
+} // namespace proofs

@@ -1,0 +1,96 @@
+#include "proofs.h"
+
+#include <cctype>
+#include <cstdio>
+
+namespace proofs {
+
+const std::vector<Proof> &allProofs() {
+    static const std::vector<Proof> all = {agreesWithTwin,       overlappingSurfaces, everyPlaceAndSize,
+                                           writesNothingOutside, readsNothingOutside, endsOfNumbers,
+                                           channelPairs,         twoThreads};
+    return all;
+}
+
+std::string_view reasonAgainst(const Proof &proof, const Row &row) {
+    for (const catalogue::Exception &exception : row.without)
+        if (exception.proof == proof.name || exception.proof == "every proof")
+            return exception.reason;
+    return proof.reasonAgainst(row);
+}
+
+bool agree(const Call &call, const std::string &what) {
+    Call result = call;
+    Call expected = call;
+    call.row().call.library(result)();
+    call.row().call.twin(expected)();
+    const std::string difference = result.differenceFrom(expected);
+    if (!difference.empty())
+        ADD_FAILURE() << what << ": " << difference << "\n" << described(call);
+    return difference.empty();
+}
+
+std::string described(const Call &call) {
+    std::string text;
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        const Value &value = call[i];
+        text += std::string(i ? ", " : "") + std::string(call.row().arguments[i].name) + " ";
+        char part[80] = "...";
+        if (value.is<double>())
+            std::snprintf(part, sizeof part, "%.17g", value.number());
+        else if (value.is<tagRECT>())
+            std::snprintf(part, sizeof part, "{%d, %d, %d, %d}", static_cast<int>(value.rect().left),
+                          static_cast<int>(value.rect().top), static_cast<int>(value.rect().right),
+                          static_cast<int>(value.rect().bottom));
+        else if (value.is<tagPOINT>())
+            std::snprintf(part, sizeof part, "{%d, %d}", static_cast<int>(value.point().x),
+                          static_cast<int>(value.point().y));
+        else if (value.is<Plane>())
+            std::snprintf(part, sizeof part, "[%d x %d]", value.plane().width(), value.plane().height());
+        text += part;
+    }
+    return text;
+}
+
+int indexOf(const Row &row, Kind kind) {
+    for (std::size_t i = 0; i < row.arguments.size(); ++i)
+        if (row.arguments[i].kind == kind)
+            return static_cast<int>(i);
+    return -1;
+}
+
+namespace {
+
+class RowTest : public testing::Test {
+public:
+    RowTest(const Proof &tested, const Row &about) : proof(tested), row(about) {}
+    void TestBody() override { proof.prove(row); }
+
+private:
+    const Proof &proof;
+    const Row &row;
+};
+
+/// A name as tests may have it.
+std::string testName(const Row &row) {
+    std::string name = row.fullName();
+    for (char &c : name)
+        if (!std::isalnum(static_cast<unsigned char>(c)))
+            c = '_';
+    return name;
+}
+
+} // namespace
+
+/// Called before the tests run: each cell of the matrix that has an answer of its own is a test.
+void registerTests() {
+    for (const Proof &proof : allProofs())
+        catalogue::forEachRow([&proof](const Row &row) {
+            if (reasonAgainst(proof, row).empty())
+                testing::RegisterTest(std::string(proof.name).c_str(), testName(row).c_str(), nullptr, nullptr,
+                                      __FILE__, __LINE__,
+                                      [&proof, &row]() -> testing::Test * { return new RowTest(proof, row); });
+        });
+}
+
+} // namespace proofs

@@ -1,0 +1,65 @@
+/// \file
+/// What holds for every row of the catalogue. Each proof stands in a file of its own and is run for each row to which
+/// it applies, as the test `<proof>.<row>`.
+#ifndef Q_MUR_TESTS_PROOFS_H
+#define Q_MUR_TESTS_PROOFS_H
+
+#include "catalogue/row.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace proofs {
+
+using catalogue::Area;
+using catalogue::Areas;
+using catalogue::Argument;
+using catalogue::Box;
+using catalogue::Call;
+using catalogue::Fence;
+using catalogue::Kind;
+using catalogue::Overlap;
+using catalogue::Plane;
+using catalogue::Random;
+using catalogue::Row;
+using catalogue::Value;
+
+struct Proof {
+    std::string_view name;
+
+    /// Why the proof has nothing to say of a row, in a word; empty if it has.
+    std::string_view (*reasonAgainst)(const Row &);
+
+    void (*prove)(const Row &);
+};
+
+extern const Proof agreesWithTwin;
+extern const Proof overlappingSurfaces;
+extern const Proof everyPlaceAndSize;
+extern const Proof writesNothingOutside;
+extern const Proof readsNothingOutside;
+extern const Proof endsOfNumbers;
+extern const Proof channelPairs;
+extern const Proof twoThreads;
+
+const std::vector<Proof> &allProofs();
+
+/// The reason of the proof or of the row itself.
+std::string_view reasonAgainst(const Proof &proof, const Row &row);
+
+/// Runs both functions of a row on copies of `call` and reports what differs, as the test's failure.
+/// \return whether they agree
+bool agree(const Call &call, const std::string &what);
+
+/// The arguments of a call in one line.
+std::string described(const Call &call);
+
+/// The first argument of a kind; -1 where there is none.
+int indexOf(const Row &row, Kind kind);
+
+} // namespace proofs
+
+#endif

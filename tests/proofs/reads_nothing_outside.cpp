@@ -1,0 +1,57 @@
+#include "proofs.h"
+
+#include <algorithm>
+
+namespace proofs {
+namespace {
+
+std::string_view reason(const Row &row) {
+    return row.reads || row.writes ? "" : "reads no surface";
+}
+
+/// What a call needs of a plane: the smallest rectangle around all that it reads and writes there.
+Box needed(const Call &call, std::string_view argument) {
+    Box all;
+    for (const auto areas : {call.row().writes, call.row().reads}) {
+        if (!areas)
+            continue;
+        for (const Area &area : areas(call)) {
+            if (area.argument != argument || area.part.isEmpty())
+                continue;
+            if (all.isEmpty())
+                all = area.part;
+            all = {std::min(all.left, area.part.left), std::min(all.top, area.part.top),
+                   std::max(all.right, area.part.right), std::max(all.bottom, area.part.bottom)};
+        }
+    }
+    return all;
+}
+
+/// With memory that ends where the row says that reading and writing end, and with memory that begins where they begin,
+/// the call runs and draws the same.
+void prove(const Row &row) {
+    for (int number = 0; number < 300; ++number) {
+        Random random(static_cast<std::uint64_t>(number));
+        const Call call = catalogue::randomCall(row, random);
+        Call expected = call;
+        row.call.library(expected)();
+        for (const Fence fence : {Fence::before, Fence::behind}) {
+            Call fenced = call;
+            Call wanted = expected;
+            for (std::size_t i = 0; i < call.size(); ++i)
+                if (call[i].is<Plane>() && !call[i].plane().isNull()) {
+                    const Box part = needed(call, row.arguments[i].name);
+                    fenced[i] = call[i].plane().cutTo(part, fence);
+                    wanted[i] = expected[i].plane().cutTo(part, Fence::none);
+                }
+            row.call.library(fenced)();
+            ASSERT_EQ(fenced.differenceFrom(wanted), "") << described(call);
+        }
+    }
+}
+
+} // namespace
+
+const Proof readsNothingOutside = {"reads_nothing_outside_its_region", reason, prove};
+
+} // namespace proofs
