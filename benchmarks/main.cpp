@@ -5,8 +5,10 @@
 /// usage: q_Mur_bench [--check] [REGEX] [--benchmark_...]
 ///
 /// With --check the rows are checked and not timed.
-#include "support/row.h"
-#include "support/table.h"
+#include "rows.h"
+#include "table.h"
+
+#include <q_Mur.h>
 
 #include <cstdio>
 #include <fstream>
@@ -73,15 +75,7 @@ int main(int argc, char **argv) {
     std::fflush(stdout);
 
     bench::addBaselines();
-    bench::addFrameRows();
-    bench::addBlitRows();
-    bench::addWarpRows();
-    bench::addDrawRows();
-    bench::addRegionRows();
-    bench::addFilterRows();
-    bench::addPipelineRows();
-    bench::addTexturedRows();
-    bench::addSpriteRows();
+    bench::addRows();
     bench::Table table(checkOnly);
     benchmark::RunSpecifiedBenchmarks(&table);
     benchmark::Shutdown();

@@ -46,6 +46,16 @@ PipelineBlock PipelineBlock::copy(Copies &copies) const {
             depths.copy(copies)};
 }
 
+void PipelineBlock::restore(const PipelineBlock &earlier) {
+    data = earlier.data;
+    modelStack.restore(earlier.modelStack);
+    viewStack.restore(earlier.viewStack);
+    vertexArray0.restore(earlier.vertexArray0);
+    vertexArray1.restore(earlier.vertexArray1);
+    depths.restore(earlier.depths);
+    settled();
+}
+
 std::string PipelineBlock::differenceFrom(const PipelineBlock &expected) const {
     Comparison c;
     c.fields("workMatrix", data.workMatrix, expected.data.workMatrix);
@@ -86,6 +96,14 @@ TexturedBlock TexturedBlock::copy(Copies &copies) const {
     return {data, vertexArray0.copy(copies), vertexArray1.copy(copies), depths.copy(copies)};
 }
 
+void TexturedBlock::restore(const TexturedBlock &earlier) {
+    data = earlier.data;
+    vertexArray0.restore(earlier.vertexArray0);
+    vertexArray1.restore(earlier.vertexArray1);
+    depths.restore(earlier.depths);
+    settled();
+}
+
 std::string TexturedBlock::differenceFrom(const TexturedBlock &expected) const {
     Comparison c;
     c.fields("limitValue0", data.limitValue0, expected.data.limitValue0);
@@ -111,6 +129,15 @@ RegionBlock::Data *RegionBlock::settled() {
 
 RegionBlock RegionBlock::copy(Copies &copies) const {
     return {data, plane.copy(copies), planeRect, destSurface.copy(copies), testSurface.copy(copies)};
+}
+
+void RegionBlock::restore(const RegionBlock &earlier) {
+    data = earlier.data;
+    plane.restore(earlier.plane);
+    destSurface.restore(earlier.destSurface);
+    testSurface.restore(earlier.testSurface);
+    planeRect = earlier.planeRect;
+    settled();
 }
 
 std::string RegionBlock::differenceFrom(const RegionBlock &expected) const {

@@ -23,6 +23,7 @@ struct PipelineBlock {
     /// The record with its pointers set.
     Data *settled();
     PipelineBlock copy(Copies &copies) const;
+    void restore(const PipelineBlock &earlier);
     std::string differenceFrom(const PipelineBlock &expected) const;
 };
 
@@ -37,6 +38,7 @@ struct TexturedBlock {
 
     Data *settled();
     TexturedBlock copy(Copies &copies) const;
+    void restore(const TexturedBlock &earlier);
     std::string differenceFrom(const TexturedBlock &expected) const;
 };
 
@@ -52,6 +54,7 @@ struct RegionBlock {
 
     Data *settled();
     RegionBlock copy(Copies &copies) const;
+    void restore(const RegionBlock &earlier);
     std::string differenceFrom(const RegionBlock &expected) const;
 };
 
@@ -63,6 +66,7 @@ struct PhaseBlock {
 
     Data *settled() { return &data; }
     PhaseBlock copy(Copies &) const { return *this; }
+    void restore(const PhaseBlock &earlier) { data = earlier.data; }
     std::string differenceFrom(const PhaseBlock &expected) const;
 };
 

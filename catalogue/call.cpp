@@ -79,6 +79,18 @@ Value Value::copy(Copies &copies) const {
         content);
 }
 
+void Value::restore(const Value &earlier) {
+    std::visit(
+        [&](auto &held) {
+            const auto &other = std::get<std::decay_t<decltype(held)>>(earlier.content);
+            if constexpr (requires { held.restore(other); })
+                held.restore(other);
+            else
+                held = other;
+        },
+        content);
+}
+
 std::string Value::differenceFrom(const Value &expected) const {
     if (content.index() != expected.content.index())
         return "values of different kinds";
@@ -120,6 +132,20 @@ Call::Call(const Call &other) : description(other.description), result(other.res
     values.reserve(other.values.size());
     for (const Value &value : other.values)
         values.push_back(value.copy(copies));
+}
+
+Call Call::sharingMemory() const {
+    Call call(*description);
+    call.values = values;
+    return call;
+}
+
+void Call::restore(const Call &earlier) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const Kind kind = description->arguments[i].kind;
+        if (kind != Kind::destination && kind != Kind::source && kind != Kind::scratch)
+            values[i].restore(earlier.values[i]);
+    }
 }
 
 void Call::settle() {

@@ -56,6 +56,9 @@ public:
     Value copy(Copies &copies) const;
     std::string differenceFrom(const Value &expected) const;
 
+    /// Takes over the content of a value of the same shape, in place.
+    void restore(const Value &earlier);
+
     /// Adds the bytes of the content to a checksum: those of planes whole, margins included.
     void addTo(std::uint64_t &checksum) const;
 
@@ -69,7 +72,14 @@ class Call {
 public:
     explicit Call(const Row &described);
     Call(const Call &other);
+    Call(Call &&) = default;
     Call &operator=(Call &&) = default;
+
+    /// A call whose planes are the very same memory.
+    Call sharingMemory() const;
+
+    /// Puts the content of everything but surfaces back to what it is in a copy of this call made earlier.
+    void restore(const Call &earlier);
 
     const Row &row() const { return *description; }
 

@@ -180,4 +180,25 @@ Call sceneCall(const Row &row, const Scene &scene, const Stage &stage) {
     return call;
 }
 
+std::vector<Call> sceneCalls(const Row &row, const Scene &scene, Stage stage) {
+    std::vector<Call> calls;
+    calls.reserve(static_cast<std::size_t>(scene.calls));
+    calls.push_back(sceneCall(row, scene, stage));
+    for (stage.call = 1; stage.call < scene.calls; ++stage.call) {
+        stage.time = static_cast<double>(stage.call) / scene.calls;
+        Call next = calls.front().sharingMemory();
+        for (std::size_t i = 0; i < next.size(); ++i)
+            if (next[i].is<double>() && row.arguments[i].kind != Kind::pitch)
+                next[i] = sceneValue(next, i, stage);
+        if (scene.set)
+            scene.set(next, stage);
+        calls.push_back(std::move(next));
+    }
+    return calls;
+}
+
+std::vector<Scene> scenesOf(const Row &row) {
+    return row.scenes.empty() ? std::vector<Scene>{{}} : row.scenes;
+}
+
 } // namespace catalogue

@@ -158,6 +158,11 @@ Plane Plane::copy(Copies &copies) const {
     return plane;
 }
 
+void Plane::restore(const Plane &earlier) {
+    if (memory)
+        std::memcpy(memory->data(), earlier.memory->data(), memory->size());
+}
+
 Plane Plane::movedBy(int x, int y) const {
     Plane plane = *this;
     plane.start += (static_cast<std::ptrdiff_t>(y) * stride + x) * bytesEach;

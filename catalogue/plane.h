@@ -108,6 +108,9 @@ public:
     /// A plane of its own with the same content; one block is copied once.
     Plane copy(Copies &copies) const;
 
+    /// Takes over the content of a plane of the same shape, in place.
+    void restore(const Plane &earlier);
+
     /// The same elements seen from (x, y) on.
     Plane movedBy(int x, int y) const;
 

@@ -96,7 +96,8 @@ enum class Sums { stayInside, saturate, wrap, carryOver, none };
 struct Stage {
     int width;
     int height;
-    double time; ///< from 0 to 1
+    double time;  ///< from 0 to 1
+    int call = 0; ///< which of a scene's calls is being set
 
     /// A number on its way from the beginning of a range to its end.
     double within(Range range) const { return range.low + (range.high - range.low) * time; }
@@ -105,12 +106,19 @@ struct Stage {
     Plane sprite() const;                ///< a figure on pixels that are 0, its alphas in the top byte
 };
 
-/// A set of arguments that makes a good picture.
+/// A set of arguments that makes a good picture, or a piece of work worth timing.
 struct Scene {
     std::string_view word; ///< what tells it from the function's other scenes; empty for the first
-    void (*set)(Call &, const Stage &);
-    double figures = 0;           ///< how many figures are drawn, where they count rather than pixels
-    std::string_view figure = {}; ///< "lines", or "Mtriangles" in millions
+    void (*set)(Call &, const Stage &) = nullptr; ///< null where the arguments as they are drawn make the picture
+    double figures = 0;                           ///< how many figures are drawn, where they count beside pixels
+    std::string_view figure = {};                 ///< "lines", or "Mtriangles" in millions
+
+    /// So many calls, set at times from 0 to 1, make one run. All but the first are set on the memory of the first, so
+    /// that they change numbers only.
+    int calls = 1;
+
+    /// What is not a surface, a Z plane for example, is put back before each run.
+    bool isRestored = false;
 };
 
 /// Why a proof has nothing to say of a row, in a word.
@@ -181,6 +189,12 @@ Call randomCall(const Row &row, Random &random);
 
 /// A call as a scene sets it.
 Call sceneCall(const Row &row, const Scene &scene, const Stage &stage);
+
+/// All calls of a scene, on the same memory.
+std::vector<Call> sceneCalls(const Row &row, const Scene &scene, Stage stage);
+
+/// The scenes of a row: where it names none, the arguments as they are drawn.
+std::vector<Scene> scenesOf(const Row &row);
 
 } // namespace catalogue
 

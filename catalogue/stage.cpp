@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <tuple>
 
 namespace catalogue {
 namespace {
@@ -19,10 +21,8 @@ double grain(int x, int y) {
     return random.between(0, 255) / 255.0;
 }
 
-} // namespace
-
-Plane Stage::picture(int number) const {
-    // Hills one behind the other under a sky with a sun, lit and coloured by the number.
+/// Hills one behind the other under a sky with a sun, lit and coloured by the number.
+Plane landscape(int width, int height, int number) {
     Plane plane = Plane::surface(width, height);
     const double hue = number * 2.1;
     for (int y = -Plane::usualMargin; y < height + Plane::usualMargin; ++y) {
@@ -51,7 +51,8 @@ Plane Stage::picture(int number) const {
     return plane;
 }
 
-Plane Stage::sprite() const {
+/// A flower with a soft rim.
+Plane flower(int width, int height) {
     Plane plane = Plane::surface(width, height);
     const double radius = std::min(width, height) * 0.45;
     for (int y = 0; y < height; ++y) {
@@ -68,6 +69,27 @@ Plane Stage::sprite() const {
         }
     }
     return plane;
+}
+
+/// Makes a plane once for each size and number, and copies it from then on.
+template <class Make>
+Plane madeOnce(int width, int height, int number, Make make) {
+    static std::map<std::tuple<int, int, int>, Plane> made;
+    Plane &plane = made[{width, height, number}];
+    if (plane.isNull())
+        plane = make();
+    Copies copies;
+    return plane.copy(copies);
+}
+
+} // namespace
+
+Plane Stage::picture(int number) const {
+    return madeOnce(width, height, number, [&] { return landscape(width, height, number); });
+}
+
+Plane Stage::sprite() const {
+    return madeOnce(width, height, 0, [&] { return flower(width, height); });
 }
 
 } // namespace catalogue
