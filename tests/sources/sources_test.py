@@ -8,6 +8,7 @@ usage: sources_test.py CHECK [--build DIRECTORY]
     links          links in Markdown files lead to files that are there
     cmake, json, python, shell
                    files of each kind parse
+    doc_comments   clang -Wdocumentation is silent about the headers
     tidy           clang-tidy is silent about the library's sources in the build in DIRECTORY
 """
 
@@ -127,6 +128,11 @@ def shell_faults():
         yield complaint_of("bash", "-n", str(path))
 
 
+def doc_comments_faults():
+    yield complaint_of(program("clang++"), "-std=c++20", "-fsyntax-only", "-Wdocumentation", "-Werror", "-x", "c++",
+                       "-Iinclude", "include/q_Mur.h")
+
+
 def tidy_faults(build):
     tidy = program("clang-tidy")
     compiled = json.loads((build / "compile_commands.json").read_text())
@@ -145,6 +151,7 @@ CHECKS = {
     "json": json_faults,
     "python": python_faults,
     "shell": shell_faults,
+    "doc_comments": doc_comments_faults,
     "tidy": tidy_faults,
 }
 
