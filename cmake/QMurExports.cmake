@@ -1,8 +1,6 @@
 # What the shared library shows, and under which names: exactly the list in exports/q_Mur.exports.
 
-find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
-
-set(Q_MUR_EXPORT_TOOL "${PROJECT_SOURCE_DIR}/tools/exports")
+set(Q_MUR_EXPORT_SCRIPT "${PROJECT_SOURCE_DIR}/cmake/QMurDeriveExports.cmake")
 set(Q_MUR_EXPORT_LIST "${PROJECT_SOURCE_DIR}/exports/q_Mur.exports")
 
 # The schemes by which names are decorated for this target; tools/exports explains them.
@@ -20,8 +18,8 @@ endif()
 # Derives the file `output` from the list.
 function(q_mur_derive_from_export_list output form scheme)
   add_custom_command(OUTPUT "${output}"
-    COMMAND "${Python3_EXECUTABLE}" "${Q_MUR_EXPORT_TOOL}" ${form} ${scheme} -o "${output}"
-    DEPENDS "${Q_MUR_EXPORT_TOOL}" "${Q_MUR_EXPORT_LIST}" VERBATIM)
+    COMMAND "${CMAKE_COMMAND}" -DFORM=${form} -DSCHEME=${scheme} "-DOUTPUT=${output}" -P "${Q_MUR_EXPORT_SCRIPT}"
+    DEPENDS "${Q_MUR_EXPORT_SCRIPT}" "${Q_MUR_EXPORT_LIST}" VERBATIM)
 endfunction()
 
 # Makes a shared library show the list and nothing else; a name in the list that is not defined fails the link. On

@@ -12,14 +12,6 @@ set(Q_MUR_TEXT_LIBRARIES "")
 set(Q_MUR_TEXT_INSTALLED_LIBRARIES "")
 set(Q_MUR_TEXT_PC_LIBRARIES "")
 
-# Says it in the first configuration, and again when there is something else to say.
-function(q_mur_say_once text)
-  if(NOT Q_MUR_SAID_OF_TEXT STREQUAL text)
-    message(STATUS "${text}")
-    set(Q_MUR_SAID_OF_TEXT "${text}" CACHE INTERNAL "")
-  endif()
-endfunction()
-
 # Whether FreeType and fontconfig can be linked: what is installed may be for another architecture.
 function(q_mur_find_freetype)
   find_package(Freetype QUIET)
@@ -44,7 +36,8 @@ function(q_mur_find_freetype)
   if(NOT (FREETYPE_FOUND AND Fontconfig_FOUND AND Q_MUR_FREETYPE_LINKS))
     # Packages may have come when the build is configured again.
     unset(Q_MUR_FREETYPE_LINKS CACHE)
-    q_mur_say_once("iTextOut will draw nothing: no FreeType and fontconfig for this architecture")
+    q_mur_leave_out("letters in iTextOut" "FreeType and fontconfig for this architecture"
+      "libfreetype-dev, libfontconfig-dev" Q_MUR_TEXT)
     return()
   endif()
   set(Q_MUR_TEXT_RASTERISER freetype PARENT_SCOPE)
@@ -57,7 +50,7 @@ function(q_mur_find_freetype)
 endfunction()
 
 if(NOT Q_MUR_TEXT)
-  q_mur_say_once("iTextOut will draw nothing: Q_MUR_TEXT is off")
+  message(STATUS "Without letters in iTextOut: Q_MUR_TEXT is off")
 elseif(WIN32)
   set(Q_MUR_TEXT_RASTERISER gdi)
   set(Q_MUR_TEXT_LIBRARIES gdi32 user32)

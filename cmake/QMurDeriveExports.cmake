@@ -1,0 +1,44 @@
+# Derives from exports/q_Mur.exports what a linker wants, with nothing but CMake:
+#
+#   cmake -DFORM=<form> -DSCHEME=<scheme> -DOUTPUT=<file> -P cmake/QMurDeriveExports.cmake
+#
+#   def      with msvc32 or msvc64: module definition for linking the DLL with MinGW, both decorations of each name
+#   lib-def  with msvc32 or msvc64: module definition for q_Mur.lib, the decoration of MSVC alone
+#   map      with long32 or lp64: version script for a shared object
+#
+# tools/exports explains the schemes.
+
+if(FORM STREQUAL map)
+  set(text "{\n    global:\n")
+else()
+  set(text "LIBRARY q_Mur.dll\nEXPORTS\n")
+endif()
+set(entries 0)
+file(STRINGS "${CMAKE_CURRENT_LIST_DIR}/../exports/q_Mur.exports" lines REGEX "^[^#]")
+foreach(line IN LISTS lines)
+  if(line MATCHES "^[^ ].*\\(")
+    set(data "")
+  elseif(line MATCHES "^[^ ]")
+    set(data " DATA")
+  elseif(line MATCHES "^ +([a-z0-9]+) +([^ ]+)$")
+    set(decorated_${CMAKE_MATCH_1} "${CMAKE_MATCH_2}")
+    if(CMAKE_MATCH_1 STREQUAL lp64) # the last line of an entry
+      set(name "${decorated_${SCHEME}}")
+      if(FORM STREQUAL map)
+        string(APPEND text "        ${name};\n")
+      elseif(FORM STREQUAL def)
+        string(APPEND text "    \"${name}\" = ${decorated_long32}${data}\n    ${decorated_long32}${data}\n")
+      else()
+        string(APPEND text "    ${name}${data}\n")
+      endif()
+      math(EXPR entries "${entries} + 1")
+    endif()
+  endif()
+endforeach()
+if(FORM STREQUAL map)
+  string(APPEND text "    local:\n        *;\n};\n")
+endif()
+if(entries EQUAL 0)
+  message(FATAL_ERROR "exports/q_Mur.exports has no entries")
+endif()
+file(WRITE "${OUTPUT}" "${text}")
