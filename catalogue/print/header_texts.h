@@ -1,0 +1,28 @@
+/// \file
+/// The texts that stand above the declarations in the public headers.
+#ifndef Q_MUR_CATALOGUE_HEADER_TEXTS_H
+#define Q_MUR_CATALOGUE_HEADER_TEXTS_H
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace catalogue {
+
+/// What a header says of one declaration.
+struct HeaderText {
+    std::string text;        ///< the comment's lines without their slashes
+    std::string declaration; ///< on one line, without what exports it
+};
+
+/// The types of a declaration's parameters and of its result, as they are written there.
+std::vector<std::string> parameterTypes(const std::string &declaration);
+std::string resultType(const std::string &declaration);
+
+/// The texts of a header by the names of its functions; those of overloads in the header's order.
+std::map<std::string, std::vector<HeaderText>> headerTexts(const std::filesystem::path &header);
+
+} // namespace catalogue
+
+#endif

@@ -1,0 +1,150 @@
+/// \file
+/// Prints the catalogue for programs that make something from it.
+///
+/// usage: q_Mur_catalogue --json [--headers DIRECTORY]
+#include "catalogue/names.h"
+#include "catalogue/row.h"
+#include "header_texts.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <cstdio>
+#include <exception>
+
+namespace catalogue {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr Stage smallStage = {320, 180, 0.5};
+
+Json limit(double number) {
+    if (!std::isfinite(number))
+        return nullptr;
+    return number == std::floor(number) ? Json(static_cast<std::int64_t>(number)) : Json(number);
+}
+
+Json rangeOf(const Range &range) {
+    return {limit(range.low), limit(range.high)};
+}
+
+/// Whether an argument is a number, which has a range.
+bool isNumber(Kind kind) {
+    switch (kind) {
+    case Kind::position:
+    case Kind::extent:
+    case Kind::radius:
+    case Kind::count:
+    case Kind::colour:
+    case Kind::key:
+    case Kind::weight:
+    case Kind::alpha:
+    case Kind::angle:
+    case Kind::scale:
+    case Kind::number:
+    case Kind::choice:
+        return true;
+    default:
+        return false;
+    }
+}
+
+Json argumentOf(const Row &row, std::size_t index, const std::string &type) {
+    const Argument &argument = row.arguments[index];
+    Json json = {{"name", argument.name}, {"type", type}, {"kind", nameOf(argument.kind)}};
+    if (!argument.unit.empty())
+        json["unit"] = argument.unit;
+    if (!argument.of.empty())
+        json["of"] = argument.of;
+    if (isNumber(argument.kind))
+        json["contract"] = rangeOf(argument.contract);
+    if (argument.drawn.low != 0 || argument.drawn.high != 0)
+        json["drawn"] = rangeOf(argument.drawn);
+    if (argument.mayBeNull)
+        json["mayBeNull"] = true;
+    return json;
+}
+
+/// The areas of the first scene on a small stage.
+Json areasOf(const Call &call, Areas (*areas)(const Call &)) {
+    Json json = Json::array();
+    if (areas)
+        for (const Area &area : areas(call))
+            json.push_back({{"argument", area.argument},
+                            {"part", {area.part.left, area.part.top, area.part.right, area.part.bottom}}});
+    return json;
+}
+
+Json rowOf(const Row &row, const HeaderText &header) {
+    Json json = {{"name", row.name}};
+    if (!row.word.empty())
+        json["overload"] = row.word;
+    json["sentence"] = row.sentence;
+    json["declaration"] = header.declaration;
+    json["text"] = header.text;
+    json["result"] = resultType(header.declaration);
+    json["aliases"] = row.aliases;
+    json["arguments"] = Json::array();
+    const std::vector<std::string> types = parameterTypes(header.declaration);
+    if (types.size() != row.arguments.size())
+        throw std::runtime_error(row.fullName() + " has other arguments than its declaration");
+    for (std::size_t i = 0; i < row.arguments.size(); ++i)
+        json["arguments"].push_back(argumentOf(row, i, types[i]));
+    json["overlap"] = nameOf(row.overlap);
+    json["topByte"] = nameOf(row.topByte);
+    json["sums"] = nameOf(row.sums);
+    json["pixelOnPixel"] = row.pixelOnPixel != nullptr;
+    json["hasTwin"] = row.call.twin != nullptr;
+    json["scenes"] = Json::array();
+    for (const Scene &scene : scenesOf(row)) {
+        Json described = {{"word", scene.word}};
+        const Call call = sceneCall(row, scene, smallStage);
+        described["writes"] = areasOf(call, row.writes);
+        described["reads"] = areasOf(call, row.reads);
+        json["scenes"].push_back(described);
+    }
+    return json;
+}
+
+Json everything(const std::filesystem::path &headers) {
+    Json json = {{"library", "q_Mur"}, {"subsystems", Json::array()}};
+    for (const Subsystem &subsystem : subsystems()) {
+        const auto texts = headerTexts(headers / (std::string(subsystem.name) + ".h"));
+        Json rows = Json::array();
+        std::map<std::string, std::size_t> met;
+        for (const Row &row : subsystem.rows) {
+            const std::string name(row.name);
+            const auto found = texts.find(name);
+            if (found == texts.end() || met[name] >= found->second.size())
+                throw std::runtime_error(row.fullName() + " is not declared in the header of its subsystem");
+            rows.push_back(rowOf(row, found->second[met[name]++]));
+        }
+        json["subsystems"].push_back({{"name", subsystem.name}, {"functions", rows}});
+    }
+    return json;
+}
+
+} // namespace
+} // namespace catalogue
+
+int main(int argc, char **argv) {
+    CLI::App app("Prints the catalogue of q_Mur's functions.");
+    bool json = false;
+    std::string headers = Q_MUR_CATALOGUE_HEADERS;
+    app.add_flag("--json", json, "All of it as JSON")->required();
+    app.add_option("--headers", headers, "The directory of the public headers, for their texts");
+    CLI11_PARSE(app, argc, argv);
+    try {
+        Init_qMur_GlobalData(nullptr, nullptr);
+        const std::string text = catalogue::everything(headers).dump(2) + "\n";
+        const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+        if (!written || std::fflush(stdout) != 0)
+            throw std::runtime_error("cannot write to the standard output");
+        return 0;
+    } catch (const std::exception &failure) {
+        std::fprintf(stderr, "q_Mur_catalogue: %s\n", failure.what());
+        return 1;
+    }
+}
