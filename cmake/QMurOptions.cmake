@@ -21,6 +21,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND NOT CMAKE_SIZEOF_VOID_P EQUAL 4)
     target_compile_options(q_Mur_arithmetic INTERFACE -march=${Q_MUR_INSTRUCTION_SET})
   endif()
 endif()
+target_compile_definitions(q_Mur_arithmetic INTERFACE Q_MUR_LANES=$<BOOL:${Q_MUR_LANES}>)
 
 add_library(q_Mur_warnings INTERFACE)
 target_compile_options(q_Mur_warnings INTERFACE

@@ -1,68 +1,266 @@
 /// \file
-/// Four numbers of 32 bits side by side: what a mapper walks at each pixel, and the channels of a pixel in the light.
+/// Numbers side by side in a vector register, and the primitives that kernels are written in. All that knows of a
+/// processor's vector instructions is here; what each primitive means stands with its scalar twin.
+///
+/// A kernel is a template on the number of its lanes, or has the 16 bytes of one pixel's channels. A further target
+/// needs its own of the primitives under "Per target", everything else is left to the compiler.
 #ifndef Q_MUR_BASE_LANES_H
 #define Q_MUR_BASE_LANES_H
 
-#include "base/integers.h"
-#include "q_Mur/types.h"
+#include "base/scalar_lanes.h"
 
-#include <bit>
+#include <cstdint>
+
+// Whether the target's instructions are used; the build says 0 for the scalar twins.
+#ifndef Q_MUR_LANES
+#define Q_MUR_LANES 1
+#endif
+
+#if Q_MUR_LANES && defined(__SSE2__)
+#include <immintrin.h>
+
+#include <utility>
+
+namespace qmur::vector {
+
+template <class Number, int count>
+struct Lanes {
+    using Vector __attribute__((vector_size(sizeof(Number) * count))) = Number;
+
+    Vector vector;
+
+    template <class... Numbers>
+    static Lanes of(Numbers... numbers) {
+        static_assert(sizeof...(numbers) == count);
+        return {Vector{static_cast<Number>(numbers)...}};
+    }
+    static Lanes all(Number number) { return {Vector{} + number}; }
+    static Lanes front(Number number) { return {Vector{number}}; }
+
+    static Lanes load(const void *from) {
+        Lanes result;
+        std::memcpy(&result, from, sizeof(result));
+        return result;
+    }
+    static Lanes loadEightBytes(const void *from) {
+        using Eights __attribute__((vector_size(sizeof(Vector)))) = std::uint64_t;
+        std::uint64_t eight;
+        std::memcpy(&eight, from, sizeof(eight));
+        return {reinterpret_cast<Vector>(Eights{eight})};
+    }
+    void store(void *to) const { std::memcpy(to, &vector, sizeof(vector)); }
+    void storeEightBytes(void *to) const { std::memcpy(to, &vector, 8); }
+
+    Number operator[](int lane) const { return vector[lane]; }
+
+    friend Lanes operator+(Lanes a, Lanes b) { return {a.vector + b.vector}; }
+    friend Lanes operator-(Lanes a, Lanes b) { return {a.vector - b.vector}; }
+    friend Lanes operator*(Lanes a, Lanes b) { return {a.vector * b.vector}; }
+    friend Lanes operator&(Lanes a, Lanes b) { return {a.vector & b.vector}; }
+    friend Lanes operator>>(Lanes a, int bits) { return {a.vector >> static_cast<Number>(bits)}; }
+};
+
+template <class To, class From, int count>
+auto as(Lanes<From, count> a) {
+    using Result = Lanes<To, count *static_cast<int>(sizeof(From)) / static_cast<int>(sizeof(To))>;
+    return Result{reinterpret_cast<typename Result::Vector>(a.vector)};
+}
+
+template <class Number, int count>
+Lanes<Number, count> selectEqual(Lanes<Number, count> a, Lanes<Number, count> b, Lanes<Number, count> ifSo,
+                                 Lanes<Number, count> ifNot) {
+    return {a.vector == b.vector ? ifSo.vector : ifNot.vector};
+}
+
+template <int count>
+Lanes<std::uint32_t, count> shiftedSigned(Lanes<std::uint32_t, count> a, int bits) {
+    using Signed __attribute__((vector_size(4 * count))) = std::int32_t;
+    return {reinterpret_cast<typename Lanes<std::uint32_t, count>::Vector>(reinterpret_cast<Signed>(a.vector) >> bits)};
+}
+
+namespace detail {
+
+/// The lane that `IndexOf` names for each place.
+template <class IndexOf, class Number, int... places>
+Lanes<Number, sizeof...(places)> shuffled(Lanes<Number, sizeof...(places)> a, std::integer_sequence<int, places...>) {
+    return {__builtin_shufflevector(a.vector, a.vector, IndexOf::at(places)...)};
+}
+
+template <class IndexOf, class Number, int count>
+Lanes<Number, count> shuffled(Lanes<Number, count> a) {
+    return shuffled<IndexOf>(a, std::make_integer_sequence<int, count>());
+}
+
+template <int lane>
+struct Always {
+    static constexpr int at(int) { return lane; }
+};
+
+struct Fourth {
+    static constexpr int at(int place) { return place | 3; }
+};
+
+} // namespace detail
+
+template <int lane, class Number, int count>
+Lanes<Number, count> broadcast(Lanes<Number, count> a) {
+    return detail::shuffled<detail::Always<lane>>(a);
+}
+
+template <class Number, int count>
+Lanes<Number, count> fourthInFours(Lanes<Number, count> a) {
+    return detail::shuffled<detail::Fourth>(a);
+}
+
+template <int lane, class Number, int count>
+Lanes<Number, count> withLane(Lanes<Number, count> a, Number number) {
+    a.vector[lane] = number;
+    return a;
+}
+
+// Per target: what no compiler makes well of plain C++.
+
+namespace detail {
+
+/// The lanes of a vector of any type.
+template <class Number, class Register>
+auto lanesOf(Register bits) {
+    using Result = Lanes<Number, sizeof(Register) / sizeof(Number)>;
+    return Result{reinterpret_cast<typename Result::Vector>(bits)};
+}
+
+} // namespace detail
 
 #if defined(__SSE2__)
-#include <emmintrin.h>
+
+namespace detail {
+
+template <class Number, int count>
+__m128i bits128(Lanes<Number, count> a) {
+    return reinterpret_cast<__m128i>(a.vector);
+}
+
+} // namespace detail
+
+inline Lanes<std::uint8_t, 16> saturatingSum(Lanes<std::uint8_t, 16> a, Lanes<std::uint8_t, 16> b) {
+    return detail::lanesOf<std::uint8_t>(_mm_adds_epu8(detail::bits128(a), detail::bits128(b)));
+}
+
+/// From the compiler it would be an instruction for reals, which costs a step between the two kinds of unit.
+template <class Number, int count>
+Lanes<Number, count> swappedHalves(Lanes<Number, count> a) {
+    return detail::lanesOf<Number>(_mm_shuffle_epi32(detail::bits128(a), _MM_SHUFFLE(1, 0, 3, 2)));
+}
+
+inline unsigned negativeLanes(Lanes<std::uint32_t, 4> a) {
+    return static_cast<unsigned>(_mm_movemask_ps(_mm_castsi128_ps(detail::bits128(a))));
+}
+
+inline Lanes<std::uint16_t, 8> widenedLow(Lanes<std::uint8_t, 16> a) {
+    return detail::lanesOf<std::uint16_t>(_mm_unpacklo_epi8(detail::bits128(a), _mm_setzero_si128()));
+}
+
+inline Lanes<std::uint16_t, 8> widenedHigh(Lanes<std::uint8_t, 16> a) {
+    return detail::lanesOf<std::uint16_t>(_mm_unpackhi_epi8(detail::bits128(a), _mm_setzero_si128()));
+}
+
+inline Lanes<std::uint32_t, 4> widenedLow(Lanes<std::uint16_t, 8> a) {
+    return detail::lanesOf<std::uint32_t>(_mm_unpacklo_epi16(detail::bits128(a), _mm_setzero_si128()));
+}
+
+inline Lanes<std::uint32_t, 4> widenedHigh(Lanes<std::uint16_t, 8> a) {
+    return detail::lanesOf<std::uint32_t>(_mm_unpackhi_epi16(detail::bits128(a), _mm_setzero_si128()));
+}
+
+inline Lanes<std::uint8_t, 16> narrowed(Lanes<std::uint16_t, 8> low, Lanes<std::uint16_t, 8> high) {
+    return detail::lanesOf<std::uint8_t>(_mm_packus_epi16(detail::bits128(low), detail::bits128(high)));
+}
+
+inline Lanes<std::uint16_t, 8> narrowed(Lanes<std::uint32_t, 4> low, Lanes<std::uint32_t, 4> high) {
+    return detail::lanesOf<std::uint16_t>(_mm_packs_epi32(detail::bits128(low), detail::bits128(high)));
+}
+
+#endif
+
+// GCC does not align 32 bytes on the stack of 64-bit Windows.
+#if defined(__AVX2__) && !defined(_WIN64)
+
+namespace detail {
+
+template <class Number, int count>
+__m256i bits256(Lanes<Number, count> a) {
+    return reinterpret_cast<__m256i>(a.vector);
+}
+
+} // namespace detail
+
+inline Lanes<std::uint8_t, 32> saturatingSum(Lanes<std::uint8_t, 32> a, Lanes<std::uint8_t, 32> b) {
+    return detail::lanesOf<std::uint8_t>(_mm256_adds_epu8(detail::bits256(a), detail::bits256(b)));
+}
+
+inline Lanes<std::uint16_t, 16> widenedLow(Lanes<std::uint8_t, 32> a) {
+    return detail::lanesOf<std::uint16_t>(_mm256_unpacklo_epi8(detail::bits256(a), _mm256_setzero_si256()));
+}
+
+inline Lanes<std::uint16_t, 16> widenedHigh(Lanes<std::uint8_t, 32> a) {
+    return detail::lanesOf<std::uint16_t>(_mm256_unpackhi_epi8(detail::bits256(a), _mm256_setzero_si256()));
+}
+
+inline Lanes<std::uint32_t, 8> widenedLow(Lanes<std::uint16_t, 16> a) {
+    return detail::lanesOf<std::uint32_t>(_mm256_unpacklo_epi16(detail::bits256(a), _mm256_setzero_si256()));
+}
+
+inline Lanes<std::uint32_t, 8> widenedHigh(Lanes<std::uint16_t, 16> a) {
+    return detail::lanesOf<std::uint32_t>(_mm256_unpackhi_epi16(detail::bits256(a), _mm256_setzero_si256()));
+}
+
+inline Lanes<std::uint8_t, 32> narrowed(Lanes<std::uint16_t, 16> low, Lanes<std::uint16_t, 16> high) {
+    return detail::lanesOf<std::uint8_t>(_mm256_packus_epi16(detail::bits256(low), detail::bits256(high)));
+}
+
+inline Lanes<std::uint16_t, 16> narrowed(Lanes<std::uint32_t, 8> low, Lanes<std::uint32_t, 8> high) {
+    return detail::lanesOf<std::uint16_t>(_mm256_packs_epi32(detail::bits256(low), detail::bits256(high)));
+}
+
+/// The bytes that the target takes at once.
+constexpr int registerBytes = 32;
+
+#else
+
+constexpr int registerBytes = 16;
+
+#endif
+
+} // namespace qmur::vector
+
+namespace qmur {
+namespace target = vector;
+}
+
+#else
+
+namespace qmur {
+namespace target = scalar;
+}
+
 #endif
 
 namespace qmur {
 
-/// Unsigned, so that sums and products wrap.
-using Lanes = unsigned __attribute__((vector_size(16)));
+using target::as;
+using target::broadcast;
+using target::registerBytes;
+using target::withLane;
 
-/// The same bits as signed numbers.
-using SignedLanes = int __attribute__((vector_size(16)));
+template <int count>
+using Bytes = target::Lanes<std::uint8_t, count>;
+template <int count>
+using Words = target::Lanes<std::uint16_t, count>;
+template <int count>
+using Numbers = target::Lanes<std::uint32_t, count>;
 
-inline SignedLanes asSigned(Lanes lanes) {
-    return std::bit_cast<SignedLanes>(lanes);
-}
-
-inline Lanes asUnsigned(SignedLanes lanes) {
-    return std::bit_cast<Lanes>(lanes);
-}
-
-inline Lanes lanesOf(int a, int b, int c, int d) {
-    return asUnsigned(SignedLanes{a, b, c, d});
-}
-
-/// One lane in all four.
-template <int lane>
-Lanes broadcast(Lanes lanes) {
-    return __builtin_shufflevector(lanes, lanes, lane, lane, lane, lane);
-}
-
-/// Blue, green, red and the top byte.
-inline Lanes channelsOf(q_ulong pixel) {
-#if defined(__SSE2__)
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i words = _mm_unpacklo_epi8(_mm_cvtsi32_si128(static_cast<int>(pixel)), zero);
-    return std::bit_cast<Lanes>(_mm_unpacklo_epi16(words, zero));
-#else
-    const auto bits = static_cast<unsigned>(pixel);
-    return Lanes{bits & 0xFF, bits >> 8 & 0xFF, bits >> 16 & 0xFF, bits >> 24};
-#endif
-}
-
-/// The pixel of blue, green and red, capped above only: a negative channel spills over those above it.
-inline q_ulong packedPixel(Lanes channels) {
-#if defined(__SSE2__)
-    const auto lanes = std::bit_cast<__m128i>(channels);
-    const bool anyNegative = (_mm_movemask_ps(_mm_castsi128_ps(lanes)) & 7) != 0;
-    if (!anyNegative) [[likely]] {
-        const __m128i words = _mm_packs_epi32(lanes, lanes);
-        return static_cast<q_ulong>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words))) & 0xFFFFFF;
-    }
-#endif
-    const auto capped = [channels](int lane) { return smaller(static_cast<int>(channels[lane]), 255); };
-    return static_cast<q_ulong>(capped(2) << 16 | capped(1) << 8 | capped(0));
-}
+/// As many pixels as the target takes at once.
+using Pixels = Numbers<registerBytes / 4>;
 
 } // namespace qmur
 

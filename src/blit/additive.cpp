@@ -1,4 +1,4 @@
-#include "base/one_pixel.h"
+#include "base/channels.h"
 #include "base/wide.h"
 #include "q_Mur/blit.h"
 #include "walks/placed.h"

@@ -1,5 +1,4 @@
-#include "base/four_pixels.h"
-#include "base/one_pixel.h"
+#include "base/channels.h"
 #include "q_Mur/blit.h"
 #include "walks/placed.h"
 #include "walks/scaled.h"
@@ -14,14 +13,16 @@ struct ConstantBlend {
 
     explicit ConstantBlend(float alpha) : weights(alphaWeights(alpha)) {}
 
-    q_ulong one(q_ulong d, q_ulong s) const { return blend256(d, weights.dst, s, weights.src); }
-#if defined(__SSE2__)
-    FourPixels four(FourPixels d, FourPixels s) const {
-        const LaneWeights lanes = {_mm_set1_epi16(static_cast<short>(weights.src)),
-                                   _mm_set1_epi16(static_cast<short>(weights.dst))};
-        return blendFour(d, s, [lanes](__m128i) { return lanes; });
+    template <int count>
+    Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
+        return blendPixels(d, s, [of = weights]<int words>(Words<words>) {
+            return WordWeights<words>{Words<words>::all(static_cast<std::uint16_t>(of.src)),
+                                      Words<words>::all(static_cast<std::uint16_t>(of.dst))};
+        });
     }
-#endif
+
+    /// With weights beyond 0 to 256: the products wrap, and the masks decide.
+    q_ulong wrapped(q_ulong d, q_ulong s) const { return blend256(d, weights.dst, s, weights.src); }
 };
 
 /// Leaves the destination as it is where the source is 0.
@@ -29,59 +30,39 @@ template <class Operation>
 struct UnlessZero {
     Operation operation;
 
-    q_ulong one(q_ulong d, q_ulong s) const { return s == 0 ? d : operation.one(d, s); }
-#if defined(__SSE2__)
-    FourPixels four(FourPixels d, FourPixels s) const {
-        return selectEqual(s, _mm_setzero_si128(), d, operation.four(d, s));
+    template <int count>
+    Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
+        return selectEqual(s, Numbers<count>::all(0), d, operation(d, s));
     }
-#endif
 };
 
 /// Source over destination by the top byte of each source pixel; the weights add up to `total`.
 template <int total>
 struct ChannelBlend {
-    q_ulong one(q_ulong d, q_ulong s) const {
-        const q_ulong alpha = topByteOf(s);
-        return blend256(d, total - alpha, s, alpha);
-    }
-#if defined(__SSE2__)
-    FourPixels four(FourPixels d, FourPixels s) const {
-        return blendFour(d, s, [](__m128i lanes) {
-            const __m128i alpha = topByteInLanes(lanes);
-            return LaneWeights{alpha, _mm_sub_epi16(_mm_set1_epi16(total), alpha)};
+    template <int count>
+    Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
+        return blendPixels(d, s, []<int words>(Words<words> channels) {
+            const Words<words> alpha = fourthInFours(channels);
+            return WordWeights<words>{alpha, Words<words>::all(total) - alpha};
         });
     }
-#endif
 };
 
 /// Meant: the weights add up to 255, which leaves the blend slightly dark; a pixel of alpha 255 is copied whole.
-struct ChannelBlendOrCopy : ChannelBlend<255> {
-    q_ulong one(q_ulong d, q_ulong s) const { return topByteOf(s) == 255 ? s : ChannelBlend::one(d, s); }
-#if defined(__SSE2__)
-    FourPixels four(FourPixels d, FourPixels s) const {
-        return selectEqual(_mm_srli_epi32(s, 24), _mm_set1_epi32(255), s, ChannelBlend::four(d, s));
+struct ChannelBlendOrCopy {
+    template <int count>
+    Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
+        return selectEqual(s >> 24, Numbers<count>::all(255), s, ChannelBlend<255>()(d, s));
     }
-#endif
 };
 
 /// Leaves the destination as it is where the source's alpha is 0.
-struct ChannelBlendUnlessClear : ChannelBlend<256> {
-    q_ulong one(q_ulong d, q_ulong s) const { return topByteOf(s) == 0 ? d : ChannelBlend::one(d, s); }
-#if defined(__SSE2__)
-    FourPixels four(FourPixels d, FourPixels s) const {
-        return selectEqual(_mm_srli_epi32(s, 24), _mm_setzero_si128(), d, ChannelBlend::four(d, s));
+struct ChannelBlendUnlessClear {
+    template <int count>
+    Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
+        return selectEqual(s >> 24, Numbers<count>::all(0), d, ChannelBlend<256>()(d, s));
     }
-#endif
 };
-
-/// Draws with constant weights; those outside 0 to 256 are left to the masks, pixel by pixel.
-template <class Operation>
-void combineConstant(const Placement &placement, const ConstantBlend &blend, Operation operation) {
-    if (blend.weights.areWithinRange())
-        combineRows(placement, operation);
-    else
-        forEachPixel(placement, [operation](q_ulong &d, q_ulong s) { d = operation.one(d, s); });
-}
 
 /// The non-empty pixels in the 3 by 3 block around a pixel, itself included.
 int neighbourCount(const q_ulong *s, Distance pitch) {
@@ -98,7 +79,11 @@ void iBltFast32Alpha(q_ulong *dst, q_ulong *src, int offsetX, int offsetY, tagRE
     const tagRECT moved = {wrapAdd(rect->left, offsetX), wrapAdd(rect->top, offsetY), wrapAdd(rect->right, offsetX),
                            wrapAdd(rect->bottom, offsetY)};
     const ConstantBlend blend(alpha);
-    combineConstant(placedAt({dst, dstPitch, src, srcPitch}, moved.left, moved.top, moved), blend, blend);
+    const Placement placement = placedAt({dst, dstPitch, src, srcPitch}, moved.left, moved.top, moved);
+    if (blend.weights.areWithinRange())
+        combinePixels(placement, blend);
+    else
+        forEachPixel(placement, [blend](q_ulong &d, q_ulong s) { d = blend.wrapped(d, s); });
 }
 
 void iBltBilinear32_Alpha(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
@@ -110,7 +95,7 @@ void iBltBilinear32_Alpha(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT 
         scaledOnto<Unsigned12_20>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect);
     if (weights.areWithinRange())
         forEachFiltered(walk,
-                        [blend = OnePixelBlend(weights)](q_ulong &d, ChannelSums sums) { d = blend(d, sums.pixel()); });
+                        [blend = PixelBlend(weights)](q_ulong &d, ChannelSums sums) { d = blend(d, sums.pixel()); });
     else
         forEachFiltered(walk, [weights](q_ulong &d, ChannelSums sums) {
             const q_ulong s = sums.pixel();
@@ -128,14 +113,18 @@ void iBltFast32_KeySrc_AlphaFast(q_ulong *dst, q_ulong *src, int dstX, int dstY,
 void iBltFast32_KeySrc_Alpha(q_ulong *dst, q_ulong *src, int dstX, int dstY, tagRECT *srcRect, int dstPitch,
                              int srcPitch, q_ulong, float alpha) {
     const ConstantBlend blend(alpha);
-    combineConstant(placedAt({dst, dstPitch, src, srcPitch}, dstX, dstY, *srcRect), blend,
-                    UnlessZero<ConstantBlend>{blend});
+    const Placement placement = placedAt({dst, dstPitch, src, srcPitch}, dstX, dstY, *srcRect);
+    if (blend.weights.areWithinRange())
+        combinePixels(placement, UnlessZero<ConstantBlend>{blend});
+    else
+        forEachPixel(placement, [blend](q_ulong &d, q_ulong s) { d = s == 0 ? d : blend.wrapped(d, s); });
 }
 
 void iBltFast32SafeAlpha_Channel(q_ulong *dst, q_ulong *src, int centreX, int centreY, tagRECT *srcRect, int dstPitch,
                                  int srcPitch, int clipWidth, int clipHeight) {
-    combineRows(centredAt({dst, dstPitch, src, srcPitch}, centreX, centreY, *srcRect, windowOf(clipWidth, clipHeight)),
-                UnlessZero<ChannelBlendOrCopy>{});
+    combinePixels(
+        centredAt({dst, dstPitch, src, srcPitch}, centreX, centreY, *srcRect, windowOf(clipWidth, clipHeight)),
+        UnlessZero<ChannelBlendOrCopy>{});
 }
 
 void iBltFast32SafeKeySrcAntiAliasing(q_ulong *dst, q_ulong *src, int centreX, int centreY, tagRECT *srcRect,
@@ -162,6 +151,6 @@ void iBltFast32AlphaChannelSafe(q_ulong *dst, q_ulong *src, int dstX, int dstY, 
                                 int dstPitch, int srcPitch) {
     const Window target = {{dstX, wrapAdd(dstX, widthOf(*srcRect))}, {dstY, wrapAdd(dstY, heightOf(*srcRect))}};
     // Only the size of the source rectangle counts: reading starts at the surface's own corner.
-    combineRows(placedWithin({dst, dstPitch, src, srcPitch}, target, 0, 0, windowOf(*clipRect)),
-                ChannelBlendUnlessClear{});
+    combinePixels(placedWithin({dst, dstPitch, src, srcPitch}, target, 0, 0, windowOf(*clipRect)),
+                  ChannelBlendUnlessClear{});
 }

@@ -1,6 +1,6 @@
 #include "span_mappers.h"
 
-#include "base/lanes.h"
+#include "base/channels.h"
 #include "base/sampling.h"
 #include "base/surface.h"
 #include "q_Mur/textured.h"
@@ -79,12 +79,12 @@ struct EdgePair {
 /// The quantities of a pixel, along a row: the depth, and side by side u, v, the multiplier and the highlight.
 struct PixelWalk {
     Running z;
-    Lanes values;
-    Lanes steps;
+    Numbers<4> values;
+    Numbers<4> steps;
 
     void advance() {
         z.advance();
-        values += steps;
+        values = values + steps;
     }
 };
 
@@ -111,32 +111,32 @@ struct EdgeWalk {
         const Running rowV = v.acrossRow(width, skipped);
         const Running rowMul = mul.acrossRow(width, skipped);
         const Running rowAdd = add.acrossRow(width, skipped);
-        return {z.acrossRow(width, skipped), lanesOf(rowU.value, rowV.value, rowMul.value, rowAdd.value),
-                lanesOf(rowU.step, rowV.step, rowMul.step, rowAdd.step)};
+        return {z.acrossRow(width, skipped), Numbers<4>::of(rowU.value, rowV.value, rowMul.value, rowAdd.value),
+                Numbers<4>::of(rowU.step, rowV.step, rowMul.step, rowAdd.step)};
     }
 };
 
 /// A filtered colour, lit with signed products.
-inline q_ulong litColour(q_ulong colour, Lanes mul, Lanes add) {
-    return packedPixel(asUnsigned(asSigned(channelsOf(colour) * mul) >> 8) + add);
+inline q_ulong litColour(q_ulong colour, Numbers<4> mul, Numbers<4> add) {
+    return packedPixel(shiftedSigned(channelNumbers(colour) * mul, 8) + add);
 }
 
 /// A texel, lit with unsigned products: a negative multiplier gives full channels. Green is multiplied in its place,
 /// where 24 bits are left for the product.
 template <Red redSource>
-q_ulong litTexel(q_ulong texel, Lanes mul, Lanes add) {
-    Lanes channels = channelsOf(texel);
+q_ulong litTexel(q_ulong texel, Numbers<4> mul, Numbers<4> add) {
+    Numbers<4> channels = channelNumbers(texel);
     if constexpr (redSource == Red::upperHalf)
-        channels[2] = static_cast<unsigned>(texel) >> 16;
-    return packedPixel(((channels * mul & Lanes{~0U, 0xFFFFFF, ~0U, 0}) >> 8) + add);
+        channels = withLane<2>(channels, std::uint32_t{texel} >> 16);
+    return packedPixel(((channels * mul & Numbers<4>::of(~0U, 0xFFFFFF, ~0U, 0)) >> 8) + add);
 }
 
 /// What the pixels of a call share.
 struct Scene {
     const q_ulong *tex;
     Distance texPitch;
-    Lanes flatMul;
-    Lanes flatAdd;
+    Numbers<4> flatMul;
+    Numbers<4> flatAdd;
     int nearLimit;
 };
 
@@ -155,11 +155,11 @@ void drawRow(q_ulong *dst, short *depths, Span pixels, PixelWalk walk, Scene sce
                 continue;
         }
 
-        const SignedLanes whole = asSigned(walk.values) >> fractionBits;
-        const int u = whole[0];
-        const int v = whole[1];
-        const Lanes mul = mapping.light == Light::flat ? scene.flatMul : broadcast<2>(asUnsigned(whole));
-        const Lanes add = mapping.light == Light::flat ? scene.flatAdd : broadcast<3>(asUnsigned(whole));
+        const Numbers<4> whole = shiftedSigned(walk.values, fractionBits);
+        const auto u = static_cast<int>(whole[0]);
+        const auto v = static_cast<int>(whole[1]);
+        const Numbers<4> mul = mapping.light == Light::flat ? scene.flatMul : broadcast<2>(whole);
+        const Numbers<4> add = mapping.light == Light::flat ? scene.flatAdd : broadcast<3>(whole);
         if constexpr (mapping.sampling == Sampling::filtered) {
             const q_ulong *const upper = pixelAt(scene.tex, scene.texPitch, u >> 4, v >> 4);
             const q_ulong *const lower = upper + scene.texPitch;
@@ -211,8 +211,8 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
         walk.mul = edges(mulL0, mulL1, mulR0, mulR1);
     }
 
-    Scene scene = {tex, asDistance(texPitch), lanesOf(mulL0, mulL0, mulL0, mulL0), lanesOf(addL0, addL0, addL0, addL0),
-                   0};
+    Scene scene = {tex, asDistance(texPitch), Numbers<4>::all(static_cast<unsigned>(mulL0)),
+                   Numbers<4>::all(static_cast<unsigned>(addL0)), 0};
     const Distance step = asDistance(dstPitch);
     q_ulong *dstRow = dst + rows.begin * step;
     short *depthRow = nullptr;

@@ -3,7 +3,10 @@
 #ifndef Q_MUR_WALKS_PLACED_H
 #define Q_MUR_WALKS_PLACED_H
 
+#include "base/lanes.h"
 #include "base/surface.h"
+
+#include <cstdint>
 
 namespace qmur {
 
@@ -79,6 +82,29 @@ void forEachPixel(const Placement &placement, Store store) {
         const q_ulong *const src = firstSrc + y * srcPitch;
         for (Distance x = 0; x < width; ++x)
             store(dst[x], src[x]);
+    }
+}
+
+/// The same with `operation(d, s)` on lanes: as many pixels at once as the target takes, then two, then one in the
+/// first lanes. A row whose destination starts fewer pixels than the target takes behind its source feeds on what it
+/// has just written and is done pixel by pixel.
+template <class Operation>
+void combinePixels(const Placement &placement, Operation operation) {
+    const auto [firstDst, dstPitch, firstSrc, srcPitch, width, height] = placement;
+    constexpr Distance atOnce = sizeof(Pixels) / sizeof(q_ulong);
+    using Few = Numbers<4>;
+    for (Distance y = 0; y < height; ++y) {
+        q_ulong *const dst = firstDst + y * dstPitch;
+        const q_ulong *const src = firstSrc + y * srcPitch;
+        const auto ahead = reinterpret_cast<std::uintptr_t>(dst) - reinterpret_cast<std::uintptr_t>(src);
+        const Distance several = ahead == 0 || ahead >= sizeof(Pixels) ? width : 0;
+        Distance x = 0;
+        for (; x <= several - atOnce; x += atOnce)
+            operation(Pixels::load(dst + x), Pixels::load(src + x)).store(dst + x);
+        for (; x <= several - 2; x += 2)
+            operation(Few::loadEightBytes(dst + x), Few::loadEightBytes(src + x)).storeEightBytes(dst + x);
+        for (; x < width; ++x)
+            dst[x] = operation(Few::front(dst[x]), Few::front(src[x]))[0];
     }
 }
 

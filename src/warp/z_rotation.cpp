@@ -1,4 +1,4 @@
-#include "base/one_pixel.h"
+#include "base/channels.h"
 #include "base/sampling.h"
 #include "base/wide.h"
 #include "q_Mur/warp.h"
@@ -162,7 +162,7 @@ template <class Rotate>
 void withMix(float alpha, Rotate rotate) {
     const AlphaWeights weights = alphaWeights(alpha);
     if (weights.areWithinRange())
-        rotate([blend = OnePixelBlend(weights)](q_ulong &d, q_ulong s) { d = blend(d, s); });
+        rotate([blend = PixelBlend(weights)](q_ulong &d, q_ulong s) { d = blend(d, s); });
     else
         rotate([weights](q_ulong &d, q_ulong s) {
             d = mixedRedGreen(d, s, weights) | weightedByte(blueOf(d), blueOf(s), weights) >> 8;

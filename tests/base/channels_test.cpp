@@ -1,4 +1,4 @@
-#include "base/one_pixel.h"
+#include "base/channels.h"
 #include "support/random.h"
 
 #include <gtest/gtest.h>
@@ -9,9 +9,9 @@ namespace {
 
 using namespace qmur;
 
-TEST(OnePixelBlend, of_every_pair_of_bytes_under_every_weight_is_the_truncated_mean) {
+TEST(PixelBlend, of_every_pair_of_bytes_under_every_weight_is_the_truncated_mean) {
     for (q_ulong src = 0; src <= 256; ++src) {
-        const OnePixelBlend blend({src, 256 - src});
+        const PixelBlend blend({src, 256 - src});
         for (q_ulong d = 0; d < 256; ++d)
             for (q_ulong s = 0; s < 256; ++s) {
                 const q_ulong mean = (d * (256 - src) + s * src) / 256;
@@ -20,7 +20,7 @@ TEST(OnePixelBlend, of_every_pair_of_bytes_under_every_weight_is_the_truncated_m
     }
 }
 
-TEST(OnePixelBlend, keeps_channels_to_themselves) {
+TEST(PixelBlend, keeps_channels_to_themselves) {
     test::Random random(1);
     for (int i = 0; i < 20000; ++i) {
         const q_ulong d = random.pixel();
@@ -29,7 +29,7 @@ TEST(OnePixelBlend, keeps_channels_to_themselves) {
         q_ulong expected = 0;
         for (int shift = 0; shift < 24; shift += 8)
             expected |= ((d >> shift & 0xFF) * (256 - src) + (s >> shift & 0xFF) * src) / 256 << shift;
-        ASSERT_EQ(OnePixelBlend({src, 256 - src})(d, s), expected);
+        ASSERT_EQ(PixelBlend({src, 256 - src})(d, s), expected);
     }
 }
 
