@@ -1,0 +1,65 @@
+/// \file
+/// Bands of plain texels, which are read inside the clip alone.
+#ifndef Q_MUR_WALKS_TEXEL_BANDS_H
+#define Q_MUR_WALKS_TEXEL_BANDS_H
+
+#include "walks/bands.h"
+
+namespace qmur {
+
+/// A column with the texel that it shows.
+struct TexelColumn {
+    int x;
+    int u;
+    int v;
+
+    template <class Operation, class... Columns>
+    static constexpr TexelColumn each(Operation operation, const Columns &...c) {
+        return {operation(c.x...), operation(c.u...), operation(c.v...)};
+    }
+};
+
+/// Meant: of one less than a distance, so that the last row or pixel before the end shows what stands at the end.
+template <int fractionBits>
+constexpr int shortReciprocal(int distance) {
+    return reciprocal<fractionBits>(wrapSubtract(distance, 1));
+}
+
+/// Whether a position lies in a span that is not empty, in one comparison.
+constexpr bool liesIn(Span span, int position) {
+    return static_cast<unsigned>(wrapSubtract(position, span.begin)) < static_cast<unsigned>(span.length());
+}
+
+/// Copies the texels of a band. `outside(dst pixel)` says what becomes of a pixel whose texel lies outside the window,
+/// by which destination and texture are clipped alike.
+template <int fractionBits, class Outside>
+void drawTexelBand(q_ulong *dst, Distance dstPitch, const q_ulong *tex, Distance texPitch, Window window,
+                   const Edge<TexelColumn> &left, const Edge<TexelColumn> &right, Outside outside) {
+    const auto inverseOf = [](const Edge<TexelColumn> &edge) {
+        return shortReciprocal<fractionBits>(wrapSubtract(edge.lower.y, edge.upper.y));
+    };
+    const int leftInverse = inverseOf(left);
+    const int rightInverse = inverseOf(right);
+    const Span rows = intersection(rowsOf(left, right), window.rows);
+    for (int y = rows.begin; y < rows.end; ++y) {
+        const TexelColumn start = valuesAt<fractionBits>(y, left, leftInverse);
+        const TexelColumn end = valuesAt<fractionBits>(y, right, rightInverse);
+        const Span columns = intersection({start.x, end.x}, window.columns);
+        if (columns.empty())
+            continue;
+        const TexelColumn step = (end - start) * shortReciprocal<fractionBits>(wrapSubtract(end.x, start.x));
+        TexelColumn run = step * wrapSubtract(columns.begin, start.x);
+        q_ulong *const row = dst + y * dstPitch;
+        for (int x = columns.begin; x < columns.end; ++x, run = run + step) {
+            const TexelColumn texel = (run >> fractionBits) + start;
+            if (liesIn(window.rows, texel.v) && liesIn(window.columns, texel.u))
+                row[x] = *pixelAt(tex, texPitch, texel.u, texel.v);
+            else
+                outside(row[x]);
+        }
+    }
+}
+
+} // namespace qmur
+
+#endif
