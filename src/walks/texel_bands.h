@@ -4,6 +4,7 @@
 #define Q_MUR_WALKS_TEXEL_BANDS_H
 
 #include "walks/bands.h"
+#include "walks/stretch.h"
 
 namespace qmur {
 
@@ -25,11 +26,6 @@ constexpr int shortReciprocal(int distance) {
     return reciprocal<fractionBits>(wrapSubtract(distance, 1));
 }
 
-/// Whether a position lies in a span that is not empty, in one comparison.
-constexpr bool liesIn(Span span, int position) {
-    return static_cast<unsigned>(wrapSubtract(position, span.begin)) < static_cast<unsigned>(span.length());
-}
-
 /// Copies the texels of a band. `outside(dst pixel)` says what becomes of a pixel whose texel lies outside the window,
 /// by which destination and texture are clipped alike.
 template <int fractionBits, class Outside>
@@ -48,15 +44,16 @@ void drawTexelBand(q_ulong *dst, Distance dstPitch, const q_ulong *tex, Distance
         if (columns.empty())
             continue;
         const TexelColumn step = (end - start) * shortReciprocal<fractionBits>(wrapSubtract(end.x, start.x));
-        TexelColumn run = step * wrapSubtract(columns.begin, start.x);
-        q_ulong *const row = dst + y * dstPitch;
-        for (int x = columns.begin; x < columns.end; ++x, run = run + step) {
-            const TexelColumn texel = (run >> fractionBits) + start;
-            if (liesIn(window.rows, texel.v) && liesIn(window.columns, texel.u))
-                row[x] = *pixelAt(tex, texPitch, texel.u, texel.v);
-            else
-                outside(row[x]);
-        }
+        const int skipped = wrapSubtract(columns.begin, start.x);
+        const auto track = [skipped](int from, int gain, Span bounds) {
+            return Track{wrapMultiply(skipped, gain), gain, scaledBounds(bounds.begin, bounds.end, from, fractionBits)};
+        };
+        q_ulong *const row = pixelAt(dst, dstPitch, columns.begin, y);
+        const Distance first = start.v * texPitch + start.u;
+        forEachInside(
+            track(start.u, step.u, window.columns), track(start.v, step.v, window.rows), columns.length(),
+            [=](int x, int u, int v) { row[x] = tex[first + (v >> fractionBits) * texPitch + (u >> fractionBits)]; },
+            [row, outside](int x) { outside(row[x]); });
     }
 }
 
