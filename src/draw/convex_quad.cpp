@@ -22,12 +22,6 @@ Corner<Column> cornerOf(const tagPOINT &point) {
     return {static_cast<int>(point.y), {static_cast<int>(point.x)}};
 }
 
-constexpr int fractionBits = 18;
-
-int reciprocalOf(const Edge<Column> &edge) {
-    return reciprocal<fractionBits>(wrapSubtract(edge.lower.y, edge.upper.y));
-}
-
 } // namespace
 
 extern "C" int q_MurSideOfLine(const int *px, const int *py, const int *ax, const int *ay, const int *bx,
@@ -48,24 +42,21 @@ void Rect_Safe(q_ulong *surface, tagRECT *clip, int pitch, tagPOINT *p0, tagPOIN
     const Quad<Column> corners = sortedQuad<Column>({cornerOf(*p0), cornerOf(*p1), cornerOf(*p2), cornerOf(*p3)});
     const Window window = windowOf(*clip);
     const q_ulong colour = *color;
-    // The last row of a band or pixel of a row, brought inside the window, as the end of a walk.
-    const auto endAfter = [](int last, Span span) { return last < span.end ? last + 1 : span.end; };
+    // Where a walk ends that goes to a last row or column and draws it, or `drawn` of it.
+    const auto endAfter = [](int last, int drawn, Span span) { return last < span.end ? last + drawn : span.end; };
 
-    forEachBand(corners, isLeftOfLine, [&](const Edge<Column> &left, const Edge<Column> &right) {
+    forEachBand(corners, isLeftOfLine, [=, &corners](const Edge<Column> &left, const Edge<Column> &right) {
         // Meant: beside a right side of one edge, what lies below the first corner on the left ends one pixel short.
         const bool oneEdgeOnRight = &right.upper == &corners.front() && &right.lower == &corners.back();
-        const bool rightIncluded = !oneEdgeOnRight || &left.upper == &corners.front();
-        const int leftInverse = reciprocalOf(left);
-        const int rightInverse = reciprocalOf(right);
+        const int rightDrawn = oneEdgeOnRight && &left.upper != &corners.front() ? 0 : 1;
+        const SlopedEdge<18, Column> leftEdge(left, heightOf(left));
+        const SlopedEdge<18, Column> rightEdge(right, heightOf(right));
         // Meant: a band's last row is drawn, and drawn again as the first of the next.
         const Span rows = rowsOf(left, right);
-        const int end = endAfter(rows.end, window.rows);
+        const int end = endAfter(rows.end, 1, window.rows);
         for (int y = larger(rows.begin, window.rows.begin); y < end; ++y) {
-            const int leftX = valuesAt<fractionBits>(y, left, leftInverse).x;
-            const int rightX = valuesAt<fractionBits>(y, right, rightInverse).x;
-            const Span columns = {larger(leftX, window.columns.begin), rightIncluded
-                                                                           ? endAfter(rightX, window.columns)
-                                                                           : smaller(rightX, window.columns.end)};
+            const Span columns = {larger(leftEdge.at(y).x, window.columns.begin),
+                                  endAfter(rightEdge.at(y).x, rightDrawn, window.columns)};
             if (!columns.empty())
                 std::fill_n(pixelAt(surface, pitch, columns.begin, y), columns.length(), colour);
         }

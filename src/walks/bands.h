@@ -87,8 +87,8 @@ constexpr bool isLeftOfLineTurned(_POINTINT point, _POINTINT from, _POINTINT to)
 /// From top to bottom; these very exchanges decide how corners of one row come to stand, and so on their sides.
 template <Carried Type>
 Quad<Type> sortedQuad(Quad<Type> corners) {
-    for (std::size_t upper = 0; upper < corners.size(); ++upper)
-        for (std::size_t lower = upper + 1; lower < corners.size(); ++lower)
+    for (std::size_t upper = 0; upper < 3; ++upper)
+        for (std::size_t lower = upper + 1; lower < 4; ++lower)
             if (corners[lower].y < corners[upper].y)
                 std::swap(corners[upper], corners[lower]);
     return corners;
@@ -138,6 +138,11 @@ void forEachBand(const std::array<Corner<Type>, count> &corners, IsLeft isLeftOf
         band(edgeThrough(k, true), edgeThrough(k, false));
 }
 
+template <Carried Type>
+constexpr int heightOf(const Edge<Type> &edge) {
+    return wrapSubtract(edge.lower.y, edge.upper.y);
+}
+
 /// The rows that both edges cover.
 template <Carried Type>
 constexpr Span rowsOf(const Edge<Type> &left, const Edge<Type> &right) {
@@ -164,7 +169,7 @@ struct Running {
 template <int fractionBits, Carried Type>
 constexpr Running<Type> steppedFrom(const Edge<Type> &edge, int row) {
     const auto &[upper, lower] = edge;
-    const Type step = ((lower.at - upper.at) << fractionBits) / oneIfZero(wrapSubtract(lower.y, upper.y));
+    const Type step = ((lower.at - upper.at) << fractionBits) / oneIfZero(heightOf(edge));
     return {(upper.at << fractionBits) + step * wrapSubtract(row, upper.y), step};
 }
 
@@ -197,12 +202,19 @@ constexpr int reciprocal(int distance) {
     return (1 << fractionBits) / oneIfZero(distance);
 }
 
-/// An edge at a row, by the reciprocal of the distance that it is interpolated over.
+/// An edge that tells what it carries at any row, interpolated over the distance given.
 template <int fractionBits, Carried Type>
-constexpr Type valuesAt(int row, const Edge<Type> &edge, int inverse) {
-    const auto &[upper, lower] = edge;
-    return ((lower.at - upper.at) * wrapMultiply(wrapSubtract(row, upper.y), inverse) >> fractionBits) + upper.at;
-}
+class SlopedEdge {
+public:
+    SlopedEdge(const Edge<Type> &edge, int distance)
+        : upper(edge.upper), slope((edge.lower.at - edge.upper.at) * reciprocal<fractionBits>(distance)) {}
+
+    Type at(int y) const { return (slope * wrapSubtract(y, upper.y) >> fractionBits) + upper.at; }
+
+private:
+    Corner<Type> upper;
+    Type slope;
+};
 
 } // namespace qmur
 

@@ -20,10 +20,10 @@ struct TexelColumn {
     }
 };
 
-/// Meant: of one less than a distance, so that the last row or pixel before the end shows what stands at the end.
-template <int fractionBits>
-constexpr int shortReciprocal(int distance) {
-    return reciprocal<fractionBits>(wrapSubtract(distance, 1));
+/// Meant: what runs over a distance is interpolated over one less, so that the last row or pixel before the end shows
+/// what stands at the end.
+constexpr int oneLess(int distance) {
+    return wrapSubtract(distance, 1);
 }
 
 /// Copies the texels of a band. `outside(dst pixel)` says what becomes of a pixel whose texel lies outside the window,
@@ -31,19 +31,16 @@ constexpr int shortReciprocal(int distance) {
 template <int fractionBits, class Outside>
 void drawTexelBand(q_ulong *dst, Distance dstPitch, const q_ulong *tex, Distance texPitch, Window window,
                    const Edge<TexelColumn> &left, const Edge<TexelColumn> &right, Outside outside) {
-    const auto inverseOf = [](const Edge<TexelColumn> &edge) {
-        return shortReciprocal<fractionBits>(wrapSubtract(edge.lower.y, edge.upper.y));
-    };
-    const int leftInverse = inverseOf(left);
-    const int rightInverse = inverseOf(right);
+    const SlopedEdge<fractionBits, TexelColumn> leftEdge(left, oneLess(heightOf(left)));
+    const SlopedEdge<fractionBits, TexelColumn> rightEdge(right, oneLess(heightOf(right)));
     const Span rows = intersection(rowsOf(left, right), window.rows);
     for (int y = rows.begin; y < rows.end; ++y) {
-        const TexelColumn start = valuesAt<fractionBits>(y, left, leftInverse);
-        const TexelColumn end = valuesAt<fractionBits>(y, right, rightInverse);
+        const TexelColumn start = leftEdge.at(y);
+        const TexelColumn end = rightEdge.at(y);
         const Span columns = intersection({start.x, end.x}, window.columns);
         if (columns.empty())
             continue;
-        const TexelColumn step = (end - start) * shortReciprocal<fractionBits>(wrapSubtract(end.x, start.x));
+        const TexelColumn step = (end - start) * reciprocal<fractionBits>(oneLess(wrapSubtract(end.x, start.x)));
         const int skipped = wrapSubtract(columns.begin, start.x);
         const auto track = [skipped](int from, int gain, Span bounds) {
             return Track{wrapMultiply(skipped, gain), gain, scaledBounds(bounds.begin, bounds.end, from, fractionBits)};
