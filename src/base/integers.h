@@ -25,6 +25,12 @@ constexpr int wrapDivide(int a, int b) {
     return b == -1 ? wrapSubtract(0, a) : a / b;
 }
 
+/// A divisor, 1 standing in for 0.
+template <class Integer>
+constexpr Integer oneIfZero(Integer divisor) {
+    return divisor == 0 ? 1 : divisor;
+}
+
 constexpr int smaller(int a, int b) {
     return b < a ? b : a;
 }

@@ -149,11 +149,7 @@ constexpr Span rowsOf(const Edge<Type> &left, const Edge<Type> &right) {
     return intersection({left.upper.y, left.lower.y}, {right.upper.y, right.lower.y});
 }
 
-constexpr int oneIfZero(int value) {
-    return value == 0 ? 1 : value;
-}
-
-// The first way to walk a band: in steps, which add up what they lose. It pays per edge and per row with a division.
+// The first way to walk a band: in steps, which add up what they lose.
 
 /// What is carried, in fixed point, and what it gains with each row or pixel.
 template <Carried Type>
