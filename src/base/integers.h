@@ -20,6 +20,17 @@ constexpr int wrapMultiply(int a, int b) {
     return static_cast<int>(static_cast<unsigned>(a) * static_cast<unsigned>(b));
 }
 
+/// Truncates toward zero. The least number over -1 wraps, where the processor would trap.
+constexpr int wrapDivide(int a, int b) {
+    return b == -1 ? wrapSubtract(0, a) : a / b;
+}
+
+/// A divisor, 1 standing in for 0.
+template <class Integer>
+constexpr Integer oneIfZero(Integer divisor) {
+    return divisor == 0 ? 1 : divisor;
+}
+
 constexpr int smaller(int a, int b) {
     return b < a ? b : a;
 }

@@ -3,29 +3,33 @@
 #ifndef Q_MUR_PIPELINE_SPANS_H
 #define Q_MUR_PIPELINE_SPANS_H
 
-#include "q_Mur/types.h"
+#include "walks/bands.h"
 
 namespace qmur {
 
-/// A colour with a depth. Whole numbers at the ends of an edge, fixed point between them.
-struct Shade {
+/// A column with its colour and depth. Whole numbers at the ends of an edge, fixed point between them.
+struct ShadedColumn {
+    int x;
     int red;
     int green;
     int blue;
     int depth;
+
+    template <class Operation, class... Columns>
+    static constexpr ShadedColumn each(Operation operation, const Columns &...c) {
+        return {.x = operation(c.x...),
+                .red = operation(c.red...),
+                .green = operation(c.green...),
+                .blue = operation(c.blue...),
+                .depth = operation(c.depth...)};
+    }
 };
 
-/// An end of an edge, in whole pixels.
-struct EdgeEnd {
-    int x;
-    int y;
-    Shade shade;
-};
+constexpr Corner<ShadedColumn> shadedCorner(int x, int y, int red, int green, int blue, int depth) {
+    return {y, {.x = x, .red = red, .green = green, .blue = blue, .depth = depth}};
+}
 
-struct ShadedEdge {
-    EdgeEnd start;
-    EdgeEnd end;
-};
+using ShadedEdge = Edge<ShadedColumn>;
 
 /// Replaces pixels that are nearer than the Z plane and beyond the near limit.
 void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,

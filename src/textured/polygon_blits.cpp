@@ -1,5 +1,4 @@
-#include "base/surface.h"
-#include "outline.h"
+#include "base/wide.h"
 #include "q_Mur/textured.h"
 #include "span_mappers.h"
 
@@ -47,29 +46,39 @@ MapperChoice<QMGLSpanMapper> pipelineChoice(q_ulong flags) {
     }
 }
 
+template <std::size_t count>
+using Corners = std::array<Corner<MappedColumn>, count>;
+
+Corner<MappedColumn> cornerOf(const _POINT3DFLOAT &point, const _POINTINT &texel, int add, int mul) {
+    return {
+        truncateToInt(point.y),
+        {.x = truncateToInt(point.x), .u = texel.x, .v = texel.y, .z = truncateToInt(point.z), .add = add, .mul = mul}};
+}
+
 /// The distance between the least and the greatest of a value over all corners.
 template <std::size_t count>
-int extentOf(const std::array<Corner, count> &corners, int Corner::*value) {
-    int least = corners[0].*value;
+int extentOf(const Corners<count> &corners, int MappedColumn::*value) {
+    int least = corners[0].at.*value;
     int greatest = least;
-    for (const Corner &corner : corners) {
-        least = smaller(least, corner.*value);
-        greatest = larger(greatest, corner.*value);
+    for (const Corner<MappedColumn> &corner : corners) {
+        least = smaller(least, corner.at.*value);
+        greatest = larger(greatest, corner.at.*value);
     }
     return wrapSubtract(greatest, least);
 }
 
 /// Whether more than one texel, of 16 by 16 units, comes to two pixels of the bounding box.
 template <std::size_t count>
-bool isShrunk(const std::array<Corner, count> &corners) {
-    const int texArea = wrapMultiply(extentOf(corners, &Corner::u), extentOf(corners, &Corner::v));
-    const int screenArea = wrapMultiply(extentOf(corners, &Corner::x), extentOf(corners, &Corner::y));
+bool isShrunk(const Corners<count> &corners) {
+    const int texArea = wrapMultiply(extentOf(corners, &MappedColumn::u), extentOf(corners, &MappedColumn::v));
+    const int height = wrapSubtract(corners.back().y, corners.front().y);
+    const int screenArea = wrapMultiply(extentOf(corners, &MappedColumn::x), height);
     return texArea > wrapMultiply(screenArea, 128);
 }
 
 /// Fills the slot. False if the mode has no mapper: the slot stays as it is.
 template <class Mapper, std::size_t count>
-bool selectMapper(Mapper &slot, MapperChoice<Mapper> choice, std::array<Corner, count> &corners) {
+bool selectMapper(Mapper &slot, MapperChoice<Mapper> choice, Corners<count> &corners) {
     if (!choice.mapper)
         return false;
     if (!choice.shrunk || !isShrunk(corners)) {
@@ -77,9 +86,9 @@ bool selectMapper(Mapper &slot, MapperChoice<Mapper> choice, std::array<Corner, 
         return true;
     }
     slot = choice.shrunk;
-    for (Corner &corner : corners) {
-        corner.u >>= 4;
-        corner.v >>= 4;
+    for (Corner<MappedColumn> &corner : corners) {
+        corner.at.u >>= 4;
+        corner.at.v >>= 4;
     }
     return true;
 }
@@ -95,39 +104,28 @@ struct Scene {
 
 /// Hands the bands to the mapper in the slot.
 template <class Data, std::size_t count>
-void mapBands(Data &data, const Scene &scene, const std::array<Corner, count> &corners) {
+void mapBands(Data &data, const Scene &scene, const Corners<count> &corners) {
     const auto mapper = data.spanMapper;
     if (!mapper)
         return;
-    forEachBand(corners, [&](const Edge &left, const Edge &right) {
-        const auto [l0, l1] = left;
-        const auto [r0, r1] = right;
+    forEachBand(corners, isLeftOfLine, [&](const Edge<MappedColumn> &left, const Edge<MappedColumn> &right) {
+        const auto &[yL0, l0] = left.upper;
+        const auto &[yL1, l1] = left.lower;
+        const auto &[yR0, r0] = right.upper;
+        const auto &[yR1, r1] = right.lower;
         mapper(&data, scene.dst, scene.tex, scene.clip, scene.dstPitch, scene.texPitch, l0.u, l1.u, r0.u, r1.u, l0.v,
-               l1.v, r0.v, r1.v, l0.x, l1.x, r0.x, r1.x, l0.y, l1.y, r0.y, r1.y, l0.add, l1.add, r0.add, r1.add, l0.mul,
+               l1.v, r0.v, r1.v, l0.x, l1.x, r0.x, r1.x, yL0, yL1, yR0, yR1, l0.add, l1.add, r0.add, r1.add, l0.mul,
                l1.mul, r0.mul, r1.mul, l0.z, l1.z, r0.z, r1.z);
     });
 }
 
 template <class Data, class Mapper>
-void drawQuad(Data &data, const Scene &scene, Quad corners, MapperChoice<Mapper> choice) {
-    sortByHeight(corners);
-    if (corners[3].y < scene.clip->top || scene.clip->bottom < corners[0].y)
+void drawQuad(Data &data, const Scene &scene, const Quad<MappedColumn> &given, MapperChoice<Mapper> choice) {
+    Quad<MappedColumn> corners = sortedQuad(given);
+    if (areBeyond(corners, rowsOf(*scene.clip)))
         return;
     if (selectMapper(data.spanMapper, choice, corners))
         mapBands(data, scene, corners);
-}
-
-/// The corners from top to bottom. Meant: the first two are compared as they are given; the third, as it is given, with
-/// the other two in whole pixels.
-Triangle sortedTriangle(float y0, float y1, float y2, const Corner &c0, const Corner &c1, const Corner &c2) {
-    const bool inOrder = y0 < y1;
-    const Corner &first = inOrder ? c0 : c1;
-    const Corner &second = inOrder ? c1 : c0;
-    if (static_cast<float>(second.y) < y2)
-        return {first, second, c2};
-    if (static_cast<float>(first.y) < y2)
-        return {first, c2, second};
-    return {c2, first, second};
 }
 
 } // namespace
@@ -136,7 +134,7 @@ void i3D_Blt_Rect(_PRIVATE_QM3D_DATA *data, q_ulong *dst, _POINT3DFLOAT *p0, _PO
                   _POINT3DFLOAT *p3, q_ulong *tex, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2, _POINTINT *t3,
                   tagRECT *clip, q_ulong dstPitch, q_ulong texPitch, int add0, int add1, int add2, int add3, int mul0,
                   int mul1, int mul2, int mul3, q_ulong flags) {
-    drawQuad(*data, {dst, tex, clip, dstPitch, texPitch},
+    drawQuad(*data, {.dst = dst, .tex = tex, .clip = clip, .dstPitch = dstPitch, .texPitch = texPitch},
              {cornerOf(*p0, *t0, add0, mul0), cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2),
               cornerOf(*p3, *t3, add3, mul3)},
              olderChoice(flags));
@@ -146,7 +144,7 @@ void VKD_i3D_Blt_Rect(_PRIVATE_QMGL_DATA *data, q_ulong *dst, _POINT3DFLOAT *p0,
                       _POINT3DFLOAT *p3, q_ulong *tex, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2, _POINTINT *t3,
                       tagRECT *clip, q_ulong dstPitch, q_ulong texPitch, int add0, int add1, int add2, int add3,
                       int mul0, int mul1, int mul2, int mul3, q_ulong flags) {
-    drawQuad(*data, {dst, tex, clip, dstPitch, texPitch},
+    drawQuad(*data, {.dst = dst, .tex = tex, .clip = clip, .dstPitch = dstPitch, .texPitch = texPitch},
              {cornerOf(*p0, *t0, add0, mul0), cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2),
               cornerOf(*p3, *t3, add3, mul3)},
              pipelineChoice(flags));
@@ -155,19 +153,21 @@ void VKD_i3D_Blt_Rect(_PRIVATE_QMGL_DATA *data, q_ulong *dst, _POINT3DFLOAT *p0,
 void i3D_Blt_Tri(_PRIVATE_QM3D_DATA *data, q_ulong *dst, _POINT3DFLOAT *p0, _POINT3DFLOAT *p1, _POINT3DFLOAT *p2,
                  q_ulong *tex, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2, tagRECT *clip, q_ulong dstPitch,
                  q_ulong texPitch, int add0, int add1, int add2, int mul0, int mul1, int mul2, q_ulong flags) {
-    Triangle corners = sortedTriangle(p0->y, p1->y, p2->y, cornerOf(*p0, *t0, add0, mul0),
-                                      cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2));
+    // Meant: the rows are compared as they are given, and the third with what the others are in whole pixels.
+    Triangle<MappedColumn> corners = sortedTriangle(p0->y, p1->y, p2->y, cornerOf(*p0, *t0, add0, mul0),
+                                                    cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2));
     if (selectMapper(data->spanMapper, olderChoice(flags), corners))
-        mapBands(*data, {dst, tex, clip, dstPitch, texPitch}, corners);
+        mapBands(*data, {.dst = dst, .tex = tex, .clip = clip, .dstPitch = dstPitch, .texPitch = texPitch}, corners);
 }
 
 void VKD_i3D_Blt_Tri(_PRIVATE_QMGL_DATA *data, q_ulong *dst, _POINT3DFLOAT *p0, _POINT3DFLOAT *p1, _POINT3DFLOAT *p2,
                      q_ulong *tex, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2, tagRECT *clip, q_ulong dstPitch,
                      q_ulong texPitch, int add0, int add1, int add2, int mul0, int mul1, int mul2, q_ulong flags) {
-    Triangle corners = sortedTriangle(p0->y, p1->y, p2->y, cornerOf(*p0, *t0, add0, mul0),
-                                      cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2));
+    // Meant: the rows are compared as they are given, and the third with what the others are in whole pixels.
+    Triangle<MappedColumn> corners = sortedTriangle(p0->y, p1->y, p2->y, cornerOf(*p0, *t0, add0, mul0),
+                                                    cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2));
     // Meant: in any other mode the mapper of an earlier call draws.
     if ((flags & modeMask) == interpolatedLight)
         selectMapper(data->spanMapper, pipelineChoice(flags), corners);
-    mapBands(*data, {dst, tex, clip, dstPitch, texPitch}, corners);
+    mapBands(*data, {.dst = dst, .tex = tex, .clip = clip, .dstPitch = dstPitch, .texPitch = texPitch}, corners);
 }

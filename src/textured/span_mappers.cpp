@@ -27,7 +27,11 @@ struct Mapping {
 
 // The fraction bits differ from mapper to mapper, and with them the range of coordinates.
 constexpr Mapping olderLinearHPE = {16, Sampling::filtered, Light::interpolated, Depth::tested};
-constexpr Mapping olderLinearHPEKeySrc = {16, Sampling::filtered, Light::interpolated, Depth::tested, Key::zero};
+constexpr Mapping olderLinearHPEKeySrc = {.fractionBits = 16,
+                                          .sampling = Sampling::filtered,
+                                          .light = Light::interpolated,
+                                          .depth = Depth::tested,
+                                          .key = Key::zero};
 constexpr Mapping olderNearHPE = {18, Sampling::nearest, Light::interpolated, Depth::tested};
 constexpr Mapping olderLinearNoHPE = {18, Sampling::filtered, Light::flat, Depth::untested};
 constexpr Mapping olderNearNoHPE = {18, Sampling::nearest, Light::flat, Depth::untested};
@@ -36,84 +40,29 @@ constexpr Mapping pipelineLinearHPE = {14, Sampling::filtered, Light::interpolat
 // Meant: neither the near limit nor the 14 bits of its sibling.
 constexpr Mapping pipelineLinearHPEKeySrc = olderLinearHPEKeySrc;
 // Meant: red is the upper half of the texel, so that a top byte runs it full.
-constexpr Mapping pipelineNearHPE = {12,        Sampling::nearest, Light::interpolated, Depth::testedBehindNearLimit,
-                                     Key::none, Red::upperHalf};
+constexpr Mapping pipelineNearHPE = {.fractionBits = 12,
+                                     .sampling = Sampling::nearest,
+                                     .light = Light::interpolated,
+                                     .depth = Depth::testedBehindNearLimit,
+                                     .red = Red::upperHalf};
 
-/// Truncates toward zero. The least number over -1 wraps instead of trapping.
-constexpr int quotient(int value, int divisor) {
-    return divisor == -1 ? wrapSubtract(0, value) : value / divisor;
-}
-
-constexpr int oneIfZero(int value) {
-    return value == 0 ? 1 : value;
-}
-
-/// A number that grows by a step, in fixed point.
-struct Running {
-    int value;
-    int step;
-
-    void advance() { value = wrapAdd(value, step); }
-};
-
-constexpr Running startedAt(int start, int step, int steps) {
-    return {wrapAdd(start, wrapMultiply(steps, step)), step};
-}
-
-/// A quantity on the left and on the right edge at the row in hand.
-struct EdgePair {
-    Running left;
-    Running right;
-
-    void advance() {
-        left.advance();
-        right.advance();
-    }
-
-    /// The quantity along the row, `width` pixels long between the edges, from the pixel `skipped` behind its start on.
-    Running acrossRow(int width, int skipped) const {
-        return startedAt(left.value, quotient(wrapSubtract(right.value, left.value), width), skipped);
-    }
-};
-
-/// The quantities of a pixel, along a row: the depth, and side by side u, v, the multiplier and the highlight.
+/// What runs along a row but the column: the depth, and side by side u, v, the multiplier and the highlight.
 struct PixelWalk {
-    Running z;
+    int z;
+    int stepZ;
     Numbers<4> values;
     Numbers<4> steps;
 
+    explicit PixelWalk(const Running<MappedColumn> &from)
+        : z(from.value.z), stepZ(from.step.z), values(lanesOfColumn(from.value)), steps(lanesOfColumn(from.step)) {}
+
     void advance() {
-        z.advance();
+        z = wrapAdd(z, stepZ);
         values = values + steps;
     }
-};
 
-/// The same and the column, along both edges.
-struct EdgeWalk {
-    EdgePair x;
-    EdgePair u;
-    EdgePair v;
-    EdgePair z;
-    EdgePair add;
-    EdgePair mul;
-
-    void advance() {
-        x.advance();
-        u.advance();
-        v.advance();
-        z.advance();
-        add.advance();
-        mul.advance();
-    }
-
-    PixelWalk acrossRow(int width, int skipped) const {
-        const Running rowU = u.acrossRow(width, skipped);
-        const Running rowV = v.acrossRow(width, skipped);
-        const Running rowMul = mul.acrossRow(width, skipped);
-        const Running rowAdd = add.acrossRow(width, skipped);
-        return {z.acrossRow(width, skipped), Numbers<4>::of(rowU.value, rowV.value, rowMul.value, rowAdd.value),
-                Numbers<4>::of(rowU.step, rowV.step, rowMul.step, rowAdd.step)};
-    }
+private:
+    static Numbers<4> lanesOfColumn(const MappedColumn &c) { return Numbers<4>::of(c.u, c.v, c.mul, c.add); }
 };
 
 /// A filtered colour, lit with signed products.
@@ -145,7 +94,7 @@ template <Mapping mapping>
 void drawRow(q_ulong *dst, short *depths, Span pixels, PixelWalk walk, Scene scene) {
     constexpr int fractionBits = mapping.fractionBits;
     for (int x = pixels.begin; x < pixels.end; ++x, walk.advance()) {
-        const int depth = walk.z.value >> fractionBits;
+        const int depth = walk.z >> fractionBits;
         if constexpr (mapping.depth == Depth::testedBehindNearLimit) {
             if (depth <= scene.nearLimit)
                 continue;
@@ -184,53 +133,36 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
              int uL1, int uR0, int uR1, int vL0, int vL1, int vR0, int vR1, int xL0, int xL1, int xR0, int xR1, int yL0,
              int yL1, int yR0, int yR1, int addL0, int addL1, int addR0, int addR1, int mulL0, int mulL1, int mulR0,
              int mulR1, int zL0, int zL1, int zR0, int zR1) {
-    constexpr int fractionBits = mapping.fractionBits;
     constexpr bool testsDepth = mapping.depth != Depth::untested;
+    constexpr bool walksLight = mapping.light == Light::interpolated;
 
-    const Span columns = columnsOf(*clip);
-    const Span rows = intersection(intersection({yL0, yL1}, {yR0, yR1}), rowsOf(*clip));
-    if (rows.empty())
-        return;
-
-    // Each edge runs over its own height, whichever of its rows are drawn.
-    const auto edge = [rows](int value0, int value1, int y0, int y1) {
-        const int step = quotient(wrapSubtract(value1, value0) << fractionBits, oneIfZero(wrapSubtract(y1, y0)));
-        return startedAt(value0 << fractionBits, step, wrapSubtract(rows.begin, y0));
+    const auto corner = [](int x, int y, int u, int v, int z, int add, int mul) -> Corner<MappedColumn> {
+        return {y,
+                {.x = x,
+                 .u = u,
+                 .v = v,
+                 .z = testsDepth ? z : 0,
+                 .add = walksLight ? add : 0,
+                 .mul = walksLight ? mul : 0}};
     };
-    const auto edges = [=](int left0, int left1, int right0, int right1) {
-        return EdgePair{edge(left0, left1, yL0, yL1), edge(right0, right1, yR0, yR1)};
-    };
-    EdgeWalk walk = {};
-    walk.x = edges(xL0, xL1, xR0, xR1);
-    walk.u = edges(uL0, uL1, uR0, uR1);
-    walk.v = edges(vL0, vL1, vR0, vR1);
-    if constexpr (testsDepth)
-        walk.z = edges(zL0, zL1, zR0, zR1);
-    if constexpr (mapping.light == Light::interpolated) {
-        walk.add = edges(addL0, addL1, addR0, addR1);
-        walk.mul = edges(mulL0, mulL1, mulR0, mulR1);
-    }
-
-    Scene scene = {tex, asDistance(texPitch), Numbers<4>::all(static_cast<unsigned>(mulL0)),
-                   Numbers<4>::all(static_cast<unsigned>(addL0)), 0};
-    const Distance step = asDistance(dstPitch);
-    q_ulong *dstRow = dst + rows.begin * step;
-    short *depthRow = nullptr;
-    if constexpr (testsDepth)
-        depthRow = data->zBuffer + rows.begin * step;
+    Scene scene = {.tex = tex,
+                   .texPitch = asDistance(texPitch),
+                   .flatMul = Numbers<4>::all(static_cast<unsigned>(mulL0)),
+                   .flatAdd = Numbers<4>::all(static_cast<unsigned>(addL0)),
+                   .nearLimit = 0};
     if constexpr (mapping.depth == Depth::testedBehindNearLimit)
         scene.nearLimit = data->nearLimit;
+    const Distance step = asDistance(dstPitch);
+    short *const depths = testsDepth ? data->zBuffer : nullptr;
 
-    for (int y = rows.begin; y < rows.end; ++y, walk.advance(), dstRow += step) {
-        const int first = walk.x.left.value >> fractionBits;
-        const Span pixels = intersection({first, walk.x.right.value >> fractionBits}, columns);
-        if (!pixels.empty()) {
-            const int width = oneIfZero(wrapSubtract(walk.x.right.value, walk.x.left.value) >> fractionBits);
-            drawRow<mapping>(dstRow, depthRow, pixels, walk.acrossRow(width, pixels.begin - first), scene);
-        }
-        if constexpr (testsDepth)
-            depthRow += step;
-    }
+    forEachSteppedRow<mapping.fractionBits>(
+        Edge<MappedColumn>{corner(xL0, yL0, uL0, vL0, zL0, addL0, mulL0),
+                           corner(xL1, yL1, uL1, vL1, zL1, addL1, mulL1)},
+        Edge<MappedColumn>{corner(xR0, yR0, uR0, vR0, zR0, addR0, mulR0),
+                           corner(xR1, yR1, uR1, vR1, zR1, addR1, mulR1)},
+        windowOf(*clip), [=](int y, Span columns, const Running<MappedColumn> &walk) {
+            drawRow<mapping>(dst + y * step, testsDepth ? depths + y * step : nullptr, columns, PixelWalk(walk), scene);
+        });
 }
 
 } // namespace

@@ -4,9 +4,29 @@
 #ifndef Q_MUR_TEXTURED_SPAN_MAPPERS_H
 #define Q_MUR_TEXTURED_SPAN_MAPPERS_H
 
-#include "q_Mur/types.h"
+#include "walks/bands.h"
 
 namespace qmur {
+
+/// A column with its texel, depth and light.
+struct MappedColumn {
+    int x;
+    int u;
+    int v;
+    int z;
+    int add;
+    int mul;
+
+    template <class Operation, class... Columns>
+    static constexpr MappedColumn each(Operation operation, const Columns &...c) {
+        return {.x = operation(c.x...),
+                .u = operation(c.u...),
+                .v = operation(c.v...),
+                .z = operation(c.z...),
+                .add = operation(c.add...),
+                .mul = operation(c.mul...)};
+    }
+};
 
 extern const QM3DSpanMapper mapLinearHPE;        ///< filtered, light interpolated, Z plane tested
 extern const QM3DSpanMapper mapLinearHPEKeySrc;  ///< the same without pixels of which all texels are 0

@@ -25,6 +25,12 @@ constexpr bool staysIn32Bits(long long start, long long step, int count) {
 /// The part of `within`, a span from 0 on, in which `start + x * step` lies inside `bounds`, which must not be empty.
 /// The value must stay within 32 bits on the way.
 constexpr Span stretchInside(long long start, long long step, Bounds bounds, Span within) {
+    // As most walks do; it saves them the divisions.
+    const auto liesInside = [=](long long x) {
+        return bounds.low <= start + x * step && start + x * step < bounds.high;
+    };
+    if (liesInside(within.begin) && liesInside(within.end - 1LL))
+        return within;
     const auto ceilingOf = [](long long numerator, long long divisor) { // of their quotient; the divisor is above 0
         return numerator > 0 ? (numerator + divisor - 1) / divisor : -(-numerator / divisor);
     };
@@ -45,28 +51,44 @@ struct Track {
     Bounds bounds;
 };
 
-/// Calls `pixel(x, u, v)` for x from 0 up to, not including, `count` wherever both values lie within their bounds. If
-/// neither wraps on the way, the stretch inside is worked out first and walked without a test.
-template <class Pixel>
-void forEachInside(const Track &trackU, const Track &trackV, int count, Pixel pixel) {
-    if (count < 1 || trackU.bounds.empty() || trackV.bounds.empty())
+/// Calls `pixel(x, u, v)` for x from 0 up to, not including, `count` wherever both values lie within their bounds, and
+/// `outside(x)` elsewhere. If neither wraps on the way, the stretch inside is worked out first and walked without a
+/// test.
+template <class Pixel, class Outside>
+void forEachInside(const Track &trackU, const Track &trackV, int count, Pixel pixel, Outside outside) {
+    if (count < 1)
         return;
     const int stepU = trackU.step;
     const int stepV = trackV.step;
-    if (staysIn32Bits(trackU.start, stepU, count) && staysIn32Bits(trackV.start, stepV, count)) {
+    if (trackU.bounds.empty() || trackV.bounds.empty()) {
+        for (int x = 0; x < count; ++x)
+            outside(x);
+    } else if (staysIn32Bits(trackU.start, stepU, count) && staysIn32Bits(trackV.start, stepV, count)) {
         Span inside = stretchInside(trackU.start, stepU, trackU.bounds, {0, count});
         inside = stretchInside(trackV.start, stepV, trackV.bounds, inside);
+        for (int x = 0; x < inside.begin; ++x)
+            outside(x);
         int u = wrapAdd(trackU.start, wrapMultiply(stepU, inside.begin));
         int v = wrapAdd(trackV.start, wrapMultiply(stepV, inside.begin));
         for (int x = inside.begin; x < inside.end; ++x, u = wrapAdd(u, stepU), v = wrapAdd(v, stepV))
             pixel(x, u, v);
+        for (int x = inside.end; x < count; ++x)
+            outside(x);
     } else {
         int u = trackU.start;
         int v = trackV.start;
         for (int x = 0; x < count; ++x, u = wrapAdd(u, stepU), v = wrapAdd(v, stepV))
             if (trackU.bounds.contain(u) && trackV.bounds.contain(v))
                 pixel(x, u, v);
+            else
+                outside(x);
     }
+}
+
+/// The same with nothing outside.
+template <class Pixel>
+void forEachInside(const Track &trackU, const Track &trackV, int count, Pixel pixel) {
+    forEachInside(trackU, trackV, count, pixel, [](int) {});
 }
 
 /// The bounds of a fixed-point value whose whole part, moved by `offset`, lies from `first` up to, not including,

@@ -19,6 +19,9 @@ TEST(Arithmetic, wraps_around_like_the_low_32_bits_of_the_true_result) {
             EXPECT_EQ(qmur::wrapAdd(x, y), static_cast<std::int32_t>(a + b));
             EXPECT_EQ(qmur::wrapSubtract(x, y), static_cast<std::int32_t>(a - b));
             EXPECT_EQ(qmur::wrapMultiply(x, y), static_cast<std::int32_t>(a * b));
+            if (b != 0) {
+                EXPECT_EQ(qmur::wrapDivide(x, y), static_cast<std::int32_t>(a / b));
+            }
             EXPECT_EQ(qmur::smaller(x, y), a < b ? a : b);
             EXPECT_EQ(qmur::larger(x, y), a < b ? b : a);
         }
@@ -28,6 +31,7 @@ TEST(Arithmetic, wraps_at_the_ends_of_the_numbers) {
     EXPECT_EQ(qmur::wrapAdd(largest, 1), least);
     EXPECT_EQ(qmur::wrapSubtract(least, 1), largest);
     EXPECT_EQ(qmur::wrapMultiply(least, -1), least);
+    EXPECT_EQ(qmur::wrapDivide(least, -1), least);
     EXPECT_EQ(qmur::wrapMultiply(65536, 65536), 0);
     EXPECT_EQ(qmur::wrapMultiply(65536, 32768), least);
 }
