@@ -36,7 +36,7 @@ public:
 private:
     q_ulong weightAt(int square) const {
         const int fromCircle = wrapSubtract(iSqrt[square >> 2], circle);
-        const int fromEdge = wrapSubtract(halfWidth, fromCircle < 0 ? wrapSubtract(0, fromCircle) : fromCircle);
+        const int fromEdge = wrapSubtract(halfWidth, magnitudeOf(fromCircle));
         return static_cast<q_ulong>(wrapMultiply(fromEdge, inverse) >> 16);
     }
 

@@ -19,12 +19,11 @@ struct LineEnd {
 };
 
 unsigned lengthOf(int difference) {
-    return difference < 0 ? 0U - static_cast<unsigned>(difference) : static_cast<unsigned>(difference);
+    return static_cast<unsigned>(magnitudeOf(difference));
 }
 
-/// Divided in 64 bits: the least number over -1 would trap in 32.
 int slope(int difference, int length) {
-    return static_cast<int>(static_cast<long long>(difference << fractionBits) / length);
+    return quotient(difference << fractionBits, length);
 }
 
 /// The destination and its Z plane, as a line walks over them.

@@ -11,8 +11,7 @@ constexpr int fractionBits = 15;
 
 /// Source pixels for one destination pixel.
 int stepOf(int srcExtent, int dstExtent) {
-    // Divided in 64 bits: the least number over -1 would trap in 32.
-    return static_cast<int>(static_cast<long long>(srcExtent << fractionBits) / dstExtent);
+    return quotient(srcExtent << fractionBits, dstExtent);
 }
 
 } // namespace

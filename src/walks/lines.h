@@ -15,9 +15,7 @@ struct Axis {
     Distance stride; ///< pixels from one coordinate to the next
 
     constexpr int difference() const { return wrapSubtract(second, first); }
-    constexpr unsigned extent() const {
-        return difference() < 0 ? 0U - static_cast<unsigned>(difference()) : static_cast<unsigned>(difference());
-    }
+    constexpr unsigned extent() const { return static_cast<unsigned>(magnitudeOf(difference())); }
 };
 
 struct Line {

@@ -65,10 +65,6 @@ constexpr Window squareUpTo(int radius) {
     return {{-radius, radius}, {-radius, radius}};
 }
 
-constexpr int magnitudeOf(int offset) {
-    return offset < 0 ? -offset : offset;
-}
-
 /// The greatest h with h * h + rowSquare at most `limit`; -1 if there is none.
 inline int halfChord(int limit, int rowSquare) {
     if (limit < rowSquare)

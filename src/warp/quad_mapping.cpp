@@ -10,23 +10,13 @@ namespace {
 
 using namespace qmur;
 
-/// Divided in 64 bits: the least number over -1 would trap in 32.
-int divided(int value, long long divisor) {
-    return static_cast<int>(value / divisor);
-}
-
 /// The source step of a stretch of `length` destination pixels. A length that wrapped would step out of the source.
 int stepOver(int scaledExtent, long long length) {
-    return divided(scaledExtent, length == 0 ? 1 : length);
+    return quotient(scaledExtent, oneIfZero(length));
 }
 
 constexpr long long lengthOf(Span span) {
     return static_cast<long long>(span.end) - span.begin;
-}
-
-int differenceOrOne(int a, int b) {
-    const int difference = wrapSubtract(a, b);
-    return difference == 0 ? 1 : difference;
 }
 
 } // namespace
@@ -134,11 +124,11 @@ SourceWalk sourceWalkOf(int orientation, int i, int pitch, int width, int height
     case 0:
         return {i * stride, 1};
     case 1:
-        return {width - 1 - static_cast<Distance>(divided(wrapMultiply(i, width), height)), stride};
+        return {width - 1 - static_cast<Distance>(quotient(wrapMultiply(i, width), height)), stride};
     case 2:
         return {(height - 1 - i) * stride + width - 1, -1};
     default:
-        return {(height - 1) * stride + divided(wrapMultiply(i, width), height), -stride};
+        return {(height - 1) * stride + quotient(wrapMultiply(i, width), height), -stride};
     }
 }
 
@@ -190,8 +180,8 @@ void iPsudoBilinearMapping(q_ulong *dst, q_ulong *src, q_ulong *scratch, int pit
     const int lastColumn = smaller(width, maxX);
     for (int x = larger(minX, 0); x < lastColumn; ++x) {
         const auto edgeAt = [x](Corner from, Corner to) {
-            return wrapAdd(divided(wrapMultiply(wrapSubtract(x, from.x), wrapSubtract(to.y, from.y)),
-                                   differenceOrOne(to.x, from.x)),
+            return wrapAdd(quotient(wrapMultiply(wrapSubtract(x, from.x), wrapSubtract(to.y, from.y)),
+                                    oneIfZero(wrapSubtract(to.x, from.x))),
                            from.y);
         };
         const Span covered = {edgeAt(p0, p1), edgeAt(p3, p2)};
@@ -247,12 +237,12 @@ void drawTrapezoid(q_ulong *dst, const q_ulong *source, const Trapezoid &shape, 
     const Span walked = intersection(shape.lines, shape.clipLines);
     for (int line = walked.begin; line < walked.end; ++line) {
         const int t = wrapSubtract(line, shape.lines.begin);
-        const int first = wrapAdd(divided(wrapMultiply(t, shape.firstSlope), lines), shape.firstStart);
-        const int second = wrapAdd(divided(wrapMultiply(t, shape.secondSlope), lines), shape.secondStart);
+        const int first = wrapAdd(quotient(wrapMultiply(t, shape.firstSlope), lines), shape.firstStart);
+        const int second = wrapAdd(quotient(wrapMultiply(t, shape.secondSlope), lines), shape.secondStart);
         const int step = stepOver(shape.sourceExtent << 18, lengthOf({first, second}));
         // Meant: the source line is counted from the source rectangle's corner, so its own start counts twice.
         const int sourceLine = wrapAdd(
-            divided(wrapMultiply(wrapSubtract(shape.sourceEnd, shape.sourceStart), t), lines), shape.sourceStart);
+            quotient(wrapMultiply(wrapSubtract(shape.sourceEnd, shape.sourceStart), t), lines), shape.sourceStart);
         const Span inner = intersection({first, second}, shape.clipInner);
         const q_ulong *const from = source + sourceLine * shape.outerStride;
         q_ulong *const to = dst + line * shape.outerStride;

@@ -35,11 +35,6 @@ Span clippedWalk(int low, int high, Span clip) {
     return {first > clip.end ? wrapSubtract(clip.end, 1) : first, smaller(last, clip.end)};
 }
 
-/// Divided in 64 bits: the least number over -1 would trap in 32.
-int dividedBy(int value, int divisor) {
-    return static_cast<int>(static_cast<long long>(value) / divisor);
-}
-
 Rotation rotationOf(const tagRECT &clipRect, const tagRECT &srcRect, int centreX, int centreY, float angle,
                     float scale) {
     const int width = widthOf(srcRect);
@@ -70,8 +65,8 @@ Rotation rotationOf(const tagRECT &clipRect, const tagRECT &srcRect, int centreX
         const int divisor = larger(wrapSubtract(rotation.columns.end, rotation.columns.begin), 1);
         rotation.rowStartU = leftU;
         rotation.rowStartV = leftV;
-        rotation.stepU = dividedBy(wrapSubtract(rightU, leftU), divisor);
-        rotation.stepV = dividedBy(wrapSubtract(rightV, leftV), divisor);
+        rotation.stepU = quotient(wrapSubtract(rightU, leftU), divisor);
+        rotation.stepV = quotient(wrapSubtract(rightV, leftV), divisor);
         return rotation;
     });
 }
