@@ -132,9 +132,7 @@ Disc discAround(int cx, int cy, int size, int width, int height) {
     const int left = wrapSubtract(cx, radius);
     const int top = wrapSubtract(cy, radius);
     const Window square = {{left, wrapAdd(left, size)}, {top, wrapAdd(top, size)}};
-    const Window surface = windowOf(width, height);
-    return {
-        left, top, radius, {intersection(square.columns, surface.columns), intersection(square.rows, surface.rows)}};
+    return {left, top, radius, square.within(windowOf(width, height))};
 }
 
 /// Calls `draw(y, columns)` for every row, with the columns whose squared distance is at most `squaredReach`.

@@ -10,10 +10,6 @@ namespace {
 
 using namespace qmur;
 
-constexpr bool contains(Span span, int value) {
-    return span.begin <= value && value < span.end;
-}
-
 /// Fills the shades of a tube from its centre outwards: white to the colour over the first half, the colour to black
 /// over the second. Meant: a single shade is of the second half, and black.
 void fillShades(q_ulong *shades, int count, q_ulong colour) {
@@ -67,7 +63,7 @@ void DDLine_Fat(q_ulong *surface, tagRECT *clip, int pitch, int x1, int y1, int 
     const int count = wrapAdd(halfWidth, 1);
     const Line line = lineBetween(x1, y1, x2, y2, pitch, windowOf(*clip));
     // Meant: a first end outside along the major axis drops the whole line.
-    if (count < 1 || !contains(line.major.clip, line.major.first))
+    if (count < 1 || !line.major.clip.contains(line.major.first))
         return;
     const std::unique_ptr<q_ulong, decltype(&std::free)> table(
         static_cast<q_ulong *>(std::calloc(static_cast<std::size_t>(count), sizeof(q_ulong))), &std::free);
@@ -89,7 +85,7 @@ void DDLine_Fat(q_ulong *surface, tagRECT *clip, int pitch, int x1, int y1, int 
     };
     drawSection(line.major.first, line.minor.first);
     forEachStep(line, [=](int major, int minor) {
-        if (contains(line.major.clip, major))
+        if (line.major.clip.contains(major))
             drawSection(major, minor);
     });
 }
@@ -129,7 +125,7 @@ void iLineAddSome(q_ulong *surface, int pitch, int x1, int y1, int x2, int y2, q
     ColourRamp fade = {fadeOf(colour >> 16), fadeOf(greenOf(colour)), fadeOf(blueOf(colour))};
     // Meant: the first end is not drawn; the pixel after it gets the whole colour.
     forEachStep(line, [&](int major, int minor) {
-        if (contains(line.major.clip, major) && contains(line.minor.clip, minor)) {
+        if (line.major.clip.contains(major) && line.minor.clip.contains(minor)) {
             q_ulong &d = surface[line.indexOf(major, minor)];
             d = added(fade.red, redOf(d)) << 16 | added(fade.green, greenOf(d)) << 8 | added(fade.blue, blueOf(d));
         }

@@ -47,13 +47,13 @@ void Draw_Outer_Ellipse_NoFillInside(q_ulong *surface, int pitch, tagRECT *clip,
 void Draw_Outer_Ellipse_AlphaFast(q_ulong *surface, int pitch, tagRECT *clip, tagRECT *box, int, q_ulong colour) {
     const OuterEllipse ellipse = outerEllipseOf(*box);
     const Window window = windowOf(*clip);
-    if (window.columns.empty() || window.rows.empty())
+    if (window.empty())
         return;
     const Centre centre = {surface, pitch, ellipse.x, ellipse.y};
     const Window offsets = offsetsFrom(centre, window);
     const auto mixRun = [&](Span run, int dy) {
         const Span columns = intersection(run, offsets.columns);
-        if (columns.empty() || dy < offsets.rows.begin || dy >= offsets.rows.end)
+        if (columns.empty() || !offsets.rows.contains(dy))
             return;
         q_ulong *const first = centre.pixel(columns.begin, dy);
         for (int i = 0; i < columns.length(); ++i)

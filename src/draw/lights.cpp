@@ -14,7 +14,7 @@ void addLight(const Centre &centre, const Window &offsets, int radius, q_ulong c
         const int half = tableHalfChord(radiusSquare - dy * dy);
         return Span{-half, half};
     };
-    forEachRun(centre, intersection(squareUpTo(radius), offsets), chord, [=](q_ulong *first, Span columns, int dy) {
+    forEachRun(centre, squareUpTo(radius).within(offsets), chord, [=](q_ulong *first, Span columns, int dy) {
         const int chordSquare = radiusSquare - dy * dy;
         addRun<8>(first, columns, colour,
                   [=](int dx) { return static_cast<q_ulong>(chordSquare - dx * dx) * scale >> 19; });

@@ -29,7 +29,7 @@ public:
     void forEachPixel(const Centre &centre, const Window &offsets, Pixel pixel) const {
         if (reach < 0)
             return;
-        forEachInRing(centre, intersection(squareThrough(reach), offsets), lowSquare, highSquare,
+        forEachInRing(centre, squareThrough(reach).within(offsets), lowSquare, highSquare,
                       [&pixel, band = *this](q_ulong &d, int square) { pixel(d, band.weightAt(square)); });
     }
 

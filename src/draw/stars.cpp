@@ -35,7 +35,7 @@ void addStar(const Centre &centre, const Window &offsets, const Star &star) {
         const int half = star.halfChordAt(dy);
         return Span{-half, half};
     };
-    forEachRun(centre, intersection(squareUpTo(star.radius), offsets), chord,
+    forEachRun(centre, squareUpTo(star.radius).within(offsets), chord,
                [&star](q_ulong *first, Span columns, int dy) { star.addRow(first, columns, dy); });
 }
 

@@ -70,7 +70,7 @@ bool mixByRows(const Pictures &pictures, const Strip &strip, tagPOINT fixedPoint
     const int offset = wrapSubtract(static_cast<int>(fixedPoint.y), band);
     const int count = columns.length();
     constexpr Bounds plain = {-(1 << 29), 1 << 29}; // sums of any two and a whole part stay within 32 bits
-    if (columns.empty() || count < 1 || band < 1 || !plain.contain(offset) || !plain.contain(band) ||
+    if (columns.empty() || count < 1 || band < 1 || !plain.contains(offset) || !plain.contains(band) ||
         !staysIn32Bits(position, slope, count))
         return false;
     const int firstStart = (position >> 15) + offset;

@@ -55,7 +55,7 @@ void drawLine(const Canvas &canvas, LineEnd a, LineEnd b, Span alongLimits, Span
     for (int along = walk.begin; along < walk.end;
          ++along, across = wrapAdd(across, acrossSlope), depth = wrapAdd(depth, depthSlope)) {
         const int position = across >> fractionBits;
-        if (position < acrossLimits.begin || position >= acrossLimits.end)
+        if (!acrossLimits.contains(position))
             continue;
         const int z = depth >> fractionBits;
         const auto fraction = static_cast<q_ulong>(across & 255);

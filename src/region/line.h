@@ -21,7 +21,7 @@ struct Pen {
     Element value;
 
     void dot(int x, int y) const {
-        if (x >= clip.columns.begin && x < clip.columns.end && y >= clip.rows.begin && y < clip.rows.end)
+        if (clip.contains(x, y))
             *pixelAt(plane, pitch, x, y) = value;
     }
 };

@@ -41,14 +41,13 @@ inline Placement placedAt(const Surfaces &surfaces, Distance dstX, Distance dstY
 /// True for a span that stands for pixels. A negative extent near the least number gives one whose end has come round
 /// to the largest: its length does not.
 constexpr bool coversPixels(Span span) {
-    return !span.empty() && wrapSubtract(span.end, span.begin) > 0;
+    return !span.empty() && span.length() > 0;
 }
 
 /// The part within `window` of a `target` whose corner shows the source pixel (srcX, srcY).
 inline Placement placedWithin(const Surfaces &surfaces, const Window &target, Distance srcX, Distance srcY,
                               const Window &window) {
-    const Span columns = intersection(target.columns, window.columns);
-    const Span rows = intersection(target.rows, window.rows);
+    const auto [columns, rows] = target.within(window);
     if (!coversPixels(target.columns) || !coversPixels(target.rows) || columns.empty() || rows.empty())
         return {};
     return {pixelAt(surfaces.dst, surfaces.dstPitch, columns.begin, rows.begin),

@@ -77,8 +77,7 @@ ScaledWalk<Position> scaledWithin(const Window &window, q_ulong *dst, Distance d
                                   const q_ulong *src, Distance srcPitch, const tagRECT &srcRect) {
     const int width = widthOf(dstRect);
     const int height = heightOf(dstRect);
-    const Span columns = intersection(columnsOf(dstRect), window.columns);
-    const Span rows = intersection(rowsOf(dstRect), window.rows);
+    const auto [columns, rows] = windowOf(dstRect).within(window);
     if (width < 1 || height < 1 || columns.empty() || rows.empty())
         return {};
     const Position stepX = Position::step(widthOf(srcRect), width);

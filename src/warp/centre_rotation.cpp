@@ -254,12 +254,11 @@ void mapBack(const Scene &scene, int fractionBits, int before, int beyond, Pixel
         rows = {smaller(rows.begin, corner.y), larger(rows.end, corner.y)};
     }
     // Meant: the last column and the last row, of the clip as of the figure, are left out.
-    const Span clipColumns = columnsOf(clipRect);
-    const Span clipRows = rowsOf(clipRect);
-    if (clipColumns.empty() || clipRows.empty())
+    const Window clip = windowOf(clipRect);
+    if (clip.empty())
         return;
-    columns = intersection(columns, {clipColumns.begin, clipColumns.end - 1});
-    rows = intersection(rows, {clipRows.begin, clipRows.end - 1});
+    columns = intersection(columns, {clip.columns.begin, clip.columns.end - 1});
+    rows = intersection(rows, {clip.rows.begin, clip.rows.end - 1});
     if (columns.empty() || rows.empty())
         return;
 

@@ -99,7 +99,7 @@ struct Scene {
     float angle;
     float scale;
 
-    bool empty() const { return scale == 0.0F || columnsOf(clipRect).empty() || rowsOf(clipRect).empty(); }
+    bool empty() const { return scale == 0.0F || windowOf(clipRect).empty(); }
     int srcCentreX() const { return wrapAdd(static_cast<int>(srcRect.left), static_cast<int>(srcRect.right)) >> 1; }
     int srcCentreY() const { return wrapAdd(static_cast<int>(srcRect.top), static_cast<int>(srcRect.bottom)) >> 1; }
 };
