@@ -1,3 +1,4 @@
+#include "base/pixel.h"
 #include "text.h"
 
 #include <fontconfig/fontconfig.h>
@@ -183,7 +184,7 @@ private:
 class FreeTypeText {
 public:
     FreeTypeText(const char *text, q_ulong colour, int fontHeight, const char *fontName)
-        : pixels(nullptr, std::free), red(colour & 0xFF), green(colour >> 8 & 0xFF), blue(colour >> 16 & 0xFF) {
+        : pixels(nullptr, std::free), inkColour(pixelOf(blueOf(colour), greenOf(colour), redOf(colour))) {
         if (!text || !*text)
             return;
         Font font(fontName);
@@ -245,17 +246,15 @@ private:
         if (x < 0 || x >= width || y < 0 || y >= height)
             return;
         q_ulong &pixel = *pixelAt(pixels.get(), width, x, y);
-        const auto mixed = [&pixel, coverage](q_ulong channel, int shift) {
-            const q_ulong before = pixel >> shift & 0xFF;
-            return (before + (channel - before) * coverage / 255) << shift;
-        };
-        pixel = mixed(red, 16) | mixed(green, 8) | mixed(blue, 0);
+        pixel =
+            channelwise([coverage](q_ulong before, q_ulong full) { return before + (full - before) * coverage / 255; },
+                        pixel, inkColour);
     }
 
     std::unique_ptr<q_ulong, void (*)(void *)> pixels;
     int width = 0;
     int height = 0;
-    q_ulong red, green, blue;
+    q_ulong inkColour; ///< the text's colour, whose red and blue change places here
 };
 
 } // namespace

@@ -9,20 +9,21 @@ namespace {
 
 using namespace qmur;
 
-// A word of the resource: the light on the surface, the tint and the highlight.
+// A word of the resource has the highlight in the place of red, the tint in that of green, and the light on the surface
+// in that of blue.
 
-constexpr q_ulong lightOf(q_ulong word) {
-    return word & 0xFF;
+constexpr q_ulong highlightOf(q_ulong word) {
+    return redOf(word);
 }
 constexpr q_ulong tintOf(q_ulong word) {
-    return word >> 8 & 0xFF;
+    return greenOf(word);
 }
-constexpr q_ulong highlightOf(q_ulong word) {
-    return word >> 16 & 0xFF;
+constexpr q_ulong lightOf(q_ulong word) {
+    return blueOf(word);
 }
 
 constexpr q_ulong resourceWord(int light, int tint, int highlight) {
-    return static_cast<q_ulong>(light) | static_cast<q_ulong>(tint) << 8 | static_cast<q_ulong>(highlight) << 16;
+    return pixelOf(static_cast<q_ulong>(highlight), static_cast<q_ulong>(tint), static_cast<q_ulong>(light));
 }
 
 constexpr int squaredDistance(int dx, int dy) {

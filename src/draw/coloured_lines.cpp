@@ -23,7 +23,7 @@ void fillShades(q_ulong *shades, int count, q_ulong colour) {
     };
     // Meant: red and blue change places.
     const auto exchanged = [colour](auto shade, int i) {
-        return shade(blueOf(colour), i) << 16 | shade(greenOf(colour), i) << 8 | shade(redOf(colour), i);
+        return pixelOf(shade(blueOf(colour), i), shade(greenOf(colour), i), shade(redOf(colour), i));
     };
     for (int i = 0; i < half; ++i)
         shades[i] = exchanged(towardsColour, i);
@@ -102,12 +102,12 @@ void DDLine_Color_Change(q_ulong *surface, int pitch, int x1, int y1, int x2, in
     };
     const auto byteOf = [](const Ramp &ramp) { return static_cast<q_ulong>(ramp.change / 65536 + ramp.start) & 0xFF; };
     // Meant: red is the colours' whole upper halves, so a top byte bends its change.
-    ColourRamp ramp = {rampBetween(colour1 >> 16, colour2 >> 16), rampBetween(greenOf(colour1), greenOf(colour2)),
-                       rampBetween(blueOf(colour1), blueOf(colour2))};
+    ColourRamp ramp = {rampBetween(upperHalfOf(colour1), upperHalfOf(colour2)),
+                       rampBetween(greenOf(colour1), greenOf(colour2)), rampBetween(blueOf(colour1), blueOf(colour2))};
     forEachStep(line, [&](int major, int minor) {
         // Meant: written before it grows, so the second pixel repeats the first colour and the second colour is never
         // quite reached.
-        surface[line.indexOf(major, minor)] = byteOf(ramp.red) << 16 | byteOf(ramp.green) << 8 | byteOf(ramp.blue);
+        surface[line.indexOf(major, minor)] = pixelOf(byteOf(ramp.red), byteOf(ramp.green), byteOf(ramp.blue));
         ramp.advance();
     });
 }
@@ -122,12 +122,12 @@ void iLineAddSome(q_ulong *surface, int pitch, int x1, int y1, int x2, int y2, q
         return cappedAt255(static_cast<q_ulong>(fade.start - (fade.change >> 16)) + old);
     };
     // Meant: the colour's red is its whole upper half, the pixel's is a byte.
-    ColourRamp fade = {fadeOf(colour >> 16), fadeOf(greenOf(colour)), fadeOf(blueOf(colour))};
+    ColourRamp fade = {fadeOf(upperHalfOf(colour)), fadeOf(greenOf(colour)), fadeOf(blueOf(colour))};
     // Meant: the first end is not drawn; the pixel after it gets the whole colour.
     forEachStep(line, [&](int major, int minor) {
         if (line.major.clip.contains(major) && line.minor.clip.contains(minor)) {
             q_ulong &d = surface[line.indexOf(major, minor)];
-            d = added(fade.red, redOf(d)) << 16 | added(fade.green, greenOf(d)) << 8 | added(fade.blue, blueOf(d));
+            d = pixelOf(added(fade.red, redOf(d)), added(fade.green, greenOf(d)), added(fade.blue, blueOf(d)));
         }
         fade.advance();
     });

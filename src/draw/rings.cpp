@@ -57,8 +57,7 @@ void Draw_Anti_Aliasing_Circle_NoFillInside(q_ulong *surface, int pitch, int cx,
     const auto blend = [colour](q_ulong &d, q_ulong weight) {
         const auto mixed = [weight](q_ulong old, q_ulong c) { return mixture256(old, c, weight) >> 8; };
         // Meant: red is blended together with the top byte, which fades instead of being cleared.
-        d = mixed(d >> 16, colour >> 16) << 16 | mixed(greenOf(d), greenOf(colour)) << 8 |
-            mixed(blueOf(d), blueOf(colour));
+        d = upperHalfChannelwise(mixed, d, colour);
     };
     const Centre centre = {surface, pitch, cx, cy};
     const Band band(radius, thickness);

@@ -7,16 +7,13 @@
 namespace qmur {
 namespace {
 
-/// Capped at 255. A channel below 0 stays as it is and runs into those above it.
-q_ulong litChannel(q_ulong channel, VertexLight light) {
-    const q_ulong scaledChannel = channel * static_cast<q_ulong>(light.multiplier) >> 8;
-    return static_cast<q_ulong>(smaller(wrapAdd(static_cast<int>(scaledChannel), light.highlight), 255));
-}
-
-/// Meant: red is taken with the top byte.
+/// Capped at 255. A channel below 0 stays as it is and runs into those above it. Meant: red is taken with the top byte.
 q_ulong litColour(q_ulong colour, VertexLight light) {
-    return litChannel(colour >> 16, light) << 16 | litChannel(greenOf(colour), light) << 8 |
-           litChannel(blueOf(colour), light);
+    const auto lit = [light](q_ulong channel) {
+        const q_ulong product = channel * static_cast<q_ulong>(light.multiplier) >> 8;
+        return static_cast<q_ulong>(smaller(wrapAdd(static_cast<int>(product), light.highlight), 255));
+    };
+    return upperHalfChannelwise(lit, colour);
 }
 
 } // namespace

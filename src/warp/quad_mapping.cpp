@@ -222,11 +222,10 @@ struct Brightness {
 
     q_ulong of(q_ulong pixel) const {
         // As unsigned numbers, so that what falls below 0 is capped as well.
-        const auto capped = [](q_ulong value) { return value > 255 ? q_ulong{255} : value; };
-        const q_ulong red = ((pixel >> 16) * scale >> 8) + add;
+        const q_ulong red = (upperHalfOf(pixel) * scale >> 8) + add;
         const q_ulong green = ((pixel & greenMask) * scale >> 16) + add;
         const q_ulong blue = ((pixel & blueMask) * scale >> 8) + add;
-        return capped(red) << 16 | capped(green) << 8 | capped(blue);
+        return pixelOf(cappedAt255(red), cappedAt255(green), cappedAt255(blue));
     }
 };
 
