@@ -1,10 +1,9 @@
+#include "base/scratch.h"
 #include "blending.h"
 #include "q_Mur/draw.h"
 #include "walks/lines.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 
 namespace {
 
@@ -65,9 +64,8 @@ void DDLine_Fat(q_ulong *surface, tagRECT *clip, int pitch, int x1, int y1, int 
     // Meant: a first end outside along the major axis drops the whole line.
     if (count < 1 || !line.major.clip.contains(line.major.first))
         return;
-    const std::unique_ptr<q_ulong, decltype(&std::free)> table(
-        static_cast<q_ulong *>(std::calloc(static_cast<std::size_t>(count), sizeof(q_ulong))), &std::free);
-    q_ulong *const shades = table.get();
+    const Scratch<q_ulong> table(count);
+    q_ulong *const shades = table.data();
     if (!shades)
         return;
     fillShades(shades, count, colour);

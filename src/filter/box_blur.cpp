@@ -1,8 +1,7 @@
 #include "base/pixel.h"
+#include "base/scratch.h"
 #include "base/surface.h"
 #include "q_Mur/filter.h"
-
-#include <cstdlib>
 
 namespace {
 
@@ -248,9 +247,8 @@ void Blur_Rect(q_ulong *surface, tagRECT *rect, int pitch, int radius) {
     const int height = heightOf(*rect);
     if (radius < 0 || width < 1 || height < 1 || radius > width / 2 || radius > height / 2)
         return;
-    auto *const scratch =
-        static_cast<q_ulong *>(std::malloc(static_cast<std::size_t>(width) * height * sizeof(q_ulong)));
-    if (!scratch)
+    const Scratch<q_ulong> blurred(static_cast<long long>(width) * height);
+    if (!blurred)
         return;
     q_ulong *const first = pixelAt(surface, pitch, rect->left, rect->top);
     // At the edges the mean is a true division, which the reciprocal of the middle does not always reach.
@@ -258,9 +256,8 @@ void Blur_Rect(q_ulong *surface, tagRECT *rect, int pitch, int radius) {
         return [divisor = static_cast<q_ulong>(count)](const ColourSums &sums) { return sums.dividedBy(divisor); };
     };
     const SlidingWindow window = {radius, radius};
-    blurRows<ColourSums>({scratch, width, first, pitch, width, height}, window, edgeMean);
-    blurColumns<ColourSums>({first, pitch, scratch, width, width, height}, window, edgeMean);
-    std::free(scratch);
+    blurRows<ColourSums>({blurred.data(), width, first, pitch, width, height}, window, edgeMean);
+    blurColumns<ColourSums>({first, pitch, blurred.data(), width, width, height}, window, edgeMean);
 }
 
 void Hor_Blur(q_ulong *dst, q_ulong *src, int blurSize, int width, int height, int pitch) {

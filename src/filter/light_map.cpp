@@ -1,30 +1,12 @@
+#include "base/scratch.h"
 #include "base/vector.h"
 #include "base/wide.h"
 #include "distance_field.h"
 #include "q_Mur/filter.h"
 
-#include <cstdlib>
-
 namespace {
 
 using namespace qmur;
-
-/// Memory of one call, zeroed; empty if there is none to be had.
-template <class Element>
-class Scratch {
-public:
-    explicit Scratch(Distance count)
-        : elements(static_cast<Element *>(std::calloc(static_cast<std::size_t>(count), sizeof(Element)))) {}
-    ~Scratch() { std::free(elements); }
-    Scratch(const Scratch &) = delete;
-    Scratch &operator=(const Scratch &) = delete;
-
-    explicit operator bool() const { return elements != nullptr; }
-    Element *data() const { return elements; }
-
-private:
-    Element *elements;
-};
 
 /// A rectangle of a surface that is turned into a relief: what is not 0 is the shape.
 struct Shape {
@@ -57,7 +39,8 @@ struct Shape {
 class HeightPlane {
 public:
     explicit HeightPlane(const Shape &shape)
-        : elements((shape.height + 2) * (shape.pitch + 2)), first(elements.data() + shape.pitch + 3) {}
+        : elements(Scratch<float>::zeroed((shape.height + 2) * (shape.pitch + 2))),
+          first(elements.data() + shape.pitch + 3) {}
 
     explicit operator bool() const { return static_cast<bool>(elements); }
     float &operator[](Distance index) const { return first[index]; }
@@ -70,7 +53,7 @@ private:
 /// The ring numbers of the shape's pixels; see findRings().
 class Rings {
 public:
-    explicit Rings(const Shape &shape) : numbers(shape.wordCount()) {
+    explicit Rings(const Shape &shape) : numbers(Scratch<int>::zeroed(shape.wordCount())) {
         if (!numbers)
             return;
         // A block that starts inside a row ends inside the row behind the rectangle, which need not exist: it is read
@@ -87,11 +70,11 @@ public:
 
     /// False if there is no memory, or no black word from which a ring could be counted.
     explicit operator bool() const { return numbers && found; }
-    int operator[](Distance index) const { return numbers.data()[index]; }
+    int operator[](Distance index) const { return numbers[index]; }
 
     int largestOf(const Shape &shape) const {
         int largest = 0;
-        shape.forEachPixel([&](Distance index) { largest = larger(largest, numbers.data()[index]); });
+        shape.forEachPixel([&](Distance index) { largest = larger(largest, numbers[index]); });
         return largest;
     }
 
@@ -100,7 +83,7 @@ private:
     bool searchesReach(const Shape &shape, Distance first) const {
         bool reached = false;
         shape.forEachPixel([&](Distance index) {
-            const Distance ring = numbers.data()[index];
+            const Distance ring = numbers[index];
             // The topmost row of the square that reaches as far as `first`.
             const Distance missing = first - (index + ring);
             Distance dy = missing > 0 ? (missing + shape.pitch - 1) / shape.pitch : missing / shape.pitch;
@@ -134,8 +117,8 @@ bool raiseByRings(const Shape &shape, const HeightPlane &heights, HeightOf heigh
     if (!heightOfRing)
         return false;
     for (int ring = 1; ring <= largest; ++ring)
-        heightOfRing.data()[ring] = heightOf(wrapMultiply(ring, ring));
-    shape.forEachPixel([&](Distance index) { heights[index] = heightOfRing.data()[rings[index]]; });
+        heightOfRing[ring] = heightOf(wrapMultiply(ring, ring));
+    shape.forEachPixel([&](Distance index) { heights[index] = heightOfRing[rings[index]]; });
     return true;
 }
 
@@ -182,7 +165,7 @@ bool smoothSource(const Shape &shape, const HeightPlane &heights, const HeightPl
     const Distance count = shape.wordCount();
     const Distance rowSumCount = count + 2 * static_cast<Distance>(reach);
     const Scratch<Wide> rowSums(rowSumCount);
-    const Scratch<Wide> columnSums(shape.pitch);
+    const auto columnSums = Scratch<Wide>::zeroed(shape.pitch);
     if (!rowSums || !columnSums)
         return false;
     const int side = wrapAdd(wrapMultiply(2, reach), 1);
@@ -192,14 +175,14 @@ bool smoothSource(const Shape &shape, const HeightPlane &heights, const HeightPl
     Wide running = 0;
     for (Distance i = 0; i < rowSumCount; ++i) { // the sum around index i - reach
         running += heightAt(i);
-        rowSums.data()[i] = running;
+        rowSums[i] = running;
         running -= heightAt(i - 2 * static_cast<Distance>(reach));
     }
     const auto addRow = [&](Distance y, Wide sign) {
         for (Distance x = 0; x < shape.pitch; ++x) {
             const Distance i = y * shape.pitch + x + reach;
             if (i >= 0 && i < rowSumCount)
-                columnSums.data()[x] += sign * rowSums.data()[i];
+                columnSums[x] += sign * rowSums[i];
         }
     };
     // Rows above the block reach into it with their windows as well.
@@ -209,7 +192,7 @@ bool smoothSource(const Shape &shape, const HeightPlane &heights, const HeightPl
         addRow(y + reach, 1);
         for (Distance x = 0; x < shape.width; ++x)
             if (shape.words[y * shape.pitch + x] != 0)
-                smoothed[y * shape.pitch + x] = static_cast<float>(columnSums.data()[x] * scale);
+                smoothed[y * shape.pitch + x] = static_cast<float>(columnSums[x] * scale);
         addRow(y - reach, -1);
     }
     return true;

@@ -1,12 +1,11 @@
 #include "base/sampling.h"
+#include "base/scratch.h"
 #include "base/wide.h"
 #include "q_Mur/math3d.h"
 #include "q_Mur/warp.h"
 #include "walks/stretch.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 
 namespace {
 
@@ -89,14 +88,7 @@ struct WholeTracing {
 /// The crossings of a figure's edges, in one allocation.
 class EdgeTable {
 public:
-    explicit EdgeTable(long long capacity)
-        : entries(capacity > 0 && capacity <= largest ? static_cast<EdgeCrossing *>(std::malloc(
-                                                            static_cast<std::size_t>(capacity) * sizeof(EdgeCrossing)))
-                                                      : nullptr),
-          room(entries ? capacity : 0) {}
-    ~EdgeTable() { std::free(entries); }
-    EdgeTable(const EdgeTable &) = delete;
-    EdgeTable &operator=(const EdgeTable &) = delete;
+    explicit EdgeTable(long long capacity) : entries(capacity), room(entries ? capacity : 0) {}
 
     /// Adds one crossing for each row of an edge, its lowest row left out when it goes down and its highest when it
     /// goes up: a corner's row counts once.
@@ -122,7 +114,7 @@ public:
     template <class Draw>
     void forEachSpan(Draw span) {
         // A stable order makes crossings with equal keys the same on every platform.
-        std::stable_sort(entries, entries + count, [](const EdgeCrossing &a, const EdgeCrossing &b) {
+        std::stable_sort(entries.data(), entries.data() + count, [](const EdgeCrossing &a, const EdgeCrossing &b) {
             return static_cast<unsigned>(a.sortKey) < static_cast<unsigned>(b.sortKey);
         });
         for (long long i = 0; i < count - 1;) {
@@ -138,10 +130,7 @@ public:
     }
 
 private:
-    /// What a table can hold at most; its bytes must be countable.
-    static constexpr long long largest = PTRDIFF_MAX / sizeof(EdgeCrossing);
-
-    EdgeCrossing *entries;
+    Scratch<EdgeCrossing> entries;
     long long room;
     long long count = 0;
 };
