@@ -143,7 +143,8 @@ bool raiseByLimitedSearch(const Shape &shape, const HeightPlane &heights, int ha
 }
 
 /// Replaces each height of the shape by the mean over the 5 by 5 square around it, wherever that lies in the block.
-void smoothBlock(const Shape &shape, const HeightPlane &heights, const HeightPlane &smoothed) {
+/// Always succeeds.
+bool smoothBlock(const Shape &shape, const HeightPlane &heights, const HeightPlane &smoothed) {
     const Distance count = shape.wordCount();
     shape.forEachPixel([&](Distance index) {
         Wide sum = 0;
@@ -155,6 +156,7 @@ void smoothBlock(const Shape &shape, const HeightPlane &heights, const HeightPla
             }
         smoothed[index] = static_cast<float>(sum * 0.04);
     });
+    return true;
 }
 
 /// The same over a square of 2 `reach` + 1 on a side, with running sums, which are exact: heights are floats of 1 and
@@ -267,90 +269,98 @@ void storeLight(const Shape &shape, WordOf wordOf) {
         }
 }
 
-constexpr float blockLight = 0.7F;
+/// The light of the block forms, and their word: the highlight above, the diffuse light below, neither limited.
+struct BlockForm {
+    static Light light() { return {0.7F, 0.7F, -0.7F, 256}; }
 
-/// The word of the block forms: the highlight above, the diffuse light below, neither limited.
-q_ulong blockWord(const Light &light, const _POINT3DFLOAT &normal) {
-    return static_cast<q_ulong>(light.specular(normal)) << 16 | static_cast<q_ulong>(light.diffuse(normal) + 100);
+    static q_ulong word(const Light &light, const _POINT3DFLOAT &normal) {
+        return static_cast<q_ulong>(light.specular(normal)) << 16 | static_cast<q_ulong>(light.diffuse(normal) + 100);
+    }
+};
+
+/// The light of the source form, and its word: slopes, highlight and diffuse light, a byte each. Meant: the sign of a
+/// negative slope in y covers the slope in x.
+struct SourceForm {
+    static Light light() { return {1, 1, -1, 512}; }
+
+    static q_ulong word(const Light &light, const _POINT3DFLOAT &normal) {
+        int word = truncateToInt(64 * static_cast<Wide>(normal.x));
+        word = word << 8 | truncateToInt(64 * static_cast<Wide>(normal.y));
+        word = word << 8 | smaller(light.specular(normal), 255);
+        word = word << 8 | smaller(light.diffuse(normal) + 100, 255);
+        return static_cast<q_ulong>(word);
+    }
+};
+
+/// Turns the shape in a rectangle into light. `raise(shape, heights)` sets its heights and `smooth(shape, heights,
+/// smoothed)` takes their means; either may say that it could not, and the picture stays as it is.
+template <class Form, auto normalAt, class Raise, class Smooth>
+void convert(q_ulong *surface, const tagRECT &rect, int pitch, int heightScale, Raise raise, Smooth smooth) {
+    const Shape shape(surface, rect, pitch);
+    if (shape.empty())
+        return;
+    const HeightPlane heights(shape);
+    const HeightPlane smoothed(shape);
+    if (!heights || !smoothed)
+        return;
+    atFullWidth([&] {
+        if (!raise(shape, heights) || !smooth(shape, heights, smoothed))
+            return;
+        const Relief relief(shape, smoothed, heightScale);
+        const Light light = Form::light();
+        storeLight(shape, [&](Distance x, Distance y) { return Form::word(light, (relief.*normalAt)(x, y)); });
+    });
 }
 
-/// The word of the source form: slopes, highlight and diffuse light, a byte each. Meant: the sign of a negative slope
-/// in y covers the slope in x.
-q_ulong sourceWord(const Light &light, const _POINT3DFLOAT &normal) {
-    int word = truncateToInt(64 * static_cast<Wide>(normal.x));
-    word = word << 8 | truncateToInt(64 * static_cast<Wide>(normal.y));
-    word = word << 8 | smaller(light.specular(normal), 255);
-    word = word << 8 | smaller(light.diffuse(normal) + 100, 255);
-    return static_cast<q_ulong>(word);
+/// The height of the source form over a squared ring number.
+float profileHeight(int distanceSquare, int profile, int half) {
+    const Wide distance = squareRoot(distanceSquare);
+    switch (profile) {
+    case 0:
+        return static_cast<float>(distance + distance);
+    case 1:
+        return static_cast<float>(distanceSquare * 0.5L);
+    case 2: {
+        const auto full = static_cast<float>(wrapMultiply(2, half));
+        return static_cast<float>(distance < full ? squareRoot((full - distance) * distance) : half);
+    }
+    default:
+        return 0;
+    }
 }
 
 } // namespace
 
 void ConvertBlock2LightInfom(q_ulong *surface, tagRECT *rect, int pitch, int heightScale, int bevelSize, int,
                              int limit) {
-    const Shape shape(surface, *rect, pitch);
-    if (shape.empty())
-        return;
-    const HeightPlane heights(shape);
-    const HeightPlane smoothed(shape);
-    if (!heights || !smoothed)
-        return;
-    atFullWidth([&, half = bevelSize >> 1] {
-        if (!raiseByLimitedSearch(shape, heights, half, limit))
-            return;
-        smoothBlock(shape, heights, smoothed);
-        const Relief relief(shape, smoothed, heightScale);
-        const Light light(blockLight, blockLight, -blockLight, 256);
-        storeLight(shape, [&](Distance x, Distance y) { return blockWord(light, relief.edgeNormal(x, y)); });
-    });
+    const int half = bevelSize >> 1;
+    convert<BlockForm, &Relief::edgeNormal>(
+        surface, *rect, pitch, heightScale,
+        [=](const Shape &shape, const HeightPlane &heights) {
+            return raiseByLimitedSearch(shape, heights, half, limit);
+        },
+        smoothBlock);
 }
 
 void ConvertBlock2LightInfom(q_ulong *surface, tagRECT *rect, int pitch, int heightScale, int bevelSize, int) {
-    const Shape shape(surface, *rect, pitch);
-    if (shape.empty())
-        return;
-    const HeightPlane heights(shape);
-    const HeightPlane smoothed(shape);
-    if (!heights || !smoothed)
-        return;
-    atFullWidth([&, half = bevelSize >> 1] {
-        if (!raiseByRings(shape, heights, [half](int distanceSquare) { return roundedHeight(distanceSquare, half); }))
-            return;
-        smoothBlock(shape, heights, smoothed);
-        const Relief relief(shape, smoothed, heightScale);
-        const Light light(blockLight, blockLight, -blockLight, 256);
-        storeLight(shape, [&](Distance x, Distance y) { return blockWord(light, relief.diagonalNormal(x, y)); });
-    });
+    const int half = bevelSize >> 1;
+    convert<BlockForm, &Relief::diagonalNormal>(
+        surface, *rect, pitch, heightScale,
+        [=](const Shape &shape, const HeightPlane &heights) {
+            return raiseByRings(shape, heights, [half](int square) { return roundedHeight(square, half); });
+        },
+        smoothBlock);
 }
 
 void ConvertSrc2LightInfom(q_ulong *surface, tagRECT *rect, int pitch, int heightScale, int bevelSize, int profile) {
-    const Shape shape(surface, *rect, pitch);
-    if (shape.empty())
-        return;
-    const HeightPlane heights(shape);
-    const HeightPlane smoothed(shape);
-    if (!heights || !smoothed)
-        return;
-    atFullWidth([&, half = bevelSize >> 1, reach = bevelSize / 8] {
-        const bool raised = raiseByRings(shape, heights, [half, profile](int distanceSquare) {
-            const Wide distance = squareRoot(distanceSquare);
-            switch (profile) {
-            case 0:
-                return static_cast<float>(distance + distance);
-            case 1:
-                return static_cast<float>(distanceSquare * 0.5L);
-            case 2: {
-                const auto full = static_cast<float>(wrapMultiply(2, half));
-                return static_cast<float>(distance < full ? squareRoot((full - distance) * distance) : half);
-            }
-            default:
-                return 0.0F;
-            }
+    const int half = bevelSize >> 1;
+    const int reach = bevelSize / 8;
+    convert<SourceForm, &Relief::edgeNormal>(
+        surface, *rect, pitch, heightScale,
+        [=](const Shape &shape, const HeightPlane &heights) {
+            return raiseByRings(shape, heights, [=](int square) { return profileHeight(square, profile, half); });
+        },
+        [reach](const Shape &shape, const HeightPlane &heights, const HeightPlane &smoothed) {
+            return smoothSource(shape, heights, smoothed, reach);
         });
-        if (!raised || !smoothSource(shape, heights, smoothed, reach))
-            return;
-        const Relief relief(shape, smoothed, heightScale);
-        const Light light(1, 1, -1, 512);
-        storeLight(shape, [&](Distance x, Distance y) { return sourceWord(light, relief.edgeNormal(x, y)); });
-    });
 }
