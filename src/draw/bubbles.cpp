@@ -1,9 +1,9 @@
 #include "base/pixel.h"
 #include "base/surface.h"
+#include "base/vector.h"
 #include "base/wide.h"
 #include "q_Mur/draw.h"
 #include "q_Mur/frame.h"
-#include "q_Mur/math3d.h"
 
 namespace {
 
@@ -37,12 +37,7 @@ public:
 
     /// The normal of the facet between a point and its neighbours to the left and above.
     _POINT3DFLOAT normalAt(int dx, int dy) const {
-        _POINT3DFLOAT point = surfacePoint(dx, dy);
-        _POINT3DFLOAT left = surfacePoint(dx - 1, dy);
-        _POINT3DFLOAT above = surfacePoint(dx, dy - 1);
-        _POINT3DFLOAT normal = {};
-        fBubSun(&normal, &point, &left, &above);
-        return normal;
+        return faceNormal(surfacePoint(dx, dy), surfacePoint(dx - 1, dy), surfacePoint(dx, dy - 1));
     }
 
     static int light(const _POINT3DFLOAT &normal) {

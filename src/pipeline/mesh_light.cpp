@@ -1,7 +1,6 @@
 #include "mesh_light.h"
 
 #include "base/pixel.h"
-#include "q_Mur/math3d.h"
 #include "walks/lighting.h"
 
 namespace qmur {
@@ -22,8 +21,7 @@ bool lightColours(const _POINT3DFLOAT *points, q_ulong *colours, int columns, in
                   const _POINT3D &ambient, float specular, int shininess) {
     if (columns < 2 || rows < 2)
         return false;
-    _POINT3D ambientVector = ambient;
-    const int squares = iDot_Product(&ambientVector, &ambientVector);
+    const int squares = dotProduct(ambient, ambient);
     const int ambientLevel = atFullWidth([=] { return truncateToInt(squareRoot(squares)); });
     const int specularLevel = truncateToInt(specular * 256);
     lightVertices(points, columns, rows, light, ambientLevel, specularLevel, shininess,

@@ -1,7 +1,7 @@
 #include "base/surface.h"
+#include "base/vector.h"
 #include "base/wide.h"
 #include "glint.h"
-#include "q_Mur/math3d.h"
 #include "q_Mur/textured.h"
 
 namespace {
@@ -90,7 +90,7 @@ private:
 };
 
 int ambientLevel(_POINT3D *colour) {
-    const auto squares = static_cast<float>(iDot_Product(colour, colour));
+    const auto squares = static_cast<float>(dotProduct(*colour, *colour));
     return atFullWidth([squares] { return truncateToInt(squareRoot(squares)); });
 }
 
@@ -215,7 +215,7 @@ void VKD_Render_Texture_3D(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *tex,
         return;
     forEachCell(scene.mesh, *texRect, [&](const Cell &cell) {
         _POINT3DFLOAT *const corner = points + cell.vertex;
-        if (IsFront(corner, corner + 1, corner + cols + 1))
+        if (atFullWidth([=] { return facesFront(corner[0], corner[1], corner[cols + Distance{1}]); }))
             drawQuad(scene, cell, scene.frontTexels(tex, cell), cell.width, interpolatedLight);
         else
             drawQuad(scene, cell, scene.backTexels(backTex, cell), wrapSubtract(0, cell.width), interpolatedLight);

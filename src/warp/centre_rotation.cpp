@@ -1,7 +1,7 @@
+#include "base/rotation.h"
 #include "base/sampling.h"
 #include "base/scratch.h"
 #include "base/wide.h"
-#include "q_Mur/math3d.h"
 #include "q_Mur/warp.h"
 #include "walks/stretch.h"
 
@@ -17,7 +17,7 @@ struct Point {
 
     Point turnedAbout(Point centre, unsigned short angle) const {
         Point turned = *this;
-        iRotate3DByZ(&turned.x, &turned.y, angle, centre.x, centre.y);
+        turnAbout(turned.x, turned.y, TableTurn(angle), centre.x, centre.y);
         return turned;
     }
 };
