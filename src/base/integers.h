@@ -22,22 +22,22 @@ constexpr int wrapMultiply(int a, int b) {
     return static_cast<int>(static_cast<unsigned>(a) * static_cast<unsigned>(b));
 }
 
+/// Truncates toward zero. The least number over -1 wraps, where the processor would trap.
+constexpr int wrapDivide(int a, int b) {
+    return b == -1 ? wrapSubtract(0, a) : a / b;
+}
+
+constexpr int wrapDivide(int a, long long b) {
+    return static_cast<int>(a / b);
+}
+
+constexpr q_ulong wrapDivide(q_ulong a, q_ulong b) {
+    return a / b;
+}
+
 /// The magnitude of a number. That of the least int does not fit: it wraps to the least int itself.
 constexpr int magnitudeOf(int value) {
     return value < 0 ? wrapSubtract(0, value) : value;
-}
-
-/// Truncated toward zero. The least int over -1 wraps, where the processor would trap.
-constexpr int quotient(int value, int divisor) {
-    return divisor == -1 ? wrapSubtract(0, value) : value / divisor;
-}
-
-constexpr int quotient(int value, long long divisor) {
-    return static_cast<int>(value / divisor);
-}
-
-constexpr q_ulong quotient(q_ulong value, q_ulong divisor) {
-    return value / divisor;
 }
 
 /// A divisor, 1 standing in for 0.

@@ -31,7 +31,7 @@ OuterEllipse outerEllipseOf(const tagRECT &box) {
     const int halfWidth = width >> 19;
     return {wrapAdd(static_cast<int>(box.left), static_cast<int>(box.right)) >> 1,
             wrapAdd(static_cast<int>(box.top), static_cast<int>(box.bottom)) >> 1, halfWidth,
-            (height >> 18) * halfWidth / (width >> 18), quotient(widthOf(box) << 20, heightOf(box))};
+            (height >> 18) * halfWidth / (width >> 18), wrapDivide(widthOf(box) << 20, heightOf(box))};
 }
 
 } // namespace

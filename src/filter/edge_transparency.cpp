@@ -70,7 +70,7 @@ bool mixByRows(const Pictures &pictures, const Strip &strip, tagPOINT fixedPoint
     const int offset = wrapSubtract(static_cast<int>(fixedPoint.y), band);
     const int count = columns.length();
     constexpr Bounds plain = {-(1 << 29), 1 << 29}; // sums of any two and a whole part stay within 32 bits
-    if (columns.empty() || count < 1 || band < 1 || !plain.contains(offset) || !plain.contains(band) ||
+    if (columns.empty() || count < 1 || band < 1 || !plain.contain(offset) || !plain.contain(band) ||
         !staysIn32Bits(position, slope, count))
         return false;
     const int firstStart = (position >> 15) + offset;
@@ -127,7 +127,7 @@ void Edge_Transparency(q_ulong *out, q_ulong *imageA, q_ulong *imageB, tagPOINT 
 
     const q_ulong *const high = swapImages ? imageA : imageB;
     const q_ulong *const low = swapImages ? imageB : imageA;
-    const Strip strip = {quotient(rise << 15, run), direction.band, 16777216 / extent};
+    const Strip strip = {wrapDivide(rise << 15, run), direction.band, 16777216 / extent};
     const Span clipRowsButLast = {clipRows.begin, clipRows.end - 1};
 
     // Meant: either walk includes its last column and leaves out its last row.

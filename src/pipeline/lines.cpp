@@ -23,7 +23,7 @@ unsigned lengthOf(int difference) {
 }
 
 int slope(int difference, int length) {
-    return quotient(difference << fractionBits, length);
+    return wrapDivide(difference << fractionBits, length);
 }
 
 /// The destination and its Z plane, as a line walks over them.

@@ -12,7 +12,7 @@ constexpr int fractionBits = 15;
 
 /// Source pixels for one destination pixel.
 int stepOf(int srcExtent, int dstExtent) {
-    return quotient(srcExtent << fractionBits, dstExtent);
+    return wrapDivide(srcExtent << fractionBits, dstExtent);
 }
 
 } // namespace

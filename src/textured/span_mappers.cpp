@@ -39,6 +39,15 @@ constexpr Mapping pipelineLinearHPEKeySrc = olderLinearHPEKeySrc;
 constexpr Mapping pipelineNearHPE = {12,        Sampling::nearest, Light::interpolated, Depth::testedBehindNearLimit,
                                      Key::none, Red::upperHalf};
 
+/// Truncates toward zero. The least number over -1 wraps instead of trapping.
+constexpr int quotient(int value, int divisor) {
+    return divisor == -1 ? wrapSubtract(0, value) : value / divisor;
+}
+
+constexpr int oneIfZero(int value) {
+    return value == 0 ? 1 : value;
+}
+
 /// A number that grows by a step, in fixed point.
 struct Running {
     int value;

@@ -24,7 +24,7 @@ struct FixedPoint {
     /// Source pixels for one destination pixel; the destination extent must not be 0.
     static constexpr FixedPoint step(int srcExtent, int dstExtent) {
         const auto scaled = static_cast<Integer>(static_cast<q_ulong>(srcExtent) << fractionBits);
-        return {static_cast<q_ulong>(quotient(scaled, static_cast<Integer>(dstExtent)))};
+        return {static_cast<q_ulong>(wrapDivide(scaled, static_cast<Integer>(dstExtent)))};
     }
 };
 

@@ -13,7 +13,7 @@ struct Bounds {
     long long high;
 
     constexpr bool empty() const { return low >= high; }
-    constexpr bool contains(long long value) const { return low <= value && value < high; }
+    constexpr bool contain(int value) const { return low <= value && value < high; }
 };
 
 /// Whether `start + x * step` stays within 32 bits for x from 0 up to, not including, `count`.
@@ -32,7 +32,7 @@ constexpr Span stretchInside(long long start, long long step, Bounds bounds, Spa
         return static_cast<int>(x < within.begin ? within.begin : x > within.end ? within.end : x);
     };
     if (step == 0)
-        return bounds.contains(start) ? within : Span{within.begin, within.begin};
+        return bounds.low <= start && start < bounds.high ? within : Span{within.begin, within.begin};
     if (step > 0)
         return {bounded(ceilingOf(bounds.low - start, step)), bounded(ceilingOf(bounds.high - start, step))};
     return {bounded(ceilingOf(start - bounds.high + 1, -step)), bounded(ceilingOf(start - bounds.low + 1, -step))};
@@ -64,7 +64,7 @@ void forEachInside(const Track &trackU, const Track &trackV, int count, Pixel pi
         int u = trackU.start;
         int v = trackV.start;
         for (int x = 0; x < count; ++x, u = wrapAdd(u, stepU), v = wrapAdd(v, stepV))
-            if (trackU.bounds.contains(u) && trackV.bounds.contains(v))
+            if (trackU.bounds.contain(u) && trackV.bounds.contain(v))
                 pixel(x, u, v);
     }
 }

@@ -130,7 +130,7 @@ void drawLine(const Walk &walk, int outer, const ShownLine &line) {
         int position = start;
         for (int x = 0; x < count; ++x, index += stride, position = wrapAdd(position, step)) {
             const int source = axis.sourceAt(position);
-            if (axis.source.contains(source))
+            if (axis.source.contain(source))
                 dst[index] = line.source[source * axis.sourceStride];
             else
                 outside.store(dst, index, stride, 1);
@@ -309,7 +309,7 @@ void turn(const TwoFaces &faces, double angle, double scale, double perspective)
         auto [line, step] = SourceLine::at(outer, reach.turn, faces.destCentre.outer, faces.pivot);
         if (reach.backView && faces.front == faces.back)
             line = wrapSubtract(faces.srcOuter.end, line);
-        if (!outerBounds.contains(line) || faces.srcInner.empty())
+        if (!outerBounds.contain(line) || faces.srcInner.empty())
             return ShownLine{};
         if (showsColour)
             return ShownLine{&faces.backColour, step, true};
@@ -380,7 +380,7 @@ void turnFrame(const WholeFrame &frame, double angle, double scale, double persp
     drawLines(walk, {face.end, frame.outerExtent}, byRows, margin);
     drawLines(walk, face, byRows, [&](int outer) {
         const auto [line, step] = SourceLine::at(outer, frameTurn.turn, outerHalf, outerHalf);
-        if (!outerBounds.contains(line) || innerBounds.empty())
+        if (!outerBounds.contain(line) || innerBounds.empty())
             return ShownLine{};
         return ShownLine{frame.src + line * frame.srcStrides.outer, step, true};
     });

@@ -144,7 +144,7 @@ void drawSpan(q_ulong *dst, Distance dstPitch, const tagRECT &clip, const EdgeCr
         return;
     const int extent = wrapSubtract(b.destX, a.destX);
     const auto step = [extent, shift](int from, int to) {
-        return quotient(wrapSubtract(to, from) << shift, oneIfZero(extent));
+        return wrapDivide(wrapSubtract(to, from) << shift, oneIfZero(extent));
     };
     const int stepU = step(a.sourceU, b.sourceU);
     const int stepV = step(a.sourceV, b.sourceV);

@@ -12,7 +12,7 @@ using namespace qmur;
 
 /// The source step of a stretch of `length` destination pixels. A length that wrapped would step out of the source.
 int stepOver(int scaledExtent, long long length) {
-    return quotient(scaledExtent, oneIfZero(length));
+    return wrapDivide(scaledExtent, oneIfZero(length));
 }
 
 constexpr long long lengthOf(Span span) {
@@ -124,11 +124,11 @@ SourceWalk sourceWalkOf(int orientation, int i, int pitch, int width, int height
     case 0:
         return {i * stride, 1};
     case 1:
-        return {width - 1 - static_cast<Distance>(quotient(wrapMultiply(i, width), height)), stride};
+        return {width - 1 - static_cast<Distance>(wrapDivide(wrapMultiply(i, width), height)), stride};
     case 2:
         return {(height - 1 - i) * stride + width - 1, -1};
     default:
-        return {(height - 1) * stride + quotient(wrapMultiply(i, width), height), -stride};
+        return {(height - 1) * stride + wrapDivide(wrapMultiply(i, width), height), -stride};
     }
 }
 
@@ -180,8 +180,8 @@ void iPsudoBilinearMapping(q_ulong *dst, q_ulong *src, q_ulong *scratch, int pit
     const int lastColumn = smaller(width, maxX);
     for (int x = larger(minX, 0); x < lastColumn; ++x) {
         const auto edgeAt = [x](Corner from, Corner to) {
-            return wrapAdd(quotient(wrapMultiply(wrapSubtract(x, from.x), wrapSubtract(to.y, from.y)),
-                                    oneIfZero(wrapSubtract(to.x, from.x))),
+            return wrapAdd(wrapDivide(wrapMultiply(wrapSubtract(x, from.x), wrapSubtract(to.y, from.y)),
+                                      oneIfZero(wrapSubtract(to.x, from.x))),
                            from.y);
         };
         const Span covered = {edgeAt(p0, p1), edgeAt(p3, p2)};
@@ -236,12 +236,12 @@ void drawTrapezoid(q_ulong *dst, const q_ulong *source, const Trapezoid &shape, 
     const Span walked = intersection(shape.lines, shape.clipLines);
     for (int line = walked.begin; line < walked.end; ++line) {
         const int t = wrapSubtract(line, shape.lines.begin);
-        const int first = wrapAdd(quotient(wrapMultiply(t, shape.firstSlope), lines), shape.firstStart);
-        const int second = wrapAdd(quotient(wrapMultiply(t, shape.secondSlope), lines), shape.secondStart);
+        const int first = wrapAdd(wrapDivide(wrapMultiply(t, shape.firstSlope), lines), shape.firstStart);
+        const int second = wrapAdd(wrapDivide(wrapMultiply(t, shape.secondSlope), lines), shape.secondStart);
         const int step = stepOver(shape.sourceExtent << 18, lengthOf({first, second}));
         // Meant: the source line is counted from the source rectangle's corner, so its own start counts twice.
         const int sourceLine = wrapAdd(
-            quotient(wrapMultiply(wrapSubtract(shape.sourceEnd, shape.sourceStart), t), lines), shape.sourceStart);
+            wrapDivide(wrapMultiply(wrapSubtract(shape.sourceEnd, shape.sourceStart), t), lines), shape.sourceStart);
         const Span inner = intersection({first, second}, shape.clipInner);
         const q_ulong *const from = source + sourceLine * shape.outerStride;
         q_ulong *const to = dst + line * shape.outerStride;

@@ -65,8 +65,8 @@ Rotation rotationOf(const tagRECT &clipRect, const tagRECT &srcRect, int centreX
         const int divisor = larger(wrapSubtract(rotation.columns.end, rotation.columns.begin), 1);
         rotation.rowStartU = leftU;
         rotation.rowStartV = leftV;
-        rotation.stepU = quotient(wrapSubtract(rightU, leftU), divisor);
-        rotation.stepV = quotient(wrapSubtract(rightV, leftV), divisor);
+        rotation.stepU = wrapDivide(wrapSubtract(rightU, leftU), divisor);
+        rotation.stepV = wrapDivide(wrapSubtract(rightV, leftV), divisor);
         return rotation;
     });
 }

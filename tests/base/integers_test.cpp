@@ -39,13 +39,13 @@ TEST(Arithmetic, quotients_truncate_toward_zero_and_wrap_instead_of_trapping) {
             if (b == 0)
                 continue;
             const auto expected = static_cast<std::int32_t>(a / b);
-            EXPECT_EQ(qmur::quotient(static_cast<int>(a), static_cast<int>(b)), expected);
-            EXPECT_EQ(qmur::quotient(static_cast<int>(a), static_cast<long long>(b)), expected);
+            EXPECT_EQ(qmur::wrapDivide(static_cast<int>(a), static_cast<int>(b)), expected);
+            EXPECT_EQ(qmur::wrapDivide(static_cast<int>(a), static_cast<long long>(b)), expected);
         }
-    EXPECT_EQ(qmur::quotient(least, -1), least);
-    EXPECT_EQ(qmur::quotient(-7, 2), -3);
-    EXPECT_EQ(qmur::quotient(least, 1LL << 32), 0);
-    EXPECT_EQ(qmur::quotient(q_ulong{0xFFFFFFFF}, q_ulong{2}), q_ulong{0x7FFFFFFF});
+    EXPECT_EQ(qmur::wrapDivide(least, -1), least);
+    EXPECT_EQ(qmur::wrapDivide(-7, 2), -3);
+    EXPECT_EQ(qmur::wrapDivide(least, 1LL << 32), 0);
+    EXPECT_EQ(qmur::wrapDivide(q_ulong{0xFFFFFFFF}, q_ulong{2}), q_ulong{0x7FFFFFFF});
 }
 
 TEST(Arithmetic, only_a_divisor_of_0_is_replaced) {
