@@ -254,7 +254,11 @@ void DrawRealBubble(q_ulong *surface, q_ulong *scratch, int pitch, int cx, int c
                     int resourceSize, q_ulong color, int width, int height) {
     if (size < 1)
         return;
-    const Scene scene = {surface, pitch, width, height, discAround(cx, cy, size, width, height)};
+    const Scene scene = {.surface = surface,
+                         .pitch = pitch,
+                         .width = width,
+                         .height = height,
+                         .disc = discAround(cx, cy, size, width, height)};
     refract(scene, StretchedResource<18>(resource, resourceSize, resourceSize, size), size, color, scratch);
     scene.forEachRow([=, next = scratch](int y, Span columns) mutable {
         q_ulong *const row = surface + y * scene.pitch;
@@ -275,7 +279,11 @@ void DrawRealBubbleOld(q_ulong *surface, q_ulong *scratch, int pitch, int cx, in
                        int resourceSize, q_ulong color, int width, int height) {
     if (size < 1)
         return;
-    const Scene scene = {surface, pitch, width, height, discAround(cx, cy, size, width, height)};
+    const Scene scene = {.surface = surface,
+                         .pitch = pitch,
+                         .width = width,
+                         .height = height,
+                         .disc = discAround(cx, cy, size, width, height)};
     // Meant: the resource's rows are as long as the surface's.
     refract(scene, StretchedResource<16>(resource, pitch, resourceSize, size), size, color, scratch);
     scene.forEachRow([=, next = scratch](int y, Span columns) mutable {

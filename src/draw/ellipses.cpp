@@ -27,11 +27,13 @@ OuterEllipse outerEllipseOf(const tagRECT &box) {
     const int width = wrapMultiply(widthOf(box), halfRoot);
     const int height = wrapMultiply(heightOf(box), halfRoot);
     if (heightOf(box) == 0 || width >> 18 == 0)
-        return {0, 0, -1, -1, 0};
+        return {.x = 0, .y = 0, .halfWidth = -1, .halfHeight = -1, .ratio = 0};
     const int halfWidth = width >> 19;
-    return {wrapAdd(static_cast<int>(box.left), static_cast<int>(box.right)) >> 1,
-            wrapAdd(static_cast<int>(box.top), static_cast<int>(box.bottom)) >> 1, halfWidth,
-            (height >> 18) * halfWidth / (width >> 18), wrapDivide(widthOf(box) << 20, heightOf(box))};
+    return {.x = wrapAdd(static_cast<int>(box.left), static_cast<int>(box.right)) >> 1,
+            .y = wrapAdd(static_cast<int>(box.top), static_cast<int>(box.bottom)) >> 1,
+            .halfWidth = halfWidth,
+            .halfHeight = (height >> 18) * halfWidth / (width >> 18),
+            .ratio = wrapDivide(widthOf(box) << 20, heightOf(box))};
 }
 
 } // namespace

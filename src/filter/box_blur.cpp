@@ -195,8 +195,11 @@ void blurRows(const Pictures &pictures, SlidingWindow window, Edge edgeMean) {
 template <class Sums, class Edge>
 void blurColumns(const Pictures &pictures, SlidingWindow window, Edge edgeMean) {
     for (int x = 0; x < pictures.width; x += Columns<Sums>::most) {
-        Columns<Sums> columns = {pictures.dst + x, pictures.dstPitch, pictures.src + x, pictures.srcPitch,
-                                 smaller(pictures.width - x, Columns<Sums>::most)};
+        Columns<Sums> columns = {.dst = pictures.dst + x,
+                                 .dstPitch = pictures.dstPitch,
+                                 .src = pictures.src + x,
+                                 .srcPitch = pictures.srcPitch,
+                                 .count = smaller(pictures.width - x, Columns<Sums>::most)};
         slide(columns, pictures.height, window, edgeMean);
     }
 }
@@ -229,7 +232,8 @@ void blurHorizontally(q_ulong *dst, const q_ulong *src, int blurSize, int width,
     if (height < 1 || !holdsWindow(blurSize))
         return;
     const ReciprocalBlur blur(blurSize);
-    blurRows<Sums>({dst, pitch, src, pitch, width, height}, blur.window, blur.edgeMean());
+    blurRows<Sums>({.dst = dst, .dstPitch = pitch, .src = src, .srcPitch = pitch, .width = width, .height = height},
+                   blur.window, blur.edgeMean());
 }
 
 template <class Sums>
@@ -237,7 +241,8 @@ void blurVertically(q_ulong *dst, const q_ulong *src, int blurSize, int width, i
     if (width < 1 || !holdsWindow(blurSize))
         return;
     const ReciprocalBlur blur(blurSize);
-    blurColumns<Sums>({dst, pitch, src, pitch, width, height}, blur.window, blur.edgeMean());
+    blurColumns<Sums>({.dst = dst, .dstPitch = pitch, .src = src, .srcPitch = pitch, .width = width, .height = height},
+                      blur.window, blur.edgeMean());
 }
 
 } // namespace
@@ -256,8 +261,12 @@ void Blur_Rect(q_ulong *surface, tagRECT *rect, int pitch, int radius) {
         return [divisor = static_cast<q_ulong>(count)](const ColourSums &sums) { return sums.dividedBy(divisor); };
     };
     const SlidingWindow window = {radius, radius};
-    blurRows<ColourSums>({blurred.data(), width, first, pitch, width, height}, window, edgeMean);
-    blurColumns<ColourSums>({first, pitch, blurred.data(), width, width, height}, window, edgeMean);
+    blurRows<ColourSums>(
+        {.dst = blurred.data(), .dstPitch = width, .src = first, .srcPitch = pitch, .width = width, .height = height},
+        window, edgeMean);
+    blurColumns<ColourSums>(
+        {.dst = first, .dstPitch = pitch, .src = blurred.data(), .srcPitch = width, .width = width, .height = height},
+        window, edgeMean);
 }
 
 void Hor_Blur(q_ulong *dst, q_ulong *src, int blurSize, int width, int height, int pitch) {

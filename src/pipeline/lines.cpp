@@ -96,9 +96,11 @@ void VKD_3D_Line(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong 
     const Distance rowStep = asDistance(pitch);
     const bool steep = lengthOf(wrapSubtract(b->x, a->x)) <= lengthOf(wrapSubtract(b->y, a->y));
     if (steep)
-        drawLine({dst, data->zBuffer, rowStep, 1, *colourA}, {a->y, a->x, a->z}, {b->y, b->x, b->z}, rows, columns);
+        drawLine({.dst = dst, .zBuffer = data->zBuffer, .stepAlong = rowStep, .stepAcross = 1, .colour = *colourA},
+                 {a->y, a->x, a->z}, {b->y, b->x, b->z}, rows, columns);
     else
-        drawLine({dst, data->zBuffer, 1, rowStep, *colourA}, {a->x, a->y, a->z}, {b->x, b->y, b->z}, columns, rows);
+        drawLine({.dst = dst, .zBuffer = data->zBuffer, .stepAlong = 1, .stepAcross = rowStep, .colour = *colourA},
+                 {a->x, a->y, a->z}, {b->x, b->y, b->z}, columns, rows);
 }
 
 void VKD_Render_3D_Line(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, _POINT3DFLOAT *points,

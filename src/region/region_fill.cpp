@@ -294,7 +294,12 @@ int bscan_right(_PRIVATE_QMGP_DATA *data, int x, int y, unsigned char value) {
 
 int Region_Fill(_PRIVATE_QMGP_DATA *data, int x, int y, q_ulong fill, q_ulong border, int parentLeft, int parentRight,
                 int direction, tagRECT *rect) {
-    return fillRegion(ColourFill{data->destSurface, data->destPitch, data->testSurface, data->testPitch, fill, border},
+    return fillRegion(ColourFill{.dst = data->destSurface,
+                                 .dstPitch = data->destPitch,
+                                 .test = data->testSurface,
+                                 .testPitch = data->testPitch,
+                                 .colour = fill,
+                                 .border = border},
                       *rect, x, y, direction, {parentLeft, wrapAdd(parentRight, 1)});
 }
 
@@ -306,7 +311,12 @@ int bRegion_Fill(_PRIVATE_QMGP_DATA *data, int x, int y, unsigned char value, in
 
 int Region_Src_Fill(_PRIVATE_QMGP_DATA *data, int x, int y, unsigned char value, int parentLeft, int parentRight,
                     int direction) {
-    return fillRegion(SourceFill{data->plane, data->planePitch, value, data->destSurface, data->destPitch,
-                                 data->testSurface, data->testPitch},
+    return fillRegion(SourceFill{.plane = data->plane,
+                                 .planePitch = data->planePitch,
+                                 .border = value,
+                                 .dst = data->destSurface,
+                                 .dstPitch = data->destPitch,
+                                 .src = data->testSurface,
+                                 .srcPitch = data->testPitch},
                       *data->planeRect, x, y, direction, {parentLeft, wrapAdd(parentRight, 1)});
 }

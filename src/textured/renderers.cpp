@@ -56,7 +56,11 @@ void forEachCell(const Mesh &mesh, const tagRECT &texRect, Draw draw) {
         for (int j = 0; j < mesh.cols - 1; ++j) {
             const int column = boundary(j, width, mesh.cols - 1);
             const int nextColumn = boundary(j + 1, width, mesh.cols - 1);
-            draw(Cell{i * mesh.cols + j, column, row, sixteenths(column, nextColumn), sixteenths(row, nextRow)});
+            draw(Cell{.vertex = i * mesh.cols + j,
+                      .column = column,
+                      .row = row,
+                      .width = sixteenths(column, nextColumn),
+                      .height = sixteenths(row, nextRow)});
         }
     }
 }
@@ -168,7 +172,13 @@ void drawTriangleMesh(const Scene<Module> &scene, q_ulong *tex, Drawn drawn) {
 void Render_Texture_3D(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, tagRECT *texRect,
                        q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                        _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular, int shininess) {
-    const Scene<OlderModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<OlderModule> scene = {.data = data,
+                                      .dst = dst,
+                                      .clip = clip,
+                                      .texRect = texRect,
+                                      .dstPitch = dstPitch,
+                                      .texPitch = texPitch,
+                                      .mesh = {points, rows, cols}};
     if (lightMesh(scene, light, ambientColor, specular, shininess))
         drawQuads(scene, tex, interpolatedLight);
 }
@@ -176,7 +186,13 @@ void Render_Texture_3D(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *tex, tag
 void Render_Texture_3D_KeySrc(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, tagRECT *texRect,
                               q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                               _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular, int shininess) {
-    const Scene<OlderModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<OlderModule> scene = {.data = data,
+                                      .dst = dst,
+                                      .clip = clip,
+                                      .texRect = texRect,
+                                      .dstPitch = dstPitch,
+                                      .texPitch = texPitch,
+                                      .mesh = {points, rows, cols}};
     if (lightMesh(scene, light, ambientColor, specular, shininess))
         drawQuads(scene, tex, keyed);
 }
@@ -184,7 +200,13 @@ void Render_Texture_3D_KeySrc(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *t
 void Render_Texture_3D_Tri(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, tagRECT *texRect,
                            q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                            _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular, int shininess) {
-    const Scene<OlderModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<OlderModule> scene = {.data = data,
+                                      .dst = dst,
+                                      .clip = clip,
+                                      .texRect = texRect,
+                                      .dstPitch = dstPitch,
+                                      .texPitch = texPitch,
+                                      .mesh = {points, rows, cols}};
     if (!lightMesh(scene, light, ambientColor, specular, shininess))
         return;
     // Meant: a highlight is compared with the index held, not with the highlight there.
@@ -201,7 +223,13 @@ void Render_Texture_3D_Tri(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *tex,
 void VKD_Render_Texture_3D(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, tagRECT *texRect,
                            q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                            _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular, int shininess) {
-    const Scene<PipelineModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<PipelineModule> scene = {.data = data,
+                                         .dst = dst,
+                                         .clip = clip,
+                                         .texRect = texRect,
+                                         .dstPitch = dstPitch,
+                                         .texPitch = texPitch,
+                                         .mesh = {points, rows, cols}};
     if (lightMesh(scene, light, ambientColor, specular, shininess))
         drawQuads(scene, tex, interpolatedLight);
 }
@@ -210,7 +238,13 @@ void VKD_Render_Texture_3D(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *tex,
                            tagRECT *texRect, q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows,
                            int cols, _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular,
                            int shininess) {
-    const Scene<PipelineModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<PipelineModule> scene = {.data = data,
+                                         .dst = dst,
+                                         .clip = clip,
+                                         .texRect = texRect,
+                                         .dstPitch = dstPitch,
+                                         .texPitch = texPitch,
+                                         .mesh = {points, rows, cols}};
     if (!lightMesh(scene, light, ambientColor, specular, shininess))
         return;
     forEachCell(scene.mesh, *texRect, [&](const Cell &cell) {
@@ -226,7 +260,13 @@ void VKD_Render_Texture_3D_KeySrc(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulon
                                   q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                                   _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular,
                                   int shininess) {
-    const Scene<PipelineModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<PipelineModule> scene = {.data = data,
+                                         .dst = dst,
+                                         .clip = clip,
+                                         .texRect = texRect,
+                                         .dstPitch = dstPitch,
+                                         .texPitch = texPitch,
+                                         .mesh = {points, rows, cols}};
     if (lightMesh(scene, light, ambientColor, specular, shininess))
         drawQuads(scene, tex, keyed);
 }
@@ -235,7 +275,13 @@ void VKD_Render_Texture_3D_Tri(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *
                                q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                                _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular,
                                int shininess) {
-    const Scene<PipelineModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<PipelineModule> scene = {.data = data,
+                                         .dst = dst,
+                                         .clip = clip,
+                                         .texRect = texRect,
+                                         .dstPitch = dstPitch,
+                                         .texPitch = texPitch,
+                                         .mesh = {points, rows, cols}};
     // Meant: no glint.
     if (lightMesh(scene, light, ambientColor, specular, shininess))
         drawTriangleMesh(scene, tex, [](const Cell &) {});

@@ -58,16 +58,16 @@ ScaledWalk<Position> scaledOnto(q_ulong *dst, Distance dstPitch, const tagRECT &
     const int height = heightOf(dstRect);
     if (width < 1 || height < 1)
         return {};
-    return {pixelAt(dst, dstPitch, dstRect.left, dstRect.top),
-            dstPitch,
-            pixelAt(src, srcPitch, srcRect.left, srcRect.top),
-            srcPitch,
-            width,
-            height,
-            {},
-            {},
-            Position::step(widthOf(srcRect), width),
-            Position::step(heightOf(srcRect), height)};
+    return {.dst = pixelAt(dst, dstPitch, dstRect.left, dstRect.top),
+            .dstPitch = dstPitch,
+            .src = pixelAt(src, srcPitch, srcRect.left, srcRect.top),
+            .srcPitch = srcPitch,
+            .width = width,
+            .height = height,
+            .startX = {},
+            .startY = {},
+            .stepX = Position::step(widthOf(srcRect), width),
+            .stepY = Position::step(heightOf(srcRect), height)};
 }
 
 /// The part of that walk whose destination lies within `window`. Nothing outside it is so much as pointed at: a corner
@@ -82,16 +82,16 @@ ScaledWalk<Position> scaledWithin(const Window &window, q_ulong *dst, Distance d
         return {};
     const Position stepX = Position::step(widthOf(srcRect), width);
     const Position stepY = Position::step(heightOf(srcRect), height);
-    return {pixelAt(dst, dstPitch, columns.begin, rows.begin),
-            dstPitch,
-            pixelAt(src, srcPitch, srcRect.left, srcRect.top),
-            srcPitch,
-            columns.length(),
-            rows.length(),
-            stepX.times(wrapSubtract(columns.begin, dstRect.left)),
-            stepY.times(wrapSubtract(rows.begin, dstRect.top)),
-            stepX,
-            stepY};
+    return {.dst = pixelAt(dst, dstPitch, columns.begin, rows.begin),
+            .dstPitch = dstPitch,
+            .src = pixelAt(src, srcPitch, srcRect.left, srcRect.top),
+            .srcPitch = srcPitch,
+            .width = columns.length(),
+            .height = rows.length(),
+            .startX = stepX.times(wrapSubtract(columns.begin, dstRect.left)),
+            .startY = stepY.times(wrapSubtract(rows.begin, dstRect.top)),
+            .stepX = stepX,
+            .stepY = stepY};
 }
 
 /// Calls `store(dst pixel, nearest src pixel)` for every pixel.

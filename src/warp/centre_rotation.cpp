@@ -104,9 +104,11 @@ public:
             const int product = wrapMultiply(t, dx);
             const int x = wrapAdd(product / dy, from.dest.x);
             const int u = Tracing::source(from.source.x, to.source.x, t, dy);
-            entries[count++] = {wrapSubtract(u, Tracing::correction(product, dy)),
-                                Tracing::source(from.source.y, to.source.y, t, dy), x, y,
-                                wrapAdd(y, Tracing::bias) << 16 | wrapAdd(x, Tracing::bias)};
+            entries[count++] = {.sourceU = wrapSubtract(u, Tracing::correction(product, dy)),
+                                .sourceV = Tracing::source(from.source.y, to.source.y, t, dy),
+                                .destX = x,
+                                .destY = y,
+                                .sortKey = wrapAdd(y, Tracing::bias) << 16 | wrapAdd(x, Tracing::bias)};
         }
     }
 
@@ -318,14 +320,30 @@ struct Taps {
 
 void iRotate(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch, int centreX,
              int centreY, double angle, int width, int height) {
-    mapBack({dst, *clipRect, dstPitch, *srcRect, centreX, centreY, angle, width, height}, 16, 0, 0,
-            [src, srcPitch](q_ulong &d, int u, int v) { d = *pixelAt(src, srcPitch, u >> 16, v >> 16); });
+    mapBack({.dst = dst,
+             .clipRect = *clipRect,
+             .dstPitch = dstPitch,
+             .srcRect = *srcRect,
+             .centreX = centreX,
+             .centreY = centreY,
+             .angle = angle,
+             .width = width,
+             .height = height},
+            16, 0, 0, [src, srcPitch](q_ulong &d, int u, int v) { d = *pixelAt(src, srcPitch, u >> 16, v >> 16); });
 }
 
 void iRotateLinear(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch,
                    int centreX, int centreY, double angle, int width, int height) {
-    mapBack({dst, *clipRect, dstPitch, *srcRect, centreX, centreY, angle, width, height}, 20, 0, -1,
-            [src, srcPitch](q_ulong &d, int u, int v) { d = Taps(src, srcPitch, u, v).colour(); });
+    mapBack({.dst = dst,
+             .clipRect = *clipRect,
+             .dstPitch = dstPitch,
+             .srcRect = *srcRect,
+             .centreX = centreX,
+             .centreY = centreY,
+             .angle = angle,
+             .width = width,
+             .height = height},
+            20, 0, -1, [src, srcPitch](q_ulong &d, int u, int v) { d = Taps(src, srcPitch, u, v).colour(); });
 }
 
 void iRotateLinearAA(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch,
@@ -337,8 +355,16 @@ void iRotateLinearAA(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src
         for (int x = columns.begin; x < columns.end; ++x)
             row[x] |= 0xFF000000;
     }
-    mapBack({dst, *clipRect, dstPitch, *srcRect, centreX, centreY, angle, width, height}, 20, 2, 1,
-            [src, srcPitch](q_ulong &d, int u, int v) {
+    mapBack({.dst = dst,
+             .clipRect = *clipRect,
+             .dstPitch = dstPitch,
+             .srcRect = *srcRect,
+             .centreX = centreX,
+             .centreY = centreY,
+             .angle = angle,
+             .width = width,
+             .height = height},
+            20, 2, 1, [src, srcPitch](q_ulong &d, int u, int v) {
                 const Taps taps(src, srcPitch, u, v);
                 const q_ulong coverage = taps.coverage();
                 const q_ulong largest = taps.largest(redMask) | taps.largest(greenMask) | taps.largest(blueMask);

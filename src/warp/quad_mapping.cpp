@@ -106,9 +106,12 @@ RowEdges rowEdgesOf(const Corner (&corners)[4], int height) {
     const Wide h = difference(p1.y, p2.y); // meant: the other way round than its fellows
     const Wide rows = height;
     const Wide s = p0.x * e / a;
-    return {(g / c - e / a) * rows,  (p3.y - p3.x * g / c - p0.y + s) * rows,
-            f / b - e / a,           p3.y - p3.x * f / b - p0.y + s,
-            (-h / d - e / a) * rows, (p1.x * h / d + p1.y - p0.y + s) * rows};
+    return {.p = (g / c - e / a) * rows,
+            .q = (p3.y - p3.x * g / c - p0.y + s) * rows,
+            .t = f / b - e / a,
+            .u = p3.y - p3.x * f / b - p0.y + s,
+            .v = (-h / d - e / a) * rows,
+            .w = (p1.x * h / d + p1.y - p0.y + s) * rows};
 }
 
 /// Source pixels as the row pass reads them: along a row by position, and from row to row.

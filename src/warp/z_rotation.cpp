@@ -168,34 +168,90 @@ void withMix(float alpha, Rotate rotate) {
 
 void iBltNear32_Z_Roto(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect, tagRECT *srcRect,
                        int centreX, int centreY, float angle, float scale) {
-    rotateNearest({dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale}, copyPixel);
+    rotateNearest({.dst = dst,
+                   .dstPitch = dstPitch,
+                   .src = src,
+                   .srcPitch = srcPitch,
+                   .clipRect = *clipRect,
+                   .srcRect = *srcRect,
+                   .centreX = centreX,
+                   .centreY = centreY,
+                   .angle = angle,
+                   .scale = scale},
+                  copyPixel);
 }
 
 void iBltNear32_Z_Roto_KeySrc(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                               tagRECT *srcRect, int centreX, int centreY, float angle, float scale) {
-    rotateNearest({dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale},
+    rotateNearest({.dst = dst,
+                   .dstPitch = dstPitch,
+                   .src = src,
+                   .srcPitch = srcPitch,
+                   .clipRect = *clipRect,
+                   .srcRect = *srcRect,
+                   .centreX = centreX,
+                   .centreY = centreY,
+                   .angle = angle,
+                   .scale = scale},
                   [](q_ulong &d, q_ulong s) { d = s == 0 ? d : s; });
 }
 
 void iBltNear32_Z_Roto_KeySrc_Add(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                                   tagRECT *srcRect, int centreX, int centreY, float angle, float scale) {
-    rotateNearest({dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale},
+    rotateNearest({.dst = dst,
+                   .dstPitch = dstPitch,
+                   .src = src,
+                   .srcPitch = srcPitch,
+                   .clipRect = *clipRect,
+                   .srcRect = *srcRect,
+                   .centreX = centreX,
+                   .centreY = centreY,
+                   .angle = angle,
+                   .scale = scale},
                   [](q_ulong &d, q_ulong s) { d = saturatingBytes(d, s) & (s == 0 ? 0xFFFFFFFF : 0xFFFFFF); });
 }
 
 void iBltNear32_Z_Roto_Alpha(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                              tagRECT *srcRect, int centreX, int centreY, float angle, float scale, float alpha) {
-    const Scene scene = {dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale};
+    const Scene scene = {.dst = dst,
+                         .dstPitch = dstPitch,
+                         .src = src,
+                         .srcPitch = srcPitch,
+                         .clipRect = *clipRect,
+                         .srcRect = *srcRect,
+                         .centreX = centreX,
+                         .centreY = centreY,
+                         .angle = angle,
+                         .scale = scale};
     withMix(alpha, [&scene](auto store) { rotateNearest(scene, store); });
 }
 
 void iBltLinear32_Z_Roto(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect, tagRECT *srcRect,
                          int centreX, int centreY, float angle, float scale) {
-    rotateFiltered({dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale}, copyPixel);
+    rotateFiltered({.dst = dst,
+                    .dstPitch = dstPitch,
+                    .src = src,
+                    .srcPitch = srcPitch,
+                    .clipRect = *clipRect,
+                    .srcRect = *srcRect,
+                    .centreX = centreX,
+                    .centreY = centreY,
+                    .angle = angle,
+                    .scale = scale},
+                   copyPixel);
 }
 
 void iBltLinear32_Z_Roto_Alpha(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                                tagRECT *srcRect, int centreX, int centreY, float angle, float scale, float alpha) {
-    const Scene scene = {dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale};
+    const Scene scene = {.dst = dst,
+                         .dstPitch = dstPitch,
+                         .src = src,
+                         .srcPitch = srcPitch,
+                         .clipRect = *clipRect,
+                         .srcRect = *srcRect,
+                         .centreX = centreX,
+                         .centreY = centreY,
+                         .angle = angle,
+                         .scale = scale};
     withMix(alpha, [&scene](auto store) { rotateFiltered(scene, store); });
 }
