@@ -29,7 +29,7 @@ public:
 
     explicit operator bool() const { return elements != nullptr; }
     Element *data() const { return static_cast<Element *>(elements.get()); }
-    Element &operator[](std::ptrdiff_t index) const { return data()[index]; }
+    Element &operator[](long long index) const { return data()[index]; }
 
 private:
     struct Free {
