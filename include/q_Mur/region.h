@@ -66,9 +66,9 @@ Q_MUR_API void bPolyBesier(unsigned char *plane, tagRECT *clip, int pitch, short
 ///   in it: the fill would go round the island without end, until the stack is full.
 ///
 /// **Stack.** A fill calls itself once for each span on its way; a region that winds makes the way long. A level takes
-/// 32 bytes on 64-bit Linux, 20 on both 32-bit systems and 64 on 64-bit Windows: 8 MiB of stack, the main thread's on
-/// Linux, hold 262,000 levels (419,000 with 32 bits); 1 MiB, a thread's on Windows, holds 52,000 levels (16,000 with 64
-/// bits). Nothing checks the depth; a full stack ends the process. See docs/region-fills.md.
+/// 32 bytes on Linux, 48 on 32-bit and 64 on 64-bit Windows: 8 MiB of stack, the main thread's on Linux, hold 262,000
+/// levels; 1 MiB, a thread's on Windows, holds 21,800 levels (16,000 with 64 bits). Nothing checks the depth; a full
+/// stack ends the process. See docs/region-fills.md.
 /// @{
 
 /// Stores the surfaces of Region_Fill(): the one that receives the colour, and the one on which the boundary is found.

@@ -6,6 +6,8 @@
 #ifndef Q_MUR_BASE_INTEGERS_H
 #define Q_MUR_BASE_INTEGERS_H
 
+#include "q_Mur/types.h"
+
 namespace qmur {
 
 constexpr int wrapAdd(int a, int b) {
@@ -23,6 +25,19 @@ constexpr int wrapMultiply(int a, int b) {
 /// Truncates toward zero. The least number over -1 wraps, where the processor would trap.
 constexpr int wrapDivide(int a, int b) {
     return b == -1 ? wrapSubtract(0, a) : a / b;
+}
+
+constexpr int wrapDivide(int a, long long b) {
+    return static_cast<int>(a / b);
+}
+
+constexpr q_ulong wrapDivide(q_ulong a, q_ulong b) {
+    return a / b;
+}
+
+/// The magnitude of a number. That of the least int does not fit: it wraps to the least int itself.
+constexpr int magnitudeOf(int value) {
+    return value < 0 ? wrapSubtract(0, value) : value;
 }
 
 /// A divisor, 1 standing in for 0.

@@ -28,6 +28,32 @@ constexpr q_ulong topByteOf(q_ulong pixel) {
     return pixel >> 24;
 }
 
+/// Red where a function takes it without a mask: with the top byte above it, the whole upper half of the word.
+constexpr q_ulong upperHalfOf(q_ulong pixel) {
+    return pixel >> 16;
+}
+
+/// The pixel of three channels. They are not masked: one above 255 reaches into those above it.
+constexpr q_ulong pixelOf(q_ulong red, q_ulong green, q_ulong blue) {
+    return red << 16 | green << 8 | blue;
+}
+
+constexpr q_ulong cappedAt255(q_ulong value) {
+    return value > 255 ? 255 : value;
+}
+
+/// The pixel whose channels are what `operation` makes of those of one or more pixels.
+template <class Operation, class... Pixels>
+constexpr q_ulong channelwise(Operation operation, Pixels... pixels) {
+    return pixelOf(operation(redOf(pixels)...), operation(greenOf(pixels)...), operation(blueOf(pixels)...));
+}
+
+/// The same where red is the whole upper half of each pixel.
+template <class Operation, class... Pixels>
+constexpr q_ulong upperHalfChannelwise(Operation operation, Pixels... pixels) {
+    return pixelOf(operation(upperHalfOf(pixels)...), operation(greenOf(pixels)...), operation(blueOf(pixels)...));
+}
+
 /// d / 2 + s / 2 in each channel; the lowest bit of either is dropped first.
 constexpr q_ulong halfMix(q_ulong d, q_ulong s) {
     return (d >> 1 & 0x7F7F7F) + (s >> 1 & 0x7F7F7F);

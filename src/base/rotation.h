@@ -68,6 +68,13 @@ inline IntPair turned(int a, int b, const TableTurn &angle) {
             wrapSubtract(wrapMultiply(b, angle.cosine), wrapMultiply(a, angle.sine)) >> 15};
 }
 
+/// Turns a pair about (centreA, centreB), as Z does.
+inline void turnAbout(int &a, int &b, const TableTurn &angle, int centreA, int centreB) {
+    const IntPair pair = turned(wrapSubtract(a, centreA), wrapSubtract(b, centreB), angle);
+    a = wrapAdd(pair.a, centreA);
+    b = wrapAdd(pair.b, centreB);
+}
+
 inline TableTurn reversed(TableTurn angle) {
     angle.sine = -angle.sine;
     return angle;

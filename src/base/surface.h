@@ -35,6 +35,7 @@ struct Span {
 
     constexpr bool empty() const { return begin >= end; }
     constexpr int length() const { return wrapSubtract(end, begin); }
+    constexpr bool contains(int position) const { return begin <= position && position < end; }
 };
 
 constexpr Span intersection(Span a, Span b) {
@@ -53,6 +54,13 @@ constexpr Span rowsOf(const tagRECT &rect) {
 struct Window {
     Span columns;
     Span rows;
+
+    constexpr bool empty() const { return columns.empty() || rows.empty(); }
+    constexpr bool contains(int x, int y) const { return columns.contains(x) && rows.contains(y); }
+    /// The part that lies in another window too.
+    constexpr Window within(const Window &other) const {
+        return {intersection(columns, other.columns), intersection(rows, other.rows)};
+    }
 };
 
 /// The window of a clip width and height.

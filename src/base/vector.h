@@ -4,6 +4,7 @@
 #ifndef Q_MUR_BASE_VECTOR_H
 #define Q_MUR_BASE_VECTOR_H
 
+#include "base/integers.h"
 #include "base/wide.h"
 #include "q_Mur/types.h"
 
@@ -13,6 +14,11 @@ namespace qmur {
 template <class A, class B>
 Wide dotProduct(const A &a, const B &b) {
     return static_cast<Wide>(a.z) * b.z + static_cast<Wide>(a.y) * b.y + static_cast<Wide>(a.x) * b.x;
+}
+
+/// The same with ints, which wrap.
+inline int dotProduct(const _POINT3D &a, const _POINT3D &b) {
+    return wrapAdd(wrapAdd(wrapMultiply(a.z, b.z), wrapMultiply(a.y, b.y)), wrapMultiply(a.x, b.x));
 }
 
 template <class Vector>
@@ -72,6 +78,15 @@ Vector crossProduct(const Vector &a, const Vector &b) {
 inline _POINT3DFLOAT faceNormal(const _POINT3DFLOAT &p1, const _POINT3DFLOAT &p2, const _POINT3DFLOAT &p3) {
     const _POINT3DFLOAT normal = crossProduct(difference(p1, p2), difference(p1, p3));
     return scaled(normal, reciprocalMagnitude(normal));
+}
+
+/// Whether a face's points run clockwise on the screen.
+inline bool facesFront(const _POINT3DFLOAT &p1, const _POINT3DFLOAT &p2, const _POINT3DFLOAT &p3) {
+    const Wide a = static_cast<Wide>(p1.x) - p2.x;
+    const Wide b = static_cast<Wide>(p1.y) - p2.y;
+    const Wide c = static_cast<Wide>(p1.x) - p3.x;
+    const Wide d = static_cast<Wide>(p1.y) - p3.y;
+    return a * d - c * b > 0;
 }
 
 inline _POINT3DFLOAT meanOf(const _POINT3DFLOAT &a, const _POINT3DFLOAT &b) {

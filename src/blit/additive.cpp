@@ -124,8 +124,7 @@ void iBltNear32_Add_KeySrc(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitc
                            {wrapAdd(originY, srcRect->top), wrapAdd(originY, srcRect->bottom)}};
     const Window reach = {{wrapSubtract(centreX, radius), wrapAdd(centreX, radius)},
                           {wrapSubtract(centreY, radius), wrapAdd(centreY, radius)}};
-    const Window clip = windowOf(*clipRect);
     forEachPixel(placedWithin({dst, dstPitch, src, srcPitch}, target, srcRect->left, srcRect->top,
-                              {intersection(reach.columns, clip.columns), intersection(reach.rows, clip.rows)}),
+                              reach.within(windowOf(*clipRect))),
                  addUnlessZero);
 }

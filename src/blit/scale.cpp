@@ -80,11 +80,15 @@ void iBltPerfect32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRec
     };
     const Distance dstStride = asDistance(dstPitch);
     const Distance srcStride = asDistance(srcPitch);
-    forEachFiltered(ScaledWalk<Position>{pixelAt(dst, dstStride, dstRect->left / 16, dstRect->top / 16), dstStride,
-                                         pixelAt(src, srcStride, srcRect->left / 16, srcRect->top / 16), srcStride,
-                                         dstWidth / 16 + 1, dstHeight / 16 + 1, startOf(srcRect->left, dstRect->left),
-                                         startOf(srcRect->top, dstRect->top),
-                                         Position::step(widthOf(*srcRect), dstWidth),
-                                         Position::step(heightOf(*srcRect), dstHeight)},
-                    storeFiltered);
+    const ScaledWalk<Position> walk = {.dst = pixelAt(dst, dstStride, dstRect->left / 16, dstRect->top / 16),
+                                       .dstPitch = dstStride,
+                                       .src = pixelAt(src, srcStride, srcRect->left / 16, srcRect->top / 16),
+                                       .srcPitch = srcStride,
+                                       .width = dstWidth / 16 + 1,
+                                       .height = dstHeight / 16 + 1,
+                                       .startX = startOf(srcRect->left, dstRect->left),
+                                       .startY = startOf(srcRect->top, dstRect->top),
+                                       .stepX = Position::step(widthOf(*srcRect), dstWidth),
+                                       .stepY = Position::step(heightOf(*srcRect), dstHeight)};
+    forEachFiltered(walk, storeFiltered);
 }

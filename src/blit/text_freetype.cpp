@@ -1,3 +1,5 @@
+#include "base/pixel.h"
+#include "base/scratch.h"
 #include "text.h"
 
 #include <fontconfig/fontconfig.h>
@@ -6,7 +8,6 @@
 #include FT_SYNTHESIS_H
 #include FT_TRUETYPE_TABLES_H
 
-#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -183,7 +184,7 @@ private:
 class FreeTypeText {
 public:
     FreeTypeText(const char *text, q_ulong colour, int fontHeight, const char *fontName)
-        : pixels(nullptr, std::free), red(colour & 0xFF), green(colour >> 8 & 0xFF), blue(colour >> 16 & 0xFF) {
+        : inkColour(pixelOf(blueOf(colour), greenOf(colour), redOf(colour))) {
         if (!text || !*text)
             return;
         Font font(fontName);
@@ -200,8 +201,7 @@ public:
             return;
         width = static_cast<int>(widest);
         height = static_cast<int>(lines) * font.lineHeight;
-        const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-        pixels.reset(static_cast<q_ulong *>(std::calloc(count, sizeof(q_ulong))));
+        pixels = Scratch<q_ulong>::zeroed(static_cast<long long>(width) * height);
         if (!pixels)
             return;
         int top = 0;
@@ -209,7 +209,7 @@ public:
             line = drawLine(font, line, (width - static_cast<int>(widthOfLine(font, line))) / 2, top + font.ascent);
     }
 
-    TextRaster raster() const { return {pixels.get(), width, height}; }
+    TextRaster raster() const { return {pixels.data(), width, height}; }
 
 private:
     static long long widthOfLine(Font &font, const char *line) {
@@ -244,18 +244,16 @@ private:
     void ink(int x, int y, q_ulong coverage) {
         if (x < 0 || x >= width || y < 0 || y >= height)
             return;
-        q_ulong &pixel = *pixelAt(pixels.get(), width, x, y);
-        const auto mixed = [&pixel, coverage](q_ulong channel, int shift) {
-            const q_ulong before = pixel >> shift & 0xFF;
-            return (before + (channel - before) * coverage / 255) << shift;
-        };
-        pixel = mixed(red, 16) | mixed(green, 8) | mixed(blue, 0);
+        q_ulong &pixel = *pixelAt(pixels.data(), width, x, y);
+        pixel =
+            channelwise([coverage](q_ulong before, q_ulong full) { return before + (full - before) * coverage / 255; },
+                        pixel, inkColour);
     }
 
-    std::unique_ptr<q_ulong, void (*)(void *)> pixels;
+    Scratch<q_ulong> pixels;
     int width = 0;
     int height = 0;
-    q_ulong red, green, blue;
+    q_ulong inkColour; ///< the text's colour, whose red and blue change places here
 };
 
 } // namespace

@@ -9,9 +9,11 @@ using namespace qmur;
 /// The greater of a pixel and weight / 256 of a colour, in each channel.
 /// Meant: red is the whole upper half of either word, so the winner brings its top byte along.
 constexpr q_ulong upperHalfMaximum(q_ulong d, q_ulong colour, q_ulong weight) {
-    const auto greater = [](q_ulong a, q_ulong b) { return a < b ? b : a; };
-    return greater(d >> 16, weight * (colour >> 16) >> 8) << 16 |
-           greater(greenOf(d), weight * greenOf(colour) >> 8) << 8 | greater(blueOf(d), weight * blueOf(colour) >> 8);
+    const auto greater = [weight](q_ulong old, q_ulong c) {
+        const q_ulong weighted = weight * c >> 8;
+        return old < weighted ? weighted : old;
+    };
+    return upperHalfChannelwise(greater, d, colour);
 }
 
 } // namespace

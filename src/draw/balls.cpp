@@ -18,7 +18,7 @@ void drawBall(const Centre &centre, const Window &offsets, int radius, q_ulong c
         const int half = halfChord(r * r, dy * dy);
         return Span{-half, half + 1};
     };
-    forEachRun(centre, intersection(squareThrough(r), offsets), chord, [=](q_ulong *first, Span columns, int dy) {
+    forEachRun(centre, squareThrough(r).within(offsets), chord, [=](q_ulong *first, Span columns, int dy) {
         const int rowLight = reachSquare - (dy - highlight) * (dy - highlight);
         for (int dx = columns.begin; dx < columns.end; ++dx, ++first) {
             const int light = (rowLight - (dx - highlight) * (dx - highlight)) * inverse >> 11;

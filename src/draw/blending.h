@@ -8,10 +8,6 @@
 
 namespace qmur {
 
-constexpr q_ulong cappedAt255(q_ulong value) {
-    return value > 255 ? 255 : value;
-}
-
 /// old * (256 - weight) + c * weight, in one product; wraps at 32 bits.
 constexpr q_ulong mixture256(q_ulong old, q_ulong c, q_ulong weight) {
     return (old << 8) + (c - old) * weight;
@@ -27,17 +23,15 @@ constexpr q_ulong cover256(q_ulong d, q_ulong colour, q_ulong weight) {
 /// min(d + weight * c / 2^shift, 255) in each channel; top byte 0. The product wraps at 32 bits.
 template <int shift>
 constexpr q_ulong scaledAdd(q_ulong d, q_ulong colour, q_ulong weight) {
-    return cappedAt255(redOf(d) + (weight * redOf(colour) >> shift)) << 16 |
-           cappedAt255(greenOf(d) + (weight * greenOf(colour) >> shift)) << 8 |
-           cappedAt255(blueOf(d) + (weight * blueOf(colour) >> shift));
+    return channelwise([weight](q_ulong old, q_ulong c) { return cappedAt255(old + (weight * c >> shift)); }, d,
+                       colour);
 }
 
 /// min(d + weight * c / 256, 255) in each channel, for weights from 0 to 256; top byte 0.
 /// Meant: red is the whole upper half of either word, so that a top byte drives it to 255.
 constexpr q_ulong upperHalfAdd(q_ulong d, q_ulong colour, q_ulong weight) {
-    return cappedAt255((d >> 16) + (weight * (colour >> 16) >> 8)) << 16 |
-           cappedAt255(greenOf(d) + (weight * greenOf(colour) >> 8)) << 8 |
-           cappedAt255(blueOf(d) + (weight * blueOf(colour) >> 8));
+    return upperHalfChannelwise([weight](q_ulong old, q_ulong c) { return cappedAt255(old + (weight * c >> 8)); }, d,
+                                colour);
 }
 
 /// Adds `weight(dx)` / 2^shift of a colour to a run of pixels, the first of which is `first`.

@@ -1,28 +1,29 @@
 #include "base/pixel.h"
 #include "base/surface.h"
+#include "base/vector.h"
 #include "base/wide.h"
 #include "q_Mur/draw.h"
 #include "q_Mur/frame.h"
-#include "q_Mur/math3d.h"
 
 namespace {
 
 using namespace qmur;
 
-// A word of the resource: the light on the surface, the tint and the highlight.
+// A word of the resource has the highlight in the place of red, the tint in that of green, and the light on the surface
+// in that of blue.
 
-constexpr q_ulong lightOf(q_ulong word) {
-    return word & 0xFF;
+constexpr q_ulong highlightOf(q_ulong word) {
+    return redOf(word);
 }
 constexpr q_ulong tintOf(q_ulong word) {
-    return word >> 8 & 0xFF;
+    return greenOf(word);
 }
-constexpr q_ulong highlightOf(q_ulong word) {
-    return word >> 16 & 0xFF;
+constexpr q_ulong lightOf(q_ulong word) {
+    return blueOf(word);
 }
 
 constexpr q_ulong resourceWord(int light, int tint, int highlight) {
-    return static_cast<q_ulong>(light) | static_cast<q_ulong>(tint) << 8 | static_cast<q_ulong>(highlight) << 16;
+    return pixelOf(static_cast<q_ulong>(highlight), static_cast<q_ulong>(tint), static_cast<q_ulong>(light));
 }
 
 constexpr int squaredDistance(int dx, int dy) {
@@ -36,12 +37,7 @@ public:
 
     /// The normal of the facet between a point and its neighbours to the left and above.
     _POINT3DFLOAT normalAt(int dx, int dy) const {
-        _POINT3DFLOAT point = surfacePoint(dx, dy);
-        _POINT3DFLOAT left = surfacePoint(dx - 1, dy);
-        _POINT3DFLOAT above = surfacePoint(dx, dy - 1);
-        _POINT3DFLOAT normal = {};
-        fBubSun(&normal, &point, &left, &above);
-        return normal;
+        return faceNormal(surfacePoint(dx, dy), surfacePoint(dx - 1, dy), surfacePoint(dx, dy - 1));
     }
 
     static int light(const _POINT3DFLOAT &normal) {
@@ -132,9 +128,7 @@ Disc discAround(int cx, int cy, int size, int width, int height) {
     const int left = wrapSubtract(cx, radius);
     const int top = wrapSubtract(cy, radius);
     const Window square = {{left, wrapAdd(left, size)}, {top, wrapAdd(top, size)}};
-    const Window surface = windowOf(width, height);
-    return {
-        left, top, radius, {intersection(square.columns, surface.columns), intersection(square.rows, surface.rows)}};
+    return {left, top, radius, square.within(windowOf(width, height))};
 }
 
 /// Calls `draw(y, columns)` for every row, with the columns whose squared distance is at most `squaredReach`.
@@ -260,7 +254,11 @@ void DrawRealBubble(q_ulong *surface, q_ulong *scratch, int pitch, int cx, int c
                     int resourceSize, q_ulong color, int width, int height) {
     if (size < 1)
         return;
-    const Scene scene = {surface, pitch, width, height, discAround(cx, cy, size, width, height)};
+    const Scene scene = {.surface = surface,
+                         .pitch = pitch,
+                         .width = width,
+                         .height = height,
+                         .disc = discAround(cx, cy, size, width, height)};
     refract(scene, StretchedResource<18>(resource, resourceSize, resourceSize, size), size, color, scratch);
     scene.forEachRow([=, next = scratch](int y, Span columns) mutable {
         q_ulong *const row = surface + y * scene.pitch;
@@ -281,7 +279,11 @@ void DrawRealBubbleOld(q_ulong *surface, q_ulong *scratch, int pitch, int cx, in
                        int resourceSize, q_ulong color, int width, int height) {
     if (size < 1)
         return;
-    const Scene scene = {surface, pitch, width, height, discAround(cx, cy, size, width, height)};
+    const Scene scene = {.surface = surface,
+                         .pitch = pitch,
+                         .width = width,
+                         .height = height,
+                         .disc = discAround(cx, cy, size, width, height)};
     // Meant: the resource's rows are as long as the surface's.
     refract(scene, StretchedResource<16>(resource, pitch, resourceSize, size), size, color, scratch);
     scene.forEachRow([=, next = scratch](int y, Span columns) mutable {

@@ -23,9 +23,7 @@ void iFill_Circle_Alpha(q_ulong *surface, tagRECT *clip, int pitch, int cx, int 
     const Centre centre = {surface, pitch, cx, cy};
     const auto weight = static_cast<q_ulong>(alpha);
     forEachInDisc(centre, radius, offsetsFrom(centre, windowOf(*clip)), [=](q_ulong &d, int) {
-        const auto mixed = [weight](q_ulong old, q_ulong c) { return mixture256(old, c, weight) >> 8 & 0xFF; };
-        d = mixed(redOf(d), redOf(colour)) << 16 | mixed(greenOf(d), greenOf(colour)) << 8 |
-            mixed(blueOf(d), blueOf(colour));
+        d = channelwise([weight](q_ulong old, q_ulong c) { return mixture256(old, c, weight) >> 8 & 0xFF; }, d, colour);
     });
 }
 
@@ -50,6 +48,6 @@ void Draw_Metal_Circle(q_ulong *surface, int pitch, int cx, int cy, int radius, 
             return static_cast<q_ulong>(static_cast<int>(share * (c - 255)) >> 16) + 255;
         };
         // Meant: red is the colour's upper half, and 16 bits of what becomes of it are kept.
-        d = shade(colour >> 16) << 16 | shade(greenOf(colour)) << 8 | shade(blueOf(colour));
+        d = upperHalfChannelwise(shade, colour);
     });
 }

@@ -1,18 +1,13 @@
+#include "base/scratch.h"
 #include "blending.h"
 #include "q_Mur/draw.h"
 #include "walks/lines.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 
 namespace {
 
 using namespace qmur;
-
-constexpr bool contains(Span span, int value) {
-    return span.begin <= value && value < span.end;
-}
 
 /// Fills the shades of a tube from its centre outwards: white to the colour over the first half, the colour to black
 /// over the second. Meant: a single shade is of the second half, and black.
@@ -27,7 +22,7 @@ void fillShades(q_ulong *shades, int count, q_ulong colour) {
     };
     // Meant: red and blue change places.
     const auto exchanged = [colour](auto shade, int i) {
-        return shade(blueOf(colour), i) << 16 | shade(greenOf(colour), i) << 8 | shade(redOf(colour), i);
+        return pixelOf(shade(blueOf(colour), i), shade(greenOf(colour), i), shade(redOf(colour), i));
     };
     for (int i = 0; i < half; ++i)
         shades[i] = exchanged(towardsColour, i);
@@ -67,11 +62,10 @@ void DDLine_Fat(q_ulong *surface, tagRECT *clip, int pitch, int x1, int y1, int 
     const int count = wrapAdd(halfWidth, 1);
     const Line line = lineBetween(x1, y1, x2, y2, pitch, windowOf(*clip));
     // Meant: a first end outside along the major axis drops the whole line.
-    if (count < 1 || !contains(line.major.clip, line.major.first))
+    if (count < 1 || !line.major.clip.contains(line.major.first))
         return;
-    const std::unique_ptr<q_ulong, decltype(&std::free)> table(
-        static_cast<q_ulong *>(std::calloc(static_cast<std::size_t>(count), sizeof(q_ulong))), &std::free);
-    q_ulong *const shades = table.get();
+    const Scratch<q_ulong> table(count);
+    q_ulong *const shades = table.data();
     if (!shades)
         return;
     fillShades(shades, count, colour);
@@ -89,7 +83,7 @@ void DDLine_Fat(q_ulong *surface, tagRECT *clip, int pitch, int x1, int y1, int 
     };
     drawSection(line.major.first, line.minor.first);
     forEachStep(line, [=](int major, int minor) {
-        if (contains(line.major.clip, major))
+        if (line.major.clip.contains(major))
             drawSection(major, minor);
     });
 }
@@ -106,12 +100,12 @@ void DDLine_Color_Change(q_ulong *surface, int pitch, int x1, int y1, int x2, in
     };
     const auto byteOf = [](const Ramp &ramp) { return static_cast<q_ulong>(ramp.change / 65536 + ramp.start) & 0xFF; };
     // Meant: red is the colours' whole upper halves, so a top byte bends its change.
-    ColourRamp ramp = {rampBetween(colour1 >> 16, colour2 >> 16), rampBetween(greenOf(colour1), greenOf(colour2)),
-                       rampBetween(blueOf(colour1), blueOf(colour2))};
+    ColourRamp ramp = {rampBetween(upperHalfOf(colour1), upperHalfOf(colour2)),
+                       rampBetween(greenOf(colour1), greenOf(colour2)), rampBetween(blueOf(colour1), blueOf(colour2))};
     forEachStep(line, [&](int major, int minor) {
         // Meant: written before it grows, so the second pixel repeats the first colour and the second colour is never
         // quite reached.
-        surface[line.indexOf(major, minor)] = byteOf(ramp.red) << 16 | byteOf(ramp.green) << 8 | byteOf(ramp.blue);
+        surface[line.indexOf(major, minor)] = pixelOf(byteOf(ramp.red), byteOf(ramp.green), byteOf(ramp.blue));
         ramp.advance();
     });
 }
@@ -126,12 +120,12 @@ void iLineAddSome(q_ulong *surface, int pitch, int x1, int y1, int x2, int y2, q
         return cappedAt255(static_cast<q_ulong>(fade.start - (fade.change >> 16)) + old);
     };
     // Meant: the colour's red is its whole upper half, the pixel's is a byte.
-    ColourRamp fade = {fadeOf(colour >> 16), fadeOf(greenOf(colour)), fadeOf(blueOf(colour))};
+    ColourRamp fade = {fadeOf(upperHalfOf(colour)), fadeOf(greenOf(colour)), fadeOf(blueOf(colour))};
     // Meant: the first end is not drawn; the pixel after it gets the whole colour.
     forEachStep(line, [&](int major, int minor) {
-        if (contains(line.major.clip, major) && contains(line.minor.clip, minor)) {
+        if (line.major.clip.contains(major) && line.minor.clip.contains(minor)) {
             q_ulong &d = surface[line.indexOf(major, minor)];
-            d = added(fade.red, redOf(d)) << 16 | added(fade.green, greenOf(d)) << 8 | added(fade.blue, blueOf(d));
+            d = pixelOf(added(fade.red, redOf(d)), added(fade.green, greenOf(d)), added(fade.blue, blueOf(d)));
         }
         fade.advance();
     });

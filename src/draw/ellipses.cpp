@@ -27,13 +27,13 @@ OuterEllipse outerEllipseOf(const tagRECT &box) {
     const int width = wrapMultiply(widthOf(box), halfRoot);
     const int height = wrapMultiply(heightOf(box), halfRoot);
     if (heightOf(box) == 0 || width >> 18 == 0)
-        return {0, 0, -1, -1, 0};
+        return {.x = 0, .y = 0, .halfWidth = -1, .halfHeight = -1, .ratio = 0};
     const int halfWidth = width >> 19;
-    return {wrapAdd(static_cast<int>(box.left), static_cast<int>(box.right)) >> 1,
-            wrapAdd(static_cast<int>(box.top), static_cast<int>(box.bottom)) >> 1, halfWidth,
-            (height >> 18) * halfWidth / (width >> 18),
-            // Divided in 64 bits: the least number over -1 would trap in 32.
-            static_cast<int>(static_cast<long long>(widthOf(box) << 20) / heightOf(box))};
+    return {.x = wrapAdd(static_cast<int>(box.left), static_cast<int>(box.right)) >> 1,
+            .y = wrapAdd(static_cast<int>(box.top), static_cast<int>(box.bottom)) >> 1,
+            .halfWidth = halfWidth,
+            .halfHeight = (height >> 18) * halfWidth / (width >> 18),
+            .ratio = wrapDivide(widthOf(box) << 20, heightOf(box))};
 }
 
 } // namespace
@@ -49,13 +49,13 @@ void Draw_Outer_Ellipse_NoFillInside(q_ulong *surface, int pitch, tagRECT *clip,
 void Draw_Outer_Ellipse_AlphaFast(q_ulong *surface, int pitch, tagRECT *clip, tagRECT *box, int, q_ulong colour) {
     const OuterEllipse ellipse = outerEllipseOf(*box);
     const Window window = windowOf(*clip);
-    if (window.columns.empty() || window.rows.empty())
+    if (window.empty())
         return;
     const Centre centre = {surface, pitch, ellipse.x, ellipse.y};
     const Window offsets = offsetsFrom(centre, window);
     const auto mixRun = [&](Span run, int dy) {
         const Span columns = intersection(run, offsets.columns);
-        if (columns.empty() || dy < offsets.rows.begin || dy >= offsets.rows.end)
+        if (columns.empty() || !offsets.rows.contains(dy))
             return;
         q_ulong *const first = centre.pixel(columns.begin, dy);
         for (int i = 0; i < columns.length(); ++i)

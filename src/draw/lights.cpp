@@ -14,7 +14,7 @@ void addLight(const Centre &centre, const Window &offsets, int radius, q_ulong c
         const int half = tableHalfChord(radiusSquare - dy * dy);
         return Span{-half, half};
     };
-    forEachRun(centre, intersection(squareUpTo(radius), offsets), chord, [=](q_ulong *first, Span columns, int dy) {
+    forEachRun(centre, squareUpTo(radius).within(offsets), chord, [=](q_ulong *first, Span columns, int dy) {
         const int chordSquare = radiusSquare - dy * dy;
         addRun<8>(first, columns, colour,
                   [=](int dx) { return static_cast<q_ulong>(chordSquare - dx * dx) * scale >> 19; });
@@ -45,7 +45,7 @@ void Draw_Circle_Light(q_ulong *surface, int pitch, int cx, int cy, int radius, 
     forEachInDisc({surface, pitch, cx, cy}, radius, unclipped, [=](q_ulong &d, int square) {
         const q_ulong oldShare = static_cast<q_ulong>(square) * inverse >> 8 & 0xFFFF;
         // Meant: old red is the whole upper half, so a top byte disturbs it.
-        d = (mixture256(red, d >> 16, oldShare) << 8 & redMask) |
+        d = (mixture256(red, upperHalfOf(d), oldShare) << 8 & redMask) |
             (mixture256(green, greenOf(d), oldShare) & greenMask) | mixture256(blue, blueOf(d), oldShare) >> 8;
     });
 }

@@ -23,7 +23,7 @@ void drawOutline(const Centre &centre, const Window &offsets, int halfWidth, int
     const int rim = wrapMultiply(halfWidth, halfWidth);
     const auto fill = [&](Span run, int dy) {
         const Span columns = intersection(run, offsets.columns);
-        if (!columns.empty() && offsets.rows.begin <= dy && dy < offsets.rows.end)
+        if (!columns.empty() && offsets.rows.contains(dy))
             std::fill_n(centre.pixel(columns.begin, dy), columns.length(), colour);
     };
     for (int dy = -halfHeight; dy <= 0; ++dy) {

@@ -29,14 +29,14 @@ public:
     void forEachPixel(const Centre &centre, const Window &offsets, Pixel pixel) const {
         if (reach < 0)
             return;
-        forEachInRing(centre, intersection(squareThrough(reach), offsets), lowSquare, highSquare,
+        forEachInRing(centre, squareThrough(reach).within(offsets), lowSquare, highSquare,
                       [&pixel, band = *this](q_ulong &d, int square) { pixel(d, band.weightAt(square)); });
     }
 
 private:
     q_ulong weightAt(int square) const {
         const int fromCircle = wrapSubtract(iSqrt[square >> 2], circle);
-        const int fromEdge = wrapSubtract(halfWidth, fromCircle < 0 ? wrapSubtract(0, fromCircle) : fromCircle);
+        const int fromEdge = wrapSubtract(halfWidth, magnitudeOf(fromCircle));
         return static_cast<q_ulong>(wrapMultiply(fromEdge, inverse) >> 16);
     }
 
@@ -57,8 +57,7 @@ void Draw_Anti_Aliasing_Circle_NoFillInside(q_ulong *surface, int pitch, int cx,
     const auto blend = [colour](q_ulong &d, q_ulong weight) {
         const auto mixed = [weight](q_ulong old, q_ulong c) { return mixture256(old, c, weight) >> 8; };
         // Meant: red is blended together with the top byte, which fades instead of being cleared.
-        d = mixed(d >> 16, colour >> 16) << 16 | mixed(greenOf(d), greenOf(colour)) << 8 |
-            mixed(blueOf(d), blueOf(colour));
+        d = upperHalfChannelwise(mixed, d, colour);
     };
     const Centre centre = {surface, pitch, cx, cy};
     const Band band(radius, thickness);

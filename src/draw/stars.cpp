@@ -1,6 +1,7 @@
 #include "blending.h"
 #include "q_Mur/draw.h"
 #include "walks/round.h"
+#include "walks/spikes.h"
 
 #include <initializer_list>
 
@@ -35,7 +36,7 @@ void addStar(const Centre &centre, const Window &offsets, const Star &star) {
         const int half = star.halfChordAt(dy);
         return Span{-half, half};
     };
-    forEachRun(centre, intersection(squareUpTo(star.radius), offsets), chord,
+    forEachRun(centre, squareUpTo(star.radius).within(offsets), chord,
                [&star](q_ulong *first, Span columns, int dy) { star.addRow(first, columns, dy); });
 }
 
@@ -103,25 +104,7 @@ void Draw_Star_Type3(q_ulong *surface, int pitch, int cx, int cy, int radius, q_
 
 void Draw_One_Star_Add(q_ulong *surface, int pitch, tagRECT *clip, int x, int y, int size, int red, int green,
                        int blue) {
-    const Centre centre = {surface, pitch, x, y};
-    const Window offsets = offsetsFrom(centre, windowOf(*clip));
-    const auto holdsCentre = [](Span span) { return span.begin <= 0 && span.end > 1; };
-    // Meant: a centre outside the clip, in its last column or in its last row drops both spikes.
-    if (size < 1 || !holdsCentre(offsets.columns) || !holdsCentre(offsets.rows))
+    if (size < 1)
         return;
-    const int inverse = 65536 / size;
-    const auto addSpike = [=](Span span, Distance stride) {
-        const Span spike = intersection(span, squareThrough(size).columns);
-        for (int offset = spike.begin; offset < spike.end; ++offset) {
-            q_ulong &d = centre.pixel(0, 0)[offset * stride];
-            const auto added = [distance = wrapMultiply(magnitudeOf(offset), inverse)](q_ulong old, int c) {
-                const int sum = wrapAdd(static_cast<int>(old), wrapSubtract(c, wrapMultiply(distance, c) >> 16));
-                return static_cast<q_ulong>(smaller(sum, 255)) & 0xFF;
-            };
-            d = added(redOf(d), red) << 16 | added(greenOf(d), green) << 8 | added(blueOf(d), blue);
-        }
-    };
-    // Meant: the centre is in both spikes and takes the colour twice.
-    addSpike(offsets.columns, 1);
-    addSpike(offsets.rows, pitch);
+    addSpikes({surface, pitch, x, y}, windowOf(*clip), size, {red, green, blue});
 }

@@ -60,7 +60,7 @@ void forEachSection(q_ulong *surface, const Line &line, TapOffsets taps, Section
     // Meant: the major axis reaches its limit, the minor position stays below its own.
     for (int at = first; at <= last; ++at, position = wrapAdd(position, slope)) {
         const int whole = position >> 8;
-        if (whole >= minorLimits.begin && whole < minorLimits.end)
+        if (minorLimits.contains(whole))
             section(surface + (at * major.stride + whole * minor.stride), position & 255, at);
     }
 }

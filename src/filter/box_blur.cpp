@@ -1,8 +1,7 @@
 #include "base/pixel.h"
+#include "base/scratch.h"
 #include "base/surface.h"
 #include "q_Mur/filter.h"
-
-#include <cstdlib>
 
 namespace {
 
@@ -196,8 +195,11 @@ void blurRows(const Pictures &pictures, SlidingWindow window, Edge edgeMean) {
 template <class Sums, class Edge>
 void blurColumns(const Pictures &pictures, SlidingWindow window, Edge edgeMean) {
     for (int x = 0; x < pictures.width; x += Columns<Sums>::most) {
-        Columns<Sums> columns = {pictures.dst + x, pictures.dstPitch, pictures.src + x, pictures.srcPitch,
-                                 smaller(pictures.width - x, Columns<Sums>::most)};
+        Columns<Sums> columns = {.dst = pictures.dst + x,
+                                 .dstPitch = pictures.dstPitch,
+                                 .src = pictures.src + x,
+                                 .srcPitch = pictures.srcPitch,
+                                 .count = smaller(pictures.width - x, Columns<Sums>::most)};
         slide(columns, pictures.height, window, edgeMean);
     }
 }
@@ -230,7 +232,8 @@ void blurHorizontally(q_ulong *dst, const q_ulong *src, int blurSize, int width,
     if (height < 1 || !holdsWindow(blurSize))
         return;
     const ReciprocalBlur blur(blurSize);
-    blurRows<Sums>({dst, pitch, src, pitch, width, height}, blur.window, blur.edgeMean());
+    blurRows<Sums>({.dst = dst, .dstPitch = pitch, .src = src, .srcPitch = pitch, .width = width, .height = height},
+                   blur.window, blur.edgeMean());
 }
 
 template <class Sums>
@@ -238,7 +241,8 @@ void blurVertically(q_ulong *dst, const q_ulong *src, int blurSize, int width, i
     if (width < 1 || !holdsWindow(blurSize))
         return;
     const ReciprocalBlur blur(blurSize);
-    blurColumns<Sums>({dst, pitch, src, pitch, width, height}, blur.window, blur.edgeMean());
+    blurColumns<Sums>({.dst = dst, .dstPitch = pitch, .src = src, .srcPitch = pitch, .width = width, .height = height},
+                      blur.window, blur.edgeMean());
 }
 
 } // namespace
@@ -248,9 +252,8 @@ void Blur_Rect(q_ulong *surface, tagRECT *rect, int pitch, int radius) {
     const int height = heightOf(*rect);
     if (radius < 0 || width < 1 || height < 1 || radius > width / 2 || radius > height / 2)
         return;
-    auto *const scratch =
-        static_cast<q_ulong *>(std::malloc(static_cast<std::size_t>(width) * height * sizeof(q_ulong)));
-    if (!scratch)
+    const Scratch<q_ulong> blurred(static_cast<long long>(width) * height);
+    if (!blurred)
         return;
     q_ulong *const first = pixelAt(surface, pitch, rect->left, rect->top);
     // At the edges the mean is a true division, which the reciprocal of the middle does not always reach.
@@ -258,9 +261,12 @@ void Blur_Rect(q_ulong *surface, tagRECT *rect, int pitch, int radius) {
         return [divisor = static_cast<q_ulong>(count)](const ColourSums &sums) { return sums.dividedBy(divisor); };
     };
     const SlidingWindow window = {radius, radius};
-    blurRows<ColourSums>({scratch, width, first, pitch, width, height}, window, edgeMean);
-    blurColumns<ColourSums>({first, pitch, scratch, width, width, height}, window, edgeMean);
-    std::free(scratch);
+    blurRows<ColourSums>(
+        {.dst = blurred.data(), .dstPitch = width, .src = first, .srcPitch = pitch, .width = width, .height = height},
+        window, edgeMean);
+    blurColumns<ColourSums>(
+        {.dst = first, .dstPitch = pitch, .src = blurred.data(), .srcPitch = width, .width = width, .height = height},
+        window, edgeMean);
 }
 
 void Hor_Blur(q_ulong *dst, q_ulong *src, int blurSize, int width, int height, int pitch) {

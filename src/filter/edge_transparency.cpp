@@ -32,11 +32,6 @@ struct Strip {
     }
 };
 
-/// Divided in 64 bits: the least number over -1 would trap in 32.
-constexpr int slopeOf(int rise, int run) {
-    return static_cast<int>(static_cast<long long>(rise << 15) / run);
-}
-
 /// The part within `clip` of a stretch whose last pixel belongs to it. The clip must not be empty.
 constexpr Span includingLast(Span stretch, Span clip) {
     return {larger(stretch.begin, clip.begin), smaller(stretch.end, clip.end - 1) + 1};
@@ -132,7 +127,7 @@ void Edge_Transparency(q_ulong *out, q_ulong *imageA, q_ulong *imageB, tagPOINT 
 
     const q_ulong *const high = swapImages ? imageA : imageB;
     const q_ulong *const low = swapImages ? imageB : imageA;
-    const Strip strip = {slopeOf(rise, run), direction.band, 16777216 / extent};
+    const Strip strip = {wrapDivide(rise << 15, run), direction.band, 16777216 / extent};
     const Span clipRowsButLast = {clipRows.begin, clipRows.end - 1};
 
     // Meant: either walk includes its last column and leaves out its last row.

@@ -1,30 +1,12 @@
+#include "base/scratch.h"
 #include "base/vector.h"
 #include "base/wide.h"
 #include "distance_field.h"
 #include "q_Mur/filter.h"
 
-#include <cstdlib>
-
 namespace {
 
 using namespace qmur;
-
-/// Memory of one call, zeroed; empty if there is none to be had.
-template <class Element>
-class Scratch {
-public:
-    explicit Scratch(Distance count)
-        : elements(static_cast<Element *>(std::calloc(static_cast<std::size_t>(count), sizeof(Element)))) {}
-    ~Scratch() { std::free(elements); }
-    Scratch(const Scratch &) = delete;
-    Scratch &operator=(const Scratch &) = delete;
-
-    explicit operator bool() const { return elements != nullptr; }
-    Element *data() const { return elements; }
-
-private:
-    Element *elements;
-};
 
 /// A rectangle of a surface that is turned into a relief: what is not 0 is the shape.
 struct Shape {
@@ -57,7 +39,8 @@ struct Shape {
 class HeightPlane {
 public:
     explicit HeightPlane(const Shape &shape)
-        : elements((shape.height + 2) * (shape.pitch + 2)), first(elements.data() + shape.pitch + 3) {}
+        : elements(Scratch<float>::zeroed((shape.height + 2) * (shape.pitch + 2))),
+          first(elements.data() + shape.pitch + 3) {}
 
     explicit operator bool() const { return static_cast<bool>(elements); }
     float &operator[](Distance index) const { return first[index]; }
@@ -70,7 +53,7 @@ private:
 /// The ring numbers of the shape's pixels; see findRings().
 class Rings {
 public:
-    explicit Rings(const Shape &shape) : numbers(shape.wordCount()) {
+    explicit Rings(const Shape &shape) : numbers(Scratch<int>::zeroed(shape.wordCount())) {
         if (!numbers)
             return;
         // A block that starts inside a row ends inside the row behind the rectangle, which need not exist: it is read
@@ -87,11 +70,11 @@ public:
 
     /// False if there is no memory, or no black word from which a ring could be counted.
     explicit operator bool() const { return numbers && found; }
-    int operator[](Distance index) const { return numbers.data()[index]; }
+    int operator[](Distance index) const { return numbers[index]; }
 
     int largestOf(const Shape &shape) const {
         int largest = 0;
-        shape.forEachPixel([&](Distance index) { largest = larger(largest, numbers.data()[index]); });
+        shape.forEachPixel([&](Distance index) { largest = larger(largest, numbers[index]); });
         return largest;
     }
 
@@ -100,7 +83,7 @@ private:
     bool searchesReach(const Shape &shape, Distance first) const {
         bool reached = false;
         shape.forEachPixel([&](Distance index) {
-            const Distance ring = numbers.data()[index];
+            const Distance ring = numbers[index];
             // The topmost row of the square that reaches as far as `first`.
             const Distance missing = first - (index + ring);
             Distance dy = missing > 0 ? (missing + shape.pitch - 1) / shape.pitch : missing / shape.pitch;
@@ -134,8 +117,8 @@ bool raiseByRings(const Shape &shape, const HeightPlane &heights, HeightOf heigh
     if (!heightOfRing)
         return false;
     for (int ring = 1; ring <= largest; ++ring)
-        heightOfRing.data()[ring] = heightOf(wrapMultiply(ring, ring));
-    shape.forEachPixel([&](Distance index) { heights[index] = heightOfRing.data()[rings[index]]; });
+        heightOfRing[ring] = heightOf(wrapMultiply(ring, ring));
+    shape.forEachPixel([&](Distance index) { heights[index] = heightOfRing[rings[index]]; });
     return true;
 }
 
@@ -160,7 +143,8 @@ bool raiseByLimitedSearch(const Shape &shape, const HeightPlane &heights, int ha
 }
 
 /// Replaces each height of the shape by the mean over the 5 by 5 square around it, wherever that lies in the block.
-void smoothBlock(const Shape &shape, const HeightPlane &heights, const HeightPlane &smoothed) {
+/// Always succeeds.
+bool smoothBlock(const Shape &shape, const HeightPlane &heights, const HeightPlane &smoothed) {
     const Distance count = shape.wordCount();
     shape.forEachPixel([&](Distance index) {
         Wide sum = 0;
@@ -172,6 +156,7 @@ void smoothBlock(const Shape &shape, const HeightPlane &heights, const HeightPla
             }
         smoothed[index] = static_cast<float>(sum * 0.04);
     });
+    return true;
 }
 
 /// The same over a square of 2 `reach` + 1 on a side, with running sums, which are exact: heights are floats of 1 and
@@ -182,7 +167,7 @@ bool smoothSource(const Shape &shape, const HeightPlane &heights, const HeightPl
     const Distance count = shape.wordCount();
     const Distance rowSumCount = count + 2 * static_cast<Distance>(reach);
     const Scratch<Wide> rowSums(rowSumCount);
-    const Scratch<Wide> columnSums(shape.pitch);
+    const auto columnSums = Scratch<Wide>::zeroed(shape.pitch);
     if (!rowSums || !columnSums)
         return false;
     const int side = wrapAdd(wrapMultiply(2, reach), 1);
@@ -192,14 +177,14 @@ bool smoothSource(const Shape &shape, const HeightPlane &heights, const HeightPl
     Wide running = 0;
     for (Distance i = 0; i < rowSumCount; ++i) { // the sum around index i - reach
         running += heightAt(i);
-        rowSums.data()[i] = running;
+        rowSums[i] = running;
         running -= heightAt(i - 2 * static_cast<Distance>(reach));
     }
     const auto addRow = [&](Distance y, Wide sign) {
         for (Distance x = 0; x < shape.pitch; ++x) {
             const Distance i = y * shape.pitch + x + reach;
             if (i >= 0 && i < rowSumCount)
-                columnSums.data()[x] += sign * rowSums.data()[i];
+                columnSums[x] += sign * rowSums[i];
         }
     };
     // Rows above the block reach into it with their windows as well.
@@ -209,7 +194,7 @@ bool smoothSource(const Shape &shape, const HeightPlane &heights, const HeightPl
         addRow(y + reach, 1);
         for (Distance x = 0; x < shape.width; ++x)
             if (shape.words[y * shape.pitch + x] != 0)
-                smoothed[y * shape.pitch + x] = static_cast<float>(columnSums.data()[x] * scale);
+                smoothed[y * shape.pitch + x] = static_cast<float>(columnSums[x] * scale);
         addRow(y - reach, -1);
     }
     return true;
@@ -284,90 +269,98 @@ void storeLight(const Shape &shape, WordOf wordOf) {
         }
 }
 
-constexpr float blockLight = 0.7F;
+/// The light of the block forms, and their word: the highlight above, the diffuse light below, neither limited.
+struct BlockForm {
+    static Light light() { return {0.7F, 0.7F, -0.7F, 256}; }
 
-/// The word of the block forms: the highlight above, the diffuse light below, neither limited.
-q_ulong blockWord(const Light &light, const _POINT3DFLOAT &normal) {
-    return static_cast<q_ulong>(light.specular(normal)) << 16 | static_cast<q_ulong>(light.diffuse(normal) + 100);
+    static q_ulong word(const Light &light, const _POINT3DFLOAT &normal) {
+        return static_cast<q_ulong>(light.specular(normal)) << 16 | static_cast<q_ulong>(light.diffuse(normal) + 100);
+    }
+};
+
+/// The light of the source form, and its word: slopes, highlight and diffuse light, a byte each. Meant: the sign of a
+/// negative slope in y covers the slope in x.
+struct SourceForm {
+    static Light light() { return {1, 1, -1, 512}; }
+
+    static q_ulong word(const Light &light, const _POINT3DFLOAT &normal) {
+        int word = truncateToInt(64 * static_cast<Wide>(normal.x));
+        word = word << 8 | truncateToInt(64 * static_cast<Wide>(normal.y));
+        word = word << 8 | smaller(light.specular(normal), 255);
+        word = word << 8 | smaller(light.diffuse(normal) + 100, 255);
+        return static_cast<q_ulong>(word);
+    }
+};
+
+/// Turns the shape in a rectangle into light. `raise(shape, heights)` sets its heights and `smooth(shape, heights,
+/// smoothed)` takes their means; either may say that it could not, and the picture stays as it is.
+template <class Form, auto normalAt, class Raise, class Smooth>
+void convert(q_ulong *surface, const tagRECT &rect, int pitch, int heightScale, Raise raise, Smooth smooth) {
+    const Shape shape(surface, rect, pitch);
+    if (shape.empty())
+        return;
+    const HeightPlane heights(shape);
+    const HeightPlane smoothed(shape);
+    if (!heights || !smoothed)
+        return;
+    atFullWidth([&] {
+        if (!raise(shape, heights) || !smooth(shape, heights, smoothed))
+            return;
+        const Relief relief(shape, smoothed, heightScale);
+        const Light light = Form::light();
+        storeLight(shape, [&](Distance x, Distance y) { return Form::word(light, (relief.*normalAt)(x, y)); });
+    });
 }
 
-/// The word of the source form: slopes, highlight and diffuse light, a byte each. Meant: the sign of a negative slope
-/// in y covers the slope in x.
-q_ulong sourceWord(const Light &light, const _POINT3DFLOAT &normal) {
-    int word = truncateToInt(64 * static_cast<Wide>(normal.x));
-    word = word << 8 | truncateToInt(64 * static_cast<Wide>(normal.y));
-    word = word << 8 | smaller(light.specular(normal), 255);
-    word = word << 8 | smaller(light.diffuse(normal) + 100, 255);
-    return static_cast<q_ulong>(word);
+/// The height of the source form over a squared ring number.
+float profileHeight(int distanceSquare, int profile, int half) {
+    const Wide distance = squareRoot(distanceSquare);
+    switch (profile) {
+    case 0:
+        return static_cast<float>(distance + distance);
+    case 1:
+        return static_cast<float>(distanceSquare * 0.5L);
+    case 2: {
+        const auto full = static_cast<float>(wrapMultiply(2, half));
+        return static_cast<float>(distance < full ? squareRoot((full - distance) * distance) : half);
+    }
+    default:
+        return 0;
+    }
 }
 
 } // namespace
 
 void ConvertBlock2LightInfom(q_ulong *surface, tagRECT *rect, int pitch, int heightScale, int bevelSize, int,
                              int limit) {
-    const Shape shape(surface, *rect, pitch);
-    if (shape.empty())
-        return;
-    const HeightPlane heights(shape);
-    const HeightPlane smoothed(shape);
-    if (!heights || !smoothed)
-        return;
-    atFullWidth([&, half = bevelSize >> 1] {
-        if (!raiseByLimitedSearch(shape, heights, half, limit))
-            return;
-        smoothBlock(shape, heights, smoothed);
-        const Relief relief(shape, smoothed, heightScale);
-        const Light light(blockLight, blockLight, -blockLight, 256);
-        storeLight(shape, [&](Distance x, Distance y) { return blockWord(light, relief.edgeNormal(x, y)); });
-    });
+    const int half = bevelSize >> 1;
+    convert<BlockForm, &Relief::edgeNormal>(
+        surface, *rect, pitch, heightScale,
+        [=](const Shape &shape, const HeightPlane &heights) {
+            return raiseByLimitedSearch(shape, heights, half, limit);
+        },
+        smoothBlock);
 }
 
 void ConvertBlock2LightInfom(q_ulong *surface, tagRECT *rect, int pitch, int heightScale, int bevelSize, int) {
-    const Shape shape(surface, *rect, pitch);
-    if (shape.empty())
-        return;
-    const HeightPlane heights(shape);
-    const HeightPlane smoothed(shape);
-    if (!heights || !smoothed)
-        return;
-    atFullWidth([&, half = bevelSize >> 1] {
-        if (!raiseByRings(shape, heights, [half](int distanceSquare) { return roundedHeight(distanceSquare, half); }))
-            return;
-        smoothBlock(shape, heights, smoothed);
-        const Relief relief(shape, smoothed, heightScale);
-        const Light light(blockLight, blockLight, -blockLight, 256);
-        storeLight(shape, [&](Distance x, Distance y) { return blockWord(light, relief.diagonalNormal(x, y)); });
-    });
+    const int half = bevelSize >> 1;
+    convert<BlockForm, &Relief::diagonalNormal>(
+        surface, *rect, pitch, heightScale,
+        [=](const Shape &shape, const HeightPlane &heights) {
+            return raiseByRings(shape, heights, [half](int square) { return roundedHeight(square, half); });
+        },
+        smoothBlock);
 }
 
 void ConvertSrc2LightInfom(q_ulong *surface, tagRECT *rect, int pitch, int heightScale, int bevelSize, int profile) {
-    const Shape shape(surface, *rect, pitch);
-    if (shape.empty())
-        return;
-    const HeightPlane heights(shape);
-    const HeightPlane smoothed(shape);
-    if (!heights || !smoothed)
-        return;
-    atFullWidth([&, half = bevelSize >> 1, reach = bevelSize / 8] {
-        const bool raised = raiseByRings(shape, heights, [half, profile](int distanceSquare) {
-            const Wide distance = squareRoot(distanceSquare);
-            switch (profile) {
-            case 0:
-                return static_cast<float>(distance + distance);
-            case 1:
-                return static_cast<float>(distanceSquare * 0.5L);
-            case 2: {
-                const auto full = static_cast<float>(wrapMultiply(2, half));
-                return static_cast<float>(distance < full ? squareRoot((full - distance) * distance) : half);
-            }
-            default:
-                return 0.0F;
-            }
+    const int half = bevelSize >> 1;
+    const int reach = bevelSize / 8;
+    convert<SourceForm, &Relief::edgeNormal>(
+        surface, *rect, pitch, heightScale,
+        [=](const Shape &shape, const HeightPlane &heights) {
+            return raiseByRings(shape, heights, [=](int square) { return profileHeight(square, profile, half); });
+        },
+        [reach](const Shape &shape, const HeightPlane &heights, const HeightPlane &smoothed) {
+            return smoothSource(shape, heights, smoothed, reach);
         });
-        if (!raised || !smoothSource(shape, heights, smoothed, reach))
-            return;
-        const Relief relief(shape, smoothed, heightScale);
-        const Light light(1, 1, -1, 512);
-        storeLight(shape, [&](Distance x, Distance y) { return sourceWord(light, relief.edgeNormal(x, y)); });
-    });
 }

@@ -1,4 +1,5 @@
 #include "base/pixel.h"
+#include "base/scratch.h"
 #include "base/surface.h"
 #include "q_Mur/filter.h"
 
@@ -26,11 +27,11 @@ void filterInterior(q_ulong *surface, const tagRECT &rect, Distance pitch, Filte
         return;
     // A row is overwritten while it and the one above are still wanted: two rows of originals are kept.
     const std::size_t rowBytes = static_cast<std::size_t>(width) * sizeof(q_ulong);
-    auto *const scratch = static_cast<q_ulong *>(std::malloc(2 * rowBytes));
-    if (!scratch)
+    const Scratch<q_ulong> originals(2LL * width);
+    if (!originals)
         return;
-    q_ulong *above = scratch;
-    q_ulong *current = scratch + width;
+    q_ulong *above = originals.data();
+    q_ulong *current = above + width;
     q_ulong *row = pixelAt(surface, pitch, rect.left, rect.top);
     std::memcpy(above, row, rowBytes);
     for (int y = 1; y < height - 1; ++y) {
@@ -41,7 +42,6 @@ void filterInterior(q_ulong *surface, const tagRECT &rect, Distance pitch, Filte
             row[x] = filtered(rows, x);
         std::swap(above, current);
     }
-    std::free(scratch);
 }
 
 /// The sum of four quarters in each channel; white comes out as 0xFCFCFC.

@@ -1,4 +1,5 @@
 #include "base/integers.h"
+#include "base/pixel.h"
 #include "base/wide.h"
 #include "q_Mur/frame.h"
 
@@ -87,9 +88,7 @@ double randDouble(double low, double high) {
 int randIntGauss(int low, int high, int count) {
     // Meant: a count of 0 faults. Volatile, or the compiler concludes that a sum without draws needs no division.
     const volatile int scaled = qmur::wrapMultiply(sumOfDraws(count), qmur::wrapSubtract(high, low));
-    // Divided in 64 bits: some billion draws could bring about the least number over -1, which would trap in 32.
-    const long long mean = static_cast<long long>(scaled) / qmur::wrapMultiply(count, largestDraw);
-    return qmur::wrapAdd(static_cast<int>(mean), low);
+    return qmur::wrapAdd(qmur::wrapDivide(scaled, qmur::wrapMultiply(count, largestDraw)), low);
 }
 
 float randFloatGauss(float low, float high, int count) {
@@ -105,7 +104,7 @@ q_ulong randColor() {
     const q_ulong red = channel();
     const q_ulong green = channel();
     const q_ulong blue = channel();
-    return red << 16 | green << 8 | blue;
+    return qmur::pixelOf(red, green, blue);
 }
 
 q_ulong randRainbowColor() {
@@ -114,5 +113,5 @@ q_ulong randRainbowColor() {
     const int opposite = ((angle + 32768) & 0xFFFF) >> 3;
     // A peak of 256 is not clamped: it carries into the channel above.
     const auto channel = [](int entry) { return static_cast<q_ulong>(entry / 256 + 128); };
-    return channel(iCos[index]) << 16 | channel(iSin[index]) << 8 | channel(iCos[opposite]);
+    return qmur::pixelOf(channel(iCos[index]), channel(iSin[index]), channel(iCos[opposite]));
 }

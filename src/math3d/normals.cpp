@@ -37,11 +37,5 @@ void iBubSun(_POINT3D *out, _POINT3D *p1, _POINT3D *p2, _POINT3D *p3) {
 }
 
 bool IsFront(_POINT3DFLOAT *p1, _POINT3DFLOAT *p2, _POINT3DFLOAT *p3) {
-    return atFullWidth([=] {
-        const Wide a = static_cast<Wide>(p1->x) - p2->x;
-        const Wide b = static_cast<Wide>(p1->y) - p2->y;
-        const Wide c = static_cast<Wide>(p1->x) - p3->x;
-        const Wide d = static_cast<Wide>(p1->y) - p3->y;
-        return a * d - c * b > 0;
-    });
+    return atFullWidth([=] { return facesFront(*p1, *p2, *p3); });
 }

@@ -40,7 +40,7 @@ _I3DVECTOR Normalize(_I3DVECTOR &) Q_MUR_ALIAS_OF(q_MurNormalize);
 _POINT3DFLOAT Normalize(_POINT3DFLOAT *) Q_MUR_ALIAS_OF(q_MurNormalize);
 
 int iDot_Product(_POINT3D *a, _POINT3D *b) {
-    return wrapAdd(wrapAdd(wrapMultiply(a->z, b->z), wrapMultiply(a->y, b->y)), wrapMultiply(a->x, b->x));
+    return dotProduct(*a, *b);
 }
 
 _I3DVECTOR CrossProduct(_I3DVECTOR &a, _I3DVECTOR &b) {

@@ -78,9 +78,7 @@ void iRotate3DByZ(int *a, int *b, unsigned short angle) {
 }
 
 void iRotate3DByZ(int *a, int *b, unsigned short angle, int centreA, int centreB) {
-    const IntPair pair = turned(wrapSubtract(*a, centreA), wrapSubtract(*b, centreB), TableTurn(angle));
-    *a = wrapAdd(pair.a, centreA);
-    *b = wrapAdd(pair.b, centreB);
+    turnAbout(*a, *b, TableTurn(angle), centreA, centreB);
 }
 
 void fRotate3D(float *x, float *y, float *z, float angleX, float angleY, float angleZ) {

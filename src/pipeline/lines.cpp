@@ -19,12 +19,11 @@ struct LineEnd {
 };
 
 unsigned lengthOf(int difference) {
-    return difference < 0 ? 0U - static_cast<unsigned>(difference) : static_cast<unsigned>(difference);
+    return static_cast<unsigned>(magnitudeOf(difference));
 }
 
-/// Divided in 64 bits: the least number over -1 would trap in 32.
 int slope(int difference, int length) {
-    return static_cast<int>(static_cast<long long>(difference << fractionBits) / length);
+    return wrapDivide(difference << fractionBits, length);
 }
 
 /// The destination and its Z plane, as a line walks over them.
@@ -56,7 +55,7 @@ void drawLine(const Canvas &canvas, LineEnd a, LineEnd b, Span alongLimits, Span
     for (int along = walk.begin; along < walk.end;
          ++along, across = wrapAdd(across, acrossSlope), depth = wrapAdd(depth, depthSlope)) {
         const int position = across >> fractionBits;
-        if (position < acrossLimits.begin || position >= acrossLimits.end)
+        if (!acrossLimits.contains(position))
             continue;
         const int z = depth >> fractionBits;
         const auto fraction = static_cast<q_ulong>(across & 255);
@@ -97,9 +96,11 @@ void VKD_3D_Line(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong 
     const Distance rowStep = asDistance(pitch);
     const bool steep = lengthOf(wrapSubtract(b->x, a->x)) <= lengthOf(wrapSubtract(b->y, a->y));
     if (steep)
-        drawLine({dst, data->zBuffer, rowStep, 1, *colourA}, {a->y, a->x, a->z}, {b->y, b->x, b->z}, rows, columns);
+        drawLine({.dst = dst, .zBuffer = data->zBuffer, .stepAlong = rowStep, .stepAcross = 1, .colour = *colourA},
+                 {a->y, a->x, a->z}, {b->y, b->x, b->z}, rows, columns);
     else
-        drawLine({dst, data->zBuffer, 1, rowStep, *colourA}, {a->x, a->y, a->z}, {b->x, b->y, b->z}, columns, rows);
+        drawLine({.dst = dst, .zBuffer = data->zBuffer, .stepAlong = 1, .stepAcross = rowStep, .colour = *colourA},
+                 {a->x, a->y, a->z}, {b->x, b->y, b->z}, columns, rows);
 }
 
 void VKD_Render_3D_Line(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, _POINT3DFLOAT *points,

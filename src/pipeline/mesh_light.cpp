@@ -1,22 +1,18 @@
 #include "mesh_light.h"
 
 #include "base/pixel.h"
-#include "q_Mur/math3d.h"
 #include "walks/lighting.h"
 
 namespace qmur {
 namespace {
 
-/// Capped at 255. A channel below 0 stays as it is and runs into those above it.
-q_ulong litChannel(q_ulong channel, VertexLight light) {
-    const q_ulong scaledChannel = channel * static_cast<q_ulong>(light.multiplier) >> 8;
-    return static_cast<q_ulong>(smaller(wrapAdd(static_cast<int>(scaledChannel), light.highlight), 255));
-}
-
-/// Meant: red is taken with the top byte.
+/// Capped at 255. A channel below 0 stays as it is and runs into those above it. Meant: red is taken with the top byte.
 q_ulong litColour(q_ulong colour, VertexLight light) {
-    return litChannel(colour >> 16, light) << 16 | litChannel(greenOf(colour), light) << 8 |
-           litChannel(blueOf(colour), light);
+    const auto lit = [light](q_ulong channel) {
+        const q_ulong product = channel * static_cast<q_ulong>(light.multiplier) >> 8;
+        return static_cast<q_ulong>(smaller(wrapAdd(static_cast<int>(product), light.highlight), 255));
+    };
+    return upperHalfChannelwise(lit, colour);
 }
 
 } // namespace
@@ -25,8 +21,7 @@ bool lightColours(const _POINT3DFLOAT *points, q_ulong *colours, int columns, in
                   const _POINT3D &ambient, float specular, int shininess) {
     if (columns < 2 || rows < 2)
         return false;
-    _POINT3D ambientVector = ambient;
-    const int squares = iDot_Product(&ambientVector, &ambientVector);
+    const int squares = dotProduct(ambient, ambient);
     const int ambientLevel = atFullWidth([=] { return truncateToInt(squareRoot(squares)); });
     const int specularLevel = truncateToInt(specular * 256);
     lightVertices(points, columns, rows, light, ambientLevel, specularLevel, shininess,

@@ -90,11 +90,10 @@ void addBand(q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge 
     forEachPixel<additiveFractionBits>(clip, pitch, left, right, [dst](Distance i, const ShadedColumn &shade) {
         // Meant: a sum below 0 reads as a large one and saturates, and red is taken with the top byte.
         const auto sum = [](int value, q_ulong d) {
-            const q_ulong total = static_cast<q_ulong>(value >> additiveFractionBits) + d;
-            return total > 255 ? 255 : total;
+            return cappedAt255(static_cast<q_ulong>(value >> additiveFractionBits) + d);
         };
         const q_ulong d = dst[i];
-        dst[i] = sum(shade.red, d >> 16) << 16 | sum(shade.green, greenOf(d)) << 8 | sum(shade.blue, blueOf(d));
+        dst[i] = pixelOf(sum(shade.red, upperHalfOf(d)), sum(shade.green, greenOf(d)), sum(shade.blue, blueOf(d)));
     });
 }
 

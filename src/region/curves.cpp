@@ -1,4 +1,4 @@
-#include "line.h"
+#include "pen.h"
 #include "q_Mur/region.h"
 
 namespace {

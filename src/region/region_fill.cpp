@@ -87,163 +87,150 @@ struct SourceFill {
 /// How a span was reached, as the interface numbers it.
 enum Direction { atSeed = 0, goingUp = 1, goingDown = 2 };
 
-/// A level of the recursion: a span, and the level it was entered from.
-struct Level {
-    Span span;
-    Level *parent;
-};
-
-/// A fill under way. What a level need not keep for itself stands here, the column and row where the walk is and the
-/// innermost level included, so that its frame on the stack holds no more than its #Level, this walk's address and its
-/// own return. The functions below take nothing but the walk for the same reason.
+/// A fill under way, at a column and row. All that a level of the recursion need not keep for itself stands here. What
+/// a level calls besides the next one is kept out of it, lest its frame on the stack grow by what those functions need.
 template <class Fill>
-struct Walk {
+class Walk {
+public:
+    Walk(const Fill &fillToWalk, const tagRECT &limits, int startX, int startY)
+        : fill(fillToWalk), columns(columnsOf(limits)), top(static_cast<int>(limits.top)),
+          bottom(wrapSubtract(static_cast<int>(limits.bottom), 1)), x(startX), y(startY) {}
+
+    /// Returns the last column of the span that it starts in.
+    int run(int direction, Span parent) {
+        Level outer = {parent, nullptr};
+        level = &outer;
+        switch (direction) {
+        case goingUp:
+            climb();
+            break;
+        case goingDown:
+            descend();
+            break;
+        default:
+            start(direction == atSeed);
+        }
+        return x - 1;
+    }
+
+private:
+    /// A span, and the level it was entered from.
+    struct Level {
+        Span span;
+        Level *parent;
+    };
+
+    using Step = void (Walk::*)();
+
+    // One level each: entered at the walk's place, they leave it at the column behind what they have painted there.
+
+    void start(bool spreading) {
+        if (markEdge())
+            return;
+        Level own;
+        open(own);
+        if (spreading) {
+            --y;
+            enterAlongSpan<&Walk::climb>();
+            y += 2;
+            enterAlongSpan<&Walk::descend>();
+        }
+        close();
+    }
+
+    [[gnu::noinline]] void climb() {
+        if (markEdge())
+            return;
+        Level own;
+        open(own);
+        --y;
+        enterAlongSpan<&Walk::climb>();
+        y += 2;
+        enterAlongOverhangs<&Walk::descend>();
+        --y;
+        close();
+    }
+
+    [[gnu::noinline]] void descend() {
+        if (markEdge())
+            return;
+        Level own;
+        open(own);
+        --y;
+        enterAlongOverhangs<&Walk::climb>();
+        y += 2;
+        enterAlongSpan<&Walk::descend>();
+        --y;
+        close();
+    }
+
+    /// Enters the current row wherever it is open along the span.
+    template <Step enter>
+    void enterAlongSpan() {
+        x = level->span.begin;
+        while (seekOpenInSpan())
+            (this->*enter)();
+    }
+
+    /// Enters the current row wherever it is open and the span overhangs its parent's, left before right.
+    template <Step enter>
+    void enterAlongOverhangs() {
+        x = level->span.begin;
+        while (seekOpenBeforeParent())
+            (this->*enter)();
+        x = level->parent->span.end;
+        while (seekOpenInSpan())
+            (this->*enter)();
+    }
+
+    /// The first and the last row, and what lies beyond them, get one pixel and go no further.
+    [[gnu::noinline]] bool markEdge() {
+        if (y > top && y < bottom)
+            return false;
+        // Meant: the pixel at the top goes to row 0, wherever the rectangle begins.
+        fill.paintEdge(y <= top ? 0 : bottom, x);
+        ++x;
+        return true;
+    }
+
+    /// Finds the span through the walk's place, paints it, and makes it the innermost level.
+    [[gnu::noinline]] void open(Level &inner) {
+        const auto *const row = fill.scannedRow(y);
+        inner.span = {spanBegin(row, x, fill.border, columns.begin), spanEnd(row, x, fill.border, columns.end)};
+        inner.parent = level;
+        level = &inner;
+        fill.paint(y, inner.span);
+    }
+
+    /// Leaves the innermost level for the column behind its span.
+    [[gnu::noinline]] void close() {
+        x = level->span.end;
+        level = level->parent;
+    }
+
+    [[gnu::noinline]] bool seekOpenInSpan() { return seekOpen(level->span.end); }
+    [[gnu::noinline]] bool seekOpenBeforeParent() { return seekOpen(level->parent->span.begin); }
+
+    /// Moves on to a column that may be entered, before `end`; false if there is none.
+    bool seekOpen(int end) {
+        const auto *const row = fill.enteredRow(y);
+        while (x < end && row[x] == fill.border)
+            ++x;
+        return x < end;
+    }
+
     Fill fill;
     Span columns;
     int top;
     int bottom; ///< the last row
     int x;
-    Level *level; // between x and y: side by side they are moved as a vector, for which frames are kept aligned
     int y;
-
-    const Span &span() const { return level->span; }
-    const Span &parent() const { return level->parent->span; }
+    Level *level = nullptr;
 };
 
-/// The first and the last row, and what lies beyond them, get one pixel and go no further.
-template <class Fill>
-[[gnu::noinline]] bool markEdge(Walk<Fill> &walk) {
-    if (walk.y > walk.top && walk.y < walk.bottom)
-        return false;
-    // Meant: the pixel at the top goes to row 0, wherever the rectangle begins.
-    walk.fill.paintEdge(walk.y <= walk.top ? 0 : walk.bottom, walk.x);
-    ++walk.x;
-    return true;
-}
-
-/// Finds the span through the walk's place, paints it, and makes it the innermost level.
-template <class Fill>
-[[gnu::noinline]] void open(Walk<Fill> &walk, Level &inner) {
-    const auto *const row = walk.fill.scannedRow(walk.y);
-    inner.span = {spanBegin(row, walk.x, walk.fill.border, walk.columns.begin),
-                  spanEnd(row, walk.x, walk.fill.border, walk.columns.end)};
-    inner.parent = walk.level;
-    walk.level = &inner;
-    walk.fill.paint(walk.y, inner.span);
-}
-
-/// Leaves the innermost level for the column behind its span.
-template <class Fill>
-[[gnu::noinline]] void close(Walk<Fill> &walk) {
-    walk.x = walk.span().end;
-    walk.level = walk.level->parent;
-}
-
-/// Moves on to a column that may be entered, before `end`; false if there is none.
-template <class Fill>
-bool seekOpen(Walk<Fill> &walk, int end) {
-    const auto *const row = walk.fill.enteredRow(walk.y);
-    int x = walk.x;
-    while (x < end && row[x] == walk.fill.border)
-        ++x;
-    walk.x = x;
-    return x < end;
-}
-
-template <class Fill>
-[[gnu::noinline]] bool seekOpenInSpan(Walk<Fill> &walk) {
-    return seekOpen(walk, walk.span().end);
-}
-
-template <class Fill>
-[[gnu::noinline]] bool seekOpenBeforeParent(Walk<Fill> &walk) {
-    return seekOpen(walk, walk.parent().begin);
-}
-
-/// Enters the current row wherever it is open along the span.
-template <auto enter, class Fill>
-[[gnu::always_inline]] inline void enterAlongSpan(Walk<Fill> &walk) {
-    walk.x = walk.span().begin;
-    while (seekOpenInSpan(walk))
-        enter(walk);
-}
-
-/// Enters the current row wherever it is open and the span overhangs its parent's, left before right.
-template <auto enter, class Fill>
-[[gnu::always_inline]] inline void enterAlongOverhangs(Walk<Fill> &walk) {
-    walk.x = walk.span().begin;
-    while (seekOpenBeforeParent(walk))
-        enter(walk);
-    walk.x = walk.parent().end;
-    while (seekOpenInSpan(walk))
-        enter(walk);
-}
-
-// One level each: entered at the walk's place, they leave it at the column behind what they have painted there.
-
-template <class Fill>
-[[gnu::noinline]] void descend(Walk<Fill> &walk);
-
-template <class Fill>
-[[gnu::noinline]] void climb(Walk<Fill> &walk) {
-    if (markEdge(walk))
-        return;
-    Level level;
-    open(walk, level);
-    walk.y -= 1;
-    enterAlongSpan<climb<Fill>>(walk);
-    walk.y += 2;
-    enterAlongOverhangs<descend<Fill>>(walk);
-    walk.y -= 1;
-    close(walk);
-}
-
-template <class Fill>
-[[gnu::noinline]] void descend(Walk<Fill> &walk) {
-    if (markEdge(walk))
-        return;
-    Level level;
-    open(walk, level);
-    walk.y -= 1;
-    enterAlongOverhangs<climb<Fill>>(walk);
-    walk.y += 2;
-    enterAlongSpan<descend<Fill>>(walk);
-    walk.y -= 1;
-    close(walk);
-}
-
-template <class Fill>
-void startAt(Walk<Fill> &walk, bool spreading) {
-    if (markEdge(walk))
-        return;
-    Level level;
-    open(walk, level);
-    if (spreading) {
-        walk.y -= 1;
-        enterAlongSpan<climb<Fill>>(walk);
-        walk.y += 2;
-        enterAlongSpan<descend<Fill>>(walk);
-    }
-    close(walk);
-}
-
-/// Fills from (x, y) and returns the last column of the span there.
 template <class Fill>
 int fillRegion(const Fill &fill, const tagRECT &limits, int x, int y, int direction, Span parent) {
-    Level outer = {parent, nullptr};
-    const Span rows = rowsOf(limits);
-    Walk<Fill> walk = {fill, columnsOf(limits), rows.begin, wrapSubtract(rows.end, 1), x, &outer, y};
-    switch (direction) {
-    case goingUp:
-        climb(walk);
-        break;
-    case goingDown:
-        descend(walk);
-        break;
-    default:
-        startAt(walk, direction == atSeed);
-    }
-    return walk.x - 1;
+    return Walk<Fill>(fill, limits, x, y).run(direction, parent);
 }
 
 void setSurfaces(_PRIVATE_QMGP_DATA &data, q_ulong *destSurface, int destPitch, q_ulong *testSurface, int testPitch) {
@@ -294,7 +281,12 @@ int bscan_right(_PRIVATE_QMGP_DATA *data, int x, int y, unsigned char value) {
 
 int Region_Fill(_PRIVATE_QMGP_DATA *data, int x, int y, q_ulong fill, q_ulong border, int parentLeft, int parentRight,
                 int direction, tagRECT *rect) {
-    return fillRegion(ColourFill{data->destSurface, data->destPitch, data->testSurface, data->testPitch, fill, border},
+    return fillRegion(ColourFill{.dst = data->destSurface,
+                                 .dstPitch = data->destPitch,
+                                 .test = data->testSurface,
+                                 .testPitch = data->testPitch,
+                                 .colour = fill,
+                                 .border = border},
                       *rect, x, y, direction, {parentLeft, wrapAdd(parentRight, 1)});
 }
 
@@ -306,7 +298,12 @@ int bRegion_Fill(_PRIVATE_QMGP_DATA *data, int x, int y, unsigned char value, in
 
 int Region_Src_Fill(_PRIVATE_QMGP_DATA *data, int x, int y, unsigned char value, int parentLeft, int parentRight,
                     int direction) {
-    return fillRegion(SourceFill{data->plane, data->planePitch, value, data->destSurface, data->destPitch,
-                                 data->testSurface, data->testPitch},
+    return fillRegion(SourceFill{.plane = data->plane,
+                                 .planePitch = data->planePitch,
+                                 .border = value,
+                                 .dst = data->destSurface,
+                                 .dstPitch = data->destPitch,
+                                 .src = data->testSurface,
+                                 .srcPitch = data->testPitch},
                       *data->planeRect, x, y, direction, {parentLeft, wrapAdd(parentRight, 1)});
 }

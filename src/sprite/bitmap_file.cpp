@@ -1,3 +1,4 @@
+#include "base/pixel.h"
 #include "base/surface.h"
 #include "q_Mur/sprite.h"
 
@@ -73,7 +74,7 @@ void readRow(std::FILE *file, long long position, q_ulong *row, int width) {
     for (Distance x = width; x-- > count;)
         row[x] = 0;
     for (Distance x = count; x-- > 0;)
-        row[x] = littleEndian16(bytes + x * 3) | q_ulong{bytes[x * 3 + 2]} << 16;
+        row[x] = pixelOf(bytes[x * 3 + 2], bytes[x * 3 + 1], bytes[x * 3]);
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "base/pixel.h"
 #include "base/surface.h"
 #include "q_Mur/sprite.h"
 
@@ -11,8 +12,7 @@ constexpr int fractionBits = 15;
 
 /// Source pixels for one destination pixel.
 int stepOf(int srcExtent, int dstExtent) {
-    // Divided in 64 bits: the least number over -1 would trap in 32.
-    return static_cast<int>(static_cast<long long>(srcExtent << fractionBits) / dstExtent);
+    return wrapDivide(srcExtent << fractionBits, dstExtent);
 }
 
 } // namespace
@@ -28,7 +28,7 @@ void _FitOn32RAW_24RAW_Nearest(unsigned char *dst, int dstWidth, int dstHeight, 
         int positionX = 0;
         for (Distance x = 0; x < dstWidth; ++x, positionX = wrapAdd(positionX, stepX)) {
             const unsigned char *const bytes = srcRow + Distance{positionX >> fractionBits} * 3;
-            const q_ulong pixel = q_ulong{bytes[2]} << 16 | q_ulong{bytes[1]} << 8 | bytes[0];
+            const q_ulong pixel = pixelOf(bytes[2], bytes[1], bytes[0]);
             std::memcpy(dstRow + x * 4, &pixel, sizeof pixel); // a pitch in bytes need not keep pixels aligned
         }
     }

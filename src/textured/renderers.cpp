@@ -1,7 +1,7 @@
 #include "base/surface.h"
+#include "base/vector.h"
 #include "base/wide.h"
 #include "glint.h"
-#include "q_Mur/math3d.h"
 #include "q_Mur/textured.h"
 
 namespace {
@@ -56,7 +56,11 @@ void forEachCell(const Mesh &mesh, const tagRECT &texRect, Draw draw) {
         for (int j = 0; j < mesh.cols - 1; ++j) {
             const int column = boundary(j, width, mesh.cols - 1);
             const int nextColumn = boundary(j + 1, width, mesh.cols - 1);
-            draw(Cell{i * mesh.cols + j, column, row, sixteenths(column, nextColumn), sixteenths(row, nextRow)});
+            draw(Cell{.vertex = i * mesh.cols + j,
+                      .column = column,
+                      .row = row,
+                      .width = sixteenths(column, nextColumn),
+                      .height = sixteenths(row, nextRow)});
         }
     }
 }
@@ -90,7 +94,7 @@ private:
 };
 
 int ambientLevel(_POINT3D *colour) {
-    const auto squares = static_cast<float>(iDot_Product(colour, colour));
+    const auto squares = static_cast<float>(dotProduct(*colour, *colour));
     return atFullWidth([squares] { return truncateToInt(squareRoot(squares)); });
 }
 
@@ -168,7 +172,13 @@ void drawTriangleMesh(const Scene<Module> &scene, q_ulong *tex, Drawn drawn) {
 void Render_Texture_3D(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, tagRECT *texRect,
                        q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                        _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular, int shininess) {
-    const Scene<OlderModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<OlderModule> scene = {.data = data,
+                                      .dst = dst,
+                                      .clip = clip,
+                                      .texRect = texRect,
+                                      .dstPitch = dstPitch,
+                                      .texPitch = texPitch,
+                                      .mesh = {points, rows, cols}};
     if (lightMesh(scene, light, ambientColor, specular, shininess))
         drawQuads(scene, tex, interpolatedLight);
 }
@@ -176,7 +186,13 @@ void Render_Texture_3D(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *tex, tag
 void Render_Texture_3D_KeySrc(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, tagRECT *texRect,
                               q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                               _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular, int shininess) {
-    const Scene<OlderModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<OlderModule> scene = {.data = data,
+                                      .dst = dst,
+                                      .clip = clip,
+                                      .texRect = texRect,
+                                      .dstPitch = dstPitch,
+                                      .texPitch = texPitch,
+                                      .mesh = {points, rows, cols}};
     if (lightMesh(scene, light, ambientColor, specular, shininess))
         drawQuads(scene, tex, keyed);
 }
@@ -184,7 +200,13 @@ void Render_Texture_3D_KeySrc(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *t
 void Render_Texture_3D_Tri(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, tagRECT *texRect,
                            q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                            _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular, int shininess) {
-    const Scene<OlderModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<OlderModule> scene = {.data = data,
+                                      .dst = dst,
+                                      .clip = clip,
+                                      .texRect = texRect,
+                                      .dstPitch = dstPitch,
+                                      .texPitch = texPitch,
+                                      .mesh = {points, rows, cols}};
     if (!lightMesh(scene, light, ambientColor, specular, shininess))
         return;
     // Meant: a highlight is compared with the index held, not with the highlight there.
@@ -201,7 +223,13 @@ void Render_Texture_3D_Tri(_PRIVATE_QM3D_DATA *data, q_ulong *dst, q_ulong *tex,
 void VKD_Render_Texture_3D(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, tagRECT *texRect,
                            q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                            _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular, int shininess) {
-    const Scene<PipelineModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<PipelineModule> scene = {.data = data,
+                                         .dst = dst,
+                                         .clip = clip,
+                                         .texRect = texRect,
+                                         .dstPitch = dstPitch,
+                                         .texPitch = texPitch,
+                                         .mesh = {points, rows, cols}};
     if (lightMesh(scene, light, ambientColor, specular, shininess))
         drawQuads(scene, tex, interpolatedLight);
 }
@@ -210,12 +238,18 @@ void VKD_Render_Texture_3D(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *tex,
                            tagRECT *texRect, q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows,
                            int cols, _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular,
                            int shininess) {
-    const Scene<PipelineModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<PipelineModule> scene = {.data = data,
+                                         .dst = dst,
+                                         .clip = clip,
+                                         .texRect = texRect,
+                                         .dstPitch = dstPitch,
+                                         .texPitch = texPitch,
+                                         .mesh = {points, rows, cols}};
     if (!lightMesh(scene, light, ambientColor, specular, shininess))
         return;
     forEachCell(scene.mesh, *texRect, [&](const Cell &cell) {
         _POINT3DFLOAT *const corner = points + cell.vertex;
-        if (IsFront(corner, corner + 1, corner + cols + 1))
+        if (atFullWidth([=] { return facesFront(corner[0], corner[1], corner[cols + Distance{1}]); }))
             drawQuad(scene, cell, scene.frontTexels(tex, cell), cell.width, interpolatedLight);
         else
             drawQuad(scene, cell, scene.backTexels(backTex, cell), wrapSubtract(0, cell.width), interpolatedLight);
@@ -226,7 +260,13 @@ void VKD_Render_Texture_3D_KeySrc(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulon
                                   q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                                   _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular,
                                   int shininess) {
-    const Scene<PipelineModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<PipelineModule> scene = {.data = data,
+                                         .dst = dst,
+                                         .clip = clip,
+                                         .texRect = texRect,
+                                         .dstPitch = dstPitch,
+                                         .texPitch = texPitch,
+                                         .mesh = {points, rows, cols}};
     if (lightMesh(scene, light, ambientColor, specular, shininess))
         drawQuads(scene, tex, keyed);
 }
@@ -235,7 +275,13 @@ void VKD_Render_Texture_3D_Tri(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *
                                q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                                _POINT3DFLOAT *light, _POINT3D *, _POINT3D *ambientColor, float specular,
                                int shininess) {
-    const Scene<PipelineModule> scene = {data, dst, clip, texRect, dstPitch, texPitch, {points, rows, cols}};
+    const Scene<PipelineModule> scene = {.data = data,
+                                         .dst = dst,
+                                         .clip = clip,
+                                         .texRect = texRect,
+                                         .dstPitch = dstPitch,
+                                         .texPitch = texPitch,
+                                         .mesh = {points, rows, cols}};
     // Meant: no glint.
     if (lightMesh(scene, light, ambientColor, specular, shininess))
         drawTriangleMesh(scene, tex, [](const Cell &) {});

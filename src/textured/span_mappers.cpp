@@ -76,7 +76,7 @@ template <Red redSource>
 q_ulong litTexel(q_ulong texel, Numbers<4> mul, Numbers<4> add) {
     Numbers<4> channels = channelNumbers(texel);
     if constexpr (redSource == Red::upperHalf)
-        channels = withLane<2>(channels, std::uint32_t{texel} >> 16);
+        channels = withLane<2>(channels, std::uint32_t{upperHalfOf(texel)});
     return packedPixel(((channels * mul & Numbers<4>::of(~0U, 0xFFFFFF, ~0U, 0)) >> 8) + add);
 }
 

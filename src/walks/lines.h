@@ -15,9 +15,7 @@ struct Axis {
     Distance stride; ///< pixels from one coordinate to the next
 
     constexpr int difference() const { return wrapSubtract(second, first); }
-    constexpr unsigned extent() const {
-        return difference() < 0 ? 0U - static_cast<unsigned>(difference()) : static_cast<unsigned>(difference());
-    }
+    constexpr unsigned extent() const { return static_cast<unsigned>(magnitudeOf(difference())); }
 };
 
 struct Line {
@@ -37,24 +35,62 @@ constexpr Line lineBetween(int x1, int y1, int x2, int y2, Distance pitch, const
     return x.extent() > y.extent() ? Line{x, y} : Line{y, x};
 }
 
+/// How a coordinate runs along a Bresenham line.
+struct Course {
+    int first;
+    int step; ///< 1 or -1
+    unsigned extent;
+};
+
 /// Calls `visit(major, minor)` after each Bresenham step, as many times as the major extent. The first end itself is
 /// not visited.
 template <class Visit>
-void forEachStep(const Line &line, Visit visit) {
-    const int majorStep = line.major.difference() < 0 ? -1 : 1;
-    const int minorStep = line.minor.difference() < 0 ? -1 : 1;
-    const unsigned steps = line.major.extent();
-    const int straight = static_cast<int>(2 * line.minor.extent());
-    const int diagonal = static_cast<int>(2 * (line.minor.extent() - steps));
-    int error = static_cast<int>(2 * line.minor.extent() - steps);
-    int major = line.major.first;
-    int minor = line.minor.first;
-    for (unsigned step = 0; step < steps; ++step) {
+void forEachStep(Course major, Course minor, Visit visit) {
+    const int straight = static_cast<int>(2 * minor.extent);
+    const int diagonal = static_cast<int>(2 * (minor.extent - major.extent));
+    int error = static_cast<int>(2 * minor.extent - major.extent);
+    int majorAt = major.first;
+    int minorAt = minor.first;
+    for (unsigned step = 0; step < major.extent; ++step) {
         const bool moves = error >= 0;
-        minor = wrapAdd(minor, moves ? minorStep : 0);
+        minorAt = wrapAdd(minorAt, moves ? minor.step : 0);
         error = wrapAdd(error, moves ? diagonal : straight);
-        major = wrapAdd(major, majorStep);
-        visit(major, minor);
+        majorAt = wrapAdd(majorAt, major.step);
+        visit(majorAt, minorAt);
+    }
+}
+
+template <class Visit>
+void forEachStep(const Line &line, Visit visit) {
+    const auto courseAlong = [](const Axis &axis) {
+        return Course{axis.first, axis.difference() < 0 ? -1 : 1, axis.extent()};
+    };
+    forEachStep(courseAlong(line.major), courseAlong(line.minor), visit);
+}
+
+struct Point {
+    int x;
+    int y;
+};
+
+/// Calls `flat(x, y)` or, where the line is at least as high as wide, `steep(x, y)` for every pixel of a Bresenham
+/// line, both ends included. An extent that no int holds counts as less than any other.
+template <class Flat, class Steep>
+void forEachPixelBetween(Point from, Point to, Flat flat, Steep steep) {
+    const auto courseBetween = [](int first, int second) {
+        return Course{first, second < first ? -1 : 1, static_cast<unsigned>(magnitudeOf(wrapSubtract(second, first)))};
+    };
+    const Course alongX = courseBetween(from.x, to.x);
+    const Course alongY = courseBetween(from.y, to.y);
+    const auto width = static_cast<int>(alongX.extent);
+    const auto height = static_cast<int>(alongY.extent);
+    if (width > height) {
+        flat(from.x, from.y);
+        forEachStep(alongX, alongY, flat);
+    } else {
+        steep(from.x, from.y);
+        if (height > 0)
+            forEachStep(alongY, alongX, [&steep](int y, int x) { steep(x, y); });
     }
 }
 

@@ -30,34 +30,33 @@ struct Surfaces {
 
 /// `srcRect` with its corner on (dstX, dstY), unclipped.
 inline Placement placedAt(const Surfaces &surfaces, Distance dstX, Distance dstY, const tagRECT &srcRect) {
-    return {pixelAt(surfaces.dst, surfaces.dstPitch, dstX, dstY),
-            surfaces.dstPitch,
-            pixelAt(surfaces.src, surfaces.srcPitch, srcRect.left, srcRect.top),
-            surfaces.srcPitch,
-            widthOf(srcRect),
-            heightOf(srcRect)};
+    return {.dst = pixelAt(surfaces.dst, surfaces.dstPitch, dstX, dstY),
+            .dstPitch = surfaces.dstPitch,
+            .src = pixelAt(surfaces.src, surfaces.srcPitch, srcRect.left, srcRect.top),
+            .srcPitch = surfaces.srcPitch,
+            .width = widthOf(srcRect),
+            .height = heightOf(srcRect)};
 }
 
 /// True for a span that stands for pixels. A negative extent near the least number gives one whose end has come round
 /// to the largest: its length does not.
 constexpr bool coversPixels(Span span) {
-    return !span.empty() && wrapSubtract(span.end, span.begin) > 0;
+    return !span.empty() && span.length() > 0;
 }
 
 /// The part within `window` of a `target` whose corner shows the source pixel (srcX, srcY).
 inline Placement placedWithin(const Surfaces &surfaces, const Window &target, Distance srcX, Distance srcY,
                               const Window &window) {
-    const Span columns = intersection(target.columns, window.columns);
-    const Span rows = intersection(target.rows, window.rows);
+    const auto [columns, rows] = target.within(window);
     if (!coversPixels(target.columns) || !coversPixels(target.rows) || columns.empty() || rows.empty())
         return {};
-    return {pixelAt(surfaces.dst, surfaces.dstPitch, columns.begin, rows.begin),
-            surfaces.dstPitch,
-            pixelAt(surfaces.src, surfaces.srcPitch, srcX + columns.begin - target.columns.begin,
-                    srcY + rows.begin - target.rows.begin),
-            surfaces.srcPitch,
-            columns.length(),
-            rows.length()};
+    return {.dst = pixelAt(surfaces.dst, surfaces.dstPitch, columns.begin, rows.begin),
+            .dstPitch = surfaces.dstPitch,
+            .src = pixelAt(surfaces.src, surfaces.srcPitch, srcX + columns.begin - target.columns.begin,
+                           srcY + rows.begin - target.rows.begin),
+            .srcPitch = surfaces.srcPitch,
+            .width = columns.length(),
+            .height = rows.length()};
 }
 
 /// The columns or rows that an extent covers around its centre: an odd extent loses its last one.

@@ -28,10 +28,6 @@ struct Centre {
 constexpr Window unclipped = {{std::numeric_limits<int>::min(), std::numeric_limits<int>::max()},
                               {std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}};
 
-constexpr Window intersection(const Window &a, const Window &b) {
-    return {intersection(a.columns, b.columns), intersection(a.rows, b.rows)};
-}
-
 /// A span of coordinates as offsets from a centre.
 constexpr Span offsetsFrom(int centre, Span span) {
     const auto offset = [centre](int coordinate) {
@@ -65,10 +61,6 @@ constexpr Window squareUpTo(int radius) {
     return {{-radius, radius}, {-radius, radius}};
 }
 
-constexpr int magnitudeOf(int offset) {
-    return offset < 0 ? -offset : offset;
-}
-
 /// The greatest h with h * h + rowSquare at most `limit`; -1 if there is none.
 inline int halfChord(int limit, int rowSquare) {
     if (limit < rowSquare)
@@ -100,7 +92,7 @@ void forEachInDisc(const Centre &centre, int radius, const Window &within, Pixel
     if (radius < 0)
         return;
     const int radiusSquare = wrapMultiply(radius, radius);
-    const Window offsets = intersection(squareThrough(radius), within);
+    const Window offsets = squareThrough(radius).within(within);
     if (radius <= largestExactRadius) {
         const auto chord = [radiusSquare](int dy) {
             const int half = halfChord(radiusSquare, dy * dy);

@@ -24,8 +24,7 @@ struct FixedPoint {
     /// Source pixels for one destination pixel; the destination extent must not be 0.
     static constexpr FixedPoint step(int srcExtent, int dstExtent) {
         const auto scaled = static_cast<Integer>(static_cast<q_ulong>(srcExtent) << fractionBits);
-        // Divided in 64 bits: the least number over -1 would trap in 32.
-        return {static_cast<q_ulong>(static_cast<long long>(scaled) / static_cast<Integer>(dstExtent))};
+        return {static_cast<q_ulong>(wrapDivide(scaled, static_cast<Integer>(dstExtent)))};
     }
 };
 
@@ -59,16 +58,16 @@ ScaledWalk<Position> scaledOnto(q_ulong *dst, Distance dstPitch, const tagRECT &
     const int height = heightOf(dstRect);
     if (width < 1 || height < 1)
         return {};
-    return {pixelAt(dst, dstPitch, dstRect.left, dstRect.top),
-            dstPitch,
-            pixelAt(src, srcPitch, srcRect.left, srcRect.top),
-            srcPitch,
-            width,
-            height,
-            {},
-            {},
-            Position::step(widthOf(srcRect), width),
-            Position::step(heightOf(srcRect), height)};
+    return {.dst = pixelAt(dst, dstPitch, dstRect.left, dstRect.top),
+            .dstPitch = dstPitch,
+            .src = pixelAt(src, srcPitch, srcRect.left, srcRect.top),
+            .srcPitch = srcPitch,
+            .width = width,
+            .height = height,
+            .startX = {},
+            .startY = {},
+            .stepX = Position::step(widthOf(srcRect), width),
+            .stepY = Position::step(heightOf(srcRect), height)};
 }
 
 /// The part of that walk whose destination lies within `window`. Nothing outside it is so much as pointed at: a corner
@@ -78,22 +77,21 @@ ScaledWalk<Position> scaledWithin(const Window &window, q_ulong *dst, Distance d
                                   const q_ulong *src, Distance srcPitch, const tagRECT &srcRect) {
     const int width = widthOf(dstRect);
     const int height = heightOf(dstRect);
-    const Span columns = intersection(columnsOf(dstRect), window.columns);
-    const Span rows = intersection(rowsOf(dstRect), window.rows);
+    const auto [columns, rows] = windowOf(dstRect).within(window);
     if (width < 1 || height < 1 || columns.empty() || rows.empty())
         return {};
     const Position stepX = Position::step(widthOf(srcRect), width);
     const Position stepY = Position::step(heightOf(srcRect), height);
-    return {pixelAt(dst, dstPitch, columns.begin, rows.begin),
-            dstPitch,
-            pixelAt(src, srcPitch, srcRect.left, srcRect.top),
-            srcPitch,
-            columns.length(),
-            rows.length(),
-            stepX.times(wrapSubtract(columns.begin, dstRect.left)),
-            stepY.times(wrapSubtract(rows.begin, dstRect.top)),
-            stepX,
-            stepY};
+    return {.dst = pixelAt(dst, dstPitch, columns.begin, rows.begin),
+            .dstPitch = dstPitch,
+            .src = pixelAt(src, srcPitch, srcRect.left, srcRect.top),
+            .srcPitch = srcPitch,
+            .width = columns.length(),
+            .height = rows.length(),
+            .startX = stepX.times(wrapSubtract(columns.begin, dstRect.left)),
+            .startY = stepY.times(wrapSubtract(rows.begin, dstRect.top)),
+            .stepX = stepX,
+            .stepY = stepY};
 }
 
 /// Calls `store(dst pixel, nearest src pixel)` for every pixel.

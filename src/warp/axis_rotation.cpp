@@ -3,7 +3,9 @@
 #include "q_Mur/warp.h"
 #include "walks/stretch.h"
 
+#include <algorithm>
 #include <cmath>
+#include <initializer_list>
 
 namespace {
 
@@ -117,14 +119,8 @@ void drawLine(const Walk &walk, int outer, const ShownLine &line) {
         outside.store(dst, index, stride, stretch.begin);
         index += stretch.begin * stride;
         int position = wrapAdd(start, wrapMultiply(step, stretch.begin));
-        if (axis.sourceStride == 0) {
-            const q_ulong colour = *line.source;
-            for (int x = stretch.begin; x < stretch.end; ++x, index += stride)
-                dst[index] = colour;
-        } else {
-            for (int x = stretch.begin; x < stretch.end; ++x, index += stride, position = wrapAdd(position, step))
-                dst[index] = line.source[axis.sourceAt(position) * axis.sourceStride];
-        }
+        for (int x = stretch.begin; x < stretch.end; ++x, index += stride, position = wrapAdd(position, step))
+            dst[index] = line.source[axis.sourceAt(position) * axis.sourceStride];
         outside.store(dst, index, stride, count - stretch.end);
     } else {
         int position = start;
@@ -174,6 +170,25 @@ void drawColumnsByRows(const Walk &walk, Span columns, LineAt lineAt, StoreOutsi
             }
         }
     }
+}
+
+/// Whether the lines are columns that may be drawn row by row: none of the pixels that are read is one of those of the
+/// frame, of so many columns and rows, that may be written. A picture that is not `shown` is not read.
+struct ReadPart {
+    bool shown;
+    const q_ulong *picture;
+    Distance pitch;
+    Window part;
+};
+
+bool mayGoByRows(const Walk &walk, int columns, int rows, std::initializer_list<ReadPart> readParts) {
+    const Distance pitch = walk.strides.inner;
+    if (walk.strides.outer != 1 || !keepsPixelsApart(pitch, columns))
+        return false;
+    const Extent written = extentOf(walk.dst, pitch, windowOf(columns, rows));
+    return std::all_of(readParts.begin(), readParts.end(), [written](const ReadPart &read) {
+        return !read.shown || written.isApartFrom(extentOf(read.picture, read.pitch, read.part));
+    });
 }
 
 /// Draws lines in their order; or `byRows`, for columns of which no pixel is read or written again after it was
@@ -267,23 +282,6 @@ Reach reachOf(const TwoFaces &faces, double angle, double scale, double perspect
     });
 }
 
-/// Whether the lines are columns that may be drawn row by row.
-bool turnsByRows(const TwoFaces &faces, const Reach &reach) {
-    const Distance pitch = faces.strides.inner;
-    const Window frame = {{0, faces.outerLimit}, {0, faces.innerLimit}};
-    if (faces.strides.outer != 1 || !keepsPixelsApart(pitch, faces.outerLimit))
-        return false;
-    const Extent written = extentOf(faces.dst, pitch, frame);
-    if (faces.outside.background && !written.isApartFrom(extentOf(faces.outside.background, pitch, frame)))
-        return false;
-    if (!reach.backView)
-        return written.isApartFrom(extentOf(faces.front, pitch, {faces.srcOuter, faces.srcInner}));
-    // The back view counts its lines from the end on, down to 1.
-    const Span backLines = {0, faces.srcOuter.length()};
-    return !faces.back ||
-           (!backLines.empty() && written.isApartFrom(extentOf(faces.back + 1, pitch, {backLines, faces.srcInner})));
-}
-
 void turn(const TwoFaces &faces, double angle, double scale, double perspective) {
     if (faces.outerLimit < 1 || faces.innerLimit < 1)
         return;
@@ -291,15 +289,22 @@ void turn(const TwoFaces &faces, double angle, double scale, double perspective)
     if (!reach.drawn || reach.inner.empty())
         return;
     const bool showsColour = reach.backView && !faces.back;
-    const Walk walk = {faces.dst,
-                       faces.strides,
-                       reach.inner,
-                       {faces.destCentre.inner,
-                        wrapAdd(faces.srcInner.begin, faces.srcInner.end) / 2,
-                        {faces.srcInner.begin, faces.srcInner.end},
-                        showsColour ? 0 : faces.strides.inner},
-                       faces.outside};
-    const bool byRows = turnsByRows(faces, reach);
+    const Walk walk = {.dst = faces.dst,
+                       .strides = faces.strides,
+                       .inner = reach.inner,
+                       .axis = {.destCentre = faces.destCentre.inner,
+                                .sourceCentre = wrapAdd(faces.srcInner.begin, faces.srcInner.end) / 2,
+                                .source = {faces.srcInner.begin, faces.srcInner.end},
+                                .sourceStride = showsColour ? 0 : faces.strides.inner},
+                       .outside = faces.outside};
+    const Distance pitch = faces.strides.inner;
+    // The back view counts its lines from the end on, down to 1.
+    const Window backLines = {{1, wrapAdd(faces.srcOuter.length(), 1)}, faces.srcInner};
+    const bool byRows = mayGoByRows(walk, faces.outerLimit, faces.innerLimit,
+                                    {{faces.outside.background != nullptr, faces.outside.background, pitch,
+                                      windowOf(faces.outerLimit, faces.innerLimit)},
+                                     {!reach.backView, faces.front, pitch, {faces.srcOuter, faces.srcInner}},
+                                     {reach.backView && faces.back, faces.back, pitch, backLines}});
     const auto clear = [&](Span lines) { drawLines(walk, lines, byRows, [](int) { return ShownLine{}; }); };
     clear({reach.band.begin, reach.face.begin});
     clear({reach.face.end, reach.band.end});
@@ -331,14 +336,6 @@ struct WholeFrame {
     Outside outside;
 };
 
-/// Whether the lines are columns that may be drawn row by row.
-bool turnsByRows(const WholeFrame &frame) {
-    const Window window = {{0, frame.outerExtent}, {0, frame.innerExtent}};
-    const Distance dstPitch = frame.dstStrides.inner;
-    return frame.dstStrides.outer == 1 && keepsPixelsApart(dstPitch, frame.outerExtent) && !frame.outside.background &&
-           extentOf(frame.dst, dstPitch, window).isApartFrom(extentOf(frame.src, frame.srcStrides.inner, window));
-}
-
 void turnFrame(const WholeFrame &frame, double angle, double scale, double perspective) {
     if (frame.outerExtent < 1 || frame.innerExtent < 1)
         return;
@@ -368,12 +365,19 @@ void turnFrame(const WholeFrame &frame, double angle, double scale, double persp
 
     const Bounds outerBounds = {frame.firstInside, frame.outerExtent};
     const Bounds innerBounds = {frame.firstInside, frame.innerExtent};
-    const Walk walk = {frame.dst,
-                       frame.dstStrides,
-                       {0, frame.innerExtent},
-                       {innerHalf, innerHalf, innerBounds, frame.srcStrides.inner},
-                       frame.outside};
-    const bool byRows = turnsByRows(frame);
+    const Walk walk = {.dst = frame.dst,
+                       .strides = frame.dstStrides,
+                       .inner = {0, frame.innerExtent},
+                       .axis = {.destCentre = innerHalf,
+                                .sourceCentre = innerHalf,
+                                .source = innerBounds,
+                                .sourceStride = frame.srcStrides.inner},
+                       .outside = frame.outside};
+    const Window whole = windowOf(frame.outerExtent, frame.innerExtent);
+    const bool byRows =
+        mayGoByRows(walk, frame.outerExtent, frame.innerExtent,
+                    {{frame.outside.background != nullptr, frame.outside.background, frame.dstStrides.inner, whole},
+                     {true, frame.src, frame.srcStrides.inner, whole}});
     // Both margins come before the face: where a frame is turned in place, the face shows them.
     const auto margin = [](int) { return ShownLine{}; };
     drawLines(walk, {0, face.begin}, byRows, margin);
@@ -391,52 +395,75 @@ void turnFrame(const WholeFrame &frame, double angle, double scale, double persp
 void iBltNear32_X_Roto(q_ulong *dst, q_ulong *front, q_ulong *back, q_ulong *background, double angle, double scale,
                        double perspective, tagRECT srcRect, tagPOINT destCentre, tagPOINT sourcePivot, int clearOutside,
                        q_ulong backColour, int, int pitch, int width, int height) {
-    turn({dst,
-          front,
-          back,
-          {pitch, 1},
-          rowsOf(srcRect),
-          columnsOf(srcRect),
-          {static_cast<int>(destCentre.y), static_cast<int>(destCentre.x)},
-          static_cast<int>(sourcePivot.y),
-          {background, clearOutside != 0},
-          backColour,
-          height,
-          width},
+    turn({.dst = dst,
+          .front = front,
+          .back = back,
+          .strides = {pitch, 1},
+          .srcOuter = rowsOf(srcRect),
+          .srcInner = columnsOf(srcRect),
+          .destCentre = {static_cast<int>(destCentre.y), static_cast<int>(destCentre.x)},
+          .pivot = static_cast<int>(sourcePivot.y),
+          .outside = {background, clearOutside != 0},
+          .backColour = backColour,
+          .outerLimit = height,
+          .innerLimit = width},
          angle, scale, perspective);
 }
 
 void iBltNear32_Y_Roto(q_ulong *dst, q_ulong *front, q_ulong *back, q_ulong *background, double angle, double scale,
                        double perspective, tagRECT srcRect, tagPOINT destCentre, tagPOINT sourcePivot, int clearOutside,
                        q_ulong backColour, int, int pitch, int width, int height) {
-    turn({dst,
-          front,
-          back,
-          {1, pitch},
-          columnsOf(srcRect),
-          rowsOf(srcRect),
-          {static_cast<int>(destCentre.x), static_cast<int>(destCentre.y)},
-          static_cast<int>(sourcePivot.x),
-          {background, clearOutside != 0},
-          backColour,
-          width,
-          height},
+    turn({.dst = dst,
+          .front = front,
+          .back = back,
+          .strides = {1, pitch},
+          .srcOuter = columnsOf(srcRect),
+          .srcInner = rowsOf(srcRect),
+          .destCentre = {static_cast<int>(destCentre.x), static_cast<int>(destCentre.y)},
+          .pivot = static_cast<int>(sourcePivot.x),
+          .outside = {background, clearOutside != 0},
+          .backColour = backColour,
+          .outerLimit = width,
+          .innerLimit = height},
          angle, scale, perspective);
 }
 
 void iBltNear32_X_Roto_Fast(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, double angle, double scale,
                             double perspective, int width, int height) {
     // Meant: source row 0 and column 0 are never shown here.
-    turnFrame({dst, {dstPitch, 1}, src, {srcPitch, 1}, height, width, 1, {nullptr, true}}, angle, scale, perspective);
+    turnFrame({.dst = dst,
+               .dstStrides = {dstPitch, 1},
+               .src = src,
+               .srcStrides = {srcPitch, 1},
+               .outerExtent = height,
+               .innerExtent = width,
+               .firstInside = 1,
+               .outside = {nullptr, true}},
+              angle, scale, perspective);
 }
 
 void iBltNear32_X_Roto_Fast(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, q_ulong *background, int,
                             double angle, double scale, double perspective, int width, int height) {
-    turnFrame({dst, {dstPitch, 1}, src, {srcPitch, 1}, height, width, 0, {background, true}}, angle, scale,
-              perspective);
+    turnFrame({.dst = dst,
+               .dstStrides = {dstPitch, 1},
+               .src = src,
+               .srcStrides = {srcPitch, 1},
+               .outerExtent = height,
+               .innerExtent = width,
+               .firstInside = 0,
+               .outside = {background, true}},
+              angle, scale, perspective);
 }
 
 void iBltNear32_Y_Roto_Fast(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, double angle, double scale,
                             double perspective, int width, int height) {
-    turnFrame({dst, {1, dstPitch}, src, {1, srcPitch}, width, height, 0, {nullptr, true}}, angle, scale, perspective);
+    turnFrame({.dst = dst,
+               .dstStrides = {1, dstPitch},
+               .src = src,
+               .srcStrides = {1, srcPitch},
+               .outerExtent = width,
+               .innerExtent = height,
+               .firstInside = 0,
+               .outside = {nullptr, true}},
+              angle, scale, perspective);
 }

@@ -1,12 +1,11 @@
+#include "base/rotation.h"
 #include "base/sampling.h"
+#include "base/scratch.h"
 #include "base/wide.h"
-#include "q_Mur/math3d.h"
 #include "q_Mur/warp.h"
 #include "walks/stretch.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 
 namespace {
 
@@ -18,7 +17,7 @@ struct Point {
 
     Point turnedAbout(Point centre, unsigned short angle) const {
         Point turned = *this;
-        iRotate3DByZ(&turned.x, &turned.y, angle, centre.x, centre.y);
+        turnAbout(turned.x, turned.y, TableTurn(angle), centre.x, centre.y);
         return turned;
     }
 };
@@ -89,14 +88,7 @@ struct WholeTracing {
 /// The crossings of a figure's edges, in one allocation.
 class EdgeTable {
 public:
-    explicit EdgeTable(long long capacity)
-        : entries(capacity > 0 && capacity <= largest ? static_cast<EdgeCrossing *>(std::malloc(
-                                                            static_cast<std::size_t>(capacity) * sizeof(EdgeCrossing)))
-                                                      : nullptr),
-          room(entries ? capacity : 0) {}
-    ~EdgeTable() { std::free(entries); }
-    EdgeTable(const EdgeTable &) = delete;
-    EdgeTable &operator=(const EdgeTable &) = delete;
+    explicit EdgeTable(long long capacity) : entries(capacity), room(entries ? capacity : 0) {}
 
     /// Adds one crossing for each row of an edge, its lowest row left out when it goes down and its highest when it
     /// goes up: a corner's row counts once.
@@ -112,9 +104,11 @@ public:
             const int product = wrapMultiply(t, dx);
             const int x = wrapAdd(product / dy, from.dest.x);
             const int u = Tracing::source(from.source.x, to.source.x, t, dy);
-            entries[count++] = {wrapSubtract(u, Tracing::correction(product, dy)),
-                                Tracing::source(from.source.y, to.source.y, t, dy), x, y,
-                                wrapAdd(y, Tracing::bias) << 16 | wrapAdd(x, Tracing::bias)};
+            entries[count++] = {.sourceU = wrapSubtract(u, Tracing::correction(product, dy)),
+                                .sourceV = Tracing::source(from.source.y, to.source.y, t, dy),
+                                .destX = x,
+                                .destY = y,
+                                .sortKey = wrapAdd(y, Tracing::bias) << 16 | wrapAdd(x, Tracing::bias)};
         }
     }
 
@@ -122,7 +116,7 @@ public:
     template <class Draw>
     void forEachSpan(Draw span) {
         // A stable order makes crossings with equal keys the same on every platform.
-        std::stable_sort(entries, entries + count, [](const EdgeCrossing &a, const EdgeCrossing &b) {
+        std::stable_sort(entries.data(), entries.data() + count, [](const EdgeCrossing &a, const EdgeCrossing &b) {
             return static_cast<unsigned>(a.sortKey) < static_cast<unsigned>(b.sortKey);
         });
         for (long long i = 0; i < count - 1;) {
@@ -138,10 +132,7 @@ public:
     }
 
 private:
-    /// What a table can hold at most; its bytes must be countable.
-    static constexpr long long largest = PTRDIFF_MAX / sizeof(EdgeCrossing);
-
-    EdgeCrossing *entries;
+    Scratch<EdgeCrossing> entries;
     long long room;
     long long count = 0;
 };
@@ -155,7 +146,7 @@ void drawSpan(q_ulong *dst, Distance dstPitch, const tagRECT &clip, const EdgeCr
         return;
     const int extent = wrapSubtract(b.destX, a.destX);
     const auto step = [extent, shift](int from, int to) {
-        return static_cast<int>(static_cast<long long>(wrapSubtract(to, from) << shift) / (extent == 0 ? 1 : extent));
+        return wrapDivide(wrapSubtract(to, from) << shift, oneIfZero(extent));
     };
     const int stepU = step(a.sourceU, b.sourceU);
     const int stepV = step(a.sourceV, b.sourceV);
@@ -254,12 +245,11 @@ void mapBack(const Scene &scene, int fractionBits, int before, int beyond, Pixel
         rows = {smaller(rows.begin, corner.y), larger(rows.end, corner.y)};
     }
     // Meant: the last column and the last row, of the clip as of the figure, are left out.
-    const Span clipColumns = columnsOf(clipRect);
-    const Span clipRows = rowsOf(clipRect);
-    if (clipColumns.empty() || clipRows.empty())
+    const Window clip = windowOf(clipRect);
+    if (clip.empty())
         return;
-    columns = intersection(columns, {clipColumns.begin, clipColumns.end - 1});
-    rows = intersection(rows, {clipRows.begin, clipRows.end - 1});
+    columns = intersection(columns, {clip.columns.begin, clip.columns.end - 1});
+    rows = intersection(rows, {clip.rows.begin, clip.rows.end - 1});
     if (columns.empty() || rows.empty())
         return;
 
@@ -330,14 +320,30 @@ struct Taps {
 
 void iRotate(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch, int centreX,
              int centreY, double angle, int width, int height) {
-    mapBack({dst, *clipRect, dstPitch, *srcRect, centreX, centreY, angle, width, height}, 16, 0, 0,
-            [src, srcPitch](q_ulong &d, int u, int v) { d = *pixelAt(src, srcPitch, u >> 16, v >> 16); });
+    mapBack({.dst = dst,
+             .clipRect = *clipRect,
+             .dstPitch = dstPitch,
+             .srcRect = *srcRect,
+             .centreX = centreX,
+             .centreY = centreY,
+             .angle = angle,
+             .width = width,
+             .height = height},
+            16, 0, 0, [src, srcPitch](q_ulong &d, int u, int v) { d = *pixelAt(src, srcPitch, u >> 16, v >> 16); });
 }
 
 void iRotateLinear(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch,
                    int centreX, int centreY, double angle, int width, int height) {
-    mapBack({dst, *clipRect, dstPitch, *srcRect, centreX, centreY, angle, width, height}, 20, 0, -1,
-            [src, srcPitch](q_ulong &d, int u, int v) { d = Taps(src, srcPitch, u, v).colour(); });
+    mapBack({.dst = dst,
+             .clipRect = *clipRect,
+             .dstPitch = dstPitch,
+             .srcRect = *srcRect,
+             .centreX = centreX,
+             .centreY = centreY,
+             .angle = angle,
+             .width = width,
+             .height = height},
+            20, 0, -1, [src, srcPitch](q_ulong &d, int u, int v) { d = Taps(src, srcPitch, u, v).colour(); });
 }
 
 void iRotateLinearAA(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch,
@@ -349,8 +355,16 @@ void iRotateLinearAA(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src
         for (int x = columns.begin; x < columns.end; ++x)
             row[x] |= 0xFF000000;
     }
-    mapBack({dst, *clipRect, dstPitch, *srcRect, centreX, centreY, angle, width, height}, 20, 2, 1,
-            [src, srcPitch](q_ulong &d, int u, int v) {
+    mapBack({.dst = dst,
+             .clipRect = *clipRect,
+             .dstPitch = dstPitch,
+             .srcRect = *srcRect,
+             .centreX = centreX,
+             .centreY = centreY,
+             .angle = angle,
+             .width = width,
+             .height = height},
+            20, 2, 1, [src, srcPitch](q_ulong &d, int u, int v) {
                 const Taps taps(src, srcPitch, u, v);
                 const q_ulong coverage = taps.coverage();
                 const q_ulong largest = taps.largest(redMask) | taps.largest(greenMask) | taps.largest(blueMask);

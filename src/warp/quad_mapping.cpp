@@ -10,23 +10,13 @@ namespace {
 
 using namespace qmur;
 
-/// Divided in 64 bits: the least number over -1 would trap in 32.
-int divided(int value, long long divisor) {
-    return static_cast<int>(value / divisor);
-}
-
 /// The source step of a stretch of `length` destination pixels. A length that wrapped would step out of the source.
 int stepOver(int scaledExtent, long long length) {
-    return divided(scaledExtent, length == 0 ? 1 : length);
+    return wrapDivide(scaledExtent, oneIfZero(length));
 }
 
 constexpr long long lengthOf(Span span) {
     return static_cast<long long>(span.end) - span.begin;
-}
-
-int differenceOrOne(int a, int b) {
-    const int difference = wrapSubtract(a, b);
-    return difference == 0 ? 1 : difference;
 }
 
 } // namespace
@@ -116,9 +106,12 @@ RowEdges rowEdgesOf(const Corner (&corners)[4], int height) {
     const Wide h = difference(p1.y, p2.y); // meant: the other way round than its fellows
     const Wide rows = height;
     const Wide s = p0.x * e / a;
-    return {(g / c - e / a) * rows,  (p3.y - p3.x * g / c - p0.y + s) * rows,
-            f / b - e / a,           p3.y - p3.x * f / b - p0.y + s,
-            (-h / d - e / a) * rows, (p1.x * h / d + p1.y - p0.y + s) * rows};
+    return {.p = (g / c - e / a) * rows,
+            .q = (p3.y - p3.x * g / c - p0.y + s) * rows,
+            .t = f / b - e / a,
+            .u = p3.y - p3.x * f / b - p0.y + s,
+            .v = (-h / d - e / a) * rows,
+            .w = (p1.x * h / d + p1.y - p0.y + s) * rows};
 }
 
 /// Source pixels as the row pass reads them: along a row by position, and from row to row.
@@ -134,11 +127,11 @@ SourceWalk sourceWalkOf(int orientation, int i, int pitch, int width, int height
     case 0:
         return {i * stride, 1};
     case 1:
-        return {width - 1 - static_cast<Distance>(divided(wrapMultiply(i, width), height)), stride};
+        return {width - 1 - static_cast<Distance>(wrapDivide(wrapMultiply(i, width), height)), stride};
     case 2:
         return {(height - 1 - i) * stride + width - 1, -1};
     default:
-        return {(height - 1) * stride + divided(wrapMultiply(i, width), height), -stride};
+        return {(height - 1) * stride + wrapDivide(wrapMultiply(i, width), height), -stride};
     }
 }
 
@@ -190,8 +183,8 @@ void iPsudoBilinearMapping(q_ulong *dst, q_ulong *src, q_ulong *scratch, int pit
     const int lastColumn = smaller(width, maxX);
     for (int x = larger(minX, 0); x < lastColumn; ++x) {
         const auto edgeAt = [x](Corner from, Corner to) {
-            return wrapAdd(divided(wrapMultiply(wrapSubtract(x, from.x), wrapSubtract(to.y, from.y)),
-                                   differenceOrOne(to.x, from.x)),
+            return wrapAdd(wrapDivide(wrapMultiply(wrapSubtract(x, from.x), wrapSubtract(to.y, from.y)),
+                                      oneIfZero(wrapSubtract(to.x, from.x))),
                            from.y);
         };
         const Span covered = {edgeAt(p0, p1), edgeAt(p3, p2)};
@@ -232,11 +225,10 @@ struct Brightness {
 
     q_ulong of(q_ulong pixel) const {
         // As unsigned numbers, so that what falls below 0 is capped as well.
-        const auto capped = [](q_ulong value) { return value > 255 ? q_ulong{255} : value; };
-        const q_ulong red = ((pixel >> 16) * scale >> 8) + add;
+        const q_ulong red = (upperHalfOf(pixel) * scale >> 8) + add;
         const q_ulong green = ((pixel & greenMask) * scale >> 16) + add;
         const q_ulong blue = ((pixel & blueMask) * scale >> 8) + add;
-        return capped(red) << 16 | capped(green) << 8 | capped(blue);
+        return pixelOf(cappedAt255(red), cappedAt255(green), cappedAt255(blue));
     }
 };
 
@@ -247,12 +239,12 @@ void drawTrapezoid(q_ulong *dst, const q_ulong *source, const Trapezoid &shape, 
     const Span walked = intersection(shape.lines, shape.clipLines);
     for (int line = walked.begin; line < walked.end; ++line) {
         const int t = wrapSubtract(line, shape.lines.begin);
-        const int first = wrapAdd(divided(wrapMultiply(t, shape.firstSlope), lines), shape.firstStart);
-        const int second = wrapAdd(divided(wrapMultiply(t, shape.secondSlope), lines), shape.secondStart);
+        const int first = wrapAdd(wrapDivide(wrapMultiply(t, shape.firstSlope), lines), shape.firstStart);
+        const int second = wrapAdd(wrapDivide(wrapMultiply(t, shape.secondSlope), lines), shape.secondStart);
         const int step = stepOver(shape.sourceExtent << 18, lengthOf({first, second}));
         // Meant: the source line is counted from the source rectangle's corner, so its own start counts twice.
         const int sourceLine = wrapAdd(
-            divided(wrapMultiply(wrapSubtract(shape.sourceEnd, shape.sourceStart), t), lines), shape.sourceStart);
+            wrapDivide(wrapMultiply(wrapSubtract(shape.sourceEnd, shape.sourceStart), t), lines), shape.sourceStart);
         const Span inner = intersection({first, second}, shape.clipInner);
         const q_ulong *const from = source + sourceLine * shape.outerStride;
         q_ulong *const to = dst + line * shape.outerStride;

@@ -35,11 +35,6 @@ Span clippedWalk(int low, int high, Span clip) {
     return {first > clip.end ? wrapSubtract(clip.end, 1) : first, smaller(last, clip.end)};
 }
 
-/// Divided in 64 bits: the least number over -1 would trap in 32.
-int dividedBy(int value, int divisor) {
-    return static_cast<int>(static_cast<long long>(value) / divisor);
-}
-
 Rotation rotationOf(const tagRECT &clipRect, const tagRECT &srcRect, int centreX, int centreY, float angle,
                     float scale) {
     const int width = widthOf(srcRect);
@@ -70,8 +65,8 @@ Rotation rotationOf(const tagRECT &clipRect, const tagRECT &srcRect, int centreX
         const int divisor = larger(wrapSubtract(rotation.columns.end, rotation.columns.begin), 1);
         rotation.rowStartU = leftU;
         rotation.rowStartV = leftV;
-        rotation.stepU = dividedBy(wrapSubtract(rightU, leftU), divisor);
-        rotation.stepV = dividedBy(wrapSubtract(rightV, leftV), divisor);
+        rotation.stepU = wrapDivide(wrapSubtract(rightU, leftU), divisor);
+        rotation.stepV = wrapDivide(wrapSubtract(rightV, leftV), divisor);
         return rotation;
     });
 }
@@ -104,7 +99,7 @@ struct Scene {
     float angle;
     float scale;
 
-    bool empty() const { return scale == 0.0F || columnsOf(clipRect).empty() || rowsOf(clipRect).empty(); }
+    bool empty() const { return scale == 0.0F || windowOf(clipRect).empty(); }
     int srcCentreX() const { return wrapAdd(static_cast<int>(srcRect.left), static_cast<int>(srcRect.right)) >> 1; }
     int srcCentreY() const { return wrapAdd(static_cast<int>(srcRect.top), static_cast<int>(srcRect.bottom)) >> 1; }
 };
@@ -173,34 +168,90 @@ void withMix(float alpha, Rotate rotate) {
 
 void iBltNear32_Z_Roto(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect, tagRECT *srcRect,
                        int centreX, int centreY, float angle, float scale) {
-    rotateNearest({dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale}, copyPixel);
+    rotateNearest({.dst = dst,
+                   .dstPitch = dstPitch,
+                   .src = src,
+                   .srcPitch = srcPitch,
+                   .clipRect = *clipRect,
+                   .srcRect = *srcRect,
+                   .centreX = centreX,
+                   .centreY = centreY,
+                   .angle = angle,
+                   .scale = scale},
+                  copyPixel);
 }
 
 void iBltNear32_Z_Roto_KeySrc(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                               tagRECT *srcRect, int centreX, int centreY, float angle, float scale) {
-    rotateNearest({dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale},
+    rotateNearest({.dst = dst,
+                   .dstPitch = dstPitch,
+                   .src = src,
+                   .srcPitch = srcPitch,
+                   .clipRect = *clipRect,
+                   .srcRect = *srcRect,
+                   .centreX = centreX,
+                   .centreY = centreY,
+                   .angle = angle,
+                   .scale = scale},
                   [](q_ulong &d, q_ulong s) { d = s == 0 ? d : s; });
 }
 
 void iBltNear32_Z_Roto_KeySrc_Add(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                                   tagRECT *srcRect, int centreX, int centreY, float angle, float scale) {
-    rotateNearest({dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale},
+    rotateNearest({.dst = dst,
+                   .dstPitch = dstPitch,
+                   .src = src,
+                   .srcPitch = srcPitch,
+                   .clipRect = *clipRect,
+                   .srcRect = *srcRect,
+                   .centreX = centreX,
+                   .centreY = centreY,
+                   .angle = angle,
+                   .scale = scale},
                   [](q_ulong &d, q_ulong s) { d = saturatingBytes(d, s) & (s == 0 ? 0xFFFFFFFF : 0xFFFFFF); });
 }
 
 void iBltNear32_Z_Roto_Alpha(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                              tagRECT *srcRect, int centreX, int centreY, float angle, float scale, float alpha) {
-    const Scene scene = {dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale};
+    const Scene scene = {.dst = dst,
+                         .dstPitch = dstPitch,
+                         .src = src,
+                         .srcPitch = srcPitch,
+                         .clipRect = *clipRect,
+                         .srcRect = *srcRect,
+                         .centreX = centreX,
+                         .centreY = centreY,
+                         .angle = angle,
+                         .scale = scale};
     withMix(alpha, [&scene](auto store) { rotateNearest(scene, store); });
 }
 
 void iBltLinear32_Z_Roto(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect, tagRECT *srcRect,
                          int centreX, int centreY, float angle, float scale) {
-    rotateFiltered({dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale}, copyPixel);
+    rotateFiltered({.dst = dst,
+                    .dstPitch = dstPitch,
+                    .src = src,
+                    .srcPitch = srcPitch,
+                    .clipRect = *clipRect,
+                    .srcRect = *srcRect,
+                    .centreX = centreX,
+                    .centreY = centreY,
+                    .angle = angle,
+                    .scale = scale},
+                   copyPixel);
 }
 
 void iBltLinear32_Z_Roto_Alpha(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                                tagRECT *srcRect, int centreX, int centreY, float angle, float scale, float alpha) {
-    const Scene scene = {dst, dstPitch, src, srcPitch, *clipRect, *srcRect, centreX, centreY, angle, scale};
+    const Scene scene = {.dst = dst,
+                         .dstPitch = dstPitch,
+                         .src = src,
+                         .srcPitch = srcPitch,
+                         .clipRect = *clipRect,
+                         .srcRect = *srcRect,
+                         .centreX = centreX,
+                         .centreY = centreY,
+                         .angle = angle,
+                         .scale = scale};
     withMix(alpha, [&scene](auto store) { rotateFiltered(scene, store); });
 }

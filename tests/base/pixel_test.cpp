@@ -17,6 +17,24 @@ TEST(Pixel, bytes_are_blue_green_red_and_top) {
     EXPECT_EQ(topByteOf(0x11223344), 0x11u);
 }
 
+TEST(Pixel, is_made_of_unmasked_channels) {
+    EXPECT_EQ(pixelOf(0x22, 0x33, 0x44), 0x223344u);
+    EXPECT_EQ(pixelOf(0x1122, 0x33, 0x44), 0x11223344u);
+    EXPECT_EQ(pixelOf(0, 0x133, 0x44), 0x013344u);
+    EXPECT_EQ(upperHalfOf(0x11223344), 0x1122u);
+    EXPECT_EQ(cappedAt255(255), 255u);
+    EXPECT_EQ(cappedAt255(256), 255u);
+    EXPECT_EQ(cappedAt255(254), 254u);
+}
+
+TEST(Pixel, is_treated_channel_by_channel) {
+    const auto difference = [](q_ulong d, q_ulong s) { return d - s; };
+    EXPECT_EQ(channelwise(difference, q_ulong{0x11223344}, q_ulong{0x55010203}), 0x213141u);
+    EXPECT_EQ(upperHalfChannelwise(difference, q_ulong{0x11223344}, q_ulong{0x01010203}), 0x10213141u);
+    EXPECT_EQ(channelwise([](q_ulong channel) { return channel / 2; }, q_ulong{0x11223344}), 0x111922u);
+    EXPECT_EQ(upperHalfChannelwise([](q_ulong channel) { return channel + 1; }, q_ulong{0x11223344}), 0x11233445u);
+}
+
 TEST(Pixel, sums_saturate_in_each_channel_alone) {
     for (q_ulong a = 0; a < 256; ++a)
         for (q_ulong b = 0; b < 256; ++b) {

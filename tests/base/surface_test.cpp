@@ -30,6 +30,29 @@ TEST(Spans, intersect_and_are_empty_from_their_end_on) {
     EXPECT_TRUE((Span{5, 2}).empty());
 }
 
+TEST(Spans, contain_their_begin_and_not_their_end) {
+    const Span span = {-2, 3};
+    for (int position = -4; position < 6; ++position)
+        EXPECT_EQ(span.contains(position),
+                  position == -2 || position == -1 || position == 0 || position == 1 || position == 2)
+            << position;
+    EXPECT_FALSE((Span{5, 2}).contains(3));
+}
+
+TEST(Windows, share_the_columns_and_rows_that_both_have) {
+    const Window shared = Window{{0, 10}, {-3, 4}}.within({{-1, 6}, {2, 9}});
+    EXPECT_EQ(shared.columns.begin, 0);
+    EXPECT_EQ(shared.columns.end, 6);
+    EXPECT_EQ(shared.rows.begin, 2);
+    EXPECT_EQ(shared.rows.end, 4);
+    EXPECT_FALSE(shared.empty());
+    EXPECT_TRUE(shared.contains(0, 3));
+    EXPECT_FALSE(shared.contains(6, 3));
+    EXPECT_FALSE(shared.contains(0, 4));
+    EXPECT_TRUE((Window{{0, 1}, {2, 2}}).empty());
+    EXPECT_TRUE((Window{{1, 1}, {2, 3}}).empty());
+}
+
 TEST(Rectangles, have_the_size_of_their_exclusive_edges) {
     const tagRECT rect = {-3, 5, 7, 6};
     EXPECT_EQ(widthOf(rect), 10);

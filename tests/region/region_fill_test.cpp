@@ -718,11 +718,9 @@ constexpr std::size_t levelBytes() {
 #endif
 #if defined(_WIN64)
     return 64;
-#elif defined(__x86_64__)
-    return 32;
-#elif defined(__i386__) && !defined(__clang__)
-    return 20;
-#elif defined(__i386__)
+#elif defined(_WIN32)
+    return 48;
+#elif defined(__x86_64__) || defined(__i386__)
     return 32;
 #else
     return 512;

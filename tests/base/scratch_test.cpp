@@ -1,0 +1,36 @@
+#include "base/scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace {
+
+using qmur::Scratch;
+
+TEST(Scratch, holds_as_many_elements_as_were_asked_for) {
+    const Scratch<int> scratch(1000);
+    ASSERT_TRUE(scratch);
+    for (int i = 0; i < 1000; ++i)
+        scratch[i] = i;
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(scratch.data()[i], i);
+}
+
+TEST(Scratch, is_all_zero_where_that_was_asked_for) {
+    const auto scratch = Scratch<double>::zeroed(1000);
+    ASSERT_TRUE(scratch);
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(scratch[i], 0.0);
+}
+
+TEST(Scratch, is_empty_for_fewer_than_one_element_and_for_more_than_there_is_room_for) {
+    constexpr long long most = std::numeric_limits<long long>::max();
+    for (const long long count : {0LL, -1LL, most, most / 4}) {
+        EXPECT_FALSE(Scratch<double>(count)) << count;
+        EXPECT_FALSE(Scratch<double>::zeroed(count)) << count;
+    }
+    EXPECT_FALSE(Scratch<int>());
+}
+
+} // namespace
