@@ -143,7 +143,9 @@ bool keepsToContract(const Call &call) {
             continue;
         for (const Area &area : areas(call)) {
             const Value &value = call[area.argument];
-            if (value.is<Plane>() && !value.plane().holds(area.part))
+            if (!value.is<Plane>() || (value.plane().isNull() && call.row().argument(area.argument)->mayBeNull))
+                continue;
+            if (!value.plane().holds(area.part))
                 return false;
         }
     }

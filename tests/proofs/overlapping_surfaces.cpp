@@ -31,7 +31,7 @@ void overlap(Call &call, int dx, int dy, Random &random) {
     Plane shared = Plane::randomSurface(random, width + 2 * reach, height + 2 * reach).movedBy(reach, reach);
     for (std::size_t i = 0; i < call.size(); ++i) {
         const Argument &argument = call.row().arguments[i];
-        if (isSurface(argument) && call[i].is<Plane>())
+        if (isSurface(argument) && call[i].is<Plane>() && !call[i].plane().isNull())
             call[i] = argument.kind == Kind::source ? shared.movedBy(dx, dy) : shared;
     }
     call.settle();

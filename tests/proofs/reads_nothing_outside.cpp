@@ -27,12 +27,24 @@ Box needed(const Call &call, std::string_view argument) {
     return all;
 }
 
+/// Whether two arguments lead to the same memory, which no fence can part.
+bool sharesMemory(const Call &call) {
+    for (std::size_t i = 0; i < call.size(); ++i)
+        for (std::size_t j = 0; j < i; ++j)
+            if (call[i].is<Plane>() && call[j].is<Plane>() && !call[i].plane().isNull() &&
+                call[i].plane().bytes().data() == call[j].plane().bytes().data())
+                return true;
+    return false;
+}
+
 /// With memory that ends where the row says that reading and writing end, and with memory that begins where they begin,
 /// the call runs and draws the same.
 void prove(const Row &row) {
     for (int number = 0; number < 300; ++number) {
         Random random(static_cast<std::uint64_t>(number));
         const Call call = catalogue::randomCall(row, random);
+        if (sharesMemory(call))
+            continue;
         Call expected = call;
         row.call.library(expected)();
         for (const Fence fence : {Fence::before, Fence::behind}) {
