@@ -93,9 +93,11 @@ public:
     /// Sets every pitch from the plane that it belongs to.
     void settle();
 
-    /// Keeps what a function returned.
+    /// Keeps what a function returned. The fourth word of a returned point means nothing.
     template <class Result>
-    void keep(const Result &returned) {
+    void keep(Result returned) {
+        if constexpr (requires { returned.w; })
+            returned.w = 0;
         result.resize(sizeof(Result));
         std::memcpy(result.data(), &returned, sizeof(Result));
     }
