@@ -1,6 +1,7 @@
-#include "draw/naive_bubbles.h"
-#include "draw/naive_lines.h"
-#include "draw/naive_shapes.h"
+#include "plain/blended_lines.h"
+#include "plain/bubbles.h"
+#include "plain/round_shapes.h"
+#include "plain/stars.h"
 #include "support/job.h"
 #include "support/row.h"
 
@@ -10,19 +11,41 @@
 namespace bench {
 namespace {
 
-using naive::Number;
 using test::Surface;
 
+using Line = void (*)(q_ulong *, tagRECT *, int, int, int, int, int, q_ulong, int);
+
+/// A member of the family, and the second computation.
+struct Member {
+    const char *name;
+    Line draw;
+    Line compute;
+};
+
+const Member members[] = {
+    {"iLine_AntiAliasing", iLine_AntiAliasing, plain::iLine_AntiAliasing},
+    {"iLine_AntiAliasing_Alpha", iLine_AntiAliasing_Alpha, plain::iLine_AntiAliasing_Alpha},
+    {"iLine_AntiAliasing_Add", iLine_AntiAliasing_Add, plain::iLine_AntiAliasing_Add},
+    {"iLine_AntiAliasing_Max", iLine_AntiAliasing_Max, plain::iLine_AntiAliasing_Max},
+    {"iLine_AntiAliasing_AddSome", iLine_AntiAliasing_AddSome, plain::iLine_AntiAliasing_AddSome},
+};
+
+struct Ends {
+    int x1;
+    int y1;
+    int x2;
+    int y2;
+};
+
 /// Ten thousand lines of length 10 to 300, all inside the picture.
-Job lineJob(const naive::lines::Member &member, int width) {
-    using naive::lines::Ends;
-    struct Line {
+Job lineJob(const Member &member, int width) {
+    struct Coloured {
         Ends ends;
         q_ulong colour;
     };
     const Surface picture = noise(1024, 768);
     test::Random random(1);
-    std::vector<Line> lines;
+    std::vector<Coloured> lines;
     while (lines.size() < 10000) {
         Ends ends;
         ends.x1 = random.between(0, picture.width() - 1);
@@ -32,20 +55,22 @@ Job lineJob(const naive::lines::Member &member, int width) {
         const int dx = ends.x2 - ends.x1;
         const int dy = ends.y2 - ends.y1;
         const int square = dx * dx + dy * dy;
-        if (naive::inside(picture.rect(), ends.x2, ends.y2) && square >= 10 * 10 && square <= 300 * 300)
+        if (plain::contains(picture.rect(), ends.x2, ends.y2) && square >= 10 * 10 && square <= 300 * 300)
             lines.push_back({ends, random.word() & 0xFFFFFF});
     }
     return drawing(
         picture,
         [=](Surface &dst) {
             tagRECT clip = dst.rect();
-            for (const Line &line : lines)
+            for (const Coloured &line : lines)
                 member.draw(dst.pixels(), &clip, dst.pitch(), line.ends.x1, line.ends.y1, line.ends.x2, line.ends.y2,
                             line.colour, width);
         },
         [=](Surface &dst) {
-            for (const Line &line : lines)
-                member.compute(dst, dst.rect(), line.ends, line.colour, width);
+            tagRECT clip = dst.rect();
+            for (const Coloured &line : lines)
+                member.compute(dst.pixels(), &clip, dst.pitch(), line.ends.x1, line.ends.y1, line.ends.x2, line.ends.y2,
+                               line.colour, width);
         },
         static_cast<double>(lines.size()), uncounted);
 }
@@ -61,153 +86,46 @@ struct Figure {
 struct Shape {
     const char *name;
     const char *figure;
+    bool solid; ///< draws the whole disc, so that its pixels can be counted
     void (*draw)(Surface &, tagRECT *clip, const Figure &);
-    void (*compute)(Surface &, const tagRECT &clip, const Figure &);
-    bool solid = true; ///< draws the whole disc, so that its pixels can be counted
+    void (*compute)(Surface &, tagRECT *clip, const Figure &);
 };
 
 constexpr int thickness = 3;
 constexpr q_ulong intensity = 100;
 
-template <class Value>
-void naiveDisc(Surface &s, const tagRECT &clip, const Figure &f, Value value) {
-    naive::shapes::naiveDisc(s, clip, f.x, f.y, f.radius, value);
-}
+#define SHAPE(name, figure, solid, ...)                                                                                \
+    {                                                                                                                  \
+#name, figure, solid,                                                                                          \
+            []([[maybe_unused]] Surface & s, [[maybe_unused]] tagRECT * clip,                                          \
+               const Figure &f) { name(__VA_ARGS__); },                                                                \
+                                                     []([[maybe_unused]] Surface & s, [[maybe_unused]] tagRECT * clip, \
+                                                        const Figure &f) { plain::name(__VA_ARGS__); }                 \
+    }
 
 constexpr Shape shapes[] = {
-    {"Draw_Circle_FillInside", "circles",
-     [](Surface &s, tagRECT *, const Figure &f) {
-         Draw_Circle_FillInside(s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour);
-     },
-     [](Surface &s, const tagRECT &, const Figure &f) { naive::shapes::naiveFill(s, f.x, f.y, f.radius, f.colour); }},
-    {"Draw_Circle_NoFillInside", "circles",
-     [](Surface &s, tagRECT *, const Figure &f) {
-         Draw_Circle_NoFillInside(s.pixels(), s.pitch(), f.x, f.y, f.radius, thickness, f.colour);
-     },
-     [](Surface &s, const tagRECT &, const Figure &f) {
-         naive::shapes::naiveOutline(s, f.x, f.y, f.radius, thickness, f.colour);
-     },
-     false},
-    {"iFill_Circle_Safe", "circles",
-     [](Surface &s, tagRECT *clip, const Figure &f) {
-         iFill_Circle_Safe(s.pixels(), clip, s.pitch(), f.x, f.y, f.radius, f.colour);
-     },
-     [](Surface &s, const tagRECT &clip, const Figure &f) {
-         naiveDisc(s, clip, f, [&f](q_ulong, Number) { return f.colour; });
-     }},
-    {"iFill_Circle_Alpha", "circles",
-     [](Surface &s, tagRECT *clip, const Figure &f) {
-         iFill_Circle_Alpha(s.pixels(), clip, s.pitch(), f.x, f.y, f.radius, f.colour, 100);
-     },
-     [](Surface &s, const tagRECT &clip, const Figure &f) {
-         naiveDisc(s, clip, f, [&f](q_ulong old, Number) { return naive::shapes::naiveAlpha(old, f.colour, 100); });
-     }},
-    {"Draw_Bubble_Circle", "circles",
-     [](Surface &s, tagRECT *clip, const Figure &f) {
-         Draw_Bubble_Circle(s.pixels(), clip, s.pitch(), f.x, f.y, f.radius, f.colour);
-     },
-     [](Surface &s, const tagRECT &clip, const Figure &f) {
-         naiveDisc(s, clip, f, [&f](q_ulong old, Number square) {
-             return naive::mixed(old, f.colour, naive::shapes::naiveShare(square, f.radius));
-         });
-     }},
-    {"Draw_Metal_Circle", "circles",
-     [](Surface &s, tagRECT *, const Figure &f) {
-         Draw_Metal_Circle(s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour);
-     },
-     [](Surface &s, const tagRECT &clip, const Figure &f) {
-         naiveDisc(s, clip, f,
-                   [&f](q_ulong, Number square) { return naive::shapes::naiveMetal(square, f.radius, f.colour); });
-     }},
-    {"Draw_Anti_Aliasing_Circle_NoFillInside", "circles",
-     [](Surface &s, tagRECT *, const Figure &f) {
-         Draw_Anti_Aliasing_Circle_NoFillInside(s.pixels(), s.pitch(), f.x, f.y, f.radius, thickness, f.colour);
-     },
-     [](Surface &s, const tagRECT &, const Figure &f) {
-         naive::shapes::naiveSoftCircle(s, f.x, f.y, f.radius, thickness, f.colour);
-     },
-     false},
-    {"Draw_Ring", "rings",
-     [](Surface &s, tagRECT *, const Figure &f) {
-         Draw_Ring(s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, intensity);
-     },
-     [](Surface &s, const tagRECT &, const Figure &f) {
-         naive::shapes::naiveRing(s, f.x, f.y, f.radius, f.colour, intensity);
-     },
-     false},
-    {"Draw_Ring_Safe", "rings",
-     [](Surface &s, tagRECT *clip, const Figure &f) {
-         Draw_Ring_Safe(s.pixels(), s.pitch(), clip, f.x, f.y, f.radius, thickness, f.colour);
-     },
-     [](Surface &s, const tagRECT &clip, const Figure &f) {
-         naive::shapes::naiveRingSafe(s, clip, f.x, f.y, f.radius, thickness, f.colour);
-     },
-     false},
-    {"Draw_Star_Type1", "stars",
-     [](Surface &s, tagRECT *, const Figure &f) {
-         Draw_Star_Type1(s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, intensity);
-     },
-     [](Surface &s, const tagRECT &, const Figure &f) {
-         naive::shapes::naiveType1(s, f.x, f.y, f.radius, f.colour, intensity, naive::shapes::anywhere);
-     }},
-    {"Draw_Star_Type1_Safe", "stars",
-     [](Surface &s, tagRECT *clip, const Figure &f) {
-         Draw_Star_Type1_Safe(s.pixels(), s.pitch(), clip, f.x, f.y, f.radius, f.colour, intensity);
-     },
-     [](Surface &s, const tagRECT &clip, const Figure &f) {
-         naive::shapes::naiveType1Safe(s, clip, f.x, f.y, f.radius, f.colour, intensity);
-     }},
-    {"Draw_Star_Type2", "stars",
-     [](Surface &s, tagRECT *, const Figure &f) {
-         Draw_Star_Type2(s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, intensity);
-     },
-     [](Surface &s, const tagRECT &, const Figure &f) {
-         naive::shapes::naiveType2(s, f.x, f.y, f.radius, f.colour, intensity);
-     }},
-    {"Draw_Star_Type3", "stars",
-     [](Surface &s, tagRECT *, const Figure &f) {
-         Draw_Star_Type3(s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, intensity);
-     },
-     [](Surface &s, const tagRECT &, const Figure &f) {
-         naive::shapes::naiveType3(s, f.x, f.y, f.radius, f.colour, intensity);
-     },
-     false},
-    {"Draw_Light", "lights",
-     [](Surface &s, tagRECT *, const Figure &f) {
-         Draw_Light(s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, intensity);
-     },
-     [](Surface &s, const tagRECT &, const Figure &f) {
-         naive::shapes::naiveLight(s, f.x, f.y, f.radius, f.colour, intensity, naive::shapes::anywhere);
-     }},
-    {"Draw_Light_Safe", "lights",
-     [](Surface &s, tagRECT *clip, const Figure &f) {
-         Draw_Light_Safe(s.pixels(), s.pitch(), clip, f.x, f.y, f.radius, f.colour, intensity);
-     },
-     [](Surface &s, const tagRECT &clip, const Figure &f) {
-         naive::shapes::naiveLightSafe(s, clip, f.x, f.y, f.radius, f.colour, intensity);
-     }},
-    {"Draw_Circle_Light", "lights",
-     [](Surface &s, tagRECT *, const Figure &f) {
-         Draw_Circle_Light(s.pixels(), s.pitch(), f.x, f.y, f.radius, 0x40, 0x80, 0xC0);
-     },
-     [](Surface &s, const tagRECT &, const Figure &f) {
-         naive::shapes::naiveCircleLight(s, f.x, f.y, f.radius, 0x40, 0x80, 0xC0);
-     }},
-    {"Draw_3DBall", "balls",
-     [](Surface &s, tagRECT *, const Figure &f) {
-         Draw_3DBall(s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, 0);
-     },
-     [](Surface &s, const tagRECT &, const Figure &f) {
-         naive::shapes::naiveBall(s, f.x, f.y, f.radius, f.colour, naive::shapes::anywhere);
-     }},
-    {"Draw_3DBall_Safe", "balls",
-     [](Surface &s, tagRECT *clip, const Figure &f) {
-         Draw_3DBall_Safe(s.pixels(), s.pitch(), clip, f.x, f.y, f.radius, f.colour, 0);
-     },
-     [](Surface &s, const tagRECT &clip, const Figure &f) {
-         naive::shapes::naiveBallSafe(s, clip, f.x, f.y, f.radius, f.colour);
-     }},
+    SHAPE(Draw_Circle_FillInside, "circles", true, s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour),
+    SHAPE(Draw_Circle_NoFillInside, "circles", false, s.pixels(), s.pitch(), f.x, f.y, f.radius, thickness, f.colour),
+    SHAPE(iFill_Circle_Safe, "circles", true, s.pixels(), clip, s.pitch(), f.x, f.y, f.radius, f.colour),
+    SHAPE(iFill_Circle_Alpha, "circles", true, s.pixels(), clip, s.pitch(), f.x, f.y, f.radius, f.colour, 100),
+    SHAPE(Draw_Bubble_Circle, "circles", true, s.pixels(), clip, s.pitch(), f.x, f.y, f.radius, f.colour),
+    SHAPE(Draw_Metal_Circle, "circles", true, s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour),
+    SHAPE(Draw_Anti_Aliasing_Circle_NoFillInside, "circles", false, s.pixels(), s.pitch(), f.x, f.y, f.radius,
+          thickness, f.colour),
+    SHAPE(Draw_Ring, "rings", false, s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, intensity),
+    SHAPE(Draw_Ring_Safe, "rings", false, s.pixels(), s.pitch(), clip, f.x, f.y, f.radius, thickness, f.colour),
+    SHAPE(Draw_Star_Type1, "stars", true, s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, intensity),
+    SHAPE(Draw_Star_Type1_Safe, "stars", true, s.pixels(), s.pitch(), clip, f.x, f.y, f.radius, f.colour, intensity),
+    SHAPE(Draw_Star_Type2, "stars", true, s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, intensity),
+    SHAPE(Draw_Star_Type3, "stars", false, s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, intensity),
+    SHAPE(Draw_Light, "lights", true, s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, intensity),
+    SHAPE(Draw_Light_Safe, "lights", true, s.pixels(), s.pitch(), clip, f.x, f.y, f.radius, f.colour, intensity),
+    SHAPE(Draw_Circle_Light, "lights", true, s.pixels(), s.pitch(), f.x, f.y, f.radius, 0x40, 0x80, 0xC0),
+    SHAPE(Draw_3DBall, "balls", true, s.pixels(), s.pitch(), f.x, f.y, f.radius, f.colour, 0),
+    SHAPE(Draw_3DBall_Safe, "balls", true, s.pixels(), s.pitch(), clip, f.x, f.y, f.radius, f.colour, 0),
 };
+
+#undef SHAPE
 
 /// Figures whose radius is within limits; those that reach furthest have 2 * `thickness` pixels around them.
 std::vector<Figure> anyFigures(int count, int least, int most, const Surface &picture) {
@@ -243,8 +161,9 @@ Job shapeJob(const Shape &shape) {
                 shape.draw(dst, &clip, figure);
         },
         [=](Surface &dst) {
+            tagRECT clip = dst.rect();
             for (const Figure &figure : figures)
-                shape.compute(dst, dst.rect(), figure);
+                shape.compute(dst, &clip, figure);
         },
         static_cast<double>(figures.size()), shape.solid ? discPixels(figures) : uncounted);
 }
@@ -258,52 +177,42 @@ Job bubbleJob(Bubble kind) {
     std::vector<q_ulong> resource(static_cast<std::size_t>(resourcePitch * resourceSize));
     MakeBubbleResource(resource.data(), resourcePitch, 0, 0, resourceSize, 1);
     const std::vector<Figure> figures = anyFigures(40, 20, 80, picture);
+    auto drawAll = [=, scratch = std::vector<q_ulong>(160 * 160)](Surface &dst, auto ball, auto glass) mutable {
+        for (const Figure &f : figures) {
+            if (kind == Bubble::ball)
+                ball(dst.pixels(), dst.pitch(), f.x, f.y, 2 * f.radius, resource.data(), resourceSize, f.colour,
+                     dst.width(), dst.height());
+            else
+                glass(dst.pixels(), scratch.data(), dst.pitch(), f.x, f.y, 2 * f.radius, resource.data(), resourceSize,
+                      f.colour, dst.width(), dst.height());
+        }
+    };
     return drawing(
         picture,
-        [=, scratch = std::vector<q_ulong>(160 * 160)](Surface &dst) mutable {
-            for (const Figure &f : figures) {
-                if (kind == Bubble::ball)
-                    DrawReal3DBall(dst.pixels(), dst.pitch(), f.x, f.y, 2 * f.radius, resource.data(), resourceSize,
-                                   f.colour, dst.width(), dst.height());
-                else
-                    (kind == Bubble::soft ? DrawRealBubble : DrawRealBubbleOld)(
-                        dst.pixels(), scratch.data(), dst.pitch(), f.x, f.y, 2 * f.radius, resource.data(),
-                        resourceSize, f.colour, dst.width(), dst.height());
-            }
+        [=](Surface &dst) mutable {
+            drawAll(dst, DrawReal3DBall, kind == Bubble::soft ? DrawRealBubble : DrawRealBubbleOld);
         },
-        [=](Surface &dst) {
-            for (const Figure &f : figures) {
-                const naive::bubbles::NaiveBubble bubble = {f.x,           f.y,          2 * f.radius, resource.data(),
-                                                            resourcePitch, resourceSize, f.colour,     dst.width(),
-                                                            dst.height()};
-                if (kind == Bubble::ball)
-                    naive::bubbles::naiveBall(dst, bubble);
-                else
-                    naive::bubbles::naiveGlass(dst, bubble, kind == Bubble::soft ? 18 : 16, kind == Bubble::soft);
-            }
+        [=](Surface &dst) mutable {
+            drawAll(dst, plain::DrawReal3DBall,
+                    kind == Bubble::soft ? plain::DrawRealBubble : plain::DrawRealBubbleOld);
         },
         static_cast<double>(figures.size()), discPixels(figures));
 }
 
 using MakeResource = void (*)(q_ulong *, int, int, int, int, int);
-using NaiveWord = q_ulong (*)(int, int, int, int);
 
-Job resourceJob(MakeResource make, NaiveWord word) {
+Job resourceJob(MakeResource make, MakeResource compute) {
     constexpr int size = 160;
     return drawing(
         Surface(size, size), [=](Surface &dst) { make(dst.pixels(), dst.pitch(), 0, 0, size, 1); },
-        [=](Surface &dst) {
-            for (int y = 0; y < size; ++y)
-                for (int x = 0; x < size; ++x)
-                    dst.at(x, y) = word(x, y, size, 1);
-        });
+        [=](Surface &dst) { compute(dst.pixels(), dst.pitch(), 0, 0, size, 1); });
 }
 
 } // namespace
 
 void addDrawRows() {
     std::vector<JobRow> rows;
-    for (const naive::lines::Member &member : naive::lines::members)
+    for (const Member &member : members)
         for (const int width : {1, 3})
             rows.push_back({member.name, "10,000 of width " + std::to_string(width), "lines",
                             [member, width] { return lineJob(member, width); }});
@@ -319,9 +228,9 @@ void addDrawRows() {
         rows.push_back(
             {bubble.name, "40 of size 40 to 160", "bubbles", [kind = bubble.kind] { return bubbleJob(kind); }});
     rows.push_back({"MakeBubbleResource", "of size 160", "",
-                    [] { return resourceJob(MakeBubbleResource, naive::bubbles::naiveSphereWord); }});
+                    [] { return resourceJob(MakeBubbleResource, plain::MakeBubbleResource); }});
     rows.push_back({"MakeBubbleResource2", "of size 160", "",
-                    [] { return resourceJob(MakeBubbleResource2, naive::bubbles::naiveSpotsWord); }});
+                    [] { return resourceJob(MakeBubbleResource2, plain::MakeBubbleResource2); }});
     addJobs(rows);
 }
 
