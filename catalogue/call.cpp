@@ -54,6 +54,8 @@ void add(std::uint64_t &checksum, const TexturedBlock &block) {
 }
 
 void add(std::uint64_t &checksum, const RegionBlock &block) {
+    for (const int pitch : {block.data.planePitch, block.data.destPitch, block.data.testPitch})
+        addField(checksum, pitch);
     for (const Plane *plane : {&block.plane, &block.destSurface, &block.testSurface})
         add(checksum, *plane);
 }
@@ -67,6 +69,29 @@ std::string numberDifference(double result, double expected) {
 }
 
 } // namespace
+
+const Plane *Value::surface() const {
+    const Plane *plane = std::visit(
+        [](const auto &held) -> const Plane * {
+            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, Plane>)
+                return &held;
+            else if constexpr (requires { held.depths; })
+                return &held.depths;
+            else
+                return nullptr;
+        },
+        content);
+    return plane && !plane->isNull() ? plane : nullptr;
+}
+
+void Value::fitTo(const Plane &destination) {
+    std::visit(
+        [&](auto &held) {
+            if constexpr (requires { held.fitTo(destination); })
+                held.fitTo(destination);
+        },
+        content);
+}
 
 Value Value::copy(Copies &copies) const {
     return std::visit(
@@ -151,6 +176,8 @@ void Call::restore(const Call &earlier) {
 void Call::settle() {
     for (std::size_t i = 0; i < values.size(); ++i) {
         const Argument &argument = description->arguments[i];
+        if (argument.kind == Kind::privateBlock && !argument.of.empty())
+            values[i].fitTo((*this)[argument.of].plane());
         if (argument.kind != Kind::pitch)
             continue;
         const Plane &plane = (*this)[argument.of].plane();

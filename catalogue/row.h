@@ -139,6 +139,9 @@ struct Row {
     Areas (*writes)(const Call &) = nullptr;
     Areas (*reads)(const Call &) = nullptr;
 
+    /// What the contract asks of the arguments together, beyond their ranges and what they write and read.
+    bool (*allows)(const Call &) = nullptr;
+
     Overlap overlap = Overlap::none;
     TopByte topByte = TopByte::noPixels;
     Sums sums = Sums::none;
@@ -152,6 +155,9 @@ struct Row {
 
     std::vector<Scene> scenes;
     std::vector<Exception> without;
+
+    /// How many seeded cases are compared with the twin; fewer where a call takes long.
+    int cases = 20000;
 
     /// The name with the word behind it.
     std::string fullName() const;

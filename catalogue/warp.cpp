@@ -49,6 +49,16 @@ void makeAlike(Call &call, Random &random, std::initializer_list<std::string_vie
     }
 }
 
+/// Surfaces that are handed over with one pitch have it.
+bool shareOnePitch(const Call &call) {
+    const int pitch = call["dst"].plane().pitch();
+    for (const std::string_view name : {"front", "back", "background", "src", "scratch"})
+        if (call.row().argument(name) && !call[name].plane().isNull() && call[name].plane().pitch() != pitch &&
+            !(name == "src" && call.row().argument("srcPitch")))
+            return false;
+    return true;
+}
+
 tagRECT anyClip(const Call &call, std::string_view surface, Random &random) {
     const Plane &plane = call[surface].plane();
     return random.oneIn(3) ? random.rectInsideOrEmpty(plane.width(), plane.height()) : plane.rect();
@@ -276,6 +286,7 @@ Row aboutAxis(Bound bound, std::string_view name, std::string_view sentence) {
         .arguments = faceArguments(),
         .writes = writesFrame,
         .reads = readsFaces,
+        .allows = shareOnePitch,
         .overlap = Overlap::rowOrder,
         .topByte = TopByte::copied,
         .sums = Sums::stayInside,
@@ -323,6 +334,7 @@ Row frameTurn(Bound bound, std::string_view name, std::string_view word, std::st
         .arguments = frameTurnArguments(!word.empty()),
         .writes = writesFrame,
         .reads = readsFrames,
+        .allows = shareOnePitch,
         .overlap = Overlap::rowOrder,
         .topByte = TopByte::copied,
         .sums = Sums::stayInside,
@@ -698,6 +710,7 @@ std::vector<Row> warpRows() {
                 corners()),
             .writes = writesFrame,
             .reads = readsFrame,
+            .allows = shareOnePitch,
             .overlap = Overlap::rowOrder,
             .topByte = TopByte::copied,
             .sums = Sums::stayInside,
@@ -712,6 +725,7 @@ std::vector<Row> warpRows() {
                                 corners()),
             .writes = writesFrameAndScratch,
             .reads = readsFrame,
+            .allows = shareOnePitch,
             .overlap = Overlap::notPromised,
             .topByte = TopByte::copied,
             .sums = Sums::stayInside,
@@ -728,6 +742,7 @@ std::vector<Row> warpRows() {
                                  number("brightnessScale", "1/256", {-1000, 1000}, {128, 256})}),
             .writes = writesClip,
             .reads = readsAffine,
+            .allows = shareOnePitch,
             .overlap = Overlap::notPromised,
             .topByte = TopByte::disturbsRed,
             .sums = Sums::saturate,
@@ -777,6 +792,7 @@ std::vector<Row> warpRows() {
                           strokeEnd("x2"), strokeEnd("y2"), number("width", "pixels", anyInt, {41, 41})},
             .writes = writesStroke,
             .reads = readsStroke,
+            .allows = shareOnePitch,
             .overlap = Overlap::rowOrder,
             .topByte = TopByte::copied,
             .sums = Sums::stayInside,

@@ -1,43 +1,12 @@
-#include "support/cases.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <limits>
 
 namespace {
 
-using test::Case;
-using test::forEachCase;
 using test::Surface;
-
-TEST(iFillRect, every_rectangle_over_a_small_surface) {
-    const Surface empty(4, 4, 0x01020304);
-    for (int top = 0; top <= 4; ++top)
-        for (int left = 0; left <= 4; ++left)
-            for (int bottom = -2; bottom <= 4; ++bottom)
-                for (int right = -2; right <= 4; ++right) {
-                    Surface dst = empty;
-                    Surface expected = empty;
-                    for (int y = top; y < bottom; ++y)
-                        for (int x = left; x < right; ++x)
-                            expected.at(x, y) = 0xFE112233;
-                    tagRECT rect = {left, top, right, bottom};
-                    iFillRect(dst.pixels(), &rect, dst.pitch(), 0xFE112233);
-                    ASSERT_EQ(dst.differenceFrom(expected), "");
-                }
-}
-
-TEST(iFillRect, pictures_without_a_margin_are_filled_to_their_end) {
-    for (int height = 1; height <= 9; ++height)
-        for (int width = 1; width <= 9; ++width) {
-            test::PageEndPixels pixels(static_cast<std::size_t>(width * height));
-            std::fill_n(pixels.data(), width * height, 0x01020304);
-            tagRECT rect = {0, 0, width, height};
-            iFillRect(pixels.data(), &rect, width, 0xFE112233);
-            EXPECT_EQ(std::count(pixels.data(), pixels.data() + width * height, q_ulong{0xFE112233}), width * height);
-        }
-}
 
 TEST(iFillRect, bottom_up_surfaces_have_a_negative_pitch) {
     Surface dst(4, 4);
@@ -48,20 +17,6 @@ TEST(iFillRect, bottom_up_surfaces_have_a_negative_pitch) {
     tagRECT rect = {1, 0, 3, 2};
     iFillRect(&dst.at(0, 3), &rect, -dst.pitch(), 0xFE112233);
     EXPECT_EQ(dst.differenceFrom(expected), "");
-}
-
-TEST(iFillRect, agrees_with_a_naive_fill) {
-    forEachCase("iFillRect", [](Case &c) {
-        Surface dst = Surface::random(c.random, 40);
-        tagRECT rect = c.random.rectInsideOrEmpty(dst.width(), dst.height());
-        const q_ulong colour = c.random.pixel();
-        Surface expected = dst;
-        for (int y = static_cast<int>(rect.top); y < rect.bottom; ++y)
-            for (int x = static_cast<int>(rect.left); x < rect.right; ++x)
-                expected.at(x, y) = colour;
-        iFillRect(dst.pixels(), &rect, dst.pitch(), colour);
-        c.expectEqual(dst, expected);
-    });
 }
 
 q_ulong fadedOnce(q_ulong pixel, float factor) {
@@ -85,11 +40,12 @@ TEST(iFadeOut32, factors_that_truncate_to_0_are_the_gentle_step) {
     EXPECT_EQ(fadedOnce(0xFFFFFFFF, 1.0F / 256), 0u); // 255 / 256
 }
 
-TEST(iFadeOut32, an_empty_rectangle_keeps_all_pixels) {
+TEST(iFillRect, an_empty_rectangle_keeps_all_pixels_and_so_does_a_faded_one) {
     const Surface before(4, 4, 0xAABBCCDD);
     for (const tagRECT empty : {tagRECT{1, 1, 1, 3}, {1, 1, 3, 1}, {3, 1, 1, 3}, {1, 3, 3, 1}}) {
         Surface dst = before;
         tagRECT rect = empty;
+        iFillRect(dst.pixels(), &rect, dst.pitch(), 0xFE112233);
         iFadeOut32(dst.pixels(), &rect, dst.pitch(), 0.0F);
         iFadeOut32(dst.pixels(), &rect, dst.pitch(), 0.5F);
         EXPECT_EQ(dst.differenceFrom(before), "");
@@ -116,26 +72,6 @@ TEST(iFadeOut32, factor_2_wraps_red_drops_green_and_spills_blue_into_green) {
     // Scale 512: red 0xC0 << 25 keeps one bit of its two, green 0x80 << 17 stands above green's mask, and blue
     // 0xC0 << 9 is 0x18000, which the shift makes 0x180.
     EXPECT_EQ(fadedOnce(0x00C080C0, 2.0F), 0x00800180u);
-}
-
-TEST(iFadeOut32, agrees_with_a_naive_fade) {
-    forEachCase("iFadeOut32", [](Case &c) {
-        Surface dst = Surface::random(c.random);
-        tagRECT rect = c.random.rectInsideOrEmpty(dst.width(), dst.height());
-        const float factor = c.random.realBetween(-2, 4);
-        const auto scale = static_cast<std::uint32_t>(static_cast<std::int32_t>(factor * 256));
-        Surface expected = dst;
-        for (int y = static_cast<int>(rect.top); y < rect.bottom; ++y)
-            for (int x = static_cast<int>(rect.left); x < rect.right; ++x) {
-                q_ulong &d = expected.at(x, y);
-                const std::uint64_t red = ((d & 0xFF0000ull) * scale) & 0xFF0000FF;
-                const std::uint64_t green = ((d & 0xFF00ull) * scale) & 0xFF0000;
-                const std::uint64_t blue = ((d & 0xFFull) * scale) & 0xFFFFFFFF;
-                d = scale == 0 ? (d >> 4 & 0x0F0F0F) * 15 : static_cast<q_ulong>((red | green | blue) >> 8);
-            }
-        iFadeOut32(dst.pixels(), &rect, dst.pitch(), factor);
-        c.expectEqual(dst, expected);
-    });
 }
 
 } // namespace

@@ -1,22 +1,13 @@
-#include "math3d/full_width.h"
-#include "naive_bubbles.h"
-#include "support/cases.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <climits>
-#include <cmath>
-#include <cstdint>
 #include <vector>
 
 namespace {
 
-using namespace naive::bubbles;
-using test::Case;
-using test::forEachCase;
-using test::Random;
-using test::Real;
 using test::Surface;
 
 q_ulong lightOf(q_ulong word) {
@@ -140,39 +131,6 @@ TEST(MakeBubbleResource, sizes_below_2_write_nothing) {
     }
 }
 
-using Generator = void (*)(q_ulong *, int, int, int, int, int);
-using NaiveWord = q_ulong (*)(int, int, int, int);
-
-void compareGenerators(std::string_view name, Generator generate, NaiveWord naive, int largest) {
-    forEachCase(
-        name,
-        [=](Case &c) {
-            const int size = c.random.between(2, largest);
-            const int x = c.random.between(0, 3);
-            const int y = c.random.between(0, 3);
-            const int second = c.random.between(-1, 1);
-            Surface dst = Surface::randomOfSize(c.random, size + 4, size + 4);
-            Surface expected = dst;
-            for (int j = 0; j < size; ++j)
-                for (int i = 0; i < size; ++i)
-                    expected.at(x + i, y + j) = naive(i, j, size, second);
-            test::callAtAnyPrecision(c, [&] { generate(dst.pixels(), dst.pitch(), x, y, size, second); });
-            c.expectEqual(dst, expected);
-        },
-        500);
-}
-
-TEST(MakeBubbleResource, agrees_with_a_naive_sphere) {
-    compareGenerators("MakeBubbleResource", MakeBubbleResource, naiveSphereWord, 48);
-}
-
-TEST(MakeBubbleResource, a_large_sphere_agrees_too) {
-    const Surface resource = sphere(200, 1);
-    for (int j = 0; j < 200; ++j)
-        for (int i = 0; i < 200; ++i)
-            ASSERT_EQ(resource.at(i, j), naiveSphereWord(i, j, 200, 1)) << i << ", " << j;
-}
-
 // The resource with spots
 
 TEST(MakeBubbleResource2, the_centres_of_its_three_spots) {
@@ -208,17 +166,6 @@ TEST(MakeBubbleResource2, the_second_highlight_goes_before_the_first_where_they_
     EXPECT_EQ(highlightOf(spots(12, 1).at(4, 8)), 64u);
     EXPECT_EQ(highlightOf(spots(12, 0).at(8, 4)), 200u);
     EXPECT_EQ(highlightOf(spots(12, 0).at(4, 8)), 185u);
-}
-
-TEST(MakeBubbleResource2, agrees_with_naive_spots) {
-    compareGenerators("MakeBubbleResource2", MakeBubbleResource2, naiveSpotsWord, 64);
-}
-
-TEST(MakeBubbleResource2, a_large_resource_agrees_too) {
-    const Surface resource = spots(240, 1);
-    for (int j = 0; j < 240; ++j)
-        for (int i = 0; i < 240; ++i)
-            ASSERT_EQ(resource.at(i, j), naiveSpotsWord(i, j, 240, 1)) << i << ", " << j;
 }
 
 // Drawing
@@ -421,70 +368,6 @@ TEST(DrawReal3DBall, the_whole_resource_lies_over_the_whole_ball) {
             }
 }
 
-// The drawing functions pixel by pixel, from their definition.
-
-enum class Kind { soft, old, ball };
-
-/// Draws on `dst` by the library and on `expected` naively. The scratch has just the words that the pixels need: one
-/// written behind them shows.
-void drawBoth(Kind kind, Surface &dst, Surface &expected, NaiveBubble b, std::vector<q_ulong> &resource) {
-    b.resource = resource.data();
-    b.resourcePitch = kind == Kind::old ? dst.pitch() : b.resourceSize;
-    if (kind == Kind::ball) {
-        naiveBall(expected, b);
-        DrawReal3DBall(dst.pixels(), dst.pitch(), b.cx, b.cy, b.size, resource.data(), b.resourceSize, b.color, b.width,
-                       b.height);
-        return;
-    }
-    const bool soft = kind == Kind::soft;
-    const auto words = static_cast<std::size_t>(naiveGlass(expected, b, soft ? 18 : 16, soft));
-    constexpr q_ulong fence = 0xFEDCBA98;
-    std::vector<q_ulong> scratch(words + 4, fence);
-    (soft ? DrawRealBubble : DrawRealBubbleOld)(dst.pixels(), scratch.data(), dst.pitch(), b.cx, b.cy, b.size,
-                                                resource.data(), b.resourceSize, b.color, b.width, b.height);
-    for (std::size_t i = words; i < scratch.size(); ++i)
-        ASSERT_EQ(scratch[i], fence) << "the scratch is written beyond what the disc needs";
-}
-
-/// Words as the generators make them, and any others.
-std::vector<q_ulong> randomResource(Random &random, std::size_t words) {
-    std::vector<q_ulong> resource;
-    for (std::size_t i = 0; i < words; ++i) {
-        const auto light = static_cast<q_ulong>(random.between(55, 255));
-        const auto tint = static_cast<q_ulong>(random.between(0, 127));
-        const auto highlight = static_cast<q_ulong>(random.between(0, 200));
-        resource.push_back(random.oneIn(4) ? static_cast<q_ulong>(random.word())
-                                           : resourceWord(light, tint, highlight));
-    }
-    return resource;
-}
-
-void sweep(Kind kind) {
-    Random random(7);
-    const Surface picture = Surface::randomOfSize(random, 13, 9);
-    std::vector<q_ulong> resource = randomResource(random, 400);
-    for (const int size : {-5, -1, 0, 1, 2, 3, 4, 7, 8, 12, 19})
-        for (int cy = -14; cy <= 22; ++cy)
-            for (int cx = -14; cx <= 26; ++cx) {
-                Surface dst = picture;
-                Surface expected = picture;
-                drawBoth(kind, dst, expected, {cx, cy, size, nullptr, 0, 6, 0x80C0FF, 13, 9}, resource);
-                ASSERT_EQ(dst.differenceFrom(expected), "") << cx << ", " << cy << ", " << size;
-            }
-}
-
-TEST(DrawRealBubble, centres_over_and_beyond_the_surface_stay_inside_it) {
-    sweep(Kind::soft);
-}
-
-TEST(DrawRealBubbleOld, centres_over_and_beyond_the_surface_stay_inside_it) {
-    sweep(Kind::old);
-}
-
-TEST(DrawReal3DBall, centres_over_and_beyond_the_surface_stay_inside_it) {
-    sweep(Kind::ball);
-}
-
 TEST(DrawReal3DBall, the_farthest_centres_and_empty_surfaces_draw_nothing) {
     std::vector<q_ulong> resource(16, 0xFFFFFF);
     std::vector<q_ulong> scratch(400);
@@ -506,55 +389,6 @@ TEST(DrawReal3DBall, the_farthest_centres_and_empty_surfaces_draw_nothing) {
         expectNothing(6, 6, 10, 12, none);
         expectNothing(6, 6, none, 12, 12);
     }
-}
-
-void compareDrawing(std::string_view name, Kind kind) {
-    forEachCase(name, [kind](Case &c) {
-        Surface dst = Surface::random(c.random);
-        Surface expected = dst;
-        NaiveBubble b = {};
-        b.size = c.random.between(0, 24);
-        b.cx = c.random.between(-10, dst.width() + 10);
-        b.cy = c.random.between(-10, dst.height() + 10);
-        b.resourceSize = c.random.between(1, 12);
-        b.color = c.random.pixel();
-        b.width = dst.width() - (c.random.oneIn(4) ? c.random.between(0, 3) : 0);
-        b.height = dst.height() - (c.random.oneIn(4) ? c.random.between(0, 3) : 0);
-        const int rows = kind == Kind::old ? dst.pitch() : b.resourceSize;
-        std::vector<q_ulong> resource =
-            randomResource(c.random, static_cast<std::size_t>(b.resourceSize * std::max(rows, b.resourceSize)));
-        drawBoth(kind, dst, expected, b, resource);
-        c.expectEqual(dst, expected);
-    });
-}
-
-TEST(DrawRealBubble, agrees_with_a_naive_bubble) {
-    compareDrawing("DrawRealBubble", Kind::soft);
-}
-
-TEST(DrawRealBubbleOld, agrees_with_a_naive_bubble) {
-    compareDrawing("DrawRealBubbleOld", Kind::old);
-}
-
-TEST(DrawReal3DBall, agrees_with_a_naive_ball) {
-    compareDrawing("DrawReal3DBall", Kind::ball);
-}
-
-TEST(DrawRealBubble, every_size_up_to_181_agrees_with_a_naive_bubble) {
-    Random random(3);
-    const Surface picture = Surface::randomOfSize(random, 190, 186);
-    std::vector<q_ulong> resource = randomResource(random, 40 * 240);
-    for (int size = 1; size <= 181; size += size < 40 ? 1 : 7)
-        for (const Kind kind : {Kind::soft, Kind::old, Kind::ball}) {
-            Surface dst = picture;
-            Surface expected = picture;
-            drawBoth(kind, dst, expected, {97, 90, size, nullptr, 0, 40, 0xFF8040, 190, 186}, resource);
-            ASSERT_EQ(dst.differenceFrom(expected), "") << size;
-        }
-    Surface dst = picture;
-    Surface expected = picture;
-    drawBoth(Kind::soft, dst, expected, {97, 90, 181, nullptr, 0, 40, 0xFF8040, 190, 186}, resource);
-    EXPECT_EQ(dst.differenceFrom(expected), "");
 }
 
 } // namespace

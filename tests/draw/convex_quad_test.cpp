@@ -1,4 +1,4 @@
-#include "support/cases.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
@@ -9,19 +9,9 @@
 
 namespace {
 
-using test::Case;
-using test::forEachCase;
 using test::Surface;
 
 using Corners = std::array<tagPOINT, 4>;
-
-int low32(std::int64_t value) {
-    return static_cast<int>(static_cast<std::uint32_t>(value));
-}
-
-int toInt(q_long value) {
-    return static_cast<int>(value);
-}
 
 int decide(int px, int py, int ax, int ay, int bx, int by) {
     return DecisionLine2(&px, &py, &ax, &ay, &bx, &by);
@@ -29,61 +19,6 @@ int decide(int px, int py, int ax, int ay, int bx, int by) {
 
 int decideTurned(int px, int py, int ax, int ay, int bx, int by) {
     return DecisionLine(&px, &py, &ax, &ay, &bx, &by);
-}
-
-Corners sortedByRow(Corners p) {
-    constexpr int pairs[6][2] = {{0, 1}, {0, 2}, {0, 3}, {1, 2}, {1, 3}, {2, 3}};
-    for (const auto &pair : pairs)
-        if (p[static_cast<std::size_t>(pair[0])].y > p[static_cast<std::size_t>(pair[1])].y)
-            std::swap(p[static_cast<std::size_t>(pair[0])], p[static_cast<std::size_t>(pair[1])]);
-    return p;
-}
-
-/// 1 if the point lies to the left of the line from top to bottom, with products that wrap.
-int naiveSide(tagPOINT p, tagPOINT top, tagPOINT bottom) {
-    const int a = low32(static_cast<std::int64_t>(low32(static_cast<std::int64_t>(p.y) - top.y)) *
-                        low32(static_cast<std::int64_t>(bottom.x) - top.x));
-    const int b = low32(static_cast<std::int64_t>(low32(static_cast<std::int64_t>(bottom.y) - top.y)) *
-                        low32(static_cast<std::int64_t>(p.x) - top.x));
-    return a > b ? 1 : 0;
-}
-
-int naiveX(tagPOINT a, tagPOINT b, int y) {
-    const int inverse = a.y == b.y ? 262144 : 262144 / toInt(b.y - a.y);
-    const int product =
-        low32(static_cast<std::int64_t>(low32(static_cast<std::int64_t>(b.x - a.x) * (y - a.y))) * inverse);
-    return low32(static_cast<std::int64_t>(product >> 18) + a.x);
-}
-
-/// Visits every pixel of the surface and asks each band in turn whether it paints it.
-void naiveQuad(Surface &dst, const tagRECT &clip, const Corners &corners, q_ulong colour) {
-    const Corners p = sortedByRow(corners);
-    const int side = naiveSide(p[1], p[0], p[3]) * 2 + naiveSide(p[2], p[0], p[3]);
-    struct Sides {
-        int leftFrom, leftTo, rightFrom, rightTo;
-    };
-    constexpr Sides table[4][3] = {
-        {{0, 3, 0, 1}, {0, 3, 1, 2}, {0, 3, 2, 3}}, // 0, 0
-        {{0, 2, 0, 1}, {0, 2, 1, 3}, {2, 3, 1, 3}}, // 0, 1
-        {{0, 1, 0, 2}, {1, 3, 0, 2}, {1, 3, 2, 3}}, // 1, 0
-        {{0, 1, 0, 3}, {1, 2, 0, 3}, {2, 3, 0, 3}}, // 1, 1
-    };
-    const auto corner = [&p](int i) { return p[static_cast<std::size_t>(i)]; };
-    for (int band = 0; band < 3; ++band) {
-        const Sides sides = table[side][band];
-        for (int y = 0; y < dst.height(); ++y)
-            for (int x = 0; x < dst.width(); ++x) {
-                if (y < corner(band).y || y > corner(band + 1).y)
-                    continue;
-                if (y < clip.top || y >= clip.bottom || x < clip.left || x >= clip.right)
-                    continue;
-                const int left = naiveX(corner(sides.leftFrom), corner(sides.leftTo), y);
-                const int right = naiveX(corner(sides.rightFrom), corner(sides.rightTo), y);
-                const bool inside = x >= left && (side == 3 && band > 0 ? x < right : x <= right);
-                if (inside)
-                    dst.at(x, y) = colour;
-            }
-    }
 }
 
 void draw(Surface &dst, tagRECT clip, Corners p, q_ulong colour) {
@@ -135,29 +70,6 @@ TEST(DecisionLine2, has_three_names) {
     EXPECT_EQ(addressOf(&DecisionLine2), addressOf(&DecisionLines));
     EXPECT_EQ(addressOf(&DecisionLine2), addressOf(&VKD_DecisionLines));
     EXPECT_NE(addressOf(&DecisionLine2), addressOf(&DecisionLine));
-}
-
-TEST(DecisionLine2, agrees_with_products_that_wrap) {
-    const auto checkCases = [](const char *name, bool turned) {
-        forEachCase(name, [turned](Case &c) {
-            const int kind = c.random.between(0, 3);
-            int v[6];
-            for (int &value : v)
-                value = kind == 0   ? c.random.between(-100, 100)
-                        : kind == 1 ? c.random.between(-INT_MAX, INT_MAX)
-                                    : c.random.between(-2, 1) * (1 << (kind == 2 ? 15 : 30));
-            const auto difference = [&v](int a, int b) { return low32(static_cast<std::int64_t>(v[a]) - v[b]); };
-            const auto product = [](int a, int b) { return low32(static_cast<std::int64_t>(a) * b); };
-            const int expected =
-                turned ? product(difference(4, 2), difference(3, 1)) < product(difference(3, 5), difference(0, 2))
-                       : product(difference(1, 3), difference(4, 2)) > product(difference(5, 3), difference(0, 2));
-            const int result = turned ? DecisionLine(&v[0], &v[1], &v[2], &v[3], &v[4], &v[5])
-                                      : DecisionLine2(&v[0], &v[1], &v[2], &v[3], &v[4], &v[5]);
-            c.expectEqual(static_cast<std::int64_t>(result), expected ? 1 : 0);
-        });
-    };
-    checkCases("DecisionLine2", false);
-    checkCases("DecisionLine", true);
 }
 
 TEST(Rect_Safe, four_equal_corners_paint_one_pixel_inside_the_clip) {
@@ -239,44 +151,6 @@ TEST(Rect_Safe, a_clip_at_the_ends_of_the_number_range_draws_nothing_and_ends) {
     draw(dst, {INT_MIN, INT_MIN, INT_MIN, INT_MIN}, {{{0, 0}, {3, 0}, {3, 3}, {0, 3}}}, 1);
     draw(dst, {0, INT_MAX, 4, INT_MAX}, {{{0, 0}, {3, 0}, {3, INT_MAX}, {0, INT_MAX}}}, 1);
     EXPECT_EQ(dst.differenceFrom(Surface(4, 4)), "");
-}
-
-TEST(Rect_Safe, every_clip_of_a_small_surface_keeps_to_itself) {
-    test::Random random(1);
-    for (int round = 0; round < 40; ++round) {
-        Corners corners;
-        for (tagPOINT &corner : corners)
-            corner = {random.between(-3, 7), random.between(-3, 7)};
-        for (int top = 0; top <= 5; ++top)
-            for (int bottom = -2; bottom <= 5; ++bottom)
-                for (int left = 0; left <= 5; ++left)
-                    for (int right = -2; right <= 5; ++right) {
-                        const tagRECT clip = {left, top, right, bottom};
-                        Surface dst(5, 5);
-                        Surface expected(5, 5);
-                        draw(dst, clip, corners, 7);
-                        naiveQuad(expected, clip, corners, 7);
-                        ASSERT_EQ(dst.differenceFrom(expected), "");
-                    }
-    }
-}
-
-TEST(Rect_Safe, agrees_with_a_naive_fill) {
-    forEachCase("Rect_Safe", [](Case &c) {
-        Surface dst = Surface::random(c.random, 24);
-        const tagRECT clip = c.random.rectInsideOrEmpty(dst.width(), dst.height());
-        const int reach = c.random.oneIn(4) ? 200 : 30;
-        Corners corners;
-        for (tagPOINT &corner : corners)
-            corner = {c.random.between(-reach, reach), c.random.between(-reach, reach)};
-        if (c.random.oneIn(4))
-            corners[1].y = corners[0].y;
-        const q_ulong colour = c.random.pixel();
-        Surface expected = dst;
-        naiveQuad(expected, clip, corners, colour);
-        draw(dst, clip, corners, colour);
-        c.expectEqual(dst, expected);
-    });
 }
 
 } // namespace

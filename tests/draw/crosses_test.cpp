@@ -1,11 +1,9 @@
-#include "naive.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using test::Case;
-using test::forEachCase;
 using test::Surface;
 
 struct Offset {
@@ -24,22 +22,6 @@ TEST(Draw_Cross, adds_to_nine_pixels_and_clears_their_top_bytes) {
     EXPECT_EQ(surface.differenceFrom(expected), "");
 }
 
-TEST(Draw_Cross, agrees_with_a_naive_cross) {
-    forEachCase("Draw_Cross", [](Case &c) {
-        Surface surface = Surface::random(c.random, 8);
-        const int x = c.random.between(-6, surface.width() + 5);
-        const int y = c.random.between(-6, surface.height() + 5);
-        const q_ulong colour = c.random.pixel();
-        Surface expected = surface;
-        for (const Offset arm : arms) {
-            q_ulong &d = expected.at(x + arm.x, y + arm.y);
-            d = naive::added(d, colour, 1, 0);
-        }
-        Draw_Cross(surface.pixels(), surface.pitch(), x, y, colour);
-        c.expectEqual(surface, expected);
-    });
-}
-
 TEST(Draw_Cross_Fast, lacks_the_right_tip) {
     Surface surface(7, 7, 0);
     Surface expected = surface;
@@ -55,22 +37,6 @@ TEST(Draw_Cross_Fast, overwrites_the_arms_with_the_sum_at_the_centre) {
     Draw_Cross_Fast(surface.pixels(), surface.pitch(), 3, 3, 0x010203);
     for (const Offset arm : arms)
         EXPECT_EQ(surface.at(3 + arm.x, 3 + arm.y), arm.x == 2 ? 0xFFFFFFu : 0x112233u);
-}
-
-TEST(Draw_Cross_Fast, agrees_with_a_naive_cross) {
-    forEachCase("Draw_Cross_Fast", [](Case &c) {
-        Surface surface = Surface::random(c.random, 8);
-        const int x = c.random.between(-6, surface.width() + 5);
-        const int y = c.random.between(-6, surface.height() + 5);
-        const q_ulong colour = c.random.pixel();
-        Surface expected = surface;
-        const q_ulong sum = naive::added(expected.at(x, y), colour, 1, 0);
-        for (const Offset arm : arms)
-            if (arm.x != 2)
-                expected.at(x + arm.x, y + arm.y) = sum;
-        Draw_Cross_Fast(surface.pixels(), surface.pitch(), x, y, colour);
-        c.expectEqual(surface, expected);
-    });
 }
 
 } // namespace

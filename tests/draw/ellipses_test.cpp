@@ -1,92 +1,10 @@
-#include "naive.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using naive::Number;
-using test::Case;
-using test::forEachCase;
 using test::Surface;
-
-constexpr int greatest = std::numeric_limits<int>::max();
-
-/// The quotient by a power of two, rounded down.
-Number shifted(Number value, int bits) {
-    const Number divisor = Number{1} << bits;
-    return value >= 0 ? value / divisor : -((-value + divisor - 1) / divisor);
-}
-
-struct Ellipse {
-    Number x;
-    Number y;
-    Number ratio;
-    Number a;
-    Number b;
-    bool exists;
-
-    explicit Ellipse(const tagRECT &box) {
-        const Number w = naive::signed32(Number{box.right} - box.left);
-        const Number h = naive::signed32(Number{box.bottom} - box.top);
-        x = shifted(naive::signed32(Number{box.left} + box.right), 1);
-        y = shifted(naive::signed32(Number{box.top} + box.bottom), 1);
-        const Number width = naive::signed32(w * 370728);
-        const Number height = naive::signed32(h * 370728);
-        exists = h != 0 && shifted(width, 18) != 0;
-        ratio = exists ? naive::signed32(naive::signed32(w << 20) / h) : 0;
-        a = shifted(width, 19);
-        b = exists ? shifted(height, 18) * a / shifted(width, 18) : 0;
-    }
-
-    Number scaledSquare(Number dy) const {
-        const Number e = shifted(naive::signed32(dy * ratio), 20);
-        return e * e;
-    }
-};
-
-void naiveOutline(Surface &s, const tagRECT &clip, const tagRECT &box, int thickness, q_ulong colour) {
-    const Ellipse ellipse(box);
-    if (!ellipse.exists)
-        return;
-    const Number inner = naive::signed32((ellipse.a - thickness) * (ellipse.a - thickness));
-    for (Number dy = -ellipse.b; dy <= 0; ++dy)
-        for (Number dx = -ellipse.a; dx <= 0; ++dx) {
-            const Number square = dx * dx + ellipse.scaledSquare(dy);
-            if (square > ellipse.a * ellipse.a)
-                continue;
-            for (const Number x : {ellipse.x + dx, ellipse.x - dx})
-                for (const Number y : {ellipse.y + dy, ellipse.y - dy})
-                    if (naive::inside(clip, x, y))
-                        s.at(static_cast<int>(x), static_cast<int>(y)) = colour;
-            if (square <= inner)
-                break;
-        }
-}
-
-void naiveHalfStrength(Surface &s, const tagRECT &clip, const tagRECT &box, q_ulong colour) {
-    const Ellipse ellipse(box);
-    if (!ellipse.exists || clip.left >= clip.right || clip.top >= clip.bottom)
-        return;
-    const auto blend = [&](Number x, Number y) {
-        q_ulong &d = s.at(static_cast<int>(x), static_cast<int>(y));
-        d = naive::packed(naive::red(d) / 2 + naive::red(colour) / 2, naive::green(d) / 2 + naive::green(colour) / 2,
-                          naive::blue(d) / 2 + naive::blue(colour) / 2);
-    };
-    for (Number dy = -ellipse.b; dy <= -1; ++dy)
-        for (Number dx = -ellipse.a; dx <= -1; ++dx)
-            if (dx * dx + ellipse.scaledSquare(dy) <= ellipse.a * ellipse.a)
-                for (const Number x : {ellipse.x + dx, ellipse.x - dx})
-                    for (const Number y : {ellipse.y + dy, ellipse.y - dy})
-                        if (naive::inside(clip, x, y))
-                            blend(x, y);
-    const Number column = std::clamp<Number>(ellipse.x, clip.left, clip.right - 1);
-    for (Number dy = std::max(-ellipse.y, -ellipse.b); dy < std::min(clip.bottom - ellipse.y, ellipse.b); ++dy)
-        blend(column, ellipse.y + dy);
-    const Number row = std::clamp<Number>(ellipse.y, clip.top, clip.bottom - 1);
-    for (Number dx = std::max(clip.left - ellipse.x, -ellipse.a); dx < std::min(clip.right - ellipse.x, ellipse.a);
-         ++dx)
-        blend(ellipse.x + dx, row);
-}
 
 void drawOutline(Surface &s, tagRECT clip, tagRECT box, int thickness, q_ulong colour) {
     Draw_Outer_Ellipse_NoFillInside(s.pixels(), s.pitch(), &clip, &box, thickness, colour);
@@ -94,17 +12,6 @@ void drawOutline(Surface &s, tagRECT clip, tagRECT box, int thickness, q_ulong c
 
 void drawHalfStrength(Surface &s, tagRECT clip, tagRECT box, q_ulong colour) {
     Draw_Outer_Ellipse_AlphaFast(s.pixels(), s.pitch(), &clip, &box, 12345, colour);
-}
-
-/// Boxes over and beyond a 9 x 7 surface, inverted ones included.
-template <class Check>
-void forBoxes(Check check) {
-    for (const tagRECT &clip : {tagRECT{0, 0, 9, 7}, tagRECT{2, 1, 7, 6}, tagRECT{4, 3, 5, 4}, tagRECT{4, 3, 4, 6}})
-        for (int top = -8; top <= 10; top += 2)
-            for (int left = -9; left <= 12; left += 3)
-                for (int height = -3; height <= 19; ++height)
-                    for (int width = -2; width <= 17; ++width)
-                        check(clip, tagRECT{left, top, left + width, top + height});
 }
 
 TEST(Draw_Outer_Ellipse_NoFillInside, a_square_box_of_side_100_has_a_ring_of_radius_70) {
@@ -144,53 +51,6 @@ TEST(Draw_Outer_Ellipse_NoFillInside, boxes_of_no_width_or_height_draw_nothing) 
         drawHalfStrength(surface, surface.rect(), box, 0);
     }
     EXPECT_EQ(surface.differenceFrom(fresh), "");
-}
-
-TEST(Draw_Outer_Ellipse_NoFillInside, writes_nothing_outside_the_clip) {
-    const Surface fresh(9, 7, 0);
-    forBoxes([&](const tagRECT &clip, const tagRECT &box) {
-        for (const int thickness : {-1, 1, 3, 40}) {
-            Surface surface = fresh;
-            Surface expected = fresh;
-            naiveOutline(expected, clip, box, thickness, 0x7F123456);
-            drawOutline(surface, clip, box, thickness, 0x7F123456);
-            ASSERT_TRUE(surface == expected) << box.left << ", " << box.top << ", " << box.right << ", " << box.bottom
-                                             << ": " << surface.differenceFrom(expected);
-        }
-    });
-}
-
-TEST(Draw_Outer_Ellipse_NoFillInside, extreme_boxes_stay_inside_the_clip) {
-    const Surface fresh(6, 6, 0x80112233);
-    constexpr int sides[] = {-greatest - 1, -6000, -2048, -1, 3, 2048, 6000, greatest};
-    for (const int left : sides)
-        for (const int top : sides)
-            for (const int right : sides)
-                for (const int bottom : sides)
-                    for (const int thickness : {-greatest - 1, 1, greatest}) {
-                        Surface surface = fresh;
-                        Surface expected = fresh;
-                        naiveOutline(expected, {1, 2, 5, 4}, {left, top, right, bottom}, thickness, 0);
-                        drawOutline(surface, {1, 2, 5, 4}, {left, top, right, bottom}, thickness, 0);
-                        ASSERT_EQ(surface.differenceFrom(expected), "")
-                            << left << ", " << top << ", " << right << ", " << bottom;
-                    }
-}
-
-TEST(Draw_Outer_Ellipse_NoFillInside, agrees_with_a_naive_outline) {
-    forEachCase("Draw_Outer_Ellipse_NoFillInside", [](Case &c) {
-        Surface surface = Surface::random(c.random);
-        const tagRECT clip = c.random.rectInsideOrEmpty(surface.width(), surface.height());
-        const int left = c.random.between(-20, 20);
-        const int top = c.random.between(-20, 20);
-        const tagRECT box = {left, top, left + c.random.between(-2, 30), top + c.random.between(-2, 30)};
-        const int thickness = c.random.between(-1, 20);
-        const q_ulong colour = c.random.pixel();
-        Surface expected = surface;
-        naiveOutline(expected, clip, box, thickness, colour);
-        drawOutline(surface, clip, box, thickness, colour);
-        c.expectEqual(surface, expected);
-    });
 }
 
 TEST(Draw_Outer_Ellipse_AlphaFast, blends_at_half_strength_and_the_centre_twice) {
@@ -241,60 +101,6 @@ TEST(Draw_Outer_Ellipse_AlphaFast, the_vertical_axis_starts_at_row_0_not_at_the_
         EXPECT_EQ(surface.at(15, y), 0x007F7F7Fu) << y;
         EXPECT_EQ(surface.at(14, y), 0xFFFFFFFFu) << y;
     }
-}
-
-TEST(Draw_Outer_Ellipse_AlphaFast, an_empty_clip_writes_nothing) {
-    const Surface fresh(31, 31, 0xFFFFFFFF);
-    for (const tagRECT &clip :
-         {tagRECT{5, 5, 5, 20}, tagRECT{5, 5, 20, 5}, tagRECT{20, 20, 5, 25}, tagRECT{5, 25, 20, 9}}) {
-        Surface surface = fresh;
-        drawHalfStrength(surface, clip, {10, 10, 20, 20}, 0);
-        EXPECT_EQ(surface.differenceFrom(fresh), "");
-    }
-}
-
-TEST(Draw_Outer_Ellipse_AlphaFast, writes_nothing_outside_the_clip_but_its_column) {
-    test::Random random(3);
-    const Surface fresh = Surface::randomOfSize(random, 9, 7);
-    forBoxes([&](const tagRECT &clip, const tagRECT &box) {
-        Surface surface = fresh;
-        Surface expected = fresh;
-        naiveHalfStrength(expected, clip, box, 0x7F123456);
-        drawHalfStrength(surface, clip, box, 0x7F123456);
-        ASSERT_TRUE(surface == expected) << box.left << ", " << box.top << ", " << box.right << ", " << box.bottom
-                                         << ": " << surface.differenceFrom(expected);
-    });
-}
-
-TEST(Draw_Outer_Ellipse_AlphaFast, extreme_boxes_stay_inside_the_clip_and_its_column) {
-    const Surface fresh(6, 6, 0x80112233);
-    constexpr int sides[] = {-greatest - 1, -2048, -1, 3, 700, greatest};
-    for (const int left : sides)
-        for (const int top : sides)
-            for (const int right : sides)
-                for (const int bottom : sides) {
-                    Surface surface = fresh;
-                    Surface expected = fresh;
-                    naiveHalfStrength(expected, {1, 2, 5, 4}, {left, top, right, bottom}, 0);
-                    drawHalfStrength(surface, {1, 2, 5, 4}, {left, top, right, bottom}, 0);
-                    ASSERT_EQ(surface.differenceFrom(expected), "")
-                        << left << ", " << top << ", " << right << ", " << bottom;
-                }
-}
-
-TEST(Draw_Outer_Ellipse_AlphaFast, agrees_with_a_naive_ellipse) {
-    forEachCase("Draw_Outer_Ellipse_AlphaFast", [](Case &c) {
-        Surface surface = Surface::random(c.random);
-        const tagRECT clip = c.random.rectInsideOrEmpty(surface.width(), surface.height());
-        const int left = c.random.between(-20, 20);
-        const int top = c.random.between(-20, 20);
-        const tagRECT box = {left, top, left + c.random.between(-2, 30), top + c.random.between(-2, 30)};
-        const q_ulong colour = c.random.pixel();
-        Surface expected = surface;
-        naiveHalfStrength(expected, clip, box, colour);
-        drawHalfStrength(surface, clip, box, colour);
-        c.expectEqual(surface, expected);
-    });
 }
 
 } // namespace

@@ -1,23 +1,14 @@
-#include "naive.h"
-#include "naive_shapes.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace {
 
-using namespace naive::shapes;
-using naive::Number;
-using test::Case;
-using test::ClippedShape;
-using test::forEachCase;
-using test::Shape;
 using test::Surface;
 
 constexpr int greatest = std::numeric_limits<int>::max();
-
-q_ulong anyIntensity(test::Random &random) {
-    return random.oneIn(4) ? random.word() : static_cast<q_ulong>(random.between(0, 300));
-}
 
 TEST(Draw_Light, an_intensity_of_128_is_the_full_colour_at_the_centre) {
     Surface surface(17, 17, 0xFF000000);
@@ -56,28 +47,6 @@ TEST(Draw_Light, saturates_every_channel_alike_however_large_the_weight) {
     EXPECT_EQ(surface.at(8, 8), 0xFF3F5Fu);
 }
 
-TEST(Draw_Light, large_radii_agree_with_a_naive_light_as_far_as_the_table_goes) {
-    for (const int radius : {50, 100, 256, 300, 362}) {
-        Surface surface(740, 740, 0xFF102030);
-        Surface expected = surface;
-        naiveLight(expected, 370, 370, radius, 0x80FF40, 128, anywhere);
-        Draw_Light(surface.pixels(), surface.pitch(), 370, 370, radius, 0x80FF40, 128);
-        ASSERT_EQ(surface.differenceFrom(expected), "") << radius;
-    }
-}
-
-TEST(Draw_Light, agrees_with_a_naive_light) {
-    forEachCase("Draw_Light", [](Case &c) {
-        Shape shape(c.random, 15);
-        const q_ulong intensity = anyIntensity(c.random);
-        Surface expected = shape.surface;
-        naiveLight(expected, shape.x, shape.y, shape.radius, shape.colour, intensity, anywhere);
-        Draw_Light(shape.surface.pixels(), shape.surface.pitch(), shape.x, shape.y, shape.radius, shape.colour,
-                   intensity);
-        c.expectEqual(shape.surface, expected);
-    });
-}
-
 TEST(Draw_Light_Safe, all_four_limits_are_exclusive_so_the_first_row_and_column_stay) {
     Surface surface(31, 31, 0xFF000000);
     tagRECT clip = {10, 12, 18, 19};
@@ -96,41 +65,6 @@ TEST(Draw_Light_Safe, radii_above_256_are_cut_to_256) {
         Draw_Light(expected.pixels(), expected.pitch(), 265, 265, 256, 0x80FF40, 128);
         EXPECT_EQ(surface.differenceFrom(expected), "") << radius;
     }
-}
-
-TEST(Draw_Light_Safe, writes_nothing_outside_the_clip) {
-    EXPECT_EQ(test::sweep(
-                  {-greatest - 1, -5, 0, 1, 3, 4, 5, 8, 12, 30, 256, 300, greatest},
-                  [](Surface &s, tagRECT *clip, int x, int y, int radius) {
-                      Draw_Light_Safe(s.pixels(), s.pitch(), clip, x, y, radius, 0x40F080, 100);
-                  },
-                  [](Surface &s, const tagRECT &clip, int x, int y, int radius) {
-                      naiveLightSafe(s, clip, x, y, radius, 0x40F080, 100);
-                  }),
-              "");
-}
-
-TEST(Draw_Light_Safe, extreme_centres_draw_nothing) {
-    const Surface fresh(6, 6, 0x80112233);
-    for (const int x : {-greatest - 1, -greatest + 5, greatest - 5, greatest})
-        for (const int y : {-greatest - 1, 3, greatest}) {
-            Surface surface = fresh;
-            tagRECT clip = surface.rect();
-            Draw_Light_Safe(surface.pixels(), surface.pitch(), &clip, x, y, 100, 0xFFFFFF, 128);
-            EXPECT_EQ(surface.differenceFrom(fresh), "") << x << ", " << y;
-        }
-}
-
-TEST(Draw_Light_Safe, agrees_with_a_naive_light) {
-    forEachCase("Draw_Light_Safe", [](Case &c) {
-        ClippedShape shape(c.random);
-        const q_ulong intensity = anyIntensity(c.random);
-        Surface expected = shape.surface;
-        naiveLightSafe(expected, shape.clip, shape.x, shape.y, shape.radius, shape.colour, intensity);
-        Draw_Light_Safe(shape.surface.pixels(), shape.surface.pitch(), &shape.clip, shape.x, shape.y, shape.radius,
-                        shape.colour, intensity);
-        c.expectEqual(shape.surface, expected);
-    });
 }
 
 void drawCircleLight(Surface &s, int x, int y, int radius, unsigned char red, unsigned char green, unsigned char blue) {
@@ -174,20 +108,6 @@ TEST(Draw_Circle_Light, radius_below_1_draws_nothing_and_beyond_256_the_disc_is_
     drawCircleLight(large, 257, 257, 257, 1, 2, 3);
     EXPECT_EQ(large.at(0, 257), 0x00010203u);
     EXPECT_EQ(large.at(257, 514), 0x00010203u);
-}
-
-TEST(Draw_Circle_Light, agrees_with_a_naive_light) {
-    forEachCase("Draw_Circle_Light", [](Case &c) {
-        Shape shape(c.random, 15);
-        const auto byte = [&] { return static_cast<unsigned char>(c.random.between(0, 255)); };
-        const unsigned char red = byte();
-        const unsigned char green = byte();
-        const unsigned char blue = byte();
-        Surface expected = shape.surface;
-        naiveCircleLight(expected, shape.x, shape.y, shape.radius, red, green, blue);
-        drawCircleLight(shape.surface, shape.x, shape.y, shape.radius, red, green, blue);
-        c.expectEqual(shape.surface, expected);
-    });
 }
 
 } // namespace

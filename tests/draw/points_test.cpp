@@ -1,11 +1,11 @@
-#include "naive.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
-using test::Case;
-using test::forEachCase;
 using test::Surface;
 
 q_ulong sumOf(q_ulong old, q_ulong colour) {
@@ -34,19 +34,6 @@ TEST(Draw_Pixel_Add, writes_one_pixel_alone) {
     expected.at(3, 2) = 0x00121314;
     Draw_Pixel_Add(surface.pixels(), surface.pitch(), 3, 2, 0x010203);
     EXPECT_EQ(surface.differenceFrom(expected), "");
-}
-
-TEST(Draw_Pixel_Add, agrees_with_a_naive_add) {
-    forEachCase("Draw_Pixel_Add", [](Case &c) {
-        Surface surface = Surface::random(c.random, 6);
-        const int x = c.random.between(-8, surface.width() + 7);
-        const int y = c.random.between(-8, surface.height() + 7);
-        const q_ulong colour = c.random.pixel();
-        Surface expected = surface;
-        expected.at(x, y) = naive::added(expected.at(x, y), colour, 1, 0);
-        Draw_Pixel_Add(surface.pixels(), surface.pitch(), x, y, colour);
-        c.expectEqual(surface, expected);
-    });
 }
 
 } // namespace

@@ -1,16 +1,13 @@
-#include "naive.h"
-#include "naive_shapes.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <string>
+#include <utility>
+
 namespace {
 
-using namespace naive::shapes;
-using naive::Number;
-using test::Case;
-using test::ClippedShape;
-using test::forEachCase;
-using test::Shape;
 using test::Surface;
 
 constexpr int greatest = std::numeric_limits<int>::max();
@@ -67,17 +64,6 @@ TEST(Draw_Anti_Aliasing_Circle_NoFillInside, thickness_below_1_draws_nothing) {
     }
 }
 
-TEST(Draw_Anti_Aliasing_Circle_NoFillInside, every_band_that_the_table_holds_agrees_with_a_naive_one) {
-    for (int thickness = 1; thickness <= 64; thickness += thickness < 4 ? 1 : 12)
-        for (int radius = -2 * thickness - 1; radius + 2 * thickness <= 127; radius += radius < 8 ? 1 : 17) {
-            Surface surface(255, 255, 0xFF204060);
-            Surface expected = surface;
-            naiveSoftCircle(expected, 127, 127, radius, thickness, 0x01F0E0D0);
-            drawSoft(surface, 127, 127, radius, thickness, 0x01F0E0D0);
-            ASSERT_EQ(surface.differenceFrom(expected), "") << radius << ", " << thickness;
-        }
-}
-
 TEST(Draw_Anti_Aliasing_Circle_NoFillInside, a_band_may_reach_181_pixels_from_its_centre) {
     // Halfway through the outer half of the band, at a distance of exactly 180.
     Surface surface(401, 401, 0);
@@ -100,18 +86,6 @@ TEST(Draw_Anti_Aliasing_Circle_NoFillInside, bands_that_reach_beyond_the_table_a
                 ASSERT_NE(surface.at(x, y), 0u) << x << ", " << y;
             }
         }
-}
-
-TEST(Draw_Anti_Aliasing_Circle_NoFillInside, agrees_with_a_naive_band) {
-    forEachCase("Draw_Anti_Aliasing_Circle_NoFillInside", [](Case &c) {
-        Shape shape(c.random, 14);
-        const int thickness = c.random.between(1, 3);
-        const int radius = shape.radius - 2 * thickness;
-        Surface expected = shape.surface;
-        naiveSoftCircle(expected, shape.x, shape.y, radius, thickness, shape.colour);
-        drawSoft(shape.surface, shape.x, shape.y, radius, thickness, shape.colour);
-        c.expectEqual(shape.surface, expected);
-    });
 }
 
 TEST(Draw_Ring_Safe, adds_each_pixel_of_the_band_once) {
@@ -150,19 +124,6 @@ TEST(Draw_Ring_Safe, thickness_below_1_draws_nothing) {
     }
 }
 
-TEST(Draw_Ring_Safe, writes_nothing_outside_the_clip) {
-    for (const int thickness : {1, 2, 3})
-        EXPECT_EQ(test::sweep(
-                      {-8, -3, -2, -1, 0, 1, 2, 3, 6, 9, 12},
-                      [=](Surface &s, tagRECT *clip, int x, int y, int radius) {
-                          Draw_Ring_Safe(s.pixels(), s.pitch(), clip, x, y, radius, thickness, 0x40F080);
-                      },
-                      [=](Surface &s, const tagRECT &clip, int x, int y, int radius) {
-                          naiveRingSafe(s, clip, x, y, radius, thickness, 0x40F080);
-                      }),
-                  "");
-}
-
 TEST(Draw_Ring_Safe, extreme_numbers_stay_inside_the_clip_and_the_table) {
     const Surface fresh(6, 6, 0x80112233);
     for (const int x : {-greatest - 1, -65536, -150, 3, 150, 65536, greatest})
@@ -177,18 +138,6 @@ TEST(Draw_Ring_Safe, extreme_numbers_stay_inside_the_clip_and_the_table) {
                             surface.at(column, row) = 0x80112233;
                     ASSERT_EQ(surface.differenceFrom(fresh), "") << x << ", " << y << ": " << radius;
                 }
-}
-
-TEST(Draw_Ring_Safe, agrees_with_a_naive_band) {
-    forEachCase("Draw_Ring_Safe", [](Case &c) {
-        ClippedShape shape(c.random);
-        const int thickness = c.random.between(1, c.random.oneIn(4) ? 20 : 4);
-        Surface expected = shape.surface;
-        naiveRingSafe(expected, shape.clip, shape.x, shape.y, shape.radius, thickness, shape.colour);
-        Draw_Ring_Safe(shape.surface.pixels(), shape.surface.pitch(), &shape.clip, shape.x, shape.y, shape.radius,
-                       thickness, shape.colour);
-        c.expectEqual(shape.surface, expected);
-    });
 }
 
 void drawRing(Surface &s, int x, int y, int radius, q_ulong colour, q_ulong intensity) {
@@ -239,36 +188,6 @@ TEST(Draw_Ring, intensity_128_is_the_full_colour_and_every_channel_saturates_ali
     EXPECT_EQ(surface.at(2, 8), 0x00112131u);
     drawRing(surface, 8, 8, 8, 0x77102030, 60000);
     EXPECT_EQ(surface.at(2, 8), 0x00FFFFFFu);
-}
-
-TEST(Draw_Ring, radius_below_1_draws_nothing) {
-    const Surface fresh(5, 5, 0xFF112233);
-    for (const int radius : {0, -1, -17, -greatest - 1}) {
-        Surface surface = fresh;
-        drawRing(surface, 2, 2, radius, 0xFFFFFF, 128);
-        EXPECT_EQ(surface.differenceFrom(fresh), "") << radius;
-    }
-}
-
-TEST(Draw_Ring, every_radius_up_to_100_agrees_with_a_naive_ring) {
-    for (int radius = 0; radius <= 100; ++radius) {
-        Surface surface(201, 201, 0xFF204060);
-        Surface expected = surface;
-        naiveRing(expected, 100, 100, radius, 0x305070, 200);
-        drawRing(surface, 100, 100, radius, 0x305070, 200);
-        ASSERT_EQ(surface.differenceFrom(expected), "") << radius;
-    }
-}
-
-TEST(Draw_Ring, agrees_with_a_naive_ring) {
-    forEachCase("Draw_Ring", [](Case &c) {
-        Shape shape(c.random, 16);
-        const q_ulong intensity = c.random.oneIn(4) ? c.random.word() : static_cast<q_ulong>(c.random.between(0, 300));
-        Surface expected = shape.surface;
-        naiveRing(expected, shape.x, shape.y, shape.radius, shape.colour, intensity);
-        drawRing(shape.surface, shape.x, shape.y, shape.radius, shape.colour, intensity);
-        c.expectEqual(shape.surface, expected);
-    });
 }
 
 } // namespace

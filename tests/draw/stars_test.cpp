@@ -1,23 +1,14 @@
-#include "naive.h"
-#include "naive_shapes.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace {
 
-using namespace naive::shapes;
-using naive::Number;
-using test::Case;
-using test::ClippedShape;
-using test::forEachCase;
-using test::Shape;
 using test::Surface;
 
 constexpr int greatest = std::numeric_limits<int>::max();
-
-q_ulong anyIntensity(test::Random &random) {
-    return random.oneIn(4) ? random.word() : static_cast<q_ulong>(random.between(0, 200));
-}
 
 TEST(Draw_Star_Type1, an_intensity_of_64_brings_the_full_colour_to_the_centre) {
     Surface surface(17, 17, 0xFF000000);
@@ -62,28 +53,6 @@ TEST(Draw_Star_Type1, radii_of_3_or_less_draw_nothing) {
     EXPECT_EQ(surface.at(4, 4), 0x00FFFFFFu);
 }
 
-TEST(Draw_Star_Type1, large_radii_agree_with_a_naive_star_as_far_as_the_table_goes) {
-    for (const int radius : {50, 100, 181, 255, 256, 300, 361, 362}) {
-        Surface surface(740, 740, 0xFF102030);
-        Surface expected = surface;
-        naiveType1(expected, 370, 370, radius, 0x80FF40, 64, anywhere);
-        Draw_Star_Type1(surface.pixels(), surface.pitch(), 370, 370, radius, 0x80FF40, 64);
-        ASSERT_EQ(surface.differenceFrom(expected), "") << radius;
-    }
-}
-
-TEST(Draw_Star_Type1, agrees_with_a_naive_star) {
-    forEachCase("Draw_Star_Type1", [](Case &c) {
-        Shape shape(c.random, 15);
-        const q_ulong intensity = anyIntensity(c.random);
-        Surface expected = shape.surface;
-        naiveType1(expected, shape.x, shape.y, shape.radius, shape.colour, intensity, anywhere);
-        Draw_Star_Type1(shape.surface.pixels(), shape.surface.pitch(), shape.x, shape.y, shape.radius, shape.colour,
-                        intensity);
-        c.expectEqual(shape.surface, expected);
-    });
-}
-
 TEST(Draw_Star_Type1_Safe, all_four_limits_are_exclusive_so_the_first_row_and_column_stay) {
     Surface surface(31, 31, 0xFF000000);
     tagRECT clip = {10, 12, 18, 19};
@@ -102,46 +71,6 @@ TEST(Draw_Star_Type1_Safe, radii_above_256_are_cut_to_256) {
         Draw_Star_Type1(expected.pixels(), expected.pitch(), 265, 265, 256, 0x80FF40, 64);
         EXPECT_EQ(surface.differenceFrom(expected), "") << radius;
     }
-}
-
-TEST(Draw_Star_Type1_Safe, writes_nothing_outside_the_clip) {
-    EXPECT_EQ(test::sweep(
-                  {-greatest - 1, -5, 0, 1, 3, 4, 5, 8, 12, 30, 256, 300, greatest},
-                  [](Surface &s, tagRECT *clip, int x, int y, int radius) {
-                      Draw_Star_Type1_Safe(s.pixels(), s.pitch(), clip, x, y, radius, 0x40F080, 50);
-                  },
-                  [](Surface &s, const tagRECT &clip, int x, int y, int radius) {
-                      naiveType1Safe(s, clip, x, y, radius, 0x40F080, 50);
-                  }),
-              "");
-}
-
-TEST(Draw_Star_Type1_Safe, extreme_centres_and_clips_draw_nothing) {
-    const Surface fresh(6, 6, 0x80112233);
-    for (const int x : {-greatest - 1, -greatest + 5, greatest - 5, greatest})
-        for (const int y : {-greatest - 1, 3, greatest}) {
-            Surface surface = fresh;
-            tagRECT clip = surface.rect();
-            Draw_Star_Type1_Safe(surface.pixels(), surface.pitch(), &clip, x, y, 100, 0xFFFFFF, 64);
-            EXPECT_EQ(surface.differenceFrom(fresh), "") << x << ", " << y;
-        }
-    for (tagRECT clip : {tagRECT{greatest, 0, 6, 6}, tagRECT{0, greatest, 6, 6}, tagRECT{5, 0, 6, 6}}) {
-        Surface surface = fresh;
-        Draw_Star_Type1_Safe(surface.pixels(), surface.pitch(), &clip, 3, 3, 100, 0xFFFFFF, 64);
-        EXPECT_EQ(surface.differenceFrom(fresh), "");
-    }
-}
-
-TEST(Draw_Star_Type1_Safe, agrees_with_a_naive_star) {
-    forEachCase("Draw_Star_Type1_Safe", [](Case &c) {
-        ClippedShape shape(c.random);
-        const q_ulong intensity = anyIntensity(c.random);
-        Surface expected = shape.surface;
-        naiveType1Safe(expected, shape.clip, shape.x, shape.y, shape.radius, shape.colour, intensity);
-        Draw_Star_Type1_Safe(shape.surface.pixels(), shape.surface.pitch(), &shape.clip, shape.x, shape.y, shape.radius,
-                             shape.colour, intensity);
-        c.expectEqual(shape.surface, expected);
-    });
 }
 
 TEST(Draw_Star_Type2, the_centre_pixel_is_added_four_times) {
@@ -173,28 +102,6 @@ TEST(Draw_Star_Type2, spans_one_pixel_less_to_the_left_and_upwards) {
         EXPECT_EQ(surface.at(x, 8), x >= 1 && x <= 15 ? 0u : 0xFF000000u) << x;
     for (int y = 0; y < 17; ++y) // 7 rows off the centre the chord's square is 15, which the table has as 0
         EXPECT_EQ(surface.at(8, y), y >= 2 && y <= 14 ? 0u : 0xFF000000u) << y;
-}
-
-TEST(Draw_Star_Type2, large_radii_agree_with_a_naive_star_as_far_as_the_table_goes) {
-    for (const int radius : {50, 256, 362}) {
-        Surface surface(740, 740, 0xFF102030);
-        Surface expected = surface;
-        naiveType2(expected, 370, 370, radius, 0x80FF40, 64);
-        Draw_Star_Type2(surface.pixels(), surface.pitch(), 370, 370, radius, 0x80FF40, 64);
-        ASSERT_EQ(surface.differenceFrom(expected), "") << radius;
-    }
-}
-
-TEST(Draw_Star_Type2, agrees_with_a_naive_star) {
-    forEachCase("Draw_Star_Type2", [](Case &c) {
-        Shape shape(c.random, 15);
-        const q_ulong intensity = anyIntensity(c.random);
-        Surface expected = shape.surface;
-        naiveType2(expected, shape.x, shape.y, shape.radius, shape.colour, intensity);
-        Draw_Star_Type2(shape.surface.pixels(), shape.surface.pitch(), shape.x, shape.y, shape.radius, shape.colour,
-                        intensity);
-        c.expectEqual(shape.surface, expected);
-    });
 }
 
 TEST(Draw_Star_Type3, an_intensity_of_32_reaches_the_full_colour_at_the_centre) {
@@ -246,49 +153,6 @@ TEST(Draw_Star_Type3, radius_1_touches_two_pixels_and_radius_0_none) {
     EXPECT_EQ(surface.differenceFrom(expected), "");
 }
 
-TEST(Draw_Star_Type3, every_radius_up_to_100_agrees_with_a_naive_star) {
-    for (int radius = 0; radius <= 100; ++radius) {
-        Surface surface(201, 201, 0xFF102030);
-        Surface expected = surface;
-        naiveType3(expected, 100, 100, radius, 0x80FF40, 32);
-        Draw_Star_Type3(surface.pixels(), surface.pitch(), 100, 100, radius, 0x80FF40, 32);
-        ASSERT_EQ(surface.differenceFrom(expected), "") << radius;
-    }
-}
-
-TEST(Draw_Star_Type3, agrees_with_a_naive_star) {
-    forEachCase("Draw_Star_Type3", [](Case &c) {
-        Shape shape(c.random, 15);
-        const q_ulong intensity = anyIntensity(c.random);
-        Surface expected = shape.surface;
-        naiveType3(expected, shape.x, shape.y, shape.radius, shape.colour, intensity);
-        Draw_Star_Type3(shape.surface.pixels(), shape.surface.pitch(), shape.x, shape.y, shape.radius, shape.colour,
-                        intensity);
-        c.expectEqual(shape.surface, expected);
-    });
-}
-
-void naiveOneStar(Surface &s, const tagRECT &clip, int x, int y, int size, int red, int green, int blue) {
-    if (size == 0 || x < clip.left || x >= Number{clip.right} - 1 || y < clip.top || y >= Number{clip.bottom} - 1)
-        return;
-    const Number inverse = 65536 / size;
-    const auto add = [&](int atX, int atY, Number distance) {
-        const auto channel = [&](Number old, Number c) {
-            const Number product = naive::signed32(std::abs(distance) * inverse * c);
-            const Number taken = product >= 0 ? product / 65536 : -((-product + 65535) / 65536);
-            return std::min<Number>(255, old + c - taken) & 255;
-        };
-        q_ulong &d = s.at(atX, atY);
-        d = naive::packed(channel(naive::red(d), red), channel(naive::green(d), green), channel(naive::blue(d), blue));
-    };
-    for (Number i = std::max<Number>(Number{x} - size, clip.left);
-         i <= std::min<Number>(Number{x} + size, clip.right - 1); ++i)
-        add(static_cast<int>(i), y, i - x);
-    for (Number j = std::max<Number>(Number{y} - size, clip.top);
-         j <= std::min<Number>(Number{y} + size, clip.bottom - 1); ++j)
-        add(x, static_cast<int>(j), j - y);
-}
-
 void drawOneStar(Surface &s, tagRECT clip, int x, int y, int size, int red, int green, int blue) {
     Draw_One_Star_Add(s.pixels(), s.pitch(), &clip, x, y, size, red, green, blue);
 }
@@ -333,50 +197,10 @@ TEST(Draw_One_Star_Add, spikes_reach_the_last_column_and_row_of_the_clip) {
     }
 }
 
-TEST(Draw_One_Star_Add, sizes_below_1_draw_nothing) {
-    const Surface fresh(9, 9, 0xFF112233);
-    for (const int size : {0, -1, -5, -greatest - 1}) {
-        Surface surface = fresh;
-        drawOneStar(surface, surface.rect(), 4, 4, size, 255, 255, 255);
-        EXPECT_EQ(surface.differenceFrom(fresh), "") << size;
-    }
-}
-
 TEST(Draw_One_Star_Add, channels_beyond_a_byte_never_reach_the_top_byte) {
     Surface surface(9, 9, 0xFF101010);
     drawOneStar(surface, surface.rect(), 4, 4, 1, -0x18, 300, -1);
     EXPECT_EQ(surface.at(4, 4), 0x00E0FF0Eu); // 0x10 - 0x18 is -8, and -8 - 0x18 + 0x100 is 0xE0
-}
-
-TEST(Draw_One_Star_Add, writes_nothing_outside_the_clip) {
-    EXPECT_EQ(
-        test::sweep(
-            {-greatest - 1, -3, 0, 1, 2, 3, 5, 9, 30, 65536, 65537, greatest},
-            [](Surface &s, tagRECT *clip, int x, int y, int size) { drawOneStar(s, *clip, x, y, size, 40, 200, 255); },
-            [](Surface &s, const tagRECT &clip, int x, int y, int size) {
-                naiveOneStar(s, clip, x, y, size, 40, 200, 255);
-            }),
-        "");
-}
-
-TEST(Draw_One_Star_Add, agrees_with_a_naive_star) {
-    forEachCase("Draw_One_Star_Add", [](Case &c) {
-        ClippedShape shape(c.random);
-        const auto channel = [&] {
-            return c.random.oneIn(10) ? c.random.between(-600, 900) : c.random.between(0, 255);
-        };
-        const int red = channel();
-        const int green = channel();
-        const int blue = channel();
-        const int x = c.random.oneIn(4) ? shape.x : c.random.between(0, shape.surface.width());
-        const int y = c.random.oneIn(4) ? shape.y : c.random.between(0, shape.surface.height());
-        if (c.random.oneIn(2))
-            shape.clip = shape.surface.rect();
-        Surface expected = shape.surface;
-        naiveOneStar(expected, shape.clip, x, y, shape.radius, red, green, blue);
-        drawOneStar(shape.surface, shape.clip, x, y, shape.radius, red, green, blue);
-        c.expectEqual(shape.surface, expected);
-    });
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "full_width.h"
+#include <q_Mur.h>
 
 #include <gtest/gtest.h>
 
@@ -6,15 +6,6 @@
 #include <vector>
 
 namespace {
-
-using test::anyAngle;
-using test::anyFloat;
-using test::anyPoint;
-using test::callAtAnyPrecision;
-using test::Case;
-using test::expectEqualPoints;
-using test::forEachCase;
-using test::Real;
 
 using Grid = std::vector<_POINT3DFLOAT>;
 
@@ -88,18 +79,6 @@ TEST(Post3D, the_first_and_last_column_meet_at_x_0_in_front) {
     EXPECT_EQ(grid[10].x, 7);
 }
 
-TEST(Post3D, the_unused_width_is_not_read) {
-    Grid one = emptyGrid(7, 4);
-    Grid other = one;
-    Post3D(one.data(), 7, 4, 1.5F, 0.1F, 0.2F, 0.3F, 10, 20, 30, 400, 0, 99);
-    Post3D(other.data(), 7, 4, 1.5F, 0.1F, 0.2F, 0.3F, 10, 20, 30, 400, -77777, 99);
-    for (std::size_t i = 0; i < one.size(); ++i) {
-        EXPECT_EQ(one[i].x, other[i].x);
-        EXPECT_EQ(one[i].y, other[i].y);
-        EXPECT_EQ(one[i].z, other[i].z);
-    }
-}
-
 TEST(Interpolate3DPoint, gives_both_ends_and_goes_beyond_them) {
     Grid a = {{1, 2, 3, 42}};
     Grid b = {{5, -6, 3, 43}};
@@ -119,110 +98,6 @@ TEST(Interpolate3DPoint, gives_both_ends_and_goes_beyond_them) {
     Interpolate3DPoint(a.data(), a.data(), b.data(), 1, 1, 0.5F);
     EXPECT_EQ(a[0].x, 3) << "in place";
     EXPECT_EQ(a[0].w, 42);
-}
-
-/// Arguments that both grid makers share.
-struct Scene {
-    int columns;
-    int rows;
-    float scale;
-    float angles[3];
-    int offsets[3];
-    int distance;
-    int width;
-    int height;
-
-    explicit Scene(test::Random &random)
-        : columns(random.between(2, 6)), rows(random.between(2, 6)),
-          scale(anyFloat(random, 2)), angles{anyAngle(random), anyAngle(random), anyAngle(random)},
-          offsets{random.between(-300, 300), random.between(-300, 300), random.between(-300, 300)},
-          distance(random.between(10, 1000)), width(random.between(-20, 500)), height(random.between(-20, 500)) {}
-
-    void place(_POINT3DFLOAT &point) const {
-        fMapping3D(&point.x, &point.y, &point.z, angles[0], angles[1], angles[2], offsets[0], offsets[1], offsets[2],
-                   distance);
-    }
-};
-
-float naiveStep(Real length, int count) {
-    return qmur::atFullWidth([=] { return static_cast<float>(length / (count - 1)); });
-}
-
-float naivePlace(int index, float step, int half, float scale) {
-    return qmur::atFullWidth([=] { return static_cast<float>((index * static_cast<Real>(step) - half) * scale); });
-}
-
-template <class Make, class Point>
-void checkGrid(const char *name, Make make, Point naivePoint) {
-    forEachCase(
-        name,
-        [&](Case &c) {
-            const Scene scene(c.random);
-            Grid grid = emptyGrid(scene.columns, scene.rows);
-            callAtAnyPrecision(c, [&] { make(grid.data(), scene); });
-            for (int row = 0; row < scene.rows; ++row)
-                for (int column = 0; column < scene.columns; ++column) {
-                    _POINT3DFLOAT expected = naivePoint(scene, row, column);
-                    scene.place(expected);
-                    expectEqualPoints(c, grid[static_cast<std::size_t>(row * scene.columns + column)], expected);
-                }
-            c.expectEqual(grid.back().x, 7.0F);
-        },
-        4000);
-}
-
-TEST(Flat3D, agrees_with_a_naive_sheet) {
-    checkGrid(
-        "Flat3D",
-        [](_POINT3DFLOAT *grid, const Scene &s) {
-            Flat3D(grid, s.columns, s.rows, s.scale, s.angles[0], s.angles[1], s.angles[2], s.offsets[0], s.offsets[1],
-                   s.offsets[2], s.distance, s.width, s.height);
-        },
-        [](const Scene &s, int row, int column) {
-            return _POINT3DFLOAT{naivePlace(column, naiveStep(s.width, s.columns), s.width / 2, s.scale),
-                                 naivePlace(row, naiveStep(s.height, s.rows), s.height / 2, s.scale), 0, 0};
-        });
-}
-
-TEST(Post3D, agrees_with_a_naive_cylinder) {
-    checkGrid(
-        "Post3D",
-        [](_POINT3DFLOAT *grid, const Scene &s) {
-            Post3D(grid, s.columns, s.rows, s.scale, s.angles[0], s.angles[1], s.angles[2], s.offsets[0], s.offsets[1],
-                   s.offsets[2], s.distance, s.width, s.height);
-        },
-        [](const Scene &s, int row, int column) {
-            _POINT3DFLOAT point = {0, naivePlace(row, naiveStep(s.height, s.rows), s.height / 2, s.scale),
-                                   s.scale * 180.0F, 0};
-            const float step = naiveStep(6.2831855F, s.columns);
-            fRotate3DByY(&point.x, &point.z, static_cast<float>(column) * step);
-            return point;
-        });
-}
-
-TEST(Interpolate3DPoint, agrees_with_a_naive_blend) {
-    forEachCase("Interpolate3DPoint", [](Case &c) {
-        const int columns = c.random.between(1, 3);
-        const int rows = c.random.between(1, 3);
-        Grid a = emptyGrid(columns, rows);
-        Grid b = a;
-        Grid out = a;
-        for (std::size_t i = 0; i + 1 < a.size(); ++i) {
-            a[i] = anyPoint(c.random);
-            b[i] = anyPoint(c.random);
-        }
-        const float t = anyFloat(c.random, 2);
-        callAtAnyPrecision(c, [&] { Interpolate3DPoint(out.data(), a.data(), b.data(), columns, rows, t); });
-        const auto blend = [t](float p, float q) {
-            return qmur::atFullWidth([=] {
-                const Real difference = static_cast<Real>(q) - static_cast<Real>(p);
-                return static_cast<float>(difference * t + p);
-            });
-        };
-        for (std::size_t i = 0; i + 1 < a.size(); ++i)
-            expectEqualPoints(c, out[i], {blend(a[i].x, b[i].x), blend(a[i].y, b[i].y), blend(a[i].z, b[i].z), 0});
-        c.expectEqual(out.back().x, 7.0F);
-    });
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 #ifndef Q_MUR_TESTS_PIPELINE_MESH_H
 #define Q_MUR_TESTS_PIPELINE_MESH_H
 
-#include "naive.h"
+#include "plain/meshes.h"
 #include "support/random.h"
 
 #include <vector>
@@ -35,8 +35,11 @@ struct Mesh {
     _POINT3DFLOAT &point(int row, int column) { return points.at(index(row, column)); }
     q_ulong &colour(int row, int column) { return colours.at(index(row, column)); }
 
-    std::vector<q_ulong> litNaively() const {
-        return naiveLight(points, colours, columns, rows, light, ambient, specular, shininess);
+    /// The colours as they are lit.
+    std::vector<q_ulong> lit() const {
+        Mesh copy = *this;
+        plain::light({copy.points.data(), copy.colours.data(), rows, columns}, light, ambient, specular, shininess);
+        return copy.colours;
     }
 };
 

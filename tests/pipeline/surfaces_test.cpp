@@ -1,7 +1,5 @@
 #include "host.h"
-#include "math3d/full_width.h"
 #include "mesh.h"
-#include "naive_surface.h"
 
 #include <gtest/gtest.h>
 
@@ -11,14 +9,8 @@
 
 namespace {
 
-using namespace naive::meshes;
-using test::callAtAnyPrecision;
 using test::Canvas;
-using test::Case;
-using test::forEachCase;
 using test::Mesh;
-using test::Surface;
-using test::Way;
 
 void render(Canvas &canvas, tagRECT clip, Mesh &mesh) {
     VKD_Render_3D_Surface(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(), mesh.colours.data(),
@@ -50,7 +42,7 @@ TEST(VKD_Render_3D_Surface, points_are_read_and_colours_written) {
     test::Random random(4);
     Mesh mesh = test::randomMesh(random, 5, 10);
     const std::vector<_POINT3DFLOAT> points = mesh.points;
-    const std::vector<q_ulong> lit = mesh.litNaively();
+    const std::vector<q_ulong> lit = mesh.lit();
     Canvas canvas(30, 30);
     render(canvas, canvas.picture.rect(), mesh);
     for (std::size_t i = 0; i < points.size(); ++i) {
@@ -172,72 +164,15 @@ TEST(VKD_Render_3D_Surface_Alpha, draws_20_rows_of_64_whatever_the_unread_number
     canvas.data->nearLimit = -10;
     canvas.depth(5, 5) = -1000;
     renderAlpha(canvas, canvas.picture.rect(), mesh);
-    Surface expected(40, 24);
-    Surface depths = canvas.depths();
-    naiveSurface(expected, depths, expected.rect(), mesh, mesh.colours, -10, Way::mix, 0);
-    EXPECT_EQ(canvas.picture.differenceFrom(expected), "");
+    Canvas expected(40, 24);
+    expected.data->nearLimit = -10;
+    tagRECT clip = expected.picture.rect();
+    plain::VKD_Render_3D_Surface_Alpha(expected.data, expected.pixels(), &clip, expected.pitch(), mesh.points.data(),
+                                       mesh.colours.data(), 0, 0, 0, 0);
+    EXPECT_EQ(canvas.picture.differenceFrom(expected.picture), "");
     EXPECT_EQ(mesh.colours, colours) << "nothing is lit";
     EXPECT_EQ(canvas.depth(5, 5), -1000);
     EXPECT_EQ(canvas.depth(6, 6), 0x7FFF);
-}
-
-void checkSurfaces(const char *name, bool withOpacity) {
-    forEachCase(
-        name,
-        [withOpacity](Case &c) {
-            Mesh mesh = test::randomMesh(c.random, 4, 5);
-            Surface start = Surface::random(c.random, 14);
-            const Surface startDepths = test::randomDepths(c.random, start);
-            const tagRECT clip = c.random.rectInsideOrEmpty(start.width(), start.height());
-            const int opacity = c.random.oneIn(4) ? 128 : c.random.between(0, 256);
-            const int nearLimit = c.random.between(-20, 5);
-            Canvas canvas(start, startDepths);
-            canvas.data->nearLimit = nearLimit;
-            Surface expected = start;
-            Surface depths = startDepths;
-            naiveSurface(expected, depths, clip, mesh, mesh.litNaively(), nearLimit,
-                         withOpacity ? Way::blend : Way::draw, opacity);
-            callAtAnyPrecision(c, [&] {
-                if (withOpacity)
-                    render(canvas, clip, mesh, opacity);
-                else
-                    render(canvas, clip, mesh);
-            });
-            c.expectEqual(canvas.picture, expected);
-            c.expectEqual(canvas.depths(), depths);
-        },
-        3000);
-}
-
-TEST(VKD_Render_3D_Surface, agrees_with_naive_triangles) {
-    checkSurfaces("VKD_Render_3D_Surface", false);
-}
-
-TEST(VKD_Render_3D_Surface, with_opacity_agrees_with_naive_triangles) {
-    checkSurfaces("VKD_Render_3D_Surface opacity", true);
-}
-
-TEST(VKD_Render_3D_Surface_Alpha, agrees_with_naive_triangles) {
-    forEachCase(
-        "VKD_Render_3D_Surface_Alpha",
-        [](Case &c) {
-            Mesh mesh = alphaMesh(c.random);
-            mesh.wrapRows = c.random.between(0, 2);
-            mesh.wrapColumns = c.random.between(0, 2);
-            Surface start = Surface::random(c.random, 24);
-            const Surface startDepths = test::randomDepths(c.random, start);
-            const tagRECT clip = c.random.rectInsideOrEmpty(start.width(), start.height());
-            const int nearLimit = c.random.between(-20, 5);
-            Canvas canvas(start, startDepths);
-            canvas.data->nearLimit = nearLimit;
-            Surface expected = start;
-            Surface depths = startDepths;
-            naiveSurface(expected, depths, clip, mesh, mesh.colours, nearLimit, Way::mix, 0);
-            renderAlpha(canvas, clip, mesh);
-            c.expectEqual(canvas.picture, expected);
-            c.expectEqual(canvas.depths(), depths);
-        },
-        150);
 }
 
 } // namespace

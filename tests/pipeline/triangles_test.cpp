@@ -1,6 +1,4 @@
 #include "host.h"
-#include "naive.h"
-#include "support/cases.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +9,6 @@
 namespace {
 
 using test::Canvas;
-using test::Case;
-using test::forEachCase;
 using test::Surface;
 using test::Way;
 
@@ -307,53 +303,6 @@ TEST(VKD_Render_Tri, a_turning_cube_never_shows_a_hole) {
         }
         ASSERT_GT(rowsPainted, 20);
     }
-}
-
-void checkTriangles(const char *name, Way way) {
-    forEachCase(name, [way](Case &c) {
-        Surface start = Surface::random(c.random, 10);
-        const Surface depths = test::randomDepths(c.random, start);
-        const tagRECT clip = c.random.rectInsideOrEmpty(start.width(), start.height());
-        const float reach = c.random.oneIn(4) ? 900.0F : 15.0F;
-        Triangle triangle;
-        for (int i = 0; i < 3; ++i) {
-            triangle.points[i] = {c.random.realBetween(-reach, reach), c.random.realBetween(-reach, reach),
-                                  c.random.realBetween(-100, 400), 0};
-            triangle.colours[i] = c.random.pixel();
-        }
-        if (c.random.oneIn(6))
-            triangle.points[c.random.between(1, 2)].y = triangle.points[0].y;
-        if (c.random.oneIn(6))
-            for (_POINT3DFLOAT &point : triangle.points)
-                point.y = static_cast<float>(static_cast<int>(point.y));
-        const int opacity = c.random.oneIn(4) ? 128 : c.random.between(0, 256);
-        const int nearLimit = c.random.between(-100, 100);
-
-        Canvas canvas(start, depths);
-        canvas.data->nearLimit = nearLimit;
-        Surface expected = start;
-        Surface expectedDepths = depths;
-        naiveTriangle(expected, expectedDepths, clip, triangle.points, triangle.colours, nearLimit, way, opacity);
-        draw(canvas, clip, triangle, way, opacity);
-        c.expectEqual(canvas.picture, expected);
-        c.expectEqual(canvas.depths(), expectedDepths);
-    });
-}
-
-TEST(VKD_Render_Tri, agrees_with_a_naive_triangle) {
-    checkTriangles("VKD_Render_Tri", Way::draw);
-}
-
-TEST(VKD_Render_Tri, with_opacity_agrees_with_a_naive_triangle) {
-    checkTriangles("VKD_Render_Tri opacity", Way::blend);
-}
-
-TEST(VKD_Render_Tri_Alpha, agrees_with_a_naive_triangle) {
-    checkTriangles("VKD_Render_Tri_Alpha", Way::mix);
-}
-
-TEST(VKD_Render_Tri_Add, agrees_with_a_naive_triangle) {
-    checkTriangles("VKD_Render_Tri_Add", Way::add);
 }
 
 } // namespace

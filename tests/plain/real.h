@@ -36,6 +36,15 @@ public:
     FullWidth &operator=(const FullWidth &) = delete;
 };
 
+/// What `compute` gives with the floating unit at its full precision. It is called where the compiler cannot see into
+/// it, so that none of its arithmetic is moved out of there.
+template <class Compute>
+auto wide(const Compute &compute) {
+    const FullWidth full;
+    auto(*volatile unseen)(const Compute &) = +[](const Compute &seen) { return seen(); };
+    return unseen(compute);
+}
+
 /// Toward zero to 64 bits, of which the low 32 are kept; what 64 bits cannot hold is 0.
 inline int truncated(Real value) {
     if (!(value >= -9223372036854775808.0L && value < 9223372036854775808.0L))
@@ -79,6 +88,17 @@ inline Real tangent(Real angle) {
     return result;
 #else
     return std::tan(result);
+#endif
+}
+
+/// The angle of the point (x, y), from -pi to pi.
+inline Real arcTangent(Real y, Real x) {
+#if defined(__i386__) || defined(__x86_64__)
+    Real result;
+    asm("fpatan" : "=t"(result) : "0"(x), "u"(y) : "st(1)");
+    return result;
+#else
+    return std::atan2(y, x);
 #endif
 }
 

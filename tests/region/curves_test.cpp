@@ -1,19 +1,22 @@
-#include "naive_line.h"
+#include "plain/curves.h"
 #include "plane.h"
-#include "support/cases.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <initializer_list>
 #include <utility>
 #include <vector>
 
 namespace {
 
-using test::Case;
-using test::forEachCase;
 using test::Plane;
 using test::Surface;
+
+/// Curves are drawn with 1 on 0.
+plain::Pen<q_ulong> penOn(Surface &surface, const tagRECT &clip) {
+    return {{surface.pixels(), surface.pitch()}, clip, 1};
+}
 
 tagRECT withMargin(const Surface &surface) {
     return {-Surface::margin, -Surface::margin, surface.width() + Surface::margin, surface.height() + Surface::margin};
@@ -60,11 +63,10 @@ constexpr int cubes[15] = {0, 0, 0, 0, 1, 1, 2, 4, 5, 8, 10, 13, 17, 21, 27};
 /// Whether a curve that goes down by those cubes has its chords' ends in these columns.
 void expectChordEnds(const int (&xs)[4], const int (&ends)[15]) {
     Surface expected(64, 64);
-    const tagRECT clip = withMargin(expected);
     int x = xs[0];
     int y = 0;
     for (int i = 0; i < 15; ++i) {
-        test::naiveLine(x, y, ends[i], cubes[i], clip, [&](int column, int row) { expected.at(column, row) = 1; });
+        plain::drawLine(penOn(expected, withMargin(expected)), x, y, ends[i], cubes[i]);
         x = ends[i];
         y = cubes[i];
     }
@@ -88,8 +90,8 @@ TEST(iBesierLine, truncation_goes_toward_zero_on_both_sides) {
 
 TEST(iBesierLine, the_ends_of_the_chords_are_exact) {
     // With the last three points the same the end lies 343 / 2^81 of the way beyond them, seen from the first.
-    EXPECT_EQ(test::naiveChordEnd(15, 50, 20, 20, 20), 19);
-    EXPECT_EQ(test::naiveChordEnd(15, 0, 20, 20, 20), 20);
+    EXPECT_EQ(plain::chordEnd(15, 50, 20, 20, 20), 19);
+    EXPECT_EQ(plain::chordEnd(15, 0, 20, 20, 20), 20);
     Surface before(64, 64);
     tagRECT clip = {0, 0, 64, 64};
     iBesierLine(before.pixels(), 50, 0, 20, 0, 20, 0, 20, 0, 1, &clip, before.pitch());
@@ -100,7 +102,7 @@ TEST(iBesierLine, the_ends_of_the_chords_are_exact) {
     EXPECT_EQ(behind.at(20, 0), 1u);
     EXPECT_EQ(behind.at(21, 0), 0u);
     // On the other side of zero the end of -8, -4, -4, -4 lies the least bit above -4 and becomes -3.
-    EXPECT_EQ(test::naiveChordEnd(15, -8, -4, -4, -4), -3);
+    EXPECT_EQ(plain::chordEnd(15, -8, -4, -4, -4), -3);
     const Surface negative = curveThrough({-8, -4, -4, -4}, {0, 0, 0, 0});
     EXPECT_EQ(negative.at(-3, 0), 1u);
     EXPECT_EQ(negative.at(-2, 0), 0u);
@@ -112,7 +114,7 @@ TEST(iBesierLine, a_curve_beyond_the_clip_slides_along_its_edge) {
     tagRECT clip = {4, 4, 20, 28};
     // The middle of the curve lies far to the right.
     iBesierLine(dst.pixels(), 5, 5, 200, 5, 200, 27, 5, 27, 1, &clip, dst.pitch());
-    test::naiveCurve({5, 200, 200, 5}, {5, 5, 27, 27}, clip, [&](int x, int y) { expected.at(x, y) = 1; });
+    plain::drawCurve(penOn(expected, clip), {5, 200, 200, 5}, {5, 5, 27, 27});
     EXPECT_EQ(dst.differenceFrom(expected), "");
     for (int y = 8; y <= 24; ++y)
         EXPECT_EQ(dst.at(19, y), 1u) << y;
@@ -141,59 +143,6 @@ TEST(iBesierLine, coordinates_beyond_24_bits_are_rounded_as_floats_but_for_the_s
     EXPECT_EQ(dst.differenceFrom(expected), "");
 }
 
-struct RandomCurve {
-    explicit RandomCurve(Case &c, const Surface &dst) : clip(c.random.rectInsideOrEmpty(dst.width(), dst.height())) {
-        const int reach = c.random.oneIn(4) ? 400 : 24;
-        for (int i = 0; i < 4; ++i) {
-            xs[i] = c.random.between(-reach, reach + 16);
-            ys[i] = c.random.between(-reach, reach + 16);
-        }
-        if (c.random.oneIn(4))
-            xs[3] = xs[2] = xs[1];
-        if (c.random.oneIn(8))
-            ys[3] = ys[2] = ys[1] = ys[0];
-    }
-
-    int xs[4];
-    int ys[4];
-    tagRECT clip;
-};
-
-TEST(iBesierLine, agrees_with_a_naive_curve) {
-    forEachCase(
-        "iBesierLine",
-        [](Case &c) {
-            Surface dst = Surface::random(c.random);
-            RandomCurve curve(c, dst);
-            const auto &[xs, ys, clip] = curve;
-            const q_ulong color = c.random.pixel();
-            Surface expected = dst;
-            test::naiveCurve(xs, ys, clip, [&](int x, int y) { expected.at(x, y) = color; });
-            iBesierLine(dst.pixels(), xs[0], ys[0], xs[1], ys[1], xs[2], ys[2], xs[3], ys[3], color, &curve.clip,
-                        dst.pitch());
-            c.expectEqual(dst, expected);
-        },
-        10000);
-}
-
-TEST(bBesierLine, agrees_with_a_naive_curve) {
-    forEachCase(
-        "bBesierLine",
-        [](Case &c) {
-            const Surface shape = Surface::random(c.random);
-            Plane dst(shape);
-            RandomCurve curve(c, shape);
-            const auto &[xs, ys, clip] = curve;
-            const auto value = static_cast<unsigned char>(c.random.word());
-            Plane expected = dst;
-            test::naiveCurve(xs, ys, clip, [&](int x, int y) { expected.at(x, y) = value; });
-            bBesierLine(dst.pixels(), xs[0], ys[0], xs[1], ys[1], xs[2], ys[2], xs[3], ys[3], value, &curve.clip,
-                        dst.pitch());
-            c.expectEqual(dst.words(), expected.words());
-        },
-        10000);
-}
-
 using Points = std::vector<short>;
 
 Surface smoothCurve(Points xs, Points ys, int openCurve) {
@@ -204,12 +153,10 @@ Surface smoothCurve(Points xs, Points ys, int openCurve) {
 }
 
 /// Curves by points and handles worked out by hand, one after the other.
-Surface curvesThrough(std::initializer_list<std::pair<std::vector<int>, std::vector<int>>> curves) {
+Surface curvesThrough(std::initializer_list<std::pair<std::array<int, 4>, std::array<int, 4>>> curves) {
     Surface dst(96, 64);
-    tagRECT clip = dst.rect();
     for (const auto &[xs, ys] : curves)
-        test::naiveCurve({xs[0], xs[1], xs[2], xs[3]}, {ys[0], ys[1], ys[2], ys[3]}, clip,
-                         [&](int x, int y) { dst.at(x, y) = 1; });
+        plain::drawCurve(penOn(dst, dst.rect()), xs, ys);
     return dst;
 }
 
@@ -279,93 +226,17 @@ TEST(iPolyBesier, handles_wrap_at_16_bits) {
               "");
 }
 
-/// The handles in arrays of their own, as the curve through the points is defined.
-template <class Store>
-void naiveSmoothCurve(const Points &xs, const Points &ys, bool open, const tagRECT &clip, Store store) {
-    const int count = static_cast<int>(xs.size());
-    std::vector<int> outX(xs.size()), outY(xs.size()), inX(xs.size()), inY(xs.size());
-    const auto at = [](const auto &values, int i) { return static_cast<int>(values[static_cast<std::size_t>(i)]); };
-    const auto set = [](std::vector<int> &values, int i, int value) {
-        values[static_cast<std::size_t>(i)] = static_cast<short>(value);
-    };
-    const auto handlesAt = [&](int i, int before, int behind, int entered) {
-        const int tx = (at(xs, behind) - at(xs, before)) * 15 / 64;
-        const int ty = (at(ys, behind) - at(ys, before)) * 15 / 64;
-        set(outX, i, at(xs, i) + tx);
-        set(outY, i, at(ys, i) + ty);
-        set(inX, entered, at(xs, i) - tx);
-        set(inY, entered, at(ys, i) - ty);
-    };
-    if (open) {
-        set(outX, 0, xs[0]);
-        set(outY, 0, ys[0]);
-        for (int i = 1; i < count; ++i)
-            handlesAt(i, i - 1, i + 1 > count - 1 ? count - 1 : i + 1, i - 1);
-    } else {
-        for (int i = 1; i <= count; ++i)
-            handlesAt(i % count, (i - 1) % count, (i + 1) % count, i - 1);
+TEST(bPolyBesier, draws_the_pixels_that_iPolyBesier_draws) {
+    Points xs = {8, 72, 40, 100, -9};
+    Points ys = {8, 8, 56, 30, 70};
+    for (const int openCurve : {0, 1}) {
+        Surface shape(96, 64);
+        Plane plane(shape);
+        tagRECT clip = {3, 4, 90, 60};
+        bPolyBesier(plane.pixels(), &clip, plane.pitch(), xs.data(), ys.data(), 5, 0xAB, openCurve);
+        iPolyBesier(shape.pixels(), &clip, shape.pitch(), xs.data(), ys.data(), 5, 0xAB, openCurve);
+        EXPECT_EQ(plane.words().differenceFrom(shape), "");
     }
-    for (int k = 0; k < (open ? count - 1 : count); ++k) {
-        const int next = (k + 1) % count;
-        test::naiveCurve({at(xs, k), at(outX, k), at(inX, k), at(xs, next)},
-                         {at(ys, k), at(outY, k), at(inY, k), at(ys, next)}, clip, store);
-    }
-}
-
-struct RandomPoints {
-    explicit RandomPoints(Case &c, const Surface &dst)
-        : clip(c.random.rectInsideOrEmpty(dst.width(), dst.height())), openCurve(c.random.between(0, 1)) {
-        const int reach = c.random.oneIn(6) ? 100 : 12;
-        for (int count = c.random.between(1, 6); count > 0; --count) {
-            xs.push_back(static_cast<short>(c.random.between(-reach, reach + 16)));
-            ys.push_back(static_cast<short>(c.random.between(-reach, reach + 16)));
-        }
-    }
-
-    int count() const { return static_cast<int>(xs.size()); }
-
-    tagRECT clip;
-    int openCurve;
-    Points xs;
-    Points ys;
-};
-
-TEST(iPolyBesier, agrees_with_a_naive_curve) {
-    forEachCase(
-        "iPolyBesier",
-        [](Case &c) {
-            Surface dst = Surface::random(c.random);
-            RandomPoints points(c, dst);
-            const q_ulong color = c.random.pixel();
-            Surface expected = dst;
-            naiveSmoothCurve(points.xs, points.ys, points.openCurve != 0, points.clip,
-                             [&](int x, int y) { expected.at(x, y) = color; });
-            iPolyBesier(dst.pixels(), &points.clip, dst.pitch(), points.xs.data(), points.ys.data(), points.count(),
-                        color, points.openCurve);
-            c.expectEqual(dst, expected);
-        },
-        5000);
-}
-
-TEST(bPolyBesier, agrees_with_a_naive_curve_and_with_the_32_bit_one) {
-    forEachCase(
-        "bPolyBesier",
-        [](Case &c) {
-            Surface dst = Surface::random(c.random);
-            Plane plane(dst);
-            RandomPoints points(c, dst);
-            const auto value = static_cast<unsigned char>(c.random.word());
-            Plane expected = plane;
-            naiveSmoothCurve(points.xs, points.ys, points.openCurve != 0, points.clip,
-                             [&](int x, int y) { expected.at(x, y) = value; });
-            bPolyBesier(plane.pixels(), &points.clip, plane.pitch(), points.xs.data(), points.ys.data(), points.count(),
-                        value, points.openCurve);
-            c.expectEqual(plane.words(), expected.words());
-            iPolyBesier(dst.pixels(), &points.clip, dst.pitch(), points.xs.data(), points.ys.data(), points.count(),
-                        value, points.openCurve);
-            c.expectEqual(Plane(dst).words(), expected.words());
-        },
-        5000);
 }
 
 } // namespace

@@ -1,6 +1,5 @@
-#include "naive_line.h"
-#include "plane.h"
-#include "support/cases.h"
+#include "plain/curves.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
@@ -9,9 +8,6 @@
 
 namespace {
 
-using test::Case;
-using test::forEachCase;
-using test::Plane;
 using test::Surface;
 
 using Pixels = std::vector<std::pair<int, int>>;
@@ -82,72 +78,13 @@ TEST(iLine, the_part_inside_the_clip_has_the_pixels_of_the_whole_line) {
         }
 }
 
-TEST(iLine, every_line_over_and_beyond_a_small_clip) {
-    Surface dst(6, 5);
-    Plane plane(dst);
-    tagRECT clip = {1, 1, 5, 4};
-    for (int y1 = -2; y1 <= 6; ++y1)
-        for (int x1 = -2; x1 <= 7; ++x1)
-            for (int y2 = -2; y2 <= 6; ++y2)
-                for (int x2 = -2; x2 <= 7; ++x2) {
-                    dst = Surface(6, 5);
-                    plane = Plane(dst);
-                    Surface expected = dst;
-                    test::naiveLine(x1, y1, x2, y2, clip, [&](int x, int y) { expected.at(x, y) = 0x7B; });
-                    iLine(dst.pixels(), x1, y1, x2, y2, 0x7B, &clip, dst.pitch());
-                    bLine(plane.pixels(), x1, y1, x2, y2, 0x7B, &clip, plane.pitch());
-                    ASSERT_TRUE(dst == expected) << x1 << ", " << y1 << " to " << x2 << ", " << y2;
-                    ASSERT_TRUE(plane.words() == expected) << x1 << ", " << y1 << " to " << x2 << ", " << y2;
-                }
-}
-
 TEST(iLine, a_picture_stored_bottom_up_is_drawn_by_a_negative_pitch) {
     Surface dst(8, 8);
     Surface expected = dst;
-    const tagRECT all = dst.rect();
-    test::naiveLine(1, 0, 5, 7, all, [&](int x, int y) { expected.at(x, 7 - y) = 9; });
-    tagRECT clip = all;
+    tagRECT clip = dst.rect();
+    plain::iLine(expected.pixels(), 1, 7, 5, 0, 9, &clip, expected.pitch());
     iLine(&dst.at(0, 7), 1, 0, 5, 7, 9, &clip, -dst.pitch());
     EXPECT_EQ(dst.differenceFrom(expected), "");
-}
-
-struct RandomLine {
-    explicit RandomLine(Case &c, const Surface &dst)
-        : x1(c.random.between(-20, 36)), y1(c.random.between(-20, 36)), x2(c.random.between(-20, 36)),
-          y2(c.random.between(-20, 36)), clip(c.random.rectInsideOrEmpty(dst.width(), dst.height())) {}
-
-    int x1;
-    int y1;
-    int x2;
-    int y2;
-    tagRECT clip;
-};
-
-TEST(iLine, agrees_with_a_naive_line) {
-    forEachCase("iLine", [](Case &c) {
-        Surface dst = Surface::random(c.random);
-        RandomLine line(c, dst);
-        const q_ulong color = c.random.pixel();
-        Surface expected = dst;
-        test::naiveLine(line.x1, line.y1, line.x2, line.y2, line.clip,
-                        [&](int x, int y) { expected.at(x, y) = color; });
-        iLine(dst.pixels(), line.x1, line.y1, line.x2, line.y2, color, &line.clip, dst.pitch());
-        c.expectEqual(dst, expected);
-    });
-}
-
-TEST(bLine, agrees_with_a_naive_line) {
-    forEachCase("bLine", [](Case &c) {
-        const Surface shape = Surface::random(c.random);
-        Plane dst(shape);
-        RandomLine line(c, shape);
-        const auto value = static_cast<unsigned char>(c.random.word());
-        Plane expected = dst;
-        test::naiveLine(line.x1, line.y1, line.x2, line.y2, line.clip,
-                        [&](int x, int y) { expected.at(x, y) = value; });
-        bLine(dst.pixels(), line.x1, line.y1, line.x2, line.y2, value, &line.clip, dst.pitch());
-        c.expectEqual(dst.words(), expected.words());
-    });
 }
 
 } // namespace
