@@ -1,6 +1,5 @@
-#include "naive_z_rotation.h"
-#include "support/cases.h"
-#include "support/precision.h"
+#include "plain/turns.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +8,50 @@
 
 namespace {
 
-using namespace naive::zRotation;
-using test::Case;
-using test::forEachCase;
 using test::Surface;
+
+/// A turn and its arguments.
+struct Scene {
+    tagRECT clip;
+    tagRECT srcRect;
+    int centreX;
+    int centreY;
+    float angle;
+    float scale;
+    float alpha = 1;
+};
+
+/// One of the six rotators, or its plain twin.
+struct Rotator {
+    using Turn = void(q_ulong *, int, q_ulong *, int, tagRECT *, tagRECT *, int, int, float, float);
+    using AlphaTurn = void(q_ulong *, int, q_ulong *, int, tagRECT *, tagRECT *, int, int, float, float, float);
+
+    const char *name;
+    Turn *turn;
+    AlphaTurn *alphaTurn = nullptr;
+
+    void draw(Surface &dst, q_ulong *src, int srcPitch, Scene s) const {
+        if (turn)
+            turn(dst.pixels(), dst.pitch(), src, srcPitch, &s.clip, &s.srcRect, s.centreX, s.centreY, s.angle, s.scale);
+        else
+            alphaTurn(dst.pixels(), dst.pitch(), src, srcPitch, &s.clip, &s.srcRect, s.centreX, s.centreY, s.angle,
+                      s.scale, s.alpha);
+    }
+};
+
+constexpr Rotator nearest = {"iBltNear32_Z_Roto", iBltNear32_Z_Roto};
+constexpr Rotator keyed = {"iBltNear32_Z_Roto_KeySrc", iBltNear32_Z_Roto_KeySrc};
+constexpr Rotator keyedAdd = {"iBltNear32_Z_Roto_KeySrc_Add", iBltNear32_Z_Roto_KeySrc_Add};
+constexpr Rotator nearestAlpha = {"iBltNear32_Z_Roto_Alpha", nullptr, iBltNear32_Z_Roto_Alpha};
+constexpr Rotator linear = {"iBltLinear32_Z_Roto", iBltLinear32_Z_Roto};
+constexpr Rotator linearAlpha = {"iBltLinear32_Z_Roto_Alpha", nullptr, iBltLinear32_Z_Roto_Alpha};
+const Rotator rotators[] = {nearest, keyed, keyedAdd, nearestAlpha, linear, linearAlpha};
+const Rotator twins[] = {{"", plain::iBltNear32_Z_Roto},
+                         {"", plain::iBltNear32_Z_Roto_KeySrc},
+                         {"", plain::iBltNear32_Z_Roto_KeySrc_Add},
+                         {"", nullptr, plain::iBltNear32_Z_Roto_Alpha},
+                         {"", plain::iBltLinear32_Z_Roto},
+                         {"", nullptr, plain::iBltLinear32_Z_Roto_Alpha}};
 
 constexpr int lowest = std::numeric_limits<int>::min();
 constexpr int highest = std::numeric_limits<int>::max();
@@ -20,16 +59,6 @@ constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float quarterTurn = 1.57079632679489661923F;
 constexpr float halfTurn = 3.14159265358979323846F;
 constexpr float threeQuarterTurn = 4.71238898038468985769F;
-
-/// Draws with the library and with the second computation, and says what differs.
-std::string differenceOf(const Rotator &rotator, const Surface &before, Surface &src, const Scene &scene) {
-    RowCount rows;
-    Surface dst = before;
-    Surface expected = before;
-    naiveRotation(expected, src, scene, rotator.filtered, rotator.store, rows);
-    rotator.draw(dst, src.pixels(), src.pitch(), scene);
-    return dst.differenceFrom(expected);
-}
 
 constexpr q_ulong untouched = 0x77777777;
 
@@ -330,13 +359,12 @@ TEST(Z_Roto, every_weight_from_far_below_0_to_far_above_1) {
             for (const q_ulong d : {0x00FF8001u, 0x12345678u})
                 for (const q_ulong s : {0xFF01FF80u, 0x00FFFFFFu}) {
                     const float alpha = static_cast<float>(weight) / 256;
-                    q_ulong expected = d;
-                    naiveBlend(expected, s, alpha);
-                    ASSERT_EQ(blendedOnce(rotator, d, s, alpha), expected) << rotator.name << " " << weight;
+                    ASSERT_EQ(blendedOnce(rotator, d, s, alpha), plain::turnBlend(d, s, weight))
+                        << rotator.name << " " << weight;
                 }
 }
 
-TEST(Z_Roto, every_pair_of_bytes_in_every_store) {
+TEST(Z_Roto, every_pair_of_bytes_in_both_filtered_stores) {
     // One column and row more than the pairs, for the filtered forms end earlier.
     Surface src(257, 257);
     Surface before(256, 256);
@@ -345,7 +373,7 @@ TEST(Z_Roto, every_pair_of_bytes_in_every_store) {
             before.at(static_cast<int>(x), static_cast<int>(y)) = 0xC3000000 | y << 16 | y << 8 | (255 - y);
             src.at(static_cast<int>(x), static_cast<int>(y)) = 0x80000000 | x << 16 | (255 - x) << 8 | x;
         }
-    for (const Rotator &rotator : rotators)
+    for (const Rotator &rotator : {linear, linearAlpha})
         for (const int weight : {0, 1, 64, 127, 128, 200, 255, 256}) {
             Surface dst = before;
             Surface expected = before;
@@ -353,10 +381,8 @@ TEST(Z_Roto, every_pair_of_bytes_in_every_store) {
                 for (int x = 0; x < 256; ++x) {
                     const q_ulong s = src.at(x, y);
                     const q_ulong d = before.at(x, y);
-                    q_ulong colour = rotator.filtered ? s & 0xFFFFFF : s;
-                    if (rotator.store == naiveKeyedAdd)
-                        naiveKeyedAdd(colour, d, 0);
-                    if (rotator.store == naiveBlend) {
+                    q_ulong colour = s & 0xFFFFFF;
+                    if (rotator.alphaTurn) {
                         colour = 0;
                         for (int shift = 0; shift < 24; shift += 8)
                             colour |= ((s >> shift & 0xFF) * static_cast<q_ulong>(weight) +
@@ -376,61 +402,19 @@ TEST(Z_Roto, every_size_at_every_quarter_turn_and_scale) {
     test::Random random(2);
     const Surface before = Surface::randomOfSize(random, 16, 16);
     Surface src = Surface::randomOfSize(random, 7, 7);
-    for (const Rotator &rotator : rotators)
+    for (std::size_t i = 0; i < 6; ++i)
         for (int height = 0; height <= 7; ++height)
             for (int width = 0; width <= 7; ++width)
                 for (const float angle : {0.0F, quarterTurn / 2, quarterTurn, halfTurn, threeQuarterTurn, 2 * halfTurn,
                                           -quarterTurn, -halfTurn})
                     for (const float scale : {-1.0F, 1.0e-6F, 0.25F, 0.5F, 1.0F, 1.5F, 2.0F, 1000.0F, 1.0e9F}) {
                         const Scene scene = {{1, 2, 15, 14}, {0, 0, width, height}, 8, 7, angle, scale, 0.3F};
-                        ASSERT_EQ(differenceOf(rotator, before, src, scene), "")
-                            << rotator.name << " " << width << " x " << height << " at " << angle << " and " << scale;
-                    }
-}
-
-TEST(Z_Roto, every_centre_around_the_clip_at_every_eighth_turn) {
-    test::Random random(3);
-    const Surface before = Surface::randomOfSize(random, 10, 10);
-    Surface src = Surface::randomOfSize(random, 5, 4);
-    for (const Rotator &rotator : rotators)
-        for (int centreY = -6; centreY <= 15; ++centreY)
-            for (int centreX = -6; centreX <= 15; ++centreX)
-                for (int turn = 0; turn < 8; ++turn) {
-                    const Scene scene = {
-                        {2, 1, 8, 9}, src.rect(), centreX, centreY, quarterTurn / 2 * static_cast<float>(turn),
-                        1.3F,         0.7F};
-                    ASSERT_EQ(differenceOf(rotator, before, src, scene), "")
-                        << rotator.name << " around " << centreX << ", " << centreY << " at " << turn;
-                }
-}
-
-TEST(Z_Roto, every_clip_rectangle_bounds_the_writes) {
-    test::Random random(4);
-    const Surface before = Surface::randomOfSize(random, 5, 5);
-    Surface src = Surface::randomOfSize(random, 6, 6);
-    for (const Rotator &rotator : {nearest, linear})
-        for (int top = -2; top <= 6; ++top)
-            for (int left = -2; left <= 6; ++left)
-                for (int bottom = -2; bottom <= 6; ++bottom)
-                    for (int right = -2; right <= 6; ++right) {
-                        const Scene scene = {{left, top, right, bottom}, src.rect(), 2, 3, 0.4F, 1.2F};
-                        ASSERT_EQ(differenceOf(rotator, before, src, scene), "")
-                            << rotator.name << " in " << left << ", " << top << ", " << right << ", " << bottom;
-                    }
-}
-
-TEST(Z_Roto, numbers_at_their_ends_stay_inside_the_clip) {
-    test::Random random(5);
-    const Surface before = Surface::randomOfSize(random, 8, 8);
-    Surface src = Surface::randomOfSize(random, 6, 6);
-    for (const Rotator &rotator : rotators)
-        for (const int centreX : {lowest, lowest + 1, -70000, 4, 70000, highest - 1, highest})
-            for (const int centreY : {lowest, lowest + 1, -70000, 4, 70000, highest - 1, highest})
-                for (const float scale : {-1.0e30F, -1.0F, 1.0e-30F, 1.0e-4F, 1.0F, 1.0e5F, 1.0e9F, 1.0e30F, infinity})
-                    for (const float angle : {0.0F, 0.7F, halfTurn}) {
-                        const Scene scene = {{1, 2, 7, 6}, src.rect(), centreX, centreY, angle, scale, 0.5F};
-                        ASSERT_EQ(differenceOf(rotator, before, src, scene), "")
-                            << rotator.name << " around " << centreX << ", " << centreY << " at " << scale;
+                        Surface dst = before;
+                        Surface expected = before;
+                        rotators[i].draw(dst, src.pixels(), src.pitch(), scene);
+                        twins[i].draw(expected, src.pixels(), src.pitch(), scene);
+                        ASSERT_EQ(dst.differenceFrom(expected), "") << rotators[i].name << " " << width << " x "
+                                                                    << height << " at " << angle << " and " << scale;
                     }
 }
 
@@ -452,65 +436,6 @@ TEST(Z_Roto, huge_angles_draw_pixels_of_the_source_inside_the_clip) {
     }
 }
 
-TEST(Z_Roto, large_angles_agree_with_a_naive_walk) {
-    test::Random random(6);
-    const Surface before = Surface::randomOfSize(random, 16, 16);
-    Surface src = Surface::randomOfSize(random, 8, 8);
-    for (int i = 0; i < 2000; ++i) {
-        const float angle = static_cast<float>(random.between(-1000000, 1000000)) / 3;
-        const Scene scene = {before.rect(), src.rect(), 8, 8, angle, 1.4F, 0.5F};
-        for (const Rotator &rotator : {nearest, linearAlpha})
-            ASSERT_EQ(differenceOf(rotator, before, src, scene), "") << rotator.name << " at " << angle;
-    }
-}
-
-TEST(Z_Roto, reads_nothing_behind_the_source) {
-    test::Random random(7);
-    for (int i = 0; i < 3000; ++i) {
-        const int width = random.between(1, 9);
-        const int height = random.between(1, 9);
-        Surface copy = Surface::randomOfSize(random, width, height);
-        test::PageEndPixels src(static_cast<std::size_t>(width * height));
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x)
-                src.data()[y * width + x] = copy.at(x, y);
-        const Surface before(16, 16, untouched);
-        const Scene scene = {before.rect(),
-                             {0, 0, width, height},
-                             random.between(0, 16),
-                             random.between(0, 16),
-                             random.oneIn(3) ? quarterTurn * static_cast<float>(random.between(0, 4))
-                                             : random.realBetween(-7, 7),
-                             random.realBetween(0.25F, 4),
-                             0.5F};
-        for (const Rotator &rotator : rotators) {
-            RowCount rows;
-            Surface dst = before;
-            Surface expected = before;
-            naiveRotation(expected, copy, scene, rotator.filtered, rotator.store, rows);
-            rotator.draw(dst, src.data(), width, scene);
-            ASSERT_EQ(dst.differenceFrom(expected), "") << rotator.name;
-        }
-    }
-}
-
-TEST(Z_Roto, a_picture_turned_over_itself_is_read_as_it_is_written) {
-    for (const Rotator &rotator : rotators)
-        for (int offsetY = -4; offsetY <= 4; ++offsetY)
-            for (int offsetX = -4; offsetX <= 4; ++offsetX)
-                for (const float angle : {0.0F, 0.3F, quarterTurn, halfTurn}) {
-                    test::Random random(8);
-                    Surface surface = Surface::randomOfSize(random, 20, 20);
-                    Surface expected = surface;
-                    RowCount rows;
-                    const Scene scene = {{2, 2, 18, 18}, {5, 6, 14, 14}, 9 + offsetX, 10 + offsetY, angle, 1.2F, 0.5F};
-                    naiveRotation(expected, expected, scene, rotator.filtered, rotator.store, rows);
-                    rotator.draw(surface, surface.pixels(), surface.pitch(), scene);
-                    ASSERT_EQ(surface.differenceFrom(expected), "")
-                        << rotator.name << " moved by " << offsetX << ", " << offsetY;
-                }
-}
-
 TEST(Z_Roto, surfaces_stored_bottom_up_have_negative_pitches) {
     Surface src = numbered(6, 6);
     Surface dst(8, 8, untouched);
@@ -522,149 +447,6 @@ TEST(Z_Roto, surfaces_stored_bottom_up_have_negative_pitches) {
     tagRECT rect = src.rect();
     iBltNear32_Z_Roto(&dst.at(0, 7), -dst.pitch(), &src.at(0, 5), -src.pitch(), &clip, &rect, 4, 4, 0, 1);
     EXPECT_EQ(dst.differenceFrom(expected), "");
-}
-
-/// A source wider and higher than the positions' format reaches.
-Surface &largeSource() {
-    static Surface surface = [] {
-        test::Random random(9);
-        return Surface::randomOfSize(random, 2600, 1500);
-    }();
-    return surface;
-}
-
-/// Mostly scenes like those of every day, with a share of everything that is unusual in one respect.
-Scene randomScene(test::Random &random, const Surface &dst, const Surface &src, bool large) {
-    Scene scene = {};
-    scene.clip = random.rectInsideOrEmpty(dst.width(), dst.height());
-    if (random.oneIn(2))
-        scene.clip = dst.rect();
-    scene.srcRect = random.rectInsideOrEmpty(src.width(), src.height());
-    if (random.oneIn(large ? 2 : 4))
-        scene.srcRect = src.rect();
-    scene.centreX = random.between(-2, dst.width() + 2);
-    scene.centreY = random.between(-2, dst.height() + 2);
-    if (random.oneIn(12))
-        (random.oneIn(2) ? scene.centreX : scene.centreY) =
-            random.oneIn(2) ? random.between(-1000, 1000) : random.between(lowest, highest);
-    switch (random.between(0, 5)) {
-    case 0:
-        scene.angle = quarterTurn * static_cast<float>(random.between(-4, 8));
-        break;
-    case 1:
-        scene.angle = quarterTurn / 2 * static_cast<float>(random.between(-8, 16));
-        break;
-    case 2:
-        scene.angle =
-            random.oneIn(2) ? static_cast<float>(random.between(-100, 100)) * 1.0e-9F : random.realBetween(-60, 60);
-        break;
-    default:
-        scene.angle = static_cast<float>(random.between(-4000000, 4000000)) * 1.0e-6F;
-        break;
-    }
-    switch (random.between(0, 9)) {
-    case 0:
-        scene.scale = 1;
-        break;
-    case 1:
-        scene.scale = random.oneIn(2) ? 0.5F : 2.0F;
-        break;
-    case 2:
-        scene.scale = random.realBetween(-3, 0);
-        break;
-    case 3:
-        scene.scale = static_cast<float>(random.between(1, 1000)) * 1.0e-6F;
-        break;
-    case 4:
-        scene.scale = static_cast<float>(random.between(1, 100000));
-        break;
-    default:
-        scene.scale = static_cast<float>(random.between(200, 4000)) / 1000;
-        break;
-    }
-    if (large) // a few pixels for thousands, or a part of them
-        scene.scale = static_cast<float>(random.between(10, 100)) / (random.oneIn(4) ? 1000.0F : 10000.0F);
-    scene.alpha = random.oneIn(8) ? random.realBetween(-4, 5) : static_cast<float>(random.between(0, 256)) / 256;
-    return scene;
-}
-
-TEST(Z_Roto, any_scene_within_one_picture_is_read_as_it_is_written) {
-    for (const Rotator &rotator : rotators)
-        for (int seed = 0; seed < 2000; ++seed) {
-            test::Random random(static_cast<std::uint64_t>(seed));
-            Surface surface = Surface::random(random, 24);
-            const Scene scene = randomScene(random, surface, surface, false);
-            Surface expected = surface;
-            RowCount rows;
-            naiveRotation(expected, expected, scene, rotator.filtered, rotator.store, rows);
-            rotator.draw(surface, surface.pixels(), surface.pitch(), scene);
-            ASSERT_EQ(surface.differenceFrom(expected), "") << rotator.name << ", " << seed;
-        }
-}
-
-void agreesWithANaiveWalk(const Rotator &rotator) {
-    RowCount rows;
-    int cases = 0;
-    forEachCase(rotator.name, [&](Case &c) {
-        ++cases;
-        Surface dst = Surface::random(c.random, 14);
-        Surface small = Surface::random(c.random, 10);
-        const bool isLarge = c.random.oneIn(5);
-        Surface &src = isLarge ? largeSource() : small;
-        const Scene scene = randomScene(c.random, dst, src, isLarge);
-        Surface expected = dst;
-        naiveRotation(expected, src, scene, rotator.filtered, rotator.store, rows);
-        rotator.draw(dst, src.pixels(), src.pitch(), scene);
-        c.expectEqual(dst, expected);
-    });
-    // Both kinds of rows must have been met often for the agreement to mean something.
-    if (cases > 1) {
-        EXPECT_GT(rows.plain, 5000);
-        EXPECT_GT(rows.wrapping, 500);
-    }
-}
-
-TEST(iBltNear32_Z_Roto, agrees_with_a_naive_walk) {
-    agreesWithANaiveWalk(nearest);
-}
-
-TEST(iBltNear32_Z_Roto_KeySrc, agrees_with_a_naive_walk) {
-    agreesWithANaiveWalk(keyed);
-}
-
-TEST(iBltNear32_Z_Roto_KeySrc_Add, agrees_with_a_naive_walk) {
-    agreesWithANaiveWalk(keyedAdd);
-}
-
-TEST(iBltNear32_Z_Roto_Alpha, agrees_with_a_naive_walk) {
-    agreesWithANaiveWalk(nearestAlpha);
-}
-
-TEST(iBltLinear32_Z_Roto, agrees_with_a_naive_walk) {
-    agreesWithANaiveWalk(linear);
-}
-
-TEST(iBltLinear32_Z_Roto_Alpha, agrees_with_a_naive_walk) {
-    agreesWithANaiveWalk(linearAlpha);
-}
-
-TEST(Z_Roto, the_precision_that_the_host_has_set_changes_nothing) {
-    test::Random random(10);
-    for (int i = 0; i < 3000; ++i) {
-        const Surface before = Surface::random(random, 14);
-        Surface src = Surface::random(random, 10);
-        const Scene scene = randomScene(random, before, src, false);
-        const Rotator &rotator = rotators[i % 6];
-        Surface dst = before;
-        rotator.draw(dst, src.pixels(), src.pitch(), scene);
-        Surface reduced = before;
-        {
-            const test::ReducedPrecision precision;
-            rotator.draw(reduced, src.pixels(), src.pitch(), scene);
-            ASSERT_EQ(precision.controlWord(), 0x027F); // left as it was found
-        }
-        ASSERT_EQ(reduced.differenceFrom(dst), "") << rotator.name << " at " << scene.angle << " and " << scene.scale;
-    }
 }
 
 } // namespace
