@@ -15,7 +15,8 @@ std::string_view reason(const Row &row) {
 /// 20,000 calls drawn from the case's number give the same bytes as the plain twin; every other one from a host that
 /// has left the floating unit at 53 bits.
 void prove(const Row &row) {
-    test::forEachCase(row.fullName(), [&row](test::Case &c) {
+    const auto body = [&row](test::Case &c) {
+        const auto seed = static_cast<unsigned>(c.number);
         const Call call = catalogue::randomCall(row, c.random);
         ASSERT_TRUE(catalogue::keepsToContract(call)) << "case " << c.number << ": " << described(call);
         Call result = call;
@@ -23,15 +24,20 @@ void prove(const Row &row) {
             std::optional<test::ReducedPrecision> precision;
             if (c.number % 2 == 1)
                 precision.emplace();
-            row.call.library(result)();
+            runSeeded(row.call.library, result, seed);
         }
         Call expected = call;
-        row.call.twin(expected)();
+        runSeeded(row.call.twin, expected, seed);
         result.addTo(c.sum());
         const std::string difference = result.differenceFrom(expected);
         if (!difference.empty())
             c.report(difference + "\n" + described(call));
-    });
+    };
+    // A record with pointers is not as long everywhere.
+    if (row.drawsRandomNumbers || indexOf(row, Kind::hostRecord) >= 0)
+        test::forEachCaseUnsummed(body);
+    else
+        test::forEachCase(row.fullName(), body);
 }
 
 } // namespace
