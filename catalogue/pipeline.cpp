@@ -12,9 +12,6 @@ Argument privateBlock(std::string_view of = {}) {
 _PRIVATE_QMGL_DATA &blockOf(Call &call) {
     return call["data"].get<PipelineBlock>().data;
 }
-Areas nothing(const Call &) {
-    return {};
-}
 
 // Matrices and stacks: numbers in, a matrix out.
 
@@ -548,19 +545,16 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glMatrixMode),
             .sentence = "Chooses the model stack or the view stack.",
             .arguments = {privateBlock(), choice("mode", anyInt, 1)},
-            .writes = nothing,
         },
         {
             Q_MUR_FUNCTION(VKD_glLoadIdentity),
             .sentence = "Sets the current matrix to the identity.",
             .arguments = {privateBlock()},
-            .writes = nothing,
         },
         {
             Q_MUR_FUNCTION(glLoadMatrixf),
             .sentence = "Sets the current matrix to 16 floats, row after row.",
             .arguments = {privateBlock(), matrix("m")},
-            .writes = nothing,
             .reads = [](const Call &) -> Areas { return {words("m", 16)}; },
             .arrange = arrangeMatrices,
             .scenes = {{.set = setMatrices}},
@@ -569,7 +563,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(glMultMatrixf),
             .sentence = "Lets a matrix of 16 floats act behind the current one.",
             .arguments = {privateBlock(), matrix("m")},
-            .writes = nothing,
             .reads = [](const Call &) -> Areas { return {words("m", 16)}; },
             .arrange = arrangeMatrices,
             .scenes = {{.set = setMatrices, .isRestored = true}},
@@ -578,7 +571,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glPushMatrix),
             .sentence = "Copies the current matrix to the next entry of its stack, which becomes the top.",
             .arguments = {privateBlock()},
-            .writes = nothing,
             .arrange = arrangePush,
             .scenes = {{.isRestored = true}},
         },
@@ -586,7 +578,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glPopMatrix),
             .sentence = "Goes back to the entry below the current matrix.",
             .arguments = {privateBlock()},
-            .writes = nothing,
             .arrange = arrangePop,
             .scenes = {{.set = setPop, .isRestored = true}},
         },
@@ -594,7 +585,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glRotatef),
             .sentence = "Turns about an axis by an angle in degrees.",
             .arguments = {privateBlock(), degrees("angleDegrees"), real("x"), real("y"), real("z")},
-            .writes = nothing,
             .arrange = arrangeReals,
             .scenes = {{.isRestored = true}},
         },
@@ -602,7 +592,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glTranslatef),
             .sentence = "Moves by (x, y, z).",
             .arguments = {privateBlock(), real("x"), real("y"), real("z")},
-            .writes = nothing,
             .arrange = arrangeReals,
             .scenes = {{.isRestored = true}},
         },
@@ -610,7 +599,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glScalef),
             .sentence = "Scales by x, y and z.",
             .arguments = {privateBlock(), real("x"), real("y"), real("z")},
-            .writes = nothing,
             .arrange = arrangeReals,
             .scenes = {{.isRestored = true}},
         },
@@ -620,13 +608,11 @@ std::vector<Row> pipelineRows() {
             .arguments = {privateBlock(), number("left", "pixels", anyInt, {0, 0}),
                           number("top", "pixels", anyInt, {0, 0}), number("right", "pixels", anyInt, {640, 640}),
                           number("bottom", "pixels", anyInt, {480, 480})},
-            .writes = nothing,
         },
         {
             Q_MUR_FUNCTION(VKD_gluPerspective),
             .sentence = "Sets the focal length, so that the viewport has an opening angle, and the depth limit.",
             .arguments = {privateBlock(), degrees("fovyDegrees"), real("aspect"), real("zNear"), real("zFar")},
-            .writes = nothing,
             .arrange = arrangeReals,
         },
         {
@@ -636,7 +622,6 @@ std::vector<Row> pipelineRows() {
                           real("eyeZ", {100, 10}, "units"), real("centerX", {0, 0}, "units"),
                           real("centerY", {0, 0}, "units"), real("centerZ", {0, 0}, "units"), real("upX", {0, 0}),
                           real("upY", {1, 1}), real("upZ", {0, 0})},
-            .writes = nothing,
             .arrange = arrangeView,
             .scenes = {{.isRestored = true}},
         },
