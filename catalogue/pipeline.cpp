@@ -361,10 +361,12 @@ void arrangeLit(Call &call, Random &random) {
     call["shininess"] = random.between(-1, 5);
     drawOpacity(call, random);
 }
-template <int drawnOpacity>
+template <int drawnOpacity, int rows = 64, int columns = 64>
 void setLit(Call &call, const Stage &stage) {
-    call["points"] = wavingGrid(stage, 64, 64);
-    call["colours"] = patternOfColours(64 * 64, 64);
+    call["rows"] = rows;
+    call["columns"] = columns;
+    call["points"] = wavingGrid(stage, rows, columns);
+    call["colours"] = patternOfColours(rows * columns, columns);
     call["light"] = lightFromAbove();
     call["ambientVector"] = Plane::of(_POINT3D{60, 60, 60, 0});
     if (drawnOpacity > 0)
@@ -420,7 +422,12 @@ void arrangeCross(Call &call, Random &random) {
     call["x"] = random.oneIn(20) ? static_cast<int>(random.word()) : random.between(-2, 16);
     call["y"] = random.between(-2, 16);
 }
+/// A spiral.
 void setCross(Call &call, const Stage &stage) {
+    const double angle = 0.5 * stage.call;
+    const double radius = stage.height * 0.45 * stage.time;
+    call["x"] = std::floor(stage.width / 2 + 1.6 * radius * std::cos(angle));
+    call["y"] = std::floor(stage.height / 2 + radius * std::sin(angle));
     call["colour"] = 0x604020 + stage.call % 64 * 0x010201;
 }
 
@@ -444,8 +451,10 @@ void arrangeDots(Call &call, Random &random) {
     call["colours"] = randomColours(random, rows * columns);
 }
 void setDots(Call &call, const Stage &stage) {
-    call["points"] = wavingGrid(stage, 64, 64);
-    call["colours"] = patternOfColours(64 * 64, 64);
+    call["rows"] = 18;
+    call["columns"] = 32;
+    call["points"] = wavingGrid(stage, 18, 32);
+    call["colours"] = patternOfColours(18 * 32, 32);
 }
 
 Areas readsLine(const Call &call) {
@@ -817,7 +826,7 @@ std::vector<Row> pipelineRows() {
             .topByte = TopByte::cleared,
             .sums = Sums::saturate,
             .arrange = arrangeDots,
-            .scenes = {{.set = setDots, .figures = 64 * 64, .figure = "crosses"}},
+            .scenes = {{.set = setDots, .figures = 18 * 32, .figure = "crosses"}},
         },
         {
             Q_MUR_FUNCTION(VKD_3D_Line),
@@ -846,7 +855,12 @@ std::vector<Row> pipelineRows() {
             .topByte = TopByte::cleared,
             .sums = Sums::saturate,
             .arrange = arrangeLit,
-            .scenes = {{.set = setLit<0>, .figures = 64 * 63 * 2, .figure = "lines", .isRestored = true}},
+            .scenes = {{.set = setLit<0, 14, 24>, .isRestored = true},
+                       {.word = "mesh of 64 x 64",
+                        .set = setLit<0>,
+                        .figures = 64 * 63 * 2,
+                        .figure = "lines",
+                        .isRestored = true}},
         },
     };
 }
