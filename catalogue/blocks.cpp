@@ -1,5 +1,6 @@
 #include "blocks.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace catalogue {
@@ -23,7 +24,118 @@ public:
     std::string found;
 };
 
+constexpr int stackDepth = 3;
+constexpr int vertexEntries = 64;
+constexpr short emptyDepth = 0x7FFF;
+
+/// A Z plane of the shape of a surface; what its margins hold is no depth that matters.
+Plane depthsFor(const Plane &surface) {
+    const int margin = std::min(Plane::usualMargin, (surface.pitch() - surface.width()) / 2);
+    return {2, surface.width(), surface.height(), margin, surface.pitch() - surface.width() - 2 * margin};
+}
+
+template <class Depth>
+Plane filledDepths(const Plane &surface, Depth depth) {
+    Plane plane = depthsFor(surface);
+    for (int y = 0; y < plane.height(); ++y)
+        for (int x = 0; x < plane.width(); ++x)
+            plane.as<short>()[y * plane.pitch() + x] = depth(x, y);
+    return plane;
+}
+
+/// Empty, anything, or near what is drawn.
+short anyDepth(Random &random) {
+    switch (random.between(0, 3)) {
+    case 0:
+        return emptyDepth;
+    case 1:
+        return static_cast<short>(random.word());
+    default:
+        return static_cast<short>(random.between(0, 300));
+    }
+}
+
+Plane randomDepths(Random &random, const Plane &surface) {
+    return filledDepths(surface, [&random](int, int) { return anyDepth(random); });
+}
+
+Plane emptyDepths(const Plane &surface) {
+    return filledDepths(surface, [](int, int) { return emptyDepth; });
+}
+
+/// The depths of a plane, repeated over a surface of another shape.
+void fit(Plane &depths, const Plane &surface) {
+    if (depths.isNull() ||
+        (depths.width() == surface.width() && depths.height() == surface.height() && depths.pitch() == surface.pitch()))
+        return;
+    depths = filledDepths(surface, [&depths](int x, int y) {
+        return depths.as<short>()[y % depths.height() * depths.pitch() + x % depths.width()];
+    });
+}
+
+Plane randomNumbers(Random &random, int count) {
+    Plane plane(4, count, 1);
+    std::generate_n(plane.as<int>(), count, [&random] { return random.between(-50, 300); });
+    return plane;
+}
+
+Plane randomStack(Random &random) {
+    Plane plane(4, 16 * stackDepth, 1);
+    std::generate_n(plane.as<float>(), 16 * stackDepth, [&random] { return random.real(4); });
+    return plane;
+}
+
+Plane stackOfIdentities() {
+    Plane plane(4, 16 * stackDepth, 1);
+    for (int i = 0; i < 16 * stackDepth; ++i)
+        plane.as<float>()[i] = i % 16 % 5 == 0 ? 1.0F : 0.0F;
+    return plane;
+}
+
 } // namespace
+
+PipelineBlock PipelineBlock::random(Random &random, const Plane &surface) {
+    PipelineBlock block;
+    std::generate_n(block.data.workMatrix.m, 16, [&random] { return random.real(4); });
+    block.data.workAxis = {random.real(4), random.real(4), random.real(4), 0};
+    block.data.modelDepth = random.between(0, stackDepth - 1);
+    block.data.viewDepth = random.between(0, stackDepth - 1);
+    block.data.matrixMode = random.between(0, 2);
+    block.data.viewportLeft = random.between(-999, 999);
+    block.data.viewportRight = random.between(-999, 999);
+    block.data.viewportTop = random.between(-999, 999);
+    block.data.viewportBottom = random.between(-999, 999);
+    block.data.nearLimit = random.between(-100, 100);
+    block.data.farLimit = random.between(-999, 999);
+    block.data.focalLength = random.between(-100, 1000);
+    block.data.vertexArrayEntries = vertexEntries;
+    block.modelStack = randomStack(random);
+    block.viewStack = randomStack(random);
+    block.vertexArray0 = randomNumbers(random, vertexEntries);
+    block.vertexArray1 = randomNumbers(random, vertexEntries);
+    block.depths = randomDepths(random, surface);
+    return block;
+}
+
+PipelineBlock PipelineBlock::fresh(const Plane &surface) {
+    PipelineBlock block;
+    block.data.matrixMode = 1;
+    block.data.viewportRight = surface.width();
+    block.data.viewportBottom = surface.height();
+    block.data.nearLimit = -surface.height();
+    block.data.focalLength = surface.height();
+    block.data.vertexArrayEntries = vertexEntries;
+    block.modelStack = stackOfIdentities();
+    block.viewStack = stackOfIdentities();
+    block.vertexArray0 = Plane(4, vertexEntries, 1);
+    block.vertexArray1 = Plane(4, vertexEntries, 1);
+    block.depths = emptyDepths(surface);
+    return block;
+}
+
+void PipelineBlock::fitTo(const Plane &surface) {
+    fit(depths, surface);
+}
 
 PipelineBlock::Data *PipelineBlock::settled() {
     data.modelStack = modelStack.as<_I3DMATRIX>();
@@ -80,6 +192,28 @@ std::string PipelineBlock::differenceFrom(const PipelineBlock &expected) const {
     c.planes("vertexArray1", vertexArray1, expected.vertexArray1);
     c.planes("zPlane", depths, expected.depths);
     return c.found;
+}
+
+TexturedBlock TexturedBlock::random(Random &random, const Plane &surface) {
+    TexturedBlock block;
+    block.data.vertexArrayEntries = vertexEntries;
+    block.vertexArray0 = randomNumbers(random, vertexEntries);
+    block.vertexArray1 = randomNumbers(random, vertexEntries);
+    block.depths = randomDepths(random, surface);
+    return block;
+}
+
+TexturedBlock TexturedBlock::fresh(const Plane &surface) {
+    TexturedBlock block;
+    block.data.vertexArrayEntries = vertexEntries;
+    block.vertexArray0 = Plane(4, vertexEntries, 1);
+    block.vertexArray1 = Plane(4, vertexEntries, 1);
+    block.depths = emptyDepths(surface);
+    return block;
+}
+
+void TexturedBlock::fitTo(const Plane &surface) {
+    fit(depths, surface);
 }
 
 TexturedBlock::Data *TexturedBlock::settled() {

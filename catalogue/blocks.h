@@ -20,6 +20,16 @@ struct PipelineBlock {
     Plane vertexArray1; ///< ints
     Plane depths;       ///< shorts; a null plane where the block has none
 
+    /// Stacks of three matrices each, anything in all of them, and a Z plane of the shape of a surface with depths of
+    /// all kinds.
+    static PipelineBlock random(Random &random, const Plane &surface);
+
+    /// Identities, an empty Z plane and a viewport that is the surface.
+    static PipelineBlock fresh(const Plane &surface);
+
+    /// Lays the Z plane out anew if the surface has another shape.
+    void fitTo(const Plane &surface);
+
     /// The record with its pointers set.
     Data *settled();
     PipelineBlock copy(Copies &copies) const;
@@ -36,6 +46,9 @@ struct TexturedBlock {
     Plane vertexArray1;
     Plane depths;
 
+    static TexturedBlock random(Random &random, const Plane &surface);
+    static TexturedBlock fresh(const Plane &surface);
+    void fitTo(const Plane &surface);
     Data *settled();
     TexturedBlock copy(Copies &copies) const;
     void restore(const TexturedBlock &earlier);

@@ -68,6 +68,29 @@ std::string numberDifference(double result, double expected) {
 
 } // namespace
 
+const Plane *Value::surface() const {
+    const Plane *plane = std::visit(
+        [](const auto &held) -> const Plane * {
+            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, Plane>)
+                return &held;
+            else if constexpr (requires { held.depths; })
+                return &held.depths;
+            else
+                return nullptr;
+        },
+        content);
+    return plane && !plane->isNull() ? plane : nullptr;
+}
+
+void Value::fitTo(const Plane &destination) {
+    std::visit(
+        [&](auto &held) {
+            if constexpr (requires { held.fitTo(destination); })
+                held.fitTo(destination);
+        },
+        content);
+}
+
 Value Value::copy(Copies &copies) const {
     return std::visit(
         [&](const auto &held) -> Value {
@@ -151,6 +174,8 @@ void Call::restore(const Call &earlier) {
 void Call::settle() {
     for (std::size_t i = 0; i < values.size(); ++i) {
         const Argument &argument = description->arguments[i];
+        if (argument.kind == Kind::privateBlock && !argument.of.empty())
+            values[i].fitTo((*this)[argument.of].plane());
         if (argument.kind != Kind::pitch)
             continue;
         const Plane &plane = (*this)[argument.of].plane();

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -39,6 +40,14 @@ public:
     const tagPOINT &point() const { return get<tagPOINT>(); }
     Plane &plane() { return get<Plane>(); }
     const Plane &plane() const { return get<Plane>(); }
+
+    /// The memory that areas of this argument are parts of: the plane itself, or the Z plane of a private block. Null
+    /// where there is none.
+    const Plane *surface() const;
+    Plane *surface() { return const_cast<Plane *>(std::as_const(*this).surface()); }
+
+    /// Gives a private block a Z plane of the shape of its destination.
+    void fitTo(const Plane &destination);
 
     template <class Content>
     bool is() const {
@@ -90,7 +99,7 @@ public:
     const Value &operator[](std::size_t index) const { return values[index]; }
     std::size_t size() const { return values.size(); }
 
-    /// Sets every pitch from the plane that it belongs to.
+    /// Sets every pitch from the plane that it belongs to, and fits Z planes to their destinations.
     void settle();
 
     /// Keeps what a function returned.

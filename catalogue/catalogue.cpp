@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 namespace catalogue {
 namespace {
@@ -33,6 +34,19 @@ tagRECT surroundings(const Call &call, const Argument &argument) {
     return {0, 0, 16, 16};
 }
 
+/// The block of a module that draws in three dimensions, as `make` makes it for its destination.
+template <class Make>
+Value privateBlock(const Call &call, std::size_t index, Make make) {
+    const Argument &argument = call.row().arguments[index];
+    const std::string_view type = call.row().call.types[index];
+    const Plane destination = argument.of.empty() ? Plane::surface(16, 16) : call[argument.of].plane();
+    if (type.find("_PRIVATE_QMGL_DATA") != std::string_view::npos)
+        return make(std::type_identity<PipelineBlock>(), destination);
+    if (type.find("_PRIVATE_QM3D_DATA") != std::string_view::npos)
+        return make(std::type_identity<TexturedBlock>(), destination);
+    return {};
+}
+
 Value randomValue(const Call &call, std::size_t index, Random &random) {
     const Argument &argument = call.row().arguments[index];
     const tagRECT around = surroundings(call, argument);
@@ -55,6 +69,10 @@ Value randomValue(const Call &call, std::size_t index, Random &random) {
         if (isReal(call.row(), index) && random.oneIn(4))
             return random.between(-8, 8) * 1.5707963267948966;
         break;
+    case Kind::privateBlock:
+        return privateBlock(call, index, [&random]<class Block>(std::type_identity<Block>, const Plane &surface) {
+            return Block::random(random, surface);
+        });
     case Kind::radius:
     case Kind::count:
     case Kind::weight:
@@ -89,6 +107,10 @@ Value sceneValue(const Call &call, std::size_t index, const Stage &stage) {
         return 0xFFB060;
     case Kind::key:
         return 0;
+    case Kind::privateBlock:
+        return privateBlock(call, index, []<class Block>(std::type_identity<Block>, const Plane &surface) {
+            return Block::fresh(surface);
+        });
     default:
         return isReal(call.row(), index) ? drawn : std::floor(drawn);
     }
@@ -143,7 +165,8 @@ bool keepsToContract(const Call &call) {
             continue;
         for (const Area &area : areas(call)) {
             const Value &value = call[area.argument];
-            if (value.is<Plane>() && !value.plane().holds(area.part))
+            const Plane *plane = value.surface();
+            if (plane ? !plane->holds(area.part) : value.is<Plane>() && !area.part.isEmpty())
                 return false;
         }
     }

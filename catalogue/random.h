@@ -5,6 +5,7 @@
 
 #include <q_Mur.h>
 
+#include <cmath>
 #include <cstdint>
 
 namespace catalogue {
@@ -34,6 +35,14 @@ public:
     /// A number from `low` to `high` in steps of 1/64, exact in a float.
     float realBetween(float low, float high) {
         return static_cast<float>(between(static_cast<int>(low * 64), static_cast<int>(high * 64))) / 64;
+    }
+
+    /// A float of up to 24 random bits and a size from about `2^-reach` to `2^reach`; at times 0.
+    float real(int reach = 10) {
+        if (oneIn(16))
+            return 0;
+        const int mantissa = between(-0xFFFFFF, 0xFFFFFF);
+        return std::ldexp(static_cast<float>(mantissa), between(-reach, reach) - 24);
     }
 
     /// A mix of plain colours, zeros, full white, black with a top byte, and pixels with non-zero top bytes.

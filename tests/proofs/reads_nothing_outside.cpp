@@ -39,10 +39,10 @@ void prove(const Row &row) {
             Call fenced = call;
             Call wanted = expected;
             for (std::size_t i = 0; i < call.size(); ++i)
-                if (call[i].is<Plane>() && !call[i].plane().isNull()) {
+                if (const Plane *plane = call[i].surface()) {
                     const Box part = needed(call, row.arguments[i].name);
-                    fenced[i] = call[i].plane().cutTo(part, fence);
-                    wanted[i] = expected[i].plane().cutTo(part, Fence::none);
+                    *fenced[i].surface() = plane->cutTo(part, fence);
+                    *wanted[i].surface() = expected[i].surface()->cutTo(part, Fence::none);
                 }
             row.call.library(fenced)();
             ASSERT_EQ(fenced.differenceFrom(wanted), "") << described(call);

@@ -23,14 +23,15 @@ void prove(const Row &row) {
         Call after = before;
         row.call.library(after)();
         for (std::size_t i = 0; i < after.size(); ++i) {
-            if (!after[i].is<Plane>())
+            const Plane *plane = after[i].surface();
+            if (!plane)
                 continue;
             const Argument &argument = row.arguments[i];
-            const auto was = before[i].plane().bytes();
-            const auto is = after[i].plane().bytes();
+            const auto was = before[i].surface()->bytes();
+            const auto is = plane->bytes();
             for (auto at = std::mismatch(is.begin(), is.end(), was.begin()); at.first != is.end();
                  at = std::mismatch(at.first + 1, is.end(), at.second + 1)) {
-                const tagPOINT place = after[i].plane().placeOf(static_cast<std::size_t>(at.first - is.begin()));
+                const tagPOINT place = plane->placeOf(static_cast<std::size_t>(at.first - is.begin()));
                 ASSERT_TRUE(isInside(areas, argument.name, place))
                     << argument.name << " (" << place.x << ", " << place.y << ")\n"
                     << described(before);
