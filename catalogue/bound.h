@@ -71,6 +71,7 @@ std::function<Run(Call &)> bound(Result (*function)(Parameters...)) {
         return [&]<std::size_t... index>(std::index_sequence<index...>)->Run {
             return [function, &call,
                     arguments = std::tuple<Parameters...>(detail::passed<Parameters>(call[index])...)]() mutable {
+                static_cast<void>(call); // which nothing is kept in where there is no result
                 if constexpr (std::is_void_v<Result>)
                     std::apply(function, arguments);
                 else

@@ -54,6 +54,8 @@ void add(std::uint64_t &checksum, const TexturedBlock &block) {
 }
 
 void add(std::uint64_t &checksum, const RegionBlock &block) {
+    for (const int pitch : {block.data.planePitch, block.data.destPitch, block.data.testPitch})
+        addField(checksum, pitch);
     for (const Plane *plane : {&block.plane, &block.destSurface, &block.testSurface})
         add(checksum, *plane);
 }

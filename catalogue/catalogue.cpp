@@ -160,6 +160,8 @@ bool keepsToContract(const Call &call) {
     for (std::size_t i = 0; i < call.size(); ++i)
         if (call[i].is<double>() && !call.row().arguments[i].contract.contains(call[i].number()))
             return false;
+    if (call.row().allows && !call.row().allows(call))
+        return false;
     for (const auto areas : {call.row().writes, call.row().reads}) {
         if (!areas)
             continue;

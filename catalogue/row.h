@@ -139,6 +139,9 @@ struct Row {
     Areas (*writes)(const Call &) = nullptr;
     Areas (*reads)(const Call &) = nullptr;
 
+    /// What the contract asks of the arguments together, beyond their ranges and what they write and read.
+    bool (*allows)(const Call &) = nullptr;
+
     Overlap overlap = Overlap::none;
     TopByte topByte = TopByte::noPixels;
     Sums sums = Sums::none;

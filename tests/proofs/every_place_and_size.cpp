@@ -59,7 +59,8 @@ std::vector<Value> places(const Argument &argument) {
 
 /// Surfaces of 4 x 4 that end where memory ends, with every combination of places and sizes, or 20,000 of them where
 /// there are more: wherever the call keeps to the contract, it gives what the twin gives.
-void prove(const Row &row) {
+/// \return how many calls have kept to the contract
+int tryPlaces(const Row &row, std::uint64_t seed) {
     constexpr double most = 20000;
     std::vector<std::size_t> indices;
     std::vector<std::vector<Value>> choices;
@@ -70,7 +71,7 @@ void prove(const Row &row) {
             choices.push_back(places(row.arguments[i]));
             combinations *= static_cast<double>(choices.back().size());
         }
-    Random random(1);
+    Random random(seed);
     Call base = catalogue::randomCall(row, random);
     for (std::size_t i = 0; i < base.size(); ++i) {
         const Kind kind = row.arguments[i].kind;
@@ -95,8 +96,16 @@ void prove(const Row &row) {
             continue;
         ++tried;
         if (!agree(call, "over 4 x 4 pixels"))
-            return;
+            break;
     }
+    return tried;
+}
+
+/// Where limits that stand in a private block leave all of the places out, other ones are drawn.
+void prove(const Row &row) {
+    int tried = 0;
+    for (std::uint64_t seed = 1; tried == 0 && seed <= 20; ++seed)
+        tried = tryPlaces(row, seed);
     EXPECT_GT(tried, 0) << "no call kept to the contract";
 }
 
