@@ -156,6 +156,9 @@ struct Row {
     std::vector<Scene> scenes;
     std::vector<Exception> without;
 
+    /// How many seeded cases are compared with the twin; fewer where a call takes long.
+    int cases = 20000;
+
     /// The name with the word behind it.
     std::string fullName() const;
     const Argument *argument(std::string_view name) const;

@@ -1,5 +1,4 @@
 #include "host.h"
-#include "math3d/full_width.h"
 
 #include <gtest/gtest.h>
 
@@ -8,13 +7,7 @@
 
 namespace {
 
-using test::anyFloat;
-using test::anyPoint;
-using test::callAtAnyPrecision;
-using test::Case;
-using test::forEachCase;
 using test::Host;
-using test::Real;
 
 TEST(VKD_gluPerspective, the_focal_length_follows_from_the_viewport_as_it_stands) {
     Host host;
@@ -170,120 +163,6 @@ TEST(VKD_gluLookAt, along_world_y_under_a_like_up_vector_nothing_has_a_place_on_
         EXPECT_TRUE(std::isnan(point.x));
         EXPECT_TRUE(std::isnan(point.y));
     }
-}
-
-TEST(VKD_gluPerspective, agrees_with_a_naive_tangent) {
-    forEachCase("VKD_gluPerspective", [](Case &c) {
-        Host host;
-        const int top = c.random.between(-500, 500);
-        const int bottom = c.random.between(-500, 1500);
-        const float degrees = c.random.oneIn(10) ? 0 : c.random.realBetween(-10, 200);
-        const float zNear = anyFloat(c.random);
-        const float zFar = anyFloat(c.random);
-        VKD_glViewPort(host.data, 0, top, 100, bottom);
-        const int focalLength = qmur::atFullWidth([=] {
-            const Real slope = qmur::tangent(static_cast<Real>(degrees) * 0.00872664526F);
-            const int half = (bottom - top) / 2;
-            return slope == 0 ? 32768 : static_cast<int>(half / slope);
-        });
-        callAtAnyPrecision(c, [&] { VKD_gluPerspective(host.data, degrees, 1.5F, zNear, zFar); });
-        c.expectEqual(std::int64_t{host.data->focalLength}, std::int64_t{focalLength});
-        c.expectEqual(std::int64_t{host.data->nearLimit}, std::int64_t{-static_cast<int>(zNear)});
-        c.expectEqual(std::int64_t{host.data->farLimit}, std::int64_t{-static_cast<int>(zFar)});
-    });
-}
-
-struct Vector {
-    float x;
-    float y;
-    float z;
-};
-
-/// To be used at full width.
-Real dot(const Vector &a, const Vector &b) {
-    return static_cast<Real>(a.z) * b.z + static_cast<Real>(a.y) * b.y + static_cast<Real>(a.x) * b.x;
-}
-
-Vector less(const Vector &a, Real share, const Vector &f) {
-    const Vector part = {static_cast<float>(share * f.x), static_cast<float>(share * f.y),
-                         static_cast<float>(share * f.z)};
-    return {a.x - part.x, a.y - part.y, a.z - part.z};
-}
-
-Vector over(const Vector &v, float length) {
-    return {v.x / length, v.y / length, v.z / length};
-}
-
-/// False if nothing is to happen.
-bool naiveView(const float (&v)[9], _I3DMATRIX &matrix) {
-    return qmur::atFullWidth([&v, &matrix] {
-        const Real tiny = 0.000001F;
-        const Vector E = {v[0], v[1], -v[2]};
-        const Vector C = {v[3], v[4], -v[5]};
-        const Vector U = {v[6], v[7], -v[8]};
-        Vector F = {C.x - E.x, C.y - E.y, C.z - E.z};
-        const Real distance = std::sqrt(dot(F, F));
-        if (distance <= tiny)
-            return false;
-        F = over(F, static_cast<float>(distance));
-        Vector V = less(U, dot(U, F), F);
-        Real m = std::sqrt(dot(V, V));
-        if (m < tiny) {
-            V = less({0, 1, 0}, F.y, F);
-            m = std::sqrt(dot(V, V));
-            if (m < tiny)
-                V = less({0, 0, 1}, F.z, F);
-        }
-        V = over(V, static_cast<float>(m));
-        const auto minor = [](Real a, Real b, Real c, Real d) { return static_cast<float>(a * b - c * d); };
-        const Vector R = {minor(V.y, F.z, V.z, F.y), minor(V.z, F.x, V.x, F.z), minor(V.x, F.y, V.y, F.x)};
-        const auto last = [&E](const Vector &axis) { return static_cast<float>(-dot(E, axis)); };
-        matrix = {{R.x, R.y, R.z, last(R), V.x, V.y, V.z, last(V), F.x, F.y, F.z, last(F), 0, 0, 0, 1}};
-        return true;
-    });
-}
-
-TEST(VKD_gluLookAt, agrees_with_a_naive_view) {
-    forEachCase("VKD_gluLookAt", [](Case &c) {
-        Host host;
-        float v[9];
-        for (float &value : v)
-            value = anyFloat(c.random, 5);
-        if (c.random.oneIn(8)) // an up vector along the line of sight, or nearly so
-            for (int i = 0; i < 3; ++i)
-                v[6 + i] = (v[3 + i] - v[i]) * 2;
-        if (c.random.oneIn(8)) { // nearly along world Y, so that the last resort is taken
-            v[3] = v[0] + (c.random.oneIn(2) ? 0.0000002F : 0.0F);
-            v[5] = v[2] + 0.0000001F;
-            v[4] = v[1] + 1;
-            v[6] = v[8] = 0;
-        }
-        if (c.random.oneIn(16))
-            for (int i = 0; i < 3; ++i)
-                v[3 + i] = v[i];
-        const bool finite = [&v] {
-            _I3DMATRIX view;
-            if (!naiveView(v, view))
-                return true;
-            for (const float element : view.m)
-                if (!std::isfinite(element))
-                    return false;
-            return true;
-        }();
-        if (!finite) // what becomes of infinities is looked at above
-            return;
-        _I3DMATRIX before;
-        for (float &element : before.m)
-            element = anyFloat(c.random, 4);
-        host.data->viewStack[0] = before;
-        _I3DMATRIX expected = before;
-        _I3DMATRIX view;
-        if (naiveView(v, view))
-            MatrixMultiply(expected, view, before);
-        callAtAnyPrecision(c, [&] { VKD_gluLookAt(host.data, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8]); });
-        for (int i = 0; i < 16; ++i)
-            c.expectEqual(host.data->viewStack[0].m[i], expected.m[i]);
-    });
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "support/cases.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
@@ -7,24 +7,10 @@
 
 namespace {
 
-using test::Case;
-using test::forEachCase;
 using test::Surface;
 
 void cross(Surface &dst, tagRECT clip, int x, int y, q_ulong colour) {
     VKD_3D_Draw_Cross(dst.pixels(), &clip, static_cast<q_ulong>(dst.pitch()), x, y, colour);
-}
-
-void naiveCross(Surface &dst, const tagRECT &clip, int x, int y, q_ulong colour) {
-    if (x < clip.left + 3 || x > clip.right - 4 || y < clip.top + 3 || y > clip.bottom - 4)
-        return;
-    const q_ulong d = dst.at(x, y);
-    q_ulong sum = 0;
-    for (const int shift : {0, 8, 16})
-        sum |= std::min<q_ulong>((d >> shift & 255) + (colour >> shift & 255), 255) << shift;
-    constexpr int shape[8][2] = {{0, -2}, {0, -1}, {-2, 0}, {-1, 0}, {0, 0}, {1, 0}, {0, 1}, {0, 2}};
-    for (const auto &offset : shape)
-        dst.at(x + offset[0], y + offset[1]) = sum;
 }
 
 TEST(VKD_3D_Draw_Cross, has_eight_pixels_and_a_shorter_right_arm) {
@@ -39,14 +25,6 @@ TEST(VKD_3D_Draw_Cross, has_eight_pixels_and_a_shorter_right_arm) {
 
 TEST(VKD_3D_Draw_Cross, near_the_border_it_vanishes_whole) {
     const tagRECT clip = {1, 2, 12, 14};
-    for (int y = -2; y < 18; ++y)
-        for (int x = -2; x < 18; ++x) {
-            Surface dst(16, 16);
-            cross(dst, clip, x, y, 7);
-            Surface expected(16, 16);
-            naiveCross(expected, clip, x, y, 7);
-            ASSERT_EQ(dst.differenceFrom(expected), "") << x << ", " << y;
-        }
     Surface dst(16, 16);
     cross(dst, clip, 3, 8, 7); // clip left + 2
     EXPECT_EQ(dst.differenceFrom(Surface(16, 16)), "");
@@ -100,41 +78,6 @@ TEST(VKD_Render_3D_Dot_Add, no_rows_or_columns_draw_nothing) {
         VKD_Render_3D_Dot_Add(dst.pixels(), &clip, static_cast<q_ulong>(dst.pitch()), &point, &colour, columns, rows);
         EXPECT_EQ(dst.differenceFrom(Surface(12, 12)), "");
     }
-}
-
-TEST(VKD_3D_Draw_Cross, agrees_with_a_naive_cross) {
-    forEachCase("VKD_3D_Draw_Cross", [](Case &c) {
-        Surface dst = Surface::random(c.random, 14);
-        const tagRECT clip = c.random.rectInsideOrEmpty(dst.width(), dst.height());
-        const int x = c.random.oneIn(20) ? static_cast<int>(c.random.word()) : c.random.between(-2, 16);
-        const int y = c.random.between(-2, 16);
-        const q_ulong colour = c.random.pixel();
-        Surface expected = dst;
-        naiveCross(expected, clip, x, y, colour);
-        cross(dst, clip, x, y, colour);
-        c.expectEqual(dst, expected);
-    });
-}
-
-TEST(VKD_Render_3D_Dot_Add, agrees_with_naive_crosses) {
-    forEachCase("VKD_Render_3D_Dot_Add", [](Case &c) {
-        Surface dst = Surface::random(c.random, 20);
-        tagRECT clip = dst.rect();
-        const int columns = c.random.between(1, 4);
-        const int rows = c.random.between(1, 4);
-        std::vector<_POINT3DFLOAT> points;
-        std::vector<q_ulong> colours;
-        Surface expected = dst;
-        for (int i = 0; i < columns * rows; ++i) {
-            points.push_back({c.random.realBetween(-3, 20), c.random.realBetween(-3, 20), 0, 0});
-            colours.push_back(c.random.pixel());
-            naiveCross(expected, clip, static_cast<int>(points.back().x), static_cast<int>(points.back().y),
-                       colours.back());
-        }
-        VKD_Render_3D_Dot_Add(dst.pixels(), &clip, static_cast<q_ulong>(dst.pitch()), points.data(), colours.data(),
-                              columns, rows);
-        c.expectEqual(dst, expected);
-    });
 }
 
 } // namespace

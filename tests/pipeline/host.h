@@ -29,6 +29,9 @@ struct Host {
     Host &operator=(const Host &) = delete;
 };
 
+/// What a band or a triangle does to a pixel.
+enum class Way { draw, blend, mix, add };
+
 /// A picture with a Z plane of the same shape, margins included. Each depth stands, sign-extended, in one word of
 /// `depths`, so that two planes compare like two pictures.
 class Canvas {
@@ -64,20 +67,6 @@ public:
 private:
     Host host;
 };
-
-/// Depths of the same shape as a picture: empty, near, or anything.
-inline Surface randomDepths(Random &random, const Surface &shape) {
-    Surface depths = shape;
-    for (int y = -Surface::margin; y < shape.height() + Surface::margin; ++y)
-        for (int x = -Surface::margin; x < shape.pitch() - Surface::margin; ++x) {
-            const int kind = random.between(0, 3);
-            const int depth = kind == 0   ? 0x7FFF
-                              : kind == 1 ? static_cast<short>(random.word())
-                                          : random.between(0, 300);
-            depths.at(x, y) = static_cast<q_ulong>(depth);
-        }
-    return depths;
-}
 
 } // namespace test
 

@@ -1,15 +1,11 @@
 #include "host.h"
-#include "math3d/full_width.h"
 #include "mesh.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using test::callAtAnyPrecision;
 using test::Canvas;
-using test::Case;
-using test::forEachCase;
 using test::Mesh;
 
 /// Lights the colours in place; what is drawn does not matter here.
@@ -179,18 +175,6 @@ TEST(VKD_Render_3D_Surface, a_cell_without_area_has_ambient_light_alone) {
     EXPECT_EQ(mesh.colours[0], 0x402010u);
 }
 
-TEST(VKD_Render_3D_Surface, wrap_flags_do_not_change_the_light) {
-    test::Random random(9);
-    const Mesh plain = test::randomMesh(random, 6, 10);
-    for (int flags = 0; flags < 4; ++flags) {
-        Mesh mesh = plain;
-        mesh.wrapRows = flags & 1;
-        mesh.wrapColumns = flags >> 1;
-        light(mesh);
-        EXPECT_EQ(mesh.colours, plain.litNaively());
-    }
-}
-
 TEST(VKD_Render_3D_Surface, a_grid_smaller_than_2_by_2_is_left_alone) {
     for (const auto &[columns, rows] : {std::pair(1, 5), std::pair(5, 1), std::pair(0, 0), std::pair(-1, 4)}) {
         Mesh mesh(3, 3);
@@ -200,19 +184,6 @@ TEST(VKD_Render_3D_Surface, a_grid_smaller_than_2_by_2_is_left_alone) {
         light(mesh);
         EXPECT_EQ(mesh.colours[0], 0x804020u);
     }
-}
-
-TEST(VKD_Render_3D_Surface, light_agrees_with_a_naive_light) {
-    forEachCase(
-        "VKD_Render_3D_Surface light",
-        [](Case &c) {
-            Mesh mesh = test::randomMesh(c.random, 5, 10);
-            const std::vector<q_ulong> expected = mesh.litNaively();
-            callAtAnyPrecision(c, [&mesh] { light(mesh); });
-            for (std::size_t i = 0; i < expected.size(); ++i)
-                c.expectEqual(std::int64_t{mesh.colours[i]}, std::int64_t{expected[i]});
-        },
-        5000);
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "host.h"
-#include "support/cases.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +9,6 @@
 
 namespace {
 
-using test::Case;
-using test::forEachCase;
 using test::Host;
 
 std::uintptr_t addressOf(const void *pointer) {
@@ -150,30 +147,6 @@ TEST(VKD_ResetZBuffer, an_odd_origin_is_no_obstacle) {
     VKD_ResetZBuffer(host.data, &rect, 8);
     for (int i = 0; i < 20; ++i)
         EXPECT_EQ(host.data->zPlane[i] == 0x7FFF, i == 3 || i == 4 || i == 11 || i == 12) << i;
-}
-
-TEST(VKD_ResetZBuffer, agrees_with_writing_word_after_word) {
-    forEachCase(
-        "VKD_ResetZBuffer",
-        [](Case &c) {
-            Plane plane;
-            const int pitch = c.random.between(-12, 12);
-            const tagRECT rect = {c.random.between(-4, 8), c.random.between(-3, 6), c.random.between(8, 12),
-                                  c.random.between(6, 9)};
-            std::vector<int> expected(Plane::elements, 1);
-            const auto halved = [](q_long value) { return (value - (value % 2 + 2) % 2) / 2; };
-            for (q_long y = 0; y < rect.bottom - rect.top; ++y)
-                for (q_long word = 0; word < halved(rect.right - rect.left); ++word) {
-                    const q_long pair = halved(rect.top * pitch + rect.left) + y * halved(pitch) + word;
-                    expected[static_cast<std::size_t>(Plane::origin + 2 * pair)] = 0x7FFF;
-                    expected[static_cast<std::size_t>(Plane::origin + 2 * pair + 1)] = 0x7FFF;
-                }
-            plane.reset(rect, pitch);
-            for (int i = 0; i < Plane::elements; ++i)
-                c.expectEqual(static_cast<std::int64_t>(plane.host.data->zPlane[i]),
-                              static_cast<std::int64_t>(expected[static_cast<std::size_t>(i)]));
-        },
-        5000);
 }
 
 } // namespace

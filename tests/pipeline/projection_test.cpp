@@ -1,5 +1,4 @@
 #include "host.h"
-#include "math3d/full_width.h"
 
 #include <gtest/gtest.h>
 
@@ -7,13 +6,7 @@
 
 namespace {
 
-using test::anyFloat;
-using test::anyPoint;
-using test::callAtAnyPrecision;
-using test::Case;
-using test::forEachCase;
 using test::Host;
-using test::Real;
 
 _POINT3DFLOAT mapped(Host &host, _POINT3DFLOAT p) {
     VKD_Mapping3Dto2D(host.data, &p, 1, 1);
@@ -101,54 +94,6 @@ TEST(VKD_Mapping3Dto2D, rows_come_before_columns_and_none_are_no_points) {
     for (const auto &[rows, columns] : {std::pair(0, 5), std::pair(-1, 5), std::pair(5, 0), std::pair(5, -1)})
         VKD_Mapping3Dto2D(camera.data, points.data() + 6, rows, columns);
     EXPECT_EQ(points[6].x, 1);
-}
-
-TEST(VKD_Mapping3Dto2D, agrees_with_a_naive_projection) {
-    forEachCase("VKD_Mapping3Dto2D", [](Case &c) {
-        Host host;
-        _PRIVATE_QMGL_DATA &data = *host.data;
-        for (float &element : data.modelStack[0].m)
-            element = anyFloat(c.random, 4);
-        for (float &element : data.viewStack[0].m)
-            element = anyFloat(c.random, 4);
-        int viewport[4];
-        for (int &side : viewport)
-            side = c.random.between(-999, 999);
-        VKD_glViewPort(&data, viewport[0], viewport[1], viewport[2], viewport[3]);
-        data.focalLength = c.random.between(-100, 1000);
-        _I3DMATRIX combined;
-        MatrixMultiply(combined, data.viewStack[0], data.modelStack[0]);
-        const int rows = c.random.between(1, 2);
-        const int columns = c.random.between(1, 3);
-        std::vector<_POINT3DFLOAT> points(static_cast<std::size_t>(rows * columns));
-        for (_POINT3DFLOAT &point : points)
-            point = anyPoint(c.random);
-        std::vector<_POINT3DFLOAT> expected = points;
-        qmur::atFullWidth([&] {
-            const auto m = [&combined](int row, int column) -> Real { return combined.m[row * 4 + column]; };
-            const Real f = data.focalLength;
-            const float cx = static_cast<float>(data.viewportLeft + data.viewportRight) / 2;
-            const float cy = static_cast<float>(data.viewportTop + data.viewportBottom) / 2;
-            for (_POINT3DFLOAT &p : expected) {
-                const Real x = p.x;
-                const Real y = p.y;
-                const Real z = p.z;
-                const float X = static_cast<float>(((z * m(0, 2) + x * m(0, 0)) + y * m(0, 1)) + m(0, 3));
-                const float Y = static_cast<float>(((y * m(1, 1) + x * m(1, 0)) + z * m(1, 2)) + m(1, 3));
-                const Real Z = ((z * m(2, 2) + y * m(2, 1)) + x * m(2, 0)) + m(2, 3);
-                Real D = f + Z;
-                if (!(D > 1.0L))
-                    D = 1.0L;
-                const Real s = f / D;
-                p.x = static_cast<float>(X * s + cx);
-                p.y = static_cast<float>(Y * s + cy);
-                p.z = static_cast<float>(Z);
-            }
-        });
-        callAtAnyPrecision(c, [&] { VKD_Mapping3Dto2D(&data, points.data(), rows, columns); });
-        for (std::size_t i = 0; i < points.size(); ++i)
-            test::expectEqualPoints(c, points[i], expected[i]);
-    });
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "host.h"
-#include "naive.h"
-#include "support/cases.h"
+#include "plain/bands.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +8,8 @@
 
 namespace {
 
-using test::Band;
+using plain::Band;
 using test::Canvas;
-using test::Case;
-using test::forEachCase;
 using test::Surface;
 using test::Way;
 
@@ -85,24 +82,6 @@ TEST(VKD_3D_Render, the_width_is_that_of_the_fixed_point_edges_not_of_the_column
     render(narrow, {0, 1, 8, 2}, {{0, 9, 0, 11}, {0, 10, 0, 10}, {50, 50, 200, 200}, {}, {}, {}}, Way::draw);
     EXPECT_EQ(narrow.picture.at(0, 1), 50u << 16);
     EXPECT_EQ(narrow.depth(1, 1), 0x7FFF);
-}
-
-TEST(VKD_3D_Render, a_clipped_band_has_the_values_it_would_have_had_there) {
-    const Band band = {{-6, -6, 14, 14},   {-5, 9, -3, 11},  {255, 0, 0, 255},
-                       {0, 100, 200, 250}, {17, 3, 99, 200}, {-300, 900, 40, 2000}};
-    for (const Way way : allWays) {
-        Canvas whole(8, 8);
-        render(whole, {-8, -8, 16, 16}, band, way, 77);
-        for (int top = 0; top <= 8; ++top)
-            for (int left = 0; left <= 8; ++left) {
-                Canvas parts(8, 8);
-                for (const tagRECT clip : {tagRECT{-8, -8, left, top}, tagRECT{left, -8, 16, top},
-                                           tagRECT{-8, top, left, 16}, tagRECT{left, top, 16, 16}})
-                    render(parts, clip, band, way, 77);
-                ASSERT_EQ(parts.picture.differenceFrom(whole.picture), "");
-                ASSERT_EQ(parts.depths().differenceFrom(whole.depths()), "");
-            }
-    }
 }
 
 TEST(VKD_3D_Render, of_equal_depths_the_first_drawn_stays) {
@@ -240,8 +219,7 @@ TEST(VKD_3D_Render_Add, columns_beyond_8191_wrap_and_those_of_the_others_do_not)
 TEST(VKD_3D_Render, the_least_number_over_minus_1_wraps) {
     constexpr int beyond = 524288; // the least int with 12 fraction bits
     // A height of -1 modulo 2^32, and a width of -1 modulo 2^20.
-    const Band tall = {{0, 0, 4, 4},      {INT_MIN, INT_MAX, 0, 4}, {beyond, 0, 7, 7},
-                       {beyond, 0, 7, 7}, {0, beyond, 9, 9},        {}};
+    const Band tall = {{0, 0, 4, 4}, {INT_MIN, INT_MAX, 0, 4}, {beyond, 0, 7, 7}, {9, 5, 7, 7}, {0, beyond, 9, 9}, {}};
     const Band wide = {{-beyond, -beyond, beyond - 1, beyond - 1},
                        {0, 4, 0, 4},
                        {0, 0, beyond, beyond},
@@ -251,13 +229,21 @@ TEST(VKD_3D_Render, the_least_number_over_minus_1_wraps) {
     for (const Band &band : {tall, wide})
         for (const Way way : allWays) {
             Canvas canvas(4, 4);
-            canvas.data->nearLimit = INT_MIN;
-            Surface expected(4, 4);
-            Surface expectedDepths = canvas.depths();
-            naiveBand(expected, expectedDepths, expected.rect(), band, INT_MIN, way, 3);
-            render(canvas, canvas.picture.rect(), band, way, 3);
-            EXPECT_EQ(canvas.picture.differenceFrom(expected), "");
-            EXPECT_EQ(canvas.depths().differenceFrom(expectedDepths), "");
+            Canvas expected(4, 4);
+            canvas.data->nearLimit = expected.data->nearLimit = INT_MIN;
+            const tagRECT clip = canvas.picture.rect();
+            const plain::Pixels dst = {expected.picture.pixels(), expected.picture.pitch()};
+            if (way == Way::draw)
+                plain::drawBand(*expected.data, dst, clip, band);
+            else if (way == Way::blend)
+                plain::blendBand(*expected.data, dst, clip, band, 3);
+            else if (way == Way::mix)
+                plain::mixBand(*expected.data, dst, clip, band);
+            else
+                plain::addBand(dst, clip, band);
+            render(canvas, clip, band, way, 3);
+            EXPECT_EQ(canvas.picture.differenceFrom(expected.picture), "");
+            EXPECT_EQ(canvas.depths().differenceFrom(expected.depths()), "");
         }
 }
 
@@ -276,58 +262,6 @@ TEST(VKD_3D_Render, pictures_stored_bottom_up_have_a_negative_pitch) {
             EXPECT_EQ(canvas.picture.at(x, y), expected.picture.at(x, 1 - y));
             EXPECT_EQ(canvas.depth(x, y), expected.depth(x, 1 - y));
         }
-}
-
-/// Mostly numbers that make sense on a small surface; at times anything.
-test::Ends anyEnds(test::Random &random, int low, int high, bool wild) {
-    const auto value = [&] { return wild ? static_cast<int>(random.word()) : random.between(low, high); };
-    const int a0 = value();
-    const int a1 = random.oneIn(4) ? a0 : value();
-    const int b0 = random.oneIn(4) ? a0 : value();
-    return {a0, a1, b0, value()};
-}
-
-void checkBands(const char *name, Way way) {
-    forEachCase(name, [way](Case &c) {
-        Surface start = Surface::random(c.random, 10);
-        const Surface depths = test::randomDepths(c.random, start);
-        const tagRECT clip = c.random.rectInsideOrEmpty(start.width(), start.height());
-        const bool wild = c.random.oneIn(20);
-        const int reach = c.random.oneIn(4) ? 2000 : 15;
-        const Band band = {anyEnds(c.random, -reach, reach, wild),
-                           anyEnds(c.random, -5, 15, c.random.oneIn(40)),
-                           anyEnds(c.random, 0, 255, wild),
-                           anyEnds(c.random, 0, 255, wild),
-                           anyEnds(c.random, c.random.oneIn(4) ? -300 : 0, 255, wild),
-                           anyEnds(c.random, -100, c.random.oneIn(4) ? 40000 : 400, wild)};
-        const int opacity = c.random.oneIn(4) ? 128 : c.random.between(0, 256);
-        const int nearLimit = c.random.between(-100, 100);
-
-        Canvas canvas(start, depths);
-        canvas.data->nearLimit = nearLimit;
-        Surface expected = start;
-        Surface expectedDepths = depths;
-        naiveBand(expected, expectedDepths, clip, band, nearLimit, way, opacity);
-        render(canvas, clip, band, way, opacity);
-        c.expectEqual(canvas.picture, expected);
-        c.expectEqual(canvas.depths(), expectedDepths);
-    });
-}
-
-TEST(VKD_3D_Render, agrees_with_a_naive_band) {
-    checkBands("VKD_3D_Render", Way::draw);
-}
-
-TEST(VKD_3D_Render, with_opacity_agrees_with_a_naive_band) {
-    checkBands("VKD_3D_Render opacity", Way::blend);
-}
-
-TEST(VKD_3D_Render_Alpha, agrees_with_a_naive_band) {
-    checkBands("VKD_3D_Render_Alpha", Way::mix);
-}
-
-TEST(VKD_3D_Render_Add, agrees_with_a_naive_band) {
-    checkBands("VKD_3D_Render_Add", Way::add);
 }
 
 } // namespace

@@ -1,16 +1,9 @@
 #include "host.h"
-#include "math3d/full_width.h"
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 namespace {
 
-using test::anyFloat;
-using test::callAtAnyPrecision;
-using test::Case;
-using test::forEachCase;
 using test::Host;
 
 /// Where the current matrix of the model stack takes a point.
@@ -139,73 +132,6 @@ TEST(VKD_glScalef, operations_leave_their_matrix_in_the_work_matrix) {
     const float given[16] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
     glMultMatrixf(host.data, given);
     EXPECT_EQ(host.data->workMatrix.m[15], 16);
-}
-
-/// Checks one kind of call: it must act as a product from the left on whichever stack is current.
-template <class Operate, class Expect>
-void checkOperation(const char *name, Operate operate, Expect operationMatrix) {
-    forEachCase(
-        name,
-        [&](Case &c) {
-            Host host;
-            const bool model = c.random.oneIn(2);
-            VKD_glMatrixMode(host.data, model ? 1 : 0);
-            _I3DMATRIX before;
-            for (float &element : before.m)
-                element = anyFloat(c.random);
-            glLoadMatrixf(host.data, before.m);
-            float arguments[16];
-            for (float &argument : arguments)
-                argument = anyFloat(c.random);
-            _I3DMATRIX operation = operationMatrix(arguments);
-            _I3DMATRIX expected;
-            MatrixMultiply(expected, operation, before);
-            callAtAnyPrecision(c, [&] { operate(host.data, arguments); });
-            const _I3DMATRIX &result = (model ? host.data->modelStack : host.data->viewStack)[0];
-            for (int i = 0; i < 16; ++i)
-                c.expectEqual(result.m[i], expected.m[i]);
-        },
-        5000);
-}
-
-TEST(VKD_glTranslatef, agrees_with_a_product) {
-    checkOperation(
-        "VKD_glTranslatef", [](_PRIVATE_QMGL_DATA *data, const float *a) { VKD_glTranslatef(data, a[0], a[1], a[2]); },
-        [](const float *a) {
-            return _I3DMATRIX{{1, 0, 0, a[0], 0, 1, 0, a[1], 0, 0, 1, a[2], 0, 0, 0, 1}};
-        });
-}
-
-TEST(VKD_glScalef, agrees_with_a_product) {
-    checkOperation(
-        "VKD_glScalef", [](_PRIVATE_QMGL_DATA *data, const float *a) { VKD_glScalef(data, a[0], a[1], a[2]); },
-        [](const float *a) {
-            return _I3DMATRIX{{a[0], 0, 0, 0, 0, a[1], 0, 0, 0, 0, a[2], 0, 0, 0, 0, 1}};
-        });
-}
-
-TEST(VKD_glRotatef, agrees_with_a_product) {
-    checkOperation(
-        "VKD_glRotatef",
-        [](_PRIVATE_QMGL_DATA *data, const float *a) { VKD_glRotatef(data, a[0] == 0 ? 1 : a[0], a[1], a[2], a[3]); },
-        [](const float *a) {
-            _I3DMATRIX rotation;
-            _I3DVECTOR axis = {a[1], a[2], a[3], 0};
-            const float degrees = a[0] == 0 ? 1 : a[0];
-            SetRotationMatrix(rotation, axis, degrees * 0.0174532905F);
-            return rotation;
-        });
-}
-
-TEST(glMultMatrixf, agrees_with_a_product) {
-    checkOperation(
-        "glMultMatrixf", [](_PRIVATE_QMGL_DATA *data, const float *a) { glMultMatrixf(data, a); },
-        [](const float *a) {
-            _I3DMATRIX matrix;
-            for (int i = 0; i < 16; ++i)
-                matrix.m[i] = a[i];
-            return matrix;
-        });
 }
 
 } // namespace
