@@ -1,7 +1,7 @@
 // BMP by the header-only reader, in every build.
 
-#include "failure.h"
-#include "numbers.h"
+#include "../failure.h"
+#include "../numbers.h"
 #include "plain_reader.h"
 
 namespace show {

@@ -3,8 +3,8 @@
 #ifndef QMUR_SHOW_DECODER_H
 #define QMUR_SHOW_DECODER_H
 
-#include "exif.h"
-#include "surface.h"
+#include "../exif.h"
+#include "../surface.h"
 
 namespace show {
 

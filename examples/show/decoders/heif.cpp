@@ -1,8 +1,8 @@
 // HEIC, and what else libheif reads.
 
+#include "../failure.h"
+#include "../numbers.h"
 #include "decoder.h"
-#include "failure.h"
-#include "numbers.h"
 
 #include <memory>
 #include <new>

@@ -1,7 +1,7 @@
 #include "jpeg_file.h"
 
-#include "failure.h"
-#include "numbers.h"
+#include "../failure.h"
+#include "../numbers.h"
 
 #include <array>
 

@@ -1,6 +1,6 @@
 // JPEG by libjpeg, in the version of libjpeg-turbo where that is the system's.
 
-#include "failure.h"
+#include "../failure.h"
 #include "jpeg_file.h"
 
 #include <csetjmp>

@@ -1,6 +1,6 @@
 #include "plain_reader.h"
 
-#include "failure.h"
+#include "../failure.h"
 
 #include <cstring>
 #include <limits>

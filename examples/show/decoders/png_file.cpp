@@ -1,7 +1,7 @@
 #include "png_file.h"
 
-#include "failure.h"
-#include "numbers.h"
+#include "../failure.h"
+#include "../numbers.h"
 
 namespace show {
 

@@ -1,6 +1,6 @@
 // PNG by libpng.
 
-#include "failure.h"
+#include "../failure.h"
 #include "png_file.h"
 
 #include <bit>

@@ -1,8 +1,8 @@
 // WebP by libwebp.
 
+#include "../failure.h"
+#include "../numbers.h"
 #include "decoder.h"
-#include "failure.h"
-#include "numbers.h"
 
 #include <bit>
 #include <new>
