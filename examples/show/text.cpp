@@ -12,23 +12,43 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+/// The length of the letter that begins here, in UTF-8; 0 if none does.
+std::size_t letterAt(std::string_view text, std::size_t place) {
+    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned first = byteAt(place);
+    const std::size_t length = first < 0x80   ? 1
+                               : first < 0xC2 ? 0
+                               : first < 0xE0 ? 2
+                               : first < 0xF0 ? 3
+                               : first < 0xF5 ? 4
+                                              : 0;
+    if (length > text.size() - place)
+        return 0;
+    for (std::size_t i = 1; i < length; ++i)
+        if ((byteAt(place + i) & 0xC0) != 0x80)
+            return 0;
+    return length;
+}
+
 } // namespace
 
 std::string printable(std::string_view text) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string result;
-    for (const char c : text) {
-        const auto code = static_cast<unsigned char>(c);
-        if (c == '\n')
+    for (std::size_t i = 0; i < text.size();) {
+        const auto code = static_cast<unsigned char>(text[i]);
+        const std::size_t length = letterAt(text, i);
+        if (code == '\n')
             result += "\\n";
-        else if (c == '\r')
+        else if (code == '\r')
             result += "\\r";
-        else if (c == '\t')
+        else if (code == '\t')
             result += "\\t";
-        else if (code < 0x20 || code == 0x7F)
+        else if (length == 0 || code < 0x20 || code == 0x7F)
             (((result += "\\x") += digits[code >> 4]) += digits[code & 15]);
         else
-            result += c;
+            result += text.substr(i, length);
+        i += std::max<std::size_t>(length, 1);
     }
     return result;
 }

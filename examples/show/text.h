@@ -10,7 +10,7 @@
 
 namespace show {
 
-/// The text with line breaks and other control characters written as \n, \x1B and the like.
+/// The text with line breaks, other control characters and bytes that are no UTF-8 written as \n, \x1B and the like.
 std::string printable(std::string_view text);
 
 std::string utf8(const std::filesystem::path &path);

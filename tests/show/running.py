@@ -88,7 +88,8 @@ def read_options(**flags):
         parser.add_argument(f"--{name}", action="store_true", help=description)
     parser.add_argument("names", nargs="*", help="run the tests whose names contain one of these")
     options = parser.parse_args()
-    program, emulator, photos = options.program, options.emulator, options.photos
+    program, photos = options.program, options.photos
+    emulator = options.emulator and Path(options.emulator).resolve()
     return options
 
 

@@ -159,7 +159,7 @@ class FullDisk(ShowTest):
         self.assertLess(enough, 26)
 
     def test_a_contact_sheet(self):
-        for kilobytes, fits in ((8, False), (100, False), (2000, True)):
+        for kilobytes, fits in ((8, False), (100, False), (8000, True)):
             status, errors, left = self.on_disk_of(kilobytes, *four_photos(), "--size", "320x180", "--fps", 2, "--effects",
                                                    "pan", "-o", "old.png")
             self.assertEqual(status, 0 if fits else 2, errors)
