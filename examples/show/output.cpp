@@ -28,7 +28,7 @@ bool isSequence(const std::filesystem::path &target) {
 std::string identityOf(const std::filesystem::path &path) {
     std::error_code error;
 #ifdef _WIN32
-    std::string name = utf8(std::filesystem::weakly_canonical(path, error));
+    std::string name = utf8(std::filesystem::weakly_canonical(std::filesystem::absolute(path, error), error));
     std::transform(name.begin(), name.end(), name.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     return name;

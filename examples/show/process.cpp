@@ -139,7 +139,7 @@ struct Process::State {
     Listening output;
     Listening errors;
 
-    bool hasEnded(DWORD milliseconds) const { return WaitForSingleObject(process, milliseconds) == WAIT_OBJECT_0; }
+    bool hasEnded(DWORD milliseconds) const { return WaitForSingleObject(process, milliseconds) != WAIT_TIMEOUT; }
     void kill() const {
         TerminateProcess(process, 1);
         hasEnded(INFINITE);

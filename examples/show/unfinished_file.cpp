@@ -112,6 +112,9 @@ void UnfinishedFile::fail(const std::string &reason) const {
 UnfinishedFile::UnfinishedFile(const std::filesystem::path &finalTarget, const std::filesystem::path &output)
     : named(finalTarget) {
     target = endOfLinks(finalTarget);
+    constexpr std::size_t longestName = 255; // of every file system there is
+    if (target.filename().native().size() > longestName)
+        fail("its name is too long");
     std::error_code error;
     const auto status = std::filesystem::status(target, error);
     if (status.type() == std::filesystem::file_type::none)

@@ -11,6 +11,7 @@ from pathlib import Path
 program = None
 emulator = None
 photos = None
+tools = None  # where a stand-in for ffmpeg is, for builds that the real one cannot be had for
 
 
 def command(*arguments):
@@ -79,16 +80,17 @@ class ShowTest(unittest.TestCase):
 
 def read_options(**flags):
     """Reads the command line; a flag is given as name="what it does"."""
-    global program, emulator, photos
+    global program, emulator, photos, tools
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", type=lambda text: Path(text).resolve(), required=True)
     parser.add_argument("--photos", type=lambda text: Path(text).resolve(), required=True)
     parser.add_argument("--emulator", default="")
+    parser.add_argument("--tools", type=lambda text: Path(text).resolve())
     for name, description in flags.items():
         parser.add_argument(f"--{name}", action="store_true", help=description)
     parser.add_argument("names", nargs="*", help="run the tests whose names contain one of these")
     options = parser.parse_args()
-    program, photos = options.program, options.photos
+    program, photos, tools = options.program, options.photos, options.tools
     emulator = options.emulator and Path(options.emulator).resolve()
     return options
 
