@@ -101,8 +101,10 @@ void readAll(std::vector<Candidate> &candidates, const PhotoReading &reading) {
             }
         });
         constexpr double fast = 1;
+        constexpr std::size_t few = 20;
         Progress progress("photograph", static_cast<int>(candidates.size()));
-        progress.waitBeforeSaying(fast);
+        if (candidates.size() < few)
+            progress.waitBeforeSaying(fast);
         try {
             for (std::size_t seen = 0; seen < candidates.size(); ++seen) {
                 std::unique_lock lock(mutex);

@@ -159,6 +159,13 @@ class Inputs(ShowTest):
         self.assertEqual((result.returncode, result.stderr.splitlines()[-1]),
                          (2, "qmur-show: no photograph is left to show"))
 
+    def test_reading_many_photographs_shows_how_far_it_has_come(self):
+        (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3))))
+        for threads in (1, 4):
+            result = self.show(*["a.png"] * 20, *STILL, "--threads", threads, "--last", 0, "-o", "out.png")
+            self.assertEqual([line.split(",")[0] for line in result.stderr.splitlines() if line.startswith("photo")],
+                             [f"photograph {n} of 20" for n in (5, 10, 15, 20)])
+
     def test_a_folder_stands_in_the_order_in_which_it_was_taken(self):
         folder = self.directory / "holiday"
         folder.mkdir()
