@@ -265,8 +265,10 @@ class CommandLine(ShowTest):
     def test_more_frames_than_can_be_counted(self):
         (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3), 1, 1)))
         (self.directory / "list.txt").write_text("600 a.png\n" * 70)
-        self.assert_refused(["--playlist", "list.txt", "--fps", 240, "--effects", "pan", "-o", "s.png"],
-                            "the show would have more than 9999999 frames")
+        result = self.run_program("--playlist", "list.txt", "--fps", 240, "--effects", "pan", "-o", "s.png")
+        self.assertEqual((result.returncode, result.stderr.splitlines()[-1]),
+                         (2, "qmur-show: the show would have more than 9999999 frames"))
+        self.assertFalse((self.directory / "s.png").exists())
 
     def test_options_that_are_not_as_they_should_be(self):
         for arguments, reason in ((["--size"], "--size lacks its value"), (["--fps", "--seed", "1"], "--fps lacks"),

@@ -256,8 +256,8 @@ class Refusals(ShowTest):
         (self.directory / "folder").mkdir()
         huge = struct.pack(">IIBBBBB", 1 << 20, 1 << 20, 8, 2, 0, 0, 0)
         (self.directory / "huge.png").write_bytes(png_bytes(Picture(1, 1, [(1, 2, 3)]))[:16] + huge)
-        for name, reason in (("missing.jpg", "cannot read 'missing.jpg'"), ("text.jpg", "it is no JPEG, PNG, BMP"),
-                             ("empty.png", "it is no JPEG, PNG, BMP"), ("cut.png", "the PNG picture is cut off"),
+        for name, reason in (("missing.jpg", "cannot read 'missing.jpg'"), ("text.jpg", "it is no JPEG, PNG"),
+                             ("empty.png", "it is no JPEG, PNG"), ("cut.png", "the PNG picture is cut off"),
                              ("folder", "there are no pictures in this folder"),
                              ("huge.png", "the PNG picture is cut off")):
             self.assert_refused([four_photos()[0], name, "-o", "out.png"], reason)
