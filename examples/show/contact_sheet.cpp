@@ -2,6 +2,7 @@
 
 #include "image_file.h"
 #include "picture.h"
+#include "text.h"
 
 #include <algorithm>
 
@@ -28,8 +29,9 @@ std::vector<int> evenlySpaced(FrameRange frames) {
 
 } // namespace
 
-ContactSheet::ContactSheet(const std::filesystem::path &target, int frameWidth, int frameHeight, FrameRange frames)
-    : file(target), chosen(evenlySpaced(frames)), columns(std::min(mostColumns, static_cast<int>(chosen.size()))) {
+ContactSheet::ContactSheet(const std::filesystem::path &sheetTarget, int frameWidth, int frameHeight, FrameRange frames)
+    : target(sheetTarget), file(target, target), chosen(evenlySpaced(frames)),
+      columns(std::min(mostColumns, static_cast<int>(chosen.size()))) {
     const double share = std::min(
         {1.0, static_cast<double>(widestPicture) / frameWidth, static_cast<double>(highestPicture) / frameHeight});
     pictureWidth = std::max(static_cast<int>(frameWidth * share), 1);
@@ -62,9 +64,10 @@ void ContactSheet::write(int, const EncodedFrame &encoded) {
     ++placed;
 }
 
-void ContactSheet::finish() {
+std::string ContactSheet::finish() {
     file.write(encodePng(sheet.surface()));
     file.finish();
+    return quoted(target);
 }
 
 } // namespace show

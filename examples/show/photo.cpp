@@ -29,9 +29,9 @@ View placedView(const Surface &photo, const View &largest, double zoom, double p
 
 } // namespace
 
-Canvas loadPhoto(const std::filesystem::path &path, int frameWidth, int frameHeight) {
+Canvas loadPhoto(const std::filesystem::path &path, int frameWidth, int frameHeight, int mostMegapixels) {
     constexpr int mostDoublings = 2;
-    Canvas photo = readImage(path);
+    Canvas photo = readImage(path, mostMegapixels).picture;
     const auto shownWidth = [&] { return largestView(photo.surface(), frameWidth, frameHeight).width; };
     while (shownWidth() >= 2.0 * frameWidth)
         photo = halved(photo.surface());

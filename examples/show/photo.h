@@ -12,7 +12,7 @@ namespace show {
 
 /// Reads a photograph and brings it near the size at which a frame shows it, so that neither moiré nor blocks appear.
 /// Its margin repeats its edges. Throws Failure.
-Canvas loadPhoto(const std::filesystem::path &path, int frameWidth, int frameHeight);
+Canvas loadPhoto(const std::filesystem::path &path, int frameWidth, int frameHeight, int mostMegapixels);
 
 /// The camera's way over a photograph, from one view of the frame's proportions to another.
 struct Camera {

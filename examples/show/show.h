@@ -4,9 +4,12 @@
 #define QMUR_SHOW_SHOW_H
 
 #include "effects/list.h"
+#include "frame_rate.h"
+#include "image_file.h"
+#include "photo_list.h"
+#include "photo_shelf.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
@@ -16,41 +19,49 @@ namespace show {
 struct ShowSettings {
     int width = 1280;
     int height = 720;
-    int framesPerSecond = 30;
+    FrameRate rate;
     double secondsPerPhoto = 4.5;
     std::uint64_t seed = 1;
-    std::vector<std::filesystem::path> photos;
+    std::vector<ShownPhoto> photos;
+    int mostMegapixels = usualMegapixels;
     std::vector<std::string> effects;
 };
 
 /// The effects of a show that nobody chose effects for.
 std::vector<std::string> defaultEffects();
 
-/// Photographs take turns, each for the same number of frames. Scenes and transitions take turns likewise, in the order
-/// in which the settings name them, and the photographs come round again until every effect has had its turn.
+/// Photographs take turns, each for its seconds or those of the show. Scenes and transitions take turns likewise, in
+/// the order in which the settings name them, and the photographs come round again until every effect has had its turn.
 class Show {
 public:
-    /// Reads the photographs and prepares the effects. Throws Failure.
+    /// Prepares the effects. Throws Failure.
     explicit Show(const ShowSettings &settings);
 
-    int frameCount() const { return shotCount * framesPerShot; }
+    int frameCount() const { return firstFrames.back(); }
+    int shotCount() const { return static_cast<int>(firstFrames.size()) - 1; }
 
     /// Draws a frame on the stage.
     void render(Stage &stage, int frame) const;
 
 private:
     const Effect *effectNamed(const std::string &name);
-    Shot shotAt(int index, int frame) const;
+    void layOutShots();
+    const ShownPhoto &photoOf(int shot) const;
+    int framesOf(int shot) const { return firstFrames[at(shot + 1)] - firstFrames[at(shot)]; }
+    /// Frames of the transition on either side of the change to a shot; 0 for the first shot and behind the last.
+    int overlapBefore(int shot) const;
+    /// The shot as it stands in the frame; `canvas` is to be held until that is drawn.
+    Shot shotAt(int index, int frame, std::shared_ptr<const Canvas> &canvas) const;
+
+    static std::size_t at(int index) { return static_cast<std::size_t>(index); }
 
     ShowSettings settings;
     std::map<std::string, std::unique_ptr<Effect>> effects;
     std::vector<const Effect *> scenes;
     std::vector<const Effect *> transitions;
     const Effect *ending = nullptr;
-    std::vector<Canvas> photos;
-    int shotCount;
-    int framesPerShot;
-    int overlap = 0; ///< frames of a transition on either side of the change from shot to shot
+    std::unique_ptr<PhotoShelf> shelf;
+    std::vector<int> firstFrames; ///< of each shot, and behind them the number of all frames
     int endingFrames = 0;
 };
 
