@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs qmur-show as a person would and looks at what it draws.
 
-    show_test.py --program build/linux/bin/qmur-show --photos photos [--emulator cmake/under-wine] [name of a test ...]
+    show_test.py --program build/linux/bin/qmur-show --photos examples/show/photos [--emulator cmake/under-wine] [name of a test ...]
     show_test.py --program ... --photos ... --accept     writes the checksums of the frames down anew
 """
 
