@@ -24,10 +24,10 @@ constexpr int failed = 2;
 
 std::string effectList() {
     std::string list;
-    for (const EffectInfo &effect : allEffects()) {
+    for (const EffectInfo *effect : allEffects()) {
         std::array<char, 256> line;
-        std::snprintf(line.data(), line.size(), "%-12s %-11s %s\n", effect.name, nameOf(effect.kind),
-                      effect.description);
+        std::snprintf(line.data(), line.size(), "%-12s %-11s %s\n", effect->name, nameOf(effect->kind),
+                      effect->description);
         list += line.data();
     }
     return list;

@@ -4,6 +4,7 @@
 // Uses Hor_GaussBlur, Ver_GaussBlur, iBltFast32Alpha, iBltBilinear32_Add with brightness.
 
 #include "../effect.h"
+#include "../painting.h"
 
 #include <algorithm>
 
@@ -18,20 +19,17 @@ class Dissolve : public Effect {
         const double unfocused = easeInOut(clampUnit(std::min(moment.t, 1 - moment.t) * 2));
         const Stage::Plane next = stage.plane();
         drawShot(stage, out, mixture < 1 ? moment.a : moment.b);
-        tagRECT frame = out.rect();
         if (mixture > 0 && mixture < 1) {
             drawShot(stage, next, moment.b);
-            iBltFast32Alpha(out.pixels, next->pixels, 0, 0, &frame, out.pitch, next->pitch,
-                            static_cast<float>(mixture));
+            blend(out, next, mixture);
         }
 
         blur(stage, out, unfocused * std::min(out.width, out.height) / 22.0);
 
         // Light swells where it is bright: the unfocused picture once more over itself.
-        const auto light = static_cast<unsigned char>(70 * unfocused);
-        iBltFast32(next->pixels, out.pixels, 0, 0, &frame, next->pitch, out.pitch);
-        iBltBilinear32_Add(out.pixels, next->pixels, &frame, &frame, static_cast<q_ulong>(out.pitch),
-                           static_cast<q_ulong>(next->pitch), light, light, light);
+        const double swelling = static_cast<int>(70 * unfocused) / 255.0;
+        copy(next, out);
+        addStretched(out, out.rect(), next, out.rect(), swelling, swelling, swelling);
     }
 
     static void blur(Stage &stage, const Surface &picture, double sigma) {
@@ -62,11 +60,9 @@ class Dissolve : public Effect {
     }
 };
 
-} // namespace
+const Registered<Dissolve> registered("dissolve", Effect::Kind::transition, Use::inTurn,
+                                      "the photograph goes out of focus and turns into the next");
 
-EffectInfo dissolve() {
-    return {"dissolve", Effect::Kind::transition, "the photograph goes out of focus and turns into the next",
-            makeEffect<Dissolve>};
-}
+} // namespace
 
 } // namespace show

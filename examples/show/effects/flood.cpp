@@ -7,6 +7,7 @@
 #include "../angle.h"
 #include "../effect.h"
 #include "../glow.h"
+#include "../painting.h"
 #include "../point.h"
 #include "../random.h"
 
@@ -227,13 +228,11 @@ class Flood : public Effect {
         const Stage::Plane after = stage.plane();
         drawShot(stage, out, moment.a);
         drawShot(stage, after, moment.b);
-        tagRECT frame = out.rect();
-        iFadeOut32(out.pixels, &frame, out.pitch,
-                   static_cast<float>(mix(1, 0.5, easeInOut(stretch(moment.t, 0.0, 0.4)))));
+        dim(out, mix(1, 0.5, easeInOut(stretch(moment.t, 0.0, 0.4))));
 
         const Stage::Plane light = stage.plane();
         const Stage::Plane scratch = stage.plane();
-        clear(light);
+        fill(light, 0);
         {
             Basin basin(scratch, out, after);
             flower.draw(basin, light);
@@ -244,7 +243,7 @@ class Flood : public Effect {
         addLight(out, wide, 1.0);
         addLight(out, wide, flower.unit);
         addLight(out, close, 0.9);
-        addLight(out, light);
+        add(out, light);
     }
 
     /// The flower at a moment.
@@ -411,11 +410,9 @@ class Flood : public Effect {
     };
 };
 
-} // namespace
+const Registered<Flood> registered("flood", Effect::Kind::transition, Use::inTurn,
+                                   "the next photograph floods in through a flower drawn with light");
 
-EffectInfo flood() {
-    return {"flood", Effect::Kind::transition, "the next photograph floods in through a flower drawn with light",
-            makeEffect<Flood>};
-}
+} // namespace
 
 } // namespace show

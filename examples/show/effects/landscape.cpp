@@ -5,8 +5,10 @@
 // camera and VKD_Mapping3Dto2D of the pipeline (by Space), Blur_Rect, iFadeOut32, iBltFast32Alpha, iBltPerfect32 (by
 // drawView, drawHalved, drawBackdrop and Space).
 
+#include "../angle.h"
 #include "../backdrop.h"
 #include "../effect.h"
+#include "../painting.h"
 #include "../space.h"
 
 #include <algorithm>
@@ -38,7 +40,7 @@ Colour colourAt(const Surface &picture, double x, double y) {
     const int right = std::min(left + 1, picture.width - 1);
     const int bottom = std::min(top + 1, picture.height - 1);
     const auto channel = [&](int shift) {
-        const auto level = [&](int px, int py) { return static_cast<double>(*picture.at(px, py) >> shift & 0xFF); };
+        const auto level = [&](int px, int py) { return channelOf(*picture.at(px, py), shift); };
         return mix(mix(level(left, top), level(right, top), column - left),
                    mix(level(left, bottom), level(right, bottom), column - left), row - top) /
                255;
@@ -47,8 +49,7 @@ Colour colourAt(const Surface &picture, double x, double y) {
 }
 
 q_ulong pixelOf(const Colour &colour) {
-    const auto level = [](double share) { return static_cast<q_ulong>(clampUnit(share) * 255 + 0.5); };
-    return level(colour.red) << 16 | level(colour.green) << 8 | level(colour.blue);
+    return levelOf(colour.red) << 16 | levelOf(colour.green) << 8 | levelOf(colour.blue);
 }
 
 /// Points of the landscape, row after row from the far end, on the screen.
@@ -122,10 +123,7 @@ class Landscape : public Effect {
             drawLights(space, grid, progress);
             space.show(out);
         }
-        tagRECT frame = out.rect();
-        if (arrival > 0)
-            iBltFast32Alpha(out.pixels, photo->pixels, 0, 0, &frame, out.pitch, photo->pitch,
-                            static_cast<float>(arrival));
+        blend(out, photo, arrival);
     }
 
     static Grid raise(Stage &stage, Space &space, const Surface &photo, double settling, double seconds,
@@ -147,14 +145,11 @@ class Landscape : public Effect {
             colours = half;
         }
         const Surface relief = planes[2]->cropped(colours.width, colours.height);
-        tagRECT area = colours.rect();
-        iBltFast32(relief.pixels, colours.pixels, 0, 0, &area, relief.pitch, colours.pitch);
-        const int largest = std::min({relief.width / 2, relief.height / 2, 128});
-        for (int i = 0; i < 2; ++i)
-            Blur_Rect(relief.pixels, &area, relief.pitch, std::min(largest, std::max(1, relief.height / 18)));
+        copy(relief, colours);
+        blur(relief, std::max(1, relief.height / 18), 2);
         // Contours across the cells would show the triangles' teeth.
         if (colours.pixels != photo.pixels)
-            Blur_Rect(colours.pixels, &area, colours.pitch, std::min(largest, 1));
+            blur(colours, 1);
 
         const auto placeX = [&](int column) { return static_cast<double>(column) / (grid.columns - 1); };
         std::vector<double> luminances;
@@ -215,13 +210,13 @@ class Landscape : public Effect {
         Light light(settling);
         Grid part = grid;
         tagRECT clip = space.surface().rect();
-        const auto pitch = static_cast<q_ulong>(space.surface().pitch);
+        const auto pitch = space.surface().unsignedPitch();
         if (sharpRows >= 2) {
             extendEdges(photo);
             tagRECT shown = {0, 0, photo.width, photo.height * (sharpRows - 1) / (grid.rows - 1)};
             VKD_Render_Texture_3D(space.pipeline(), space.surface().pixels, photo.pixels, &clip, &shown, pitch,
-                                  static_cast<q_ulong>(photo.pitch), part.points.data(), sharpRows, part.columns,
-                                  &light.direction, nullptr, &light.ambient, light.specular, Light::shininess);
+                                  photo.unsignedPitch(), part.points.data(), sharpRows, part.columns, &light.direction,
+                                  nullptr, &light.ambient, light.specular, Light::shininess);
         }
         const int first = std::max(sharpRows - 1, 0);
         if (allRows - first >= 2) {
@@ -273,7 +268,7 @@ class Landscape : public Effect {
             return;
         Light light(settling);
         tagRECT clip = space.surface().rect();
-        VKD_Render_3D_Line(space.pipeline(), space.surface().pixels, &clip, static_cast<q_ulong>(space.surface().pitch),
+        VKD_Render_3D_Line(space.pipeline(), space.surface().pixels, &clip, space.surface().unsignedPitch(),
                            points.data(), colours.data(), 0, 0, columns, rows, &light.direction, nullptr,
                            &light.ambient, light.specular, Light::shininess, 0);
     }
@@ -302,17 +297,15 @@ class Landscape : public Effect {
                                                strength * (0.22 + 1.7 * own.blue)}));
                 }
             }
-            VKD_Render_3D_Dot_Add(space.surface().pixels, &clip, static_cast<q_ulong>(space.surface().pitch),
-                                  points.data(), colours.data(), columns, static_cast<int>(points.size()) / columns);
+            VKD_Render_3D_Dot_Add(space.surface().pixels, &clip, space.surface().unsignedPitch(), points.data(),
+                                  colours.data(), columns, static_cast<int>(points.size()) / columns);
         }
     }
 };
 
-} // namespace
+const Registered<Landscape> registered("landscape", Effect::Kind::scene, Use::inTurn,
+                                       "lights, a net and hills settle into the photograph");
 
-EffectInfo landscape() {
-    return {"landscape", Effect::Kind::scene, "lights, a net and hills settle into the photograph",
-            makeEffect<Landscape>};
-}
+} // namespace
 
 } // namespace show

@@ -7,6 +7,8 @@
 
 #include "../angle.h"
 #include "../effect.h"
+#include "../painting.h"
+#include "../point.h"
 #include "../random.h"
 
 #include <algorithm>
@@ -22,8 +24,7 @@ constexpr std::array<q_ulong, 6> starColours = {0xFFFFFF, 0xDCE6FF, 0xBFD2FF, 0x
 constexpr std::array<q_ulong, 6> lampColours = {0xFFA040, 0xFFB860, 0xFF8830, 0xFFC890, 0xFFA848, 0xA0C8FF};
 
 q_ulong dimmed(q_ulong colour, double share) {
-    const auto weight = static_cast<q_ulong>(clampUnit(share) * 256);
-    return ((colour & 0xFF00FF) * weight >> 8 & 0xFF00FF) | ((colour & 0xFF00) * weight >> 8 & 0xFF00);
+    return scaled(colour, static_cast<q_ulong>(clampUnit(share) * 256));
 }
 
 /// Draws something additive that knows whole places alone between pixels: shared out among the four nearest, in
@@ -60,20 +61,18 @@ class Night : public Effect {
 
     /// Row by row, the darker and bluer the higher, in air that glows a little by itself. Red goes last at dusk.
     static void darken(const Surface &out, const Surface &day, double dusk) {
-        const auto level = [](double share) { return static_cast<q_ulong>(share * 255 + 0.5); };
         const double afterglow = 4 * dusk * (1 - dusk);
         for (int y = 0; y < out.height; ++y) {
             const double low = static_cast<double>(y) / out.height;
             tagRECT row = {0, y, out.width, y + 1};
-            const q_ulong air = level(mix(0.010, 0.060, low * low) * dusk) << 16 |
-                                level(mix(0.018, 0.066, low * low) * dusk) << 8 | level(mix(0.080, 0.130, low) * dusk);
-            iFillRect(out.pixels, &row, out.pitch, air);
+            const q_ulong air = levelOf(mix(0.010, 0.060, low * low) * dusk) << 16 |
+                                levelOf(mix(0.018, 0.066, low * low) * dusk) << 8 |
+                                levelOf(mix(0.080, 0.130, low) * dusk);
+            fill(out, row, air);
             const double red = mix(1, mix(0.20, 0.31, low), dusk) + 0.10 * afterglow * low;
             const double green = mix(1, mix(0.26, 0.34, low), dusk);
             const double blue = mix(1, mix(0.43, 0.47, low), dusk) - 0.10 * afterglow * low;
-            iBltFast32_Add(out.pixels, day.pixels, 0, static_cast<q_ulong>(y), &row, static_cast<q_ulong>(out.pitch),
-                           static_cast<q_ulong>(day.pitch), static_cast<unsigned char>(level(std::min(red, 1.0))),
-                           static_cast<unsigned char>(level(green)), static_cast<unsigned char>(level(blue)));
+            add(out, day, row, red, green, blue);
         }
     }
 
@@ -87,14 +86,10 @@ class Night : public Effect {
         const double turned = 0.009 * (shot.progress - 0.5);
         const double across = cosineOf(turned);
         const double down = sineOf(turned);
-        struct Place {
-            double x;
-            double y;
-        };
         const auto inFrame = [&](double column, double row) {
             const double x = column * out.width - poleX;
             const double y = row * out.height - poleY;
-            return Place{poleX + x * across - y * down, poleY + x * down + y * across};
+            return Point{poleX + x * across - y * down, poleY + x * down + y * across};
         };
         Random random(seedOf(shot.seed, 0));
         const double leans = random.below(2) == 0 ? -1 : 1;
@@ -108,21 +103,19 @@ class Night : public Effect {
         };
 
         // There is less to be seen through the haze further down.
-        const auto haze = [&](const Place &place) { return 1 - stretch(place.y / out.height, 0.40, 0.92); };
-        tagRECT clip = {-1, -1, out.width, out.height};
+        const auto haze = [&](const Point &place) { return 1 - stretch(place.y / out.height, 0.40, 0.92); };
         for (int i = 0; i < clouds; ++i) {
-            const Place place = inMilkyWay();
+            const Point place = inMilkyWay();
             const double size = random.between(60, 150);
             const q_ulong colour = random.below(3) == 0 ? 0xA088D0 : 0x7890E0;
-            Draw_Light_Safe(out.pixels, out.pitch, &clip, static_cast<int>(std::floor(place.x)),
-                            static_cast<int>(std::floor(place.y)), static_cast<int>(size * unit),
-                            dimmed(colour, easeIn(dusk) * haze(place)), 8);
+            light(out, static_cast<int>(std::floor(place.x)), static_cast<int>(std::floor(place.y)),
+                  static_cast<int>(size * unit), dimmed(colour, easeIn(dusk) * haze(place)), 8);
         }
         for (int i = 0; i < stars + faintStars; ++i) {
             const bool faint = i >= stars;
             const double column = random.between(-0.06, 1.06);
             const double row = random.between(-0.08, 0.95);
-            const Place place = faint ? inMilkyWay() : inFrame(column, row);
+            const Point place = faint ? inMilkyWay() : inFrame(column, row);
             const double size = faint ? random.between(0, 0.5) : random.unit();
             const double speed = random.between(0.25, 1.1);
             const double phase = random.unit();
@@ -158,9 +151,8 @@ class Night : public Effect {
             });
         } else if (size < 0.92) {
             const int reach = radius(mix(5, 9, (size - 0.76) * 6), 4);
-            between(x, y, dimmed(colour, brightness), [&](int column, int row, q_ulong shared) {
-                Draw_Star_Type1_Safe(out.pixels, out.pitch, &clip, column, row, reach, shared, 80);
-            });
+            between(x, y, dimmed(colour, brightness),
+                    [&](int column, int row, q_ulong shared) { star(out, column, row, reach, shared, 80); });
         } else if (size < 0.975) {
             const int reach = radius(mix(10, 16, (size - 0.92) * 17), 4);
             between(x, y, dimmed(colour, brightness), [&](int column, int row, q_ulong shared) {
@@ -172,10 +164,10 @@ class Night : public Effect {
         } else {
             const int rays = radius(mix(18, 32, (size - 0.975) * 40) * (0.6 + 0.4 * brightness), 4);
             between(x, y, dimmed(colour, brightness), [&](int column, int row, q_ulong shared) {
-                Draw_Light_Safe(out.pixels, out.pitch, &clip, column, row, rays, shared, 11);
-                Draw_Star_Type1_Safe(out.pixels, out.pitch, &clip, column, row, rays, shared, 70);
-                Draw_One_Star_Add(out.pixels, out.pitch, &clip, column, row, rays, static_cast<int>(shared >> 16),
-                                  static_cast<int>(shared >> 8 & 0xFF), static_cast<int>(shared & 0xFF));
+                light(out, column, row, rays, shared, 11);
+                star(out, column, row, rays, shared, 70);
+                Draw_One_Star_Add(out.pixels, out.pitch, &clip, column, row, rays, channelOf(shared, 16),
+                                  channelOf(shared, 8), channelOf(shared, 0));
             });
         }
     }
@@ -209,18 +201,16 @@ class Night : public Effect {
 
     /// A core, the light around it, which falls off ever more slowly, and a faint ring.
     void glow(const Surface &out, double x, double y, double radius, q_ulong colour, double brightness) const {
-        tagRECT clip = {-1, -1, out.width, out.height};
-        const auto light = [&](double share, q_ulong lightColour, q_ulong intensity) {
+        const auto shine = [&](double share, q_ulong shining, double intensity) {
             const int reach = std::max(static_cast<int>(share * radius), 6);
-            between(x, y, dimmed(lightColour, brightness), [&](int column, int row, q_ulong shared) {
-                Draw_Light_Safe(out.pixels, out.pitch, &clip, column, row, reach, shared, intensity);
-            });
+            between(x, y, dimmed(shining, brightness),
+                    [&](int column, int row, q_ulong shared) { light(out, column, row, reach, shared, intensity); });
         };
-        light(4.2, colour, 7);
-        light(2.2, colour, 14);
-        light(1.2, colour, 34);
-        light(0.7, colour, 70);
-        light(0.4, 0xFFF0D8, 110);
+        shine(4.2, colour, 7);
+        shine(2.2, colour, 14);
+        shine(1.2, colour, 34);
+        shine(0.7, colour, 70);
+        shine(0.4, 0xFFF0D8, 110);
 
         // The band's table ends at 127.
         constexpr int farthest = 127;
@@ -229,8 +219,8 @@ class Night : public Effect {
         if (ring + 2 * thickness > farthest)
             return;
         tagRECT frame = out.rect();
-        Draw_Ring_Safe(out.pixels, out.pitch, &frame, static_cast<int>(std::floor(x + 0.5)),
-                       static_cast<int>(std::floor(y + 0.5)), ring, thickness, dimmed(colour, 0.035 * brightness));
+        Draw_Ring_Safe(out.pixels, out.pitch, &frame, rounded(x), rounded(y), ring, thickness,
+                       dimmed(colour, 0.035 * brightness));
     }
 
     void drawFireflies(const Surface &out, const Shot &shot, double seconds, double dusk) const {
@@ -252,16 +242,15 @@ class Night : public Effect {
                 row * out.height + reach * out.height * (0.6 * cosineOf(1.3 * turns) + 0.25 * sineOf(3.1 * turns));
             const double pulse = clampUnit(0.55 + 0.65 * sineOf(blink * seconds + 3 * phase));
             const double brightness = easeInOut(pulse) * stretch(dusk, 0.7, 1);
-            tagRECT clip = {-1, -1, out.width, out.height};
-            const auto light = [&](double share, q_ulong colour, q_ulong intensity) {
+            const auto shine = [&](double share, q_ulong colour, double intensity) {
                 const int radius = std::max(static_cast<int>(share * size * unit), 6);
                 between(x, y, dimmed(colour, brightness), [&](int lightX, int lightY, q_ulong shared) {
-                    Draw_Light_Safe(out.pixels, out.pitch, &clip, lightX, lightY, radius, shared, intensity);
+                    light(out, lightX, lightY, radius, shared, intensity);
                 });
             };
-            light(5, 0x9CC840, 12);
-            light(2.2, 0xC8F050, 34);
-            light(1, 0xF0FF90, 100);
+            shine(5, 0x9CC840, 12);
+            shine(2.2, 0xC8F050, 34);
+            shine(1, 0xF0FF90, 100);
         }
     }
 
@@ -294,7 +283,6 @@ class Night : public Effect {
         const double brightness = 4 * t * (1 - t);
 
         tagRECT frame = out.rect();
-        tagRECT clip = {-1, -1, out.width, out.height};
         const int beside = std::max(static_cast<int>(1.2 * unit), 1);
         for (int i = -beside; i <= beside; ++i)
             iLine_AntiAliasing_AddSome(out.pixels, &frame, out.pitch, x, y + i, tailX, tailY + i,
@@ -302,17 +290,16 @@ class Night : public Effect {
         iLine_AntiAliasing_Add(out.pixels, &frame, out.pitch, x, y, x + (tailX - x) / 8, y + (tailY - y) / 8,
                                dimmed(0x8098C0, brightness), 1);
         const auto radius = [&](double at720) { return std::max(static_cast<int>(at720 * unit), 4); };
-        Draw_Light_Safe(out.pixels, out.pitch, &clip, x, y, radius(34), dimmed(0x90B0FF, brightness), 30);
-        Draw_Star_Type1_Safe(out.pixels, out.pitch, &clip, x, y, radius(20), dimmed(0xFFFFFF, brightness), 90);
+        light(out, x, y, radius(34), dimmed(0x90B0FF, brightness), 30);
+        star(out, x, y, radius(20), dimmed(0xFFFFFF, brightness), 90);
     }
 
     double unit = 1;
 };
 
-} // namespace
+const Registered<Night> registered("night", Effect::Kind::scene, Use::inTurn,
+                                   "night falls over the photograph, with stars and lights");
 
-EffectInfo night() {
-    return {"night", Effect::Kind::scene, "night falls over the photograph, with stars and lights", makeEffect<Night>};
-}
+} // namespace
 
 } // namespace show

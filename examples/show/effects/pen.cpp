@@ -7,7 +7,7 @@
 
 #include "../angle.h"
 #include "../effect.h"
-#include "../glow.h"
+#include "../painting.h"
 #include "../point.h"
 #include "../random.h"
 
@@ -146,7 +146,7 @@ private:
 
         const Surface surface = canvas.surface();
         tagRECT clip = surface.rect();
-        iFillRect(surface.pixels, &clip, surface.pitch, inkTime(1.2) << 1);
+        fill(surface, inkTime(1.2) << 1);
         for (const Mark &mark : marks)
             if (mark.radius > 0)
                 iFill_Circle_Safe(surface.pixels, &clip, surface.pitch, rounded(mark.stroke->curve.d.x) + border,
@@ -284,19 +284,13 @@ public:
         pen = reduced(colours.surface(), columnsOf(1), rowsOf(1));
         shadow = reduced(shape.surface(), columnsOf(1), rowsOf(1));
         putAlpha(pen.surface(), shadow.surface(), 1, 0xFFFFFF);
-        tagRECT rect = shadow.rect();
-        Blur_Rect(shadow.surface().pixels, &rect, shadow.surface().pitch,
-                  std::min({rounded(7 * unit), shadow.width() / 2, shadow.height() / 2}));
+        blur(shadow, rounded(7 * unit));
         putAlpha(shadow.surface(), shadow.surface(), 0.45, 0);
     }
 
     void lay(const Surface &out, Point point, double lift) const {
         const auto layAt = [&](const Canvas &sprite, double x, double y) {
-            const Surface src = sprite.surface();
-            tagRECT whole = src.rect();
-            tagRECT clip = out.rect();
-            iBltFast32AlphaChannelSafe(out.pixels, src.pixels, rounded(x - before * unit), rounded(y - above * unit),
-                                       &whole, &clip, out.pitch, src.pitch);
+            show::lay(out, sprite, rounded(x - before * unit), rounded(y - above * unit));
         };
         layAt(shadow, point.x + (7 + lift) * unit, point.y + (9 + lift) * unit);
         layAt(pen, point.x, point.y);
@@ -347,7 +341,7 @@ private:
     tagPOINT place(double along, double aside) const {
         const double x = before + along * sineOf(slant) + aside * cosineOf(slant);
         const double y = above - along * cosineOf(slant) + aside * sineOf(slant);
-        return {static_cast<q_long>(std::floor(x * unit * fine)), static_cast<q_long>(std::floor(y * unit * fine))};
+        return pixelUnder({x * unit * fine, y * unit * fine});
     }
 
     template <class ColourAt>
@@ -419,8 +413,7 @@ class Pen : public Effect {
         iBltFast32SafeAlpha_Channel(out.pixels, inked->pixels, width / 2, height / 2, &rect, out.pitch, inked->pitch,
                                     out.width, out.height);
         // Whole pixels were copied with their opacity.
-        tagRECT frame = out.rect();
-        iFadeOut32(out.pixels, &frame, out.pitch, 1);
+        clearOpacity(out);
         if (moment.t < writingEnd + 0.05)
             drawPen(out, moment.t);
     }
@@ -464,10 +457,9 @@ class Pen : public Effect {
             if (t >= stroke.begin)
                 point = stroke.curve.at(stretch(t, stroke.begin, stroke.end));
         sprite.lay(out, point, lift);
-        tagRECT clip = out.rect();
         const double twinkle = 0.5 + 0.5 * sineOf(9 * t);
-        Draw_Star_Type1_Safe(out.pixels, out.pitch, &clip, rounded(point.x + 14 * unit), rounded(point.y - 30 * unit),
-                             rounded(mix(16, 30, twinkle) * unit), 0xFFF4D0, static_cast<q_ulong>(40 * twinkle));
+        star(out, rounded(point.x + 14 * unit), rounded(point.y - 30 * unit), rounded(mix(16, 30, twinkle) * unit),
+             0xFFF4D0, 40 * twinkle);
     }
 
     struct Shade {
@@ -482,11 +474,9 @@ class Pen : public Effect {
     std::array<Shade, 512> shades = {};
 };
 
-} // namespace
+const Registered<Pen> registered("pen", Effect::Kind::transition, Use::inTurn,
+                                 "a pen writes a flourish whose ink is the next photograph");
 
-EffectInfo pen() {
-    return {"pen", Effect::Kind::transition, "a pen writes a flourish whose ink is the next photograph",
-            makeEffect<Pen>};
-}
+} // namespace
 
 } // namespace show

@@ -6,6 +6,8 @@
 // iBltFast32, iBltFast32Alpha, iFillRect, iBltPerfect32 (by Space).
 
 #include "../effect.h"
+#include "../painting.h"
+#include "../point.h"
 #include "../random.h"
 #include "../space.h"
 
@@ -29,16 +31,11 @@ struct Gloss {
 constexpr std::array<Gloss, 7> glosses = {{{0.50, 0}, {0.63, 0}, {0.76, 0}, {0.88, 0}, {1, 0}, {1, 0.13}, {1, 0.30}}};
 constexpr std::size_t untouched = 4;
 
-struct Place {
-    double x;
-    double y;
-};
-
 using Corners = std::array<_POINT3DFLOAT, 4>;
 
 /// A piece of the pane, and its way.
 struct Shard {
-    std::array<Place, 4> corners; ///< 0 to 1 of the frame
+    std::array<Point, 4> corners; ///< 0 to 1 of the frame
     double start;                 ///< when the crack reaches it
     double speedX, speedY, speedZ;
     double fall;
@@ -56,16 +53,16 @@ std::vector<Shard> breakPane(Random &random, double aspect) {
 
     const double impactX = random.between(0.38, 0.62);
     const double impactY = random.between(0.35, 0.55);
-    const Place impact = {impactX, impactY};
-    std::array<std::array<Place, rings.size()>, spokeCount> nodes;
+    const Point impact = {impactX, impactY};
+    std::array<std::array<Point, rings.size()>, spokeCount> nodes;
     for (int spoke = 0; spoke < spokeCount; ++spoke) {
         const int side = spoke / spokesToASide;
         const int place = spoke % spokesToASide;
         const double share = (place + (place == 0 ? 0 : random.between(-0.36, 0.36))) / spokesToASide;
-        const Place border = side == 0   ? Place{share, 0}
-                             : side == 1 ? Place{1, share}
-                             : side == 2 ? Place{1 - share, 1}
-                                         : Place{0, 1 - share};
+        const Point border = side == 0   ? Point{share, 0}
+                             : side == 1 ? Point{1, share}
+                             : side == 2 ? Point{1 - share, 1}
+                                         : Point{0, 1 - share};
         for (std::size_t ring = 0; ring < rings.size(); ++ring) {
             double reach = rings[ring];
             if (ring > 0 && ring + 1 < rings.size())
@@ -84,7 +81,7 @@ std::vector<Shard> breakPane(Random &random, double aspect) {
             shard.corners = {here[ring], next[ring], next[ring + 1], here[ring + 1]};
             double awayX = -4 * impact.x;
             double awayY = -4 * impact.y;
-            for (const Place &corner : shard.corners) {
+            for (const Point &corner : shard.corners) {
                 awayX += corner.x;
                 awayY += corner.y;
             }
@@ -123,11 +120,9 @@ class Shatter : public Effect {
         std::stable_sort(flights.begin(), flights.end(),
                          [](const Flight &a, const Flight &b) { return a.depth > b.depth; });
 
-        tagRECT frame = out.rect();
         drawShot(stage, out, moment.b);
         const double light = mix(0.55, 1, easeInOut(stretch(moment.t, 0.15, 0.95)));
-        if (light < 1)
-            iFadeOut32(out.pixels, &frame, out.pitch, static_cast<float>(light));
+        dim(out, light);
         castShadows(stage, out, flights, space.scale());
         space.fillWith(out);
 
@@ -137,17 +132,14 @@ class Shatter : public Effect {
             stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane()};
         drawShot(stage, plane, moment.a);
         const Stage::Plane edges = stage.plane();
-        iFillRect(edges->pixels, &frame, edges->pitch, 0xFFFFFF);
+        fill(edges, 0xFFFFFF);
         for (std::size_t i = 0; i < glosses.size(); ++i) {
-            iBltFast32(panes[i]->pixels, plane->pixels, 0, 0, &frame, panes[i]->pitch, plane->pitch);
-            if (glosses[i].brightness < 1)
-                iFadeOut32(panes[i]->pixels, &frame, panes[i]->pitch, static_cast<float>(glosses[i].brightness));
-            if (glosses[i].glare > 0)
-                iBltFast32Alpha(panes[i]->pixels, edges->pixels, 0, 0, &frame, panes[i]->pitch, edges->pitch,
-                                static_cast<float>(glosses[i].glare));
+            copy(panes[i], plane);
+            dim(panes[i], glosses[i].brightness);
+            blend(panes[i], edges, glosses[i].glare);
         }
-        iFillRect(edges->pixels, &frame, edges->pitch, glassEdge);
-        iBltFast32Alpha(edges->pixels, plane->pixels, 0, 0, &frame, edges->pitch, plane->pitch, 0.4F);
+        fill(edges, glassEdge);
+        blend(edges, plane, 0.4);
 
         for (Flight &flight : flights) {
             if (flight.isCracked)
@@ -177,7 +169,7 @@ class Shatter : public Effect {
 
         Flight flight = {};
         for (std::size_t i = 0; i < 4; ++i) {
-            const Place &corner = shard.corners[i];
+            const Point &corner = shard.corners[i];
             flight.face[i] = {static_cast<float>((corner.x - 0.5) * width),
                               static_cast<float>((corner.y - 0.5) * height), 0, 0};
             flight.texels[i] = {std::min(static_cast<int>(corner.x * frame.width), frame.width - 1),
@@ -255,9 +247,8 @@ class Shatter : public Effect {
         const int height = (out.height + 1) / 2;
         const Surface mask = planes[0]->cropped(width, height);
         const Surface ink = planes[1]->cropped(width, height);
-        tagRECT area = mask.rect();
-        iFillRect(mask.pixels, &area, mask.pitch, 0);
-        iFillRect(ink.pixels, &area, ink.pitch, shadow);
+        fill(mask, 0);
+        fill(ink, shadow);
         std::array<_POINTINT, 4> anyTexels = {};
         for (Flight &flight : flights) {
             Corners shade = flight.shade;
@@ -267,30 +258,24 @@ class Shatter : public Effect {
             }
             draw(mask, ink, shade, anyTexels);
         }
-        const int softness = std::clamp(std::min(width, height) / 16, 1, 255);
-        for (int i = 0; i < 2; ++i) {
-            Hor_Blur32(ink.pixels, mask.pixels, softness, width, height, mask.pitch);
-            Ver_Blur32(mask.pixels, ink.pixels, softness, width, height, mask.pitch);
-        }
+        blurWithOpacity(mask, ink, std::max(std::min(width, height) / 16, 1), 2);
+        tagRECT area = mask.rect();
         tagRECT whole = {0, 0, 2 * width, 2 * height};
         iBltNear32(planes[2]->pixels, mask.pixels, &whole, &area, planes[2]->pitch, mask.pitch);
-        tagRECT frame = out.rect();
-        iBltFast32AlphaChannelSafe(out.pixels, planes[2]->pixels, 0, 0, &frame, &frame, out.pitch, planes[2]->pitch);
+        lay(out, planes[2], 0, 0);
     }
 
     static void draw(const Surface &to, const Surface &texture, Corners &points, std::array<_POINTINT, 4> &texels) {
         tagRECT clip = to.rect();
         i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe(to.pixels, &points[0], &points[1], &points[2], &points[3],
                                                 texture.pixels, &texels[0], &texels[1], &texels[2], &texels[3], &clip,
-                                                static_cast<q_ulong>(to.pitch), static_cast<q_ulong>(texture.pitch));
+                                                to.unsignedPitch(), texture.unsignedPitch());
     }
 };
 
-} // namespace
+const Registered<Shatter> registered("shatter", Effect::Kind::transition, Use::inTurn,
+                                     "the photograph breaks like a pane and falls before the next");
 
-EffectInfo shatter() {
-    return {"shatter", Effect::Kind::transition, "the photograph breaks like a pane and falls before the next",
-            makeEffect<Shatter>};
-}
+} // namespace
 
 } // namespace show

@@ -8,6 +8,7 @@
 #include "../angle.h"
 #include "../effect.h"
 #include "../glow.h"
+#include "../painting.h"
 #include "../point.h"
 #include "../random.h"
 
@@ -350,17 +351,15 @@ void drawBurst(const Surface &light, const Rocket &rocket, double seconds) {
 
 /// The picture in the dark: of each channel as much as there is light of its colour.
 void illuminate(const Surface &out, const Surface &light, double ambient) {
-    const auto dim = static_cast<q_ulong>(ambient * 256);
-    constexpr q_ulong gain = 2;
+    const auto dark = static_cast<int>(ambient * 256);
+    constexpr int gain = 2;
     for (int y = 0; y < out.height; ++y) {
         q_ulong *const row = out.at(0, y);
         const q_ulong *const shine = light.at(0, y);
         for (int x = 0; x < out.width; ++x) {
-            const auto lit = [d = row[x], s = shine[x], dim](int shift) {
-                const q_ulong strength = dim + gain * (s >> shift & 0xFF);
-                return std::min<q_ulong>((d >> shift & 0xFF) * strength >> 8, 255) << shift;
-            };
-            row[x] = lit(16) | lit(8) | lit(0);
+            row[x] = eachChannel([d = row[x], s = shine[x], dark](int shift) {
+                return channelOf(d, shift) * (dark + gain * channelOf(s, shift)) >> 8;
+            });
         }
     }
 }
@@ -373,7 +372,7 @@ class Sparks : public Effect {
         drawView(out, shot.photo, shot.camera.at(shot.progress));
 
         const Stage::Plane light = stage.plane();
-        clear(light);
+        fill(light, 0);
         Random random(shot.seed);
         const Braid braid(random, out);
         // The tubes set off when it has become dark, and end before it dawns.
@@ -399,22 +398,16 @@ class Sparks : public Effect {
         const Surface strong = planes[0]->cropped(close.width, close.height);
         copy(strong, close);
         for (int i = 0; i < 2; ++i)
-            addLight(strong, strong);
+            add(strong, strong);
         const Surface distant = softened(planes[2], strong, scaled(18));
         extendEdges(distant);
         const Surface spread = planes[0];
         tagRECT frame = out.rect();
         tagRECT whole = distant.rect();
-        iBltBilinear32(spread.pixels, distant.pixels, &frame, &whole, static_cast<q_ulong>(spread.pitch),
-                       static_cast<q_ulong>(distant.pitch));
+        iBltBilinear32(spread.pixels, distant.pixels, &frame, &whole, spread.unsignedPitch(), distant.unsignedPitch());
         illuminate(out, spread, mix(1, 0.24, dusk));
         addLight(out, close, 0.75);
-        addLight(out, light);
-    }
-
-    static void copy(const Surface &out, const Surface &from) {
-        tagRECT whole = from.rect();
-        iBltFast32(out.pixels, from.pixels, 0, 0, &whole, out.pitch, from.pitch);
+        add(out, light);
     }
 
     static void drawRockets(const Surface &light, const Shot &shot, double now) {
@@ -431,11 +424,9 @@ class Sparks : public Effect {
     }
 };
 
-} // namespace
+const Registered<Sparks> registered("sparks", Effect::Kind::scene, Use::inTurn,
+                                    "neon tubes and fireworks shine on the darkened photograph");
 
-EffectInfo sparks() {
-    return {"sparks", Effect::Kind::scene, "neon tubes and fireworks shine on the darkened photograph",
-            makeEffect<Sparks>};
-}
+} // namespace
 
 } // namespace show

@@ -8,6 +8,8 @@
 
 #include "../angle.h"
 #include "../effect.h"
+#include "../painting.h"
+#include "../point.h"
 
 #include <algorithm>
 #include <array>
@@ -28,10 +30,6 @@ namespace {
 
 constexpr q_ulong ink = 0xFFFFFF;
 constexpr double slopeOfOne = 64; // a slope of 1 in a light map
-
-int rounded(double value) {
-    return static_cast<int>(std::floor(value + 0.5));
-}
 
 /// In steps of 1/256. A share beyond 0 to 1 is cut off there.
 int share(double value) {
@@ -69,7 +67,7 @@ bool writeLine(const Surface &out, const char *line, const tagRECT &place) {
         // fontconfig keeps its settings behind offsets that a leak detector does not follow.
         const __lsan::ScopedDisabler disabler;
 #endif
-        iFillRect(paper.pixels, &whole, paper.pitch, 0);
+        fill(paper, 0);
         return size > 0 && iTextOut(paper.pixels, &whole, paper.pitch, text.data(), ink, 0, 0, size, face) != 0;
     };
     // First small enough to be seen whole, then to measure.
@@ -206,8 +204,7 @@ class Title : public Effect {
         constexpr int border = 4;
         const Canvas cut(widthOf(bounds) + 2 * border, heightOf(bounds) + 2 * border);
         const Surface letters = cut.surface();
-        tagRECT from = bounds;
-        iBltFast32(letters.pixels, shape.pixels, border, border, &from, letters.pitch, shape.pitch);
+        copy(letters, border, border, shape, bounds);
 
         const int bevelSize = std::max(static_cast<int>(bevel * heightOf(bounds)), 2);
         const int lensSize = std::max(static_cast<int>(lens * heightOf(bounds)), 2);
@@ -279,14 +276,14 @@ class Title : public Effect {
         }
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x) {
-                const int coverage = channel(*packed.at(x, y), 0);
-                const int around = channel(*blurred[2].surface().at(x, y), 0);
+                const int coverage = channelOf(*packed.at(x, y), 0);
+                const int around = channelOf(*blurred[2].surface().at(x, y), 0);
                 if (coverage == 0 || around == 0)
                     continue;
                 for (std::size_t i = 0; i < blurred.size(); ++i) {
                     const q_ulong mean = *blurred[i].surface().at(x, y);
                     *maps[i].surface().at(x, y) =
-                        eachChannel([&](int shift) { return channel(mean, shift) * coverage / around; });
+                        eachChannel([&](int shift) { return channelOf(mean, shift) * coverage / around; });
                 }
                 *packed.at(x, y) = (*packed.at(x, y) & 0xFFFF00) | static_cast<q_ulong>(coverage);
             }
@@ -350,9 +347,7 @@ class Title : public Effect {
         drawView(picture, shot.photo, shot.camera.at(shot.progress));
         const double shown =
             easeInOut(stretch(shot.progress, 0.06, 0.34)) * (1 - easeInOut(stretch(shot.progress, 0.68, 0.94)));
-        tagRECT frame = picture.rect();
-        if (shown > 0)
-            iFadeOut32(picture.pixels, &frame, picture.pitch, static_cast<float>(1 - 0.34 * shown));
+        dim(picture, 1 - 0.34 * shown);
         extendEdges(picture);
 
         const Lighting lighting = lightingAt(out, shot.progress);
@@ -373,17 +368,17 @@ class Title : public Effect {
         constexpr int darkest = 170;
         const int lit = 256 - (shadow * risen * darkest >> 16);
         if (coverage == 0)
-            return eachChannel([&](int shift) { return channel(below, shift) * lit >> 8; });
+            return eachChannel([&](int shift) { return channelOf(below, shift) * lit >> 8; });
 
         const auto weighted = [&](q_ulong three, int fourth) {
-            return (channel(three, 16) * lighting.weights[0] + channel(three, 8) * lighting.weights[1] +
-                    channel(three, 0) * lighting.weights[2] + fourth * lighting.weights[3]) /
+            return (channelOf(three, 16) * lighting.weights[0] + channelOf(three, 8) * lighting.weights[1] +
+                    channelOf(three, 0) * lighting.weights[2] + fourth * lighting.weights[3]) /
                    coverage; // weights add up to 256 and coverage is one of 255: the two all but cancel out
         };
-        const int diffuse = 2 * weighted(*maps[0].surface().at(x, y), channel(rest, 16));
-        const int specular = weighted(*maps[1].surface().at(x, y), channel(rest, 8));
+        const int diffuse = 2 * weighted(*maps[0].surface().at(x, y), channelOf(rest, 16));
+        const int specular = weighted(*maps[1].surface().at(x, y), channelOf(rest, 8));
         const auto slope = [&](int shift) {
-            return (channel(slopes, shift) * 255.0 / coverage - 128) / slopeOfOne * lighting.reach * risen / 256;
+            return (channelOf(slopes, shift) * 255.0 / coverage - 128) / slopeOfOne * lighting.reach * risen / 256;
         };
         const q_ulong bent = sampled(picture, x + slope(16), y + slope(8));
 
@@ -395,22 +390,12 @@ class Title : public Effect {
         const int opacity = coverage * risen / 255;
         return eachChannel([&](int shift) {
             const int warmth = shift == 16 ? 256 : shift == 8 ? 248 : 228;
-            const int clear = std::min(channel(bent, shift) * 304 >> 8, 255);
+            const int clear = std::min(channelOf(bent, shift) * 304 >> 8, 255);
             const int frost = 58 + (255 - clear) / 5; // more where it is dark, so that letters stand out there too
             const int glass = ((clear + frost) * std::max(brightness, 40) >> 8) + (highlight * warmth >> 8);
-            const int ground = channel(below, shift) * lit >> 8;
+            const int ground = channelOf(below, shift) * lit >> 8;
             return ground + ((std::min(glass, 255) - ground) * opacity >> 8);
         });
-    }
-
-    static int channel(q_ulong pixel, int shift) { return static_cast<int>(pixel >> shift & 0xFF); }
-
-    template <class LevelOf>
-    static q_ulong eachChannel(LevelOf levelOf) {
-        q_ulong pixel = 0;
-        for (const int shift : {16, 8, 0})
-            pixel |= static_cast<q_ulong>(std::clamp(levelOf(shift), 0, 255)) << shift;
-        return pixel;
     }
 
     /// The picture between its pixels.
@@ -421,9 +406,9 @@ class Title : public Effect {
         const int lower = fineY & 15;
         const q_ulong *const at = picture.at(fineX >> 4, fineY >> 4);
         return eachChannel([&](int shift) {
-            const int above = channel(at[0], shift) * (16 - right) + channel(at[1], shift) * right;
+            const int above = channelOf(at[0], shift) * (16 - right) + channelOf(at[1], shift) * right;
             const int under =
-                channel(at[picture.pitch], shift) * (16 - right) + channel(at[picture.pitch + 1], shift) * right;
+                channelOf(at[picture.pitch], shift) * (16 - right) + channelOf(at[picture.pitch + 1], shift) * right;
             return (above * (16 - lower) + under * lower) >> 8;
         });
     }
@@ -431,10 +416,9 @@ class Title : public Effect {
     std::array<Canvas, 4> maps;
 };
 
-} // namespace
+const Registered<Title> registered("title", Effect::Kind::scene, Use::onRequest,
+                                   "a title of glass rises out of the photograph");
 
-EffectInfo title() {
-    return {"title", Effect::Kind::scene, "a title of glass rises out of the photograph", makeEffect<Title>};
-}
+} // namespace
 
 } // namespace show

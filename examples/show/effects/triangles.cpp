@@ -7,6 +7,7 @@
 
 #include "../effect.h"
 #include "../flight.h"
+#include "../painting.h"
 #include "../random.h"
 #include "../supersampling.h"
 
@@ -37,8 +38,8 @@ struct Shard {
 /// A shard at a moment of its fall.
 struct FallingShard {
     std::array<tagPOINT, 3> home;
-    std::array<Place, 3> corners;
-    std::array<Place, 3> shadow;
+    std::array<Point, 3> corners;
+    std::array<Point, 3> shadow;
     double height; ///< above the photograph, from 1 to 0
     std::size_t level;
 };
@@ -89,11 +90,10 @@ class Triangles : public Effect {
                                                   stage.plane(), stage.plane(), stage.plane()};
         drawShot(stage, ground, moment.a);
         drawShot(stage, levels[lightLevels - 1], moment.b);
-        tagRECT frame = out.rect();
         for (int i = 0; i + 1 < lightLevels; ++i) {
             const Surface &level = levels[i];
-            iBltFast32(level.pixels, levels[lightLevels - 1]->pixels, 0, 0, &frame, level.pitch, level.pitch);
-            iFadeOut32(level.pixels, &frame, level.pitch, static_cast<float>(mix(darkest, 1, i / (lightLevels - 1.0))));
+            copy(level, levels[lightLevels - 1]);
+            dim(level, mix(darkest, 1, i / (lightLevels - 1.0)));
         }
         // Sampling reaches the lower end of a shard a little early, and what lies behind it.
         for (const Stage::Plane &level : levels)
@@ -127,19 +127,18 @@ class Triangles : public Effect {
                 lay(part, left, top, levels[shard.level], shard);
         });
         // The triangles' sampling leaves shards up to a pixel beside the photograph that follows.
-        iBltFast32Alpha(out.pixels, levels[lightLevels - 1]->pixels, 0, 0, &frame, out.pitch, out.pitch,
-                        static_cast<float>(easeInOut(stretch(moment.t, 0.85, 1))));
+        blend(out, levels[lightLevels - 1], easeInOut(stretch(moment.t, 0.85, 1)));
     }
 
     static FallingShard shardAt(const Shard &shard, double way, const Surface &out) {
         const double unit = out.height;
         const double height = (1 - way) * (1 - way);
-        Place middle = {0, 0};
+        Point middle = {0, 0};
         for (const tagPOINT &corner : shard.home) {
             middle.x += static_cast<double>(corner.x) / 3;
             middle.y += static_cast<double>(corner.y) / 3;
         }
-        const Place place = {middle.x + shard.drift * unit * height, middle.y - 1.45 * unit * height};
+        const Point place = {middle.x + shard.drift * unit * height, middle.y - 1.45 * unit * height};
         const Attitude attitude = {place, 0.75 * unit * height, shard.spin * height, shard.axis, shard.turn * height};
         FallingShard result = {shard.home, {}, {}, height, lightLevels - 1};
         for (std::size_t i = 0; i < 3; ++i) {
@@ -172,18 +171,17 @@ class Triangles : public Effect {
         std::array<_POINTINT, 3> corners;
         for (std::size_t i = 0; i < 3; ++i) {
             home[i] = {static_cast<int>(shard.home[i].x), static_cast<int>(shard.home[i].y)};
-            corners[i] = {wholePixel(2 * shard.corners[i].x) - left, wholePixel(2 * shard.corners[i].y) - top};
+            corners[i] = {rounded(2 * shard.corners[i].x) - left, rounded(2 * shard.corners[i].y) - top};
         }
         blit(part, part.rect(), photo, corners, home);
         // The edges catch the light. Lines stay away from the end of their clip, which is why it reaches into the
         // margin.
         tagRECT clip = {-3, -3, part.width + 3, part.height + 3};
-        const auto level = static_cast<q_ulong>(90 * clampUnit(shard.height * 7));
+        const q_ulong gleam = greyOf(90 * clampUnit(shard.height * 7));
         for (std::size_t i = 0; i < 3; ++i) {
             const _POINTINT &from = corners[i];
             const _POINTINT &to = corners[(i + 1) % 3];
-            iLine_AntiAliasing_Add(part.pixels, &clip, part.pitch, from.x, from.y, to.x, to.y,
-                                   level << 16 | level << 8 | level, 2);
+            iLine_AntiAliasing_Add(part.pixels, &clip, part.pitch, from.x, from.y, to.x, to.y, gleam, 2);
         }
     }
 
@@ -196,11 +194,9 @@ class Triangles : public Effect {
     std::vector<Shard> shards;
 };
 
-} // namespace
+const Registered<Triangles> registered("triangles", Effect::Kind::transition, Use::inTurn,
+                                       "shards rain down and fit together to the next photograph");
 
-EffectInfo triangles() {
-    return {"triangles", Effect::Kind::transition, "shards rain down and fit together to the next photograph",
-            makeEffect<Triangles>};
-}
+} // namespace
 
 } // namespace show
