@@ -35,6 +35,27 @@ void copy(const Surface &out, int x, int y, const Surface &from, tagRECT part) {
     iBltFast32(out.pixels, from.pixels, static_cast<q_ulong>(x), static_cast<q_ulong>(y), &part, out.pitch, from.pitch);
 }
 
+void copyWithin(const Surface &out, const Surface &from, std::span<const Point> corners) {
+    for (int y = 0; y < out.height; ++y) {
+        const double middle = y + 0.5;
+        double left = out.width;
+        double right = 0;
+        for (std::size_t i = 0; i < corners.size(); ++i) {
+            const Point a = corners[i];
+            const Point b = corners[(i + 1) % corners.size()];
+            if ((a.y < middle) == (b.y < middle))
+                continue;
+            const double x = mix(a.x, b.x, (middle - a.y) / (b.y - a.y));
+            left = std::min(left, x);
+            right = std::max(right, x);
+        }
+        const int first = std::max(rounded(left), 0);
+        const int end = std::min(rounded(right), out.width);
+        if (first < end)
+            copy(out, from, {first, y, end, y + 1});
+    }
+}
+
 void blend(const Surface &out, const Surface &from, double share) {
     blend(out, from, out.rect(), share);
 }

@@ -5,7 +5,10 @@
 #define QMUR_SHOW_PAINTING_H
 
 #include "colour.h"
+#include "point.h"
 #include "surface.h"
+
+#include <span>
 
 namespace show {
 
@@ -22,6 +25,9 @@ void copy(const Surface &out, const Surface &from, tagRECT area);
 
 /// Copies a part of a surface to the place with the corner (x, y).
 void copy(const Surface &out, int x, int y, const Surface &from, tagRECT part);
+
+/// Copies the pixels whose middles lie within a convex polygon to the same place. Neighbours leave no gap.
+void copyWithin(const Surface &out, const Surface &from, std::span<const Point> corners);
 
 /// Mixes `out` with a surface that is no smaller, of which it then holds `share`. Nothing happens to it at 0.
 void blend(const Surface &out, const Surface &from, double share);

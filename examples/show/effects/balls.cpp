@@ -221,6 +221,7 @@ class Balls : public Effect {
         shine(surface, 60, 256, colour, 30);
         shine(surface, 150, 180, colour, 24);
         shine(surface, -110, 150, 0xFFFFFF, 26);
+        shine(surface, -108, 76, 0xFFFFFF, 46);
         return RoundSprite(std::move(canvas));
     }
 

@@ -7,6 +7,7 @@
 #include "../painting.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace show {
 
@@ -27,7 +28,7 @@ class Dissolve : public Effect {
         blur(stage, out, unfocused * std::min(out.width, out.height) / 22.0);
 
         // Light swells where it is bright: the unfocused picture once more over itself.
-        const double swelling = static_cast<int>(70 * unfocused) / 255.0;
+        const double swelling = 0.27 * unfocused;
         copy(next, out);
         addStretched(out, out.rect(), next, out.rect(), swelling, swelling, swelling);
     }
@@ -53,10 +54,14 @@ class Dissolve : public Effect {
     }
 
     static void blurAll(Stage &stage, const Surface &picture, double sigma) {
+        // The kernel's whole weights cut its ends off, which leaves boxes around lights. Three passes round them.
+        constexpr int passes = 3;
         const Stage::Plane rows = stage.plane();
-        const auto deviation = static_cast<float>(sigma);
-        Hor_GaussBlur(rows->pixels, picture.pixels, deviation, picture.width, picture.height, picture.pitch);
-        Ver_GaussBlur(picture.pixels, rows->pixels, deviation, picture.width, picture.height, picture.pitch);
+        const auto deviation = static_cast<float>(sigma / std::sqrt(passes));
+        for (int i = 0; i < passes; ++i) {
+            Hor_GaussBlur(rows->pixels, picture.pixels, deviation, picture.width, picture.height, picture.pitch);
+            Ver_GaussBlur(picture.pixels, rows->pixels, deviation, picture.width, picture.height, picture.pitch);
+        }
     }
 };
 

@@ -5,6 +5,8 @@
 #include "../effect.h"
 #include "../painting.h"
 
+#include <cmath>
+
 namespace show {
 
 namespace {
@@ -53,6 +55,12 @@ class Flash : public Effect {
             // Gone sooner than the glow, and turning blue, or it would lie over the next photograph like a fog.
             const double glare = strength * strength * strength;
             addStretched(out, out.rect(), light, part, glare * strength, glare * mix(strength, 1, 0.4), glare);
+        }
+        // At its height it leaves no colour.
+        const double blinding = easeInOut(stretch(std::abs(moment.t - peak), 0.16, 0.03));
+        if (blinding > 0) {
+            fill(planes[0], 0xFFFFFF);
+            blend(out, planes[0], blinding);
         }
     }
 

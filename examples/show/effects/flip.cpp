@@ -72,8 +72,9 @@ class Flip : public Effect {
                     moving.push_back(lit(before, after, place, way));
             }
 
+        extendEdges(still);
         drawSupersampled(stage, out, [&](const Surface &part, int left, int top) {
-            drawDoubled(part, still, left, top);
+            drawEnlarged(part, still, left, top);
             for (const Card &card : moving)
                 lay(part, left, top, before, after, card);
         });

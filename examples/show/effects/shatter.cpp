@@ -3,13 +3,14 @@
 //
 // Uses i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, the matrix stacks, the camera and VKD_Mapping3Dto2D of the pipeline (by
 // Space), fBubSun, fMean4Vector, Hor_Blur32, Ver_Blur32, iBltNear32, iBltFast32AlphaChannelSafe, iFadeOut32,
-// iBltFast32, iBltFast32Alpha, iFillRect, iBltPerfect32 (by Space).
+// iBltFast32, iBltFast32Alpha, iFillRect, iBltPerfect32 (by drawSupersampled).
 
 #include "../effect.h"
 #include "../painting.h"
 #include "../point.h"
 #include "../random.h"
 #include "../space.h"
+#include "../supersampling.h"
 
 #include <algorithm>
 #include <array>
@@ -120,11 +121,10 @@ class Shatter : public Effect {
         std::stable_sort(flights.begin(), flights.end(),
                          [](const Flight &a, const Flight &b) { return a.depth > b.depth; });
 
-        drawShot(stage, out, moment.b);
-        const double light = mix(0.55, 1, easeInOut(stretch(moment.t, 0.15, 0.95)));
-        dim(out, light);
-        castShadows(stage, out, flights, space.scale());
-        space.fillWith(out);
+        const Stage::Plane ground = stage.plane();
+        drawShot(stage, ground, moment.b);
+        dim(ground, mix(0.55, 1, easeInOut(stretch(moment.t, 0.15, 0.95))));
+        castShadows(stage, ground, flights, space.scale());
 
         // The pane in every gloss, and the colour of its broken edges.
         const Stage::Plane plane = stage.plane();
@@ -141,12 +141,38 @@ class Shatter : public Effect {
         fill(edges, glassEdge);
         blend(edges, plane, 0.4);
 
-        for (Flight &flight : flights) {
-            if (flight.isCracked)
-                draw(space.surface(), edges, flight.edge, flight.texels);
-            draw(space.surface(), panes[flight.gloss], flight.face, flight.texels);
-        }
-        space.show(out);
+        // What the cracks have not reached is the photograph itself.
+        for (const Shard &shard : shards)
+            if (moment.t <= shard.start) {
+                std::array<Point, 4> corners = shard.corners;
+                for (Point &corner : corners)
+                    corner = {corner.x * out.width, corner.y * out.height};
+                copyWithin(ground, plane, corners);
+            }
+        extendEdges(ground);
+
+        // Cracks are thin, and shards that are seen edge-on thinner still: the finer, the less they break up into dots.
+        const auto drawPart = [&]<int factor>(const Surface &part, int left, int top) {
+            drawEnlarged<factor>(part, ground, left, top);
+            const auto placed = [&](const Corners &corners) {
+                Corners moved = corners;
+                for (_POINT3DFLOAT &corner : moved) {
+                    corner.x = corner.x * factor / static_cast<float>(space.scale()) - static_cast<float>(left);
+                    corner.y = corner.y * factor / static_cast<float>(space.scale()) - static_cast<float>(top);
+                }
+                return moved;
+            };
+            for (Flight &flight : flights) {
+                if (!flight.isCracked)
+                    continue;
+                draw(part, edges, placed(flight.edge), flight.texels);
+                draw(part, panes[flight.gloss], placed(flight.face), flight.texels);
+            }
+        };
+        if (space.scale() > 1)
+            drawSupersampled<4>(stage, out, [&](auto &&...place) { drawPart.template operator()<4>(place...); });
+        else
+            drawSupersampled<2>(stage, out, [&](auto &&...place) { drawPart.template operator()<2>(place...); });
     }
 
     /// A shard at one moment, on the screen.
@@ -265,8 +291,14 @@ class Shatter : public Effect {
         lay(out, planes[2], 0, 0);
     }
 
-    static void draw(const Surface &to, const Surface &texture, Corners &points, std::array<_POINTINT, 4> &texels) {
-        tagRECT clip = to.rect();
+    static void draw(const Surface &to, const Surface &texture, Corners points, std::array<_POINTINT, 4> &texels) {
+        const auto [leftmost, rightmost] = std::minmax({points[0].x, points[1].x, points[2].x, points[3].x});
+        const auto [topmost, lowest] = std::minmax({points[0].y, points[1].y, points[2].y, points[3].y});
+        if (rightmost < 0 || lowest < 0 || leftmost > static_cast<float>(to.width) ||
+            topmost > static_cast<float>(to.height))
+            return;
+        // The clip bounds the texels as well. Surfaces that are smaller than their texture lie on planes of its size.
+        tagRECT clip = {0, 0, std::max(to.width, texture.width), std::max(to.height, texture.height)};
         i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe(to.pixels, &points[0], &points[1], &points[2], &points[3],
                                                 texture.pixels, &texels[0], &texels[1], &texels[2], &texels[3], &clip,
                                                 to.unsignedPitch(), texture.unsignedPitch());

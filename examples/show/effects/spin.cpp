@@ -40,6 +40,8 @@ class Spin : public Effect {
             iBltLinear32_Z_Roto_Alpha(out.pixels, out.pitch, picture.pixels, picture.pitch, &clip, &photo,
                                       out.width / 2, out.height / 2, static_cast<float>(angle),
                                       static_cast<float>(scale), static_cast<float>(alpha));
+        // It begins with the photograph itself, which the rotator softens and enlarges a little.
+        blend(out, whole, 1 - easeInOut(stretch(moment.t, 0, 0.12)));
     }
 };
 

@@ -24,6 +24,7 @@ constexpr int cellsAcross = 4;   // the frame's shorter side
 constexpr double fallTime = 0.5; // of the transition
 constexpr int lightLevels = 6;
 constexpr double darkest = 0.45;
+constexpr double overlap = 2.5; // in pixels at the corners, of shards that have all but landed
 
 /// A shard of the photograph.
 struct Shard {
@@ -113,19 +114,30 @@ class Triangles : public Effect {
         std::stable_sort(falling.begin(), falling.end(), [](const FallingShard &lower, const FallingShard &higher) {
             return lower.height < higher.height;
         });
-        for (const FallingShard &shard : lying)
-            reveal(ground, levels[lightLevels - 1], shard);
+        for (const FallingShard &shard : lying) {
+            std::array<Point, 3> home;
+            std::transform(shard.home.begin(), shard.home.end(), home.begin(), [](const tagPOINT &corner) {
+                return Point{static_cast<double>(corner.x), static_cast<double>(corner.y)};
+            });
+            copyWithin(ground, levels[lightLevels - 1], home);
+        }
         std::vector<Shadow> shadows;
         for (const FallingShard &shard : falling)
             shadows.push_back({{shard.shadow[0], shard.shadow[1], shard.shadow[2], shard.shadow[2]},
                                140 * clampUnit(shard.height * 8)});
         castShadows(stage, ground, shadows, out.height / 30);
 
-        drawSupersampled(stage, out, [&](const Surface &part, int left, int top) {
-            drawDoubled(part, ground, left, top);
+        extendEdges(ground);
+        const auto drawPart = [&]<int factor>(const Surface &part, int left, int top) {
+            drawEnlarged<factor>(part, ground, left, top);
             for (const FallingShard &shard : falling)
-                lay(part, left, top, levels[shard.level], shard);
-        });
+                lay(part, factor, left, top, levels[shard.level], shard);
+        };
+        constexpr int largestFine = 2560;
+        if (std::max(out.width, out.height) <= largestFine)
+            drawSupersampled<4>(stage, out, [&](auto &&...place) { drawPart.template operator()<4>(place...); });
+        else
+            drawSupersampled<2>(stage, out, [&](auto &&...place) { drawPart.template operator()<2>(place...); });
         // The triangles' sampling leaves shards up to a pixel beside the photograph that follows.
         blend(out, levels[lightLevels - 1], easeInOut(stretch(moment.t, 0.85, 1)));
     }
@@ -149,6 +161,14 @@ class Triangles : public Effect {
             result.corners[i] = seen.place;
             result.shadow[i] = seen.shadow;
         }
+        // What has all but landed reaches a little over its edge, or dotted lines would show between neighbours.
+        const double reach = clampUnit(1 - height * 60);
+        for (std::size_t i = 0; i < 3; ++i) {
+            const double x = static_cast<double>(shard.home[i].x) - middle.x;
+            const double y = static_cast<double>(shard.home[i].y) - middle.y;
+            const double share = reach * overlap / (std::sqrt(x * x + y * y) + 1);
+            result.corners[i] = between(result.corners[i], {result.corners[i].x + x, result.corners[i].y + y}, share);
+        }
         // The face turned to the light, from above, is bright, and the back of a shard is dark.
         const double facing = cosineOf(attitude.tilt);
         const double light = clampUnit(mix(facing < 0 ? 0 : 0.35, 1, std::abs(facing)) -
@@ -157,31 +177,24 @@ class Triangles : public Effect {
         return result;
     }
 
-    /// The shard in its place: the photograph's own pixels.
-    static void reveal(const Surface &ground, const Surface &photo, const FallingShard &shard) {
-        tagRECT frame = ground.rect();
-        std::array<_POINTINT, 3> home;
-        for (std::size_t i = 0; i < 3; ++i)
-            home[i] = {static_cast<int>(shard.home[i].x), static_cast<int>(shard.home[i].y)};
-        blit(ground, frame, photo, home, home);
-    }
-
-    static void lay(const Surface &part, int left, int top, const Surface &photo, const FallingShard &shard) {
+    static void lay(const Surface &part, int factor, int left, int top, const Surface &photo,
+                    const FallingShard &shard) {
         std::array<_POINTINT, 3> home;
         std::array<_POINTINT, 3> corners;
         for (std::size_t i = 0; i < 3; ++i) {
             home[i] = {static_cast<int>(shard.home[i].x), static_cast<int>(shard.home[i].y)};
-            corners[i] = {rounded(2 * shard.corners[i].x) - left, rounded(2 * shard.corners[i].y) - top};
+            corners[i] = {rounded(factor * shard.corners[i].x) - left, rounded(factor * shard.corners[i].y) - top};
         }
-        blit(part, part.rect(), photo, corners, home);
-        // The edges catch the light. Lines stay away from the end of their clip, which is why it reaches into the
-        // margin.
-        tagRECT clip = {-3, -3, part.width + 3, part.height + 3};
+        // The clip bounds what is read of the photograph as well. A part that is smaller lies on a plane of its size.
+        blit(part, {0, 0, std::max(part.width, photo.width), std::max(part.height, photo.height)}, photo, corners,
+             home);
+        // The edges catch the light.
+        tagRECT clip = part.rect();
         const q_ulong gleam = greyOf(90 * clampUnit(shard.height * 7));
         for (std::size_t i = 0; i < 3; ++i) {
             const _POINTINT &from = corners[i];
             const _POINTINT &to = corners[(i + 1) % 3];
-            iLine_AntiAliasing_Add(part.pixels, &clip, part.pitch, from.x, from.y, to.x, to.y, gleam, 2);
+            iLine_AntiAliasing_Add(part.pixels, &clip, part.pitch, from.x, from.y, to.x, to.y, gleam, factor);
         }
     }
 

@@ -99,6 +99,8 @@ class TurnPage : public Effect {
                      {out.width / 2 - halfWidth - soft, out.height / 2 - halfHeight, 2 * (halfWidth + soft),
                       2 * (halfHeight + soft)});
 
+        extendEdges(backdrop);
+
         const Page page = bentPage(stretch(moment.t, 0.06, 0.94), out.width);
         const int margin = static_cast<int>(away * out.height / 32);
         layMargin(before, margin);
@@ -108,7 +110,7 @@ class TurnPage : public Effect {
         const int spine = out.width / 2;
         const int pivotY = out.height / 2;
         drawSupersampled(stage, out, [&](const Surface &part, int left, int top) {
-            drawDoubled(part, backdrop, left, top);
+            drawEnlarged(part, backdrop, left, top);
             const auto lay = [&](q_ulong *front, q_ulong *back, double angle, double scale, double perspective,
                                  tagRECT rect, int pivotX, double place) {
                 const tagPOINT centre = {rounded(2 * (spine + size * place)) - left, 2 * pivotY - top};
