@@ -35,6 +35,12 @@ Canvas loadPhoto(const std::filesystem::path &path, int frameWidth, int frameHei
     const auto shownWidth = [&] { return largestView(photo.surface(), frameWidth, frameHeight).width; };
     while (shownWidth() >= 2.0 * frameWidth)
         photo = halved(photo.surface());
+    // Less than twice the frame's width would still be read with gaps: that is brought to what a shot shows at last.
+    if (shownWidth() > 1.3 * frameWidth) {
+        const double share = 1.25 * frameWidth / shownWidth();
+        photo = resampled(photo.surface(), std::max(static_cast<int>(photo.width() * share), 1),
+                          std::max(static_cast<int>(photo.height() * share), 1));
+    }
     for (int i = 0; i < mostDoublings && shownWidth() * 1.5 < frameWidth; ++i)
         photo = doubled(photo.surface());
     extendEdges(photo.surface());

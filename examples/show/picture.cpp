@@ -75,6 +75,16 @@ Canvas reduced(const Surface &picture, int width, int height) {
     return result;
 }
 
+Canvas resampled(const Surface &picture, int width, int height) {
+    extendEdges(picture);
+    // Twice the new size is not smaller than the picture, so that mixing neighbours leaves no pixel out.
+    const Canvas twice(2 * width, 2 * height);
+    drawView(twice.surface(), picture, wholeOf(picture));
+    Canvas result(width, height);
+    drawHalved(result.surface(), twice.surface());
+    return result;
+}
+
 void extendEdges(const Surface &picture) {
     constexpr int margin = PlaneLayout::margin;
     // From the margin's own corner, since places in a surface are not negative.

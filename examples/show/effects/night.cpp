@@ -2,11 +2,12 @@
 // glow and throb below; fireflies wander by, and now and then a star falls.
 //
 // Uses Draw_Star_Type1_Safe, Draw_Star_Type2, Draw_Star_Type3, Draw_One_Star_Add, Draw_Cross and Draw_Pixel_Add
-// (stars), Draw_Light_Safe and Draw_Ring_Safe (lights and their halos), iLine_AntiAliasing_AddSome and
-// iLine_AntiAliasing_Add (falling stars), iBltFast32_Add with brightness and iFillRect (the dark).
+// (stars), Draw_Light_Safe (falling stars and bright ones), iLine_AntiAliasing_AddSome and iLine_AntiAliasing_Add
+// (falling stars), iBltFast32_Add with brightness and iFillRect (the dark).
 
 #include "../angle.h"
 #include "../effect.h"
+#include "../glow.h"
 #include "../painting.h"
 #include "../point.h"
 #include "../random.h"
@@ -15,6 +16,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <vector>
 
 namespace show {
 
@@ -22,10 +24,6 @@ namespace {
 
 constexpr std::array<q_ulong, 6> starColours = {0xFFFFFF, 0xDCE6FF, 0xBFD2FF, 0xFFF0D8, 0xFFDCB8, 0xE8F0FF};
 constexpr std::array<q_ulong, 6> lampColours = {0xFFA040, 0xFFB860, 0xFF8830, 0xFFC890, 0xFFA848, 0xA0C8FF};
-
-q_ulong dimmed(q_ulong colour, double share) {
-    return scaled(colour, static_cast<q_ulong>(clampUnit(share) * 256));
-}
 
 /// Draws something additive that knows whole places alone between pixels: shared out among the four nearest, in
 /// colours dimmed by their part.
@@ -41,6 +39,107 @@ void between(double x, double y, q_ulong colour, Draw draw) {
         }
 }
 
+/// Where in the photograph the sky is, as far as its colours tell: even, without warm colours, and reaching down from
+/// the upper edge.
+class Sky {
+public:
+    Sky(Stage &stage, const Surface &out, const Shot &shot)
+        : view(shot.camera.at(shot.progress)), photoWidth(shot.photo.width), photoHeight(shot.photo.height),
+          frameWidth(out.width), frameHeight(out.height) {
+        const Stage::Plane planes[] = {stage.plane(), stage.plane()};
+        drawView(planes[0], shot.photo, wholeOf(shot.photo));
+        Surface small = planes[0];
+        for (int i = 1; small.width > 96 || small.height > 96; ++i) {
+            const Surface half = planes[i % 2]->cropped((small.width + 1) / 2, (small.height + 1) / 2);
+            drawHalved(half, small);
+            small = half;
+        }
+        columns = small.width;
+        rows = small.height;
+        reach(small);
+        soften();
+    }
+
+    /// From 0 to 1 at a place of the frame.
+    double at(Point place) const {
+        const double x = (view.left + place.x * view.width / frameWidth) * columns / photoWidth - 0.5;
+        const double y = (view.top + place.y * view.height / frameHeight) * rows / photoHeight - 0.5;
+        const auto column = static_cast<int>(std::floor(x));
+        const auto row = static_cast<int>(std::floor(y));
+        return mix(mix(shareAt(column, row), shareAt(column + 1, row), x - column),
+                   mix(shareAt(column, row + 1), shareAt(column + 1, row + 1), x - column), y - row);
+    }
+
+private:
+    /// How much it costs to come to each place from the upper edge: what colours differ, and warmth.
+    void reach(const Surface &small) {
+        constexpr double farthest = 60;
+        std::vector<double> costs(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows), farthest);
+        const auto costAt = [&](int x, int y) -> double & { return costs[index(x, y)]; };
+        const auto warmth = [&](int x, int y) {
+            const q_ulong pixel = *small.at(x, y);
+            return std::max(channelOf(pixel, 16) - channelOf(pixel, 0) - 12, 0) * 0.8;
+        };
+        const auto step = [&](int x, int y, int fromX, int fromY) {
+            double difference = 0;
+            for (const int shift : {16, 8, 0})
+                difference += std::abs(channelOf(*small.at(x, y), shift) - channelOf(*small.at(fromX, fromY), shift));
+            return std::max(difference - 14, 0.0) + 0.3 * warmth(x, y);
+        };
+        for (int x = 0; x < columns; ++x)
+            costAt(x, 0) = std::min(warmth(x, 0), farthest);
+        for (bool changed = true; changed;) {
+            changed = false;
+            const auto improve = [&](int x, int y, int fromX, int fromY) {
+                if (fromX < 0 || fromY < 0 || fromX >= columns || fromY >= rows)
+                    return;
+                const double cost = costAt(fromX, fromY) + step(x, y, fromX, fromY);
+                if (cost < costAt(x, y)) {
+                    costAt(x, y) = cost;
+                    changed = true;
+                }
+            };
+            for (int y = 0; y < rows; ++y)
+                for (int x = 0; x < columns; ++x)
+                    for (const int aside : {-1, 1}) {
+                        improve(x, y, x + aside, y);
+                        improve(x, y, x, y + aside);
+                    }
+        }
+        for (const double cost : costs)
+            shares.push_back(1 - stretch(cost, 10, 45));
+    }
+
+    void soften() {
+        const std::vector<double> before = shares;
+        const auto beforeAt = [&](int x, int y) { return before[index(x, y)]; };
+        for (int y = 0; y < rows; ++y)
+            for (int x = 0; x < columns; ++x) {
+                double sum = 0;
+                for (int dy = -1; dy <= 1; ++dy)
+                    for (int dx = -1; dx <= 1; ++dx)
+                        sum += beforeAt(x + dx, y + dy);
+                shares[index(x, y)] = sum / 9;
+            }
+    }
+
+    double shareAt(int x, int y) const { return shares[index(x, y)]; }
+
+    std::size_t index(int x, int y) const {
+        return static_cast<std::size_t>(std::clamp(y, 0, rows - 1)) * static_cast<std::size_t>(columns) +
+               static_cast<std::size_t>(std::clamp(x, 0, columns - 1));
+    }
+
+    View view;
+    int photoWidth;
+    int photoHeight;
+    int frameWidth;
+    int frameHeight;
+    int columns = 1;
+    int rows = 1;
+    std::vector<double> shares;
+};
+
 class Night : public Effect {
     void prepare(int width, int height) override { unit = std::min(width, height) / 720.0; }
 
@@ -53,10 +152,11 @@ class Night : public Effect {
         drawView(day, shot.photo, shot.camera.at(shot.progress));
         darken(out, day, dusk);
 
-        drawSky(out, shot, seconds, dusk);
+        const Sky sky(stage, out, shot);
+        drawSky(out, sky, shot, seconds, dusk);
         drawLamps(out, shot, seconds, dusk);
         drawFireflies(out, shot, seconds, dusk);
-        drawFallingStars(out, shot, seconds);
+        drawFallingStars(out, sky, shot, seconds);
     }
 
     /// Row by row, the darker and bluer the higher, in air that glows a little by itself. Red goes last at dusk.
@@ -77,7 +177,7 @@ class Night : public Effect {
     }
 
     /// The sky turns about a point far below the frame. A milky way crosses it.
-    void drawSky(const Surface &out, const Shot &shot, double seconds, double dusk) const {
+    void drawSky(const Surface &out, const Sky &sky, const Shot &shot, double seconds, double dusk) const {
         constexpr int clouds = 46;
         constexpr int stars = 330;
         constexpr int faintStars = 260;
@@ -108,8 +208,7 @@ class Night : public Effect {
             const Point place = inMilkyWay();
             const double size = random.between(60, 150);
             const q_ulong colour = random.below(3) == 0 ? 0xA088D0 : 0x7890E0;
-            light(out, static_cast<int>(std::floor(place.x)), static_cast<int>(std::floor(place.y)),
-                  static_cast<int>(size * unit), dimmed(colour, easeIn(dusk) * haze(place)), 8);
+            addGlow(out, place, 1.6 * size * unit, colour, 0.10 * easeIn(dusk) * haze(place) * sky.at(place));
         }
         for (int i = 0; i < stars + faintStars; ++i) {
             const bool faint = i >= stars;
@@ -125,7 +224,7 @@ class Night : public Effect {
             const double twinkle =
                 0.72 + 0.28 * sineOf(phase + speed * seconds) * sineOf(2.7 * speed * seconds - phase);
             if (place.x > -40 * unit && place.x < out.width + 40 * unit && place.y > -40 * unit)
-                drawStar(out, place.x, place.y, size, colour, shown * haze(place) * twinkle);
+                drawStar(out, place.x, place.y, size, colour, shown * haze(place) * twinkle * sky.at(place));
         }
     }
 
@@ -199,28 +298,11 @@ class Night : public Effect {
         }
     }
 
-    /// A core, the light around it, which falls off ever more slowly, and a faint ring.
+    /// A core, and the light around it, which falls off ever more slowly.
     void glow(const Surface &out, double x, double y, double radius, q_ulong colour, double brightness) const {
-        const auto shine = [&](double share, q_ulong shining, double intensity) {
-            const int reach = std::max(static_cast<int>(share * radius), 6);
-            between(x, y, dimmed(shining, brightness),
-                    [&](int column, int row, q_ulong shared) { light(out, column, row, reach, shared, intensity); });
-        };
-        shine(4.2, colour, 7);
-        shine(2.2, colour, 14);
-        shine(1.2, colour, 34);
-        shine(0.7, colour, 70);
-        shine(0.4, 0xFFF0D8, 110);
-
-        // The band's table ends at 127.
-        constexpr int farthest = 127;
-        const int thickness = std::clamp(static_cast<int>(radius / 7), 1, 12);
-        const int ring = static_cast<int>(2.1 * radius);
-        if (ring + 2 * thickness > farthest)
-            return;
-        tagRECT frame = out.rect();
-        Draw_Ring_Safe(out.pixels, out.pitch, &frame, rounded(x), rounded(y), ring, thickness,
-                       dimmed(colour, 0.035 * brightness));
+        addGlow(out, {x, y}, 4.2 * radius, colour, 0.55 * brightness);
+        addGlow(out, {x, y}, 1.4 * radius, colour, 0.8 * brightness);
+        addGlow(out, {x, y}, std::max(0.5 * radius, 2.0), 0xFFF0D8, 2.2 * brightness);
     }
 
     void drawFireflies(const Surface &out, const Shot &shot, double seconds, double dusk) const {
@@ -242,20 +324,14 @@ class Night : public Effect {
                 row * out.height + reach * out.height * (0.6 * cosineOf(1.3 * turns) + 0.25 * sineOf(3.1 * turns));
             const double pulse = clampUnit(0.55 + 0.65 * sineOf(blink * seconds + 3 * phase));
             const double brightness = easeInOut(pulse) * stretch(dusk, 0.7, 1);
-            const auto shine = [&](double share, q_ulong colour, double intensity) {
-                const int radius = std::max(static_cast<int>(share * size * unit), 6);
-                between(x, y, dimmed(colour, brightness), [&](int lightX, int lightY, q_ulong shared) {
-                    light(out, lightX, lightY, radius, shared, intensity);
-                });
-            };
-            shine(5, 0x9CC840, 12);
-            shine(2.2, 0xC8F050, 34);
-            shine(1, 0xF0FF90, 100);
+            const Point place = {x, y};
+            addGlow(out, place, std::max(5 * size * unit, 6.0), 0x9CC840, 0.3 * brightness);
+            addGlow(out, place, std::max(1.8 * size * unit, 3.0), 0xE0FF70, 1.4 * brightness);
         }
     }
 
     /// Two of them in a shot, across the upper sky.
-    void drawFallingStars(const Surface &out, const Shot &shot, double seconds) const {
+    void drawFallingStars(const Surface &out, const Sky &sky, const Shot &shot, double seconds) const {
         constexpr double duration = 0.8;
         Random random(seedOf(shot.seed, 3));
         for (const double share : {0.5, 0.74}) {
@@ -266,11 +342,12 @@ class Night : public Effect {
             const double slope = random.between(0.3, 0.6);
             const double t = (seconds - start) / duration;
             if (t > 0 && t < 1)
-                drawFallingStar(out, fromX, fromY, side, slope, t);
+                drawFallingStar(out, sky, fromX, fromY, side, slope, t);
         }
     }
 
-    void drawFallingStar(const Surface &out, double fromX, double fromY, double side, double slope, double t) const {
+    void drawFallingStar(const Surface &out, const Sky &sky, double fromX, double fromY, double side, double slope,
+                         double t) const {
         // The fading of a line is coarse unless its length is a power of two.
         int length = 16;
         while (length < 512 && 1.5 * length < 250 * unit)
@@ -280,7 +357,9 @@ class Night : public Effect {
         const int y = static_cast<int>(std::floor(fromY + slope * travelled));
         const int tailX = x - static_cast<int>(side) * length;
         const int tailY = y - static_cast<int>(slope * length);
-        const double brightness = 4 * t * (1 - t);
+        const double brightness = 4 * t * (1 - t) * sky.at({static_cast<double>(x), static_cast<double>(y)});
+        if (brightness <= 0)
+            return;
 
         tagRECT frame = out.rect();
         const int beside = std::max(static_cast<int>(1.2 * unit), 1);

@@ -188,7 +188,7 @@ class Title : public Effect {
             drawOrnament(ornament.surface());
             emboss(ornament.surface(), 0.08, 0.20);
         }
-        smooth(std::clamp(0.0023 * mapHeight, 0.4, 10.0));
+        smooth(std::clamp(0.0060 * mapHeight, 0.4, 12.0));
         for (Canvas &map : maps)
             map = reduced(map.surface(), width, height);
         castShadow(width, height);

@@ -186,8 +186,8 @@ Yard::Yard(int frameWidth, int frameHeight)
 }
 
 Canvas sceneryOf(const Yard &yard) {
-    // Drawn at twice the size, so that halving smooths the edges; very large frames do without.
-    const int scale = yard.width <= 2048 && yard.height <= 2048 ? 2 : 1;
+    // Drawn at twice the size, so that halving smooths the edges.
+    constexpr int scale = 2;
     const Canvas scenery(yard.width * scale, yard.height * scale);
     drawScenery(scenery, yard, scale);
     return reduced(scenery, yard.width, yard.height);
