@@ -186,10 +186,12 @@ Yard::Yard(int frameWidth, int frameHeight)
 }
 
 Canvas sceneryOf(const Yard &yard) {
-    // Drawn at twice the size, so that halving smooths the edges.
-    constexpr int scale = 2;
+    // Drawn at twice the size, so that halving smooths the edges. What is too large for that is blurred by a pixel.
+    const int scale = std::max(yard.width, yard.height) <= 4096 ? 2 : 1;
     const Canvas scenery(yard.width * scale, yard.height * scale);
     drawScenery(scenery, yard, scale);
+    if (scale == 1)
+        blur(scenery, 1);
     return reduced(scenery, yard.width, yard.height);
 }
 
