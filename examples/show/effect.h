@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 namespace show {
 
@@ -42,6 +43,9 @@ public:
     };
 
     virtual ~Effect() = default;
+
+    /// Called once, before prepare(): what the user wants to have written, or nothing.
+    virtual void write(const std::string &title, const std::string &subtitle);
 
     /// Called once, before any frame is drawn: the place to draw sprites.
     virtual void prepare(int width, int height);

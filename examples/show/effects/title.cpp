@@ -8,6 +8,7 @@
 
 #include "../angle.h"
 #include "../effect.h"
+#include "../lettering.h"
 #include "../painting.h"
 #include "../point.h"
 
@@ -17,78 +18,15 @@
 #include <string>
 #include <vector>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QMUR_SHOW_DETECT_LEAKS
-#include <sanitizer/lsan_interface.h>
-#endif
-#endif
-
 namespace show {
 
 namespace {
 
-constexpr q_ulong ink = 0xFFFFFF;
 constexpr double slopeOfOne = 64; // a slope of 1 in a light map
 
 /// In steps of 1/256. A share beyond 0 to 1 is cut off there.
 int share(double value) {
     return rounded(256 * clampUnit(value));
-}
-
-int widthOf(const tagRECT &rect) {
-    return static_cast<int>(rect.right - rect.left);
-}
-
-int heightOf(const tagRECT &rect) {
-    return static_cast<int>(rect.bottom - rect.top);
-}
-
-/// What is not 0 on the surface; empty if all of it is.
-tagRECT boundsOf(const Surface &surface) {
-    tagRECT bounds = {surface.width, surface.height, 0, 0};
-    for (q_long y = 0; y < surface.height; ++y)
-        for (q_long x = 0; x < surface.width; ++x)
-            if (*surface.at(static_cast<int>(x), static_cast<int>(y)) != 0)
-                bounds = {std::min(bounds.left, x), std::min(bounds.top, y), std::max(bounds.right, x + 1),
-                          std::max(bounds.bottom, y + 1)};
-    return bounds;
-}
-
-/// Writes a line in the middle of `place`, as large as that allows. False if there are no letters to be had.
-bool writeLine(const Surface &out, const char *line, const tagRECT &place) {
-    const Canvas scratch(out.width, out.height);
-    const Surface paper = scratch.surface();
-    tagRECT whole = paper.rect();
-    std::vector<char> text(line, line + std::char_traits<char>::length(line) + 1);
-    char face[] = "Verdana";
-    const auto write = [&](int size) {
-#if defined(QMUR_SHOW_DETECT_LEAKS)
-        // fontconfig keeps its settings behind offsets that a leak detector does not follow.
-        const __lsan::ScopedDisabler disabler;
-#endif
-        fill(paper, 0);
-        return size > 0 && iTextOut(paper.pixels, &whole, paper.pitch, text.data(), ink, 0, 0, size, face) != 0;
-    };
-    // First small enough to be seen whole, then to measure.
-    const int tried = std::min(widthOf(place) / static_cast<int>(text.size()), heightOf(place));
-    if (!write(tried))
-        return false;
-    const tagRECT trial = boundsOf(paper);
-    if (trial.left >= trial.right)
-        return false;
-    const double growth = std::min(static_cast<double>(widthOf(place)) / widthOf(trial),
-                                   static_cast<double>(heightOf(place)) / heightOf(trial));
-    if (!write(static_cast<int>(tried * growth)))
-        return false;
-    tagRECT letters = boundsOf(paper);
-    if (letters.left >= letters.right)
-        return false;
-    const q_long left = place.left + (widthOf(place) - widthOf(letters)) / 2;
-    const q_long top = place.top + (heightOf(place) - heightOf(letters)) / 2;
-    iBltFast32_Advanced(out.pixels, paper.pixels, static_cast<int>(left), static_cast<int>(top), &letters, out.pitch,
-                        paper.pitch, out.width, out.height);
-    return true;
 }
 
 /// \param waist where the points part, in radii
@@ -160,6 +98,11 @@ class Title : public Effect {
         int slopeY;
     };
 
+    void write(const std::string &title, const std::string &subtitle) override {
+        line = title;
+        secondLine = subtitle;
+    }
+
     void prepare(int width, int height) override {
         // At twice the frame's size, so that halving smooths the edges, but no larger than is soon made.
         constexpr double widest = 2600;
@@ -177,12 +120,13 @@ class Title : public Effect {
         };
         const Canvas title(mapWidth, mapHeight);
         const Canvas subtitle(mapWidth, mapHeight);
-        const bool hasLetters = writeLine(title.surface(), "q_Mur", band(0.10, 0.22, 0.90, 0.64)) &&
-                                writeLine(subtitle.surface(), "moving pictures of photographs", //
-                                          band(0.16, 0.70, 0.84, 0.78));
+        // Alone, it stands in the middle.
+        const double lower = secondLine.empty() ? 0.08 : 0;
+        const bool hasLetters = !line.empty() && writeLine(title, line, band(0.10, 0.22 + lower, 0.90, 0.64 + lower));
         if (hasLetters) {
             emboss(title.surface(), 0.17, 0.30);
-            emboss(subtitle.surface(), 0.14, 0.25);
+            if (!secondLine.empty() && writeLine(subtitle, secondLine, band(0.16, 0.70, 0.84, 0.78)))
+                emboss(subtitle.surface(), 0.14, 0.25);
         } else {
             const Canvas ornament(mapWidth, mapHeight);
             drawOrnament(ornament.surface());
@@ -413,6 +357,8 @@ class Title : public Effect {
         });
     }
 
+    std::string line;
+    std::string secondLine;
     std::array<Canvas, 4> maps;
 };
 
