@@ -131,6 +131,15 @@ class TurnPage : public Effect {
                     {strip.left, 0, right, out.height}, strip.left, strip.place);
             }
         });
+
+        // It begins and ends with the photographs themselves, which the book softens a little.
+        constexpr double blending = 0.08;
+        const double share = 1 - std::min(moment.t, 1 - moment.t) / blending;
+        if (share > 0) {
+            const Stage::Plane &photo = backdrop;
+            drawShot(stage, photo, moment.t < 0.5 ? moment.a : moment.b);
+            blend(out, photo, share);
+        }
     }
 
     /// Shades the halves that lie flat under the page, and the page by how it stands to the light.
