@@ -17,12 +17,13 @@ namespace show {
 template <int factor = 2, class Draw>
 void drawSupersampled(Stage &stage, const Surface &out, const Draw &draw) {
     static_assert(factor == 2 || factor == 4);
-    constexpr int rim = 4 - factor; // for as much as a plane's margin has room
+    constexpr int rim = factor;
+    constexpr int parts = factor == 2 ? 2 : 5; // small enough for a plane, with the rim and what filters read beyond
     const Stage::Plane plane = stage.plane();
     const Stage::Plane between = stage.plane();
-    const auto start = [](int extent, int part) { return static_cast<int>((extent + factor - 1LL) * part / factor); };
-    for (int row = 0; row < factor; ++row)
-        for (int column = 0; column < factor; ++column) {
+    const auto start = [](int extent, int part) { return static_cast<int>((extent + parts - 1LL) * part / parts); };
+    for (int row = 0; row < parts; ++row)
+        for (int column = 0; column < parts; ++column) {
             const int left = start(out.width, column);
             const int top = start(out.height, row);
             const int width = std::min(start(out.width, column + 1), out.width) - left;

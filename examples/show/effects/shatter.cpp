@@ -128,9 +128,9 @@ class Shatter : public Effect {
 
         // The pane in every gloss, and the colour of its broken edges.
         const Stage::Plane plane = stage.plane();
+        drawShot(stage, plane, moment.a);
         const std::array<Stage::Plane, glosses.size()> panes = {
             stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane()};
-        drawShot(stage, plane, moment.a);
         const Stage::Plane edges = stage.plane();
         fill(edges, 0xFFFFFF);
         for (std::size_t i = 0; i < glosses.size(); ++i) {
