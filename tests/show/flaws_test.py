@@ -4,6 +4,7 @@
     flaws_test.py --program build/linux/bin/qmur-show --photos tests/show/photos [name of a test ...]
 """
 
+import running
 from pictures import Picture, png_bytes, read_png
 from running import ShowTest, four_photos, read_options, run_tests
 
@@ -96,7 +97,15 @@ def smooth(width, height, first, second):
     return Picture(width, height, pixels)
 
 
-class Jumps(ShowTest):
+class FlawTest(ShowTest):
+    def setUp(self):
+        super().setUp()
+        # The frames' checksums say that all builds draw the same. It is enough to look at them once.
+        if running.is_sanitized() or running.is_for_windows():
+            self.skipTest("the pictures are those of the plain build")
+
+
+class Jumps(FlawTest):
     def pictures(self, *arguments):
         (self.directory / "f").mkdir()
         self.show(*arguments, "-o", "f/%04d.png")
@@ -135,7 +144,7 @@ class Jumps(ShowTest):
                 self.assertEqual(jumps(pictures, 2.2, 2.5), [])
 
 
-class Specks(ShowTest):
+class Specks(FlawTest):
     def setUp(self):
         super().setUp()
         for name, colours in {"a.png": ((150, 60, 20), (240, 170, 90)), "b.png": ((10, 30, 90), (60, 110, 190))}.items():
