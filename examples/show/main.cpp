@@ -24,10 +24,10 @@ constexpr int failed = 2;
 
 std::string effectList() {
     std::string list;
-    for (const EffectInfo &effect : allEffects()) {
+    for (const EffectInfo *effect : allEffects()) {
         std::array<char, 256> line;
-        std::snprintf(line.data(), line.size(), "%-12s %-11s %s\n", effect.name, nameOf(effect.kind),
-                      effect.description);
+        std::snprintf(line.data(), line.size(), "%-12s %-11s %s\n", effect->name, nameOf(effect->kind),
+                      effect->description);
         list += line.data();
     }
     return list;
@@ -55,8 +55,7 @@ std::vector<ShownPhoto> namedPhotos(const Options &options, const char *programN
 }
 
 void warnIfLettersAreMissing(const ShowSettings &settings) {
-    const auto isTitle = [](const std::string &name) { return name == "title"; };
-    if (std::none_of(settings.effects.begin(), settings.effects.end(), isTitle))
+    if (settings.title.empty() && settings.captions.empty())
         return;
     Canvas paper(16, 16);
     tagRECT whole = paper.rect();
@@ -64,7 +63,7 @@ void warnIfLettersAreMissing(const ShowSettings &settings) {
     std::array<char, 1> anyFace = {0};
     if (!iTextOut(paper.surface().pixels, &whole, paper.surface().pitch, letter.data(), 0xFFFFFF, 0, 0, 12,
                   anyFace.data()))
-        say("there are no fonts: the title stays without letters");
+        say("there are no fonts: title and captions stay without letters");
 }
 
 /// Divides the music's length among the photographs, less what some of them ask for.
@@ -84,8 +83,6 @@ void lastAsMusic(ShowSettings &settings, double musicSeconds) {
 
 void run(Options options, const char *programName) {
     ShowSettings &settings = options.show;
-    if (settings.effects.empty())
-        settings.effects = defaultEffects();
     for (const std::string &name : settings.effects)
         if (!findEffect(name))
             throw Failure("there is no effect '" + printable(name) + "'; --list names them all");
@@ -98,6 +95,8 @@ void run(Options options, const char *programName) {
     }
     const double musicSeconds = options.music.empty() ? 0 : secondsOfMusic(options.music);
     settings.photos = readablePhotos(named, {options.threads, settings.mostMegapixels, options.skipsBad});
+    if (settings.effects.empty())
+        settings.effects = effectsFor(settings.photos.size(), settings.seed);
 
     catchSignals();
     Init_qMur_GlobalData(nullptr, nullptr);

@@ -2,11 +2,13 @@
 
 #include "command_line.h"
 #include "failure.h"
+#include "input_file.h"
 #include "text.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <sstream>
 #include <thread>
 
 namespace show {
@@ -87,6 +89,39 @@ std::uint64_t readSeed(const std::string &text) {
     return static_cast<std::uint64_t>(*value);
 }
 
+Fit readFit(const std::string &text) {
+    if (text == "auto")
+        return Fit::automatic;
+    if (text == "cover")
+        return Fit::cover;
+    if (text == "contain")
+        return Fit::contain;
+    throw Failure("--fit " + printable(text) + " is none of cover, contain and auto");
+}
+
+std::vector<std::string> readCaptions(const std::filesystem::path &path) {
+    constexpr std::size_t longest = 1 << 24;
+    std::vector<unsigned char> bytes;
+    try {
+        InputFile file(path);
+        if (file.size() > longest)
+            throw Failure("it is too long for captions");
+        file.read(bytes, static_cast<std::size_t>(file.size()));
+    } catch (const Failure &failure) {
+        throw Failure("cannot read " + quoted(path) + ": " + failure.what());
+    }
+    std::istringstream text(std::string(bytes.begin(), bytes.end()));
+    std::vector<std::string> captions;
+    for (std::string line; std::getline(text, line);) {
+        if (captions.empty() && line.starts_with("\xEF\xBB\xBF")) // as some editors begin files
+            line.erase(0, 3);
+        if (line.ends_with('\r'))
+            line.pop_back();
+        captions.push_back(line);
+    }
+    return captions;
+}
+
 void readEffects(std::string_view text, std::vector<std::string> &effects) {
     for (;;) {
         const std::string_view name = text.substr(0, text.find(','));
@@ -146,6 +181,17 @@ Options parseOptions(const std::vector<std::string> &arguments) {
     line.option("effects", "A,B,...", "Effects in their order, of those that --list names",
                 [&](const std::string &value) { readEffects(value, settings.effects); })
         .repeatable();
+    line.option(
+        "fit", "HOW",
+        "cover fills the frame with each photograph, contain shows all of it, auto covers unless too much would "
+        "be cut off [auto]",
+        [&](const std::string &value) { settings.fit = readFit(value); });
+    line.option("title", "TEXT", "A title on the first photograph",
+                [&](const std::string &value) { settings.title = value; });
+    line.option("subtitle", "TEXT", "A line below the title",
+                [&](const std::string &value) { settings.subtitle = value; });
+    line.option("caption", "FILE", "A text with a line for each photograph, shown on it; an empty one for none",
+                [&](const std::string &value) { settings.captions = readCaptions(pathOf(value)); });
     line.option("seed", "N", "What is left to chance depends on this number [1]",
                 [&](const std::string &value) { settings.seed = readSeed(value); });
     line.option("first", "FRAME", "First frame to render; they count from 0",
@@ -178,6 +224,8 @@ Options parseOptions(const std::vector<std::string> &arguments) {
     if (options.first && options.last && *options.first > *options.last)
         throw Failure("--first " + std::to_string(*options.first) + " is behind --last " +
                       std::to_string(*options.last));
+    if (settings.title.empty() && !settings.subtitle.empty())
+        throw Failure("--subtitle needs --title");
     if (options.lastsAsMusic && options.music.empty())
         throw Failure("--seconds music needs --music");
     if (options.outputs.empty())

@@ -4,7 +4,7 @@
 
 namespace show {
 
-std::shared_ptr<const Canvas> PhotoShelf::photo(const std::filesystem::path &path) {
+std::shared_ptr<const Photo> PhotoShelf::photo(const std::filesystem::path &path) {
     std::shared_ptr<Place> place;
     {
         const std::lock_guard lock(mutex);
@@ -21,9 +21,9 @@ std::shared_ptr<const Canvas> PhotoShelf::photo(const std::filesystem::path &pat
         place = places.front();
     }
     const std::lock_guard lock(place->loading);
-    if (!place->canvas)
-        place->canvas = std::make_shared<const Canvas>(loadPhoto(path, frameWidth, frameHeight, mostMegapixels));
-    return place->canvas;
+    if (!place->photo)
+        place->photo = std::make_shared<const Photo>(loadPhoto(path, frame, mostMegapixels));
+    return place->photo;
 }
 
 } // namespace show

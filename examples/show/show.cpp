@@ -25,16 +25,44 @@ auto inTurn(const Container &container, int index) {
 
 } // namespace
 
-std::vector<std::string> defaultEffects() {
-    // A scene for each of the shots, and what leads from one to the next.
-    return {"title",  "wave",    "night", "pan",  "landscape",  "bubbles", "pan",   "pan",  "balls",     "winter",
-            "sparks", "bubbles", "snow",  "pan",  "wave",       "pan",     "pan",   "pan",  "turn-page", "cylinder",
-            "flood",  "shatter", "cube",  "pen",  "fly-in",     "roll",    "brush", "iris", "dissolve",  "triangles",
-            "flip",   "spin",    "flash", "wipe", "cross-fade", "fade-out"};
+std::vector<std::string> effectsFor(std::size_t photoCount, std::uint64_t seed) {
+    const auto namesOf = [](Effect::Kind kind, Use use) {
+        std::vector<std::string> names;
+        for (const EffectInfo *effect : allEffects())
+            if (effect->kind == kind && effect->use == use)
+                names.emplace_back(effect->name);
+        return names;
+    };
+    // Each of a kind comes once before any comes again.
+    constexpr std::uint64_t forEffects = 0x656666656374;
+    Random random(seed ^ forEffects);
+    const auto take = [&random](std::vector<std::string> &left, const std::vector<std::string> &all) {
+        if (left.empty())
+            left = all;
+        const auto chosen = left.begin() + random.below(static_cast<int>(left.size()));
+        const std::string name = *chosen;
+        left.erase(chosen);
+        return name;
+    };
+    // Most photographs are shown as they are.
+    constexpr std::size_t rarity = 3;
+    const std::vector<std::string> plainScenes = namesOf(Effect::Kind::scene, Use::often);
+    const std::vector<std::string> otherScenes = namesOf(Effect::Kind::scene, Use::inTurn);
+    const std::vector<std::string> transitions = namesOf(Effect::Kind::transition, Use::inTurn);
+    std::vector<std::string> plainLeft;
+    std::vector<std::string> othersLeft;
+    std::vector<std::string> transitionsLeft;
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < photoCount; ++i)
+        names.push_back(i % rarity == rarity - 1 ? take(othersLeft, otherScenes) : take(plainLeft, plainScenes));
+    for (std::size_t i = 1; i < photoCount; ++i)
+        names.push_back(take(transitionsLeft, transitions));
+    names.push_back(namesOf(Effect::Kind::ending, Use::inTurn).front());
+    return names;
 }
 
 Show::Show(const ShowSettings &chosen)
-    : settings(chosen), shelf(std::make_unique<PhotoShelf>(chosen.width, chosen.height, chosen.mostMegapixels)) {
+    : settings(chosen), shelf(std::make_unique<PhotoShelf>(photoFrame(), chosen.mostMegapixels)) {
     for (const std::string &name : settings.effects) {
         const EffectInfo *const info = findEffect(name);
         if (!info)
@@ -55,9 +83,15 @@ Show::Show(const ShowSettings &chosen)
     }
     if (scenes.empty())
         scenes.push_back(effectNamed("pan"));
+    if (!settings.title.empty())
+        titleScene = effectNamed("title");
     layOutShots();
-    for (const auto &[name, effect] : effects)
+    for (const auto &[name, effect] : effects) {
+        effect->write(settings.title, settings.subtitle);
         effect->prepare(settings.width, settings.height);
+    }
+    for (const std::string &caption : settings.captions)
+        captions.push_back(captionFor(caption, settings.width, settings.height));
 }
 
 void Show::layOutShots() {
@@ -83,6 +117,14 @@ const Effect *Show::effectNamed(const std::string &name) {
     return effect.get();
 }
 
+void Show::drawCaption(const Surface &out, int shot, int passed, int left) const {
+    const std::size_t photo = at(shot) % settings.photos.size();
+    if (photo >= captions.size() || captions[photo].width() == 0)
+        return;
+    const double fading = std::max(0.4 * settings.rate.perSecond(), 1.0);
+    layCaption(out, captions[photo], easeInOut(clampUnit(std::min(passed, left) / fading)));
+}
+
 const ShownPhoto &Show::photoOf(int shot) const {
     return settings.photos[at(shot) % settings.photos.size()];
 }
@@ -93,17 +135,16 @@ int Show::overlapBefore(int shot) const {
     return std::min({framesIn(transitionSeconds, settings.rate) / 2, framesOf(shot - 1) / 5, framesOf(shot) / 5});
 }
 
-Shot Show::shotAt(int index, int frame, std::shared_ptr<const Canvas> &canvas) const {
+Shot Show::shotAt(int index, int frame, std::shared_ptr<const Photo> &photo) const {
     const int first = firstFrames[at(index)] - overlapBefore(index);
     const int end = firstFrames[at(index + 1)] + overlapBefore(index + 1);
-    canvas = shelf->photo(photoOf(index).path);
-    const Surface surface = canvas->surface();
+    photo = shelf->photo(photoOf(index).path);
     // In and out in turn, and the other way when a photograph comes round again.
     const bool closesIn = (at(index) + at(index) / settings.photos.size()) % 2 == 0;
     const std::uint64_t seed = seedOf(settings.seed, index);
-    return {.photo = surface,
-            .camera = cameraOver(surface, settings.width, settings.height, seed, closesIn),
-            .scene = inTurn(scenes, index),
+    return {.photo = photo->picture,
+            .camera = cameraOver(*photo, photoFrame(), seed, closesIn),
+            .scene = index == 0 && titleScene ? titleScene : inTurn(scenes, index),
             .seed = seed,
             .progress = static_cast<double>(frame - first) / (end - first),
             .seconds = settings.rate.secondsOf(end - first)};
@@ -117,8 +158,8 @@ void Show::render(Stage &stage, int frame) const {
     const int overlap = overlapBefore(index);
     const int overlapBehind = overlapBefore(index + 1);
 
-    std::shared_ptr<const Canvas> first;
-    std::shared_ptr<const Canvas> second;
+    std::shared_ptr<const Photo> first;
+    std::shared_ptr<const Photo> second;
     stage.beginFrame();
     if (left <= overlapBehind)
         inTurn(transitions, index)
@@ -135,6 +176,7 @@ void Show::render(Stage &stage, int frame) const {
                        {shotAt(index, frame, first), shotAt(index, frame, second), 1 - (left - 1.0) / endingFrames});
     else
         drawShot(stage, stage.frame(), shotAt(index, frame, first));
+    drawCaption(stage.frame(), index, passed - overlap, left - std::max(overlapBehind, endingOf(index)));
     stage.endFrame();
 }
 

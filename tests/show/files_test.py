@@ -543,7 +543,7 @@ class Surroundings(ShowTest):
     def test_without_fonts_a_title_is_warned_of(self):
         (self.directory / "fonts.conf").write_text("<fontconfig></fontconfig>")
         environment = {**os.environ, "FONTCONFIG_FILE": str(self.directory / "fonts.conf")}
-        arguments = (four_photos()[0], "--size", "64x64", "--fps", 1, "--seconds", 1, "--effects", "title", "-o", "s.png")
+        arguments = (four_photos()[0], "--size", "64x64", "--fps", 1, "--seconds", 1, "--title", "x", "-o", "s.png")
         self.assertIn("there are no fonts", self.show(*arguments, env=environment).stderr)
 
     def peak_of(self, names):

@@ -22,6 +22,13 @@ def four_photos():
     return [photos / name for name in ("coffee.png", "chelsea.png", "rocket.jpg", "hubble_deep_field.jpg")]
 
 
+def bundled_photos():
+    """In the order of the default show."""
+    directory = Path(__file__).resolve().parents[2] / "examples" / "show" / "photos"
+    names = "dandelion mountains stream dogs fig meadow brushes sunset"
+    return [directory / f"{name}.jpg" for name in names.split()]
+
+
 def is_for_windows():
     return program.suffix == ".exe"
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs qmur-show as a person would and looks at what it draws.
 
-    show_test.py --program build/linux/bin/qmur-show --photos photos [--emulator cmake/under-wine] [name of a test ...]
+    show_test.py --program build/linux/bin/qmur-show --photos tests/show/photos [--emulator cmake/under-wine] [name of a test ...]
     show_test.py --program ... --photos ... --accept     writes the checksums of the frames down anew
 """
 
@@ -18,7 +18,7 @@ from pathlib import Path
 
 import running
 from pictures import Picture, bmp_bytes, png_bytes, read_png, with_orientation
-from running import ShowTest, command, four_photos, sha256
+from running import ShowTest, bundled_photos, command, four_photos, sha256
 
 CHECKSUMS = Path(__file__).with_name("frames.sha256")
 
@@ -61,7 +61,7 @@ class CommandLine(ShowTest):
 
     def test_without_photographs_the_bundled_ones_are_shown(self):
         alone = self.frames("alone", "--size", "96x54", "--fps", 2, "--last", 3)
-        named = self.frames("named", *four_photos(), "--size", "96x54", "--fps", 2, "--last", 3)
+        named = self.frames("named", *bundled_photos(), "--size", "96x54", "--fps", 2, "--last", 3)
         self.assertEqual(alone, named)
         self.assertEqual(list(alone), [0, 1, 2, 3])
 
@@ -130,7 +130,7 @@ class Frames(ShowTest):
         colour = (200, 100, 50)
         for size in (1, 40, 700):
             (self.directory / "flat.png").write_bytes(png_bytes(Picture(size, size, [colour] * size * size)))
-            self.show("flat.png", "--size", "64x36", "--fps", 1, "--effects", "pan", "-o", "out%d.png")
+            self.show("flat.png", "--fit", "cover", "--size", "64x36", "--fps", 1, "--effects", "pan", "-o", "out%d.png")
             self.assertEqual(set(read_png(self.directory / "out0.png").pixels), {colour})
 
     def test_frames_are_those_that_were_written_down(self):
