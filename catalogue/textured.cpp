@@ -520,12 +520,18 @@ void arrangePlainQuad(Call &call, Random &random) {
     call["tex"] = Plane::randomSurface(random, dst.width(), dst.height());
     // Far beyond products wrap, and 16384 texels on they come back to where they were.
     const int reach = random.oneIn(20) ? 20000 : 6;
-    const int far = random.oneIn(8) ? 16384 : 0;
+    const int lap = random.oneIn(8) ? 16384 : 0;
+    const bool isUpright = random.oneIn(4);
+    const auto within = [&random](int extent) { return random.realBetween(-6, static_cast<float>(extent) + 6); };
+    const float sides[] = {within(dst.width()), within(dst.width())};
+    const float ends[] = {within(dst.height()), within(dst.height())};
     for (std::size_t i = 0; i < 4; ++i) {
-        const float x = random.realBetween(-6, static_cast<float>(dst.width()) + 6);
-        const float y = random.realBetween(-6, static_cast<float>(dst.height()) + 6);
-        const int u = random.between(-reach, dst.width() + reach) + far * random.between(-1, 1);
-        const int v = random.between(-reach, dst.height() + reach) + far * random.between(-1, 1);
+        const int right = isUpright ? static_cast<int>(i == 1 || i == 2) : random.between(-1, 1);
+        const int lower = isUpright ? static_cast<int>(i >= 2) : random.between(-1, 1);
+        const float x = isUpright ? sides[right] : within(dst.width());
+        const float y = isUpright ? ends[lower] : within(dst.height());
+        const int u = random.between(-reach, dst.width() + reach) + lap * right;
+        const int v = random.between(-reach, dst.height() + reach) + lap * lower;
         call[pointNames[i]] = Plane::of(_POINT3DFLOAT{x, y, 0, 0});
         call[texelNames[i]] = Plane::of(_POINTINT{u, v});
     }
