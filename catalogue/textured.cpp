@@ -518,13 +518,22 @@ Areas readsPlainQuad(const Call &call) {
 void arrangePlainQuad(Call &call, Random &random) {
     const Plane &dst = call["dst"].plane();
     call["tex"] = Plane::randomSurface(random, dst.width(), dst.height());
-    const int reach = random.oneIn(10) ? 20000 : 6; // far beyond, where products wrap
+    // Far beyond products wrap, and 16384 texels on they come back to where they were.
+    const int reach = random.oneIn(20) ? 20000 : 6;
+    const int lap = random.oneIn(8) ? 16384 : 0;
+    const bool isUpright = random.oneIn(4);
+    const auto within = [&random](int extent) { return random.realBetween(-6, static_cast<float>(extent) + 6); };
+    const float sides[] = {within(dst.width()), within(dst.width())};
+    const float ends[] = {within(dst.height()), within(dst.height())};
     for (std::size_t i = 0; i < 4; ++i) {
-        const float x = random.realBetween(-6, static_cast<float>(dst.width()) + 6);
-        const float y = random.realBetween(-6, static_cast<float>(dst.height()) + 6);
-        const int u = random.between(-reach, dst.width() + reach);
+        const int right = isUpright ? static_cast<int>(i == 1 || i == 2) : random.between(-1, 1);
+        const int lower = isUpright ? static_cast<int>(i >= 2) : random.between(-1, 1);
+        const float x = isUpright ? sides[right] : within(dst.width());
+        const float y = isUpright ? ends[lower] : within(dst.height());
+        const int u = random.between(-reach, dst.width() + reach) + lap * right;
+        const int v = random.between(-reach, dst.height() + reach) + lap * lower;
         call[pointNames[i]] = Plane::of(_POINT3DFLOAT{x, y, 0, 0});
-        call[texelNames[i]] = Plane::of(_POINTINT{u, random.between(-reach, dst.height() + reach)});
+        call[texelNames[i]] = Plane::of(_POINTINT{u, v});
     }
 }
 
@@ -648,6 +657,50 @@ std::vector<Argument> meshArguments(bool hasBack = false) {
     return arguments;
 }
 
+// What the rows of a family have in common.
+
+Row drawn(Row row) {
+    row.overlap = Overlap::rowOrder;
+    row.topByte = TopByte::cleared;
+    row.sums = Sums::saturate;
+    return row;
+}
+Row ofBand(Row row) {
+    row.arguments = bandArguments();
+    row.writes = writesBand;
+    row.reads = readsBand;
+    row.arrange = arrangeBand;
+    row.scenes = {{.set = setBand, .isRestored = true}};
+    return drawn(row);
+}
+Row ofPolygon(int corners, const std::vector<Scene> &scenes, Row row) {
+    row.arguments = polygonArguments(corners, true);
+    row.writes = onDstAndDepths;
+    row.reads = readsPolygon;
+    row.arrange = arrangePolygon;
+    row.scenes = scenes;
+    return drawn(row);
+}
+Row ofPlainQuad(Row row) {
+    row.arguments = polygonArguments(4, false);
+    row.writes = onDst;
+    row.reads = readsPlainQuad;
+    row.overlap = Overlap::rowOrder;
+    row.topByte = TopByte::copied;
+    row.sums = Sums::stayInside;
+    row.arrange = arrangePlainQuad;
+    row.scenes = plainQuadScenes();
+    return row;
+}
+Row ofMesh(const std::vector<Scene> &scenes, Row row) {
+    row.arguments = meshArguments(row.word == "two textures");
+    row.writes = writesMesh;
+    row.reads = readsMesh;
+    row.arrange = arrangeMesh;
+    row.scenes = scenes;
+    return drawn(row);
+}
+
 } // namespace
 
 std::vector<Row> texturedRows() {
@@ -683,204 +736,58 @@ std::vector<Row> texturedRows() {
             .arrange = arrangeLight,
             .scenes = {{.set = setMeshLight<PipelineBlock>}},
         },
-        {
-            Q_MUR_FUNCTION(VKD_i3D_Mapping_Linear_HPE),
-            .sentence = "Fills the area between two edges with a filtered, lit texture, depth tested.",
-            .arguments = bandArguments(),
-            .writes = writesBand,
-            .reads = readsBand,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeBand,
-            .scenes = {{.set = setBand, .isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_i3D_Mapping_Linear_HPE_KeySrc),
-            .sentence =
-                "Fills the area between two edges with a filtered, lit texture but for its holes, depth tested.",
-            .arguments = bandArguments(),
-            .writes = writesBand,
-            .reads = readsBand,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeBand,
-            .scenes = {{.set = setBand, .isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_i3D_Mapping_Near_HPE),
-            .sentence = "Fills the area between two edges with a lit texture's nearest texels, depth tested.",
-            .arguments = bandArguments(),
-            .writes = writesBand,
-            .reads = readsBand,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeBand,
-            .scenes = {{.set = setBand, .isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(i3D_Blt_Rect),
-            .sentence = "Draws a textured quad in one of four modes.",
-            .arguments = polygonArguments(4, true),
-            .writes = onDstAndDepths,
-            .reads = readsPolygon,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangePolygon,
-            .scenes = quadScenes(true),
-        },
-        {
-            Q_MUR_FUNCTION(VKD_i3D_Blt_Rect),
-            .sentence = "Draws a textured quad, depth tested, in one of two modes.",
-            .arguments = polygonArguments(4, true),
-            .writes = onDstAndDepths,
-            .reads = readsPolygon,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangePolygon,
-            .scenes = quadScenes(false),
-        },
-        {
-            Q_MUR_FUNCTION(i3D_Blt_Tri),
-            .sentence = "Draws a textured triangle in one of four modes.",
-            .arguments = polygonArguments(3, true),
-            .writes = onDstAndDepths,
-            .reads = readsPolygon,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangePolygon,
-            .scenes = triangleScenes(true),
-        },
-        {
-            Q_MUR_FUNCTION(VKD_i3D_Blt_Tri),
-            .sentence = "Draws a textured triangle, depth tested, with the mapper of its mode or of an earlier call.",
-            .arguments = polygonArguments(3, true),
-            .writes = onDstAndDepths,
-            .reads = readsPolygon,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangePolygon,
-            .scenes = triangleScenes(false),
-        },
-        {
-            Q_MUR_FUNCTION(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe),
-            .sentence = "Copies a quad out of a texture and leaves out what lies outside of it.",
-            .arguments = polygonArguments(4, false),
-            .writes = onDst,
-            .reads = readsPlainQuad,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = arrangePlainQuad,
-            .scenes = plainQuadScenes(),
-        },
-        {
-            Q_MUR_FUNCTION(i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack),
-            .sentence = "Copies a quad out of a texture and draws what lies outside of it black.",
-            .arguments = polygonArguments(4, false),
-            .writes = onDst,
-            .reads = readsPlainQuad,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = arrangePlainQuad,
-            .scenes = plainQuadScenes(),
-        },
-        {
-            Q_MUR_FUNCTION(Render_Texture_3D),
-            .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested.",
-            .arguments = meshArguments(),
-            .writes = writesMesh,
-            .reads = readsMesh,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeMesh,
-            .scenes = meshScenes<TexturedBlock>(),
-        },
-        {
-            Q_MUR_FUNCTION(Render_Texture_3D_KeySrc),
-            .sentence = "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested.",
-            .arguments = meshArguments(),
-            .writes = writesMesh,
-            .reads = readsMesh,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeMesh,
-            .scenes = meshScenes<TexturedBlock>(true),
-        },
-        {
-            Q_MUR_FUNCTION(Render_Texture_3D_Tri),
-            .sentence = "Lights a grid of points and draws its cells as textured triangles, then a glint over all.",
-            .arguments = meshArguments(),
-            .writes = writesMesh,
-            .reads = readsMesh,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeMesh,
-            .scenes = meshScenes<TexturedBlock, 2>(),
-        },
-        {
-            Q_MUR_OVERLOAD(VKD_Render_Texture_3D,
-                           void(_PRIVATE_QMGL_DATA *, q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong,
-                                _POINT3DFLOAT *, int, int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int)),
-            .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested.",
-            .arguments = meshArguments(),
-            .writes = writesMesh,
-            .reads = readsMesh,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeMesh,
-            .scenes = meshScenes<PipelineBlock>(),
-        },
-        {
-            Q_MUR_OVERLOAD(VKD_Render_Texture_3D, void(_PRIVATE_QMGL_DATA *, q_ulong *, q_ulong *, q_ulong *, tagRECT *,
-                                                       tagRECT *, q_ulong, q_ulong, _POINT3DFLOAT *, int, int,
-                                                       _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int)),
-            .word = "two textures",
-            .sentence = "Draws a lit grid with one texture where it faces the viewer and another where it does not.",
-            .arguments = meshArguments(true),
-            .writes = writesMesh,
-            .reads = readsMesh,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeMesh,
-            .scenes = meshScenes<PipelineBlock>(),
-        },
-        {
-            Q_MUR_FUNCTION(VKD_Render_Texture_3D_KeySrc),
-            .sentence = "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested.",
-            .arguments = meshArguments(),
-            .writes = writesMesh,
-            .reads = readsMesh,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeMesh,
-            .scenes = meshScenes<PipelineBlock>(true),
-        },
-        {
-            Q_MUR_FUNCTION(VKD_Render_Texture_3D_Tri),
-            .sentence = "Lights a grid of points and draws its cells as textured triangles, depth tested.",
-            .arguments = meshArguments(),
-            .writes = writesMesh,
-            .reads = readsMesh,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeMesh,
-            .scenes = meshScenes<PipelineBlock, 2>(),
-        },
+        ofBand({Q_MUR_FUNCTION(VKD_i3D_Mapping_Linear_HPE),
+                .sentence = "Fills the area between two edges with a filtered, lit texture, depth tested."}),
+        ofBand({Q_MUR_FUNCTION(VKD_i3D_Mapping_Linear_HPE_KeySrc),
+                .sentence =
+                    "Fills the area between two edges with a filtered, lit texture but for its holes, depth tested."}),
+        ofBand({Q_MUR_FUNCTION(VKD_i3D_Mapping_Near_HPE),
+                .sentence = "Fills the area between two edges with a lit texture's nearest texels, depth tested."}),
+        ofPolygon(4, quadScenes(true),
+                  {Q_MUR_FUNCTION(i3D_Blt_Rect), .sentence = "Draws a textured quad in one of four modes."}),
+        ofPolygon(4, quadScenes(false),
+                  {Q_MUR_FUNCTION(VKD_i3D_Blt_Rect),
+                   .sentence = "Draws a textured quad, depth tested, in one of two modes."}),
+        ofPolygon(3, triangleScenes(true),
+                  {Q_MUR_FUNCTION(i3D_Blt_Tri), .sentence = "Draws a textured triangle in one of four modes."}),
+        ofPolygon(3, triangleScenes(false),
+                  {Q_MUR_FUNCTION(VKD_i3D_Blt_Tri),
+                   .sentence =
+                       "Draws a textured triangle, depth tested, with the mapper of its mode or of an earlier call."}),
+        ofPlainQuad({Q_MUR_FUNCTION(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe),
+                     .sentence = "Copies a quad out of a texture and leaves out what lies outside of it."}),
+        ofPlainQuad({Q_MUR_FUNCTION(i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack),
+                     .sentence = "Copies a quad out of a texture and draws what lies outside of it black."}),
+        ofMesh(meshScenes<TexturedBlock>(),
+               {Q_MUR_FUNCTION(Render_Texture_3D),
+                .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested."}),
+        ofMesh(meshScenes<TexturedBlock>(true),
+               {Q_MUR_FUNCTION(Render_Texture_3D_KeySrc),
+                .sentence =
+                    "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested."}),
+        ofMesh(
+            meshScenes<TexturedBlock, 2>(),
+            {Q_MUR_FUNCTION(Render_Texture_3D_Tri),
+             .sentence = "Lights a grid of points and draws its cells as textured triangles, then a glint over all."}),
+        ofMesh(meshScenes<PipelineBlock>(),
+               {Q_MUR_OVERLOAD(VKD_Render_Texture_3D,
+                               void(_PRIVATE_QMGL_DATA *, q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong,
+                                    _POINT3DFLOAT *, int, int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int)),
+                .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested."}),
+        ofMesh(
+            meshScenes<PipelineBlock>(),
+            {Q_MUR_OVERLOAD(VKD_Render_Texture_3D, void(_PRIVATE_QMGL_DATA *, q_ulong *, q_ulong *, q_ulong *,
+                                                        tagRECT *, tagRECT *, q_ulong, q_ulong, _POINT3DFLOAT *, int,
+                                                        int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int)),
+             .word = "two textures",
+             .sentence = "Draws a lit grid with one texture where it faces the viewer and another where it does not."}),
+        ofMesh(meshScenes<PipelineBlock>(true),
+               {Q_MUR_FUNCTION(VKD_Render_Texture_3D_KeySrc),
+                .sentence =
+                    "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested."}),
+        ofMesh(meshScenes<PipelineBlock, 2>(),
+               {Q_MUR_FUNCTION(VKD_Render_Texture_3D_Tri),
+                .sentence = "Lights a grid of points and draws its cells as textured triangles, depth tested."}),
     };
 }
 

@@ -197,46 +197,6 @@ TEST(i3D_Blt_Rect, a_corner_on_the_line_from_top_to_bottom_lies_to_the_right) {
     EXPECT_TRUE(flat.untouched());
 }
 
-TEST(i3D_Blt_Rect, bands_follow_the_sides_of_the_middle_corners) {
-    // All four cases of a quad inside 16 x 16, in the corners' order from top to bottom; each must fill its outline.
-    const float shapes[4][4][2] = {
-        {{10, 0}, {4, 4}, {2, 10}, {8, 16}},  // both left
-        {{8, 0}, {2, 4}, {14, 10}, {8, 16}},  // left, right
-        {{8, 0}, {14, 4}, {2, 10}, {8, 16}},  // right, left
-        {{4, 0}, {12, 4}, {14, 10}, {6, 16}}, // both right
-    };
-    Surface texels(4, 4, 0x123456);
-    for (const auto &shape : shapes) {
-        QuadCorners corners = cornersOf(0, 0, 0, 0);
-        float least[16];
-        float most[16];
-        std::fill(std::begin(least), std::end(least), 16.0F);
-        std::fill(std::begin(most), std::end(most), -1.0F);
-        for (std::size_t i = 0; i < 4; ++i)
-            corners[i].point = {shape[i][0], shape[i][1], 0, 0};
-        for (int i = 0; i < 4; ++i) // the convex hull: all lines between corners
-            for (int j = 0; j < i; ++j)
-                for (int y = static_cast<int>(shape[j][1]); y < static_cast<int>(shape[i][1]); ++y) {
-                    const float t = (static_cast<float>(y) - shape[j][1]) / (shape[i][1] - shape[j][1]);
-                    const float x = shape[j][0] + t * (shape[i][0] - shape[j][0]);
-                    least[y] = std::min(least[y], x);
-                    most[y] = std::max(most[y], x);
-                }
-        Screen screen;
-        drawQuad(Module::older, screen, texels, corners, 0x200);
-        for (int y = 0; y < 16; ++y)
-            for (int x = 0; x < 16; ++x) {
-                const auto column = static_cast<float>(x);
-                if (column >= least[y] + 1 && column <= most[y] - 2) {
-                    EXPECT_EQ(screen.surface.at(x, y), 0x123456u) << x << ", " << y;
-                }
-                if (column <= least[y] - 2 || column >= most[y] + 1) {
-                    EXPECT_EQ(screen.surface.at(x, y), test::background) << x << ", " << y;
-                }
-            }
-    }
-}
-
 /// The name of the mapper in a slot, found by what is drawn with it: true for a filtered one.
 bool drawsFiltered(Module module, const QuadCorners &corners, q_ulong flags) {
     // Columns of black and white: between texels a filtered mapper finds greys, a nearest one never.

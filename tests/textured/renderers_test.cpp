@@ -97,41 +97,6 @@ void render(const Renderer &renderer, Screen &screen, Textures &textures, tagREC
     }
 }
 
-/// A mesh that stands roughly upright over a surface, sometimes turned over, with random jogs.
-Mesh randomMesh(test::Random &random, const Surface &surface) {
-    Mesh mesh;
-    mesh.rows = random.between(2, 4);
-    mesh.cols = random.between(2, 4);
-    const bool mirrored = random.oneIn(3);
-    const bool wild = random.oneIn(5);
-    for (int i = 0; i < mesh.rows; ++i)
-        for (int j = 0; j < mesh.cols; ++j) {
-            const int column = mirrored ? mesh.cols - 1 - j : j;
-            const float jog = wild ? 20 : 2;
-            const auto place = [&](int index, int count, int extent) {
-                return static_cast<float>(index * extent / (count - 1)) + random.realBetween(-jog, jog);
-            };
-            const float x = place(column, mesh.cols, surface.width());
-            const float y = place(i, mesh.rows, surface.height());
-            mesh.points.push_back({x, y, random.realBetween(-3, 20), 0});
-        }
-    mesh.light = {random.realBetween(-1, 1), random.realBetween(-1, 1), random.realBetween(0, 1), 0};
-    mesh.ambientColor = {random.between(0, 150), random.between(-150, 150), random.between(0, 150), 0};
-    mesh.specular = random.realBetween(0, 1);
-    mesh.shininess = random.between(0, 4);
-    return mesh;
-}
-
-Textures randomTextures(test::Random &random, bool two) {
-    Textures textures = {Surface::randomOfSize(random, 8, 8), Surface(1, 1), {}};
-    textures.back = textures.front;
-    for (int y = 0; y < 8 && two; ++y)
-        for (int x = 0; x < 8; ++x)
-            textures.back.at(x, y) = random.pixel();
-    textures.rect = random.rectInside(8, 8);
-    return textures;
-}
-
 /// A flat mesh of whole cells of `cellWidth` by `cellHeight` pixels at (0, 0), lit by 256 / 256 and no highlight.
 Mesh flatMesh(int rows, int cols, int cellWidth, int cellHeight) {
     Mesh mesh = {{}, rows, cols};
@@ -478,29 +443,6 @@ TEST(VKD_Render_Texture_3D_Tri, has_no_glint) {
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 60; ++x)
             EXPECT_EQ(screen.surface.at(x, y), 0x050505u);
-}
-
-TEST(Render_Texture_3D, clips_that_tile_the_surface_draw_what_one_clip_draws) {
-    for (const Renderer &renderer : allRenderers) {
-        SCOPED_TRACE(renderer.name);
-        for (int seed = 0; seed < 40; ++seed) {
-            test::Random random(static_cast<std::uint64_t>(seed));
-            Textures textures = randomTextures(random, renderer.twoTextures);
-            Screen whole(32, 24);
-            Screen tiled(32, 24);
-            Mesh mesh = randomMesh(random, whole.surface);
-            if (renderer.glint)
-                mesh.specular = 0; // a glint is given up where its centre lies outside
-            render(renderer, whole, textures, whole.surface.rect(), mesh);
-            const int column = random.between(1, 31);
-            const int row = random.between(1, 23);
-            for (const tagRECT &clip : {tagRECT{0, 0, column, row}, tagRECT{column, 0, 32, row},
-                                        tagRECT{0, row, column, 24}, tagRECT{column, row, 32, 24}})
-                render(renderer, tiled, textures, clip, mesh);
-            ASSERT_EQ(tiled.surface.differenceFrom(whole.surface), "");
-            ASSERT_TRUE(tiled.depths == whole.depths);
-        }
-    }
 }
 
 TEST(VKD_Render_Texture_3D, a_mesh_goes_from_the_model_to_the_screen) {

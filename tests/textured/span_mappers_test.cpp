@@ -573,6 +573,37 @@ TEST(span_mappers, negative_positions_read_left_of_and_above_the_texture_pointer
     }
 }
 
+TEST(span_mappers, a_texture_with_its_rows_from_bottom_to_top_is_mapped_as_its_mirror) {
+    for (int seed = 0; seed < 50; ++seed) {
+        test::Random random(static_cast<std::uint64_t>(seed));
+        Surface upright = Surface::randomOfSize(random, 9, 9);
+        Surface mirrored = upright;
+        for (int y = 0; y < 9; ++y)
+            for (int x = 0; x < 9; ++x)
+                mirrored.at(x, 8 - y) = upright.at(x, y);
+        const int right = random.between(8, 16);
+        for (const Mapper *each : allMappers) {
+            const Mapper &mapper = *each;
+            SCOPED_TRACE(mapper.name);
+            const int last = mapper.kind.isFiltered ? 7 * 16 : 7;
+            Band band = bandOf({0, 0, right, 16});
+            band.u = {0, random.between(0, last), last, random.between(0, last)};
+            band.v = {random.between(0, last), last, 0, random.between(0, last)};
+            Screen expected;
+            map(mapper, expected, upright, band);
+            Screen screen;
+            const q_ulong pitch = q_ulong{0} - static_cast<q_ulong>(mirrored.pitch());
+            q_ulong *const lastRow = &mirrored.at(0, 8);
+            if (mapper.older)
+                map(mapper.older, screen.older, screen, lastRow, pitch, everywhere, band);
+            else
+                map(mapper.pipeline, screen.pipeline, screen, lastRow, pitch, everywhere, band);
+            ASSERT_EQ(screen.surface.differenceFrom(expected.surface), "");
+            ASSERT_FALSE(screen.untouched());
+        }
+    }
+}
+
 TEST(span_mappers, a_row_as_wide_as_minus_one_divides_without_a_trap) {
     // Edges so far apart that their distance wraps to just below 0, and a quantity of which the least number is left.
     for (const Mapper *each : allMappers) {
