@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -105,10 +106,16 @@ double changedPixels(const Call &after, const Call &before) {
 Outcome checked(const Row &row, const Scene &scene, const Stage &stage) {
     std::vector<Call> drawn = catalogue::sceneCalls(row, scene, stage);
     const Call before = drawn.front();
+    const auto seed = [&row] {
+        if (row.drawsRandomNumbers)
+            std::srand(1);
+    };
+    seed();
     for (Call &call : drawn)
         row.call.library(call)();
     if (row.call.twin) {
         std::vector<Call> expected = catalogue::sceneCalls(row, scene, stage);
+        seed();
         for (Call &call : expected)
             row.call.twin(call)();
         for (std::size_t i = 0; i<drawn.size(); i += drawn.size()> 1 ? drawn.size() - 1 : 1) {

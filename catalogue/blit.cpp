@@ -287,7 +287,11 @@ void placeAnywhere(Call &call, Random &random) {
     chooseClip(call, random);
 }
 
+/// Now and then the source begins before its surface, in the margin.
 void centreAnywhere(Call &call, Random &random) {
+    const int before = random.oneIn(4) ? random.between(0, 6) : 0;
+    const tagRECT rect = call["srcRect"].rect();
+    call["srcRect"] = tagRECT{rect.left - before, rect.top - before, rect.right - before, rect.bottom - before};
     call["centreX"] = anyPlace(random);
     call["centreY"] = anyPlace(random);
     chooseClip(call, random);
@@ -504,10 +508,14 @@ void shrink(Call &call, const Stage &stage) {
     call["rect"] = tagRECT{margin, margin, stage.width - margin, stage.height - margin};
 }
 
-/// An ever smaller part of the source over the whole stage.
+/// An ever smaller part of the source's middle over the whole stage.
 void zoom(Call &call, const Stage &stage) {
     const double share = stage.within({0.75, 0.25});
-    call["srcRect"] = tagRECT{0, 0, static_cast<int>(stage.width * share), static_cast<int>(stage.height * share)};
+    const int width = static_cast<int>(stage.width * share);
+    const int height = static_cast<int>(stage.height * share);
+    const int left = (stage.width - width) / 2;
+    const int top = (stage.height - height) / 2;
+    call["srcRect"] = tagRECT{left, top, left + width, top + height};
 }
 
 /// A source that drifts by sixteenths of a pixel, no larger than the format of its positions allows.

@@ -243,7 +243,8 @@ std::string TexturedBlock::differenceFrom(const TexturedBlock &expected) const {
     c.fields("limitValue0", data.limitValue0, expected.data.limitValue0);
     c.fields("limitValue1", data.limitValue1, expected.data.limitValue1);
     c.fields("vertexArrayEntries", data.vertexArrayEntries, expected.data.vertexArrayEntries);
-    c.fields("spanMapper", data.spanMapper, expected.data.spanMapper);
+    // The mappers of this module have no names: a twin can say no more than whether there is one.
+    c.fields("spanMapper", data.spanMapper != nullptr, expected.data.spanMapper != nullptr);
     c.planes("vertexArray0", vertexArray0, expected.vertexArray0);
     c.planes("vertexArray1", vertexArray1, expected.vertexArray1);
     c.planes("zPlane", depths, expected.depths);

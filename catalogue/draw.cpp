@@ -93,7 +93,7 @@ Areas insideClip(const Call &call, int reach) {
 Areas thinLine(const Call &call) {
     return insideClip(call, 1);
 }
-Areas wideLine(const Call &call) {
+Areas wideLineBox(const Call &call) {
     return insideClip(call, std::abs(call["width"].whole()) / 2 + 1);
 }
 void setEnds(Call &call, int x1, int y1, int x2, int y2) {
@@ -334,7 +334,8 @@ Areas clipAndColumn(const Call &call) {
     const tagRECT box = call["box"].rect();
     if (Box(clip).isEmpty())
         return {};
-    const q_long column = std::clamp<q_long>((box.left + box.right) >> 1, clip.left, clip.right - 1);
+    const int centre = plain::int32(std::int64_t{box.left} + box.right) >> 1;
+    const q_long column = std::clamp<q_long>(centre, clip.left, clip.right - 1);
     return {{"surface", clip}, {"surface", {column, 0, column + 1, clip.bottom}}};
 }
 void arrangeEllipse(Call &call, Random &random) {
@@ -574,6 +575,34 @@ std::vector<Scene> oldBubbleScenes() {
     return {{"", [](Call &call, const Stage &stage) { setResource(call, stage, true); }, 1, "bubbles"}};
 }
 
+// Rows that differ in little
+
+Row wideLine(Row row) {
+    row.arguments = wideLineArguments();
+    row.writes = row.reads = wideLineBox;
+    row.arrange = arrangeWideLine;
+    row.scenes = wideLineScenes();
+    return row;
+}
+/// What glows: its largest radius, the intensity that is the full colour, and what it is called.
+Row spot(Row row, double largest, double full, std::string_view figure) {
+    row.arguments = centred({radiusUpTo(largest), colour(), intensity(full)});
+    row.writes = row.reads = halfOpenDisc;
+    row.topByte = TopByte::cleared;
+    row.sums = Sums::saturate;
+    row.arrange = arrangeSpot;
+    row.scenes = scenesOf(figure);
+    return row;
+}
+/// The same between the sides of a clip.
+Row clippedSpot(Row row, double full, std::string_view figure) {
+    row = spot(std::move(row), anyInt.high, full, figure);
+    row.arguments = clippedStar({radiusUpTo(anyInt.high), colour(), intensity(full)});
+    row.writes = row.reads = strictlyClippedDisc;
+    row.arrange = arrangeClippedSpot;
+    return row;
+}
+
 } // namespace
 
 std::vector<Row> drawRows() {
@@ -600,62 +629,37 @@ std::vector<Row> drawRows() {
             .arrange = arrangeEnds,
             .scenes = lineScenes(),
         },
-        {
+        wideLine({
             Q_MUR_OVERLOAD(iLine_AntiAliasing, void(q_ulong *, tagRECT *, int, int, int, int, int, q_ulong, int)),
             .word = "wide",
             .sentence = "Draws an anti-aliased line of any width.",
-            .arguments = wideLineArguments(),
-            .writes = wideLine,
-            .reads = wideLine,
             .topByte = TopByte::setByColour,
             .sums = Sums::stayInside,
-            .arrange = arrangeWideLine,
-            .scenes = wideLineScenes(),
-        },
-        {
+        }),
+        wideLine({
             Q_MUR_FUNCTION(iLine_AntiAliasing_Alpha),
             .sentence = "Draws an anti-aliased line at one eighth of full strength.",
-            .arguments = wideLineArguments(),
-            .writes = wideLine,
-            .reads = wideLine,
             .topByte = TopByte::cleared,
             .sums = Sums::stayInside,
-            .arrange = arrangeWideLine,
-            .scenes = wideLineScenes(),
-        },
-        {
+        }),
+        wideLine({
             Q_MUR_FUNCTION(iLine_AntiAliasing_Add),
             .sentence = "Adds an anti-aliased line.",
-            .arguments = wideLineArguments(),
-            .writes = wideLine,
-            .reads = wideLine,
             .topByte = TopByte::disturbsRed,
             .sums = Sums::saturate,
-            .arrange = arrangeWideLine,
-            .scenes = wideLineScenes(),
-        },
-        {
+        }),
+        wideLine({
             Q_MUR_FUNCTION(iLine_AntiAliasing_Max),
             .sentence = "Draws an anti-aliased line wherever it is brighter than the picture, channel by channel.",
-            .arguments = wideLineArguments(),
-            .writes = wideLine,
-            .reads = wideLine,
             .topByte = TopByte::disturbsRed,
             .sums = Sums::stayInside,
-            .arrange = arrangeWideLine,
-            .scenes = wideLineScenes(),
-        },
-        {
+        }),
+        wideLine({
             Q_MUR_FUNCTION(iLine_AntiAliasing_AddSome),
             .sentence = "Adds the edges of an anti-aliased line that fades from its first end to nothing at the other.",
-            .arguments = wideLineArguments(),
-            .writes = wideLine,
-            .reads = wideLine,
             .topByte = TopByte::disturbsRed,
             .sums = Sums::saturate,
-            .arrange = arrangeWideLine,
-            .scenes = wideLineScenes(),
-        },
+        }),
         {
             Q_MUR_FUNCTION(DDLine_Fat),
             .sentence = "Draws a shaded tube, from white in its middle through the colour to black.",
@@ -762,17 +766,7 @@ std::vector<Row> drawRows() {
             .arrange = arrangeBand,
             .scenes = scenesOf("circles"),
         },
-        {
-            Q_MUR_FUNCTION(Draw_Ring),
-            .sentence = "Adds a soft ring inside a circle.",
-            .arguments = centred({radiusUpTo(32767), colour(), intensity(128)}),
-            .writes = halfOpenDisc,
-            .reads = halfOpenDisc,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeSpot,
-            .scenes = scenesOf("rings"),
-        },
+        spot({Q_MUR_FUNCTION(Draw_Ring), .sentence = "Adds a soft ring inside a circle."}, 32767, 128, "rings"),
         {
             Q_MUR_FUNCTION(Draw_Ring_Safe),
             .sentence = "Adds a soft band around a circle inside a clip.",
@@ -804,28 +798,10 @@ std::vector<Row> drawRows() {
             .arrange = arrangeEllipse,
             .scenes = {{"", squeezedBox, 1, "ellipses"}},
         },
-        {
-            Q_MUR_FUNCTION(Draw_Star_Type1),
-            .sentence = "Adds a star with four spikes.",
-            .arguments = centred({radiusUpTo(362), colour(), intensity(64)}),
-            .writes = halfOpenDisc,
-            .reads = halfOpenDisc,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeSpot,
-            .scenes = scenesOf("stars"),
-        },
-        {
-            Q_MUR_FUNCTION(Draw_Star_Type1_Safe),
-            .sentence = "Adds a star with four spikes between the sides of a clip.",
-            .arguments = clippedStar({radiusUpTo(anyInt.high), colour(), intensity(64)}),
-            .writes = strictlyClippedDisc,
-            .reads = strictlyClippedDisc,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeClippedSpot,
-            .scenes = scenesOf("stars"),
-        },
+        spot({Q_MUR_FUNCTION(Draw_Star_Type1), .sentence = "Adds a star with four spikes."}, 362, 64, "stars"),
+        clippedSpot({Q_MUR_FUNCTION(Draw_Star_Type1_Safe),
+                     .sentence = "Adds a star with four spikes between the sides of a clip."},
+                    64, "stars"),
         {
             Q_MUR_FUNCTION(Draw_Star_Type2),
             .sentence = "Adds a star with four spikes and a brighter cross.",
@@ -837,39 +813,11 @@ std::vector<Row> drawRows() {
             .arrange = arrangeSpot,
             .scenes = scenesOf("stars"),
         },
-        {
-            Q_MUR_FUNCTION(Draw_Star_Type3),
-            .sentence = "Adds a diamond with a sharp core.",
-            .arguments = centred({radiusUpTo(anyInt.high), colour(), intensity(32)}),
-            .writes = halfOpenDisc,
-            .reads = halfOpenDisc,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeSpot,
-            .scenes = scenesOf("stars"),
-        },
-        {
-            Q_MUR_FUNCTION(Draw_Light),
-            .sentence = "Adds a round light.",
-            .arguments = centred({radiusUpTo(362), colour(), intensity(128)}),
-            .writes = halfOpenDisc,
-            .reads = halfOpenDisc,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeSpot,
-            .scenes = scenesOf("lights"),
-        },
-        {
-            Q_MUR_FUNCTION(Draw_Light_Safe),
-            .sentence = "Adds a round light between the sides of a clip.",
-            .arguments = clippedStar({radiusUpTo(anyInt.high), colour(), intensity(128)}),
-            .writes = strictlyClippedDisc,
-            .reads = strictlyClippedDisc,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeClippedSpot,
-            .scenes = scenesOf("lights"),
-        },
+        spot({Q_MUR_FUNCTION(Draw_Star_Type3), .sentence = "Adds a diamond with a sharp core."}, anyInt.high, 32,
+             "stars"),
+        spot({Q_MUR_FUNCTION(Draw_Light), .sentence = "Adds a round light."}, 362, 128, "lights"),
+        clippedSpot({Q_MUR_FUNCTION(Draw_Light_Safe), .sentence = "Adds a round light between the sides of a clip."},
+                    128, "lights"),
         {
             Q_MUR_FUNCTION(Draw_3DBall),
             .sentence = "Draws an opaque ball, lit from the upper left.",

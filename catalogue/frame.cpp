@@ -1,9 +1,165 @@
-#include "row.h"
+#include "plain/frame.h"
+
+#include "areas.h"
+#include "arguments.h"
+
+#include <cstddef>
+#include <limits>
 
 namespace catalogue {
+namespace {
+
+// The block manager. The rows hold the record without blocks against its twins; the blocks themselves are the heap's.
+
+Argument hostRecord(bool mayBeNull = false) {
+    return {.name = "data", .kind = Kind::hostRecord, .unit = "record", .mayBeNull = mayBeNull};
+}
+Argument slot() {
+    return number("slot", "slots", {0, 14}, {0, 0});
+}
+
+constexpr Box wordsOf(std::size_t offset, std::size_t bytes) {
+    return {static_cast<std::int64_t>(offset / 4), 0, static_cast<std::int64_t>((offset + bytes) / 4), 1};
+}
+constexpr Box usedFlag = wordsOf(offsetof(_TRANSFERDATA, memoryUsedFlag), 4);
+constexpr Box blockCount = wordsOf(offsetof(_TRANSFERDATA, blockCount), 4);
+constexpr Box firstSlot = wordsOf(offsetof(_TRANSFERDATA, blocks), sizeof(void *));
+
+Areas usedFlagOf(const Call &) {
+    return {{"data", usedFlag}};
+}
+bool isUnused(const Call &call) {
+    return call["data"].plane().as<_TRANSFERDATA>()->memoryUsedFlag == 0;
+}
+Areas readByEnd(const Call &call) {
+    return isUnused(call) ? Areas{{"data", usedFlag}, {"data", firstSlot}} : usedFlagOf(call);
+}
+Areas writtenByEnd(const Call &call) {
+    return isUnused(call) ? Areas{{"data", blockCount}} : Areas();
+}
+Areas firstSlotOf(const Call &call) {
+    return call["data"].plane().isNull() ? Areas() : Areas{{"data", firstSlot}};
+}
+Areas blockCountOf(const Call &call) {
+    return call["data"].plane().isNull() ? Areas() : Areas{{"data", blockCount}};
+}
+
+/// A record of random words, its first slot empty.
+void arrangeRecord(Call &call, Random &random) {
+    Plane record(4, sizeof(_TRANSFERDATA) / 4, 1);
+    for (int i = 0; i < record.width(); ++i)
+        record.as<std::uint32_t>()[i] = random.word();
+    auto *data = record.as<_TRANSFERDATA>();
+    data->memoryUsedFlag = random.between(-1, 1);
+    data->blocks[0] = nullptr;
+    call["data"] = record;
+}
+void arrangeRecordOrNull(Call &call, Random &random) {
+    arrangeRecord(call, random);
+    if (random.oneIn(16))
+        call["data"] = Plane();
+}
+
+void drawRecord(Call &call, const Stage &) {
+    call["data"] = Plane::of(_TRANSFERDATA{});
+}
+/// A record with a block as large as a picture.
+void drawRecordWithBlock(Call &call, const Stage &stage) {
+    drawRecord(call, stage);
+    FindNotUsedMemory(call["data"].plane().as<_TRANSFERDATA>(), 0, stage.width * stage.height * 4);
+}
+const std::vector<Scene> emptyRecord = {{.set = drawRecord}};
+
+const std::vector<Exception> onTheHeap = {{"every proof", "blocks of the heap"}};
+const std::vector<Exception> globalTables = {{"two_threads_on_separate_surfaces", "fills what all threads read"}};
+
+// Random numbers
+
+Argument bound(std::string_view name, Range contract, double drawn) {
+    return number(name, "", contract, {drawn, drawn});
+}
+/// More draws are allowed, but nobody waits for them. No draw at all divides by zero.
+Argument draws() {
+    return {.name = "count", .kind = Kind::count, .unit = "draws", .contract = {1, 1000}, .drawn = {8, 8}};
+}
+
+template <class Real>
+constexpr Range finite = {-std::numeric_limits<Real>::max(), std::numeric_limits<Real>::max()};
+
+/// Spans of all sizes, at times beyond what can be covered or with the bounds exchanged.
+void arrangeInts(Call &call, Random &random) {
+    const int low = random.oneIn(10) ? random.between(-2147483647, 2147483647) : random.between(-40000, 40000);
+    const int extent = random.between(1, 1 << random.between(0, 16));
+    const std::int64_t high = std::int64_t{low} + (random.oneIn(10) ? -extent : extent);
+    call["low"] = low;
+    call["high"] = static_cast<int>(static_cast<std::uint32_t>(high));
+}
+void arrangeIntGauss(Call &call, Random &random) {
+    call["low"] = random.between(-1000, 1000);
+    call["high"] = random.oneIn(5) ? random.between(-2147483647, 2147483647) : random.between(-5000, 5000);
+    call["count"] = random.between(1, 12);
+}
+/// Bounds with all bits of a double, which a float rounds, and few draws.
+void arrangeReals(Call &call, Random &random) {
+    for (const char *name : {"low", "high"})
+        call[name] = static_cast<double>(random.real(20)) + static_cast<double>(random.real(20)) / (1 << 26);
+    if (call.row().argument("count"))
+        call["count"] = random.between(1, 12);
+}
+
+} // namespace
 
 std::vector<Row> frameRows() {
-    return {};
+    return {
+        {Q_MUR_FUNCTION_WITHOUT_TWIN(PrepareSinTable), .sentence = "Fills the tables of sines, cosines and roots.",
+         .without = globalTables},
+        {Q_MUR_FUNCTION_WITHOUT_TWIN(Init_qMur_GlobalData), .sentence = "Fills the tables.",
+         .arguments = {unused("module"), unused("path")}, .without = globalTables},
+        {Q_MUR_FUNCTION(BeginMemoryManager), .sentence = "Starts a frame in which nobody has given notice yet.",
+         .arguments = {hostRecord()}, .writes = usedFlagOf, .arrange = arrangeRecord, .scenes = emptyRecord},
+        {Q_MUR_FUNCTION(NoticeMemUsed), .sentence = "Gives notice that blocks are used.", .arguments = {hostRecord()},
+         .writes = usedFlagOf, .arrange = arrangeRecord, .scenes = emptyRecord},
+        {Q_MUR_FUNCTION(EndMemoryManager), .sentence = "Frees all blocks if nobody gave notice.",
+         .arguments = {hostRecord()}, .writes = writtenByEnd, .reads = readByEnd, .arrange = arrangeRecord,
+         .scenes = emptyRecord},
+        {Q_MUR_FUNCTION_WITHOUT_TWIN(FindNotUsedMemory), .sentence = "Allocates the block of a slot.",
+         .arguments = {hostRecord(), slot(), number("size", "bytes", {-3, anyInt.high}, {65536, 65536})},
+         .scenes = emptyRecord, .without = onTheHeap},
+        {Q_MUR_FUNCTION_WITHOUT_TWIN(ClearMemory), .sentence = "Zeroes the block of a slot.",
+         .arguments = {hostRecord(), slot()}, .scenes = {{.set = drawRecordWithBlock}}, .without = onTheHeap},
+        {Q_MUR_FUNCTION(FreeMemoryBlocks), .sentence = "Frees all blocks.", .arguments = {hostRecord(true)},
+         .writes = blockCountOf, .reads = firstSlotOf, .arrange = arrangeRecordOrNull, .scenes = emptyRecord},
+        {Q_MUR_FUNCTION(DeleteMemoryBlocks), .sentence = "Frees all blocks up to the first empty slot.",
+         .arguments = {hostRecord(true)}, .writes = blockCountOf, .reads = firstSlotOf, .arrange = arrangeRecordOrNull,
+         .scenes = emptyRecord},
+        {Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_QMGP_Data), .sentence = "Allocates the private block of region fills.",
+         .arguments = {hostRecord(), slot()}, .scenes = emptyRecord, .without = onTheHeap},
+        {Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_LUT_Data), .sentence = "Allocates the private block of the cross blur.",
+         .arguments = {hostRecord(), slot()}, .scenes = emptyRecord, .without = onTheHeap},
+        {Q_MUR_FUNCTION_WITHOUT_TWIN(GaussRand), .sentence = "Gives the next of 16 small numbers.",
+         .without = {{"two_threads_on_separate_surfaces", "one counter"}}},
+        {Q_MUR_FUNCTION(randInt), .sentence = "Draws a whole number below a bound.",
+         .arguments = {bound("low", anyInt, 0), bound("high", anyInt, 100)}, .drawsRandomNumbers = true,
+         .arrange = arrangeInts, .without = {{"numbers_at_their_ends", "equal bounds never return"}}},
+        {Q_MUR_FUNCTION(randFloat), .sentence = "Draws a number between two others.",
+         .arguments = {bound("low", finite<float>, 0), bound("high", finite<float>, 1)}, .drawsRandomNumbers = true,
+         .arrange = arrangeReals},
+        {Q_MUR_FUNCTION(randDouble), .sentence = "Draws a number between two others.",
+         .arguments = {bound("low", finite<double>, 0), bound("high", finite<double>, 1)}, .drawsRandomNumbers = true,
+         .arrange = arrangeReals},
+        {Q_MUR_FUNCTION(randIntGauss), .sentence = "Draws a whole number near the middle of two others.",
+         .arguments = {bound("low", anyInt, 0), bound("high", anyInt, 100), draws()}, .drawsRandomNumbers = true,
+         .arrange = arrangeIntGauss},
+        {Q_MUR_FUNCTION(randFloatGauss), .sentence = "Draws a number near the middle of two others.",
+         .arguments = {bound("low", finite<float>, 0), bound("high", finite<float>, 1), draws()},
+         .drawsRandomNumbers = true, .arrange = arrangeReals},
+        {Q_MUR_FUNCTION(randDoubleGauss), .sentence = "Draws a number near the middle of two others.",
+         .arguments = {bound("low", finite<double>, 0), bound("high", finite<double>, 1), draws()},
+         .drawsRandomNumbers = true, .arrange = arrangeReals},
+        {Q_MUR_FUNCTION(randColor), .sentence = "Draws a colour.", .drawsRandomNumbers = true},
+        {Q_MUR_FUNCTION(randRainbowColor), .sentence = "Draws a saturated colour of a random hue.",
+         .drawsRandomNumbers = true},
+    };
 }
 
 } // namespace catalogue

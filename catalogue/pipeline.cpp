@@ -12,9 +12,6 @@ Argument privateBlock(std::string_view of = {}) {
 _PRIVATE_QMGL_DATA &blockOf(Call &call) {
     return call["data"].get<PipelineBlock>().data;
 }
-Areas nothing(const Call &) {
-    return {};
-}
 
 // Matrices and stacks: numbers in, a matrix out.
 
@@ -364,10 +361,12 @@ void arrangeLit(Call &call, Random &random) {
     call["shininess"] = random.between(-1, 5);
     drawOpacity(call, random);
 }
-template <int drawnOpacity>
+template <int drawnOpacity, int rows = 64, int columns = 64>
 void setLit(Call &call, const Stage &stage) {
-    call["points"] = wavingGrid(stage, 64, 64);
-    call["colours"] = patternOfColours(64 * 64, 64);
+    call["rows"] = rows;
+    call["columns"] = columns;
+    call["points"] = wavingGrid(stage, rows, columns);
+    call["colours"] = patternOfColours(rows * columns, columns);
     call["light"] = lightFromAbove();
     call["ambientVector"] = Plane::of(_POINT3D{60, 60, 60, 0});
     if (drawnOpacity > 0)
@@ -423,7 +422,12 @@ void arrangeCross(Call &call, Random &random) {
     call["x"] = random.oneIn(20) ? static_cast<int>(random.word()) : random.between(-2, 16);
     call["y"] = random.between(-2, 16);
 }
+/// A spiral.
 void setCross(Call &call, const Stage &stage) {
+    const double angle = 0.5 * stage.call;
+    const double radius = stage.height * 0.45 * stage.time;
+    call["x"] = std::floor(stage.width / 2 + 1.6 * radius * std::cos(angle));
+    call["y"] = std::floor(stage.height / 2 + radius * std::sin(angle));
     call["colour"] = 0x604020 + stage.call % 64 * 0x010201;
 }
 
@@ -447,8 +451,10 @@ void arrangeDots(Call &call, Random &random) {
     call["colours"] = randomColours(random, rows * columns);
 }
 void setDots(Call &call, const Stage &stage) {
-    call["points"] = wavingGrid(stage, 64, 64);
-    call["colours"] = patternOfColours(64 * 64, 64);
+    call["rows"] = 18;
+    call["columns"] = 32;
+    call["points"] = wavingGrid(stage, 18, 32);
+    call["colours"] = patternOfColours(18 * 32, 32);
 }
 
 Areas readsLine(const Call &call) {
@@ -548,19 +554,16 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glMatrixMode),
             .sentence = "Chooses the model stack or the view stack.",
             .arguments = {privateBlock(), choice("mode", anyInt, 1)},
-            .writes = nothing,
         },
         {
             Q_MUR_FUNCTION(VKD_glLoadIdentity),
             .sentence = "Sets the current matrix to the identity.",
             .arguments = {privateBlock()},
-            .writes = nothing,
         },
         {
             Q_MUR_FUNCTION(glLoadMatrixf),
             .sentence = "Sets the current matrix to 16 floats, row after row.",
             .arguments = {privateBlock(), matrix("m")},
-            .writes = nothing,
             .reads = [](const Call &) -> Areas { return {words("m", 16)}; },
             .arrange = arrangeMatrices,
             .scenes = {{.set = setMatrices}},
@@ -569,7 +572,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(glMultMatrixf),
             .sentence = "Lets a matrix of 16 floats act behind the current one.",
             .arguments = {privateBlock(), matrix("m")},
-            .writes = nothing,
             .reads = [](const Call &) -> Areas { return {words("m", 16)}; },
             .arrange = arrangeMatrices,
             .scenes = {{.set = setMatrices, .isRestored = true}},
@@ -578,7 +580,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glPushMatrix),
             .sentence = "Copies the current matrix to the next entry of its stack, which becomes the top.",
             .arguments = {privateBlock()},
-            .writes = nothing,
             .arrange = arrangePush,
             .scenes = {{.isRestored = true}},
         },
@@ -586,7 +587,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glPopMatrix),
             .sentence = "Goes back to the entry below the current matrix.",
             .arguments = {privateBlock()},
-            .writes = nothing,
             .arrange = arrangePop,
             .scenes = {{.set = setPop, .isRestored = true}},
         },
@@ -594,7 +594,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glRotatef),
             .sentence = "Turns about an axis by an angle in degrees.",
             .arguments = {privateBlock(), degrees("angleDegrees"), real("x"), real("y"), real("z")},
-            .writes = nothing,
             .arrange = arrangeReals,
             .scenes = {{.isRestored = true}},
         },
@@ -602,7 +601,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glTranslatef),
             .sentence = "Moves by (x, y, z).",
             .arguments = {privateBlock(), real("x"), real("y"), real("z")},
-            .writes = nothing,
             .arrange = arrangeReals,
             .scenes = {{.isRestored = true}},
         },
@@ -610,7 +608,6 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_glScalef),
             .sentence = "Scales by x, y and z.",
             .arguments = {privateBlock(), real("x"), real("y"), real("z")},
-            .writes = nothing,
             .arrange = arrangeReals,
             .scenes = {{.isRestored = true}},
         },
@@ -620,13 +617,11 @@ std::vector<Row> pipelineRows() {
             .arguments = {privateBlock(), number("left", "pixels", anyInt, {0, 0}),
                           number("top", "pixels", anyInt, {0, 0}), number("right", "pixels", anyInt, {640, 640}),
                           number("bottom", "pixels", anyInt, {480, 480})},
-            .writes = nothing,
         },
         {
             Q_MUR_FUNCTION(VKD_gluPerspective),
             .sentence = "Sets the focal length, so that the viewport has an opening angle, and the depth limit.",
             .arguments = {privateBlock(), degrees("fovyDegrees"), real("aspect"), real("zNear"), real("zFar")},
-            .writes = nothing,
             .arrange = arrangeReals,
         },
         {
@@ -636,7 +631,6 @@ std::vector<Row> pipelineRows() {
                           real("eyeZ", {100, 10}, "units"), real("centerX", {0, 0}, "units"),
                           real("centerY", {0, 0}, "units"), real("centerZ", {0, 0}, "units"), real("upX", {0, 0}),
                           real("upY", {1, 1}), real("upZ", {0, 0})},
-            .writes = nothing,
             .arrange = arrangeView,
             .scenes = {{.isRestored = true}},
         },
@@ -832,7 +826,7 @@ std::vector<Row> pipelineRows() {
             .topByte = TopByte::cleared,
             .sums = Sums::saturate,
             .arrange = arrangeDots,
-            .scenes = {{.set = setDots, .figures = 64 * 64, .figure = "crosses"}},
+            .scenes = {{.set = setDots, .figures = 18 * 32, .figure = "crosses"}},
         },
         {
             Q_MUR_FUNCTION(VKD_3D_Line),
@@ -861,7 +855,12 @@ std::vector<Row> pipelineRows() {
             .topByte = TopByte::cleared,
             .sums = Sums::saturate,
             .arrange = arrangeLit,
-            .scenes = {{.set = setLit<0>, .figures = 64 * 63 * 2, .figure = "lines", .isRestored = true}},
+            .scenes = {{.set = setLit<0, 14, 24>, .isRestored = true},
+                       {.word = "mesh of 64 x 64",
+                        .set = setLit<0>,
+                        .figures = 64 * 63 * 2,
+                        .figure = "lines",
+                        .isRestored = true}},
         },
     };
 }

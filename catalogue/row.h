@@ -146,6 +146,10 @@ struct Row {
     TopByte topByte = TopByte::noPixels;
     Sums sums = Sums::none;
 
+    /// The function draws from the platform's `rand`. It is called from the same seed as its twin, and since platforms
+    /// draw differently, its results have no checksum.
+    bool drawsRandomNumbers = false;
+
     /// Turns arguments that were drawn one by one into a call inside the contract.
     void (*arrange)(Call &, Random &) = nullptr;
 

@@ -1,9 +1,794 @@
-#include "row.h"
+#include "meshes.h"
+#include "plain/nearest_quads.h"
+#include "plain/texture_renderers.h"
 
 namespace catalogue {
+namespace {
+
+Argument privateBlock(std::string_view of = {}) {
+    return {.name = "data", .kind = Kind::privateBlock, .unit = "", .of = of};
+}
+Argument vector(std::string_view name) {
+    return {.name = name, .kind = Kind::points, .unit = "1"};
+}
+Argument corner(std::string_view name) {
+    return {.name = name, .kind = Kind::points, .unit = "pixels"};
+}
+Argument texelOf(std::string_view name) {
+    return {.name = name, .kind = Kind::points, .unit = "1/16 texels"};
+}
+Argument light(std::string_view name) {
+    return number(name, name[0] == 'a' ? "levels" : "1/256", anyInt, {0, 0});
+}
+
+/// Everything within the clip, and the depths there.
+Areas onDst(const Call &call) {
+    return {{"dst", call["clip"].rect()}};
+}
+Areas onDstAndDepths(const Call &call) {
+    return {{"dst", call["clip"].rect()}, {"data", call["clip"].rect()}};
+}
+Areas with(Areas areas, const Areas &more) {
+    areas.insert(areas.end(), more.begin(), more.end());
+    return areas;
+}
+
+/// What no texture holds: the texels of positions that leave the format wrap.
+constexpr Box everything = {-plain::two32, -plain::two32, plain::two32, plain::two32};
+
+struct Reach {
+    std::int64_t least = 0;
+    std::int64_t greatest = 0;
+
+    template <class Numbers>
+    explicit Reach(const Numbers &numbers)
+        : least(*std::min_element(std::begin(numbers), std::end(numbers))),
+          greatest(*std::max_element(std::begin(numbers), std::end(numbers))) {}
+
+    /// Whether the numbers and their differences fit 32 bits together with their fraction bits.
+    bool fits(int fractionBits) const {
+        const std::int64_t limit = std::int64_t{1} << (31 - fractionBits);
+        return least > -limit && greatest < limit && greatest - least < limit;
+    }
+};
+
+/// The texels between positions: in sixteenths, with those to the right and below, or whole.
+Box texelsBetween(const Reach &u, const Reach &v, bool isFiltered) {
+    if (isFiltered)
+        return {u.least >> 4, v.least >> 4, (u.greatest >> 4) + 2, (v.greatest >> 4) + 2};
+    return {u.least, v.least, u.greatest + 1, v.greatest + 1};
+}
+
+/// Small textures, of which the texels to the right and below belong to the margin, and their first texel somewhere.
+/// Where texels of 0 matter, there are some.
+constexpr int texels = 8;
+Plane randomTexture(Random &random, bool hasHoles) {
+    Plane texture = Plane::randomSurface(random, texels, texels);
+    for (int y = 0; y < texels && hasHoles; ++y)
+        for (int x = 0; x < texels; ++x)
+            if (!random.oneIn(4))
+                texture.at(x, y) = 0;
+    return texture;
+}
+
+bool isKeyed(const Row &row) {
+    return row.name.ends_with("KeySrc");
+}
+
+// Light.
+
+Areas readsGrid(const Call &call) {
+    const std::int64_t rows = call["rows"].whole();
+    const std::int64_t cols = call["cols"].whole();
+    return rows < 2 || cols < 2 ? Areas{} : Areas{records("points", rows * cols), records("light", 1)};
+}
+
+void arrangeLight(Call &call, Random &random) {
+    const int rows = random.between(2, 5);
+    const int cols = random.between(2, 5);
+    call["rows"] = random.oneIn(40) ? random.between(-1, 1) : rows;
+    call["cols"] = random.oneIn(40) ? random.between(-1, 1) : cols;
+    _POINT3DFLOAT last = {};
+    call["points"] = pointsOf<_POINT3DFLOAT>(rows * cols, [&](int) {
+        if (!random.oneIn(12)) {
+            last.x = random.real(6);
+            last.y = random.real(6);
+            last.z = random.real(6);
+        }
+        return last;
+    });
+    _POINT3DFLOAT light = {random.real(1), random.real(1), random.real(1), 0};
+    if (light.x == 0 && light.y == 0)
+        light.x = 0.5F;
+    call["light"] = Plane::of(light);
+    call["ambient"] = random.between(-100, 300);
+    call["specular"] = random.between(-50, 600);
+    call["shininess"] = random.between(-1, 6);
+}
+
+template <class Block>
+void setMeshLight(Call &call, const Stage &stage) {
+    call["points"] = wavingGrid(stage, 64, 64);
+    call["light"] = lightFromAbove();
+    call["data"].get<Block>().vertexArray0 = Plane(4, 64 * 64, 1);
+    call["data"].get<Block>().vertexArray1 = Plane(4, 64 * 64, 1);
+}
+
+std::vector<Argument> lightArguments() {
+    const auto count = [](std::string_view name) {
+        return Argument{
+            .name = name, .kind = Kind::count, .unit = "points", .contract = {-32768, 32767}, .drawn = {64, 64}};
+    };
+    return {privateBlock(),
+            corner("points"),
+            count("rows"),
+            count("cols"),
+            vector("light"),
+            number("ambient", "1/256", anyInt, {64, 64}),
+            number("specular", "levels", anyInt, {128, 128}),
+            number("shininess", "squarings", {-2147483648.0, 64}, {3, 3})};
+}
+
+// Span mappers: 28 numbers, the ends of 7 on both edges.
+
+bool isFilteredMapper(const Row &row) {
+    return row.name.find("Linear") != std::string_view::npos;
+}
+int fractionBitsOf(const Row &row) {
+    if (isKeyed(row) || row.name == "i3D_Mapping_Linear_HPE")
+        return 16;
+    if (!row.name.starts_with("VKD"))
+        return 18;
+    return isFilteredMapper(row) ? 14 : 12;
+}
+
+using Four = std::array<int, 4>;
+
+/// The names of the four ends of a number.
+std::array<std::string, 4> endsOf(std::string_view number) {
+    const std::string name(number);
+    return {name + "L0", name + "L1", name + "R0", name + "R1"};
+}
+Reach reachOf(const Call &call, std::string_view number) {
+    std::vector<std::int64_t> values;
+    for (const std::string &end : endsOf(number))
+        values.push_back(call[end].whole());
+    return Reach(values);
+}
+void setFour(Call &call, std::string_view number, const Four &values) {
+    const auto names = endsOf(number);
+    for (std::size_t i = 0; i < 4; ++i)
+        call[names[i]] = values[i];
+}
+
+Areas writesBand(const Call &call) {
+    return call.row().name.find("NoHPE") == std::string_view::npos ? onDstAndDepths(call) : onDst(call);
+}
+Areas readsBand(const Call &call) {
+    const Reach u = reachOf(call, "u");
+    const Reach v = reachOf(call, "v");
+    const int bits = fractionBitsOf(call.row());
+    const bool isStill = u.least == u.greatest && v.least == v.greatest;
+    const bool isPlaced = reachOf(call, "x").fits(bits) && reachOf(call, "y").fits(0);
+    Box read = everything;
+    if (u.fits(bits) && v.fits(bits) && (isStill || isPlaced))
+        read = texelsBetween(u, v, isFilteredMapper(call.row()));
+    return with(writesBand(call), {{"tex", read}});
+}
+
+/// Bands of all kinds: within the formats and far beyond them. Texels are trusted: a position may not leave the
+/// texture, and where other numbers run wild, it stands.
+void arrangeBand(Call &call, Random &random) {
+    const int unit = isFilteredMapper(call.row()) ? 16 : 1;
+    const bool isWild = random.oneIn(8);
+    const bool isSmall = random.oneIn(3);
+    const tagPOINT first = {isSmall ? 0 : random.between(0, texels - 1), isSmall ? 0 : random.between(0, texels - 1)};
+    call["tex"] =
+        randomTexture(random, isKeyed(call.row())).movedBy(static_cast<int>(first.x), static_cast<int>(first.y));
+    const auto four = [&](std::string_view number, int low, int high, bool wild, bool same = false) {
+        const auto one = [&] { return wild ? static_cast<int>(random.word()) : random.between(low, high); };
+        const int all = one();
+        setFour(call, number, same ? Four{all, all, all, all} : Four{all, one(), one(), one()});
+    };
+    const auto fourTexels = [&](std::string_view number, q_long origin) {
+        const int low = static_cast<int>(-origin);
+        four(number, low * unit, (low + (isSmall ? 2 : texels - 1)) * unit, false, isWild);
+    };
+    const auto wildOne = [&] { return isWild && random.oneIn(2); };
+    fourTexels("u", first.x);
+    fourTexels("v", first.y);
+    four("x", -4, 14, wildOne());
+    if (random.oneIn(2)) { // most often the right edge stands to the right
+        call["xR0"] = random.between(std::min(call["xL0"].whole(), 14), 14);
+        call["xR1"] = random.between(std::min(call["xL1"].whole(), 14), 14);
+    }
+    four("y", -4, 14, wildOne());
+    if (!isWild) {
+        call["yL1"] = random.between(call["yL0"].whole(), 16);
+        call["yR1"] = random.between(call["yR0"].whole(), 16);
+    }
+    const bool isNear = random.oneIn(2);
+    four("add", -40, 300, wildOne());
+    four("mul", -100, 600, wildOne());
+    four("z", isNear ? -200 : 0, isNear ? 500 : 3000, wildOne());
+}
+
+/// A quad between slanting edges, lit from the left, before the Z plane.
+void setBand(Call &call, const Stage &stage) {
+    const bool isFiltered = isFilteredMapper(call.row());
+    const auto part = [&stage](double share) { return static_cast<int>(stage.width * share); };
+    const int unit = isFiltered ? 16 : 1;
+    const int right = (stage.width - 1) * unit;
+    const int bottom = (stage.height - 1) * unit;
+    const int lean = part(0.2 * stage.time);
+    call["tex"] = isKeyed(call.row()) ? stage.sprite() : stage.picture(1);
+    setFour(call, "u", {0, 0, right, right});
+    setFour(call, "v", {0, bottom, 0, bottom});
+    setFour(call, "x", {part(0.05) + lean, part(0.25) - lean, part(0.75) + lean, part(0.95) - lean});
+    setFour(call, "y", {stage.height / 10, stage.height * 9 / 10, stage.height / 10, stage.height * 9 / 10});
+    setFour(call, "add", {40, 0, 0, 0});
+    setFour(call, "mul", {256, 256, 128, 128});
+}
+
+std::vector<Argument> bandArguments() {
+    std::vector<Argument> arguments = {
+        privateBlock("dst"),      destination(),           source("tex"), clip("clip", "dst"),
+        pitch("dstPitch", "dst"), pitch("texPitch", "tex")};
+    const auto add = [&arguments](const std::array<std::string_view, 4> &names, auto make) {
+        for (const std::string_view name : names)
+            arguments.push_back(make(name));
+    };
+    const auto texel = [](std::string_view name) { return number(name, "1/16 texels", anyInt, {0, 0}); };
+    const auto place = [](std::string_view name) { return position(name, "dst", {0, 0}); };
+    const auto depth = [](std::string_view name) { return number(name, "depths", anyInt, {0, 0}); };
+    add({"uL0", "uL1", "uR0", "uR1"}, texel);
+    add({"vL0", "vL1", "vR0", "vR1"}, texel);
+    add({"xL0", "xL1", "xR0", "xR1"}, place);
+    add({"yL0", "yL1", "yR0", "yR1"}, place);
+    add({"addL0", "addL1", "addR0", "addR1"}, light);
+    add({"mulL0", "mulL1", "mulR0", "mulR1"}, light);
+    add({"zL0", "zL1", "zR0", "zR1"}, depth);
+    return arguments;
+}
+
+// Quads and triangles.
+
+constexpr std::string_view pointNames[] = {"p0", "p1", "p2", "p3"};
+constexpr std::string_view texelNames[] = {"t0", "t1", "t2", "t3"};
+constexpr std::string_view addNames[] = {"add0", "add1", "add2", "add3"};
+constexpr std::string_view mulNames[] = {"mul0", "mul1", "mul2", "mul3"};
+
+std::size_t cornersOf(const Row &row) {
+    return row.argument("p3") ? 4 : 3;
+}
+const _POINT3DFLOAT &pointOf(const Call &call, std::size_t corner) {
+    return *call[pointNames[corner]].plane().as<_POINT3DFLOAT>();
+}
+const _POINTINT &texelOf(const Call &call, std::size_t corner) {
+    return *call[texelNames[corner]].plane().as<_POINTINT>();
+}
+
+/// What a polygon's corners hold of a number.
+template <class Number>
+Reach reachOf(const Call &call, Number number) {
+    std::vector<std::int64_t> values;
+    for (std::size_t i = 0; i < cornersOf(call.row()); ++i)
+        values.push_back(number(i));
+    return Reach(values);
+}
+
+q_ulong modeOf(const Call &call) {
+    return call["flags"].word() & 0xFFFF0;
+}
+bool isPipeline(const Call &call) {
+    return call["data"].is<PipelineBlock>();
+}
+
+enum class Sampling { none, filtered, nearest, wholeTexels };
+
+/// How a call takes its texels: by its mode, or by what an earlier call has left in the pipeline's slot.
+Sampling samplingOf(const Call &call, const Box &screen, const Reach &u, const Reach &v) {
+    const q_ulong mode = modeOf(call);
+    if (mode == 0x200 || (mode == 0x2210 && !isPipeline(call))) {
+        const bool isShrunk = (u.greatest - u.least) * (v.greatest - v.least) > screen.width() * screen.height() * 128;
+        return isShrunk ? Sampling::nearest : Sampling::filtered;
+    }
+    if (isPipeline(call) && cornersOf(call.row()) == 3) {
+        const QMGLSpanMapper slot = call["data"].get<PipelineBlock>().data.spanMapper;
+        return !slot ? Sampling::none : slot == VKD_i3D_Mapping_Near_HPE ? Sampling::wholeTexels : Sampling::filtered;
+    }
+    if (mode == 0x10100)
+        return Sampling::filtered;
+    return mode == 0x1010 && !isPipeline(call) ? Sampling::wholeTexels : Sampling::none;
+}
+
+Areas readsCorners(const Call &call, int wordsOfPoint) {
+    Areas areas;
+    for (std::size_t i = 0; i < cornersOf(call.row()); ++i) {
+        areas.push_back(words(pointNames[i], wordsOfPoint));
+        areas.push_back(words(texelNames[i], 2));
+    }
+    return areas;
+}
+
+Areas readsPolygon(const Call &call) {
+    const Reach x = reachOf(call, [&](std::size_t i) { return static_cast<int>(pointOf(call, i).x); });
+    const Reach y = reachOf(call, [&](std::size_t i) { return static_cast<int>(pointOf(call, i).y); });
+    const Reach u = reachOf(call, [&](std::size_t i) { return texelOf(call, i).x; });
+    const Reach v = reachOf(call, [&](std::size_t i) { return texelOf(call, i).y; });
+    const Sampling sampling = samplingOf(call, {x.least, y.least, x.greatest, y.greatest}, u, v);
+    const Areas areas = with(onDstAndDepths(call), readsCorners(call, 3));
+    if (sampling == Sampling::none)
+        return areas;
+    if (!x.fits(18) || !u.fits(18) || !v.fits(18))
+        return with(areas, {{"tex", everything}});
+    Box read = texelsBetween(u, v, sampling == Sampling::filtered);
+    if (sampling == Sampling::nearest)
+        read = {u.least >> 4, v.least >> 4, (u.greatest >> 4) + 1, (v.greatest >> 4) + 1};
+    return with(areas, {{"tex", read}});
+}
+
+q_ulong randomFlags(Random &random) {
+    constexpr q_ulong modes[] = {0x200, 0x10100, 0x1010, 0x2210};
+    if (random.oneIn(20))
+        return random.word();
+    const q_ulong ignored = random.oneIn(2) ? random.word() & 0xFFF0000F : 0;
+    return modes[random.between(0, 3)] | ignored;
+}
+
+void arrangePolygon(Call &call, Random &random) {
+    const Plane &dst = call["dst"].plane();
+    const bool isSmall = random.oneIn(3);
+    call["tex"] = randomTexture(random, random.oneIn(3));
+    call["flags"] = random.oneIn(2) ? q_ulong{0x200} : randomFlags(random);
+    bool isNearest = modeOf(call) == 0x1010;
+    if (isPipeline(call)) {
+        constexpr QMGLSpanMapper slots[] = {nullptr, VKD_i3D_Mapping_Linear_HPE, VKD_i3D_Mapping_Near_HPE,
+                                            VKD_i3D_Mapping_Linear_HPE_KeySrc};
+        const QMGLSpanMapper slot = slots[random.between(0, 3)];
+        call["data"].get<PipelineBlock>().data.spanMapper = slot;
+        isNearest = slot == VKD_i3D_Mapping_Near_HPE && modeOf(call) != 0x200 && cornersOf(call.row()) == 3;
+    }
+    const int last = (isSmall ? 2 : texels - 1) * (isNearest ? 1 : 16);
+    const bool isOneTexel = random.oneIn(4); // never shrunk, unless the polygon has no area either
+    const bool isWhole = random.oneIn(3);
+    for (std::size_t i = 0; i < cornersOf(call.row()); ++i) {
+        _POINT3DFLOAT point = {};
+        point.x = random.realBetween(-6, static_cast<float>(dst.width()) + 6);
+        point.y = random.realBetween(-6, static_cast<float>(dst.height()) + 6);
+        point.z = random.realBetween(-50, 400);
+        if (isWhole)
+            point = {std::trunc(point.x), std::trunc(point.y), point.z, 0};
+        const int u = random.between(0, last);
+        call[pointNames[i]] = Plane::of(point);
+        call[texelNames[i]] = Plane::of(isOneTexel && i > 0 ? texelOf(call, 0) : _POINTINT{u, random.between(0, last)});
+        call[addNames[i]] = random.between(-20, 200);
+        call[mulNames[i]] = random.between(-50, 400);
+    }
+}
+
+/// What a scene draws with: a mode, and the texture units to a pixel. At half a texel or below it is filtered where
+/// the mode has a choice.
+struct Mode {
+    q_ulong flags;
+    int unitsOfPixel;
+};
+constexpr Mode filtered = {0x200, 8};
+constexpr Mode nearest = {0x200, 16};
+constexpr Mode keyed = {0x10100, 8};
+constexpr Mode filteredFlat = {0x2210, 8};
+constexpr Mode nearestFlat = {0x2210, 16};
+constexpr Mode unlit = {0x1010, 1};
+constexpr Mode plainQuad = {0, 1}; ///< without a mode, a fourth reaching beyond the texture
+
+void setCorner(Call &call, std::size_t corner, const Plane &points, const Plane &positions, int index) {
+    call[pointNames[corner]] = points.movedBy(4 * index, 0);
+    call[texelNames[corner]] = positions.movedBy(2 * index, 0);
+    if (call.row().argument("add0")) {
+        call[addNames[corner]] = index % 50;
+        call[mulNames[corner]] = 180 + 2 * (index % 50);
+    }
+}
+
+/// A quad, or the half of it, that turns and leans.
+template <const Mode &mode>
+void setPolygon(Call &call, const Stage &stage) {
+    const double turn = 0.6 * stage.time;
+    const Plane points = pointsOf<_POINT3DFLOAT>(4, [&](int i) {
+        const double angle = turn + 1.5707963 * i + 3.9269908;
+        return _POINT3DFLOAT{static_cast<float>(stage.width * (0.5 + 0.55 * std::cos(angle))),
+                             static_cast<float>(stage.height * (0.5 + 0.6 * std::sin(angle))), 0, 0};
+    });
+    const int right = stage.width * mode.unitsOfPixel * 3 / 4;
+    const int bottom = stage.height * mode.unitsOfPixel * 3 / 4;
+    const _POINTINT positions[] = {{0, 0}, {right, 0}, {right, bottom}, {0, bottom}};
+    if (mode.flags != 0)
+        call["flags"] = mode.flags;
+    call["tex"] = mode.flags == keyed.flags ? stage.sprite() : stage.picture(1);
+    for (std::size_t i = 0; i < cornersOf(call.row()); ++i)
+        setCorner(call, i, points, Plane::of(positions), static_cast<int>(i));
+}
+
+/// One polygon after the other of a grid of `side` times `side` cells. All points are one array, in the first call's
+/// first point, and all positions another.
+template <const Mode &mode, int side>
+void setPolygonOfGrid(Call &call, const Stage &stage) {
+    constexpr int columns = side + 1;
+    const bool isQuad = cornersOf(call.row()) == 4;
+    if (stage.call == 0) {
+        const Plane points = coveringGrid(stage, columns, columns);
+        Plane positions(4, 2 * columns * columns, 1);
+        for (int i = 0; i < columns * columns; ++i) {
+            const _POINT3DFLOAT &point = points.as<_POINT3DFLOAT>()[i];
+            const int beyond = mode.flags == 0 ? stage.width / 4 : 0;
+            positions.as<_POINTINT>()[i] = {static_cast<int>(point.x) * mode.unitsOfPixel + beyond,
+                                            static_cast<int>(point.y) * mode.unitsOfPixel};
+        }
+        call["tex"] = mode.flags == keyed.flags ? stage.sprite() : stage.picture(1);
+        call["p0"] = points;
+        call["t0"] = positions;
+    }
+    if (mode.flags != 0)
+        call["flags"] = mode.flags;
+    const Plane points = call["p0"].plane();
+    const Plane positions = call["t0"].plane();
+    const int cell = isQuad ? stage.call : stage.call / 2;
+    const int first = cell / side * columns + cell % side;
+    const std::array<int, 4> corners = isQuad ? Four{first, first + 1, first + columns + 1, first + columns}
+                                       : stage.call % 2 == 0 ? Four{first, first + 1, first + columns, 0}
+                                                             : Four{first + 1, first + columns, first + columns + 1, 0};
+    for (std::size_t i = 0; i < cornersOf(call.row()); ++i)
+        setCorner(call, i, points, positions, corners[i]);
+}
+
+template <const Mode &mode>
+void addScenes(std::vector<Scene> &scenes, std::string_view figure, std::string_view small, std::string_view large) {
+    const int each = figure == "Mquads" ? 1 : 2;
+    if (scenes.empty())
+        scenes.push_back({.set = setPolygon<mode>, .isRestored = true});
+    scenes.push_back({.word = small,
+                      .set = setPolygonOfGrid<mode, 70>,
+                      .figure = figure,
+                      .calls = each * 70 * 70,
+                      .isRestored = true});
+    scenes.push_back(
+        {.word = large, .set = setPolygonOfGrid<mode, 7>, .figure = figure, .calls = each * 7 * 7, .isRestored = true});
+}
+
+std::vector<Scene> quadScenes(bool ofOlderModule) {
+    std::vector<Scene> scenes;
+    addScenes<filtered>(scenes, "Mquads", "filtered quads of 100 pixels", "filtered quads of 10000 pixels");
+    addScenes<nearest>(scenes, "Mquads", "nearest quads of 100 pixels", "nearest quads of 10000 pixels");
+    addScenes<keyed>(scenes, "Mquads", "keyed quads of 100 pixels", "keyed quads of 10000 pixels");
+    if (ofOlderModule) {
+        addScenes<filteredFlat>(scenes, "Mquads", "filtered flat quads of 100 pixels",
+                                "filtered flat quads of 10000 pixels");
+        addScenes<nearestFlat>(scenes, "Mquads", "nearest flat quads of 100 pixels",
+                               "nearest flat quads of 10000 pixels");
+        addScenes<unlit>(scenes, "Mquads", "unlit quads of 100 pixels", "unlit quads of 10000 pixels");
+    }
+    return scenes;
+}
+std::vector<Scene> triangleScenes(bool ofOlderModule) {
+    std::vector<Scene> scenes;
+    addScenes<filtered>(scenes, "Mtriangles", "filtered triangles of 50 pixels", "filtered triangles of 5000 pixels");
+    addScenes<nearest>(scenes, "Mtriangles", "nearest triangles of 50 pixels", "nearest triangles of 5000 pixels");
+    if (ofOlderModule) {
+        addScenes<keyed>(scenes, "Mtriangles", "keyed triangles of 50 pixels", "keyed triangles of 5000 pixels");
+        addScenes<filteredFlat>(scenes, "Mtriangles", "filtered flat triangles of 50 pixels",
+                                "filtered flat triangles of 5000 pixels");
+        addScenes<nearestFlat>(scenes, "Mtriangles", "nearest flat triangles of 50 pixels",
+                               "nearest flat triangles of 5000 pixels");
+        addScenes<unlit>(scenes, "Mtriangles", "unlit triangles of 50 pixels", "unlit triangles of 5000 pixels");
+    }
+    return scenes;
+}
+std::vector<Scene> plainQuadScenes() {
+    std::vector<Scene> scenes;
+    addScenes<plainQuad>(scenes, "Mquads", "quads of 100 pixels", "quads of 10000 pixels");
+    return scenes;
+}
+
+std::vector<Argument> polygonArguments(int count, bool isLit) {
+    std::vector<Argument> arguments;
+    const auto add = [&](const auto &names, auto make) {
+        for (int i = 0; i < count; ++i)
+            arguments.push_back(make(names[i]));
+    };
+    if (isLit)
+        arguments.push_back(privateBlock("dst"));
+    arguments.push_back(destination());
+    add(pointNames, corner);
+    arguments.push_back(source("tex"));
+    add(texelNames, [](std::string_view name) { return texelOf(name); });
+    arguments.insert(arguments.end(), {clip("clip", "dst"), pitch("dstPitch", "dst"), pitch("texPitch", "tex")});
+    if (isLit) {
+        add(addNames, light);
+        add(mulNames, light);
+        arguments.push_back(choice("flags", anyWord, 0x200));
+    }
+    return arguments;
+}
+
+// Quads of plain texels: the clip bounds the texture, too.
+
+Areas readsPlainQuad(const Call &call) {
+    return with(with(onDst(call), readsCorners(call, 2)), {{"tex", call["clip"].rect()}});
+}
+void arrangePlainQuad(Call &call, Random &random) {
+    const Plane &dst = call["dst"].plane();
+    call["tex"] = Plane::randomSurface(random, dst.width(), dst.height());
+    // Far beyond products wrap, and 16384 texels on they come back to where they were.
+    const int reach = random.oneIn(20) ? 20000 : 6;
+    const int lap = random.oneIn(8) ? 16384 : 0;
+    const bool isUpright = random.oneIn(4);
+    const auto within = [&random](int extent) { return random.realBetween(-6, static_cast<float>(extent) + 6); };
+    const float sides[] = {within(dst.width()), within(dst.width())};
+    const float ends[] = {within(dst.height()), within(dst.height())};
+    for (std::size_t i = 0; i < 4; ++i) {
+        const int right = isUpright ? static_cast<int>(i == 1 || i == 2) : random.between(-1, 1);
+        const int lower = isUpright ? static_cast<int>(i >= 2) : random.between(-1, 1);
+        const float x = isUpright ? sides[right] : within(dst.width());
+        const float y = isUpright ? ends[lower] : within(dst.height());
+        const int u = random.between(-reach, dst.width() + reach) + lap * right;
+        const int v = random.between(-reach, dst.height() + reach) + lap * lower;
+        call[pointNames[i]] = Plane::of(_POINT3DFLOAT{x, y, 0, 0});
+        call[texelNames[i]] = Plane::of(_POINTINT{u, v});
+    }
+}
+
+// Meshes.
+
+bool hasCells(const Call &call) {
+    return call["rows"].whole() >= 2 && call["cols"].whole() >= 2;
+}
+Areas writesMesh(const Call &call) {
+    return hasCells(call) ? onDstAndDepths(call) : Areas{};
+}
+Areas readsMesh(const Call &call) {
+    if (!hasCells(call))
+        return {};
+    const tagRECT rect = call["texRect"].rect();
+    const Box read = {std::min(rect.left, rect.right), std::min(rect.top, rect.bottom),
+                      std::int64_t{std::max(rect.left, rect.right)} + 2,
+                      std::int64_t{std::max(rect.top, rect.bottom)} + 2};
+    Areas areas = with(onDstAndDepths(call), readsGrid(call));
+    areas.push_back(words("ambientColor", 3));
+    areas.push_back({"tex", read});
+    if (call.row().argument("backTex"))
+        areas.push_back({"backTex", read});
+    return areas;
+}
+
+/// A mesh that stands roughly upright over the destination, sometimes turned over, with random jogs.
+void arrangeMesh(Call &call, Random &random) {
+    const Plane &dst = call["dst"].plane();
+    const Plane texture = randomTexture(random, isKeyed(call.row()) || random.oneIn(4));
+    call["tex"] = texture;
+    if (call.row().argument("backTex")) { // of the same pitch
+        Copies copies;
+        Plane back = texture.copy(copies);
+        for (int y = 0; y < texels; ++y)
+            for (int x = 0; x < texels; ++x)
+                back.at(x, y) = random.pixel();
+        call["backTex"] = back;
+    }
+    const int side = random.oneIn(3) ? 2 : texels;
+    call["texRect"] = random.rectInside(side, side);
+    const int rows = random.between(2, 4);
+    const int cols = random.between(2, 4);
+    call["rows"] = random.oneIn(40) ? 1 : rows;
+    call["cols"] = random.oneIn(40) ? 1 : cols;
+    const bool isMirrored = random.oneIn(3);
+    const float jog = random.oneIn(5) ? 20 : 2;
+    const auto place = [&](int index, int count, int extent) {
+        return static_cast<float>(index * extent / (count - 1)) + random.realBetween(-jog, jog);
+    };
+    call["points"] = pointsOf<_POINT3DFLOAT>(rows * cols, [&](int i) {
+        const float x = place(isMirrored ? cols - 1 - i % cols : i % cols, cols, dst.width());
+        const float y = place(i / cols, rows, dst.height());
+        return _POINT3DFLOAT{x, y, random.realBetween(-3, 20), 0};
+    });
+    const float x = random.realBetween(-1, 1);
+    const float y = random.realBetween(-1, 1);
+    call["light"] = Plane::of(_POINT3DFLOAT{x, y, random.realBetween(0, 1), 0});
+    const int red = random.between(0, 150);
+    const int green = random.between(-150, 150);
+    call["ambientColor"] = Plane::of(_POINT3D{red, green, random.between(0, 150), 0});
+    call["specular"] = random.realBetween(0, 1);
+    call["shininess"] = random.between(0, 4);
+}
+
+template <class Block>
+void setMesh(Call &call, const Stage &stage, const Plane &points, const tagRECT &texRect) {
+    call["tex"] = isKeyed(call.row()) ? stage.sprite() : stage.picture(1);
+    if (call.row().argument("backTex"))
+        call["backTex"] = stage.picture(2);
+    call["texRect"] = texRect;
+    call["points"] = points;
+    call["light"] = lightFromAbove();
+    call["ambientColor"] = Plane::of(_POINT3D{60, 60, 60, 0});
+    call["data"].get<Block>().vertexArray0 = Plane(4, 64 * 64, 1);
+    call["data"].get<Block>().vertexArray1 = Plane(4, 64 * 64, 1);
+}
+template <class Block>
+void setCloth(Call &call, const Stage &stage) {
+    setMesh<Block>(call, stage, wavingGrid(stage, 64, 64), {0, 0, stage.width, stage.height});
+}
+template <class Block, int shrink>
+void setCoveringMesh(Call &call, const Stage &stage) {
+    setMesh<Block>(call, stage, coveringGrid(stage, 64, 64),
+                   {0, 0, stage.width * shrink / 2, stage.height * shrink / 2});
+}
+
+template <class Block, int trianglesOfCell = 0>
+std::vector<Scene> meshScenes(bool alwaysFilters = false) {
+    const double figures = 63 * 63 * std::max(trianglesOfCell, 1);
+    const std::string_view figure = trianglesOfCell ? "Mtriangles" : "Mquads";
+    std::vector<Scene> scenes = {{.set = setCloth<Block>, .isRestored = true},
+                                 {.word = "filtered mesh of 64 x 64",
+                                  .set = setCoveringMesh<Block, 1>,
+                                  .figures = figures,
+                                  .figure = figure,
+                                  .isRestored = true}};
+    if (!alwaysFilters)
+        scenes.push_back({.word = "nearest mesh of 64 x 64",
+                          .set = setCoveringMesh<Block, 2>,
+                          .figures = figures,
+                          .figure = figure,
+                          .isRestored = true});
+    return scenes;
+}
+
+std::vector<Argument> meshArguments(bool hasBack = false) {
+    std::vector<Argument> arguments = {privateBlock("dst"), destination(), source("tex")};
+    if (hasBack)
+        arguments.push_back(source("backTex"));
+    const auto count = [](std::string_view name) {
+        return Argument{
+            .name = name, .kind = Kind::count, .unit = "points", .contract = {-32768, 32767}, .drawn = {64, 64}};
+    };
+    arguments.insert(arguments.end(),
+                     {clip("clip", "dst"), rectangle("texRect", "tex"), pitch("dstPitch", "dst"),
+                      pitch("texPitch", "tex"), corner("points"), count("rows"), count("cols"), vector("light"),
+                      unused("lightColor"), Argument{.name = "ambientColor", .kind = Kind::numbers, .unit = "1/256"},
+                      number("specular", "256 levels", {-8, 8}, {0.5, 0.5}),
+                      number("shininess", "squarings", {-2147483648.0, 64}, {3, 3})});
+    return arguments;
+}
+
+// What the rows of a family have in common.
+
+Row drawn(Row row) {
+    row.overlap = Overlap::rowOrder;
+    row.topByte = TopByte::cleared;
+    row.sums = Sums::saturate;
+    return row;
+}
+Row ofBand(Row row) {
+    row.arguments = bandArguments();
+    row.writes = writesBand;
+    row.reads = readsBand;
+    row.arrange = arrangeBand;
+    row.scenes = {{.set = setBand, .isRestored = true}};
+    return drawn(row);
+}
+Row ofPolygon(int corners, const std::vector<Scene> &scenes, Row row) {
+    row.arguments = polygonArguments(corners, true);
+    row.writes = onDstAndDepths;
+    row.reads = readsPolygon;
+    row.arrange = arrangePolygon;
+    row.scenes = scenes;
+    return drawn(row);
+}
+Row ofPlainQuad(Row row) {
+    row.arguments = polygonArguments(4, false);
+    row.writes = onDst;
+    row.reads = readsPlainQuad;
+    row.overlap = Overlap::rowOrder;
+    row.topByte = TopByte::copied;
+    row.sums = Sums::stayInside;
+    row.arrange = arrangePlainQuad;
+    row.scenes = plainQuadScenes();
+    return row;
+}
+Row ofMesh(const std::vector<Scene> &scenes, Row row) {
+    row.arguments = meshArguments(row.word == "two textures");
+    row.writes = writesMesh;
+    row.reads = readsMesh;
+    row.arrange = arrangeMesh;
+    row.scenes = scenes;
+    return drawn(row);
+}
+
+} // namespace
 
 std::vector<Row> texturedRows() {
-    return {};
+    return {
+        {
+            Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_QM3D_Data),
+            .sentence = "Allocates the private block of the older module in a slot of the host's record.",
+            .arguments = {{.name = "data", .kind = Kind::hostRecord, .unit = "", .mayBeNull = true},
+                          number("slot", "", {0, 14}, {0, 0})},
+            .without = {{"every proof", "allocates"}},
+        },
+        {
+            Q_MUR_FUNCTION(ResetZBuffer),
+            .sentence = "Empties a rectangle of the Z plane, in pairs of entries.",
+            .arguments = {privateBlock(), rectangle("rect", ""), number("pitch", "entries", {-4096, 4096}, {0, 0})},
+            .writes = writesPairs,
+            .arrange = arrangeReset<TexturedBlock>,
+            .scenes = {{.set = resetStage<TexturedBlock>}},
+        },
+        {
+            Q_MUR_FUNCTION(FindLuminenceTerm),
+            .sentence = "Lights a grid of points: a highlight and a multiplier for each of them.",
+            .arguments = lightArguments(),
+            .reads = readsGrid,
+            .arrange = arrangeLight,
+            .scenes = {{.set = setMeshLight<TexturedBlock>}},
+        },
+        {
+            Q_MUR_FUNCTION(VKD_FindLuminenceTerm),
+            .sentence = "Lights a grid of points: a highlight and a multiplier for each of them.",
+            .arguments = lightArguments(),
+            .reads = readsGrid,
+            .arrange = arrangeLight,
+            .scenes = {{.set = setMeshLight<PipelineBlock>}},
+        },
+        ofBand({Q_MUR_FUNCTION(VKD_i3D_Mapping_Linear_HPE),
+                .sentence = "Fills the area between two edges with a filtered, lit texture, depth tested."}),
+        ofBand({Q_MUR_FUNCTION(VKD_i3D_Mapping_Linear_HPE_KeySrc),
+                .sentence =
+                    "Fills the area between two edges with a filtered, lit texture but for its holes, depth tested."}),
+        ofBand({Q_MUR_FUNCTION(VKD_i3D_Mapping_Near_HPE),
+                .sentence = "Fills the area between two edges with a lit texture's nearest texels, depth tested."}),
+        ofPolygon(4, quadScenes(true),
+                  {Q_MUR_FUNCTION(i3D_Blt_Rect), .sentence = "Draws a textured quad in one of four modes."}),
+        ofPolygon(4, quadScenes(false),
+                  {Q_MUR_FUNCTION(VKD_i3D_Blt_Rect),
+                   .sentence = "Draws a textured quad, depth tested, in one of two modes."}),
+        ofPolygon(3, triangleScenes(true),
+                  {Q_MUR_FUNCTION(i3D_Blt_Tri), .sentence = "Draws a textured triangle in one of four modes."}),
+        ofPolygon(3, triangleScenes(false),
+                  {Q_MUR_FUNCTION(VKD_i3D_Blt_Tri),
+                   .sentence =
+                       "Draws a textured triangle, depth tested, with the mapper of its mode or of an earlier call."}),
+        ofPlainQuad({Q_MUR_FUNCTION(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe),
+                     .sentence = "Copies a quad out of a texture and leaves out what lies outside of it."}),
+        ofPlainQuad({Q_MUR_FUNCTION(i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack),
+                     .sentence = "Copies a quad out of a texture and draws what lies outside of it black."}),
+        ofMesh(meshScenes<TexturedBlock>(),
+               {Q_MUR_FUNCTION(Render_Texture_3D),
+                .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested."}),
+        ofMesh(meshScenes<TexturedBlock>(true),
+               {Q_MUR_FUNCTION(Render_Texture_3D_KeySrc),
+                .sentence =
+                    "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested."}),
+        ofMesh(
+            meshScenes<TexturedBlock, 2>(),
+            {Q_MUR_FUNCTION(Render_Texture_3D_Tri),
+             .sentence = "Lights a grid of points and draws its cells as textured triangles, then a glint over all."}),
+        ofMesh(meshScenes<PipelineBlock>(),
+               {Q_MUR_OVERLOAD(VKD_Render_Texture_3D,
+                               void(_PRIVATE_QMGL_DATA *, q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong,
+                                    _POINT3DFLOAT *, int, int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int)),
+                .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested."}),
+        ofMesh(
+            meshScenes<PipelineBlock>(),
+            {Q_MUR_OVERLOAD(VKD_Render_Texture_3D, void(_PRIVATE_QMGL_DATA *, q_ulong *, q_ulong *, q_ulong *,
+                                                        tagRECT *, tagRECT *, q_ulong, q_ulong, _POINT3DFLOAT *, int,
+                                                        int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int)),
+             .word = "two textures",
+             .sentence = "Draws a lit grid with one texture where it faces the viewer and another where it does not."}),
+        ofMesh(meshScenes<PipelineBlock>(true),
+               {Q_MUR_FUNCTION(VKD_Render_Texture_3D_KeySrc),
+                .sentence =
+                    "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested."}),
+        ofMesh(meshScenes<PipelineBlock, 2>(),
+               {Q_MUR_FUNCTION(VKD_Render_Texture_3D_Tri),
+                .sentence = "Lights a grid of points and draws its cells as textured triangles, depth tested."}),
+    };
 }
 
 } // namespace catalogue

@@ -95,6 +95,7 @@ Json rowOf(const Row &row, const HeaderText &header) {
     json["overlap"] = nameOf(row.overlap);
     json["topByte"] = nameOf(row.topByte);
     json["sums"] = nameOf(row.sums);
+    json["drawsRandomNumbers"] = row.drawsRandomNumbers;
     json["pixelOnPixel"] = row.pixelOnPixel != nullptr;
     json["hasTwin"] = row.call.twin != nullptr;
     json["scenes"] = Json::array();

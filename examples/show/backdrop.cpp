@@ -1,5 +1,7 @@
 #include "backdrop.h"
 
+#include "painting.h"
+
 #include <algorithm>
 
 namespace show {
@@ -18,15 +20,6 @@ Surface eighthOf(const Surface &picture, const Stage::Plane (&between)[2], const
     return large;
 }
 
-void blur(const Surface &picture, int radius) {
-    tagRECT whole = picture.rect();
-    Blur_Rect(picture.pixels, &whole, picture.pitch, std::min({radius, picture.width / 2, picture.height / 2}));
-}
-
-void dim(const Surface &picture, tagRECT area, double brightness) {
-    iFadeOut32(picture.pixels, &area, picture.pitch, static_cast<float>(brightness));
-}
-
 /// Stretches the picture over `out`. Writes its margin.
 void spread(const Surface &out, const Surface &picture) {
     extendEdges(picture);
@@ -39,10 +32,8 @@ void drawBackdrop(Stage &stage, const Surface &out, const Surface &picture, doub
     const Stage::Plane between[] = {stage.plane(), stage.plane()};
     const Stage::Plane result = stage.plane();
     const Surface small = eighthOf(picture, between, result);
-    const int radius = std::clamp(small.height / 10, 1, 128);
-    blur(small, radius);
-    blur(small, radius);
-    dim(small, small.rect(), brightness);
+    blur(small, std::max(small.height / 10, 1), 2);
+    dim(small, brightness);
     spread(out, small);
 }
 
@@ -52,10 +43,9 @@ void drawBackdrop(Stage &stage, const Surface &out, const Surface &first, const 
     const Stage::Plane result = stage.plane();
     const Surface small = eighthOf(first, between, result);
     const Surface other = eighthOf(second, between, out);
-    tagRECT whole = small.rect();
-    iBltFast32Alpha(small.pixels, other.pixels, 0, 0, &whole, small.pitch, other.pitch, static_cast<float>(t));
+    blend(small, other, t);
     blur(small, 6);
-    dim(small, whole, brightness);
+    dim(small, brightness);
 
     const auto column = [&](double x) {
         return std::clamp(static_cast<q_long>(x * small.width / out.width), q_long{0}, q_long{small.width});

@@ -32,9 +32,13 @@ std::vector<std::filesystem::path> bundledPhotos(const char *programName) {
     const auto program = programDirectory(programName);
     for (const auto &directory :
          {program / QMUR_SHOW_INSTALLED_PHOTOS, program / "photos", std::filesystem::path(QMUR_SHOW_SOURCE_PHOTOS)})
-        if (std::filesystem::exists(directory / "coffee.png"))
-            return {directory / "coffee.png", directory / "chelsea.png", directory / "rocket.jpg",
-                    directory / "hubble_deep_field.jpg"};
+        if (std::filesystem::exists(directory / "dandelion.jpg")) {
+            std::vector<std::filesystem::path> photos;
+            for (const char *const name :
+                 {"dandelion", "mountains", "stream", "dogs", "fig", "meadow", "brushes", "sunset"})
+                photos.push_back(directory / (std::string(name) + ".jpg"));
+            return photos;
+        }
     throw Failure("the bundled photographs are not installed; name photographs of your own");
 }
 

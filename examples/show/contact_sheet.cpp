@@ -1,7 +1,9 @@
 #include "contact_sheet.h"
 
 #include "image_file.h"
+#include "painting.h"
 #include "picture.h"
+#include "text.h"
 
 #include <algorithm>
 
@@ -28,17 +30,16 @@ std::vector<int> evenlySpaced(FrameRange frames) {
 
 } // namespace
 
-ContactSheet::ContactSheet(const std::filesystem::path &target, int frameWidth, int frameHeight, FrameRange frames)
-    : file(target), chosen(evenlySpaced(frames)), columns(std::min(mostColumns, static_cast<int>(chosen.size()))) {
+ContactSheet::ContactSheet(const std::filesystem::path &sheetTarget, int frameWidth, int frameHeight, FrameRange frames)
+    : target(sheetTarget), file(target, target), chosen(evenlySpaced(frames)),
+      columns(std::min(mostColumns, static_cast<int>(chosen.size()))) {
     const double share = std::min(
         {1.0, static_cast<double>(widestPicture) / frameWidth, static_cast<double>(highestPicture) / frameHeight});
     pictureWidth = std::max(static_cast<int>(frameWidth * share), 1);
     pictureHeight = std::max(static_cast<int>(frameHeight * share), 1);
     const int rows = (static_cast<int>(chosen.size()) + columns - 1) / columns;
     sheet = Canvas(columns * (pictureWidth + gap) + gap, rows * (pictureHeight + gap) + gap);
-    const Surface surface = sheet.surface();
-    tagRECT whole = sheet.rect();
-    iFillRect(surface.pixels, &whole, surface.pitch, background);
+    fill(sheet, background);
 }
 
 bool ContactSheet::wants(int frame) const {
@@ -50,21 +51,18 @@ EncodedFrame ContactSheet::encode(const Surface &frame) const {
 }
 
 void ContactSheet::write(int, const EncodedFrame &encoded) {
-    const Surface surface = sheet.surface();
     const Surface picture = encoded.picture.surface();
     const int left = gap + placed % columns * (pictureWidth + gap);
     const int top = gap + placed / columns * (pictureHeight + gap);
-    tagRECT framed = {left - 1, top - 1, left + pictureWidth + 1, top + pictureHeight + 1};
-    iFillRect(surface.pixels, &framed, surface.pitch, rim);
-    tagRECT whole = picture.rect();
-    iBltFast32(surface.pixels, picture.pixels, static_cast<q_ulong>(left), static_cast<q_ulong>(top), &whole,
-               surface.pitch, picture.pitch);
+    fill(sheet, {left - 1, top - 1, left + pictureWidth + 1, top + pictureHeight + 1}, rim);
+    copy(sheet, left, top, picture, picture.rect());
     ++placed;
 }
 
-void ContactSheet::finish() {
+std::string ContactSheet::finish() {
     file.write(encodePng(sheet.surface()));
     file.finish();
+    return quoted(target);
 }
 
 } // namespace show

@@ -16,9 +16,10 @@ public:
     bool wants(int frame) const override;
     EncodedFrame encode(const Surface &frame) const override;
     void write(int frame, const EncodedFrame &encoded) override;
-    void finish() override;
+    std::string finish() override;
 
 private:
+    std::filesystem::path target;
     UnfinishedFile file;
     std::vector<int> chosen;
     int columns;

@@ -4,7 +4,7 @@
 #ifndef QMUR_SHOW_DISC_H
 #define QMUR_SHOW_DISC_H
 
-#include "easing.h"
+#include "painting.h"
 #include "picture.h"
 
 #include <algorithm>
@@ -47,13 +47,10 @@ void layDisc(const Surface &out, const Disc &place, const Surface &picture, cons
         for (int x = 0; x < side; ++x) {
             const double dx = left + x - place.x;
             q_ulong &pixel = *pixels.at(x, y);
-            pixel |= static_cast<q_ulong>(opacity(pixel, std::sqrt(dx * dx + dy * dy))) << 24;
+            pixel |= opacityOf(opacity(pixel, std::sqrt(dx * dx + dy * dy)));
         }
     }
-    // The blit reads from where its source begins and takes the size alone from the rectangle.
-    tagRECT whole = pixels.rect();
-    tagRECT clip = out.rect();
-    iBltFast32AlphaChannelSafe(out.pixels, pixels.pixels, left, top, &whole, &clip, out.pitch, pixels.pitch);
+    lay(out, pixels, left, top);
 }
 
 /// The same, opaque up to a rim that is softened over one pixel.

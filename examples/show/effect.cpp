@@ -2,6 +2,8 @@
 
 namespace show {
 
+void Effect::write(const std::string &, const std::string &) {}
+
 void Effect::prepare(int, int) {}
 
 void drawShot(Stage &stage, const Surface &out, const Shot &shot) {

@@ -1,8 +1,7 @@
 /// \file
 /// An effect: one way to show photographs, drawn through the library.
 ///
-/// To add one, write a file in effects/ after the pattern of those that are there, and add its line to
-/// effects/list.inc.
+/// To add one, write a file in effects/ after the pattern of those that are there; it ends with a Registered object.
 #ifndef QMUR_SHOW_EFFECT_H
 #define QMUR_SHOW_EFFECT_H
 
@@ -12,6 +11,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 namespace show {
 
@@ -44,6 +44,9 @@ public:
 
     virtual ~Effect() = default;
 
+    /// Called once, before prepare(): what the user wants to have written, or nothing.
+    virtual void write(const std::string &title, const std::string &subtitle);
+
     /// Called once, before any frame is drawn: the place to draw sprites.
     virtual void prepare(int width, int height);
 
@@ -55,18 +58,40 @@ public:
 /// Draws the shot by its scene.
 void drawShot(Stage &stage, const Surface &out, const Shot &shot);
 
-/// The line of an effect in the list.
+/// When an effect appears in a show that nobody chose effects for.
+enum class Use {
+    often,     ///< between the others
+    inTurn,    ///< as often as the others of its kind
+    onRequest, ///< never
+};
+
+/// What is known of an effect.
 struct EffectInfo {
     const char *name;
     Effect::Kind kind;
+    Use use;
     const char *description;
     std::unique_ptr<Effect> (*make)();
+    const EffectInfo *next; ///< in no particular order; see allEffects()
 };
 
+/// For Registered alone.
+void enlist(EffectInfo &info) noexcept;
+
+/// Makes an effect known to the program. The file of each effect ends with one such object, and nothing else names it.
 template <class Type>
-std::unique_ptr<Effect> makeEffect() {
-    return std::make_unique<Type>();
-}
+class Registered {
+public:
+    Registered(const char *name, Effect::Kind kind, Use use, const char *description) noexcept
+        : info{name, kind, use, description, make, nullptr} {
+        enlist(info);
+    }
+
+private:
+    static std::unique_ptr<Effect> make() { return std::make_unique<Type>(); }
+
+    EffectInfo info;
+};
 
 } // namespace show
 

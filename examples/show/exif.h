@@ -1,14 +1,30 @@
 /// \file
-/// How a camera was held, as noted in its JPEG files.
+/// What a camera notes beside the pixels.
 #ifndef QMUR_SHOW_EXIF_H
 #define QMUR_SHOW_EXIF_H
 
-#include <span>
+#include "input_file.h"
+
+#include <string>
 
 namespace show {
 
-/// The Exif orientation of a JPEG file, 1 to 8; 1, which is upright, if there is none.
-int exifOrientation(std::span<const unsigned char> file);
+struct ExifNotes {
+    int orientation = 1; ///< 1 to 8; 1 is upright
+    std::string taken;   ///< as in 2024:07:31 18:05:59, which sorts by time; empty if it is not known
+};
+
+/// Reads a TIFF structure, which may stand behind the heading "Exif". What is damaged is as if it were not there.
+ExifNotes readExif(Bytes bytes);
+
+/// A JPEG file's Exif segment; empty if there is none.
+Bytes exifOfJpeg(Bytes file);
+
+/// A PNG file's eXIf chunk; empty if there is none.
+Bytes exifOfPng(Bytes file);
+
+/// A WebP file's EXIF chunk; empty if there is none.
+Bytes exifOfWebp(Bytes file);
 
 } // namespace show
 

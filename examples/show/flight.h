@@ -4,6 +4,8 @@
 #define QMUR_SHOW_FLIGHT_H
 
 #include "angle.h"
+#include "painting.h"
+#include "point.h"
 #include "stage.h"
 
 #include <algorithm>
@@ -13,19 +15,9 @@
 
 namespace show {
 
-struct Place {
-    double x;
-    double y;
-};
-
-/// A place or a length as the library takes it.
-inline int wholePixel(double position) {
-    return static_cast<int>(std::floor(position + 0.5));
-}
-
 /// How a piece lies in the air.
 struct Attitude {
-    Place middle; ///< of the piece, on the frame
+    Point middle; ///< of the piece, on the frame
     double rise;  ///< its height above the photograph, in pixels
     double roll;  ///< its turn in its plane; angles are in turns
     double axis;  ///< the direction of the line in the frame's plane about which it is tilted then
@@ -34,12 +26,12 @@ struct Attitude {
 
 /// Where a point of a piece appears, and where its shadow falls.
 struct SeenPoint {
-    Place place;
-    Place shadow;
+    Point place;
+    Point shadow;
 };
 
 /// `fromMiddle` is the point's place in the piece, `eye` the height from which all is seen.
-inline SeenPoint seenPoint(const Attitude &attitude, Place fromMiddle, double eye) {
+inline SeenPoint seenPoint(const Attitude &attitude, Point fromMiddle, double eye) {
     const double x = fromMiddle.x * cosineOf(attitude.roll) - fromMiddle.y * sineOf(attitude.roll);
     const double y = fromMiddle.x * sineOf(attitude.roll) + fromMiddle.y * cosineOf(attitude.roll);
     // What lies beside the axis leaves the plane.
@@ -49,14 +41,14 @@ inline SeenPoint seenPoint(const Attitude &attitude, Place fromMiddle, double ey
     const double tiltedX = along * cosineOf(attitude.axis) - across * sineOf(attitude.axis);
     const double tiltedY = along * sineOf(attitude.axis) + across * cosineOf(attitude.axis);
     const double scale = eye / (eye - attitude.rise - beside * sineOf(attitude.tilt));
-    const Place &middle = attitude.middle;
+    const Point &middle = attitude.middle;
     return {{middle.x + tiltedX * scale, middle.y + tiltedY * scale},
             {middle.x + 0.2 * attitude.rise + tiltedX, middle.y + 0.35 * attitude.rise + tiltedY}};
 }
 
 /// A shadow with four corners, of which two may be the same; its opacity goes up to 255.
 struct Shadow {
-    std::array<Place, 4> corners;
+    std::array<Point, 4> corners;
     double opacity;
 };
 
@@ -67,18 +59,16 @@ inline void castShadows(Stage &stage, const Surface &out, const std::vector<Shad
     const Stage::Plane layer = stage.plane();
     const Stage::Plane blurred = stage.plane();
     tagRECT frame = out.rect();
-    iFillRect(layer->pixels, &frame, layer->pitch, 0);
+    fill(layer, 0);
     for (const Shadow &shadow : shadows) {
         std::array<tagPOINT, 4> points;
         for (std::size_t i = 0; i < 4; ++i)
-            points[i] = {wholePixel(shadow.corners[i].x), wholePixel(shadow.corners[i].y)};
-        q_ulong colour = static_cast<q_ulong>(shadow.opacity) << 24;
+            points[i] = pixelAt(shadow.corners[i]);
+        q_ulong colour = opacityOf(shadow.opacity);
         Rect_Safe(layer->pixels, &frame, layer->pitch, &points[0], &points[1], &points[2], &points[3], &colour);
     }
-    const int reach = std::min({softness, out.width - 1, out.height - 1});
-    Hor_Blur32(blurred->pixels, layer->pixels, reach, out.width, out.height, out.pitch);
-    Ver_Blur32(layer->pixels, blurred->pixels, reach, out.width, out.height, out.pitch);
-    iBltFast32AlphaChannelSafe(out.pixels, layer->pixels, 0, 0, &frame, &frame, out.pitch, layer->pitch);
+    blurWithOpacity(layer, blurred, softness);
+    lay(out, layer, 0, 0);
 }
 
 } // namespace show

@@ -1,30 +1,33 @@
 #include "image_file.h"
 
-#include "exif.h"
+#include "decoders/decoder.h"
 #include "failure.h"
+#include "input_file.h"
+#include "text.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iterator>
-#include <string>
+#include <cstdlib>
+#include <new>
 
-// Without vector instructions the decoder gives the same bytes in every build.
-#define STB_IMAGE_IMPLEMENTATION
-#define STB_IMAGE_STATIC
-#define STBI_NO_SIMD
-#define STBI_NO_STDIO
-#define STBI_NO_LINEAR
-#define STBI_NO_HDR
-#define STBI_ONLY_JPEG
-#define STBI_ONLY_PNG
-#define STBI_ONLY_BMP
+namespace {
+
+/// The encoder does not look whether it got what it asked for.
+void *certainly(void *memory) {
+    if (!memory)
+        throw std::bad_alloc();
+    return memory;
+}
+
+} // namespace
+
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_STATIC
 #define STBI_WRITE_NO_STDIO
+#define STBIW_MALLOC(size) certainly(std::malloc(size))
+#define STBIW_REALLOC(memory, size) certainly(std::realloc(memory, size))
+#define STBIW_FREE(memory) std::free(memory)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wunused-function"
-#include <stb_image.h>
+#pragma GCC diagnostic ignored "-Wold-style-cast"
 #include <stb_image_write.h>
 #pragma GCC diagnostic pop
 
@@ -32,90 +35,119 @@ namespace show {
 
 namespace {
 
-std::vector<unsigned char> readFile(const std::filesystem::path &path) {
-    if (std::filesystem::is_directory(path))
-        throw Failure("cannot read '" + path.string() + "': it is a directory");
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        throw Failure("cannot read '" + path.string() + "': " + std::strerror(errno));
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+constexpr q_ulong ground = 0x17181B;
+constexpr int longestSide = 1000000;
 
 /// The place in the stored picture of the pixel that stands at (x, y) when the picture is upright.
 struct Uprighting {
     int orientation;
-    int storedWidth;
-    int storedHeight;
+    Surface stored;
 
     bool turnsSideways() const { return orientation >= 5; }
 
-    std::size_t storedIndex(int x, int y) const {
-        const int fromRight = storedWidth - 1;
-        const int fromBottom = storedHeight - 1;
-        const auto index = [this](int column, int row) {
-            return static_cast<std::size_t>(row) * static_cast<std::size_t>(storedWidth) +
-                   static_cast<std::size_t>(column);
-        };
+    const q_ulong *storedPixel(int x, int y) const {
+        const int fromRight = stored.width - 1;
+        const int fromBottom = stored.height - 1;
         switch (orientation) {
         case 2:
-            return index(fromRight - x, y);
+            return stored.at(fromRight - x, y);
         case 3:
-            return index(fromRight - x, fromBottom - y);
+            return stored.at(fromRight - x, fromBottom - y);
         case 4:
-            return index(x, fromBottom - y);
+            return stored.at(x, fromBottom - y);
         case 5:
-            return index(y, x);
+            return stored.at(y, x);
         case 6:
-            return index(y, fromBottom - x);
+            return stored.at(y, fromBottom - x);
         case 7:
-            return index(fromRight - y, fromBottom - x);
+            return stored.at(fromRight - y, fromBottom - x);
         case 8:
-            return index(fromRight - y, x);
+            return stored.at(fromRight - y, x);
         default:
-            return index(x, y);
+            return stored.at(x, y);
         }
     }
 };
 
+Canvas upright(Canvas picture, int orientation) {
+    if (orientation == 1)
+        return picture;
+    const Uprighting way = {orientation, picture.surface()};
+    Canvas result =
+        way.turnsSideways() ? Canvas(picture.height(), picture.width()) : Canvas(picture.width(), picture.height());
+    const Surface out = result.surface();
+    for (int y = 0; y < out.height; ++y)
+        for (int x = 0; x < out.width; ++x)
+            *out.at(x, y) = *way.storedPixel(x, y);
+    return result;
+}
+
+/// Mixes with the ground what is not opaque; the top bytes are 0 afterwards.
+void layOnGround(const Surface &picture) {
+    for (int y = 0; y < picture.height; ++y)
+        for (int x = 0; x < picture.width; ++x) {
+            q_ulong &pixel = *picture.at(x, y);
+            const q_ulong opacity = pixel >> 24;
+            if (opacity == 255) {
+                pixel &= 0xFFFFFF;
+                continue;
+            }
+            q_ulong mixed = 0;
+            for (const int shift : {16, 8, 0}) {
+                const q_ulong above = pixel >> shift & 0xFF;
+                const q_ulong below = ground >> shift & 0xFF;
+                mixed |= (above * opacity + below * (255 - opacity) + 127) / 255 << shift;
+            }
+            pixel = mixed;
+        }
+}
+
+ImageFile decodeFile(const std::filesystem::path &path, int mostMegapixels) {
+    InputFile file(path);
+    std::vector<unsigned char> bytes;
+    file.read(bytes, startBytes);
+    const Decoder *const decoder = findDecoder(bytes);
+    if (!decoder)
+        throw Failure("it is no " + decoderNames() + " picture");
+
+    const long long mostPixels = 1000000LL * mostMegapixels;
+    if (file.size() > 4 * static_cast<std::uint64_t>(mostPixels))
+        throw Failure("its " + std::to_string(file.size() / 1000000) +
+                      " megabytes are too many; --max-megapixels raises the limit");
+    if (file.size() > bytes.size())
+        file.read(bytes, static_cast<std::size_t>(file.size()) - bytes.size());
+
+    const PictureSize size = decoder->sizeOf(bytes);
+    if (size.width > longestSide || size.height > longestSide ||
+        static_cast<long long>(size.width) * size.height > mostPixels)
+        throw Failure(std::to_string(size.width) + " x " + std::to_string(size.height) +
+                      " pixels are too many; --max-megapixels raises the limit");
+    const ExifNotes notes = decoder->notes(bytes);
+    Canvas stored(size.width, size.height);
+    decoder->decode(bytes, stored.surface());
+    layOnGround(stored.surface());
+    return {upright(std::move(stored), notes.orientation), notes.taken};
+}
+
 } // namespace
 
-Canvas readImage(const std::filesystem::path &path) {
-    const std::vector<unsigned char> file = readFile(path);
-    constexpr long long mostPixels = 1LL << 28;
-    const auto fileSize = static_cast<int>(file.size());
-    int width = 0;
-    int height = 0;
-    int channels = 0;
-    if (stbi_info_from_memory(file.data(), fileSize, &width, &height, &channels) != 0 &&
-        static_cast<long long>(width) * height > mostPixels)
-        throw Failure("cannot read '" + path.string() + "': " + std::to_string(width) + " x " + std::to_string(height) +
-                      " pixels are too many");
-    const std::unique_ptr<stbi_uc, void (*)(void *)> image(
-        stbi_load_from_memory(file.data(), fileSize, &width, &height, &channels, 3), stbi_image_free);
-    if (!image)
-        throw Failure("cannot read '" + path.string() + "': no JPEG, PNG or BMP picture (" + stbi_failure_reason() +
-                      ")");
-
-    const Uprighting upright = {exifOrientation(file), width, height};
-    Canvas picture = upright.turnsSideways() ? Canvas(height, width) : Canvas(width, height);
-    const Surface surface = picture.surface();
-    for (int y = 0; y < surface.height; ++y)
-        for (int x = 0; x < surface.width; ++x) {
-            const stbi_uc *const bytes = image.get() + 3 * upright.storedIndex(x, y);
-            *surface.at(x, y) = static_cast<q_ulong>(bytes[0]) << 16 | static_cast<q_ulong>(bytes[1]) << 8 | bytes[2];
-        }
-    return picture;
+ImageFile readImage(const std::filesystem::path &path, int mostMegapixels) {
+    try {
+        return decodeFile(path, mostMegapixels);
+    } catch (const Failure &failure) {
+        throw Failure("cannot read " + quoted(path) + ": " + printable(failure.what()));
+    }
 }
 
 std::vector<unsigned char> encodePng(const Surface &picture) {
-    std::vector<unsigned char> rgb;
-    rgb.reserve(static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height) * 3);
+    std::vector<unsigned char> rgb(static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height) *
+                                   3);
+    unsigned char *byte = rgb.data();
     for (int y = 0; y < picture.height; ++y)
         for (int x = 0; x < picture.width; ++x) {
             const q_ulong pixel = *picture.at(x, y);
             for (const int shift : {16, 8, 0})
-                rgb.push_back(static_cast<unsigned char>(pixel >> shift & 0xFF));
+                *byte++ = static_cast<unsigned char>(pixel >> shift & 0xFF);
         }
     std::vector<unsigned char> file;
     const auto append = [](void *context, void *data, int size) {
@@ -123,7 +155,8 @@ std::vector<unsigned char> encodePng(const Surface &picture) {
         auto &target = *static_cast<std::vector<unsigned char> *>(context);
         target.insert(target.end(), bytes, bytes + size);
     };
-    stbi_write_png_to_func(append, &file, picture.width, picture.height, 3, rgb.data(), picture.width * 3);
+    if (!stbi_write_png_to_func(append, &file, picture.width, picture.height, 3, rgb.data(), picture.width * 3))
+        throw std::bad_alloc();
     return file;
 }
 

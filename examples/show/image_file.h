@@ -6,14 +6,22 @@
 #include "surface.h"
 
 #include <filesystem>
+#include <string>
 #include <vector>
 
 namespace show {
 
-/// Reads a JPEG, PNG or BMP file, turned upright where the camera noted how it was held. Throws Failure.
-Canvas readImage(const std::filesystem::path &path);
+constexpr int usualMegapixels = 400;
 
-/// The surface as the bytes of a PNG file.
+struct ImageFile {
+    Canvas picture;    ///< upright, where the camera noted how it was held; where it is clear, on a dark ground
+    std::string taken; ///< when, as text that sorts by time; empty if that is not known
+};
+
+/// Reads a picture of any kind that this build knows, and of up to that many millions of pixels. Throws Failure.
+ImageFile readImage(const std::filesystem::path &path, int mostMegapixels = usualMegapixels);
+
+/// The surface as the bytes of a PNG file. Throws std::bad_alloc.
 std::vector<unsigned char> encodePng(const Surface &picture);
 
 } // namespace show

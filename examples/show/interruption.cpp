@@ -3,6 +3,7 @@
 #include "failure.h"
 
 #include <csignal>
+#include <initializer_list>
 
 namespace show {
 
@@ -24,8 +25,8 @@ void throwIfInterrupted() {
 #ifdef _WIN32
 
 void catchSignals() {
-    std::signal(SIGINT, noteSignal);
-    std::signal(SIGTERM, noteSignal);
+    for (const int signal : {SIGINT, SIGTERM, SIGBREAK})
+        std::signal(signal, noteSignal);
 }
 
 SignalsBlocked::SignalsBlocked() {}
@@ -33,26 +34,37 @@ SignalsBlocked::~SignalsBlocked() {}
 
 #else
 
-void catchSignals() {
-    struct sigaction action = {};
-    action.sa_handler = noteSignal; // without SA_RESTART: a write that waits is to return
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-    action.sa_handler = SIG_IGN;
-    sigaction(SIGPIPE, &action, nullptr);
-}
-
 namespace {
+
+/// What ends a program that does not look, and leaves it time to clear up.
+constexpr auto endingSignals = {SIGHUP,  SIGINT,  SIGQUIT,   SIGTERM, SIGALRM, SIGUSR1,
+                                SIGUSR2, SIGPROF, SIGVTALRM, SIGXCPU, SIGIO};
 
 void setMask(int how) {
     sigset_t set;
     sigemptyset(&set);
-    sigaddset(&set, SIGINT);
-    sigaddset(&set, SIGTERM);
+    for (const int signal : endingSignals)
+        sigaddset(&set, signal);
     pthread_sigmask(how, &set, nullptr);
 }
 
 } // namespace
+
+void catchSignals() {
+    for (const int signal : endingSignals) {
+        struct sigaction inherited = {};
+        sigaction(signal, nullptr, &inherited);
+        if (inherited.sa_handler == SIG_IGN) // somebody wants the run to go on, as nohup does
+            continue;
+        struct sigaction action = {};
+        action.sa_handler = noteSignal; // without SA_RESTART: a call that waits is to return
+        sigaction(signal, &action, nullptr);
+    }
+    std::signal(SIGCHLD, SIG_DFL); // programs that were started are waited for
+    // These come as errors of the calls that raise them.
+    for (const int signal : {SIGPIPE, SIGXFSZ})
+        std::signal(signal, SIG_IGN);
+}
 
 SignalsBlocked::SignalsBlocked() {
     setMask(SIG_BLOCK);

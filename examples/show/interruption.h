@@ -5,7 +5,7 @@
 
 namespace show {
 
-/// From here on, SIGINT and SIGTERM are noted instead of ending the program.
+/// From here on, the signals that would end the program are noted instead; those that were ignored before stay so.
 void catchSignals();
 
 /// Throws Interrupted if a signal was noted.

@@ -2,11 +2,17 @@
 /// qmur-show: photographs made into a moving picture, every frame drawn by the library.
 
 #include "bundled_photos.h"
+#include "command_line.h"
 #include "failure.h"
 #include "interruption.h"
+#include "messages.h"
 #include "options.h"
 #include "rendering.h"
+#include "standard_files.h"
+#include "text.h"
+#include "video.h"
 
+#include <array>
 #include <cstdio>
 #include <exception>
 
@@ -16,9 +22,15 @@ using namespace show;
 
 constexpr int failed = 2;
 
-void listEffects() {
-    for (const EffectInfo &effect : allEffects())
-        std::printf("%-12s %-11s %s\n", effect.name, nameOf(effect.kind), effect.description);
+std::string effectList() {
+    std::string list;
+    for (const EffectInfo *effect : allEffects()) {
+        std::array<char, 256> line;
+        std::snprintf(line.data(), line.size(), "%-12s %-11s %s\n", effect->name, nameOf(effect->kind),
+                      effect->description);
+        list += line.data();
+    }
+    return list;
 }
 
 FrameRange framesToRender(const Options &options, int frameCount) {
@@ -31,21 +43,75 @@ FrameRange framesToRender(const Options &options, int frameCount) {
     return range;
 }
 
-void run(Options options, const char *programName) {
-    if (options.show.photos.empty())
-        options.show.photos = bundledPhotos(programName);
-    if (options.show.effects.empty())
-        options.show.effects = defaultEffects();
+std::vector<ShownPhoto> namedPhotos(const Options &options, const char *programName) {
+    std::vector<ShownPhoto> photos = options.photos;
+    for (const auto &playlist : options.playlists)
+        for (ShownPhoto &photo : readPlaylist(playlist))
+            photos.push_back(std::move(photo));
+    if (photos.empty())
+        for (auto &path : bundledPhotos(programName))
+            photos.push_back({std::move(path)});
+    return photos;
+}
 
-    const ShowSettings &settings = options.show;
-    const VideoFormat format = {settings.width, settings.height, settings.framesPerSecond};
-    for (const auto &target : options.outputs)
-        checkTarget(target, format);
-    Init_qMur_GlobalData(nullptr, nullptr);
+void warnIfLettersAreMissing(const ShowSettings &settings) {
+    if (settings.title.empty() && settings.captions.empty())
+        return;
+    Canvas paper(16, 16);
+    tagRECT whole = paper.rect();
+    std::array<char, 2> letter = {'q', 0};
+    std::array<char, 1> anyFace = {0};
+    if (!iTextOut(paper.surface().pixels, &whole, paper.surface().pitch, letter.data(), 0xFFFFFF, 0, 0, 12,
+                  anyFace.data()))
+        say("there are no fonts: title and captions stay without letters");
+}
+
+/// Divides the music's length among the photographs, less what some of them ask for.
+void lastAsMusic(ShowSettings &settings, double musicSeconds) {
     const Show show(settings);
-    const FrameRange range = framesToRender(options, show.frameCount());
+    double fixed = 0;
+    int free = 0;
+    for (int shot = 0; shot < show.shotCount(); ++shot) {
+        const auto &seconds = settings.photos[static_cast<std::size_t>(shot) % settings.photos.size()].seconds;
+        fixed += seconds.value_or(0);
+        free += seconds ? 0 : 1;
+    }
+    if (free == 0 || musicSeconds - fixed < 0.5 * free)
+        throw Failure("the music is too short for the photographs");
+    settings.secondsPerPhoto = (musicSeconds - fixed) / free;
+}
+
+void run(Options options, const char *programName) {
+    ShowSettings &settings = options.show;
+    for (const std::string &name : settings.effects)
+        if (!findEffect(name))
+            throw Failure("there is no effect '" + printable(name) + "'; --list names them all");
+    const std::vector<ShownPhoto> named = namedPhotos(options, programName);
+    const VideoFormat format = {settings.width, settings.height, settings.rate, options.music};
+    {
+        const SignalsBlocked blocked; // so that nothing is left of the attempts to write
+        for (const auto &target : options.outputs)
+            checkTarget(target, format);
+    }
+    const double musicSeconds = options.music.empty() ? 0 : secondsOfMusic(options.music);
+    settings.photos = readablePhotos(named, {options.threads, settings.mostMegapixels, options.skipsBad});
+    if (settings.effects.empty())
+        settings.effects = effectsFor(settings.photos.size(), settings.seed);
 
     catchSignals();
+    Init_qMur_GlobalData(nullptr, nullptr);
+    if (options.lastsAsMusic)
+        lastAsMusic(settings, musicSeconds);
+    const Show show(settings);
+    const FrameRange range = framesToRender(options, show.frameCount());
+    Paths inputs = options.playlists;
+    if (!options.music.empty())
+        inputs.push_back(options.music);
+    for (const ShownPhoto &photo : settings.photos)
+        inputs.push_back(photo.path);
+    checkDistinct(options.outputs, inputs, range);
+    warnIfLettersAreMissing(settings);
+
     std::vector<std::unique_ptr<Output>> outputs;
     for (const auto &target : options.outputs)
         outputs.push_back(openOutput(target, format, range));
@@ -56,21 +122,22 @@ void run(Options options, const char *programName) {
 
 int main(int argumentCount, char **arguments) {
     try {
-        const Options options = parseOptions(argumentCount, arguments);
+        openStandardFiles();
+        const Options options = parseOptions(programArguments(argumentCount, arguments));
         if (!options.answer.empty())
-            std::fputs(options.answer.c_str(), stdout);
+            print(options.answer);
         else if (options.listEffects)
-            listEffects();
+            print(effectList());
         else
-            run(options, arguments[0]);
+            run(options, argumentCount > 0 ? arguments[0] : "");
         return 0;
     } catch (const Interrupted &interruption) {
-        std::fprintf(stderr, "qmur-show: interrupted\n");
+        say("interrupted");
         return 128 + interruption.signal;
     } catch (const std::bad_alloc &) {
-        std::fprintf(stderr, "qmur-show: there is not enough memory for this\n");
+        std::fputs("qmur-show: there is not enough memory for this\n", stderr);
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "qmur-show: %s\n", error.what());
+        say(error.what());
     }
     return failed;
 }

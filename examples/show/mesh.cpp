@@ -1,6 +1,6 @@
 #include "mesh.h"
 
-#include "easing.h"
+#include "painting.h"
 
 #include <algorithm>
 #include <new>
@@ -78,9 +78,9 @@ void MeshCanvas::draw(Mesh &mesh, const Surface &front, const MeshLight &light) 
     tagRECT picture = front.rect();
     _POINT3DFLOAT direction = light.direction;
     _POINT3D ambient = ambientOf(light);
-    VKD_Render_Texture_3D(data, canvas.pixels, front.pixels, &clip, &picture, static_cast<q_ulong>(canvas.pitch),
-                          static_cast<q_ulong>(front.pitch), mesh.data(), mesh.rows, mesh.columns, &direction, nullptr,
-                          &ambient, static_cast<float>(light.specular), light.shininess);
+    VKD_Render_Texture_3D(data, canvas.pixels, front.pixels, &clip, &picture, canvas.unsignedPitch(),
+                          front.unsignedPitch(), mesh.data(), mesh.rows, mesh.columns, &direction, nullptr, &ambient,
+                          static_cast<float>(light.specular), light.shininess);
 }
 
 void MeshCanvas::draw(Mesh &mesh, const Surface &front, const Surface &back, const MeshLight &light) const {
@@ -88,22 +88,17 @@ void MeshCanvas::draw(Mesh &mesh, const Surface &front, const Surface &back, con
     tagRECT picture = front.rect();
     _POINT3DFLOAT direction = light.direction;
     _POINT3D ambient = ambientOf(light);
-    VKD_Render_Texture_3D(data, canvas.pixels, front.pixels, back.pixels, &clip, &picture,
-                          static_cast<q_ulong>(canvas.pitch), static_cast<q_ulong>(front.pitch), mesh.data(), mesh.rows,
-                          mesh.columns, &direction, nullptr, &ambient, static_cast<float>(light.specular),
-                          light.shininess);
+    VKD_Render_Texture_3D(data, canvas.pixels, front.pixels, back.pixels, &clip, &picture, canvas.unsignedPitch(),
+                          front.unsignedPitch(), mesh.data(), mesh.rows, mesh.columns, &direction, nullptr, &ambient,
+                          static_cast<float>(light.specular), light.shininess);
 }
 
 void MeshCanvas::drawRim(const Mesh &mesh, q_ulong colour) const {
     tagRECT clip = canvas.rect();
     const auto lit = [&](int vertex) {
-        q_ulong result = 0;
-        for (const int shift : {16, 8, 0}) {
-            const int level = static_cast<int>(colour >> shift & 0xFF);
-            const int channel = level * data->vertexArray1[vertex] / 256 + data->vertexArray0[vertex];
-            result |= static_cast<q_ulong>(std::clamp(channel, 0, 255)) << shift;
-        }
-        return result;
+        return eachChannel([&](int shift) {
+            return channelOf(colour, shift) * data->vertexArray1[vertex] / 256 + data->vertexArray0[vertex];
+        });
     };
     const auto line = [&](int from, int to) {
         const auto end = [&](int vertex) {
@@ -114,7 +109,7 @@ void MeshCanvas::drawRim(const Mesh &mesh, q_ulong colour) const {
         _POINT3D a = end(from);
         _POINT3D b = end(to);
         q_ulong litColour = lit(from);
-        VKD_3D_Line(data, canvas.pixels, &clip, static_cast<q_ulong>(canvas.pitch), &a, &b, &litColour, &litColour);
+        VKD_3D_Line(data, canvas.pixels, &clip, canvas.unsignedPitch(), &a, &b, &litColour, &litColour);
     };
     const int lastRow = (mesh.rows - 1) * mesh.columns;
     for (int column = 0; column + 1 < mesh.columns; ++column) {
@@ -134,8 +129,7 @@ void blendEnds(const Surface &out, const Surface &before, const Surface &after, 
     if (share <= 0)
         return;
     const Surface &photo = t < 0.5 ? before : after;
-    tagRECT frame = out.rect();
-    iBltFast32Alpha(out.pixels, photo.pixels, 0, 0, &frame, out.pitch, photo.pitch, static_cast<float>(share));
+    blend(out, photo, share);
 }
 
 Ground::Ground(Stage &stage, const Surface &first, const Surface &second, double t, double brightness)
@@ -150,16 +144,11 @@ Ground::Ground(Stage &stage, const Surface &first, const Surface &second, double
         return quarter;
     };
     small = reduce(plane, first);
-    tagRECT whole = small.rect();
-    if (t > 0) {
-        const Surface next = reduce(other, second);
-        iBltFast32Alpha(small.pixels, next.pixels, 0, 0, &whole, small.pitch, next.pitch, static_cast<float>(t));
-    }
+    if (t > 0)
+        blend(small, reduce(other, second), t);
     // Two boxes make a tent, whose corners do not show.
-    const int radius = std::min({small.height / 20, small.width / 2, small.height / 2, 128});
-    for (int i = 0; i < 2; ++i)
-        Blur_Rect(small.pixels, &whole, small.pitch, radius);
-    iFadeOut32(small.pixels, &whole, small.pitch, static_cast<float>(brightness));
+    blur(small, small.height / 20, 2);
+    dim(small, brightness);
 }
 
 void Ground::castShadow(Stage &stage, const Mesh &mesh, double offsetX, double offsetY, double opacity) const {
@@ -167,7 +156,7 @@ void Ground::castShadow(Stage &stage, const Mesh &mesh, double offsetX, double o
     const Stage::Plane second = stage.plane();
     const Surface shadow = first->cropped(small.width, small.height);
     tagRECT whole = shadow.rect();
-    iFillRect(shadow.pixels, &whole, shadow.pitch, 0);
+    show::fill(shadow, 0);
 
     // Far outside the frame a mesh is no longer where it should be, but without its shadow there either way.
     const auto place = [&](const _POINT3DFLOAT &point) {
@@ -176,7 +165,7 @@ void Ground::castShadow(Stage &stage, const Mesh &mesh, double offsetX, double o
         return tagPOINT{bounded((point.x + offsetX * MeshCanvas::scale) * smallest),
                         bounded((point.y + offsetY * MeshCanvas::scale) * smallest)};
     };
-    q_ulong black = static_cast<q_ulong>(clampUnit(opacity) * 255) << 24;
+    q_ulong black = opacityOf(clampUnit(opacity) * 255);
     for (int row = 0; row + 1 < mesh.rows; ++row)
         for (int column = 0; column + 1 < mesh.columns; ++column) {
             tagPOINT corners[] = {place(mesh.at(row, column)), place(mesh.at(row, column + 1)),
@@ -184,14 +173,8 @@ void Ground::castShadow(Stage &stage, const Mesh &mesh, double offsetX, double o
             Rect_Safe(shadow.pixels, &whole, shadow.pitch, &corners[0], &corners[1], &corners[2], &corners[3], &black);
         }
 
-    const Surface blurred = second->cropped(small.width, small.height);
-    const int size = std::min({small.height / 8, small.width - 1, small.height - 1, 255});
-    for (int i = 0; i < 2; ++i) {
-        Hor_Blur32(blurred.pixels, shadow.pixels, size, small.width, small.height, small.pitch);
-        Ver_Blur32(shadow.pixels, blurred.pixels, size, small.width, small.height, small.pitch);
-    }
-    tagRECT clip = small.rect();
-    iBltFast32AlphaChannelSafe(small.pixels, shadow.pixels, 0, 0, &whole, &clip, small.pitch, shadow.pitch);
+    blurWithOpacity(shadow, second, small.height / 8, 2);
+    lay(small, shadow, 0, 0);
 }
 
 void Ground::fill(const Surface &out) const {

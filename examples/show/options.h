@@ -1,17 +1,24 @@
 /// \file
-/// The command line.
+/// What the user asks for.
 #ifndef QMUR_SHOW_OPTIONS_H
 #define QMUR_SHOW_OPTIONS_H
 
+#include "output.h"
 #include "show.h"
 
 #include <optional>
+#include <string>
 
 namespace show {
 
 struct Options {
-    ShowSettings show;
-    std::vector<std::filesystem::path> outputs;
+    ShowSettings show;              ///< without photographs, which have to be found first
+    std::vector<ShownPhoto> photos; ///< as they were named
+    Paths outputs;
+    Paths playlists;
+    std::filesystem::path music; ///< empty for a silent film
+    bool lastsAsMusic = false;   ///< the music's length is divided among the photographs
+    bool skipsBad = false;
     std::optional<int> first;
     std::optional<int> last;
     int threads = 1;
@@ -20,7 +27,7 @@ struct Options {
 };
 
 /// Throws Failure.
-Options parseOptions(int argumentCount, char **arguments);
+Options parseOptions(const std::vector<std::string> &arguments);
 
 } // namespace show
 

@@ -29,16 +29,24 @@ View placedView(const Surface &photo, const View &largest, double zoom, double p
 
 } // namespace
 
-Canvas loadPhoto(const std::filesystem::path &path, int frameWidth, int frameHeight) {
+Photo loadPhoto(const std::filesystem::path &path, const PhotoFrame &frame, int mostMegapixels) {
     constexpr int mostDoublings = 2;
-    Canvas photo = readImage(path);
-    const auto shownWidth = [&] { return largestView(photo.surface(), frameWidth, frameHeight).width; };
-    while (shownWidth() >= 2.0 * frameWidth)
+    Canvas photo = readImage(path, mostMegapixels).picture;
+    if (isMounted(frame.fit, photo.width(), photo.height(), frame.width, frame.height))
+        return {mounted(photo, frame.width, frame.height), true};
+    const auto shownWidth = [&] { return largestView(photo, frame.width, frame.height).width; };
+    while (shownWidth() >= 2.0 * frame.width)
         photo = halved(photo.surface());
-    for (int i = 0; i < mostDoublings && shownWidth() * 1.5 < frameWidth; ++i)
+    // Less than twice the frame's width would still be read with gaps: that is brought to what a shot shows at last.
+    if (shownWidth() > 1.3 * frame.width) {
+        const double share = 1.25 * frame.width / shownWidth();
+        photo = resampled(photo.surface(), std::max(static_cast<int>(photo.width() * share), 1),
+                          std::max(static_cast<int>(photo.height() * share), 1));
+    }
+    for (int i = 0; i < mostDoublings && shownWidth() * 1.5 < frame.width; ++i)
         photo = doubled(photo.surface());
     extendEdges(photo.surface());
-    return photo;
+    return {std::move(photo), false};
 }
 
 View Camera::at(double progress) const {
@@ -48,9 +56,16 @@ View Camera::at(double progress) const {
             mix(from.height, to.height, way)};
 }
 
-Camera cameraOver(const Surface &photo, int frameWidth, int frameHeight, std::uint64_t seed, bool closesIn) {
+Camera cameraOver(const Photo &shown, const PhotoFrame &frame, std::uint64_t seed, bool closesIn) {
     Random random(seed);
-    const View largest = largestView(photo, frameWidth, frameHeight);
+    const Surface photo = shown.picture;
+    const View largest = largestView(photo, frame.width, frame.height);
+    if (shown.isMounted) {
+        // Nothing of the photograph may leave the frame.
+        const View wide = placedView(photo, largest, 1.01, 0, 0);
+        const View close = placedView(photo, largest, mountRoom * 0.99, 0, 0);
+        return closesIn ? Camera{wide, close} : Camera{close, wide};
+    }
     const double placeX = random.between(0.25, 0.55) * (random.below(2) == 0 ? -1 : 1);
     const double placeY = random.between(0.25, 0.55) * (random.below(2) == 0 ? -1 : 1);
     const double widest = widestShot + random.between(0, 0.15);

@@ -3,6 +3,7 @@
 #ifndef QMUR_SHOW_PHOTO_H
 #define QMUR_SHOW_PHOTO_H
 
+#include "fit.h"
 #include "picture.h"
 
 #include <cstdint>
@@ -10,9 +11,21 @@
 
 namespace show {
 
+struct Photo {
+    Canvas picture; ///< with a margin that repeats its edges
+    bool isMounted; ///< shown whole before a backdrop, which its picture holds
+};
+
+/// The frame for which photographs are made ready, and how.
+struct PhotoFrame {
+    int width;
+    int height;
+    Fit fit;
+};
+
 /// Reads a photograph and brings it near the size at which a frame shows it, so that neither moiré nor blocks appear.
-/// Its margin repeats its edges. Throws Failure.
-Canvas loadPhoto(const std::filesystem::path &path, int frameWidth, int frameHeight);
+/// Throws Failure.
+Photo loadPhoto(const std::filesystem::path &path, const PhotoFrame &frame, int mostMegapixels);
 
 /// The camera's way over a photograph, from one view of the frame's proportions to another.
 struct Camera {
@@ -24,7 +37,7 @@ struct Camera {
 };
 
 /// A slow way across the photograph that closes in, or draws back, within it.
-Camera cameraOver(const Surface &photo, int frameWidth, int frameHeight, std::uint64_t seed, bool closesIn);
+Camera cameraOver(const Photo &photo, const PhotoFrame &frame, std::uint64_t seed, bool closesIn);
 
 } // namespace show
 

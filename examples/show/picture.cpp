@@ -1,5 +1,7 @@
 #include "picture.h"
 
+#include "painting.h"
+
 namespace show {
 
 namespace {
@@ -36,8 +38,7 @@ void drawView(const Surface &out, const Surface &picture, const View &view) {
             const int right = out.width * (column + 1) / columns;
             tagRECT dstRect = {left * 16, top * 16, right * 16, bottom * 16};
             tagRECT srcRect = {srcX(left), srcY(top), srcX(right), srcY(bottom)};
-            iBltPerfect32(out.pixels, picture.pixels, &dstRect, &srcRect, static_cast<q_ulong>(out.pitch),
-                          static_cast<q_ulong>(picture.pitch));
+            iBltPerfect32(out.pixels, picture.pixels, &dstRect, &srcRect, out.unsignedPitch(), picture.unsignedPitch());
         }
     }
 }
@@ -74,18 +75,32 @@ Canvas reduced(const Surface &picture, int width, int height) {
     return result;
 }
 
+Canvas resampled(const Surface &picture, int width, int height) {
+    extendEdges(picture);
+    // Twice the new size is not smaller than the picture, so that mixing neighbours leaves no pixel out.
+    const Canvas twice(2 * width, 2 * height);
+    drawView(twice.surface(), picture, wholeOf(picture));
+    Canvas result(width, height);
+    drawHalved(result.surface(), twice.surface());
+    return result;
+}
+
 void extendEdges(const Surface &picture) {
     constexpr int margin = PlaneLayout::margin;
-    const auto copy = [&](int x, int y, tagRECT from) {
-        iBltFast32(picture.at(x, y), picture.pixels, 0, 0, &from, picture.pitch, picture.pitch);
+    // From the margin's own corner, since places in a surface are not negative.
+    Surface whole = picture;
+    whole.pixels = picture.at(-margin, -margin);
+    const auto repeat = [&](int x, int y, tagRECT from) {
+        const tagRECT moved = {from.left + margin, from.top + margin, from.right + margin, from.bottom + margin};
+        copy(whole, x + margin, y + margin, whole, moved);
     };
     for (int i = 1; i <= margin; ++i) {
-        copy(-i, 0, {0, 0, 1, picture.height});
-        copy(picture.width - 1 + i, 0, {picture.width - 1, 0, picture.width, picture.height});
+        repeat(-i, 0, {0, 0, 1, picture.height});
+        repeat(picture.width - 1 + i, 0, {picture.width - 1, 0, picture.width, picture.height});
     }
     for (int i = 1; i <= margin; ++i) {
-        copy(-margin, -i, {-margin, 0, picture.width + margin, 1});
-        copy(-margin, picture.height - 1 + i, {-margin, picture.height - 1, picture.width + margin, picture.height});
+        repeat(-margin, -i, {-margin, 0, picture.width + margin, 1});
+        repeat(-margin, picture.height - 1 + i, {-margin, picture.height - 1, picture.width + margin, picture.height});
     }
 }
 

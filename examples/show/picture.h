@@ -35,6 +35,10 @@ Canvas doubled(const Surface &picture);
 /// The picture brought to a smaller size, or to its own, without leaving a pixel out. Writes the picture's margin.
 Canvas reduced(const Surface &picture, int width, int height);
 
+/// The picture brought to a size between half of its own and its own, as the mean of all pixels that a new one covers.
+/// Writes the picture's margin.
+Canvas resampled(const Surface &picture, int width, int height);
+
 /// Repeats the picture's outermost pixels into the margin around it.
 void extendEdges(const Surface &picture);
 

@@ -30,6 +30,7 @@ inline double unitOf(int width, int height) {
     return std::min(width, height) / 720.0;
 }
 
+/// The nearest whole number; halves go up.
 inline int rounded(double value) {
     return static_cast<int>(std::floor(value + 0.5));
 }
@@ -37,6 +38,11 @@ inline int rounded(double value) {
 /// The pixel nearest to the point.
 inline tagPOINT pixelAt(Point point) {
     return {rounded(point.x), rounded(point.y)};
+}
+
+/// The pixel whose upper left corner is nearest to the upper left of the point.
+inline tagPOINT pixelUnder(Point point) {
+    return {static_cast<q_long>(std::floor(point.x)), static_cast<q_long>(std::floor(point.y))};
 }
 
 } // namespace show

@@ -1,39 +1,35 @@
 #include "progress.h"
 
-#include <cstdio>
-#include <string>
+#include "messages.h"
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+#include <algorithm>
+#include <array>
+#include <cstdio>
 
 namespace show {
 
 namespace {
 
-bool errorsGoToTerminal() {
-#ifdef _WIN32
-    return _isatty(_fileno(stderr)) != 0;
-#else
-    return isatty(STDERR_FILENO) != 0;
-#endif
-}
-
 std::string minutesAndSeconds(double seconds) {
-    const int whole = static_cast<int>(seconds + 0.5);
+    constexpr double longest = 359999; // what is farther away is not known anyhow
+    const int whole = static_cast<int>(std::min(seconds, longest) + 0.5);
     const std::string rest = std::to_string(whole % 60);
     return std::to_string(whole / 60) + (rest.size() < 2 ? ":0" : ":") + rest;
 }
 
+std::string rateOf(double perSecond) {
+    std::array<char, 32> text;
+    std::snprintf(text.data(), text.size(), "%.1f", perSecond);
+    return text.data();
+}
+
 } // namespace
 
-Progress::Progress(int frameCount)
-    : total(frameCount), onTerminal(errorsGoToTerminal()), start(Clock::now()), lastDrawn(start) {}
+Progress::Progress(std::string what, int count)
+    : name(std::move(what)), total(count), columns(terminalColumns()), start(Clock::now()), lastDrawn(start) {}
 
 Progress::~Progress() {
-    if (barDrawn)
+    if (drawnLength > 0)
         std::fputc('\n', stderr);
 }
 
@@ -41,7 +37,9 @@ void Progress::advance() {
     ++done;
     const Clock::time_point now = Clock::now();
     const double seconds = std::chrono::duration<double>(now - start).count();
-    if (onTerminal) {
+    if (seconds < silence)
+        return;
+    if (columns > 0) {
         if (done < total && now - lastDrawn < std::chrono::milliseconds(100))
             return;
         lastDrawn = now;
@@ -53,19 +51,38 @@ void Progress::advance() {
 }
 
 void Progress::drawBar(double seconds) {
-    constexpr int length = 30;
-    const auto filled = static_cast<std::size_t>(1LL * length * done / total);
-    const std::string bar = std::string(filled, '#') + std::string(length - filled, '.');
+    constexpr int longest = 30;
+    constexpr int shortest = 8;
     const double rate = seconds > 0 ? done / seconds : 0;
-    const double left = done > 0 ? seconds * (total - done) / done : 0;
-    std::fprintf(stderr, "\r[%s] %3d%%  %d/%d  %.1f fps  %s left \x1B[K", bar.c_str(),
-                 static_cast<int>(100LL * done / total), done, total, rate, minutesAndSeconds(left).c_str());
+    const double left = seconds * (total - done) / done;
+    const std::string percent = std::to_string(100LL * done / total) + '%';
+    const std::string counted = std::to_string(done) + '/' + std::to_string(total);
+    const std::string beginning = std::string(4 - std::min<std::size_t>(percent.size(), 4), ' ') + percent;
+    const std::string time = "  " + minutesAndSeconds(left) + " left";
+    const auto room = [this](const std::string &text) { // two brackets, a space, and the last column stays free
+        return columns - static_cast<int>(text.size()) - 4;
+    };
+    std::string text = beginning + "  " + counted + "  " + rateOf(rate) + (name == "frame" ? " fps" : "/s") + time;
+    if (room(text) < shortest)
+        text = beginning + "  " + counted + time;
+    if (room(text) < shortest)
+        text = beginning;
+    std::string bar;
+    if (const int length = std::min(longest, room(text)); length > 0) {
+        const auto filled = static_cast<std::size_t>(1LL * length * done / total);
+        bar = '[' + std::string(filled, '#') + std::string(static_cast<std::size_t>(length) - filled, '.') + "] ";
+    }
+    text = bar + text;
+    // What is left of a longer line is written over, which every terminal can.
+    const int length = static_cast<int>(text.size());
+    std::fprintf(stderr, "\r%s%*s", text.c_str(), std::max(drawnLength - length, 0), "");
     std::fflush(stderr);
-    barDrawn = true;
+    drawnLength = length;
 }
 
 void Progress::printLine(double seconds) const {
-    std::fprintf(stderr, "frame %d of %d, %.1f fps\n", done, total, seconds > 0 ? done / seconds : 0.0);
+    std::fprintf(stderr, "%s %d of %d, %s %s\n", name.c_str(), done, total,
+                 rateOf(seconds > 0 ? done / seconds : 0.0).c_str(), name == "frame" ? "fps" : "per second");
 }
 
 } // namespace show

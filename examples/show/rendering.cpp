@@ -1,7 +1,9 @@
 #include "rendering.h"
 
 #include "interruption.h"
+#include "messages.h"
 #include "progress.h"
+#include "threads.h"
 
 #include <algorithm>
 #include <chrono>
@@ -9,7 +11,6 @@
 #include <exception>
 #include <map>
 #include <mutex>
-#include <thread>
 
 namespace show {
 
@@ -77,33 +78,10 @@ private:
     bool stopped = false;
 };
 
-/// Threads that draw until the queue is empty or stopped, each on a stage of its own.
-class Painters {
-public:
-    Painters(FrameQueue &frameQueue, int count, const auto &paint) : queue(frameQueue) {
-        const SignalsBlocked blocked;
-        for (int i = 0; i < count; ++i)
-            threads.emplace_back([this, paint] {
-                try {
-                    paint(queue);
-                } catch (...) {
-                    queue.stop(std::current_exception());
-                }
-            });
-    }
-
-    ~Painters() {
-        queue.stop();
-        for (std::thread &thread : threads)
-            thread.join();
-    }
-
-    Painters(const Painters &) = delete;
-    Painters &operator=(const Painters &) = delete;
-
-private:
+/// Stops the queue before the threads that serve it are waited for.
+struct StopAtEnd {
     FrameQueue &queue;
-    std::vector<std::thread> threads;
+    ~StopAtEnd() { queue.stop(); }
 };
 
 } // namespace
@@ -117,17 +95,25 @@ void renderShow(const Show &show, int width, int height, FrameRange range,
 
     FrameQueue queue(frames.size(), static_cast<std::size_t>(threads) + 2);
     {
-        const Painters painters(queue, threads, [&](FrameQueue &source) {
+        const auto paint = [&] {
             Stage stage(width, height);
-            for (std::size_t place; source.take(place);) {
+            for (std::size_t place; queue.take(place);) {
                 show.render(stage, frames[place]);
                 Encodings encodings;
                 for (const auto &output : outputs)
                     encodings.push_back(output->wants(frames[place]) ? output->encode(stage.frame()) : EncodedFrame{});
-                source.put(place, std::move(encodings));
+                queue.put(place, std::move(encodings));
+            }
+        };
+        const Threads painters(threads, [&] {
+            try {
+                paint();
+            } catch (...) {
+                queue.stop(std::current_exception());
             }
         });
-        Progress progress(static_cast<int>(frames.size()));
+        const StopAtEnd stop = {queue};
+        Progress progress("frame", static_cast<int>(frames.size()));
         for (const int frame : frames) {
             const Encodings encodings = queue.next();
             for (std::size_t i = 0; i < outputs.size(); ++i)
@@ -139,7 +125,7 @@ void renderShow(const Show &show, int width, int height, FrameRange range,
         }
     }
     for (const auto &output : outputs)
-        output->finish();
+        say("wrote " + output->finish());
 }
 
 } // namespace show

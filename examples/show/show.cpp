@@ -12,8 +12,10 @@ namespace {
 constexpr double transitionSeconds = 1.5;
 constexpr double endingSeconds = 2.0;
 
-int framesIn(double seconds, int framesPerSecond) {
-    return std::max(static_cast<int>(seconds * framesPerSecond + 0.5), 1);
+constexpr long long mostFrames = 9999999;
+
+int framesIn(double seconds, const FrameRate &rate) {
+    return std::max(static_cast<int>(seconds * rate.perSecond() + 0.5), 1);
 }
 
 template <class Container>
@@ -23,16 +25,44 @@ auto inTurn(const Container &container, int index) {
 
 } // namespace
 
-std::vector<std::string> defaultEffects() {
-    // A scene for each of the shots, and what leads from one to the next.
-    return {"title",  "wave",    "night", "pan",  "landscape",  "bubbles", "pan",   "pan",  "balls",     "winter",
-            "sparks", "bubbles", "snow",  "pan",  "wave",       "pan",     "pan",   "pan",  "turn-page", "cylinder",
-            "flood",  "shatter", "cube",  "pen",  "fly-in",     "roll",    "brush", "iris", "dissolve",  "triangles",
-            "flip",   "spin",    "flash", "wipe", "cross-fade", "fade-out"};
+std::vector<std::string> effectsFor(std::size_t photoCount, std::uint64_t seed) {
+    const auto namesOf = [](Effect::Kind kind, Use use) {
+        std::vector<std::string> names;
+        for (const EffectInfo *effect : allEffects())
+            if (effect->kind == kind && effect->use == use)
+                names.emplace_back(effect->name);
+        return names;
+    };
+    // Each of a kind comes once before any comes again.
+    constexpr std::uint64_t forEffects = 0x656666656374;
+    Random random(seed ^ forEffects);
+    const auto take = [&random](std::vector<std::string> &left, const std::vector<std::string> &all) {
+        if (left.empty())
+            left = all;
+        const auto chosen = left.begin() + random.below(static_cast<int>(left.size()));
+        const std::string name = *chosen;
+        left.erase(chosen);
+        return name;
+    };
+    // Most photographs are shown as they are.
+    constexpr std::size_t rarity = 3;
+    const std::vector<std::string> plainScenes = namesOf(Effect::Kind::scene, Use::often);
+    const std::vector<std::string> otherScenes = namesOf(Effect::Kind::scene, Use::inTurn);
+    const std::vector<std::string> transitions = namesOf(Effect::Kind::transition, Use::inTurn);
+    std::vector<std::string> plainLeft;
+    std::vector<std::string> othersLeft;
+    std::vector<std::string> transitionsLeft;
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < photoCount; ++i)
+        names.push_back(i % rarity == rarity - 1 ? take(othersLeft, otherScenes) : take(plainLeft, plainScenes));
+    for (std::size_t i = 1; i < photoCount; ++i)
+        names.push_back(take(transitionsLeft, transitions));
+    names.push_back(namesOf(Effect::Kind::ending, Use::inTurn).front());
+    return names;
 }
 
 Show::Show(const ShowSettings &chosen)
-    : settings(chosen), framesPerShot(framesIn(chosen.secondsPerPhoto, chosen.framesPerSecond)) {
+    : settings(chosen), shelf(std::make_unique<PhotoShelf>(photoFrame(), chosen.mostMegapixels)) {
     for (const std::string &name : settings.effects) {
         const EffectInfo *const info = findEffect(name);
         if (!info)
@@ -53,16 +83,31 @@ Show::Show(const ShowSettings &chosen)
     }
     if (scenes.empty())
         scenes.push_back(effectNamed("pan"));
-    for (const auto &path : settings.photos)
-        photos.push_back(loadPhoto(path, settings.width, settings.height));
-    for (const auto &[name, effect] : effects)
+    if (!settings.title.empty())
+        titleScene = effectNamed("title");
+    layOutShots();
+    for (const auto &[name, effect] : effects) {
+        effect->write(settings.title, settings.subtitle);
         effect->prepare(settings.width, settings.height);
+    }
+    for (const std::string &caption : settings.captions)
+        captions.push_back(captionFor(caption, settings.width, settings.height));
+}
 
-    shotCount = static_cast<int>(std::max({photos.size(), scenes.size(), transitions.size() + 1}));
-    if (!transitions.empty())
-        overlap = std::min(framesIn(transitionSeconds, settings.framesPerSecond) / 2, framesPerShot / 5);
+void Show::layOutShots() {
+    const std::size_t count = std::max({settings.photos.size(), scenes.size(), transitions.size() + 1});
+    long long frames = 0;
+    firstFrames = {0};
+    for (std::size_t shot = 0; shot < count; ++shot) {
+        const double seconds =
+            settings.photos[shot % settings.photos.size()].seconds.value_or(settings.secondsPerPhoto);
+        frames += framesIn(seconds, settings.rate);
+        if (frames > mostFrames)
+            throw Failure("the show would have more than " + std::to_string(mostFrames) + " frames");
+        firstFrames.push_back(static_cast<int>(frames));
+    }
     if (ending)
-        endingFrames = std::min(framesIn(endingSeconds, settings.framesPerSecond), (framesPerShot + 1) / 2);
+        endingFrames = std::min(framesIn(endingSeconds, settings.rate), (framesOf(shotCount() - 1) + 1) / 2);
 }
 
 const Effect *Show::effectNamed(const std::string &name) {
@@ -72,42 +117,66 @@ const Effect *Show::effectNamed(const std::string &name) {
     return effect.get();
 }
 
-Shot Show::shotAt(int index, int frame) const {
-    const int first = index * framesPerShot - (index > 0 ? overlap : 0);
-    const int end = (index + 1) * framesPerShot + (index + 1 < shotCount ? overlap : 0);
-    const auto photo = static_cast<std::size_t>(index) % photos.size();
-    const Surface surface = photos[photo].surface();
+void Show::drawCaption(const Surface &out, int shot, int passed, int left) const {
+    const std::size_t photo = at(shot) % settings.photos.size();
+    if (photo >= captions.size() || captions[photo].width() == 0)
+        return;
+    const double fading = std::max(0.4 * settings.rate.perSecond(), 1.0);
+    layCaption(out, captions[photo], easeInOut(clampUnit(std::min(passed, left) / fading)));
+}
+
+const ShownPhoto &Show::photoOf(int shot) const {
+    return settings.photos[at(shot) % settings.photos.size()];
+}
+
+int Show::overlapBefore(int shot) const {
+    if (transitions.empty() || shot == 0 || shot == shotCount())
+        return 0;
+    return std::min({framesIn(transitionSeconds, settings.rate) / 2, framesOf(shot - 1) / 5, framesOf(shot) / 5});
+}
+
+Shot Show::shotAt(int index, int frame, std::shared_ptr<const Photo> &photo) const {
+    const int first = firstFrames[at(index)] - overlapBefore(index);
+    const int end = firstFrames[at(index + 1)] + overlapBefore(index + 1);
+    photo = shelf->photo(photoOf(index).path);
     // In and out in turn, and the other way when a photograph comes round again.
-    const bool closesIn = (static_cast<std::size_t>(index) + static_cast<std::size_t>(index) / photos.size()) % 2 == 0;
+    const bool closesIn = (at(index) + at(index) / settings.photos.size()) % 2 == 0;
     const std::uint64_t seed = seedOf(settings.seed, index);
-    return {.photo = surface,
-            .camera = cameraOver(surface, settings.width, settings.height, seed, closesIn),
-            .scene = inTurn(scenes, index),
+    return {.photo = photo->picture,
+            .camera = cameraOver(*photo, photoFrame(), seed, closesIn),
+            .scene = index == 0 && titleScene ? titleScene : inTurn(scenes, index),
             .seed = seed,
             .progress = static_cast<double>(frame - first) / (end - first),
-            .seconds = static_cast<double>(end - first) / settings.framesPerSecond};
+            .seconds = settings.rate.secondsOf(end - first)};
 }
 
 void Show::render(Stage &stage, int frame) const {
-    const int index = frame / framesPerShot;
-    const int passed = frame - index * framesPerShot;
-    const int left = framesPerShot - passed;
-    const bool last = index + 1 == shotCount;
+    const auto next = std::upper_bound(firstFrames.begin(), firstFrames.end(), frame);
+    const int index = static_cast<int>(next - firstFrames.begin()) - 1;
+    const int passed = frame - firstFrames[at(index)];
+    const int left = *next - frame;
+    const int overlap = overlapBefore(index);
+    const int overlapBehind = overlapBefore(index + 1);
 
+    std::shared_ptr<const Photo> first;
+    std::shared_ptr<const Photo> second;
     stage.beginFrame();
-    if (!last && left <= overlap)
+    if (left <= overlapBehind)
         inTurn(transitions, index)
             ->render(stage, stage.frame(),
-                     {shotAt(index, frame), shotAt(index + 1, frame), (overlap - left + 0.5) / (2 * overlap)});
-    else if (index > 0 && passed < overlap)
+                     {shotAt(index, frame, first), shotAt(index + 1, frame, second),
+                      (overlapBehind - left + 0.5) / (2 * overlapBehind)});
+    else if (passed < overlap)
         inTurn(transitions, index - 1)
             ->render(stage, stage.frame(),
-                     {shotAt(index - 1, frame), shotAt(index, frame), (overlap + passed + 0.5) / (2 * overlap)});
-    else if (last && left <= endingFrames)
+                     {shotAt(index - 1, frame, first), shotAt(index, frame, second),
+                      (overlap + passed + 0.5) / (2 * overlap)});
+    else if (index + 1 == shotCount() && left <= endingFrames)
         ending->render(stage, stage.frame(),
-                       {shotAt(index, frame), shotAt(index, frame), 1 - (left - 1.0) / endingFrames});
+                       {shotAt(index, frame, first), shotAt(index, frame, second), 1 - (left - 1.0) / endingFrames});
     else
-        drawShot(stage, stage.frame(), shotAt(index, frame));
+        drawShot(stage, stage.frame(), shotAt(index, frame, first));
+    drawCaption(stage.frame(), index, passed - overlap, left - std::max(overlapBehind, endingOf(index)));
     stage.endFrame();
 }
 

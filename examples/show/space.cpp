@@ -1,6 +1,6 @@
 #include "space.h"
 
-#include "easing.h"
+#include "painting.h"
 #include "picture.h"
 
 #include <algorithm>
@@ -80,17 +80,10 @@ void Space::fillWith(const Surface &frame) {
 }
 
 void Space::show(const Surface &frame) {
-    tagRECT all = frame.rect();
     if (pixelsPerFramePixel == 1)
-        iBltFast32(frame.pixels, picture.pixels, 0, 0, &all, frame.pitch, picture.pitch);
+        copy(frame, picture);
     else
         drawHalved(frame, picture);
-}
-
-double sineOf(double turns) {
-    const double place = (turns - std::floor(turns)) * 8192;
-    const int entry = static_cast<int>(place);
-    return mix(iSin[entry & 8191], iSin[(entry + 1) & 8191], place - entry) / 32768;
 }
 
 } // namespace show

@@ -52,9 +52,6 @@ private:
     _PRIVATE_QMGL_DATA *data;
 };
 
-/// The sine of a part of the circle, by the library's table and between its entries.
-double sineOf(double turns);
-
 } // namespace show
 
 #endif

@@ -6,35 +6,55 @@
 #include "picture.h"
 #include "stage.h"
 
+#include <algorithm>
+
 namespace show {
 
-/// Fills `out`, of the stage's size, with the means of four pixels each. The picture of twice its size is drawn in
-/// four parts, of which each fits on a plane: `draw(part, left, top)` is to fill `part`, whose first pixel is the large
-/// picture's pixel (`left`, `top`).
-template <class Draw>
+/// Fills `out`, of the stage's size, with the means of four pixels each, or of 16 with a `factor` of 4. The picture
+/// that is so many times as large is drawn in parts, of which each fits on a plane: `draw(part, left, top)` is to fill
+/// `part`, whose first pixel is the large picture's pixel (`left`, `top`). The parts overlap by a rim, since many
+/// drawings leave out the end of what they are clipped by. So the large picture begins before (0, 0).
+template <int factor = 2, class Draw>
 void drawSupersampled(Stage &stage, const Surface &out, const Draw &draw) {
+    static_assert(factor == 2 || factor == 4);
+    constexpr int rim = factor;
+    constexpr int parts = factor == 2 ? 2 : 5; // small enough for a plane, with the rim and what filters read beyond
     const Stage::Plane plane = stage.plane();
-    const int columns[] = {0, (out.width + 1) / 2, out.width};
-    const int rows[] = {0, (out.height + 1) / 2, out.height};
-    for (int row = 0; row < 2; ++row)
-        for (int column = 0; column < 2; ++column) {
-            const int left = columns[column];
-            const int top = rows[row];
-            const int width = columns[column + 1] - left;
-            const int height = rows[row + 1] - top;
-            // With an odd size this is a pixel more than the plane's own size, and still inside its margin.
-            const Surface part = plane->cropped(2 * width, 2 * height);
-            draw(part, 2 * left, 2 * top);
+    const Stage::Plane between = stage.plane();
+    const auto start = [](int extent, int part) { return static_cast<int>((extent + parts - 1LL) * part / parts); };
+    for (int row = 0; row < parts; ++row)
+        for (int column = 0; column < parts; ++column) {
+            const int left = start(out.width, column);
+            const int top = start(out.height, row);
+            const int width = std::min(start(out.width, column + 1), out.width) - left;
+            const int height = std::min(start(out.height, row + 1), out.height) - top;
+            if (width <= 0 || height <= 0)
+                continue;
+            const Surface wide = {plane->at(-rim, -rim), factor * width + 2 * rim, factor * height + 2 * rim,
+                                  plane->pitch};
+            draw(wide, factor * left - rim, factor * top - rim);
             // As drawHalved() does, whose edges around the part the margin would not hold then.
-            drawView({out.at(left, top), width, height, out.pitch}, part, {0.5, 0.5, 2.0 * width, 2.0 * height});
+            Surface large = plane->cropped(factor * width, factor * height);
+            if constexpr (factor == 4) {
+                const Surface half = between->cropped(2 * width, 2 * height);
+                drawView(half, large, {0.5, 0.5, 4.0 * width, 4.0 * height});
+                large = half;
+            }
+            drawView({out.at(left, top), width, height, out.pitch}, large, {0.5, 0.5, 2.0 * width, 2.0 * height});
         }
 }
 
-/// Fills a part of the picture of twice the size with `picture`, each of its pixels four times.
-inline void drawDoubled(const Surface &part, const Surface &picture, int left, int top) {
+/// Fills a part of the picture `factor` times as large with `picture`, each of its pixels so often. Around the edges of
+/// the picture its margin is shown.
+template <int factor = 2>
+void drawEnlarged(const Surface &part, const Surface &picture, int left, int top) {
+    // The margin has the room of a few pixels: from there on places are not negative.
+    constexpr int margin = PlaneLayout::margin;
+    q_ulong *const from = picture.at(-margin, -margin);
     tagRECT dstRect = part.rect();
-    tagRECT srcRect = {left / 2, top / 2, (left + part.width) / 2, (top + part.height) / 2};
-    iBltNear32(part.pixels, picture.pixels, &dstRect, &srcRect, part.pitch, picture.pitch);
+    tagRECT srcRect = {left / factor + margin, top / factor + margin, (left + part.width) / factor + margin,
+                       (top + part.height) / factor + margin};
+    iBltNear32(part.pixels, from, &dstRect, &srcRect, part.pitch, picture.pitch);
 }
 
 } // namespace show

@@ -18,6 +18,8 @@ struct Surface {
     int pitch = 0;
 
     tagRECT rect() const { return {0, 0, width, height}; }
+    /// As some of the library's functions take it.
+    q_ulong unsignedPitch() const { return static_cast<q_ulong>(pitch); }
     q_ulong *at(int x, int y) const { return pixels + static_cast<std::ptrdiff_t>(y) * pitch + x; }
     /// The same pixels, of which only the upper left part counts.
     Surface cropped(int newWidth, int newHeight) const { return {pixels, newWidth, newHeight, pitch}; }
@@ -47,6 +49,7 @@ public:
     int width() const { return layout.width; }
     int height() const { return layout.height; }
     Surface surface() const { return layout.at(plane.get() + layout.origin()); }
+    operator Surface() const { return surface(); }
     tagRECT rect() const { return surface().rect(); }
 
 private:

@@ -4,15 +4,18 @@
 #define QMUR_SHOW_UNFINISHED_FILE_H
 
 #include <filesystem>
+#include <string>
 #include <vector>
 
 namespace show {
 
 /// A file beside its target, under a name of its own. It takes the target's name by finish(), and is removed otherwise.
+/// Where the target is a link, the file that it leads to is replaced; a file that is replaced hands its mode on.
 class UnfinishedFile {
 public:
-    /// Creates the file, empty. Throws Failure if the directory does not take it.
-    explicit UnfinishedFile(std::filesystem::path target);
+    /// Creates the file, empty. `output` is what the user named, of which the target may be one file of many. Throws
+    /// Failure if the directory does not take it, or if the target is nothing that may be replaced.
+    UnfinishedFile(const std::filesystem::path &target, const std::filesystem::path &output);
     ~UnfinishedFile();
     UnfinishedFile(const UnfinishedFile &) = delete;
     UnfinishedFile &operator=(const UnfinishedFile &) = delete;
@@ -21,13 +24,20 @@ public:
     void write(const std::vector<unsigned char> &bytes);
     void finish();
 
-    /// Refuses, by a Failure, a target that could not be written. Leaves nothing behind.
-    static void checkTarget(const std::filesystem::path &target);
+    /// Removes what runs that were killed left behind of this output; what another run is writing stays.
+    static void removeLeftovers(const std::filesystem::path &output);
+
+    /// Where a link leads to, through further links, whether there is a file or not.
+    static std::filesystem::path endOfLinks(std::filesystem::path path);
 
 private:
-    std::filesystem::path target;
+    [[noreturn]] void fail(const std::string &reason) const;
+    void close();
+
+    std::filesystem::path named;  ///< as the user wrote it
+    std::filesystem::path target; ///< where links lead to
     std::filesystem::path unfinished;
-    bool finished = false;
+    int descriptor = -1; ///< open and locked while the run lives
 };
 
 } // namespace show

@@ -16,7 +16,10 @@ bool isVideo(const std::string &extension);
 void checkVideo(const std::filesystem::path &target, const std::string &extension, const VideoFormat &format);
 
 std::unique_ptr<Output> openVideo(const std::filesystem::path &target, const std::string &extension,
-                                  const VideoFormat &format);
+                                  const VideoFormat &format, FrameRange frames);
+
+/// How many seconds a piece of music lasts, as ffmpeg counts its packets. Throws Failure if there is none in the file.
+double secondsOfMusic(const std::filesystem::path &path);
 
 } // namespace show
 

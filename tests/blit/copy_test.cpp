@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -71,6 +72,26 @@ TEST(iBltFast32_Advanced, starting_left_of_the_surface_leaves_out_source_columns
     EXPECT_EQ(dst.at(0, 0), 5u);
     EXPECT_EQ(dst.at(2, 0), 7u);
     EXPECT_EQ(dst.at(3, 0), 0xAAAAAAAAu);
+}
+
+/// The ends of the numbers are one another's neighbours: a negative extent may come round from one to the other.
+TEST(ClippedBlits, places_at_the_ends_of_the_numbers_draw_nothing) {
+    constexpr int least = std::numeric_limits<int>::min();
+    constexpr int largest = std::numeric_limits<int>::max();
+    Surface src(7, 7, 0x55555555);
+    Surface dst(4, 4, 0xAAAAAAAA);
+    tagRECT clip = dst.rect();
+    for (int i = 0; i < 10 * 15 * 15; ++i)
+        for (const int end : {least + i / 225, largest - i / 225, least / 2 + i / 225, largest / 2 - i / 225})
+            for (const auto &[x, y] : {std::pair{end, 2}, {2, end}, {end, end}}) {
+                tagRECT rect = {0, 0, i % 15 - 7, i / 15 % 15 - 7};
+                for (const auto blit : {iBltFast32_Advanced, iBltFast32SafeKeySrc, iBltFast32SafeAlpha_Channel,
+                                        iBltFast32SafeKeySrcAntiAliasing})
+                    blit(dst.pixels(), src.pixels(), x, y, &rect, dst.pitch(), src.pitch(), 4, 4);
+                iBltFast32AlphaChannelSafe(dst.pixels(), src.pixels(), x, y, &rect, &clip, dst.pitch(), src.pitch());
+                iBltNear32_Add_KeySrc(dst.pixels(), dst.pitch(), src.pixels(), src.pitch(), &clip, &rect, x, y);
+                ASSERT_EQ(dst.differenceFrom(Surface(4, 4, 0xAAAAAAAA)), "") << i << " at " << end;
+            }
 }
 
 } // namespace

@@ -103,6 +103,26 @@ TEST(Large, bubbles_of_every_size_up_to_40_and_larger_ones_agree_with_their_twin
     });
 }
 
+TEST(Large, boxes_at_the_ends_of_the_numbers_agree_with_the_twins) {
+    constexpr int sides[] = {std::numeric_limits<int>::min(), -2048, -1, 3, 700, std::numeric_limits<int>::max()};
+    catalogue::forEachRow([&](const Row &row) {
+        if (!row.argument("box") || !row.argument("clip"))
+            return;
+        Random random(1);
+        Call call = catalogue::randomCall(row, random);
+        call["surface"] = Plane::randomSurface(random, 6, 6);
+        call["clip"] = tagRECT{1, 2, 5, 4};
+        call.settle();
+        for (const int left : sides)
+            for (const int top : sides)
+                for (const int right : sides)
+                    for (const int bottom : sides) {
+                        call["box"] = tagRECT{left, top, right, bottom};
+                        ASSERT_TRUE(agrees(call));
+                    }
+    });
+}
+
 TEST(Large, clips_inverted_at_the_ends_of_the_numbers_agree_with_the_twins) {
     constexpr int least = std::numeric_limits<int>::min();
     constexpr int greatest = std::numeric_limits<int>::max();

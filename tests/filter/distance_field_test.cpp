@@ -1,17 +1,25 @@
-#include "naive_rings.h"
-#include "support/cases.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <ostream>
 #include <vector>
 
 namespace {
 
-using test::Case;
-using test::forEachCase;
-using test::Found;
 using test::Surface;
+
+/// What a search of one ring tells.
+struct Found {
+    int goesOn;
+    int distanceSquare;
+
+    friend bool operator==(const Found &, const Found &) = default;
+    friend std::ostream &operator<<(std::ostream &out, const Found &found) {
+        return out << (found.goesOn ? "going on at " : "ending at ") << found.distanceSquare;
+    }
+};
 
 Found searchWithLimit(q_ulong *block, int blockWords, int index, int pitch, int ring, int limit) {
     Found found = {-1, -1};
@@ -161,34 +169,6 @@ TEST(FindNearBlackDistanceSquare, squares_beyond_32_bits_do_not_count_either) {
     EXPECT_EQ(search(words.data(), 100001, 100000, 1, 50000).goesOn, 1);
 }
 
-void expectNaiveSearch(const char *name, bool limited) {
-    forEachCase(name, [limited](Case &c) {
-        const int pitch = c.random.between(1, 9);
-        const int blockWords = pitch * c.random.between(1, 9);
-        const int seldom = c.random.oneIn(3) ? 1000 : c.random.between(2, 40);
-        std::vector<q_ulong> words(static_cast<std::size_t>(blockWords));
-        for (q_ulong &word : words)
-            word = c.random.oneIn(seldom) ? 0 : test::anyNonZero(c.random);
-        const int index = c.random.between(-3, blockWords + 3);
-        const int ring = c.random.between(0, 6);
-        const int limit = c.random.oneIn(4) ? c.random.between(999999, 1000001) : c.random.between(-2, 40);
-        const Found expected = limited ? test::findNearBlack(words.data(), blockWords, index, pitch, ring, limit)
-                                       : test::findNearBlack(words.data(), blockWords, index, pitch, ring);
-        const Found result = limited ? searchWithLimit(words.data(), blockWords, index, pitch, ring, limit)
-                                     : search(words.data(), blockWords, index, pitch, ring);
-        c.expectEqual(std::int64_t{result.goesOn}, std::int64_t{expected.goesOn});
-        c.expectEqual(std::int64_t{result.distanceSquare}, std::int64_t{expected.distanceSquare});
-    });
-}
-
-TEST(FindNearBlackDistanceSquare, with_a_limit_agrees_with_a_naive_search) {
-    expectNaiveSearch("FindNearBlackDistanceSquare limit", true);
-}
-
-TEST(FindNearBlackDistanceSquare, without_a_limit_agrees_with_a_naive_search) {
-    expectNaiveSearch("FindNearBlackDistanceSquare", false);
-}
-
 TEST(FindNearSrcDistanceSquare, a_top_byte_alone_is_no_colour) {
     Surface surface(3, 3);
     surface.at(1, 0) = 0xFF000000;
@@ -207,54 +187,11 @@ TEST(FindNearSrcDistanceSquare, rings_end_at_the_sides_of_the_surface) {
     EXPECT_EQ(searchColour(surface, 0, 1, 4), (Found{1, 1000000}));
 }
 
-TEST(FindNearSrcDistanceSquare, every_pixel_of_a_small_surface_is_met_on_its_ring_alone) {
-    for (int toX = 0; toX < 5; ++toX)
-        for (int toY = 0; toY < 4; ++toY) {
-            Surface surface(5, 4);
-            surface.at(toX, toY) = 0x800000;
-            for (int x = 0; x < 5; ++x)
-                for (int y = 0; y < 4; ++y)
-                    for (int ring = 0; ring < 7; ++ring) {
-                        const int dx = std::abs(toX - x);
-                        const int dy = std::abs(toY - y);
-                        const bool hit = ring == (dx > dy ? dx : dy);
-                        EXPECT_EQ(searchColour(surface, x, y, ring),
-                                  (Found{hit ? 0 : 1, hit ? dx * dx + dy * dy : 1000000}));
-                    }
-        }
-}
-
 TEST(FindNearSrcDistanceSquare, squares_of_1000000_and_above_do_not_count) {
     Surface surface(1002, 1);
     surface.at(0, 0) = 1;
     EXPECT_EQ(searchColour(surface, 999, 0, 999), (Found{0, 999 * 999}));
     EXPECT_EQ(searchColour(surface, 1000, 0, 1000), (Found{1, 1000000}));
-}
-
-TEST(FindNearSrcDistanceSquare, agrees_with_a_naive_search) {
-    forEachCase("FindNearSrcDistanceSquare", [](Case &c) {
-        const int width = c.random.between(1, 9);
-        Surface surface(width, c.random.between(1, 9));
-        const int seldom = c.random.between(2, 40);
-        for (int y = 0; y < surface.height(); ++y)
-            for (int x = 0; x < surface.width(); ++x)
-                surface.at(x, y) = c.random.oneIn(seldom) ? c.random.pixel() : c.random.word() & 0xFF000000;
-        const int x = c.random.between(-3, surface.width() + 2);
-        const int y = c.random.between(-3, surface.height() + 2);
-        const int ring = c.random.between(0, 8);
-        int best = 1000000;
-        for (int row = 0; row < surface.height(); ++row)
-            for (int column = 0; column < surface.width(); ++column) {
-                const int dx = std::abs(column - x);
-                const int dy = std::abs(row - y);
-                if ((dx > dy ? dx : dy) == ring && (surface.at(column, row) & 0xFFFFFF) != 0 &&
-                    dx * dx + dy * dy < best)
-                    best = dx * dx + dy * dy;
-            }
-        const Found result = searchColour(surface, x, y, ring);
-        c.expectEqual(std::int64_t{result.goesOn}, std::int64_t{best == 1000000});
-        c.expectEqual(std::int64_t{result.distanceSquare}, std::int64_t{best});
-    });
 }
 
 } // namespace

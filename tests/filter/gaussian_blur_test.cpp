@@ -1,6 +1,5 @@
-#include "base/wide.h"
-#include "naive_gaussian_blur.h"
-#include "support/cases.h"
+#include "plain/blurs.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +8,18 @@
 
 namespace {
 
-using namespace naive::gaussianBlur;
-using test::Case;
-using test::forEachCase;
 using test::Surface;
+
+using Blur = void (*)(q_ulong *, q_ulong *, float, int, int, int);
+
+struct Variant {
+    Blur blur;
+    Blur plainBlur;
+    bool alongColumns;
+};
+
+constexpr Variant alongRows = {Hor_GaussBlur, plain::Hor_GaussBlur, false};
+constexpr Variant alongColumns = {Ver_GaussBlur, plain::Ver_GaussBlur, true};
 
 /// A picture of the same size and pitch with other pixels.
 Surface another(test::Random &random, const Surface &surface) {
@@ -32,36 +39,6 @@ q_ulong &pixelOf(Surface &line, const Variant &variant, int i) {
     return variant.alongColumns ? line.at(0, i) : line.at(i, 0);
 }
 
-void expectNaiveBlur(const char *name, const Variant &variant) {
-    forEachCase(name, [&variant](Case &c) {
-        // Mostly small kernels, so that the pictures can be small.
-        const float sigma = c.random.oneIn(50) ? c.random.realBetween(42, 5000) : c.random.realBetween(0.015625F, 3);
-        const int radius = weightsOf(sigma).radius;
-        const int least = radius == 128 ? 1 : 2 * radius;
-        const int length = c.random.between(least, least + 6);
-        const int lines = c.random.between(1, 3);
-        const int width = variant.alongColumns ? lines : length;
-        const int height = variant.alongColumns ? length : lines;
-        Surface src = Surface::randomOfSize(c.random, width, height);
-        Surface dst = src;
-        for (int y = -1; y <= height; ++y)
-            for (int x = -1; x <= width; ++x)
-                dst.at(x, y) = c.random.word();
-        Surface expected = dst;
-        variant.naive(expected, src, sigma, width, height);
-        variant.blur(dst.pixels(), src.pixels(), sigma, width, height, src.pitch());
-        c.expectEqual(dst, expected);
-    });
-}
-
-TEST(Hor_GaussBlur, agrees_with_naive_sums) {
-    expectNaiveBlur("Hor_GaussBlur", alongRows);
-}
-
-TEST(Ver_GaussBlur, agrees_with_naive_sums_column_by_column) {
-    expectNaiveBlur("Ver_GaussBlur", alongColumns);
-}
-
 TEST(Hor_GaussBlur, pictures_of_several_hundred_pixels_and_wide_kernels) {
     test::Random random(81);
     for (const Variant &variant : {alongRows, alongColumns})
@@ -71,7 +48,7 @@ TEST(Hor_GaussBlur, pictures_of_several_hundred_pixels_and_wide_kernels) {
             Surface src = Surface::randomOfSize(random, width, height);
             Surface dst = another(random, src);
             Surface expected = dst;
-            variant.naive(expected, src, sigma, width, height);
+            variant.plainBlur(expected.pixels(), src.pixels(), sigma, width, height, src.pitch());
             variant.blur(dst.pixels(), src.pixels(), sigma, width, height, src.pitch());
             ASSERT_EQ(dst.differenceFrom(expected), "") << "sigma " << sigma;
         }
@@ -82,7 +59,7 @@ TEST(Hor_GaussBlur, the_weights_are_those_of_the_density_for_every_sigma) {
     constexpr int length = 520;
     for (int step = 1; step <= 440; ++step) {
         const float sigma = static_cast<float>(step) / 10;
-        const Weights weights = weightsOf(sigma);
+        const plain::GaussWeights weights = plain::gaussWeightsOf(sigma);
         const Variant &variant = step % 2 == 0 ? alongRows : alongColumns;
         Surface src = lineOf(variant, length);
         Surface dst = src;
@@ -185,8 +162,8 @@ TEST(Hor_GaussBlur, a_kernel_too_wide_for_its_room_draws_nothing) {
 }
 
 TEST(Hor_GaussBlur, the_widest_kernel_has_127_pixels_on_either_side) {
-    EXPECT_EQ(weightsOf(42.05F).radius, 127);
-    EXPECT_EQ(weightsOf(42.15F).radius, 128);
+    EXPECT_EQ(plain::gaussWeightsOf(42.05F).radius, 127);
+    EXPECT_EQ(plain::gaussWeightsOf(42.15F).radius, 128);
     for (const Variant &variant : {alongRows, alongColumns})
         for (const bool drawn : {true, false}) {
             Surface src = lineOf(variant, 254, 0x102030);
@@ -215,69 +192,6 @@ TEST(Hor_GaussBlur, a_sigma_so_large_that_the_first_weight_ends_the_search_takes
             variant.blur(dst.pixels(), src.pixels(), sigma, src.width(), src.height(), src.pitch());
             EXPECT_EQ(dst.differenceFrom(expected), "");
         }
-}
-
-TEST(Hor_GaussBlur, empty_areas_draw_nothing) {
-    test::Random random(84);
-    Surface src = Surface::randomOfSize(random, 8, 8);
-    const Surface before = another(random, src);
-    for (const Variant &variant : {alongRows, alongColumns})
-        for (const int size : {0, -1, -0x7FFFFFFF - 1}) {
-            Surface dst = before;
-            variant.blur(dst.pixels(), src.pixels(), 0.5F, size, 8, src.pitch());
-            variant.blur(dst.pixels(), src.pixels(), 0.5F, 8, size, src.pitch());
-            EXPECT_EQ(dst.differenceFrom(before), "");
-        }
-}
-
-TEST(Hor_GaussBlur, neither_reads_nor_writes_outside_its_area) {
-    for (const Variant &variant : {alongRows, alongColumns}) {
-        test::PageEndPixels src(24 * 20);
-        test::PageEndPixels dst(24 * 20);
-        for (int i = 0; i < 24 * 20; ++i)
-            src.data()[i] = 0x00ABCDEF;
-        variant.blur(dst.data(), src.data(), 2, 24, 20, 24);
-        for (int i = 0; i < 24 * 20; ++i)
-            ASSERT_EQ(dst.data()[i], 0x00ABCDEFu);
-    }
-}
-
-TEST(Hor_GaussBlur, lines_shorter_than_the_kernel_keep_to_their_own_pixels) {
-    for (const Variant &variant : {alongRows, alongColumns})
-        for (int length = 1; length < 40; ++length) {
-            test::PageEndPixels src(static_cast<std::size_t>(length));
-            test::PageEndPixels dst(static_cast<std::size_t>(length));
-            for (int i = 0; i < length; ++i)
-                src.data()[i] = 0x00ABCDEF;
-            const int width = variant.alongColumns ? 1 : length;
-            const int height = variant.alongColumns ? length : 1;
-            variant.blur(dst.data(), src.data(), 12, width, height, width);
-            for (int i = 0; i < length; ++i)
-                ASSERT_EQ(dst.data()[i], 0x00ABCDEFu) << "length " << length;
-        }
-}
-
-TEST(Hor_GaussBlur, the_floating_unit_of_the_host_may_stand_at_53_bits) {
-#if Q_MUR_X87
-    test::Random random(85);
-    Surface src = Surface::randomOfSize(random, 60, 60);
-    for (const Variant &variant : {alongRows, alongColumns})
-        for (int step = 1; step < 100; ++step) {
-            const float sigma = static_cast<float>(step) / 12;
-            Surface dst = src;
-            Surface expected = src;
-            variant.naive(expected, src, sigma, 60, 60);
-            unsigned short before;
-            asm volatile("fnstcw %0" : "=m"(before));
-            const auto at53Bits = static_cast<unsigned short>((before & ~0x300) | 0x200);
-            asm volatile("fldcw %0" : : "m"(at53Bits) : "memory");
-            variant.blur(dst.pixels(), src.pixels(), sigma, 60, 60, src.pitch());
-            asm volatile("fldcw %0" : : "m"(before) : "memory");
-            ASSERT_EQ(dst.differenceFrom(expected), "") << "sigma " << sigma;
-        }
-#else
-    GTEST_SKIP() << "this processor has no such state";
-#endif
 }
 
 } // namespace

@@ -1,43 +1,13 @@
-#include "support/cases.h"
+#include "plain/blurs.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstdlib>
 
 namespace {
 
-using test::Case;
-using test::forEachCase;
 using test::Surface;
-
-/// Calls `filtered(x, y)` for the interior of the rectangle and stores the answers when all are known.
-template <class Filtered>
-void replaceInterior(Surface &surface, const tagRECT &rect, Filtered filtered) {
-    const Surface before = surface;
-    for (int y = static_cast<int>(rect.top) + 1; y < rect.bottom - 1; ++y)
-        for (int x = static_cast<int>(rect.left) + 1; x < rect.right - 1; ++x)
-            surface.at(x, y) = filtered(before, x, y);
-}
-
-q_ulong channelsOf(q_ulong red, q_ulong green, q_ulong blue) {
-    return red << 16 | green << 8 | blue;
-}
-
-/// Each channel of two pixels halved and added.
-q_ulong halves(q_ulong a, q_ulong b) {
-    const auto half = [](q_ulong p, q_ulong q) { return (p & 0xFF) / 2 + (q & 0xFF) / 2; };
-    return channelsOf(half(a >> 16, b >> 16), half(a >> 8, b >> 8), half(a, b));
-}
-
-/// Each channel of four pixels quartered and added.
-q_ulong quarters(const std::array<q_ulong, 4> &taps) {
-    q_ulong sums[3] = {};
-    for (const q_ulong tap : taps)
-        for (int channel = 0; channel < 3; ++channel)
-            sums[channel] += (tap >> (8 * channel) & 0xFF) / 4;
-    return channelsOf(sums[2], sums[1], sums[0]);
-}
 
 struct Step {
     int dx;
@@ -46,25 +16,6 @@ struct Step {
 
 /// Where the one tap of each direction lies; the other lies opposite.
 constexpr Step directions[4] = {{1, 0}, {0, 1}, {1, -1}, {1, 1}};
-
-void blurAlong(Surface &surface, const tagRECT &rect, Step tap) {
-    replaceInterior(surface, rect, [tap](const Surface &before, int x, int y) {
-        return halves(before.at(x + tap.dx, y + tap.dy), before.at(x - tap.dx, y - tap.dy));
-    });
-}
-
-void blurAcross(Surface &surface, const tagRECT &rect) {
-    replaceInterior(surface, rect, [](const Surface &before, int x, int y) {
-        return quarters({before.at(x, y - 1), before.at(x - 1, y), before.at(x + 1, y), before.at(x, y + 1)});
-    });
-}
-
-void blurCorners(Surface &surface, const tagRECT &rect) {
-    replaceInterior(surface, rect, [](const Surface &before, int x, int y) {
-        return quarters(
-            {before.at(x - 1, y + 1), before.at(x - 1, y - 1), before.at(x + 1, y - 1), before.at(x + 1, y + 1)});
-    });
-}
 
 /// The low two bits of the number that `rand` gives first after `seed`.
 int firstDrawAfter(unsigned seed) {
@@ -114,7 +65,8 @@ TEST(FastBlur_Rect, agrees_with_a_naive_average_in_every_direction) {
         const int secondDraw = std::rand();
         ++met[direction];
         Surface expected = surface;
-        blurAlong(expected, rect, directions[direction]);
+        plain::blurAlong({expected.pixels(), expected.pitch()}, rect, directions[direction].dx,
+                         directions[direction].dy);
         std::srand(seed);
         FastBlur_Rect(surface.pixels(), &rect, surface.pitch());
         ASSERT_EQ(surface.differenceFrom(expected), "") << "direction " << direction;
@@ -200,15 +152,12 @@ TEST(CrossBlur_Rect, calls_take_the_edge_neighbours_and_the_corner_neighbours_in
     Surface expected = surface;
     tagRECT rect = surface.rect();
     _PRIVATE_LUT_DATA lut = {0};
-    for (int pair = 0; pair < 3; ++pair) {
-        blurAcross(expected, rect);
+    for (int call = 0; call < 6; ++call) {
+        _PRIVATE_LUT_DATA turn = {call % 2};
+        plain::CrossBlur_Rect(&turn, expected.pixels(), &rect, expected.pitch());
         CrossBlur_Rect(&lut, surface.pixels(), &rect, surface.pitch());
         ASSERT_EQ(surface.differenceFrom(expected), "");
-        ASSERT_EQ(lut.phase, 1);
-        blurCorners(expected, rect);
-        CrossBlur_Rect(&lut, surface.pixels(), &rect, surface.pitch());
-        ASSERT_EQ(surface.differenceFrom(expected), "");
-        ASSERT_EQ(lut.phase, 0);
+        ASSERT_EQ(lut.phase, 1 - call % 2);
     }
 }
 
@@ -223,38 +172,6 @@ TEST(CrossBlur_Rect, rectangles_without_interior_stay_but_take_their_turn) {
             EXPECT_EQ(surface.differenceFrom(before), "");
             EXPECT_EQ(lut.phase, 1 - phase);
         }
-}
-
-TEST(CrossBlur_Rect, every_rectangle_over_a_small_surface) {
-    test::Random random(65);
-    const Surface before = Surface::randomOfSize(random, 5, 5);
-    for (int top = 0; top <= 5; ++top)
-        for (int left = 0; left <= 5; ++left)
-            for (int bottom = -1; bottom <= 5; ++bottom)
-                for (int right = -1; right <= 5; ++right)
-                    for (int phase = 0; phase < 2; ++phase) {
-                        tagRECT rect = {left, top, right, bottom};
-                        Surface surface = before;
-                        Surface expected = before;
-                        phase == 0 ? blurAcross(expected, rect) : blurCorners(expected, rect);
-                        _PRIVATE_LUT_DATA lut = {phase};
-                        CrossBlur_Rect(&lut, surface.pixels(), &rect, surface.pitch());
-                        ASSERT_EQ(surface.differenceFrom(expected), "");
-                    }
-}
-
-TEST(CrossBlur_Rect, agrees_with_a_naive_average) {
-    forEachCase("CrossBlur_Rect", [](Case &c) {
-        Surface surface = Surface::random(c.random);
-        tagRECT rect = c.random.rectInsideOrEmpty(surface.width(), surface.height());
-        const int phase = c.random.between(0, 1);
-        Surface expected = surface;
-        phase == 0 ? blurAcross(expected, rect) : blurCorners(expected, rect);
-        _PRIVATE_LUT_DATA lut = {phase};
-        CrossBlur_Rect(&lut, surface.pixels(), &rect, surface.pitch());
-        c.expectEqual(surface, expected);
-        c.expectEqual(std::int64_t{lut.phase}, std::int64_t{1 - phase});
-    });
 }
 
 } // namespace

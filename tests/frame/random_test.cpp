@@ -1,6 +1,7 @@
 #include "frame/at_load.h"
 #include "frame/generator.h"
 #include "frame/x87.h"
+#include "plain/frame.h"
 #include "support/cases.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +15,6 @@ namespace {
 using test::Case;
 using test::drawsTaken;
 using test::forEachCase;
-using test::LinearGenerator;
 using test::scriptDraws;
 using test::seedDraws;
 
@@ -29,10 +29,6 @@ auto with(std::vector<int> draws, Function function) {
     const auto result = function();
     EXPECT_EQ(drawsTaken(), count);
     return result;
-}
-
-void expectEqual(Case &c, double result, double expected) {
-    c.expectEqual(std::bit_cast<std::int64_t>(result), std::bit_cast<std::int64_t>(expected));
 }
 
 /// A float of any sign and of moderate size, with a full mantissa.
@@ -141,39 +137,6 @@ TEST(randInt, with_the_bounds_exchanged_is_the_first_plus_a_whole_draw) {
     EXPECT_EQ(with({1}, [] { return randInt(largest, largest - 1); }), least);
 }
 
-TEST(randInt, agrees_with_a_naive_draw) {
-    forEachCase("randInt", [](Case &c) {
-        const int low = c.random.oneIn(10) ? c.random.between(least, largest) : c.random.between(-40000, 40000);
-        const int bits = c.random.between(0, 16);
-        const std::int64_t extent = c.random.between(1, 1 << bits);
-        const std::int64_t high = c.random.oneIn(10) ? low - extent : low + extent;
-        const std::uint32_t seed = c.random.word();
-        LinearGenerator draws(seed);
-        const std::int64_t numbers = std::int64_t{1} << 32;
-        const std::int64_t span = (high - low + numbers) % numbers;
-        std::int64_t mask = 1;
-        if (span > 2)
-            mask = 3;
-        if (span > 4)
-            mask = 7;
-        for (std::int64_t rung = 8; rung <= 1024; rung *= 2)
-            if (span > rung)
-                mask = 2 * rung - 1;
-        if (span > 2048)
-            mask = 8191;
-        if (span > 4096)
-            mask = 16383;
-        if (span > 8192)
-            mask = 32767;
-        std::int64_t drawn = draws.draw() & mask;
-        while (drawn >= span)
-            drawn = draws.draw() & mask;
-        seedDraws(seed);
-        const int result = randInt(low, static_cast<int>(high));
-        c.expectEqual(std::int64_t{result}, static_cast<int>(low + drawn));
-    });
-}
-
 // ---------------------------------------------------------------------------------------------------------------------
 
 TEST(randFloat, reaches_both_ends) {
@@ -196,19 +159,6 @@ TEST(randFloat, is_computed_at_full_width_and_rounded_once) {
     EXPECT_EQ(with({32767}, [] { return randFloat(-1, 0x1p-30F); }), -0x1p-60F);
 }
 
-TEST(randFloat, agrees_with_a_naive_draw) {
-    const auto k = std::bit_cast<float>(0x38000100);
-    forEachCase("randFloat", [k](Case &c) {
-        const float low = anyFloat(c.random);
-        const float high = anyFloat(c.random);
-        const std::uint32_t seed = c.random.word();
-        const long double drawn = LinearGenerator(seed).draw();
-        seedDraws(seed);
-        const float result = randFloat(low, high);
-        c.expectEqual(result, static_cast<float>(low + drawn * (static_cast<long double>(high) - low) * k));
-    });
-}
-
 TEST(randDouble, reaches_both_ends) {
     EXPECT_EQ(with({32767}, [] { return randDouble(0, 1); }), 1.0);
     EXPECT_EQ(with({0}, [] { return randDouble(0, 1); }), 0.0);
@@ -225,19 +175,6 @@ TEST(randDouble, is_computed_at_full_width_and_rounded_once) {
     // With 53 bits throughout, the last digits would be 990.
     EXPECT_EQ(with({15357}, [] { return randDouble(-0x1.7733333333333p+5, 0x1.0e83a83a83a83p+5); }),
               -0x1.2249057c19993p+3);
-}
-
-TEST(randDouble, agrees_with_a_naive_draw) {
-    forEachCase("randDouble", [](Case &c) {
-        const double low = anyDouble(c.random);
-        const double high = anyDouble(c.random);
-        const std::uint32_t seed = c.random.word();
-        const long double drawn = LinearGenerator(seed).draw();
-        seedDraws(seed);
-        const double result = randDouble(low, high);
-        expectEqual(c, result,
-                    static_cast<double>(low + drawn * (static_cast<long double>(high) - low) * 3.051850947599719e-05));
-    });
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -273,24 +210,6 @@ TEST(randIntGaussDeathTest, a_count_of_0_faults) {
     EXPECT_DEATH(randIntGauss(0, 1, 0), "");
 }
 #endif
-
-TEST(randIntGauss, agrees_with_a_naive_mean) {
-    forEachCase("randIntGauss", [](Case &c) {
-        const int low = c.random.between(-1000, 1000);
-        const int high = c.random.oneIn(5) ? c.random.between(least, largest) : c.random.between(-5000, 5000);
-        const int count = c.random.oneIn(20) ? c.random.between(-3, -1) : c.random.between(1, 12);
-        const std::uint32_t seed = c.random.word();
-        LinearGenerator draws(seed);
-        std::int64_t sum = 0;
-        for (int i = 0; i < count; ++i)
-            sum += draws.draw();
-        const auto in32Bits = [](std::int64_t value) { return std::int64_t{static_cast<std::int32_t>(value)}; };
-        const std::int64_t mean = in32Bits(sum * in32Bits(std::int64_t{high} - low)) / (count * std::int64_t{32767});
-        seedDraws(seed);
-        const int result = randIntGauss(low, high, count);
-        c.expectEqual(std::int64_t{result}, in32Bits(mean + low));
-    });
-}
 
 TEST(randFloatGauss, is_the_scaled_mean_of_its_draws) {
     EXPECT_EQ(with({32767}, [] { return randFloatGauss(0, 1, 1); }), 1.0F);
@@ -337,43 +256,10 @@ TEST(randIntGauss, sum_and_divisor_are_32_bit_numbers) {
     EXPECT_EQ(with(std::vector<int>(65540, 32767), [] { return randIntGauss(0, 1, 65540); }), 1);
 }
 
-TEST(randFloatGauss, agrees_with_a_naive_mean) {
-    forEachCase("randFloatGauss", [](Case &c) {
-        const float low = anyFloat(c.random);
-        const float high = anyFloat(c.random);
-        const int count = c.random.between(1, 12);
-        const std::uint32_t seed = c.random.word();
-        LinearGenerator draws(seed);
-        long double sum = 0;
-        for (int i = 0; i < count; ++i)
-            sum += draws.draw();
-        seedDraws(seed);
-        const float result = randFloatGauss(low, high, count);
-        c.expectEqual(result, static_cast<float>(low + sum * (static_cast<long double>(high) - low) / (count * 32767)));
-    });
-}
-
 TEST(randDoubleGauss, is_the_scaled_mean_of_its_draws) {
     EXPECT_EQ(with({32767}, [] { return randDoubleGauss(0, 1, 1); }), 1.0);
     EXPECT_EQ(with({32767, 0}, [] { return randDoubleGauss(2, 6, 2); }), 4.0);
     EXPECT_EQ(with({1}, [] { return randDoubleGauss(0, 1, 1); }), 1.0 / 32767);
-}
-
-TEST(randDoubleGauss, agrees_with_a_naive_mean) {
-    forEachCase("randDoubleGauss", [](Case &c) {
-        const double low = anyDouble(c.random);
-        const double high = anyDouble(c.random);
-        const int count = c.random.between(1, 12);
-        const std::uint32_t seed = c.random.word();
-        LinearGenerator draws(seed);
-        long double sum = 0;
-        for (int i = 0; i < count; ++i)
-            sum += draws.draw();
-        seedDraws(seed);
-        const double result = randDoubleGauss(low, high, count);
-        expectEqual(c, result,
-                    static_cast<double>(low + sum * (static_cast<long double>(high) - low) / (count * 32767)));
-    });
 }
 
 #if Q_MUR_TESTS_X87
@@ -427,19 +313,6 @@ TEST(randColor, draws_red_then_green_then_blue_of_which_the_low_8_bits_count) {
     EXPECT_EQ(with({0x7FFF, 0x7FFF, 0x7FFF}, [] { return randColor(); }), 0xFFFFFFu);
 }
 
-TEST(randColor, agrees_with_naive_draws) {
-    forEachCase("randColor", [](Case &c) {
-        const std::uint32_t seed = c.random.word();
-        LinearGenerator draws(seed);
-        const int red = draws.draw() % 256;
-        const int green = draws.draw() % 256;
-        const int blue = draws.draw() % 256;
-        seedDraws(seed);
-        const std::int64_t result = randColor();
-        c.expectEqual(result, red * 65536 + green * 256 + blue);
-    });
-}
-
 TEST(randRainbowColor, is_grey_before_the_tables_are_filled) {
     EXPECT_EQ(test::atLoad.rainbowColour, 0x808080u);
 }
@@ -470,23 +343,71 @@ TEST(randRainbowColor, every_draw_gives_the_colour_of_its_angle) {
     }
 }
 
-TEST(randRainbowColor, agrees_with_naive_draws) {
-    forEachCase("randRainbowColor", [](Case &c) {
-        const std::uint32_t seed = c.random.word();
-        const int draw = LinearGenerator(seed).draw();
-        const double angle = draw / 4 * 2 * (3.141592654 / 8192);
-        const auto channel = [](double value) {
-            // Toward zero twice; what rounding leaves beside a whole number is none of its business.
-            return static_cast<int>(value * 32768 + (value < 0 ? -1e-9 : 1e-9)) / 256 + 128;
-        };
-        const int blueIndex = (draw / 4 + 4096) % 8192;
-        const int red = channel(std::cos(angle));
-        const int green = channel(std::sin(angle));
-        const int blue = channel(std::cos(blueIndex * 2 * (3.141592654 / 8192)));
-        seedDraws(seed);
-        const std::int64_t result = randRainbowColor();
-        c.expectEqual(result, red * 65536 | green * 256 | blue);
+// ---------------------------------------------------------------------------------------------------------------------
+
+/// Compares what a function and its twin give from the same seed of this program's generator. Elsewhere they draw from
+/// the platform's, whose results have no checksum.
+template <class Draw, class Twin>
+void compare(Case &c, Draw draw, Twin twin) {
+    const std::uint32_t seed = c.random.word();
+    seedDraws(seed);
+    const auto result = draw();
+    seedDraws(seed);
+    const auto expected = twin();
+    if constexpr (std::is_same_v<decltype(draw()), float>)
+        c.expectEqual(result, expected);
+    else if constexpr (std::is_same_v<decltype(draw()), double>)
+        c.expectEqual(std::bit_cast<std::int64_t>(result), std::bit_cast<std::int64_t>(expected));
+    else
+        c.expectEqual(static_cast<std::int64_t>(result), static_cast<std::int64_t>(expected));
+}
+
+TEST(random_numbers, agree_with_their_twins_under_a_known_generator) {
+    forEachCase("randInt", [](Case &c) {
+        const int low = c.random.oneIn(10) ? c.random.between(least, largest) : c.random.between(-40000, 40000);
+        const int bits = c.random.between(0, 16);
+        const std::int64_t extent = c.random.between(1, 1 << bits);
+        const int high = plain::int32(c.random.oneIn(10) ? low - extent : low + extent);
+        compare(
+            c, [=] { return randInt(low, high); }, [=] { return plain::randInt(low, high); });
     });
+    forEachCase("randIntGauss", [](Case &c) {
+        const int low = c.random.between(-1000, 1000);
+        const int high = c.random.oneIn(5) ? c.random.between(least, largest) : c.random.between(-5000, 5000);
+        const int count = c.random.oneIn(20) ? c.random.between(-3, -1) : c.random.between(1, 12);
+        compare(
+            c, [=] { return randIntGauss(low, high, count); }, [=] { return plain::randIntGauss(low, high, count); });
+    });
+    forEachCase("randFloat", [](Case &c) {
+        const float low = anyFloat(c.random);
+        const float high = anyFloat(c.random);
+        compare(
+            c, [=] { return randFloat(low, high); }, [=] { return plain::randFloat(low, high); });
+    });
+    forEachCase("randDouble", [](Case &c) {
+        const double low = anyDouble(c.random);
+        const double high = anyDouble(c.random);
+        compare(
+            c, [=] { return randDouble(low, high); }, [=] { return plain::randDouble(low, high); });
+    });
+    forEachCase("randFloatGauss", [](Case &c) {
+        const float low = anyFloat(c.random);
+        const float high = anyFloat(c.random);
+        const int count = c.random.between(1, 12);
+        compare(
+            c, [=] { return randFloatGauss(low, high, count); },
+            [=] { return plain::randFloatGauss(low, high, count); });
+    });
+    forEachCase("randDoubleGauss", [](Case &c) {
+        const double low = anyDouble(c.random);
+        const double high = anyDouble(c.random);
+        const int count = c.random.between(1, 12);
+        compare(
+            c, [=] { return randDoubleGauss(low, high, count); },
+            [=] { return plain::randDoubleGauss(low, high, count); });
+    });
+    forEachCase("randColor", [](Case &c) { compare(c, ::randColor, plain::randColor); });
+    forEachCase("randRainbowColor", [](Case &c) { compare(c, ::randRainbowColor, plain::randRainbowColor); });
 }
 
 } // namespace

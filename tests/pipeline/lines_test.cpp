@@ -142,15 +142,6 @@ void renderLines(Canvas &canvas, tagRECT clip, Mesh &mesh) {
                        mesh.specular, mesh.shininess, 0);
 }
 
-TEST(VKD_Render_3D_Line, lights_its_colours_like_a_surface) {
-    test::Random random(3);
-    Mesh mesh = test::randomMesh(random, 5, 8);
-    const std::vector<q_ulong> lit = mesh.lit();
-    Canvas canvas(30, 30);
-    renderLines(canvas, canvas.picture.rect(), mesh);
-    EXPECT_EQ(mesh.colours, lit);
-}
-
 TEST(VKD_Render_3D_Line, each_line_has_the_colour_of_its_first_point) {
     Mesh mesh(2, 2);
     for (std::size_t i = 0; i < 4; ++i) {

@@ -3,9 +3,9 @@
 #ifndef Q_MUR_TESTS_PIPELINE_MESH_H
 #define Q_MUR_TESTS_PIPELINE_MESH_H
 
-#include "plain/meshes.h"
-#include "support/random.h"
+#include <q_Mur.h>
 
+#include <cstddef>
 #include <vector>
 
 namespace test {
@@ -34,36 +34,7 @@ struct Mesh {
     std::size_t index(int row, int column) const { return static_cast<std::size_t>(row * columns + column); }
     _POINT3DFLOAT &point(int row, int column) { return points.at(index(row, column)); }
     q_ulong &colour(int row, int column) { return colours.at(index(row, column)); }
-
-    /// The colours as they are lit.
-    std::vector<q_ulong> lit() const {
-        Mesh copy = *this;
-        plain::light({copy.points.data(), copy.colours.data(), rows, columns}, light, ambient, specular, shininess);
-        return copy.colours;
-    }
 };
-
-/// A crumpled grid under any light.
-inline Mesh randomMesh(Random &random, int largest, int cell) {
-    const int columns = random.between(2, largest);
-    const int rows = random.between(2, largest);
-    Mesh mesh(columns, rows, cell);
-    const float amount = random.oneIn(4) ? static_cast<float>(3 * cell) : static_cast<float>(cell) / 2;
-    for (_POINT3DFLOAT &point : mesh.points) {
-        point.x += random.realBetween(-amount, amount) - 3;
-        point.y += random.realBetween(-amount, amount) - 3;
-        point.z += random.realBetween(-amount, amount) * 3;
-    }
-    for (q_ulong &colour : mesh.colours)
-        colour = random.pixel();
-    mesh.light = {random.realBetween(-1, 1), random.realBetween(-1, 1), random.realBetween(-0.5F, 1), 0};
-    mesh.ambient = {random.between(-60, 60), random.between(-60, 60), random.between(-60, 60), 0};
-    mesh.specular = random.realBetween(0, 2);
-    mesh.shininess = random.between(-1, 5);
-    mesh.wrapRows = random.between(0, 2);
-    mesh.wrapColumns = random.between(0, 2);
-    return mesh;
-}
 
 } // namespace test
 

@@ -175,19 +175,6 @@ TEST(VKD_Render_3D_Surface, a_cell_without_area_has_ambient_light_alone) {
     EXPECT_EQ(mesh.colours[0], 0x402010u);
 }
 
-TEST(VKD_Render_3D_Surface, wrap_flags_do_not_change_the_light) {
-    test::Random random(9);
-    const Mesh start = test::randomMesh(random, 6, 10);
-    const std::vector<q_ulong> lit = start.lit();
-    for (int flags = 0; flags < 4; ++flags) {
-        Mesh mesh = start;
-        mesh.wrapRows = flags & 1;
-        mesh.wrapColumns = flags >> 1;
-        light(mesh);
-        EXPECT_EQ(mesh.colours, lit);
-    }
-}
-
 TEST(VKD_Render_3D_Surface, a_grid_smaller_than_2_by_2_is_left_alone) {
     for (const auto &[columns, rows] : {std::pair(1, 5), std::pair(5, 1), std::pair(0, 0), std::pair(-1, 4)}) {
         Mesh mesh(3, 3);

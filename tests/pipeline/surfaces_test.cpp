@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -36,21 +35,6 @@ TEST(VKD_Render_3D_Surface, two_triangles_make_the_smallest_grid) {
     for (int y = 0; y < 12; ++y)
         for (int x = 0; x < 12; ++x)
             EXPECT_EQ(canvas.picture.at(x, y), x < 10 && y < 10 ? 0x804020u : 0u) << x << ", " << y;
-}
-
-TEST(VKD_Render_3D_Surface, points_are_read_and_colours_written) {
-    test::Random random(4);
-    Mesh mesh = test::randomMesh(random, 5, 10);
-    const std::vector<_POINT3DFLOAT> points = mesh.points;
-    const std::vector<q_ulong> lit = mesh.lit();
-    Canvas canvas(30, 30);
-    render(canvas, canvas.picture.rect(), mesh);
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        EXPECT_EQ(mesh.points[i].x, points[i].x);
-        EXPECT_EQ(mesh.points[i].y, points[i].y);
-        EXPECT_EQ(mesh.points[i].z, points[i].z);
-        EXPECT_EQ(mesh.colours[i], lit[i]);
-    }
 }
 
 TEST(VKD_Render_3D_Surface, a_wrap_flag_counts_only_if_it_is_1) {
@@ -102,42 +86,6 @@ TEST(VKD_Render_3D_Surface, half_opacity_draws_through_the_Z_plane) {
     }
 }
 
-TEST(VKD_Render_3D_Surface, drawing_through_tiles_equals_drawing_at_once) {
-    test::Random random(11);
-    for (int round = 0; round < 10; ++round) {
-        const Mesh mesh = test::randomMesh(random, 8, 8);
-        for (const int opacity : {-1, 100, 128}) {
-            const auto draw = [opacity](Canvas &canvas, tagRECT clip, Mesh copy) {
-                if (opacity < 0)
-                    render(canvas, clip, copy);
-                else
-                    render(canvas, clip, copy, opacity);
-            };
-            Canvas once(50, 50);
-            Canvas tiled(50, 50);
-            draw(once, once.picture.rect(), mesh);
-            for (int top = 0; top < 50; top += 9)
-                for (int left = 0; left < 50; left += 13)
-                    draw(tiled, {left, top, std::min(left + 13, 50), std::min(top + 9, 50)}, mesh);
-            ASSERT_EQ(tiled.picture.differenceFrom(once.picture), "");
-            ASSERT_EQ(tiled.depths().differenceFrom(once.depths()), "");
-        }
-    }
-}
-
-/// A grid of the one size that the alpha form reads, small enough for a small picture.
-Mesh alphaMesh(test::Random &random) {
-    Mesh mesh(64, 20, 1);
-    for (_POINT3DFLOAT &point : mesh.points) {
-        point.x = point.x / 2 + random.realBetween(-1, 1);
-        point.y += random.realBetween(-1, 1);
-        point.z = random.realBetween(-20, 20);
-    }
-    for (q_ulong &colour : mesh.colours)
-        colour = random.word() & 0xFFFFFF;
-    return mesh;
-}
-
 TEST(VKD_Render_3D_Surface_Alpha, the_third_and_fourth_number_close_the_grid) {
     Mesh mesh(64, 20, 1, 0x202020);
     for (int row = 0; row < 20; ++row)
@@ -154,25 +102,6 @@ TEST(VKD_Render_3D_Surface_Alpha, the_third_and_fourth_number_close_the_grid) {
     EXPECT_EQ(painted(0, 1, 75), 0x181818u) << "a second layer over the first";
     EXPECT_EQ(painted(1, 0, 75), 0x181818u) << "from the last row to the first";
     EXPECT_EQ(painted(2, 2, 75), 0x101010u);
-}
-
-TEST(VKD_Render_3D_Surface_Alpha, draws_20_rows_of_64_whatever_the_unread_numbers_say) {
-    test::Random random(2);
-    Mesh mesh = alphaMesh(random);
-    const std::vector<q_ulong> colours = mesh.colours;
-    Canvas canvas(40, 24);
-    canvas.data->nearLimit = -10;
-    canvas.depth(5, 5) = -1000;
-    renderAlpha(canvas, canvas.picture.rect(), mesh);
-    Canvas expected(40, 24);
-    expected.data->nearLimit = -10;
-    tagRECT clip = expected.picture.rect();
-    plain::VKD_Render_3D_Surface_Alpha(expected.data, expected.pixels(), &clip, expected.pitch(), mesh.points.data(),
-                                       mesh.colours.data(), 0, 0, 0, 0);
-    EXPECT_EQ(canvas.picture.differenceFrom(expected.picture), "");
-    EXPECT_EQ(mesh.colours, colours) << "nothing is lit";
-    EXPECT_EQ(canvas.depth(5, 5), -1000);
-    EXPECT_EQ(canvas.depth(6, 6), 0x7FFF);
 }
 
 } // namespace

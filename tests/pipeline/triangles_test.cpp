@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <numeric>
 #include <vector>
 
 namespace {
@@ -201,72 +200,6 @@ TEST(VKD_Render_Tri_Add, meshes_of_triangles_cover_each_pixel_exactly_once) {
                 const bool inside = x >= 0 && x < columns * cell && y >= 0 && y < rows * cell;
                 ASSERT_EQ(canvas.picture.at(x, y), inside ? 1u : 0u) << "seed " << seed << " at " << x << ", " << y;
             }
-    }
-}
-
-TEST(VKD_Render_Tri, a_mesh_drawn_through_tiles_equals_the_mesh_drawn_at_once) {
-    for (const Way way : {Way::draw, Way::blend, Way::mix, Way::add}) {
-        test::Random random(5);
-        Canvas once(50, 50);
-        Canvas tiled(50, 50);
-        std::vector<Triangle> mesh = randomMesh(random, 5, 5, 12, 0);
-        for (Triangle &triangle : mesh)
-            for (int i = 0; i < 3; ++i) {
-                triangle.colours[i] = random.word() & 0xFFFFFF;
-                triangle.points[i].x -= 5;
-                triangle.points[i].y -= 5;
-            }
-        for (const Triangle &triangle : mesh)
-            draw(once, once.picture.rect(), triangle, way, 100);
-        for (int top = 0; top < 50; top += 7)
-            for (int left = 0; left < 50; left += 11)
-                for (const Triangle &triangle : mesh)
-                    draw(tiled, {left, top, std::min(left + 11, 50), std::min(top + 7, 50)}, triangle, way, 100);
-        EXPECT_EQ(tiled.picture.differenceFrom(once.picture), "");
-        EXPECT_EQ(tiled.depths().differenceFrom(once.depths()), "");
-    }
-}
-
-TEST(VKD_Render_Tri, the_order_of_drawing_matters_only_between_equal_depths) {
-    for (int seed = 0; seed < 40; ++seed) {
-        test::Random random(static_cast<std::uint64_t>(seed));
-        constexpr int size = 24;
-        std::vector<Triangle> triangles;
-        std::vector<Surface> alone;
-        std::vector<Surface> aloneDepths;
-        for (int i = 0; i < 6; ++i) {
-            Triangle triangle;
-            for (int k = 0; k < 3; ++k) {
-                triangle.points[k] = {random.realBetween(-5, 29), random.realBetween(-5, 29),
-                                      random.realBetween(0, random.oneIn(3) ? 3 : 100), 0};
-                triangle.colours[k] = random.word() & 0xFFFFFF;
-            }
-            Canvas canvas(size, size);
-            draw(canvas, canvas.picture.rect(), triangle, Way::draw);
-            triangles.push_back(triangle);
-            alone.push_back(canvas.picture);
-            aloneDepths.push_back(canvas.depths());
-        }
-        std::vector<std::size_t> order(triangles.size());
-        std::iota(order.begin(), order.end(), std::size_t{0});
-        for (int shuffle = 0; shuffle < 10; ++shuffle) {
-            Canvas canvas(size, size);
-            Surface expected(size, size);
-            Surface nearest(size, size, 0x7FFF);
-            for (const std::size_t i : order) {
-                draw(canvas, canvas.picture.rect(), triangles[i], Way::draw);
-                for (int y = 0; y < size; ++y)
-                    for (int x = 0; x < size; ++x)
-                        if (aloneDepths[i].at(x, y) < nearest.at(x, y)) {
-                            nearest.at(x, y) = aloneDepths[i].at(x, y);
-                            expected.at(x, y) = alone[i].at(x, y);
-                        }
-            }
-            ASSERT_EQ(canvas.picture.differenceFrom(expected), "");
-            ASSERT_EQ(canvas.depths().differenceFrom(nearest), "");
-            for (std::size_t k = order.size() - 1; k > 0; --k)
-                std::swap(order[k], order[static_cast<std::size_t>(random.between(0, static_cast<int>(k)))]);
-        }
     }
 }
 

@@ -65,8 +65,8 @@ inline void drawBall(Pixels surface, const Bounds &bounds, int cx, int cy, int r
     });
 }
 
-constexpr Number far = Number{1} << 40;
-constexpr Bounds anywhere = {-far, -far, far, far};
+constexpr Number farthest = Number{1} << 40;
+constexpr Bounds anywhere = {-farthest, -farthest, farthest, farthest};
 
 } // namespace draw
 

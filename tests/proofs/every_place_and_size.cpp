@@ -1,5 +1,6 @@
 #include "proofs.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace proofs {
@@ -57,6 +58,16 @@ std::vector<Value> places(const Argument &argument) {
     return all;
 }
 
+/// Each is as much wider than its picture as before, so that surfaces of one pitch keep one.
+Plane smallSurface(const Plane &drawn, Random &random) {
+    const int extraPitch = drawn.pitch() - drawn.width() - 2 * Plane::usualMargin;
+    const Plane plane = Plane::surface(side, side, 0, std::max(extraPitch, 0));
+    for (int y = 0; y < side; ++y)
+        for (int x = 0; x < side; ++x)
+            plane.at(x, y) = random.pixel();
+    return plane.cutTo({0, 0, side, side}, Fence::behind);
+}
+
 /// Surfaces of 4 x 4 that end where memory ends, with every combination of places and sizes, or 20,000 of them where
 /// there are more: wherever the call keeps to the contract, it gives what the twin gives.
 /// \return how many calls have kept to the contract
@@ -77,7 +88,7 @@ int tryPlaces(const Row &row, std::uint64_t seed) {
         const Kind kind = row.arguments[i].kind;
         const bool isSurface = kind == Kind::destination || kind == Kind::source || kind == Kind::scratch;
         if (isSurface && base[i].is<Plane>() && !base[i].plane().isNull())
-            base[i] = Plane::randomSurface(random, side, side).cutTo({0, 0, side, side}, Fence::behind);
+            base[i] = smallSurface(base[i].plane(), random);
     }
     base.settle();
     std::vector<std::size_t> chosen(indices.size(), 0);

@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 
 namespace proofs {
 
@@ -19,11 +20,17 @@ std::string_view reasonAgainst(const Proof &proof, const Row &row) {
     return proof.reasonAgainst(row);
 }
 
+void runSeeded(const std::function<catalogue::Run(Call &)> &function, Call &call, unsigned seed) {
+    if (call.row().drawsRandomNumbers)
+        std::srand(seed);
+    function(call)();
+}
+
 bool agree(const Call &call, const std::string &what) {
     Call result = call;
     Call expected = call;
-    call.row().call.library(result)();
-    call.row().call.twin(expected)();
+    runSeeded(call.row().call.library, result, 1);
+    runSeeded(call.row().call.twin, expected, 1);
     const std::string difference = result.differenceFrom(expected);
     if (!difference.empty())
         ADD_FAILURE() << what << ": " << difference << "\n" << described(call);

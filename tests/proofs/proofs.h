@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,6 +50,9 @@ const std::vector<Proof> &allProofs();
 
 /// The reason of the proof or of the row itself.
 std::string_view reasonAgainst(const Proof &proof, const Row &row);
+
+/// Runs a function on a call of its row, from a seed where it draws random numbers.
+void runSeeded(const std::function<catalogue::Run(Call &)> &function, Call &call, unsigned seed);
 
 /// Runs both functions of a row on copies of `call` and reports what differs, as the test's failure.
 /// \return whether they agree

@@ -5,8 +5,8 @@
 namespace proofs {
 namespace {
 
-std::string_view reason(const Row &) {
-    return "";
+std::string_view reason(const Row &row) {
+    return row.drawsRandomNumbers ? "one generator" : "";
 }
 
 std::vector<Call> calls(const Row &row, int count) {

@@ -1,5 +1,6 @@
 """Picture files read and written by hand, so that what the program reads and writes is checked by other code."""
 
+import base64
 import struct
 import zlib
 
@@ -94,7 +95,88 @@ def read_png(path):
 
 def with_orientation(jpeg, orientation):
     """The JPEG file with an Exif segment that notes how the camera was held."""
-    entry = struct.pack(">HHIHH", 0x0112, 3, 1, orientation, 0)
-    tiff = b"MM" + struct.pack(">HIH", 42, 8, 1) + entry + struct.pack(">I", 0)
-    segment = b"Exif\0\0" + tiff
+    return with_exif(jpeg, b"Exif\0\0" + exif(orientation))
+
+
+def with_exif(jpeg, segment):
     return jpeg[:2] + b"\xff\xe1" + struct.pack(">H", len(segment) + 2) + segment + jpeg[2:]
+
+
+def exif(orientation=1, taken=None):
+    """An Exif structure that notes how the camera was held, and when."""
+    entries = struct.pack(">HHIHH", 0x0112, 3, 1, orientation, 0)
+    if taken is None:
+        return b"MM" + struct.pack(">HIH", 42, 8, 1) + entries + struct.pack(">I", 0)
+    behind = 8 + 2 + 2 * 12 + 4
+    entries += struct.pack(">HHII", 0x8769, 4, 1, behind)
+    inner = struct.pack(">HHHII", 1, 0x9003, 2, 20, behind + 2 + 12 + 4) + struct.pack(">I", 0) + taken.encode() + b"\0"
+    return b"MM" + struct.pack(">HIH", 42, 8, 2) + entries + struct.pack(">I", 0) + inner
+
+
+def png_of(width, height, depth, colour, rows, *chunks):
+    """A PNG file of rows that are bytes already, with further chunks between header and picture."""
+    header = struct.pack(">IIBBBBB", width, height, depth, colour, 0, 0, 0)
+    data = zlib.compress(b"".join(b"\0" + row for row in rows))
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + b"".join(chunks) + chunk(b"IDAT", data)
+            + chunk(b"IEND", b""))
+
+
+class BitWriter:
+    def __init__(self):
+        self.text = ""
+
+    def put(self, value, bits):
+        if bits:
+            self.text += format(value, f"0{bits}b")
+
+    def bytes(self):
+        text = self.text + "1" * (-len(self.text) % 8)
+        return bytes(int(text[i : i + 8], 2) for i in range(0, len(text), 8)).replace(b"\xff", b"\xff\0")
+
+
+def segment(marker, data):
+    return bytes([0xFF, marker]) + struct.pack(">H", len(data) + 2) + data
+
+
+# Codes of four bits for each length that the difference of two means may have, and one of a single bit for "all else 0".
+DIFFERENCES = b"\0" + bytes([0, 0, 0, 12] + [0] * 12) + bytes(range(12))
+REST = b"\x10" + bytes([1] + [0] * 15) + b"\0"
+
+
+def jpeg_bytes(blocks, components, tables=DIFFERENCES + REST, markers=b""):
+    """A JPEG file of even squares of 8 pixels. `blocks` are rows of tuples, a value for each of the components; four of
+    them are inks, as Adobe stores them. `markers` stand behind the start."""
+    numbers = range(1, components + 1)
+    frame = struct.pack(">BHHB", 8, 8 * len(blocks), 8 * len(blocks[0]), components)
+    frame += b"".join(bytes([number, 0x11, 0]) for number in numbers)
+    scan = bytes([components]) + b"".join(bytes([number, 0]) for number in numbers) + b"\0\x3f\0"
+    bits = BitWriter()
+    before = [0] * components
+    for row in blocks:
+        for block in row:
+            for i, value in enumerate(block):
+                difference = value - 128 - before[i]
+                before[i] = value - 128
+                length = abs(difference).bit_length()
+                bits.put(length, 4)
+                bits.put(difference if difference >= 0 else difference + (1 << length) - 1, length)
+                bits.put(0, 1)
+    return (b"\xff\xd8" + markers
+            + (segment(0xEE, b"Adobe\0\x64\0\0\0\0\0") if components == 4 else b"")
+            + segment(0xDB, b"\0" + b"\x08" * 64) + segment(0xC0, frame) + segment(0xC4, tables)
+            + segment(0xDA, scan) + bits.bytes() + b"\xff\xd9")
+
+
+# 64 x 64 pixels in four squares: red, green, blue and white. WebP is lossless, the others are not quite.
+QUARTERS = [(220, 30, 30), (30, 200, 30), (30, 30, 220), (230, 230, 230)]
+WEBP = base64.b64decode("""
+    UklGRkYAAABXRUJQVlA4TDkAAAAvP8APAB8gECBkaRamSUhA2Ob/DhNkIQFxSzbcHDvmP+4OTAhEAiSe9KQnTQygRfR/AopH34ZB3wAA
+""")
+HEIC = base64.b64decode("""
+    AAAAHGZ0eXBoZWljAAAAAG1pZjFoZWljbWlhZgAAAUJtZXRhAAAAAAAAACFoZGxyAAAAAAAAAABwaWN0AAAAAAAAAAAAAAAAAAAAAA5waXRtAA
+    AAAAABAAAAImlsb2MAAAAAREAAAQABAAAAAAFmAAEAAAAAAAAAQAAAACNpaW5mAAAAAAABAAAAFWluZmUCAAAAAAEAAGh2YzEAAAAAwmlwcnAA
+    AACkaXBjbwAAAHhodmNDAQNwAAAAAAAAAAAAHvAA/P34+AAADwMgAAEAGEABDAH//wNwAAADAJAAAAMAAAMAHroCQCEAAQArQgEBA3AAAAMAkA
+    AAAwAAAwAeoCCBBZbqSSmubgQEDAgAAAMACAAAAwAIQCIAAQAHRAHBcrAiQAAAABRpc3BlAAAAAAAAAEAAAABAAAAAEHBpeGkAAAAAAwgICAAA
+    ABZpcG1hAAAAAAAAAAEAAQOBAoMAAABIbWRhdAAAADwoAa8J4CE5dV///II///xiNyH8Ch9nnn397p/2xb//zoOcJ//l4RAfzz01/8g4Ns7//v
+    VqdPptrhfYUiw=
+""")

@@ -1,60 +1,19 @@
-#include "support/cases.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <limits>
 #include <vector>
 
 namespace {
 
-using test::Case;
-using test::forEachCase;
 using test::Surface;
 using Bytes = std::vector<unsigned char>;
 
 constexpr int least = std::numeric_limits<int>::min();
 
-/// A picture of bytes in the middle of a larger buffer.
-struct RawPicture {
-    RawPicture(int columns, int rows, int pitchBytes)
-        : width(columns), height(rows), pitch(pitchBytes), bytes(static_cast<std::size_t>(origin + rows * pitchBytes)) {
-        for (std::size_t i = 0; i < bytes.size(); ++i)
-            bytes[i] = static_cast<unsigned char>(i * 7 + i / 256);
-    }
-
-    unsigned char *data() { return bytes.data() + origin; }
-    unsigned at(std::int64_t position) const { return bytes.at(static_cast<std::size_t>(origin + position)); }
-
-    static constexpr int origin = 64;
-    int width;
-    int height;
-    int pitch;
-    Bytes bytes;
-};
-
 unsigned char *bytesOf(Surface &surface) {
     return reinterpret_cast<unsigned char *>(surface.pixels());
-}
-
-/// The source column or row of a destination column or row: 15 fraction bits in numbers that wrap at 32 bits.
-std::int64_t sourceOf(std::int64_t index, std::int64_t srcExtent, std::int64_t dstExtent) {
-    const auto wrapped = [](std::int64_t value) { // into the range of an int
-        constexpr std::int64_t range = std::int64_t{1} << 32;
-        const std::int64_t rest = ((value % range) + range) % range;
-        return rest >= range / 2 ? rest - range : rest;
-    };
-    const std::int64_t position = wrapped(index * (wrapped(srcExtent * 32768) / dstExtent));
-    return position >= 0 ? position / 32768 : -((-position + 32767) / 32768);
-}
-
-void naiveFit(Surface &dst, int width, int height, const RawPicture &src) {
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            const std::int64_t first = sourceOf(y, src.height, height) * src.pitch + sourceOf(x, src.width, width) * 3;
-            dst.at(x, y) =
-                static_cast<q_ulong>(src.at(first) + src.at(first + 1) * 256 + src.at(first + 2) * 256 * 256);
-        }
 }
 
 TEST(FitOn32RAW_24RAW_Nearest, equal_sizes_copy_each_triple_to_a_pixel) {
@@ -129,26 +88,6 @@ TEST(FitOn32RAW_24RAW_Nearest, a_source_of_65536_columns_is_walked_backwards) {
     _FitOn32RAW_24RAW_Nearest(bytesOf(dst), 2, 1, dst.pitch() * 4, src.data() + 32768 * 3, 65536, 1, 0);
     EXPECT_EQ(dst.at(0, 0), 2u);
     EXPECT_EQ(dst.at(1, 0), 1u);
-}
-
-TEST(FitOn32RAW_24RAW_Nearest, agrees_with_a_naive_fit) {
-    forEachCase("_FitOn32RAW_24RAW_Nearest", [](Case &c) {
-        Surface dst = Surface::random(c.random, 24);
-        const int srcWidth = c.random.between(1, 24);
-        const int srcHeight = c.random.between(1, 24);
-        const int srcPitch = srcWidth * 3 + c.random.between(0, 5);
-        RawPicture src(srcWidth, srcHeight, srcPitch);
-        const auto sizeUpTo = [&c](int extent) {
-            return c.random.oneIn(20) ? c.random.between(-3, -1) : c.random.between(1, extent);
-        };
-        const int width = sizeUpTo(dst.width());
-        const int height = sizeUpTo(dst.height());
-        Surface expected = dst;
-        naiveFit(expected, width, height, src);
-        _FitOn32RAW_24RAW_Nearest(bytesOf(dst), width, height, dst.pitch() * 4, src.data(), srcWidth, srcHeight,
-                                  srcPitch);
-        c.expectEqual(dst, expected);
-    });
 }
 
 } // namespace

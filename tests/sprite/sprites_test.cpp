@@ -1,5 +1,5 @@
 #include "sprite/tables.h"
-#include "support/cases.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,6 @@
 
 namespace {
 
-using test::Case;
-using test::forEachCase;
 using test::Surface;
 
 constexpr q_ulong untouched = 0xFF123456; // no sprite has a top byte
@@ -158,28 +156,6 @@ TEST_P(Sprites, a_negative_pitch_stores_the_bottom_row_first) {
     for (int y = 0; y < sprite.height; ++y)
         for (int x = 0; x < sprite.width; ++x)
             ASSERT_EQ(dst.at(x, sprite.height - 1 - y), sprite.pixel(y * sprite.width + x));
-}
-
-TEST_P(Sprites, agree_with_a_naive_look_up) {
-    forEachCase(sprite.name, [this](Case &c) {
-        // The whole sprite once; then small in one direction at least, and now and then a little beyond its own size.
-        int width = c.random.between(-1, 12);
-        int height = c.random.between(-1, 12);
-        if (c.number == 0) {
-            width = sprite.width;
-            height = sprite.height;
-        } else if (c.random.oneIn(40))
-            width = sprite.width + c.random.between(-4, 20);
-        else if (c.random.oneIn(40))
-            height = sprite.height + c.random.between(-4, 20);
-        Surface dst = Surface::randomOfSize(c.random, std::max(width, 1), std::max(height, 1));
-        Surface expected = dst;
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x)
-                expected.at(x, y) = sprite.pixel(y * sprite.width + x);
-        sprite.load(dst.pixels(), width, height, dst.pitch());
-        c.expectEqual(dst, expected);
-    });
 }
 
 TEST(SetSpriteInstance, takes_any_handle) {

@@ -1,32 +1,27 @@
-#include "math3d/full_width.h"
-#include "naive.h"
+#include <q_Mur.h>
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace {
 
-using test::Case;
-using test::forEachCase;
-using test::naiveLights;
-using test::VertexLights;
+/// The two arrays of a grid's vertices.
+struct VertexLights {
+    std::vector<int> add;
+    std::vector<int> mul;
+};
 
 using Points = std::vector<_POINT3DFLOAT>;
 
-template <class Data>
-VertexLights lightsOf(Points points, int rows, int cols, _POINT3DFLOAT light, int ambient, int specular,
-                      int shininess) {
-    VertexLights lights = {std::vector<int>(points.size(), -7), std::vector<int>(points.size(), -7)};
-    Data data = {};
-    data.vertexArray0 = lights.add.data();
-    data.vertexArray1 = lights.mul.data();
-    if constexpr (std::is_same_v<Data, _PRIVATE_QM3D_DATA>)
-        FindLuminenceTerm(&data, points.data(), rows, cols, &light, ambient, specular, shininess);
-    else
-        VKD_FindLuminenceTerm(&data, points.data(), rows, cols, &light, ambient, specular, shininess);
-    return lights;
+VertexLights lights(Points points, int rows, int cols, _POINT3DFLOAT light, int ambient, int specular, int shininess) {
+    VertexLights found = {std::vector<int>(points.size(), -7), std::vector<int>(points.size(), -7)};
+    _PRIVATE_QM3D_DATA data = {};
+    data.vertexArray0 = found.add.data();
+    data.vertexArray1 = found.mul.data();
+    FindLuminenceTerm(&data, points.data(), rows, cols, &light, ambient, specular, shininess);
+    return found;
 }
-
-constexpr auto lights = lightsOf<_PRIVATE_QM3D_DATA>;
 
 /// A grid one unit wide in each direction, its height as a function of row and column.
 template <class Height>
@@ -48,43 +43,6 @@ Points tiltedGrid(int rows, int cols) {
 }
 
 constexpr _POINT3DFLOAT towardViewer = {0, 0, 1, 0};
-
-template <class Data>
-void agreesWithNaiveLights(const char *name) {
-    forEachCase(
-        name,
-        [](Case &c) {
-            test::Random &random = c.random;
-            const int rows = random.between(2, 5);
-            const int cols = random.between(2, 5);
-            Points points;
-            for (int i = 0; i < rows * cols; ++i)
-                points.push_back(random.oneIn(12) && i > 0 ? points.back() : test::anyPoint(random, 6));
-            _POINT3DFLOAT light = test::anyPoint(random, 1);
-            if (light.x == 0 && light.y == 0)
-                light.x = 0.5F;
-            const int ambient = random.between(-100, 300);
-            const int specular = random.between(-50, 600);
-            const int shininess = random.between(-1, 6);
-            const VertexLights expected = naiveLights(points, rows, cols, light, ambient, specular, shininess);
-            VertexLights result;
-            callAtAnyPrecision(
-                c, [&] { result = lightsOf<Data>(points, rows, cols, light, ambient, specular, shininess); });
-            for (std::size_t i = 0; i < points.size(); ++i) {
-                c.expectEqual(std::int64_t{result.mul[i]}, std::int64_t{expected.mul[i]});
-                c.expectEqual(std::int64_t{result.add[i]}, std::int64_t{expected.add[i]});
-            }
-        },
-        20000);
-}
-
-TEST(FindLuminenceTerm, agrees_with_naive_lights) {
-    agreesWithNaiveLights<_PRIVATE_QM3D_DATA>("FindLuminenceTerm");
-}
-
-TEST(VKD_FindLuminenceTerm, agrees_with_naive_lights) {
-    agreesWithNaiveLights<_PRIVATE_QMGL_DATA>("VKD_FindLuminenceTerm");
-}
 
 TEST(FindLuminenceTerm, the_smallest_grid_has_one_normal_whatever_its_fourth_corner) {
     for (const float fourth : {-1.5F, 0.0F, 100.0F}) {

@@ -1,68 +1,37 @@
-#include "naive.h"
-#include "naive_nearest_quad.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdint>
+#include <array>
 
 namespace {
 
-using namespace naive::nearestQuad;
-using test::Case;
-using test::forEachCase;
 using test::Surface;
+
+/// A corner in whole pixels and texels.
+struct Corner {
+    int x;
+    int y;
+    int u;
+    int v;
+};
+using Corners = std::array<Corner, 4>;
 
 using Function = decltype(&i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe);
 
 constexpr Function safe = i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe;
 constexpr Function safeBlack = i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack;
 
-/// `fractions` are added to the corners' coordinates.
-void draw(Function function, Surface &dst, Surface &tex, tagRECT clip, const Corners &c,
-          const std::array<float, 8> &fractions = {}) {
+void draw(Function function, Surface &dst, Surface &tex, tagRECT clip, const Corners &c) {
     std::array<_POINT3DFLOAT, 4> points = {};
     std::array<_POINTINT, 4> positions = {};
     for (std::size_t i = 0; i < 4; ++i) {
-        points[i] = {static_cast<float>(c[i].x) + fractions[2 * i], static_cast<float>(c[i].y) + fractions[2 * i + 1],
-                     0, 0};
+        points[i] = {static_cast<float>(c[i].x), static_cast<float>(c[i].y), 0, 0};
         positions[i] = {c[i].u, c[i].v};
     }
     function(dst.pixels(), &points[0], &points[1], &points[2], &points[3], tex.pixels(), &positions[0], &positions[1],
              &positions[2], &positions[3], &clip, static_cast<q_ulong>(dst.pitch()), static_cast<q_ulong>(tex.pitch()));
-}
-
-void agreesWithNaiveQuad(const char *name, Function function, bool black) {
-    forEachCase(name, [=](Case &c) {
-        test::Random &random = c.random;
-        Surface dst = Surface::random(random, 14);
-        Surface tex = Surface::randomOfSize(random, dst.width(), dst.height());
-        const tagRECT clip = random.rectInsideOrEmpty(dst.width(), dst.height());
-        const int reach = random.oneIn(10) ? 20000 : 6; // far beyond, where products wrap
-        Corners corners;
-        std::array<float, 8> fractions;
-        for (std::size_t i = 0; i < 4; ++i) {
-            corners[i] = {random.between(-6, dst.width() + 6), random.between(-6, dst.height() + 6),
-                          random.between(-reach, tex.width() + reach), random.between(-reach, tex.height() + reach)};
-            for (const std::size_t k : {2 * i, 2 * i + 1}) {
-                const int whole = k % 2 == 0 ? corners[i].x : corners[i].y;
-                const float fraction = random.realBetween(0, 0.984375F);
-                fractions[k] = whole < 0 ? -fraction : fraction; // toward zero lies the whole number
-            }
-        }
-        Surface expected = dst;
-        naiveQuad(expected, tex, clip, corners, black);
-        draw(function, dst, tex, clip, corners, fractions);
-        c.expectEqual(dst, expected);
-    });
-}
-
-TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, agrees_with_a_naive_quad) {
-    agreesWithNaiveQuad("i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe", safe, false);
-}
-
-TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack, agrees_with_a_naive_quad) {
-    agreesWithNaiveQuad("i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack", safeBlack, true);
 }
 
 /// A rectangle of the screen with a rectangle of the texture, both with the far sides left out.
@@ -137,25 +106,6 @@ TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, the_clip_bounds_texture_and_destin
                 EXPECT_EQ(dst.at(x, y), pixelIn && texelIn ? tex.at(u, v) : outside) << x << ", " << y;
             }
     }
-}
-
-TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, every_clip_over_a_small_surface_bounds_all_accesses) {
-    test::Random random(1);
-    Surface tex = Surface::randomOfSize(random, 5, 5);
-    const Surface empty(5, 5, 0xAAAAAAAA, tex.pitch() - (5 + 2 * Surface::margin));
-    const Corners corners = {{{2, -2, -3, 0}, {7, 2, 6, -2}, {3, 7, 8, 7}, {-2, 3, -1, 6}}};
-    for (int top = 0; top <= 5; ++top)
-        for (int bottom = 0; bottom <= 5; ++bottom)
-            for (int left = 0; left <= 5; ++left)
-                for (int right = 0; right <= 5; ++right)
-                    for (const bool black : {false, true}) {
-                        const tagRECT clip = {left, top, right, bottom};
-                        Surface dst = empty;
-                        Surface expected = empty;
-                        naiveQuad(expected, tex, clip, corners, black);
-                        draw(black ? safeBlack : safe, dst, tex, clip, corners);
-                        ASSERT_EQ(dst.differenceFrom(expected), "");
-                    }
 }
 
 TEST(i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, corners_in_any_order_draw_the_same_quad) {

@@ -1,83 +1,64 @@
-#include "naive.h"
+#include "screen.h"
+#include "support/random.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace {
 
-using test::Case;
 using test::DepthPlane;
-using test::forEachCase;
-using test::Mapper;
-using test::PolygonCorner;
+using test::Screen;
 using test::Surface;
-using test::Target;
-using test::Texture;
+
+/// A corner of a polygon as it is handed to the library.
+struct PolygonCorner {
+    _POINT3DFLOAT point;
+    _POINTINT tex;
+    int add;
+    int mul;
+};
 
 using QuadCorners = std::array<PolygonCorner, 4>;
 using TriangleCorners = std::array<PolygonCorner, 3>;
 
 constexpr tagRECT everywhere = {0, 0, 16, 16};
 
-template <class Data, class Function>
-void drawQuad(Function function, Data &data, Target target, Texture texture, tagRECT clip, QuadCorners c,
-              q_ulong flags) {
-    function(&data, target.surface.pixels(), &c[0].point, &c[1].point, &c[2].point, &c[3].point, texture.pixels(),
-             &c[0].tex, &c[1].tex, &c[2].tex, &c[3].tex, &clip, static_cast<q_ulong>(target.surface.pitch()),
-             texture.pitch(), c[0].add, c[1].add, c[2].add, c[3].add, c[0].mul, c[1].mul, c[2].mul, c[3].mul, flags);
+/// The texels count from (u, v) on.
+template <class Function, class Data>
+void drawQuad(Function function, Data &data, Screen &screen, Surface &texels, QuadCorners c, q_ulong flags,
+              tagRECT clip, tagPOINT first) {
+    function(&data, screen.surface.pixels(), &c[0].point, &c[1].point, &c[2].point, &c[3].point,
+             &texels.at(static_cast<int>(first.x), static_cast<int>(first.y)), &c[0].tex, &c[1].tex, &c[2].tex,
+             &c[3].tex, &clip, screen.pitch(), static_cast<q_ulong>(texels.pitch()), c[0].add, c[1].add, c[2].add,
+             c[3].add, c[0].mul, c[1].mul, c[2].mul, c[3].mul, flags);
+}
+template <class Function, class Data>
+void drawTriangle(Function function, Data &data, Screen &screen, Surface &texels, TriangleCorners c, q_ulong flags,
+                  tagRECT clip) {
+    function(&data, screen.surface.pixels(), &c[0].point, &c[1].point, &c[2].point, texels.pixels(), &c[0].tex,
+             &c[1].tex, &c[2].tex, &clip, screen.pitch(), static_cast<q_ulong>(texels.pitch()), c[0].add, c[1].add,
+             c[2].add, c[0].mul, c[1].mul, c[2].mul, flags);
 }
 
-template <class Data, class Function>
-void drawTriangle(Function function, Data &data, Target target, Texture texture, tagRECT clip, TriangleCorners c,
-                  q_ulong flags) {
-    function(&data, target.surface.pixels(), &c[0].point, &c[1].point, &c[2].point, texture.pixels(), &c[0].tex,
-             &c[1].tex, &c[2].tex, &clip, static_cast<q_ulong>(target.surface.pitch()), texture.pitch(), c[0].add,
-             c[1].add, c[2].add, c[0].mul, c[1].mul, c[2].mul, flags);
+enum class Module { older, pipeline };
+
+void drawQuad(Module module, Screen &screen, Surface &texels, const QuadCorners &corners, q_ulong flags,
+              const tagRECT &clip = everywhere, tagPOINT first = {0, 0}) {
+    if (module == Module::older)
+        drawQuad(i3D_Blt_Rect, screen.older, screen, texels, corners, flags, clip, first);
+    else
+        drawQuad(VKD_i3D_Blt_Rect, screen.pipeline, screen, texels, corners, flags, clip, first);
 }
-
-void drawQuad(_PRIVATE_QM3D_DATA &data, Target target, Texture texture, tagRECT clip, const QuadCorners &corners,
-              q_ulong flags) {
-    drawQuad(i3D_Blt_Rect, data, target, texture, clip, corners, flags);
+void drawTriangle(Module module, Screen &screen, Surface &texels, const TriangleCorners &corners, q_ulong flags,
+                  const tagRECT &clip = everywhere) {
+    if (module == Module::older)
+        drawTriangle(i3D_Blt_Tri, screen.older, screen, texels, corners, flags, clip);
+    else
+        drawTriangle(VKD_i3D_Blt_Tri, screen.pipeline, screen, texels, corners, flags, clip);
 }
-
-void drawQuad(_PRIVATE_QMGL_DATA &data, Target target, Texture texture, tagRECT clip, const QuadCorners &corners,
-              q_ulong flags) {
-    drawQuad(VKD_i3D_Blt_Rect, data, target, texture, clip, corners, flags);
-}
-
-void drawTriangle(_PRIVATE_QM3D_DATA &data, Target target, Texture texture, tagRECT clip,
-                  const TriangleCorners &corners, q_ulong flags) {
-    drawTriangle(i3D_Blt_Tri, data, target, texture, clip, corners, flags);
-}
-
-void drawTriangle(_PRIVATE_QMGL_DATA &data, Target target, Texture texture, tagRECT clip,
-                  const TriangleCorners &corners, q_ulong flags) {
-    drawTriangle(VKD_i3D_Blt_Tri, data, target, texture, clip, corners, flags);
-}
-
-/// A surface, its Z plane and both blocks over it.
-struct Screen {
-    Surface surface;
-    DepthPlane depths;
-    _PRIVATE_QM3D_DATA older;
-    _PRIVATE_QMGL_DATA pipeline;
-
-    explicit Screen(q_ulong colour = 0x55555555, int width = 16, int height = 16)
-        : surface(width, height, colour), depths(surface), older(test::blockOver<_PRIVATE_QM3D_DATA>(depths)),
-          pipeline(test::blockOver<_PRIVATE_QMGL_DATA>(depths)) {
-        pipeline.nearLimit = -1000;
-    }
-    Screen(const Screen &) = delete;
-    Screen &operator=(const Screen &) = delete;
-
-    Target target() { return {surface, depths}; }
-    bool untouched() const {
-        const Screen fresh(0x55555555, surface.width(), surface.height());
-        return surface == fresh.surface && depths == fresh.depths;
-    }
-};
 
 /// The corners of a rectangle, clockwise, with a texture of so many units.
 QuadCorners cornersOf(float left, float top, float right, float bottom, int width = 0, int height = 0) {
@@ -93,118 +74,6 @@ TriangleCorners triangleOf(const QuadCorners &corners, std::size_t a, std::size_
 
 constexpr q_ulong allModes[] = {0x200, 0x10100, 0x1010, 0x2210};
 
-q_ulong randomFlags(test::Random &random) {
-    if (random.oneIn(20))
-        return random.word();
-    const q_ulong ignored = random.oneIn(2) ? random.word() & 0xFFF0000F : 0;
-    return allModes[random.between(0, 3)] | ignored;
-}
-
-template <std::size_t count>
-std::array<PolygonCorner, count> randomCorners(test::Random &random, const Surface &surface, const Surface &texels,
-                                               q_ulong flags) {
-    // A texture position may not leave the texture, with room for the nearest mappers that take it as whole texels.
-    const int unit = (flags & 0xF000) == 0x1000 ? 1 : 16;
-    std::array<PolygonCorner, count> corners;
-    const bool wholePixels = random.oneIn(3);
-    for (PolygonCorner &corner : corners) {
-        corner.point.x = random.realBetween(-6, static_cast<float>(surface.width()) + 6);
-        corner.point.y = random.realBetween(-6, static_cast<float>(surface.height()) + 6);
-        if (wholePixels) {
-            corner.point.x = static_cast<float>(static_cast<int>(corner.point.x));
-            corner.point.y = static_cast<float>(static_cast<int>(corner.point.y));
-        }
-        corner.point.z = random.realBetween(-50, 1000);
-        corner.point.w = 0;
-        corner.tex = {random.between(0, (texels.width() - 1) * unit), random.between(0, (texels.height() - 1) * unit)};
-        corner.add = random.between(-20, 200);
-        corner.mul = random.between(-50, 400);
-    }
-    if (random.oneIn(4)) // one texel everywhere: never shrunk, unless the polygon has no area either
-        for (PolygonCorner &corner : corners)
-            corner.tex = corners[0].tex;
-    return corners;
-}
-
-DepthPlane randomDepths(test::Random &random, const Surface &surface) {
-    DepthPlane depths(surface);
-    for (short &entry : depths.all())
-        entry = random.oneIn(2) ? test::emptyDepth : static_cast<short>(random.between(0, 900));
-    return depths;
-}
-
-template <class Data>
-void quadsAgreeWithNaiveOnes(const char *name) {
-    constexpr bool pipeline = std::is_same_v<Data, _PRIVATE_QMGL_DATA>;
-    forEachCase(name, [](Case &c) {
-        test::Random &random = c.random;
-        Surface surface = Surface::random(random, 14);
-        DepthPlane depths = randomDepths(random, surface);
-        Surface texels = Surface::random(random, 16);
-        const tagRECT clip = random.rectInsideOrEmpty(surface.width(), surface.height());
-        const q_ulong flags = randomFlags(random);
-        const auto corners = randomCorners<4>(random, surface, texels, flags);
-        Surface expected = surface;
-        DepthPlane expectedDepths = depths;
-        auto data = test::blockOver<Data>(depths);
-        int nearLimit = 0;
-        if constexpr (pipeline)
-            nearLimit = data.nearLimit = random.between(-60, 60);
-        const Mapper *mapper =
-            naiveQuad(pipeline, {expected, expectedDepths, nearLimit}, {texels}, clip, corners, flags);
-        drawQuad(data, {surface, depths}, {texels}, clip, corners, flags);
-        c.expectEqual(surface, expected);
-        expectEqual(c, depths, expectedDepths);
-        c.expectEqual(std::int64_t{data.spanMapper != nullptr}, std::int64_t{mapper != nullptr});
-    });
-}
-
-TEST(i3D_Blt_Rect, agrees_with_a_naive_quad) {
-    quadsAgreeWithNaiveOnes<_PRIVATE_QM3D_DATA>("i3D_Blt_Rect");
-}
-
-TEST(VKD_i3D_Blt_Rect, agrees_with_a_naive_quad) {
-    quadsAgreeWithNaiveOnes<_PRIVATE_QMGL_DATA>("VKD_i3D_Blt_Rect");
-}
-
-template <class Data>
-void trianglesAgreeWithNaiveOnes(const char *name) {
-    constexpr bool pipeline = std::is_same_v<Data, _PRIVATE_QMGL_DATA>;
-    forEachCase(name, [](Case &c) {
-        test::Random &random = c.random;
-        Surface surface = Surface::random(random, 14);
-        DepthPlane depths = randomDepths(random, surface);
-        Surface texels = Surface::random(random, 16);
-        const tagRECT clip = random.rectInsideOrEmpty(surface.width(), surface.height());
-        Surface expected = surface;
-        DepthPlane expectedDepths = depths;
-        auto data = test::blockOver<Data>(depths);
-        int nearLimit = 0;
-        if constexpr (pipeline)
-            nearLimit = data.nearLimit = random.between(-60, 60);
-        const Mapper *slot = nullptr;
-        for (int i = 0; i < 3; ++i) { // a mapper left in the slot may serve the next one
-            const q_ulong flags = randomFlags(random);
-            // Where an unknown mode meets a nearest mapper, positions count texels.
-            const q_ulong unitFlags = pipeline && slot && !slot->filtered ? 0x1000 : flags;
-            const auto corners = randomCorners<3>(random, surface, texels, unitFlags);
-            naiveTriangle(pipeline, {expected, expectedDepths, nearLimit}, {texels}, clip, corners, flags, slot);
-            drawTriangle(data, {surface, depths}, {texels}, clip, corners, flags);
-        }
-        c.expectEqual(surface, expected);
-        expectEqual(c, depths, expectedDepths);
-        c.expectEqual(std::int64_t{data.spanMapper != nullptr}, std::int64_t{slot != nullptr});
-    });
-}
-
-TEST(i3D_Blt_Tri, agrees_with_a_naive_triangle) {
-    trianglesAgreeWithNaiveOnes<_PRIVATE_QM3D_DATA>("i3D_Blt_Tri");
-}
-
-TEST(VKD_i3D_Blt_Tri, agrees_with_a_naive_triangle) {
-    trianglesAgreeWithNaiveOnes<_PRIVATE_QMGL_DATA>("VKD_i3D_Blt_Tri");
-}
-
 TEST(i3D_Blt_Rect, corners_in_any_order_draw_the_same_quad) {
     test::Random random(1);
     Surface texels = Surface::randomOfSize(random, 16, 16);
@@ -218,13 +87,13 @@ TEST(i3D_Blt_Rect, corners_in_any_order_draw_the_same_quad) {
             corners[i].mul = static_cast<int>(200 + i * 20);
         }
         Screen expected;
-        drawQuad(expected.older, expected.target(), {texels}, everywhere, corners, flags);
-        EXPECT_NE(expected.surface.at(7, 8), 0x55555555u);
+        drawQuad(Module::older, expected, texels, corners, flags);
+        EXPECT_NE(expected.surface.at(7, 8), test::background);
         std::array<std::size_t, 4> order = {0, 1, 2, 3};
         do {
             Screen screen;
             const QuadCorners shuffled = {corners[order[0]], corners[order[1]], corners[order[2]], corners[order[3]]};
-            drawQuad(screen.older, screen.target(), {texels}, everywhere, shuffled, flags);
+            drawQuad(Module::older, screen, texels, shuffled, flags);
             EXPECT_EQ(screen.surface.differenceFrom(expected.surface), "");
             EXPECT_TRUE(screen.depths == expected.depths);
         } while (std::next_permutation(order.begin(), order.end()));
@@ -239,13 +108,13 @@ TEST(i3D_Blt_Tri, corners_in_any_order_draw_the_same_triangle) {
     corners[1].point = {14, 6, 9, 0};
     corners[2].point = {2, 15, 40, 0};
     Screen expected;
-    drawTriangle(expected.older, expected.target(), {texels}, everywhere, triangleOf(corners, 0, 1, 2), 0x200);
-    EXPECT_NE(expected.surface.at(7, 8), 0x55555555u);
+    drawTriangle(Module::older, expected, texels, triangleOf(corners, 0, 1, 2), 0x200);
+    EXPECT_NE(expected.surface.at(7, 8), test::background);
     std::array<std::size_t, 3> order = {0, 1, 2};
     do {
         Screen screen;
         const TriangleCorners shuffled = triangleOf(corners, order[0], order[1], order[2]);
-        drawTriangle(screen.older, screen.target(), {texels}, everywhere, shuffled, 0x200);
+        drawTriangle(Module::older, screen, texels, shuffled, 0x200);
         EXPECT_EQ(screen.surface.differenceFrom(expected.surface), "");
     } while (std::next_permutation(order.begin(), order.end()));
 }
@@ -254,7 +123,7 @@ TEST(i3D_Blt_Rect, four_corners_on_one_row_draw_nothing) {
     Surface texels(4, 4, 0x123456);
     for (const q_ulong flags : allModes) {
         Screen screen;
-        drawQuad(screen.older, screen.target(), {texels}, everywhere, cornersOf(2, 5, 9, 5), flags);
+        drawQuad(Module::older, screen, texels, cornersOf(2, 5, 9, 5), flags);
         EXPECT_TRUE(screen.untouched());
     }
 }
@@ -263,7 +132,7 @@ TEST(i3D_Blt_Rect, the_lower_row_and_the_right_column_are_not_drawn) {
     Surface texels(4, 4, 0x123456);
     for (const q_ulong flags : allModes) {
         Screen screen;
-        drawQuad(screen.older, screen.target(), {texels}, everywhere, cornersOf(2, 3, 6, 8), flags);
+        drawQuad(Module::older, screen, texels, cornersOf(2, 3, 6, 8), flags);
         for (int y = 0; y < 16; ++y)
             for (int x = 0; x < 16; ++x)
                 EXPECT_EQ(screen.surface.at(x, y) == 0x123456, x >= 2 && x < 6 && y >= 3 && y < 8);
@@ -271,33 +140,29 @@ TEST(i3D_Blt_Rect, the_lower_row_and_the_right_column_are_not_drawn) {
 }
 
 /// Draws a quad between two rows in mode 0x200 and tells whether a mapper was put into the slot.
-template <class Data>
-bool fillsSlot(float top, float bottom, tagRECT clip) {
+bool fillsSlot(Module module, float top, float bottom, const tagRECT &clip) {
     Screen screen;
-    auto data = test::blockOver<Data>(screen.depths);
     Surface texels(4, 4, 0x123456);
-    drawQuad(data, screen.target(), {texels}, clip, cornersOf(2, top, 6, bottom), 0x200);
-    return data.spanMapper != nullptr;
+    drawQuad(module, screen, texels, cornersOf(2, top, 6, bottom), 0x200, clip);
+    return screen.older.spanMapper || screen.pipeline.spanMapper;
 }
 
 TEST(i3D_Blt_Rect, a_quad_rejected_by_its_rows_leaves_the_slot_as_it_was) {
     const tagRECT clip = {0, 4, 16, 8};
-    EXPECT_FALSE(fillsSlot<_PRIVATE_QM3D_DATA>(0, 3, clip));
-    EXPECT_TRUE(fillsSlot<_PRIVATE_QM3D_DATA>(0, 4, clip));  // touching the top is no rejection
-    EXPECT_TRUE(fillsSlot<_PRIVATE_QM3D_DATA>(8, 12, clip)); // nor is touching the bottom
-    EXPECT_FALSE(fillsSlot<_PRIVATE_QM3D_DATA>(9, 12, clip));
-    EXPECT_FALSE(fillsSlot<_PRIVATE_QMGL_DATA>(0, 3, clip));
-    EXPECT_TRUE(fillsSlot<_PRIVATE_QMGL_DATA>(0, 4, clip));
-    EXPECT_TRUE(fillsSlot<_PRIVATE_QMGL_DATA>(8, 12, clip));
-    EXPECT_FALSE(fillsSlot<_PRIVATE_QMGL_DATA>(9, 12, clip));
+    for (const Module module : {Module::older, Module::pipeline}) {
+        EXPECT_FALSE(fillsSlot(module, 0, 3, clip));
+        EXPECT_TRUE(fillsSlot(module, 0, 4, clip));  // touching the top is no rejection
+        EXPECT_TRUE(fillsSlot(module, 8, 12, clip)); // nor is touching the bottom
+        EXPECT_FALSE(fillsSlot(module, 9, 12, clip));
+    }
 }
 
 TEST(i3D_Blt_Rect, a_quad_that_touches_the_clip_from_outside_draws_nothing) {
     Surface texels(4, 4, 0x123456);
     const tagRECT clip = {0, 4, 16, 8};
     Screen screen;
-    drawQuad(screen.older, screen.target(), {texels}, clip, cornersOf(2, 0, 6, 4), 0x200);
-    drawQuad(screen.older, screen.target(), {texels}, clip, cornersOf(2, 8, 6, 12), 0x200);
+    drawQuad(Module::older, screen, texels, cornersOf(2, 0, 6, 4), 0x200, clip);
+    drawQuad(Module::older, screen, texels, cornersOf(2, 8, 6, 12), 0x200, clip);
     EXPECT_TRUE(screen.untouched());
 }
 
@@ -305,8 +170,8 @@ TEST(i3D_Blt_Tri, triangles_are_not_rejected_by_their_rows) {
     Surface texels(4, 4, 0x123456);
     const TriangleCorners above = triangleOf(cornersOf(2, -9, 6, -3), 0, 1, 2);
     Screen screen;
-    drawTriangle(screen.older, screen.target(), {texels}, everywhere, above, 0x200);
-    drawTriangle(screen.pipeline, screen.target(), {texels}, everywhere, above, 0x200);
+    drawTriangle(Module::older, screen, texels, above, 0x200);
+    drawTriangle(Module::pipeline, screen, texels, above, 0x200);
     EXPECT_TRUE(screen.older.spanMapper != nullptr);
     EXPECT_TRUE(screen.pipeline.spanMapper != nullptr);
     EXPECT_TRUE(screen.untouched());
@@ -321,73 +186,29 @@ TEST(i3D_Blt_Rect, a_corner_on_the_line_from_top_to_bottom_lies_to_the_right) {
     corners[2].point = {4, 12, 0, 0};
     corners[3].point = {0, 8, 0, 0}; // left of it
     Screen screen;
-    drawQuad(screen.older, screen.target(), {texels}, everywhere, corners, 0x200);
+    drawQuad(Module::older, screen, texels, corners, 0x200);
     EXPECT_EQ(screen.surface.at(3, 2), 0x123456u);
     EXPECT_EQ(screen.surface.at(3, 8), 0x123456u);
-    EXPECT_EQ(screen.surface.at(4, 4), 0x55555555u);
+    EXPECT_EQ(screen.surface.at(4, 4), test::background);
     // Without the left corner there is nothing between the edges: both chains stand on the line.
     corners[3].point = {4, 8, 0, 0};
     Screen flat;
-    drawQuad(flat.older, flat.target(), {texels}, everywhere, corners, 0x200);
+    drawQuad(Module::older, flat, texels, corners, 0x200);
     EXPECT_TRUE(flat.untouched());
 }
 
-TEST(i3D_Blt_Rect, bands_follow_the_sides_of_the_middle_corners) {
-    // All four cases of a quad inside 16 x 16, in the corners' order from top to bottom; each must fill its outline.
-    const float shapes[4][4][2] = {
-        {{10, 0}, {4, 4}, {2, 10}, {8, 16}},  // both left
-        {{8, 0}, {2, 4}, {14, 10}, {8, 16}},  // left, right
-        {{8, 0}, {14, 4}, {2, 10}, {8, 16}},  // right, left
-        {{4, 0}, {12, 4}, {14, 10}, {6, 16}}, // both right
-    };
-    Surface texels(4, 4, 0x123456);
-    for (const auto &shape : shapes) {
-        QuadCorners corners = cornersOf(0, 0, 0, 0);
-        float least[16];
-        float most[16];
-        std::fill(std::begin(least), std::end(least), 16.0F);
-        std::fill(std::begin(most), std::end(most), -1.0F);
-        for (std::size_t i = 0; i < 4; ++i)
-            corners[i].point = {shape[i][0], shape[i][1], 0, 0};
-        for (int i = 0; i < 4; ++i) // the convex hull: all lines between corners
-            for (int j = 0; j < i; ++j)
-                for (int y = static_cast<int>(shape[j][1]); y < static_cast<int>(shape[i][1]); ++y) {
-                    const float t = (static_cast<float>(y) - shape[j][1]) / (shape[i][1] - shape[j][1]);
-                    const float x = shape[j][0] + t * (shape[i][0] - shape[j][0]);
-                    least[y] = std::min(least[y], x);
-                    most[y] = std::max(most[y], x);
-                }
-        Screen screen;
-        drawQuad(screen.older, screen.target(), {texels}, everywhere, corners, 0x200);
-        for (int y = 0; y < 16; ++y)
-            for (int x = 0; x < 16; ++x) {
-                const auto column = static_cast<float>(x);
-                if (column >= least[y] + 1 && column <= most[y] - 2) {
-                    EXPECT_EQ(screen.surface.at(x, y), 0x123456u) << x << ", " << y;
-                }
-                if (column <= least[y] - 2 || column >= most[y] + 1) {
-                    EXPECT_EQ(screen.surface.at(x, y), 0x55555555u) << x << ", " << y;
-                }
-            }
-    }
-}
-
 /// The name of the mapper in a slot, found by what is drawn with it: true for a filtered one.
-template <class Data>
-bool drawsFiltered(const QuadCorners &corners, q_ulong flags) {
+bool drawsFiltered(Module module, const QuadCorners &corners, q_ulong flags) {
     // Columns of black and white: between texels a filtered mapper finds greys, a nearest one never.
     Surface texels(70, 70, 0x000001);
     for (int y = 0; y < 70; ++y)
         for (int x = 0; x < 70; x += 2)
             texels.at(x, y) = 0xFFFFFF;
     Screen screen;
-    auto data = test::blockOver<Data>(screen.depths);
-    if constexpr (std::is_same_v<Data, _PRIVATE_QMGL_DATA>)
-        data.nearLimit = -1000;
     QuadCorners shifted = corners;
     for (PolygonCorner &corner : shifted)
         corner.tex.x += 8; // half a texel
-    drawQuad(data, screen.target(), {texels}, everywhere, shifted, flags);
+    drawQuad(module, screen, texels, shifted, flags);
     const q_ulong pixel = screen.surface.at(static_cast<int>(corners[0].point.x), static_cast<int>(corners[0].point.y));
     return pixel != 0xFFFFFF && pixel != 0x000001;
 }
@@ -396,28 +217,28 @@ TEST(i3D_Blt_Rect, more_than_a_texel_for_two_pixels_is_sampled_nearest) {
     // 16 x 8 pixels: 64 texels are the most that is filtered, that is 16384 units of texture.
     const QuadCorners just = cornersOf(0, 0, 16, 8, 128, 128);
     const QuadCorners over = cornersOf(0, 0, 16, 8, 129, 128);
-    EXPECT_TRUE(drawsFiltered<_PRIVATE_QM3D_DATA>(just, 0x200));
-    EXPECT_FALSE(drawsFiltered<_PRIVATE_QM3D_DATA>(over, 0x200));
-    EXPECT_TRUE(drawsFiltered<_PRIVATE_QM3D_DATA>(just, 0x2210));
-    EXPECT_FALSE(drawsFiltered<_PRIVATE_QM3D_DATA>(over, 0x2210));
-    EXPECT_TRUE(drawsFiltered<_PRIVATE_QMGL_DATA>(just, 0x200));
-    EXPECT_FALSE(drawsFiltered<_PRIVATE_QMGL_DATA>(over, 0x200));
+    EXPECT_TRUE(drawsFiltered(Module::older, just, 0x200));
+    EXPECT_FALSE(drawsFiltered(Module::older, over, 0x200));
+    EXPECT_TRUE(drawsFiltered(Module::older, just, 0x2210));
+    EXPECT_FALSE(drawsFiltered(Module::older, over, 0x2210));
+    EXPECT_TRUE(drawsFiltered(Module::pipeline, just, 0x200));
+    EXPECT_FALSE(drawsFiltered(Module::pipeline, over, 0x200));
     // The other modes do not look at the shrink.
-    EXPECT_TRUE(drawsFiltered<_PRIVATE_QM3D_DATA>(over, 0x10100));
-    EXPECT_TRUE(drawsFiltered<_PRIVATE_QMGL_DATA>(over, 0x10100));
+    EXPECT_TRUE(drawsFiltered(Module::older, over, 0x10100));
+    EXPECT_TRUE(drawsFiltered(Module::pipeline, over, 0x10100));
 }
 
 TEST(i3D_Blt_Rect, the_shrink_is_measured_in_whole_pixels) {
     // 8.9 rows are 8.
     const QuadCorners over = cornersOf(0, 0, 16.5F, 8.9F, 129, 128);
-    EXPECT_FALSE(drawsFiltered<_PRIVATE_QM3D_DATA>(over, 0x200));
+    EXPECT_FALSE(drawsFiltered(Module::older, over, 0x200));
 }
 
 TEST(i3D_Blt_Rect, a_polygon_without_area_goes_nearest_unless_its_texture_has_none_either) {
     const auto slotOf = [](const QuadCorners &corners) {
         Screen screen;
         Surface texels(70, 70);
-        drawQuad(screen.older, screen.target(), {texels}, everywhere, corners, 0x200);
+        drawQuad(Module::older, screen, texels, corners, 0x200);
         return screen.older.spanMapper;
     };
     const QM3DSpanMapper nearest = slotOf(cornersOf(0, 0, 4, 4, 1000, 1000));
@@ -439,9 +260,9 @@ TEST(i3D_Blt_Rect, shrunk_positions_are_rounded_down) {
     for (PolygonCorner &corner : corners)
         corner.tex.x -= 1;
     Screen screen;
-    drawQuad(screen.older, screen.target(), {texels, 2, 0}, everywhere, corners, 0x200);
+    drawQuad(Module::older, screen, texels, corners, 0x200, everywhere, {2, 0});
     EXPECT_EQ(screen.surface.at(5, 5), 2u);
-    drawQuad(screen.pipeline, screen.target(), {texels, 2, 0}, everywhere, cornersOf(8, 8, 9, 9, 16, 64), 0x200);
+    drawQuad(Module::pipeline, screen, texels, cornersOf(8, 8, 9, 9, 16, 64), 0x200, everywhere, {2, 0});
     EXPECT_EQ(screen.surface.at(8, 8), 3u);
 }
 
@@ -450,7 +271,7 @@ TEST(i3D_Blt_Rect, plain_texels_take_positions_in_whole_texels) {
     test::Random random(1);
     Surface texels = Surface::randomOfSize(random, 40, 4);
     Screen screen;
-    drawQuad(screen.older, screen.target(), {texels}, everywhere, cornersOf(0, 0, 2, 2, 32, 2), 0x1010);
+    drawQuad(Module::older, screen, texels, cornersOf(0, 0, 2, 2, 32, 2), 0x1010);
     EXPECT_EQ(screen.surface.at(1, 1), texels.at(16, 1));
 }
 
@@ -458,7 +279,7 @@ TEST(i3D_Blt_Rect, bits_outside_the_four_nibbles_are_ignored) {
     Surface texels(4, 4, 0x123456);
     for (const q_ulong flags : allModes) {
         Screen screen;
-        drawQuad(screen.older, screen.target(), {texels}, everywhere, cornersOf(2, 3, 6, 8), flags | 0xFFF0000F);
+        drawQuad(Module::older, screen, texels, cornersOf(2, 3, 6, 8), flags | 0xFFF0000F);
         EXPECT_EQ(screen.surface.at(3, 4), 0x123456u);
     }
 }
@@ -471,11 +292,11 @@ TEST(i3D_Blt_Rect, every_other_mode_draws_nothing) {
         const bool known = std::count(std::begin(allModes), std::end(allModes), mode) != 0;
         const bool knownToPipeline = mode == 0x200 || mode == 0x10100;
         if (!known) {
-            drawQuad(screen.older, screen.target(), {texels}, everywhere, corners, mode);
-            drawTriangle(screen.older, screen.target(), {texels}, everywhere, triangleOf(corners, 0, 1, 2), mode);
+            drawQuad(Module::older, screen, texels, corners, mode);
+            drawTriangle(Module::older, screen, texels, triangleOf(corners, 0, 1, 2), mode);
         }
         if (!knownToPipeline)
-            drawQuad(screen.pipeline, screen.target(), {texels}, everywhere, corners, mode);
+            drawQuad(Module::pipeline, screen, texels, corners, mode);
     }
     EXPECT_TRUE(screen.untouched());
     EXPECT_TRUE(screen.older.spanMapper == nullptr);
@@ -485,11 +306,11 @@ TEST(i3D_Blt_Rect, every_other_mode_draws_nothing) {
 TEST(i3D_Blt_Rect, an_unknown_mode_leaves_the_slot_as_it_was) {
     Surface texels(4, 4, 0x123456);
     Screen screen;
-    drawQuad(screen.older, screen.target(), {texels}, everywhere, cornersOf(2, 3, 6, 8), 0x1010);
+    drawQuad(Module::older, screen, texels, cornersOf(2, 3, 6, 8), 0x1010);
     const QM3DSpanMapper before = screen.older.spanMapper;
-    drawQuad(screen.older, screen.target(), {texels}, everywhere, cornersOf(8, 8, 12, 12), 0);
+    drawQuad(Module::older, screen, texels, cornersOf(8, 8, 12, 12), 0);
     EXPECT_TRUE(before != nullptr && screen.older.spanMapper == before);
-    EXPECT_EQ(screen.surface.at(9, 9), 0x55555555u);
+    EXPECT_EQ(screen.surface.at(9, 9), test::background);
 }
 
 /// Counts its calls instead of drawing, and keeps the first position it was handed.
@@ -512,7 +333,7 @@ TEST(VKD_i3D_Blt_Tri, any_mode_but_one_calls_what_is_in_the_slot) {
         Screen screen;
         screen.pipeline.spanMapper = countingMapper;
         callsOfSlot = 0;
-        drawTriangle(screen.pipeline, screen.target(), {texels}, everywhere, triangleOf(corners, 0, 1, 2), mode);
+        drawTriangle(Module::pipeline, screen, texels, triangleOf(corners, 0, 1, 2), mode);
         EXPECT_EQ(callsOfSlot, 2);
         EXPECT_EQ(firstPosition, 160); // not shifted, however small the triangle
         EXPECT_TRUE(screen.pipeline.spanMapper == &countingMapper);
@@ -522,7 +343,7 @@ TEST(VKD_i3D_Blt_Tri, any_mode_but_one_calls_what_is_in_the_slot) {
     screen.pipeline.spanMapper = countingMapper;
     callsOfSlot = 0;
     corners = cornersOf(2, 3, 6, 8);
-    drawTriangle(screen.pipeline, screen.target(), {texels}, everywhere, triangleOf(corners, 0, 1, 2), 0x200);
+    drawTriangle(Module::pipeline, screen, texels, triangleOf(corners, 0, 1, 2), 0x200);
     EXPECT_EQ(callsOfSlot, 0);
     EXPECT_TRUE(screen.pipeline.spanMapper == &VKD_i3D_Mapping_Linear_HPE);
 }
@@ -530,24 +351,30 @@ TEST(VKD_i3D_Blt_Tri, any_mode_but_one_calls_what_is_in_the_slot) {
 TEST(VKD_i3D_Blt_Tri, an_empty_slot_draws_nothing) {
     Surface texels(4, 4, 0x123456);
     Screen screen;
-    drawTriangle(screen.pipeline, screen.target(), {texels}, everywhere, triangleOf(cornersOf(2, 3, 6, 8), 0, 1, 2),
-                 0x10100);
+    drawTriangle(Module::pipeline, screen, texels, triangleOf(cornersOf(2, 3, 6, 8), 0, 1, 2), 0x10100);
     EXPECT_TRUE(screen.untouched());
 }
 
 TEST(VKD_i3D_Blt_Rect, the_slot_holds_the_mapper_that_drew) {
     Surface texels(70, 70, 0x123456);
     Screen screen;
-    drawQuad(screen.pipeline, screen.target(), {texels}, everywhere, cornersOf(2, 3, 6, 8), 0x200);
+    drawQuad(Module::pipeline, screen, texels, cornersOf(2, 3, 6, 8), 0x200);
     EXPECT_TRUE(screen.pipeline.spanMapper == &VKD_i3D_Mapping_Linear_HPE);
-    drawQuad(screen.pipeline, screen.target(), {texels}, everywhere, cornersOf(2, 3, 6, 8, 1000, 1000), 0x200);
+    drawQuad(Module::pipeline, screen, texels, cornersOf(2, 3, 6, 8, 1000, 1000), 0x200);
     EXPECT_TRUE(screen.pipeline.spanMapper == &VKD_i3D_Mapping_Near_HPE);
-    drawQuad(screen.pipeline, screen.target(), {texels}, everywhere, cornersOf(2, 3, 6, 8, 1000, 1000), 0x10100);
+    drawQuad(Module::pipeline, screen, texels, cornersOf(2, 3, 6, 8, 1000, 1000), 0x10100);
     EXPECT_TRUE(screen.pipeline.spanMapper == &VKD_i3D_Mapping_Linear_HPE_KeySrc);
 }
 
+struct EdgeColumns {
+    int left0;
+    int left1;
+    int right0;
+    int right1;
+};
+
 /// The columns of the edges that a mapper was handed, call by call.
-std::vector<test::Ends> recordedColumns;
+std::vector<EdgeColumns> recordedColumns;
 
 void recordingMapper(_PRIVATE_QMGL_DATA *, q_ulong *, q_ulong *, tagRECT *, q_ulong, q_ulong, int, int, int, int, int,
                      int, int, int, int xL0, int xL1, int xR0, int xR1, int, int, int, int, int, int, int, int, int,
@@ -565,8 +392,8 @@ std::vector<int> sortedColumns(float y0, float y1, float y2) {
     Screen screen;
     screen.pipeline.spanMapper = recordingMapper;
     recordedColumns.clear();
-    drawTriangle(screen.pipeline, screen.target(), {texels}, everywhere, corners, 0);
-    const test::Ends upperBand = recordedColumns.at(0);
+    drawTriangle(Module::pipeline, screen, texels, corners, 0);
+    const EdgeColumns upperBand = recordedColumns.at(0);
     const int bottom = recordedColumns.at(1).left1;
     const int middle = upperBand.left1 == bottom ? upperBand.right1 : upperBand.left1;
     return {upperBand.left0, middle, bottom};
@@ -607,7 +434,7 @@ template <class ForEachPolygon>
 void expectEachPixelDrawnOnce(int size, ForEachPolygon forEachPolygon) {
     std::vector<int> counts(static_cast<std::size_t>(size * size));
     forEachPolygon([&](auto draw) {
-        Screen screen(0, size, size);
+        Screen screen(size, size, 0);
         draw(screen);
         for (int y = 0; y < size; ++y)
             for (int x = 0; x < size; ++x)
@@ -639,7 +466,7 @@ TEST(i3D_Blt_Tri, triangles_that_share_edges_leave_no_gap_and_do_not_overlap) {
                                 TriangleCorners corners;
                                 for (std::size_t c = 0; c < 3; ++c)
                                     corners[c] = {points[index[c]], {0, 0}, 0, 256};
-                                drawTriangle(screen.older, screen.target(), {texels}, clip, corners, flags);
+                                drawTriangle(Module::older, screen, texels, corners, flags, clip);
                             });
                     }
             });
@@ -663,7 +490,7 @@ TEST(VKD_i3D_Blt_Rect, quads_that_share_edges_leave_no_gap_and_do_not_overlap) {
                         QuadCorners corners;
                         for (std::size_t c = 0; c < 4; ++c)
                             corners[c] = {points[index[c]], {0, 0}, 0, 256};
-                        drawQuad(screen.pipeline, screen.target(), {texels}, clip, corners, 0x200);
+                        drawQuad(Module::pipeline, screen, texels, corners, 0x200, clip);
                     });
                 }
         });
@@ -688,10 +515,11 @@ TEST(i3D_Blt_Rect, a_turning_cube_never_shows_a_hole) {
         };
         constexpr int faces[6][4] = {{0, 1, 3, 2}, {4, 5, 7, 6}, {0, 1, 5, 4},
                                      {2, 3, 7, 6}, {0, 2, 6, 4}, {1, 3, 7, 5}};
-        Screen screen(0, 80, 80);
+        Screen screen(80, 80, 0);
         for (const auto &face : faces)
-            drawQuad(screen.older, screen.target(), {texels}, screen.surface.rect(),
-                     {corner(face[0]), corner(face[1]), corner(face[2]), corner(face[3])}, 0x200);
+            drawQuad(Module::older, screen, texels,
+                     {corner(face[0]), corner(face[1]), corner(face[2]), corner(face[3])}, 0x200,
+                     screen.surface.rect());
         int drawnRows = 0;
         for (int y = 0; y < 80; ++y) {
             int changes = 0;
@@ -724,11 +552,11 @@ TEST(i3D_Blt_Rect, what_lies_nearer_stays_whatever_the_order_of_drawing) {
         std::array<std::size_t, 3> order = {0, 1, 2};
         Screen expected;
         for (const std::size_t q : order)
-            drawQuad(expected.older, expected.target(), {texels}, everywhere, quads[q], 0x200);
+            drawQuad(Module::older, expected, texels, quads[q], 0x200);
         while (std::next_permutation(order.begin(), order.end())) {
             Screen screen;
             for (const std::size_t q : order)
-                drawQuad(screen.older, screen.target(), {texels}, everywhere, quads[q], 0x200);
+                drawQuad(Module::older, screen, texels, quads[q], 0x200);
             EXPECT_EQ(screen.surface.differenceFrom(expected.surface), "");
             EXPECT_TRUE(screen.depths == expected.depths);
         }

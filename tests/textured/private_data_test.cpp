@@ -1,4 +1,4 @@
-#include "naive.h"
+#include "screen.h"
 
 #include <gtest/gtest.h>
 
@@ -6,9 +6,7 @@
 
 namespace {
 
-using test::Case;
 using test::DepthPlane;
-using test::forEachCase;
 using test::Surface;
 
 /// A host's record with frame and limits of its own.
@@ -135,32 +133,6 @@ TEST(ResetZBuffer, empty_rectangles_reset_nothing_and_give_1) {
     rect = {0, 2, 8, 2};
     EXPECT_EQ(ResetZBuffer(&data, &rect, shape.pitch()), 1);
     EXPECT_TRUE(plane == DepthPlane(shape, 0));
-}
-
-TEST(ResetZBuffer, agrees_with_a_naive_reset) {
-    forEachCase("ResetZBuffer", [](Case &c) {
-        const Surface shape = Surface::random(c.random, 12);
-        DepthPlane plane(shape);
-        for (short &entry : plane.all())
-            entry = static_cast<short>(c.random.word());
-        tagRECT rect = c.random.rectInside(shape.width(), shape.height());
-        if (c.random.oneIn(10))
-            rect.bottom = rect.top;
-        else if (c.random.oneIn(10))
-            rect.right = rect.left;
-        DepthPlane expected = plane;
-        // Pairs are counted from the entry of pixel (0, 0) on.
-        short *const origin = expected.entries();
-        for (int y = 0; y < rect.bottom - rect.top; ++y)
-            for (int pair = 0; pair < (rect.right - rect.left) >> 1; ++pair) {
-                const int first = static_cast<int>(rect.top) * shape.pitch() + static_cast<int>(rect.left);
-                const int word = (first >> 1) + y * (shape.pitch() >> 1) + pair;
-                origin[2 * word] = origin[2 * word + 1] = 0x7FFF;
-            }
-        auto data = test::blockOver<_PRIVATE_QM3D_DATA>(plane);
-        c.expectEqual(std::int64_t{ResetZBuffer(&data, &rect, shape.pitch())}, std::int64_t{1});
-        expectEqual(c, plane, expected);
-    });
 }
 
 } // namespace

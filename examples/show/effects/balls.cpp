@@ -6,6 +6,7 @@
 
 #include "../disc.h"
 #include "../effect.h"
+#include "../painting.h"
 #include "../random.h"
 
 #include <algorithm>
@@ -206,10 +207,10 @@ class Balls : public Effect {
         const Surface surface = canvas.surface();
         DrawReal3DBall(surface.pixels, surface.pitch, middle, middle, 2 * RoundSprite::largest, resource.data(),
                        resourceSize, scaled(colour, 160), surface.width, surface.height);
-        light(surface, 110, 160, colour, 13);
-        light(surface, 120, 205, colour, 13);
-        light(surface, 120, 250, colour, 13);
-        light(surface, -104, 84, 0xFFFFFF, 70);
+        shine(surface, 110, 160, colour, 13);
+        shine(surface, 120, 205, colour, 13);
+        shine(surface, 120, 250, colour, 13);
+        shine(surface, -104, 84, 0xFFFFFF, 70);
         return RoundSprite(std::move(canvas));
     }
 
@@ -217,19 +218,15 @@ class Balls : public Effect {
         Canvas canvas(RoundSprite::side, RoundSprite::side);
         const Surface surface = canvas.surface();
         Draw_3DBall(surface.pixels, surface.pitch, middle, middle, RoundSprite::largest, scaled(colour, 116), 0);
-        light(surface, 60, 256, colour, 30);
-        light(surface, 150, 180, colour, 24);
-        light(surface, -110, 150, 0xFFFFFF, 26);
+        shine(surface, 60, 256, colour, 30);
+        shine(surface, 150, 180, colour, 24);
+        shine(surface, -110, 150, 0xFFFFFF, 26);
+        shine(surface, -108, 76, 0xFFFFFF, 46);
         return RoundSprite(std::move(canvas));
     }
 
-    static void light(const Surface &surface, int away, int radius, q_ulong colour, q_ulong intensity) {
-        tagRECT clip = surface.rect();
-        Draw_Light_Safe(surface.pixels, surface.pitch, &clip, middle + away, middle + away, radius, colour, intensity);
-    }
-
-    static q_ulong scaled(q_ulong colour, q_ulong share) {
-        return ((colour & 0xFF00FF) * share >> 8 & 0xFF00FF) | ((colour & 0xFF00) * share >> 8 & 0xFF00);
+    static void shine(const Surface &surface, int away, int radius, q_ulong colour, double intensity) {
+        light(surface, middle + away, middle + away, radius, colour, intensity);
     }
 
     /// A disc that goes from white in the middle to black at the rim, with the square of the distance.
@@ -313,10 +310,9 @@ class Balls : public Effect {
     RoundSprite shadow;
 };
 
-} // namespace
+const Registered<Balls> registered("balls", Effect::Kind::scene, Use::inTurn,
+                                   "balls bounce on the photograph, which lies on a table");
 
-EffectInfo balls() {
-    return {"balls", Effect::Kind::scene, "balls bounce on the photograph, which lies on a table", makeEffect<Balls>};
-}
+} // namespace
 
 } // namespace show

@@ -6,6 +6,8 @@
 
 #include "../angle.h"
 #include "../effect.h"
+#include "../painting.h"
+#include "../point.h"
 #include "../random.h"
 
 #include <algorithm>
@@ -19,7 +21,7 @@ constexpr int sections = 60;            // straight pieces of a stroke
 constexpr double paintingTime = 0.77;   // of the transition; then the last paint flows together
 constexpr double flowingTime = 0.2;     // from the end of a stroke on
 constexpr double dryingTime = 0.22;     // until the grain is gone
-constexpr q_ulong covering = 132;       // a thickness of paint through which nothing shows
+constexpr double covering = 132;        // a thickness of paint through which nothing shows
 constexpr double strokeOverlap = 1.4;   // thickness of a stroke in distances between strokes
 constexpr double strokeDuration = 1.45; // in the time from one stroke to the next
 
@@ -76,17 +78,13 @@ class Brush : public Effect {
         drawShot(stage, out, moment.a);
         drawShot(stage, after, moment.b);
         layPaint(stage, paint, moment);
-        light(after, paint);
-        tagRECT frame = out.rect();
-        iBltFast32AlphaChannelSafe(out.pixels, after->pixels, 0, 0, &frame, &frame, out.pitch, after->pitch);
-        for (int y = 0; y < out.height; ++y)
-            for (int x = 0; x < out.width; ++x)
-                *out.at(x, y) &= 0xFFFFFF;
+        shade(after, paint);
+        lay(out, after, 0, 0);
+        clearOpacity(out);
     }
 
     /// Paint as thick as the blue channel says, and as wet as the green one.
     static void layPaint(Stage &stage, const Surface &paint, const Moment &moment) {
-        tagRECT frame = paint.rect();
         const double unit = paint.height / 720.0;
         Random random(moment.b.seed);
         const Strokes strokes(paint.width, paint.height, random);
@@ -94,12 +92,12 @@ class Brush : public Effect {
 
         const double step = paintingTime / (strokes.count - 1 + strokeDuration);
         const auto endOf = [&](int stroke) { return step * (stroke + strokeDuration); };
-        iFillRect(paint.pixels, &frame, paint.pitch, 0);
+        fill(paint, 0);
         // The older, the more it has flowed together: so the older ones last.
         for (int stroke = strokes.count; stroke-- > 0;) {
             const double flowed = easeInOut(stretch(moment.t, endOf(stroke), endOf(stroke) + flowingTime));
             if (flowed > 0)
-                layFlowed(paint, strokes, stroke, static_cast<q_ulong>(covering * flowed));
+                layFlowed(paint, strokes, stroke, covering * flowed);
         }
         for (int stroke = 0; stroke < strokes.count; ++stroke) {
             const double way = stretch(moment.t, step * stroke, endOf(stroke));
@@ -108,7 +106,7 @@ class Brush : public Effect {
             const auto count = static_cast<int>(strokeOverlap * strokes.distance / (2.2 * unit)) + 2;
             for (int i = 0; i < count && way > 0; ++i) {
                 const Bristle bristle(chance, 2.0 * i / (count - 1) - 1, unit);
-                drag(paint, strokes, stroke, bristle, mix(way, easeInOut(way), 0.7), static_cast<q_ulong>(255 * wet));
+                drag(paint, strokes, stroke, bristle, mix(way, easeInOut(way), 0.7), 255 * wet);
             }
         }
 
@@ -121,7 +119,7 @@ class Brush : public Effect {
     }
 
     static void drag(const Surface &paint, const Strokes &strokes, int stroke, const Bristle &bristle, double way,
-                     q_ulong wet) {
+                     double wet) {
         // Lines stay away from the end of their clip, which is why it reaches into the margin.
         constexpr int margin = PlaneLayout::margin;
         tagRECT clip = {-margin, -margin, paint.width + margin, paint.height + margin};
@@ -129,8 +127,7 @@ class Brush : public Effect {
         const double offset = bristle.offset * strokeOverlap * strokes.distance / 2;
         const auto pointAt = [&](double along) {
             const double fromLeft = stroke % 2 == 0 ? along : 1 - along;
-            return tagPOINT{static_cast<q_long>(std::floor(strokes.column(fromLeft))),
-                            static_cast<q_long>(std::floor(strokes.row(stroke, fromLeft) + offset))};
+            return pixelUnder({strokes.column(fromLeft), strokes.row(stroke, fromLeft) + offset});
         };
         // How well the bristle touches the canvas changes along its way.
         constexpr int sectionsToAChange = 5;
@@ -151,12 +148,13 @@ class Brush : public Effect {
             if (given > 0.1)
                 iLine_AntiAliasing_Max(paint.pixels, &clip, paint.pitch, static_cast<int>(from.x),
                                        static_cast<int>(from.y), static_cast<int>(to.x), static_cast<int>(to.y),
-                                       wet << 8 | static_cast<q_ulong>(bristle.paint * given), bristle.thickness);
+                                       colourOf(0, wet, bristle.paint * given), bristle.thickness);
             from = to;
         }
     }
 
-    static void layFlowed(const Surface &paint, const Strokes &strokes, int stroke, q_ulong thickness) {
+    static void layFlowed(const Surface &paint, const Strokes &strokes, int stroke, double thickness) {
+        auto colour = static_cast<q_ulong>(thickness);
         tagRECT clip = paint.rect();
         // Neighbours may bend away from each other.
         const double half = strokes.distance / 2 + strokes.swing + 1;
@@ -166,40 +164,33 @@ class Brush : public Effect {
             for (int corner = 0; corner < 4; ++corner) {
                 const double along = ends[corner == 1 || corner == 2];
                 const double row = strokes.row(stroke, along) + (corner < 2 ? -half : half);
-                points[corner] = {static_cast<q_long>(std::floor(strokes.column(along))),
-                                  static_cast<q_long>(std::floor(row))};
+                points[corner] = pixelUnder({strokes.column(along), row});
             }
-            Rect_Safe(paint.pixels, &clip, paint.pitch, &points[0], &points[1], &points[2], &points[3], &thickness);
+            Rect_Safe(paint.pixels, &clip, paint.pitch, &points[0], &points[1], &points[2], &points[3], &colour);
         }
     }
 
     /// Gives the picture the paint's opacity, and the light, from the upper left, on the grain of what is wet.
-    static void light(const Surface &picture, const Surface &paint) {
+    static void shade(const Surface &picture, const Surface &paint) {
         for (int y = 0; y < picture.height; ++y) {
             const q_ulong *const row = paint.at(0, y);
             q_ulong *const pixels = picture.at(0, y);
             for (int x = 0; x < picture.width; ++x) {
-                const auto thickness = static_cast<int>(row[x] & 0xFF);
-                const int opacity = std::min(2 * thickness, 255);
-                const auto wet = static_cast<int>(row[x] >> 8 & 0xFF);
+                const int opacity = std::min(2 * channelOf(row[x], 0), 255);
+                const int wet = channelOf(row[x], 8);
                 const q_ulong *const around = row + x;
-                const int slope = static_cast<int>(around[paint.pitch + 1] & 0xFF) -
-                                  static_cast<int>(around[-paint.pitch - 1] & 0xFF);
+                const int slope = channelOf(around[paint.pitch + 1], 0) - channelOf(around[-paint.pitch - 1], 0);
                 const int gain = slope * wet / 512;
-                const auto lit = [&](int shift) {
-                    const int level = static_cast<int>(pixels[x] >> shift & 0xFF) + gain;
-                    return static_cast<q_ulong>(std::clamp(level, 0, 255)) << shift;
-                };
-                pixels[x] = opacity == 0 ? 0 : static_cast<q_ulong>(opacity) << 24 | lit(16) | lit(8) | lit(0);
+                const q_ulong lit = eachChannel([&](int shift) { return channelOf(pixels[x], shift) + gain; });
+                pixels[x] = opacity == 0 ? 0 : opacityOf(opacity) | lit;
             }
         }
     }
 };
 
-} // namespace
+const Registered<Brush> registered("brush", Effect::Kind::transition, Use::inTurn,
+                                   "strokes of a brush paint the next photograph");
 
-EffectInfo brush() {
-    return {"brush", Effect::Kind::transition, "strokes of a brush paint the next photograph", makeEffect<Brush>};
-}
+} // namespace
 
 } // namespace show

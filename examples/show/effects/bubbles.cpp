@@ -8,6 +8,7 @@
 #include "../angle.h"
 #include "../disc.h"
 #include "../effect.h"
+#include "../painting.h"
 #include "../random.h"
 
 #include <algorithm>
@@ -89,9 +90,8 @@ class Bubbles : public Effect {
     void render(Stage &, const Surface &out, const Moment &moment) const override {
         const Shot &shot = moment.a;
         const double seconds = shot.progress * shot.seconds;
-        tagRECT frame = out.rect();
         drawView(out, shot.photo, shot.camera.at(shot.progress));
-        iFadeOut32(out.pixels, &frame, out.pitch, 0.9F);
+        dim(out, 0.9);
         // What lenses at the frame's edge are filled with reads a pixel beyond it.
         extendEdges(out);
 
@@ -117,7 +117,7 @@ class Bubbles : public Effect {
         const Canvas lens(glassLayout(size).width, glassLayout(size).height);
         const Surface glass = lens.surface();
         const Disc part = {middle * 1.0, middle * 1.0, radius - 1.0};
-        fill(glass, part, out, place);
+        look(glass, part, out, place);
 
         std::vector<q_ulong> scratch(static_cast<std::size_t>(size * size));
         tagRECT clip = glass.rect();
@@ -130,12 +130,12 @@ class Bubbles : public Effect {
         const int ring = std::min(radius - thickness, 127 - 2 * thickness);
         Draw_Ring_Safe(glass.pixels, glass.pitch, &clip, middle, middle, ring, thickness, 0x38424A);
         const int gleam = middle - radius * 21 / 50;
-        Draw_Star_Type1_Safe(glass.pixels, glass.pitch, &clip, gleam, gleam, radius * 2 / 5, 0xFFFFFF, 40);
+        star(glass, gleam, gleam, radius * 2 / 5, 0xFFFFFF, 40);
         layDisc(out, place, glass, part);
     }
 
     /// Fills the glass with what lies behind the bubble. Beyond the frame its edges go on.
-    static void fill(const Surface &glass, const Disc &part, const Surface &out, const Disc &place) {
+    static void look(const Surface &glass, const Disc &part, const Surface &out, const Disc &place) {
         const double scale = place.radius / part.radius;
         const auto first = [&](double middle, double centre) {
             return std::clamp(static_cast<int>(std::ceil(middle - centre / scale)), 0, glass.width - 1);
@@ -155,9 +155,7 @@ class Bubbles : public Effect {
                   within(place.y + (top - part.y) * scale, out.height), (right - left) * scale,
                   (bottom - top) * scale});
 
-        const auto repeat = [&](int x, int y, tagRECT from) {
-            iBltFast32(glass.at(x, y), glass.pixels, 0, 0, &from, glass.pitch, glass.pitch);
-        };
+        const auto repeat = [&](int x, int y, tagRECT from) { copy(glass, x, y, glass, from); };
         for (int x = 0; x < left; ++x)
             repeat(x, top, {left, top, left + 1, bottom});
         for (int x = right; x < glass.width; ++x)
@@ -170,12 +168,10 @@ class Bubbles : public Effect {
 
     /// The light comes from the upper left; the bubble throws it together on the other side.
     static void gatherLight(const Surface &out, const Disc &place) {
-        // The first column and row of the clip stay dark: they lie in the margin.
-        tagRECT clip = {-1, -1, out.width, out.height};
         const int x = static_cast<int>(std::floor(place.x + 0.78 * place.radius));
         const int y = static_cast<int>(std::floor(place.y + 0.84 * place.radius));
         for (const double share : {0.85, 0.5})
-            Draw_Light_Safe(out.pixels, out.pitch, &clip, x, y, static_cast<int>(share * place.radius), 0xFFF0D8, 16);
+            light(out, x, y, static_cast<int>(share * place.radius), 0xFFF0D8, 16);
     }
 
     double unit = 1;
@@ -183,10 +179,9 @@ class Bubbles : public Effect {
     std::unique_ptr<q_ulong[]> wideResource; // as long as those of the largest glass
 };
 
-} // namespace
+const Registered<Bubbles> registered("bubbles", Effect::Kind::scene, Use::inTurn,
+                                     "bubbles of glass rise before the photograph");
 
-EffectInfo bubbles() {
-    return {"bubbles", Effect::Kind::scene, "bubbles of glass rise before the photograph", makeEffect<Bubbles>};
-}
+} // namespace
 
 } // namespace show

@@ -3,6 +3,7 @@
 // Uses iBltFast32Alpha.
 
 #include "../effect.h"
+#include "../painting.h"
 
 namespace show {
 
@@ -13,16 +14,13 @@ class CrossFade : public Effect {
         const Stage::Plane next = stage.plane();
         drawShot(stage, out, moment.a);
         drawShot(stage, next, moment.b);
-        tagRECT frame = out.rect();
-        iBltFast32Alpha(out.pixels, next->pixels, 0, 0, &frame, out.pitch, next->pitch,
-                        static_cast<float>(easeInOut(moment.t)));
+        blend(out, next, easeInOut(moment.t));
     }
 };
 
-} // namespace
+const Registered<CrossFade> registered("cross-fade", Effect::Kind::transition, Use::inTurn,
+                                       "one photograph melts into the next");
 
-EffectInfo crossFade() {
-    return {"cross-fade", Effect::Kind::transition, "one photograph melts into the next", makeEffect<CrossFade>};
-}
+} // namespace
 
 } // namespace show

@@ -4,8 +4,10 @@
 // Uses the matrix stacks, the camera and VKD_Mapping3Dto2D of the pipeline (by Space), VKD_i3D_Blt_Rect, IsFront,
 // Edge_Transparency, Blur_Rect, iFadeOut32, iBltFast32, iBltFast32Alpha, iBltPerfect32 (by drawBackdrop and Space).
 
+#include "../angle.h"
 #include "../backdrop.h"
 #include "../effect.h"
+#include "../painting.h"
 #include "../space.h"
 
 #include <algorithm>
@@ -23,11 +25,6 @@ double sine(double degrees) {
 
 double cosine(double degrees) {
     return sineOf(degrees / 360 + 0.25);
-}
-
-/// More gently than easeInOut(), at either end.
-double setOffGently(double t) {
-    return t * t * t * (10 - t * (15 - 6 * t));
 }
 
 /// A side of the block: where it is, and what it shows.
@@ -57,8 +54,7 @@ class Cube : public Effect {
         extendEdges(after);
         {
             const Stage::Plane both = stage.plane();
-            tagRECT frame = out.rect();
-            iBltFast32(both->pixels, before->pixels, 0, 0, &frame, both->pitch, before->pitch);
+            copy(both, before);
             blend(both, after, easeInOut(moment.t));
             drawBackdrop(stage, ground, both, 0.5);
         }
@@ -76,21 +72,13 @@ class Cube : public Effect {
         blend(out, after, stretch(moment.t, 0.96, 1));
     }
 
-    static void blend(const Surface &out, const Surface &photo, double share) {
-        tagRECT frame = out.rect();
-        if (share > 0)
-            iBltFast32Alpha(out.pixels, photo.pixels, 0, 0, &frame, out.pitch, photo.pitch, static_cast<float>(share));
-    }
-
     /// The block upside down beneath the floor, out of focus, and fading into the ground.
     static void drawReflection(Stage &stage, Space &space, const Surface &ground, const Surface &before,
                                const Surface &after, double t) {
         const Stage::Plane mirrored = stage.plane();
-        tagRECT frame = ground.rect();
-        iBltFast32(mirrored->pixels, ground.pixels, 0, 0, &frame, mirrored->pitch, ground.pitch);
+        copy(mirrored, ground);
         drawBlock(space, mirrored, 1.0 / space.scale(), before, after, t, true);
-        const int radius = std::min(std::min(ground.width, ground.height) / 2, std::max(1, ground.height / 240));
-        Blur_Rect(mirrored->pixels, &frame, mirrored->pitch, radius);
+        blur(mirrored, std::max(1, ground.height / 240));
         const auto middle = static_cast<q_long>(0.82 * ground.height);
         tagPOINT left = {-1, middle};
         tagPOINT right = {ground.width, middle};
@@ -108,7 +96,7 @@ class Cube : public Effect {
         const double focal = space.focalLength();
         const double longer = std::max(width, height);
 
-        const double drawnBack = setOffGently(stretch(t, 0, 0.5)) * (1 - setOffGently(stretch(t, 0.5, 1)));
+        const double drawnBack = easeGently(stretch(t, 0, 0.5)) * (1 - easeGently(stretch(t, 0.5, 1)));
         const double distance = focal + width / 2 + drawnBack * longer * 1.5;
         const double rise = 24 * drawnBack;
         const double sideways = 14 * drawnBack * (1 - 2 * t);
@@ -121,8 +109,8 @@ class Cube : public Effect {
             VKD_glLoadIdentity(data);
             VKD_glTranslatef(data, 0, 0, static_cast<float>(-(side.tip == 0 ? width : height) / 2));
             VKD_glRotatef(data, static_cast<float>(side.tip), 1, 0, 0);
-            VKD_glRotatef(data, static_cast<float>(side.turn - wayAround * mix(easeInOut(t), setOffGently(t), 0.5)), 0,
-                          1, 0);
+            VKD_glRotatef(data, static_cast<float>(side.turn - wayAround * mix(easeInOut(t), easeGently(t), 0.5)), 0, 1,
+                          0);
             if (isMirrored) {
                 VKD_glScalef(data, 1, -1, 1);
                 VKD_glTranslatef(data, 0, static_cast<float>(height * 1.06), 0);
@@ -189,9 +177,9 @@ class Cube : public Effect {
                                                {u(column + 1), v(row + 1)},
                                                {u(column), v(row + 1)}}};
                 VKD_i3D_Blt_Rect(data, to.pixels, &points[at[0]], &points[at[1]], &points[at[2]], &points[at[3]],
-                                 photo.pixels, &t[0], &t[1], &t[2], &t[3], &clip, static_cast<q_ulong>(to.pitch),
-                                 static_cast<q_ulong>(photo.pitch), shine[at[0]], shine[at[1]], shine[at[2]],
-                                 shine[at[3]], shade[at[0]], shade[at[1]], shade[at[2]], shade[at[3]], 0x200);
+                                 photo.pixels, &t[0], &t[1], &t[2], &t[3], &clip, to.unsignedPitch(),
+                                 photo.unsignedPitch(), shine[at[0]], shine[at[1]], shine[at[2]], shine[at[3]],
+                                 shade[at[0]], shade[at[1]], shade[at[2]], shade[at[3]], 0x200);
             }
     }
 
@@ -209,11 +197,9 @@ class Cube : public Effect {
     static int sixteenths(double place) { return static_cast<int>(std::floor(place * 16)) - 4; }
 };
 
-} // namespace
+const Registered<Cube> registered("cube", Effect::Kind::transition, Use::inTurn,
+                                  "a block turns before the camera, a photograph on each side");
 
-EffectInfo cube() {
-    return {"cube", Effect::Kind::transition, "a block turns before the camera, a photograph on each side",
-            makeEffect<Cube>};
-}
+} // namespace
 
 } // namespace show

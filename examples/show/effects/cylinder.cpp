@@ -5,6 +5,7 @@
 // VKD_Mapping3Dto2D (its place in space), VKD_Render_Texture_3D with two textures, VKD_3D_Line (its rim); Blur_Rect,
 // iFadeOut32, Rect_Safe, Hor_Blur32, Ver_Blur32 and iBltFast32AlphaChannelSafe (the ground and the shadow on it).
 
+#include "../angle.h"
 #include "../effect.h"
 #include "../mesh.h"
 
@@ -12,7 +13,7 @@ namespace show {
 
 namespace {
 
-constexpr double circle = 6.283185307179586;
+constexpr double circle = radiansIn(1);
 
 class Cylinder : public Effect {
     static constexpr double cellSize = 14;
@@ -96,11 +97,9 @@ class Cylinder : public Effect {
     }
 };
 
-} // namespace
+const Registered<Cylinder> registered("cylinder", Effect::Kind::transition, Use::inTurn,
+                                      "the photograph winds into a turning cylinder; inside is the next");
 
-EffectInfo cylinder() {
-    return {"cylinder", Effect::Kind::transition, "the photograph winds into a turning cylinder; inside is the next",
-            makeEffect<Cylinder>};
-}
+} // namespace
 
 } // namespace show

@@ -4,8 +4,10 @@
 // Uses Hor_GaussBlur, Ver_GaussBlur, iBltFast32Alpha, iBltBilinear32_Add with brightness.
 
 #include "../effect.h"
+#include "../painting.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace show {
 
@@ -18,20 +20,17 @@ class Dissolve : public Effect {
         const double unfocused = easeInOut(clampUnit(std::min(moment.t, 1 - moment.t) * 2));
         const Stage::Plane next = stage.plane();
         drawShot(stage, out, mixture < 1 ? moment.a : moment.b);
-        tagRECT frame = out.rect();
         if (mixture > 0 && mixture < 1) {
             drawShot(stage, next, moment.b);
-            iBltFast32Alpha(out.pixels, next->pixels, 0, 0, &frame, out.pitch, next->pitch,
-                            static_cast<float>(mixture));
+            blend(out, next, mixture);
         }
 
         blur(stage, out, unfocused * std::min(out.width, out.height) / 22.0);
 
         // Light swells where it is bright: the unfocused picture once more over itself.
-        const auto light = static_cast<unsigned char>(70 * unfocused);
-        iBltFast32(next->pixels, out.pixels, 0, 0, &frame, next->pitch, out.pitch);
-        iBltBilinear32_Add(out.pixels, next->pixels, &frame, &frame, static_cast<q_ulong>(out.pitch),
-                           static_cast<q_ulong>(next->pitch), light, light, light);
+        const double swelling = 0.27 * unfocused;
+        copy(next, out);
+        addStretched(out, out.rect(), next, out.rect(), swelling, swelling, swelling);
     }
 
     static void blur(Stage &stage, const Surface &picture, double sigma) {
@@ -55,18 +54,20 @@ class Dissolve : public Effect {
     }
 
     static void blurAll(Stage &stage, const Surface &picture, double sigma) {
+        // The kernel's whole weights cut its ends off, which leaves boxes around lights. Three passes round them.
+        constexpr int passes = 3;
         const Stage::Plane rows = stage.plane();
-        const auto deviation = static_cast<float>(sigma);
-        Hor_GaussBlur(rows->pixels, picture.pixels, deviation, picture.width, picture.height, picture.pitch);
-        Ver_GaussBlur(picture.pixels, rows->pixels, deviation, picture.width, picture.height, picture.pitch);
+        const auto deviation = static_cast<float>(sigma / std::sqrt(passes));
+        for (int i = 0; i < passes; ++i) {
+            Hor_GaussBlur(rows->pixels, picture.pixels, deviation, picture.width, picture.height, picture.pitch);
+            Ver_GaussBlur(picture.pixels, rows->pixels, deviation, picture.width, picture.height, picture.pitch);
+        }
     }
 };
 
-} // namespace
+const Registered<Dissolve> registered("dissolve", Effect::Kind::transition, Use::inTurn,
+                                      "the photograph goes out of focus and turns into the next");
 
-EffectInfo dissolve() {
-    return {"dissolve", Effect::Kind::transition, "the photograph goes out of focus and turns into the next",
-            makeEffect<Dissolve>};
-}
+} // namespace
 
 } // namespace show

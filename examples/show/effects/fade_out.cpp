@@ -3,6 +3,7 @@
 // Uses iFadeOut32, iFillRect.
 
 #include "../effect.h"
+#include "../painting.h"
 
 namespace show {
 
@@ -10,21 +11,14 @@ namespace {
 
 class FadeOut : public Effect {
     void render(Stage &stage, const Surface &out, const Moment &moment) const override {
-        tagRECT frame = out.rect();
-        const double brightness = 1 - easeInOut(moment.t);
         drawShot(stage, out, moment.a);
-        // A factor below 1/256 would leave the picture standing: it asks for a gentle step, not for black.
-        if (brightness * 256 >= 1)
-            iFadeOut32(out.pixels, &frame, out.pitch, static_cast<float>(brightness));
-        else
-            iFillRect(out.pixels, &frame, out.pitch, 0);
+        dim(out, 1 - easeInOut(moment.t));
     }
 };
 
-} // namespace
+const Registered<FadeOut> registered("fade-out", Effect::Kind::ending, Use::inTurn,
+                                     "the last photograph sinks into black");
 
-EffectInfo fadeOut() {
-    return {"fade-out", Effect::Kind::ending, "the last photograph sinks into black", makeEffect<FadeOut>};
-}
+} // namespace
 
 } // namespace show

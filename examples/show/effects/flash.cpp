@@ -3,6 +3,9 @@
 // Uses iBltBilinear32_Add with brightness, iBltPerfect32 (by drawHalved), Edge_Transparency_Circle, iFillRect.
 
 #include "../effect.h"
+#include "../painting.h"
+
+#include <cmath>
 
 namespace show {
 
@@ -18,8 +21,7 @@ class Flash : public Effect {
         light = Canvas(lightSize, lightSize);
         const Canvas white(lightSize, lightSize);
         const Canvas black(lightSize, lightSize);
-        tagRECT rect = light.rect();
-        iFillRect(white.surface().pixels, &rect, white.surface().pitch, 0xFFFFFF);
+        fill(white, 0xFFFFFF);
         tagPOINT centre = {lightSize / 2, lightSize / 2};
         Edge_Transparency_Circle(light.surface().pixels, white.surface().pixels, black.surface().pixels, &centre,
                                  lightSize / 4, lightSize / 4, lightSize, lightSize, light.surface().pitch);
@@ -39,7 +41,7 @@ class Flash : public Effect {
             glow = half;
         }
         for (int i = 0; i < 2; ++i)
-            add(out, glow, glow.rect(), strength, strength, strength);
+            addStretched(out, out.rect(), glow, glow.rect(), strength, strength, strength);
 
         // The flash: the smaller the part of the light that fills the frame, the nearer it is.
         const double distance = before ? 1 - easeIn(moment.t / peak) : 0;
@@ -48,29 +50,26 @@ class Flash : public Effect {
         const auto high = static_cast<q_long>(lightSize / 2 + half);
         const tagRECT part = {low, low, high, high};
         if (before) {
-            add(out, light.surface(), part, strength, strength * 0.97, strength * 0.90);
+            addStretched(out, out.rect(), light, part, strength, strength * 0.97, strength * 0.90);
         } else {
             // Gone sooner than the glow, and turning blue, or it would lie over the next photograph like a fog.
             const double glare = strength * strength * strength;
-            add(out, light.surface(), part, glare * strength, glare * mix(strength, 1, 0.4), glare);
+            addStretched(out, out.rect(), light, part, glare * strength, glare * mix(strength, 1, 0.4), glare);
         }
-    }
-
-    static void add(const Surface &out, const Surface &from, tagRECT part, double red, double green, double blue) {
-        const auto level = [](double share) { return static_cast<unsigned char>(share * 255 + 0.5); };
-        tagRECT frame = out.rect();
-        iBltBilinear32_Add(out.pixels, from.pixels, &frame, &part, static_cast<q_ulong>(out.pitch),
-                           static_cast<q_ulong>(from.pitch), level(red), level(green), level(blue));
+        // At its height it leaves no colour.
+        const double blinding = easeInOut(stretch(std::abs(moment.t - peak), 0.16, 0.03));
+        if (blinding > 0) {
+            fill(planes[0], 0xFFFFFF);
+            blend(out, planes[0], blinding);
+        }
     }
 
     Canvas light;
 };
 
-} // namespace
+const Registered<Flash> registered("flash", Effect::Kind::transition, Use::inTurn,
+                                   "a flash of light swallows the photograph and leaves the next");
 
-EffectInfo flash() {
-    return {"flash", Effect::Kind::transition, "a flash of light swallows the photograph and leaves the next",
-            makeEffect<Flash>};
-}
+} // namespace
 
 } // namespace show

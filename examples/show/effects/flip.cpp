@@ -6,6 +6,7 @@
 #include "../angle.h"
 #include "../backdrop.h"
 #include "../effect.h"
+#include "../painting.h"
 #include "../random.h"
 #include "../supersampling.h"
 
@@ -36,9 +37,7 @@ class Flip : public Effect {
         gloss = Canvas(glossColumns, glossRows);
         for (int row = 0; row < glossRows; ++row) {
             const double distance = std::abs(row + 0.5 - glossRows / 2.0) / (cardRows / 2.0);
-            const auto level = static_cast<q_ulong>(105 * easeInOut(clampUnit(1 - distance)));
-            tagRECT line = {0, row, glossColumns, row + 1};
-            iFillRect(gloss.surface().pixels, &line, gloss.surface().pitch, level << 16 | level << 8 | level);
+            fill(gloss, {0, row, glossColumns, row + 1}, greyOf(105 * easeInOut(clampUnit(1 - distance))));
         }
         const double side = std::min(width, height) / static_cast<double>(cardsAcross);
         columns = static_cast<int>(width / side + 0.5);
@@ -73,8 +72,9 @@ class Flip : public Effect {
                     moving.push_back(lit(before, after, place, way));
             }
 
+        extendEdges(still);
         drawSupersampled(stage, out, [&](const Surface &part, int left, int top) {
-            drawDoubled(part, still, left, top);
+            drawEnlarged(part, still, left, top);
             for (const Card &card : moving)
                 lay(part, left, top, before, after, card);
         });
@@ -90,14 +90,10 @@ class Flip : public Effect {
         const double passed = (2 * angle - brightest) / 0.24;
         if (std::abs(passed) < 1) {
             const auto top = static_cast<q_long>((glossRows - cardRows) / 2.0 * (1 + passed));
-            tagRECT part = {0, top, glossColumns, top + cardRows};
-            tagRECT card = place;
-            iBltBilinear32_Add(before.pixels, gloss.surface().pixels, &card, &part, static_cast<q_ulong>(before.pitch),
-                               static_cast<q_ulong>(gloss.surface().pitch));
+            addStretched(before, place, gloss, {0, top, glossColumns, top + cardRows});
         }
-        tagRECT rect = place;
-        iFadeOut32(before.pixels, &rect, before.pitch, static_cast<float>(mix(0.62, 1, clampUnit(facing * 1.6))));
-        iFadeOut32(after.pixels, &rect, after.pitch, static_cast<float>(mix(0.3, 1, clampUnit(-facing))));
+        dim(before, place, mix(0.62, 1, clampUnit(facing * 1.6)));
+        dim(after, place, mix(0.3, 1, clampUnit(-facing)));
         return {place, angle, mix(1, 0.9, drawnBack)};
     }
 
@@ -118,11 +114,6 @@ class Flip : public Effect {
                           part.width, part.height);
     }
 
-    static void copy(const Surface &out, const Surface &from, tagRECT rect) {
-        iBltFast32(out.pixels, from.pixels, static_cast<q_ulong>(rect.left), static_cast<q_ulong>(rect.top), &rect,
-                   out.pitch, from.pitch);
-    }
-
     static constexpr int glossColumns = 4;
     static constexpr int cardRows = 256; // of the streak's picture that a card shows
     static constexpr int glossRows = 3 * cardRows;
@@ -132,11 +123,9 @@ class Flip : public Effect {
     int rows = 1;
 };
 
-} // namespace
+const Registered<Flip> registered("flip", Effect::Kind::transition, Use::inTurn,
+                                  "cards flip over in a wave and show the next photograph");
 
-EffectInfo flip() {
-    return {"flip", Effect::Kind::transition, "cards flip over in a wave and show the next photograph",
-            makeEffect<Flip>};
-}
+} // namespace
 
 } // namespace show

@@ -7,8 +7,10 @@
 #include "../angle.h"
 #include "../effect.h"
 #include "../glow.h"
+#include "../painting.h"
 #include "../point.h"
 #include "../random.h"
+#include "../space.h"
 
 #include <algorithm>
 #include <array>
@@ -34,9 +36,8 @@ Point polar(Point centre, double turns, double radius) {
 class Basin {
 public:
     Basin(const Surface &scratch, const Surface &to, const Surface &from)
-        : plane(reinterpret_cast<unsigned char *>(scratch.pixels)), limits{0, 0, to.width + 2 * beyond,
-                                                                           to.height + 2 * beyond},
-          pitch(to.pitch) {
+        : plane(reinterpret_cast<unsigned char *>(scratch.pixels)), target(to),
+          source(from), limits{0, 0, to.width + 2 * beyond, to.height + 2 * beyond}, pitch(to.pitch) {
         SetRegionSrcFill(&fill, to.at(-beyond, -beyond), pitch, from.at(-beyond, -beyond), pitch, plane, &limits,
                          pitch);
         clear();
@@ -74,6 +75,13 @@ public:
         const bool isInside = x > limits.left && x < limits.right - 1 && y > limits.top && y < limits.bottom - 1;
         if (isInside && bscan_left(&fill, x, y, dam) > limits.left && bscan_right(&fill, x, y, dam) < limits.right - 1)
             Region_Src_Fill(&fill, x, y, dam, 0, 0, 0);
+        else
+            return;
+        // The dams are flooded with what they hold, or a dotted line would stay behind.
+        for (int row = beyond; row < limits.bottom - beyond; ++row)
+            for (int column = beyond; column < limits.right - beyond; ++column)
+                if (plane[static_cast<std::ptrdiff_t>(row) * pitch + column] == dam)
+                    *target.at(column - beyond, row - beyond) = *source.at(column - beyond, row - beyond);
     }
 
 private:
@@ -81,6 +89,8 @@ private:
     static constexpr int beyond = 2;
 
     unsigned char *plane;
+    Surface target;
+    Surface source;
     tagRECT limits;
     int pitch;
     _PRIVATE_QMGP_DATA fill = {};
@@ -119,20 +129,35 @@ Outline curveThrough(const Outline &points, bool isOpen) {
     return curve;
 }
 
-/// Draws the lines between a curve's points, each in the colour that `colourAt` its middle says.
-template <class ColourAt>
-void drawLight(const Surface &light, const Outline &curve, int width, ColourAt colourAt) {
-    tagRECT clip = {-3, -3, light.width + 3, light.height + 3};
-    for (std::size_t i = 0; i + 1 < curve.size(); ++i) {
-        const q_ulong colour = colourAt(between(curve[i], curve[i + 1], 0.5));
-        if (colour == 0)
-            continue;
-        const tagPOINT from = pixelAt(curve[i]);
-        const tagPOINT to = pixelAt(curve[i + 1]);
-        iLine_AntiAliasing_Max(light.pixels, &clip, light.pitch, static_cast<int>(from.x), static_cast<int>(from.y),
-                               static_cast<int>(to.x), static_cast<int>(to.y), colour, width);
+/// Where light is drawn: at twice the frame's size where that can be, since lines begin and end on whole pixels.
+struct Lights {
+    Surface surface;
+    int scale;
+
+    tagPOINT pixelAt(Point point) const { return show::pixelAt({scale * point.x, scale * point.y}); }
+
+    /// Draws the lines between a curve's points, each in the colour that `colourAt` its middle says.
+    template <class ColourAt>
+    void drawLine(const Outline &curve, double width, ColourAt colourAt) const {
+        tagRECT clip = surface.rect();
+        for (std::size_t i = 0; i + 1 < curve.size(); ++i) {
+            const q_ulong colour = colourAt(between(curve[i], curve[i + 1], 0.5));
+            if (colour == 0)
+                continue;
+            const tagPOINT from = pixelAt(curve[i]);
+            const tagPOINT to = pixelAt(curve[i + 1]);
+            iLine_AntiAliasing_Max(surface.pixels, &clip, surface.pitch, static_cast<int>(from.x),
+                                   static_cast<int>(from.y), static_cast<int>(to.x), static_cast<int>(to.y), colour,
+                                   std::max(rounded(scale * width), 1));
+        }
     }
-}
+
+    void addStar(Point place, double reach, q_ulong colour, double intensity) const {
+        const tagPOINT pixel = pixelAt(place);
+        star(surface, static_cast<int>(pixel.x), static_cast<int>(pixel.y), static_cast<int>(scale * reach), colour,
+             intensity);
+    }
+};
 
 /// A ring of petals. Radii are shares of the flower's.
 struct Ring {
@@ -227,24 +252,26 @@ class Flood : public Effect {
         const Stage::Plane after = stage.plane();
         drawShot(stage, out, moment.a);
         drawShot(stage, after, moment.b);
-        tagRECT frame = out.rect();
-        iFadeOut32(out.pixels, &frame, out.pitch,
-                   static_cast<float>(mix(1, 0.5, easeInOut(stretch(moment.t, 0.0, 0.4)))));
+        dim(out, mix(1, 0.5, easeInOut(stretch(moment.t, 0.0, 0.4))));
 
+        Space &space = stage.space();
+        const Lights lights = {space.surface().cropped(out.width * space.scale(), out.height * space.scale()),
+                               space.scale()};
         const Stage::Plane light = stage.plane();
         const Stage::Plane scratch = stage.plane();
-        clear(light);
+        fill(lights.surface, 0);
         {
             Basin basin(scratch, out, after);
-            flower.draw(basin, light);
+            flower.draw(basin, lights);
         }
+        space.show(light);
         const Surface close = softened(scratch, light, flower.scaled(2));
         const Surface wide = softened(after, close, flower.scaled(9));
         // In a small frame the lines are wide for their length as it is.
         addLight(out, wide, 1.0);
         addLight(out, wide, flower.unit);
         addLight(out, close, 0.9);
-        addLight(out, light);
+        add(out, light);
     }
 
     /// The flower at a moment.
@@ -273,6 +300,9 @@ class Flood : public Effect {
             wave = way > 0 ? mix(0.1 * radius, farthest * 1.12, mix(way, easeIn(way), 0.6)) : 0;
         }
 
+        /// Thinner than a pixel lines would be dark.
+        double lineWidth(double pixels) const { return std::max(pixels * unit, 1.0); }
+
         int scaled(double pixels) const { return std::max(static_cast<int>(pixels * unit + 0.5), 1); }
 
         /// The wave's swell, up to 5 parts in 100.
@@ -295,7 +325,7 @@ class Flood : public Effect {
             return wave > 0 ? 1 - clampUnit(depth / (0.35 * radius)) : 1;
         }
 
-        void draw(Basin &basin, const Surface &light) const {
+        void draw(Basin &basin, const Lights &light) const {
             for (const Ring &ring : rings)
                 for (int i = 0; i < petals; ++i) {
                     fillPetal(basin, light, ring, i);
@@ -304,7 +334,7 @@ class Flood : public Effect {
             fillWave(basin, light);
         }
 
-        void fillPetal(Basin &basin, const Surface &light, const Ring &ring, int index) const {
+        void fillPetal(Basin &basin, const Lights &light, const Ring &ring, int index) const {
             const Petal shape = petal(ring, index);
             const double begin = ring.filled + petalDelay * index;
             const double along = 1.1 * easeInOut(stretch(t, begin, begin + fillTime));
@@ -322,11 +352,11 @@ class Flood : public Effect {
                 basin.build(shape.front(along, ripple), true);
             basin.floodFrom(shape.at(seed, 0));
             if (!isFull)
-                drawLight(light, shape.edge(along, ripple), scaled(3), [](Point) { return foam; });
+                light.drawLine(shape.edge(along, ripple), lineWidth(3), [](Point) { return foam; });
         }
 
         /// Both sides at once, from the base to the tip.
-        void drawPetal(const Surface &light, const Ring &ring, int index) const {
+        void drawPetal(const Lights &light, const Ring &ring, int index) const {
             const double begin = ring.drawn + 0.004 * index;
             const double drawn = easeInOut(stretch(t, begin, begin + drawTime));
             if (drawn <= 0)
@@ -339,13 +369,13 @@ class Flood : public Effect {
                     std::reverse(side.begin(), side.end());
                 Outline curve = curveThrough(side, true);
                 const Point tip = cutTo(curve, drawn);
-                drawLight(light, curve, scaled(2), colourAt);
+                light.drawLine(curve, lineWidth(2), colourAt);
                 if (drawn < 1)
-                    addStar(light, tip, 20, 0xFFE4B0, 44 * stretch(drawn, 0.0, 0.4));
+                    light.addStar(tip, 20 * unit, 0xFFE4B0, 44 * stretch(drawn, 0.0, 0.4));
             }
             Outline rib = {shape.at(0.1, 0), shape.at(0.3, 0), shape.at(0.5, 0), shape.at(0.72, 0)};
             cutTo(rib, drawn);
-            drawLight(light, rib, 1, [&](Point point) { return mixColours(0, colourAt(point), 0.5); });
+            light.drawLine(rib, lineWidth(1), [&](Point point) { return mixColours(0, colourAt(point), 0.5); });
         }
 
         /// Leaves the first part of a curve and returns where it ends.
@@ -356,13 +386,6 @@ class Flood : public Effect {
             curve.resize(index + 1);
             curve.push_back(end);
             return end;
-        }
-
-        void addStar(const Surface &light, Point place, double reach, q_ulong colour, double intensity) const {
-            tagRECT clip = light.rect();
-            const tagPOINT pixel = pixelAt(place);
-            Draw_Star_Type1_Safe(light.pixels, light.pitch, &clip, static_cast<int>(pixel.x), static_cast<int>(pixel.y),
-                                 static_cast<int>(reach * unit), colour, static_cast<q_ulong>(intensity));
         }
 
         /// The front, or a ripple behind it, which has a swell of its own.
@@ -376,10 +399,10 @@ class Flood : public Effect {
             return line;
         }
 
-        void fillWave(Basin &basin, const Surface &light) const {
+        void fillWave(Basin &basin, const Lights &light) const {
             // The spring in the middle, before the wave comes from it.
             const double spring = easeInOut(stretch(t, 0.0, 0.25)) * (1 - stretch(t, waveBegin, waveBegin + 0.15));
-            addStar(light, centre, 110, 0xFFD898, 30 * spring);
+            light.addStar(centre, 110 * unit, 0xFFD898, 30 * spring);
             if (wave < 8)
                 return;
             const Outline line = waveLine(1);
@@ -388,21 +411,21 @@ class Flood : public Effect {
             basin.floodFrom(centre);
             // Foam thins out behind the front, and ripples follow it.
             const double swelling = mix(0.4, 1, stretch(wave, 0.1 * radius, 0.35 * radius));
-            const auto addLine = [&](const Outline &points, int width, double shine) {
+            const auto addLine = [&](const Outline &points, double width, double shine) {
                 const q_ulong colour = mixColours(0, foam, shine * swelling);
-                drawLight(light, curveThrough(points, false), width, [colour](Point) { return colour; });
+                light.drawLine(curveThrough(points, false), width, [colour](Point) { return colour; });
             };
-            constexpr int strips = 9;
+            constexpr int strips = 18;
             for (int i = strips; i > 0; --i) {
                 const double thinness = 1 - static_cast<double>(i) / (strips + 1);
                 Outline strip;
                 for (const Point &point : line)
-                    strip.push_back(towardsCentre(point, 4 * unit * i));
-                addLine(strip, scaled(5), 0.26 * thinness * thinness);
+                    strip.push_back(towardsCentre(point, 2 * unit * i));
+                addLine(strip, lineWidth(6), 0.26 * thinness * thinness);
             }
             for (const double share : {0.72, 0.81, 0.90})
-                addLine(waveLine(share), scaled(2), 0.3 * share * share);
-            addLine(line, scaled(3), 1);
+                addLine(waveLine(share), lineWidth(2), 0.3 * share * share);
+            addLine(line, lineWidth(3), 1);
         }
 
         Point towardsCentre(Point point, double way) const {
@@ -411,11 +434,9 @@ class Flood : public Effect {
     };
 };
 
-} // namespace
+const Registered<Flood> registered("flood", Effect::Kind::transition, Use::inTurn,
+                                   "the next photograph floods in through a flower drawn with light");
 
-EffectInfo flood() {
-    return {"flood", Effect::Kind::transition, "the next photograph floods in through a flower drawn with light",
-            makeEffect<Flood>};
-}
+} // namespace
 
 } // namespace show

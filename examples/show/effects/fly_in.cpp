@@ -6,6 +6,7 @@
 
 #include "../effect.h"
 #include "../flight.h"
+#include "../painting.h"
 #include "../random.h"
 
 #include <algorithm>
@@ -20,7 +21,7 @@ namespace {
 constexpr int piecesAcross = 5;    // the frame's shorter side
 constexpr double flightTime = 0.6; // of the transition
 
-using Corners = std::array<Place, 4>;
+using Corners = std::array<Point, 4>;
 
 /// What is left to chance in one piece.
 struct Chance {
@@ -47,7 +48,7 @@ struct Piece {
 Piece pieceInFlight(tagRECT home, const Chance &chance, double way, int frameWidth, int frameHeight) {
     const double left = (1 - way) * (1 - way);
     const double unit = std::min(frameWidth, frameHeight);
-    const Place middle = {(home.left + home.right) / 2.0, (home.top + home.bottom) / 2.0};
+    const Point middle = {(home.left + home.right) / 2.0, (home.top + home.bottom) / 2.0};
 
     // It comes from beyond the frame, on a bent path, and from the side on which it is to lie.
     // What lies near the middle of the frame takes whatever side chance gives it.
@@ -56,7 +57,7 @@ Piece pieceInFlight(tagRECT home, const Chance &chance, double way, int frameWid
     const double beside = std::sqrt(besideX * besideX + besideY * besideY) + 1;
     const double bend = chance.direction + 0.175 * left;
     const double away = left * std::max(frameWidth, frameHeight) * 0.7 / beside;
-    const Place place = {middle.x + away * (besideX * cosineOf(bend) - besideY * sineOf(bend)),
+    const Point place = {middle.x + away * (besideX * cosineOf(bend) - besideY * sineOf(bend)),
                          middle.y + away * (besideX * sineOf(bend) + besideY * cosineOf(bend))};
 
     const double height = easeInOut(1 - way);
@@ -65,7 +66,7 @@ Piece pieceInFlight(tagRECT home, const Chance &chance, double way, int frameWid
     const double sideX[] = {-1, 1, 1, -1};
     const double sideY[] = {-1, -1, 1, 1};
     for (std::size_t i = 0; i < 4; ++i) {
-        const Place corner = {sideX[i] * static_cast<double>(home.right - home.left) / 2,
+        const Point corner = {sideX[i] * static_cast<double>(home.right - home.left) / 2,
                               sideY[i] * static_cast<double>(home.bottom - home.top) / 2};
         const SeenPoint seen = seenPoint(attitude, corner, 1.6 * unit);
         piece.corners[i] = seen.place;
@@ -82,8 +83,7 @@ class FlyIn : public Effect {
         columns = static_cast<int>(width / side + 0.5);
         rows = static_cast<int>(height / side + 0.5);
         white = Canvas(width, height);
-        tagRECT whole = white.rect();
-        iFillRect(white.surface().pixels, &whole, white.surface().pitch, 0xFBF8F2);
+        fill(white, 0xFBF8F2);
     }
 
     void render(Stage &stage, const Surface &out, const Moment &moment) const override {
@@ -102,8 +102,7 @@ class FlyIn : public Effect {
                 tagRECT home = {out.width * column / columns, out.height * row / rows,
                                 out.width * (column + 1) / columns, out.height * (row + 1) / rows};
                 if (way >= 1)
-                    iBltFast32(out.pixels, after->pixels, static_cast<q_ulong>(home.left),
-                               static_cast<q_ulong>(home.top), &home, out.pitch, after->pitch);
+                    copy(out, after, home);
                 else if (way > 0)
                     flying.push_back(pieceInFlight(home, chance, way, out.width, out.height));
             }
@@ -116,24 +115,22 @@ class FlyIn : public Effect {
         for (const Piece &piece : flying)
             lay(stage, out, after, piece);
 
-        for (int y = 0; y < out.height; ++y)
-            for (int x = 0; x < out.width; ++x)
-                *out.at(x, y) &= 0xFFFFFF;
+        clearOpacity(out);
     }
 
     void lay(Stage &stage, const Surface &out, const Surface &photo, const Piece &piece) const {
         // The rectangle around the piece, and the piece in it at twice its size.
-        const auto compare = [](double Place::*member) {
-            return [member](const Place &first, const Place &second) { return first.*member < second.*member; };
+        const auto compare = [](double Point::*member) {
+            return [member](const Point &first, const Point &second) { return first.*member < second.*member; };
         };
         const auto [leftmost, rightmost] =
-            std::minmax_element(piece.corners.begin(), piece.corners.end(), compare(&Place::x));
+            std::minmax_element(piece.corners.begin(), piece.corners.end(), compare(&Point::x));
         const auto [topmost, lowest] =
-            std::minmax_element(piece.corners.begin(), piece.corners.end(), compare(&Place::y));
-        const int left = wholePixel(leftmost->x) - 1;
-        const int top = wholePixel(topmost->y) - 1;
-        const int width = wholePixel(rightmost->x) + 2 - left;
-        const int height = wholePixel(lowest->y) + 2 - top;
+            std::minmax_element(piece.corners.begin(), piece.corners.end(), compare(&Point::y));
+        const int left = rounded(leftmost->x) - 1;
+        const int top = rounded(topmost->y) - 1;
+        const int width = rounded(rightmost->x) + 2 - left;
+        const int height = rounded(lowest->y) + 2 - top;
         if (left >= out.width || top >= out.height || left + width <= 0 || top + height <= 0 || 2 * width > out.width ||
             2 * height > out.height)
             return;
@@ -143,22 +140,19 @@ class FlyIn : public Effect {
         const Surface scratch = planes[1]->cropped(2 * width, 2 * height);
         const Surface warped = planes[2]->cropped(2 * width, 2 * height);
         drawSource(source, photo, piece, std::min(out.width, out.height) / 144);
-        tagRECT rect = scratch.rect();
-        iFillRect(scratch.pixels, &rect, scratch.pitch, 0);
+        fill(scratch, 0);
         std::array<int, 4> x;
         std::array<int, 4> y;
         for (std::size_t i = 0; i < 4; ++i) {
-            x[i] = wholePixel(2 * (piece.corners[i].x - left));
-            y[i] = wholePixel(2 * (piece.corners[i].y - top));
+            x[i] = rounded(2 * (piece.corners[i].x - left));
+            y[i] = rounded(2 * (piece.corners[i].y - top));
         }
         iPsudoBilinearMapping(warped.pixels, source.pixels, scratch.pixels, warped.pitch, warped.width, warped.height,
                               0, x[0], x[1], x[2], x[3], y[0], y[1], y[2], y[3]);
 
         const Surface sprite = scratch.cropped(width, height);
         halve(sprite, warped);
-        tagRECT all = sprite.rect();
-        tagRECT frame = out.rect();
-        iBltFast32AlphaChannelSafe(out.pixels, sprite.pixels, left, top, &all, &frame, out.pitch, sprite.pitch);
+        show::lay(out, sprite, left, top);
     }
 
     /// The piece of the photograph stretched over the whole of `source`, lit, with a bright edge while it is high up,
@@ -176,10 +170,8 @@ class FlyIn : public Effect {
         for (tagRECT band :
              {tagRECT{0, 0, width, edgeY}, tagRECT{0, height - edgeY, width, height},
               tagRECT{0, edgeY, edgeX, height - edgeY}, tagRECT{width - edgeX, edgeY, width, height - edgeY}})
-            iBltFast32Alpha(source.pixels, white.surface().pixels, 0, 0, &band, source.pitch, white.surface().pitch,
-                            static_cast<float>(strength));
-        tagRECT all = source.rect();
-        iFadeOut32(source.pixels, &all, source.pitch, static_cast<float>(clampUnit(piece.light)));
+            blend(source, white, band, strength);
+        dim(source, clampUnit(piece.light));
         for (int y = 0; y < source.height; ++y)
             for (int x = 0; x < source.width; ++x)
                 *source.at(x, y) |= 0xFF000000;
@@ -214,10 +206,9 @@ class FlyIn : public Effect {
     int rows = 1;
 };
 
-} // namespace
+const Registered<FlyIn> registered("fly-in", Effect::Kind::transition, Use::inTurn,
+                                   "the next photograph flies in piece by piece");
 
-EffectInfo flyIn() {
-    return {"fly-in", Effect::Kind::transition, "the next photograph flies in piece by piece", makeEffect<FlyIn>};
-}
+} // namespace
 
 } // namespace show

@@ -30,11 +30,9 @@ class Iris : public Effect {
     }
 };
 
-} // namespace
+const Registered<Iris> registered("iris", Effect::Kind::transition, Use::inTurn,
+                                  "a round opening with a soft rim shows the next photograph");
 
-EffectInfo iris() {
-    return {"iris", Effect::Kind::transition, "a round opening with a soft rim shows the next photograph",
-            makeEffect<Iris>};
-}
+} // namespace
 
 } // namespace show

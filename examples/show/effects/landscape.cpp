@@ -1,12 +1,14 @@
 // The photograph as a landscape whose hills are its bright parts: a field of lights over which waves run turns to a
 // net, the net to smooth hills, and these come into focus while they settle and rise to the upright photograph.
 //
-// Uses VKD_Render_3D_Dot_Add, VKD_Render_3D_Line, VKD_Render_3D_Surface, VKD_Render_Texture_3D, the matrix stacks, the
-// camera and VKD_Mapping3Dto2D of the pipeline (by Space), Blur_Rect, iFadeOut32, iBltFast32Alpha, iBltPerfect32 (by
-// drawView, drawHalved, drawBackdrop and Space).
+// Uses VKD_Render_3D_Dot_Add, VKD_Render_3D_Line, VKD_Render_Texture_3D, the matrix stacks, the camera and
+// VKD_Mapping3Dto2D of the pipeline (by Space), Blur_Rect, iFadeOut32, iBltFast32Alpha, iBltPerfect32 (by drawView,
+// drawHalved, drawBackdrop and Space).
 
+#include "../angle.h"
 #include "../backdrop.h"
 #include "../effect.h"
+#include "../painting.h"
 #include "../space.h"
 
 #include <algorithm>
@@ -38,7 +40,7 @@ Colour colourAt(const Surface &picture, double x, double y) {
     const int right = std::min(left + 1, picture.width - 1);
     const int bottom = std::min(top + 1, picture.height - 1);
     const auto channel = [&](int shift) {
-        const auto level = [&](int px, int py) { return static_cast<double>(*picture.at(px, py) >> shift & 0xFF); };
+        const auto level = [&](int px, int py) { return channelOf(*picture.at(px, py), shift); };
         return mix(mix(level(left, top), level(right, top), column - left),
                    mix(level(left, bottom), level(right, bottom), column - left), row - top) /
                255;
@@ -47,8 +49,7 @@ Colour colourAt(const Surface &picture, double x, double y) {
 }
 
 q_ulong pixelOf(const Colour &colour) {
-    const auto level = [](double share) { return static_cast<q_ulong>(clampUnit(share) * 255 + 0.5); };
-    return level(colour.red) << 16 | level(colour.green) << 8 | level(colour.blue);
+    return levelOf(colour.red) << 16 | levelOf(colour.green) << 8 | levelOf(colour.blue);
 }
 
 /// Points of the landscape, row after row from the far end, on the screen.
@@ -76,14 +77,14 @@ struct Front {
 };
 
 // The photograph stands when the next transition comes over the scene.
-constexpr Front net = {0.14, 0.37};
-constexpr Front hills = {0.26, 0.49};
-constexpr Front focus = {0.38, 0.60};
+constexpr Front net = {0.10, 0.30};
+constexpr Front hills = {0.20, 0.40};
+constexpr Front focus = {0.26, 0.46};
 /// How much light of their own the hills have before they rise.
 constexpr double darkness = 0.17;
 
-constexpr double settlingFrom = 0.44;
-constexpr double settled = 0.73;
+constexpr double settlingFrom = 0.38;
+constexpr double settled = 0.70;
 
 /// Light from the upper left. Upright, flat rows come out in their own brightness.
 struct Light {
@@ -117,15 +118,12 @@ class Landscape : public Effect {
             const Grid grid = raise(stage, space, photo, settling, progress * moment.a.seconds, progress);
             drawBackdrop(stage, ground, photo, std::clamp(0.13 / (grid.luminance + 0.01), 0.3, 0.7));
             space.fillWith(ground);
-            drawHills(space, grid, photo, settling, progress);
+            drawHills(stage, space, grid, photo, ground, settling, progress);
             drawNet(space, grid, settling, progress);
             drawLights(space, grid, progress);
             space.show(out);
         }
-        tagRECT frame = out.rect();
-        if (arrival > 0)
-            iBltFast32Alpha(out.pixels, photo->pixels, 0, 0, &frame, out.pitch, photo->pitch,
-                            static_cast<float>(arrival));
+        blend(out, photo, arrival);
     }
 
     static Grid raise(Stage &stage, Space &space, const Surface &photo, double settling, double seconds,
@@ -147,14 +145,11 @@ class Landscape : public Effect {
             colours = half;
         }
         const Surface relief = planes[2]->cropped(colours.width, colours.height);
-        tagRECT area = colours.rect();
-        iBltFast32(relief.pixels, colours.pixels, 0, 0, &area, relief.pitch, colours.pitch);
-        const int largest = std::min({relief.width / 2, relief.height / 2, 128});
-        for (int i = 0; i < 2; ++i)
-            Blur_Rect(relief.pixels, &area, relief.pitch, std::min(largest, std::max(1, relief.height / 18)));
+        copy(relief, colours);
+        blur(relief, std::max(1, relief.height / 18), 2);
         // Contours across the cells would show the triangles' teeth.
         if (colours.pixels != photo.pixels)
-            Blur_Rect(colours.pixels, &area, colours.pitch, std::min(largest, 1));
+            blur(colours, 1);
 
         const auto placeX = [&](int column) { return static_cast<double>(column) / (grid.columns - 1); };
         std::vector<double> luminances;
@@ -173,7 +168,7 @@ class Landscape : public Effect {
             deviation += std::fabs(luminance - grid.luminance) / count;
 
         // Of pictures without much contrast the hills are higher.
-        const double steepness = std::clamp(0.05 / deviation, 0.3, 0.6);
+        const double steepness = std::clamp(0.03 / deviation, 0.18, 0.36);
         const double extent = std::min(width, height);
         for (int row = 0; row < grid.rows; ++row)
             for (int column = 0; column < grid.columns; ++column) {
@@ -195,7 +190,7 @@ class Landscape : public Effect {
         _PRIVATE_QMGL_DATA *const data = space.pipeline();
         const double course = easeInOut(progress);
         const double away = 1 - settling;
-        VKD_glRotatef(data, static_cast<float>(mix(66, 52, course) * away), 1, 0, 0);
+        VKD_glRotatef(data, static_cast<float>(mix(64, 42, course) * away), 1, 0, 0);
         VKD_glRotatef(data, static_cast<float>(mix(-20, 16, progress) * away), 0, 1, 0);
         const double distance = space.focalLength() * mix(mix(0.72, 0.66, course), 1, settling);
         space.look({0, 0, static_cast<float>(-distance), 0}, {0, static_cast<float>(-0.04 * height * away), 0, 0});
@@ -203,44 +198,72 @@ class Landscape : public Effect {
         return grid;
     }
 
-    static void drawHills(Space &space, const Grid &grid, const Surface &photo, double settling, double progress) {
-        // In focus at the far end, then smooth, and dark where only the net is seen yet.
-        int sharpRows = 0;
-        while (sharpRows < grid.rows && focus.at(progress, grid.depth(sharpRows)) >= 1)
-            ++sharpRows;
-        int allRows = 0;
-        while (allRows < grid.rows && net.at(progress, grid.depth(allRows)) > 0)
-            ++allRows;
-
-        Light light(settling);
+    static void drawHills(Stage &stage, Space &space, const Grid &grid, const Surface &photo, const Surface &ground,
+                          double settling, double progress) {
+        int rows = 0;
+        while (rows < grid.rows && net.at(progress, grid.depth(rows)) > 0)
+            ++rows;
+        if (rows < 2)
+            return;
+        const Stage::Plane face = stage.plane();
+        drawFace(stage, face, space, grid, photo, ground, progress);
         Grid part = grid;
+        Light light(settling);
         tagRECT clip = space.surface().rect();
-        const auto pitch = static_cast<q_ulong>(space.surface().pitch);
-        if (sharpRows >= 2) {
-            extendEdges(photo);
-            tagRECT shown = {0, 0, photo.width, photo.height * (sharpRows - 1) / (grid.rows - 1)};
-            VKD_Render_Texture_3D(space.pipeline(), space.surface().pixels, photo.pixels, &clip, &shown, pitch,
-                                  static_cast<q_ulong>(photo.pitch), part.points.data(), sharpRows, part.columns,
-                                  &light.direction, nullptr, &light.ambient, light.specular, Light::shininess);
-        }
-        const int first = std::max(sharpRows - 1, 0);
-        if (allRows - first >= 2) {
-            std::vector<q_ulong> colours;
-            for (int row = 0; row < allRows; ++row) {
-                const double shown = hills.at(progress, grid.depth(row));
-                const double glow = 4 * shown * (1 - shown) * 0.16;
-                const double share = mix(darkness, 1, shown);
-                for (int column = 0; column < grid.columns; ++column) {
-                    const Colour &own = grid.colours[grid.index(row, column)];
-                    colours.push_back(pixelOf(
-                        {own.red * share + glow * 0.8, own.green * share + glow * 0.9, own.blue * share + glow}));
-                }
+        tagRECT shown = {0, 0, face->width, face->height * (rows - 1) / (grid.rows - 1)};
+        VKD_Render_Texture_3D(space.pipeline(), space.surface().pixels, face->pixels, &clip, &shown,
+                              space.surface().unsignedPitch(), face->unsignedPitch(), part.points.data(), rows,
+                              part.columns, &light.direction, nullptr, &light.ambient, light.specular,
+                              Light::shininess);
+    }
+
+    /// What the hills show, row by row from the far end: the photograph, out of focus further on, dark where only the
+    /// net is seen yet, and at last what lies behind the landscape, out of which it comes.
+    static void drawFace(Stage &stage, const Surface &face, const Space &space, const Grid &grid, const Surface &photo,
+                         const Surface &ground, double progress) {
+        const Stage::Plane soft = stage.plane();
+        const Stage::Plane behind = stage.plane();
+        const Stage::Plane small = stage.plane();
+        drawSoft(stage, soft, photo);
+        const Surface colours = small->cropped(std::min(grid.columns, face.width), std::min(grid.rows, face.height));
+        for (int row = 0; row < colours.height; ++row)
+            for (int column = 0; column < colours.width; ++column) {
+                const _POINT3DFLOAT &point = grid.points[grid.index(row, column)];
+                *colours.at(column, row) = pixelOf(colourAt(ground, point.x / static_cast<double>(space.scale()) - 0.5,
+                                                            point.y / static_cast<double>(space.scale()) - 0.5));
             }
-            const std::size_t start = grid.index(first, 0);
-            VKD_Render_3D_Surface(space.pipeline(), space.surface().pixels, &clip, pitch, part.points.data() + start,
-                                  colours.data() + start, 0, 0, grid.columns, allRows - first, &light.direction,
-                                  nullptr, &light.ambient, light.specular, Light::shininess, 0);
+        extendEdges(colours);
+        drawView(behind, colours, wholeOf(colours));
+        const Stage::Plane &white = small; // its colours are on their place
+        fill(white, 0xFFFFFF);
+        copy(face, photo);
+        for (int y = 0; y < face.height; ++y) {
+            const tagRECT row = {0, y, face.width, y + 1};
+            const double depth = (y + 0.5) / face.height;
+            blend(face, soft, row, 1 - focus.at(progress, depth));
+            const double shown = hills.at(progress, depth);
+            if (shown < 1) {
+                dim(face, row, mix(darkness, 1, shown));
+                const double glow = 4 * shown * (1 - shown) * 0.16;
+                addStretched(face, row, white, row, glow * 0.8, glow * 0.9, glow);
+                blend(face, behind, row, 1 - net.at(progress, depth));
+            }
         }
+        extendEdges(face);
+    }
+
+    /// The photograph out of focus.
+    static void drawSoft(Stage &stage, const Surface &out, const Surface &photo) {
+        const Stage::Plane between[] = {stage.plane(), stage.plane()};
+        Surface small = photo;
+        for (const Stage::Plane &plane : between) {
+            const Surface half = plane->cropped((small.width + 1) / 2, (small.height + 1) / 2);
+            drawHalved(half, small);
+            small = half;
+        }
+        blur(small, std::max(small.height / 60, 1), 3);
+        extendEdges(small);
+        drawView(out, small, wholeOf(small));
     }
 
     static void drawNet(Space &space, const Grid &grid, double settling, double progress) {
@@ -273,7 +296,7 @@ class Landscape : public Effect {
             return;
         Light light(settling);
         tagRECT clip = space.surface().rect();
-        VKD_Render_3D_Line(space.pipeline(), space.surface().pixels, &clip, static_cast<q_ulong>(space.surface().pitch),
+        VKD_Render_3D_Line(space.pipeline(), space.surface().pixels, &clip, space.surface().unsignedPitch(),
                            points.data(), colours.data(), 0, 0, columns, rows, &light.direction, nullptr,
                            &light.ambient, light.specular, Light::shininess, 0);
     }
@@ -302,17 +325,15 @@ class Landscape : public Effect {
                                                strength * (0.22 + 1.7 * own.blue)}));
                 }
             }
-            VKD_Render_3D_Dot_Add(space.surface().pixels, &clip, static_cast<q_ulong>(space.surface().pitch),
-                                  points.data(), colours.data(), columns, static_cast<int>(points.size()) / columns);
+            VKD_Render_3D_Dot_Add(space.surface().pixels, &clip, space.surface().unsignedPitch(), points.data(),
+                                  colours.data(), columns, static_cast<int>(points.size()) / columns);
         }
     }
 };
 
-} // namespace
+const Registered<Landscape> registered("landscape", Effect::Kind::scene, Use::inTurn,
+                                       "lights, a net and hills settle into the photograph");
 
-EffectInfo landscape() {
-    return {"landscape", Effect::Kind::scene, "lights, a net and hills settle into the photograph",
-            makeEffect<Landscape>};
-}
+} // namespace
 
 } // namespace show

@@ -10,7 +10,8 @@
 
 namespace show {
 
-const std::vector<EffectInfo> &allEffects();
+/// By their kind and name.
+const std::vector<const EffectInfo *> &allEffects();
 
 /// Null if there is no effect of that name.
 const EffectInfo *findEffect(std::string_view name);

@@ -14,10 +14,9 @@ class Pan : public Effect {
     }
 };
 
-} // namespace
+const Registered<Pan> registered("pan", Effect::Kind::scene, Use::often,
+                                 "the camera wanders slowly over the photograph");
 
-EffectInfo pan() {
-    return {"pan", Effect::Kind::scene, "the camera wanders slowly over the photograph", makeEffect<Pan>};
-}
+} // namespace
 
 } // namespace show

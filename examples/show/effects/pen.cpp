@@ -7,7 +7,7 @@
 
 #include "../angle.h"
 #include "../effect.h"
-#include "../glow.h"
+#include "../painting.h"
 #include "../point.h"
 #include "../random.h"
 
@@ -15,6 +15,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <vector>
 
 namespace show {
@@ -94,126 +95,217 @@ std::vector<Stroke> strokesOver(double width, double height) {
     return strokes;
 }
 
-/// What is laid on the paper at one time: a stroke of the nib, or, with a radius, ink that has spread so far.
-struct Mark {
+/// Ink that has spread so far at one time.
+struct Spread {
     q_ulong time; ///< of 65536 for the whole transition
-    const Stroke *stroke;
+    Point middle;
     int radius;
 };
 
-/// When the ink arrives at each pixel of the frame, in 1/65536 of the transition.
+/// Numbers on a grid.
+class Map {
+public:
+    Map(int ownColumns, int ownRows)
+        : columns(ownColumns), rows(ownRows),
+          values(static_cast<std::size_t>(ownColumns) * static_cast<std::size_t>(ownRows)) {}
+
+    int width() const { return columns; }
+    int height() const { return rows; }
+
+    /// Beyond the grid its edges go on.
+    double &at(int x, int y) { return values[index(x, y)]; }
+    double at(int x, int y) const { return values[index(x, y)]; }
+
+    /// Between the places; whole coordinates are the middles of cells.
+    double between(double x, double y) const {
+        const double left = std::floor(x);
+        const double top = std::floor(y);
+        const auto column = static_cast<int>(left);
+        const auto row = static_cast<int>(top);
+        return mix(mix(at(column, row), at(column + 1, row), x - left),
+                   mix(at(column, row + 1), at(column + 1, row + 1), x - left), y - top);
+    }
+
+    /// Each value becomes what `combine` makes of it and those up to `reach` beside it in its row, and then likewise in
+    /// its column.
+    template <class Combine>
+    void filter(int reach, Combine combine) {
+        for (const bool isRow : {true, false}) {
+            const Map before = *this;
+            std::vector<double> around(static_cast<std::size_t>(2 * reach + 1));
+            for (int y = 0; y < rows; ++y)
+                for (int x = 0; x < columns; ++x) {
+                    for (int i = -reach; i <= reach; ++i)
+                        around[static_cast<std::size_t>(i + reach)] = isRow ? before.at(x + i, y) : before.at(x, y + i);
+                    at(x, y) = combine(around);
+                }
+        }
+    }
+
+    void smooth(int times) {
+        for (int i = 0; i < times; ++i)
+            filter(1, [](const std::vector<double> &three) { return (three[0] + three[1] + three[2]) / 3; });
+    }
+
+private:
+    std::size_t index(int x, int y) const {
+        return static_cast<std::size_t>(std::clamp(y, 0, rows - 1)) * static_cast<std::size_t>(columns) +
+               static_cast<std::size_t>(std::clamp(x, 0, columns - 1));
+    }
+
+    int columns;
+    int rows;
+    std::vector<double> values;
+};
+
+/// When the ink arrives at each pixel of the frame, in 1/65536 of the transition: where the nib is led over it, and
+/// where it spreads by itself.
 ///
-/// It is worked out at about half the size of 1280 by 720, by drawing with the time for a colour: what comes later
-/// first, so that what comes earlier covers it. Around the frame there is room for the ends of the flourish.
+/// Both are worked out by drawing with the time for a colour: what comes later first, so that what comes earlier covers
+/// it. Around the frame there is room for the ends of the flourish.
 class Paper {
 public:
     static constexpr double wholeTime = 65536;
 
-    Paper(int width, int height)
-        : grain(std::max({width / 640.0, height / 360.0, 1.0})), unit(unitOf(width, height) / grain),
-          columns(static_cast<int>(width / grain) + 2), rows(static_cast<int>(height / grain) + 2),
-          border(columns / 5 + 8), canvas(columns + 2 * border, rows + 2 * border) {
-        spreadInk(strokesOver(width / grain, height / grain));
-        takeTimes();
-        for (int i = 0; i < 2; ++i)
-            for (std::vector<double> *const map : {&coarse, &bled})
-                smooth(*map);
-        roughen();
-        settle();
-        stretchOver(width, height);
+    void prepare(int width, int height) {
+        const auto size = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+        written.reserve(size);
+        coverage.reserve(size);
+        bled.reserve(size);
+        const double scale = std::max(width / 1280.0, height / 720.0);
+        write(width, height, std::max(scale, 1.0));
+        bleed(width, height, std::max(2 * scale, 1.0));
     }
 
-    std::vector<std::uint16_t> times; ///< row by row
+    // Row by row.
+    std::vector<std::uint16_t> written;
+    std::vector<std::uint8_t> coverage; ///< how much of the pixel the nib has been on
+    std::vector<std::uint16_t> bled;
 
 private:
-    /// Ink lies where the nib has been and spreads from there, slowly at first.
-    void spreadInk(const std::vector<Stroke> &strokes) {
-        const int farthest = std::max(columns, rows) / 2;
-        std::vector<Mark> marks;
-        for (const Stroke &stroke : strokes) {
-            // The ink flows from under the nib.
-            marks.push_back({inkTime(stroke.begin - 0.006), &stroke, 0});
-            const int first = std::max(nibReach() / 3, 1);
-            for (int radius = first; radius < farthest; radius += 1 + radius / 24) {
-                const double share = static_cast<double>(radius - first) / std::max(250 * unit, columns / 8.0);
-                const double delay = 0.13 + 0.26 * std::sqrt(share);
-                marks.push_back({inkTime(stroke.end + delay), &stroke, radius});
-                if (delay > 0.45)
-                    break;
-            }
-        }
-        std::stable_sort(marks.begin(), marks.end(), [](const Mark &a, const Mark &b) { return a.time > b.time; });
+    /// A drawing of the frame, one to `grain` of the frame's pixels, with a border.
+    struct Sheet {
+        Sheet(int width, int height, double ownGrain)
+            : grain(ownGrain), unit(unitOf(width, height) / grain), columns(static_cast<int>(width / grain) + 2),
+              rows(static_cast<int>(height / grain) + 2), border(columns / 5 + 8),
+              canvas(columns + 2 * border, rows + 2 * border) {}
 
-        const Surface surface = canvas.surface();
-        tagRECT clip = surface.rect();
-        iFillRect(surface.pixels, &clip, surface.pitch, inkTime(1.2) << 1);
-        for (const Mark &mark : marks)
-            if (mark.radius > 0)
-                iFill_Circle_Safe(surface.pixels, &clip, surface.pitch, rounded(mark.stroke->curve.d.x) + border,
-                                  rounded(mark.stroke->curve.d.y) + border, mark.radius, colourOf(mark));
-            else
-                drawStroke(surface, *mark.stroke, colourOf(mark));
-    }
+        q_ulong at(int x, int y) const { return *canvas.surface().at(x + border, y + border); }
 
-    int nibReach() const { return std::max(rounded(34 * unit), 1); }
-
-    /// The nib is a slanted edge: its stroke is the same curve many times, one beside the other.
-    void drawStroke(const Surface &surface, const Stroke &stroke, q_ulong colour) const {
-        tagRECT clip = surface.rect();
-        const int reach = nibReach();
-        const auto [a, b, c, d] = stroke.curve;
-        for (int i = -2 * reach; i <= 2 * reach; ++i) {
-            const int right = border + (i >> 1) + (i & 1);
-            const int down = border - (i >> 1);
-            iBesierLine(surface.pixels, rounded(a.x) + right, rounded(a.y) + down, rounded(b.x) + right,
-                        rounded(b.y) + down, rounded(c.x) + right, rounded(c.y) + down, rounded(d.x) + right,
-                        rounded(d.y) + down, colour, &clip, surface.pitch);
-        }
-    }
+        double grain;
+        double unit; ///< pixels of the sheet to one of a frame of 1280 by 720
+        int columns;
+        int rows;
+        int border;
+        Canvas canvas;
+    };
 
     static q_ulong inkTime(double time) { return static_cast<q_ulong>(time * wholeTime); }
 
-    // The lowest bit of a colour tells a stroke from what has spread.
-    static q_ulong colourOf(const Mark &mark) { return mark.time << 1 | (mark.radius == 0 ? 1 : 0); }
+    static std::uint16_t timeOf(double time) {
+        return static_cast<std::uint16_t>(std::clamp(time, 0.0, wholeTime - 1));
+    }
 
-    void takeTimes() {
-        const Surface surface = canvas.surface();
-        for (int y = 0; y < rows; ++y)
-            for (int x = 0; x < columns; ++x) {
-                const q_ulong colour = *surface.at(x + border, y + border);
-                coarse.push_back(static_cast<double>(colour >> 1));
-                bled.push_back(colour & 1 ? 0 : 1);
+    /// Takes what `valueAt` the places of a sheet for each pixel of the frame.
+    template <class Value, class ValueAt>
+    static void stretchOver(int width, int height, double grain, std::vector<Value> &values, ValueAt valueAt) {
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                values.push_back(static_cast<Value>(valueAt((x + 0.5) / grain - 0.5, (y + 0.5) / grain - 0.5)));
+    }
+
+    /// The strokes of the nib.
+    void write(int width, int height, double grain) {
+        const Sheet sheet(width, height, grain);
+        fill(sheet.canvas, 0);
+        const std::vector<Stroke> strokes = strokesOver(width / grain, height / grain);
+        // The ink flows from under the nib. The colour 0 stands for dry paper.
+        for (auto stroke = strokes.rbegin(); stroke != strokes.rend(); ++stroke)
+            drawStroke(sheet, stroke->curve, inkTime(stroke->begin - 0.006) + 1);
+
+        Map inked(sheet.columns, sheet.rows);
+        Map times(sheet.columns, sheet.rows);
+        for (int y = 0; y < sheet.rows; ++y)
+            for (int x = 0; x < sheet.columns; ++x) {
+                const q_ulong colour = sheet.at(x, y);
+                inked.at(x, y) = colour == 0 ? 0 : 1;
+                times.at(x, y) = colour == 0 ? 0 : static_cast<double>(colour - 1);
+            }
+        // Means over what is inked alone, and an edge about a pixel wide where half of the surroundings are.
+        inked.smooth(2);
+        times.smooth(2);
+        stretchOver(width, height, grain, written, [&](double x, double y) {
+            const double share = inked.between(x, y);
+            return timeOf(share > 0 ? times.between(x, y) / share : 0);
+        });
+        stretchOver(width, height, grain, coverage,
+                    [&](double x, double y) { return 255 * clampUnit(2.5 * (inked.between(x, y) - 0.5) + 0.5); });
+    }
+
+    /// The nib is a slanted edge of some thickness: its stroke is the same curve many times, one beside the other.
+    static void drawStroke(const Sheet &sheet, const Curve &curve, q_ulong colour) {
+        const Surface surface = sheet.canvas;
+        tagRECT clip = surface.rect();
+        const int reach = std::max(rounded(34 * sheet.unit), 1);
+        const int thickness = std::max(rounded(7 * sheet.unit), 1);
+        const auto &[a, b, c, d] = curve;
+        for (int i = -2 * reach; i <= 2 * reach; ++i)
+            for (int k = 0; k < thickness; ++k) {
+                const int right = sheet.border + (i >> 1) + (i & 1) + k / 2 + k % 2;
+                const int down = sheet.border - (i >> 1) + k / 2;
+                iBesierLine(surface.pixels, rounded(a.x) + right, rounded(a.y) + down, rounded(b.x) + right,
+                            rounded(b.y) + down, rounded(c.x) + right, rounded(c.y) + down, rounded(d.x) + right,
+                            rounded(d.y) + down, colour, &clip, surface.pitch);
             }
     }
 
-    double &at(std::vector<double> &map, int x, int y) const {
-        return map[static_cast<std::size_t>(std::clamp(y, 0, rows - 1)) * static_cast<std::size_t>(columns) +
-                   static_cast<std::size_t>(std::clamp(x, 0, columns - 1))];
-    }
-
-    /// Each value becomes the mean of the nine around it.
-    void smooth(std::vector<double> &map) const {
-        std::vector<double> means;
-        for (int y = 0; y < rows; ++y)
-            for (int x = 0; x < columns; ++x) {
-                double sum = 0;
-                for (int dy = -1; dy <= 1; ++dy)
-                    for (int dx = -1; dx <= 1; ++dx)
-                        sum += at(map, x + dx, y + dy);
-                means.push_back(sum / 9);
+    /// Ink spreads from where the nib has been, slowly at first.
+    void bleed(int width, int height, double grain) {
+        const Sheet sheet(width, height, grain);
+        const int farthest = std::max(sheet.columns, sheet.rows) / 2;
+        const int first = std::max(rounded(34 * sheet.unit) / 3, 1);
+        std::vector<Spread> spreads;
+        for (const Stroke &stroke : strokesOver(width / grain, height / grain))
+            for (int radius = first; radius < farthest; radius += 1 + radius / 24) {
+                const double share =
+                    static_cast<double>(radius - first) / std::max(250 * sheet.unit, sheet.columns / 8.0);
+                const double delay = 0.13 + 0.26 * std::sqrt(share);
+                spreads.push_back({inkTime(stroke.end + delay), stroke.curve.d, radius});
+                if (delay > 0.45)
+                    break;
             }
-        map = means;
+        std::stable_sort(spreads.begin(), spreads.end(),
+                         [](const Spread &a, const Spread &b) { return a.time > b.time; });
+        const Surface surface = sheet.canvas;
+        tagRECT clip = surface.rect();
+        fill(surface, inkTime(1.2));
+        for (const Spread &spread : spreads)
+            iFill_Circle_Safe(surface.pixels, &clip, surface.pitch, rounded(spread.middle.x) + sheet.border,
+                              rounded(spread.middle.y) + sheet.border, spread.radius, spread.time);
+
+        Map times(sheet.columns, sheet.rows);
+        for (int y = 0; y < sheet.rows; ++y)
+            for (int x = 0; x < sheet.columns; ++x)
+                times.at(x, y) = static_cast<double>(sheet.at(x, y));
+        times.smooth(2);
+        roughen(times, sheet.unit);
+        // Islands that would stay dry for long are inked with what is around them.
+        const int island = std::max(rounded(16 * sheet.unit), 1);
+        times.filter(island, [](const std::vector<double> &row) { return *std::min_element(row.begin(), row.end()); });
+        times.filter(island, [](const std::vector<double> &row) { return *std::max_element(row.begin(), row.end()); });
+        times.smooth(4);
+        settle(times);
+        stretchOver(width, height, grain, bled, [&](double x, double y) { return timeOf(times.between(x, y)); });
     }
 
     /// Paper does not take ink evenly: its fibres hurry it or hold it up.
-    void roughen() {
-        for (const double size : {64.0, 22.0, 8.0, 3.0}) {
+    static void roughen(Map &times, double unit) {
+        for (const double size : {64.0, 22.0, 8.0}) {
             const double cell = std::max(size * unit, 1.0);
-            const auto cells = static_cast<int>(columns / cell) + 2;
-            for (int y = 0; y < rows; ++y)
-                for (int x = 0; x < columns; ++x)
-                    at(coarse, x, y) +=
-                        roughness(x / cell, y / cell, cells) * wholeTime * (0.004 + 0.0002 * size) * at(bled, x, y);
+            const auto cells = static_cast<int>(times.width() / cell) + 2;
+            for (int y = 0; y < times.height(); ++y)
+                for (int x = 0; x < times.width(); ++x)
+                    times.at(x, y) += roughness(x / cell, y / cell, cells) * wholeTime * (0.004 + 0.0002 * size);
         }
     }
 
@@ -229,39 +321,19 @@ private:
                    easeInOut(y - row));
     }
 
-    /// The last pixels take ink in time; the nib keeps its own.
-    void settle() {
-        const double written = writingEnd * wholeTime;
-        const double last = std::max(*std::max_element(coarse.begin(), coarse.end()), written + 1);
-        const double room = allInked * wholeTime - written;
-        for (double &time : coarse)
-            if (time > written)
-                time = written + (time - written) * std::min(room / (last - written), 1.0);
+    /// The last pixels take ink in time.
+    static void settle(Map &times) {
+        double last = writingEnd * wholeTime + 1;
+        for (int y = 0; y < times.height(); ++y)
+            for (int x = 0; x < times.width(); ++x)
+                last = std::max(last, times.at(x, y));
+        const double begun = writingEnd * wholeTime;
+        const double room = allInked * wholeTime - begun;
+        for (int y = 0; y < times.height(); ++y)
+            for (int x = 0; x < times.width(); ++x)
+                if (double &time = times.at(x, y); time > begun)
+                    time = begun + (time - begun) * std::min(room / (last - begun), 1.0);
     }
-
-    void stretchOver(int width, int height) {
-        times.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x) {
-                const double left = (x + 0.5) / grain;
-                const double top = (y + 0.5) / grain;
-                const auto column = static_cast<int>(left);
-                const auto row = static_cast<int>(top);
-                const double time =
-                    mix(mix(at(coarse, column, row), at(coarse, column + 1, row), left - column),
-                        mix(at(coarse, column, row + 1), at(coarse, column + 1, row + 1), left - column), top - row);
-                times.push_back(static_cast<std::uint16_t>(std::clamp(time, 0.0, wholeTime - 1)));
-            }
-    }
-
-    double grain; ///< pixels of the frame to one of the canvas
-    double unit;  ///< pixels of the canvas to one of a frame of 1280 by 720
-    int columns;
-    int rows;
-    int border;
-    Canvas canvas;
-    std::vector<double> coarse; ///< the times on the canvas
-    std::vector<double> bled;   ///< 1 where the ink has come by itself, 0 where the nib has been
 };
 
 /// A fountain pen, with its point where it touches the paper.
@@ -284,19 +356,13 @@ public:
         pen = reduced(colours.surface(), columnsOf(1), rowsOf(1));
         shadow = reduced(shape.surface(), columnsOf(1), rowsOf(1));
         putAlpha(pen.surface(), shadow.surface(), 1, 0xFFFFFF);
-        tagRECT rect = shadow.rect();
-        Blur_Rect(shadow.surface().pixels, &rect, shadow.surface().pitch,
-                  std::min({rounded(7 * unit), shadow.width() / 2, shadow.height() / 2}));
+        blur(shadow, rounded(7 * unit));
         putAlpha(shadow.surface(), shadow.surface(), 0.45, 0);
     }
 
     void lay(const Surface &out, Point point, double lift) const {
         const auto layAt = [&](const Canvas &sprite, double x, double y) {
-            const Surface src = sprite.surface();
-            tagRECT whole = src.rect();
-            tagRECT clip = out.rect();
-            iBltFast32AlphaChannelSafe(out.pixels, src.pixels, rounded(x - before * unit), rounded(y - above * unit),
-                                       &whole, &clip, out.pitch, src.pitch);
+            show::lay(out, sprite, rounded(x - before * unit), rounded(y - above * unit));
         };
         layAt(shadow, point.x + (7 + lift) * unit, point.y + (9 + lift) * unit);
         layAt(pen, point.x, point.y);
@@ -347,7 +413,7 @@ private:
     tagPOINT place(double along, double aside) const {
         const double x = before + along * sineOf(slant) + aside * cosineOf(slant);
         const double y = above - along * cosineOf(slant) + aside * sineOf(slant);
-        return {static_cast<q_long>(std::floor(x * unit * fine)), static_cast<q_long>(std::floor(y * unit * fine))};
+        return pixelUnder({x * unit * fine, y * unit * fine});
     }
 
     template <class ColourAt>
@@ -395,14 +461,12 @@ private:
 class Pen : public Effect {
     void prepare(int width, int height) override {
         strokes = strokesOver(width, height);
-        times = Paper(width, height).times;
+        paper.prepare(width, height);
         unit = unitOf(width, height);
         sprite.draw(unit);
-        for (std::size_t i = 0; i < shades.size(); ++i) {
-            const double age = static_cast<double>(i) / static_cast<double>(shades.size());
-            const double wet = 1 - age;
-            shades[i] = {static_cast<q_ulong>(255 * easeInOut(stretch(age, 0.0, 0.06))),
-                         static_cast<q_ulong>(256 * 0.92 * wet * wet * wet)};
+        for (std::size_t i = 0; i < wetness.size(); ++i) {
+            const double wet = 1 - static_cast<double>(i) / static_cast<double>(wetness.size());
+            wetness[i] = 0.92 * wet * wet * wet;
         }
     }
 
@@ -419,8 +483,7 @@ class Pen : public Effect {
         iBltFast32SafeAlpha_Channel(out.pixels, inked->pixels, width / 2, height / 2, &rect, out.pitch, inked->pitch,
                                     out.width, out.height);
         // Whole pixels were copied with their opacity.
-        tagRECT frame = out.rect();
-        iFadeOut32(out.pixels, &frame, out.pitch, 1);
+        clearOpacity(out);
         if (moment.t < writingEnd + 0.05)
             drawPen(out, moment.t);
     }
@@ -428,25 +491,39 @@ class Pen : public Effect {
     /// Gives the pixels their opacity, and those on which the ink is wet its colour.
     void takeInk(const Surface &picture, double t) const {
         constexpr q_ulong ink = 0x161A4A;
-        const auto now = static_cast<int>(t * Paper::wholeTime);
         constexpr auto drying = static_cast<int>(0.10 * Paper::wholeTime);
+        constexpr double arrival = 0.006 * Paper::wholeTime;
+        const auto now = static_cast<int>(t * Paper::wholeTime);
         for (int y = 0; y < picture.height; ++y) {
             q_ulong *const row = picture.at(0, y);
-            const std::uint16_t *const time =
-                times.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width);
+            const std::size_t first = static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width);
+            const std::size_t below = y + 1 < picture.height ? static_cast<std::size_t>(picture.width) : 0;
             for (int x = 0; x < picture.width; ++x) {
-                const int age = now - time[x];
-                if (age <= 0) {
-                    row[x] = 0;
-                } else if (age >= drying) {
+                const std::size_t at = first + static_cast<std::size_t>(x);
+                const int bledAge = now - paper.bled[at];
+                if (bledAge >= drying) {
                     row[x] |= 0xFF000000;
-                } else {
-                    const Shade shade = shades[static_cast<std::size_t>(age) * shades.size() / drying];
-                    const auto mixed = [d = row[x], share = shade.ink](q_ulong channels) {
-                        return ((d & channels) * (256 - share) + (ink & channels) * share) >> 8 & channels;
-                    };
-                    row[x] = shade.opacity << 24 | mixed(0xFF00FF) | mixed(0x00FF00);
+                    continue;
                 }
+                const int writtenAge = now - paper.written[at];
+                // The front is no sharper than the pixels are fine.
+                const int beside = std::abs(paper.bled[at + (x + 1 < picture.width ? 1 : 0)] - paper.bled[at]);
+                const int under = std::abs(paper.bled[at + below] - paper.bled[at]);
+                const double front = std::max<double>(arrival, 1.4 * std::max(beside, under));
+                const double byNib = clampUnit(writtenAge / arrival) * paper.coverage[at] / 255;
+                const double byItself = (1 - byNib) * easeInOut(clampUnit(bledAge / front));
+                const double opacity = byNib + byItself;
+                if (opacity * 255 < 1) {
+                    row[x] = 0;
+                    continue;
+                }
+                const auto wetAt = [&](int age) {
+                    return age >= drying
+                               ? 0
+                               : wetness[static_cast<std::size_t>(std::max(age, 0)) * wetness.size() / drying];
+                };
+                const double wet = (byNib * wetAt(writtenAge) + byItself * wetAt(bledAge)) / opacity;
+                row[x] = opacityOf(255 * opacity) | mixColours(row[x], ink, wet);
             }
         }
     }
@@ -464,29 +541,21 @@ class Pen : public Effect {
             if (t >= stroke.begin)
                 point = stroke.curve.at(stretch(t, stroke.begin, stroke.end));
         sprite.lay(out, point, lift);
-        tagRECT clip = out.rect();
         const double twinkle = 0.5 + 0.5 * sineOf(9 * t);
-        Draw_Star_Type1_Safe(out.pixels, out.pitch, &clip, rounded(point.x + 14 * unit), rounded(point.y - 30 * unit),
-                             rounded(mix(16, 30, twinkle) * unit), 0xFFF4D0, static_cast<q_ulong>(40 * twinkle));
+        star(out, rounded(point.x + 14 * unit), rounded(point.y - 30 * unit), rounded(mix(16, 30, twinkle) * unit),
+             0xFFF4D0, 40 * twinkle);
     }
 
-    struct Shade {
-        q_ulong opacity;
-        q_ulong ink;
-    };
-
     std::vector<Stroke> strokes;
-    std::vector<std::uint16_t> times;
+    Paper paper;
     double unit = 1;
     PenSprite sprite;
-    std::array<Shade, 512> shades = {};
+    std::array<double, 512> wetness = {}; ///< by age
 };
 
-} // namespace
+const Registered<Pen> registered("pen", Effect::Kind::transition, Use::inTurn,
+                                 "a pen writes a flourish whose ink is the next photograph");
 
-EffectInfo pen() {
-    return {"pen", Effect::Kind::transition, "a pen writes a flourish whose ink is the next photograph",
-            makeEffect<Pen>};
-}
+} // namespace
 
 } // namespace show

@@ -6,6 +6,7 @@
 
 #include "../effect.h"
 #include "../mesh.h"
+#include "../painting.h"
 
 #include <utility>
 
@@ -29,11 +30,8 @@ class Roll : public Effect {
         // What has come round behind the drum is the next photograph.
         const Stage::Plane picture = stage.plane();
         const auto come = static_cast<q_long>(turn * out.height);
-        tagRECT next = {0, 0, out.width, come};
-        tagRECT rest = {0, come, out.width, out.height};
-        iBltFast32(picture->pixels, after->pixels, 0, 0, &next, picture->pitch, after->pitch);
-        iBltFast32(picture->pixels, before->pixels, 0, static_cast<q_ulong>(come), &rest, picture->pitch,
-                   before->pitch);
+        copy(picture, after, {0, 0, out.width, come});
+        copy(picture, before, {0, come, out.width, out.height});
         extendEdges(picture);
 
         Mesh mesh = Mesh::over(out.width, out.height, cellSize * out.height / 720);
@@ -85,11 +83,9 @@ class Roll : public Effect {
     }
 };
 
-} // namespace
+const Registered<Roll> registered("roll", Effect::Kind::transition, Use::inTurn,
+                                  "the photograph becomes a drum that rolls over to the next");
 
-EffectInfo roll() {
-    return {"roll", Effect::Kind::transition, "the photograph becomes a drum that rolls over to the next",
-            makeEffect<Roll>};
-}
+} // namespace
 
 } // namespace show

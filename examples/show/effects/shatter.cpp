@@ -3,11 +3,14 @@
 //
 // Uses i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe, the matrix stacks, the camera and VKD_Mapping3Dto2D of the pipeline (by
 // Space), fBubSun, fMean4Vector, Hor_Blur32, Ver_Blur32, iBltNear32, iBltFast32AlphaChannelSafe, iFadeOut32,
-// iBltFast32, iBltFast32Alpha, iFillRect, iBltPerfect32 (by Space).
+// iBltFast32, iBltFast32Alpha, iFillRect, iBltPerfect32 (by drawSupersampled).
 
 #include "../effect.h"
+#include "../painting.h"
+#include "../point.h"
 #include "../random.h"
 #include "../space.h"
+#include "../supersampling.h"
 
 #include <algorithm>
 #include <array>
@@ -29,16 +32,11 @@ struct Gloss {
 constexpr std::array<Gloss, 7> glosses = {{{0.50, 0}, {0.63, 0}, {0.76, 0}, {0.88, 0}, {1, 0}, {1, 0.13}, {1, 0.30}}};
 constexpr std::size_t untouched = 4;
 
-struct Place {
-    double x;
-    double y;
-};
-
 using Corners = std::array<_POINT3DFLOAT, 4>;
 
 /// A piece of the pane, and its way.
 struct Shard {
-    std::array<Place, 4> corners; ///< 0 to 1 of the frame
+    std::array<Point, 4> corners; ///< 0 to 1 of the frame
     double start;                 ///< when the crack reaches it
     double speedX, speedY, speedZ;
     double fall;
@@ -56,16 +54,16 @@ std::vector<Shard> breakPane(Random &random, double aspect) {
 
     const double impactX = random.between(0.38, 0.62);
     const double impactY = random.between(0.35, 0.55);
-    const Place impact = {impactX, impactY};
-    std::array<std::array<Place, rings.size()>, spokeCount> nodes;
+    const Point impact = {impactX, impactY};
+    std::array<std::array<Point, rings.size()>, spokeCount> nodes;
     for (int spoke = 0; spoke < spokeCount; ++spoke) {
         const int side = spoke / spokesToASide;
         const int place = spoke % spokesToASide;
         const double share = (place + (place == 0 ? 0 : random.between(-0.36, 0.36))) / spokesToASide;
-        const Place border = side == 0   ? Place{share, 0}
-                             : side == 1 ? Place{1, share}
-                             : side == 2 ? Place{1 - share, 1}
-                                         : Place{0, 1 - share};
+        const Point border = side == 0   ? Point{share, 0}
+                             : side == 1 ? Point{1, share}
+                             : side == 2 ? Point{1 - share, 1}
+                                         : Point{0, 1 - share};
         for (std::size_t ring = 0; ring < rings.size(); ++ring) {
             double reach = rings[ring];
             if (ring > 0 && ring + 1 < rings.size())
@@ -84,7 +82,7 @@ std::vector<Shard> breakPane(Random &random, double aspect) {
             shard.corners = {here[ring], next[ring], next[ring + 1], here[ring + 1]};
             double awayX = -4 * impact.x;
             double awayY = -4 * impact.y;
-            for (const Place &corner : shard.corners) {
+            for (const Point &corner : shard.corners) {
                 awayX += corner.x;
                 awayY += corner.y;
             }
@@ -123,38 +121,58 @@ class Shatter : public Effect {
         std::stable_sort(flights.begin(), flights.end(),
                          [](const Flight &a, const Flight &b) { return a.depth > b.depth; });
 
-        tagRECT frame = out.rect();
-        drawShot(stage, out, moment.b);
-        const double light = mix(0.55, 1, easeInOut(stretch(moment.t, 0.15, 0.95)));
-        if (light < 1)
-            iFadeOut32(out.pixels, &frame, out.pitch, static_cast<float>(light));
-        castShadows(stage, out, flights, space.scale());
-        space.fillWith(out);
+        const Stage::Plane ground = stage.plane();
+        drawShot(stage, ground, moment.b);
+        dim(ground, mix(0.55, 1, easeInOut(stretch(moment.t, 0.15, 0.95))));
+        castShadows(stage, ground, flights, space.scale());
 
         // The pane in every gloss, and the colour of its broken edges.
         const Stage::Plane plane = stage.plane();
+        drawShot(stage, plane, moment.a);
         const std::array<Stage::Plane, glosses.size()> panes = {
             stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane()};
-        drawShot(stage, plane, moment.a);
         const Stage::Plane edges = stage.plane();
-        iFillRect(edges->pixels, &frame, edges->pitch, 0xFFFFFF);
+        fill(edges, 0xFFFFFF);
         for (std::size_t i = 0; i < glosses.size(); ++i) {
-            iBltFast32(panes[i]->pixels, plane->pixels, 0, 0, &frame, panes[i]->pitch, plane->pitch);
-            if (glosses[i].brightness < 1)
-                iFadeOut32(panes[i]->pixels, &frame, panes[i]->pitch, static_cast<float>(glosses[i].brightness));
-            if (glosses[i].glare > 0)
-                iBltFast32Alpha(panes[i]->pixels, edges->pixels, 0, 0, &frame, panes[i]->pitch, edges->pitch,
-                                static_cast<float>(glosses[i].glare));
+            copy(panes[i], plane);
+            dim(panes[i], glosses[i].brightness);
+            blend(panes[i], edges, glosses[i].glare);
         }
-        iFillRect(edges->pixels, &frame, edges->pitch, glassEdge);
-        iBltFast32Alpha(edges->pixels, plane->pixels, 0, 0, &frame, edges->pitch, plane->pitch, 0.4F);
+        fill(edges, glassEdge);
+        blend(edges, plane, 0.4);
 
-        for (Flight &flight : flights) {
-            if (flight.isCracked)
-                draw(space.surface(), edges, flight.edge, flight.texels);
-            draw(space.surface(), panes[flight.gloss], flight.face, flight.texels);
-        }
-        space.show(out);
+        // What the cracks have not reached is the photograph itself.
+        for (const Shard &shard : shards)
+            if (moment.t <= shard.start) {
+                std::array<Point, 4> corners = shard.corners;
+                for (Point &corner : corners)
+                    corner = {corner.x * out.width, corner.y * out.height};
+                copyWithin(ground, plane, corners);
+            }
+        extendEdges(ground);
+
+        // Cracks are thin, and shards that are seen edge-on thinner still: the finer, the less they break up into dots.
+        const auto drawPart = [&]<int factor>(const Surface &part, int left, int top) {
+            drawEnlarged<factor>(part, ground, left, top);
+            const auto placed = [&](const Corners &corners) {
+                Corners moved = corners;
+                for (_POINT3DFLOAT &corner : moved) {
+                    corner.x = corner.x * factor / static_cast<float>(space.scale()) - static_cast<float>(left);
+                    corner.y = corner.y * factor / static_cast<float>(space.scale()) - static_cast<float>(top);
+                }
+                return moved;
+            };
+            for (Flight &flight : flights) {
+                if (!flight.isCracked)
+                    continue;
+                draw(part, edges, placed(flight.edge), flight.texels);
+                draw(part, panes[flight.gloss], placed(flight.face), flight.texels);
+            }
+        };
+        if (space.scale() > 1)
+            drawSupersampled<4>(stage, out, [&](auto &&...place) { drawPart.template operator()<4>(place...); });
+        else
+            drawSupersampled<2>(stage, out, [&](auto &&...place) { drawPart.template operator()<2>(place...); });
     }
 
     /// A shard at one moment, on the screen.
@@ -177,7 +195,7 @@ class Shatter : public Effect {
 
         Flight flight = {};
         for (std::size_t i = 0; i < 4; ++i) {
-            const Place &corner = shard.corners[i];
+            const Point &corner = shard.corners[i];
             flight.face[i] = {static_cast<float>((corner.x - 0.5) * width),
                               static_cast<float>((corner.y - 0.5) * height), 0, 0};
             flight.texels[i] = {std::min(static_cast<int>(corner.x * frame.width), frame.width - 1),
@@ -255,9 +273,8 @@ class Shatter : public Effect {
         const int height = (out.height + 1) / 2;
         const Surface mask = planes[0]->cropped(width, height);
         const Surface ink = planes[1]->cropped(width, height);
-        tagRECT area = mask.rect();
-        iFillRect(mask.pixels, &area, mask.pitch, 0);
-        iFillRect(ink.pixels, &area, ink.pitch, shadow);
+        fill(mask, 0);
+        fill(ink, shadow);
         std::array<_POINTINT, 4> anyTexels = {};
         for (Flight &flight : flights) {
             Corners shade = flight.shade;
@@ -267,30 +284,30 @@ class Shatter : public Effect {
             }
             draw(mask, ink, shade, anyTexels);
         }
-        const int softness = std::clamp(std::min(width, height) / 16, 1, 255);
-        for (int i = 0; i < 2; ++i) {
-            Hor_Blur32(ink.pixels, mask.pixels, softness, width, height, mask.pitch);
-            Ver_Blur32(mask.pixels, ink.pixels, softness, width, height, mask.pitch);
-        }
+        blurWithOpacity(mask, ink, std::max(std::min(width, height) / 16, 1), 2);
+        tagRECT area = mask.rect();
         tagRECT whole = {0, 0, 2 * width, 2 * height};
         iBltNear32(planes[2]->pixels, mask.pixels, &whole, &area, planes[2]->pitch, mask.pitch);
-        tagRECT frame = out.rect();
-        iBltFast32AlphaChannelSafe(out.pixels, planes[2]->pixels, 0, 0, &frame, &frame, out.pitch, planes[2]->pitch);
+        lay(out, planes[2], 0, 0);
     }
 
-    static void draw(const Surface &to, const Surface &texture, Corners &points, std::array<_POINTINT, 4> &texels) {
-        tagRECT clip = to.rect();
+    static void draw(const Surface &to, const Surface &texture, Corners points, std::array<_POINTINT, 4> &texels) {
+        const auto [leftmost, rightmost] = std::minmax({points[0].x, points[1].x, points[2].x, points[3].x});
+        const auto [topmost, lowest] = std::minmax({points[0].y, points[1].y, points[2].y, points[3].y});
+        if (rightmost < 0 || lowest < 0 || leftmost > static_cast<float>(to.width) ||
+            topmost > static_cast<float>(to.height))
+            return;
+        // The clip bounds the texels as well. Surfaces that are smaller than their texture lie on planes of its size.
+        tagRECT clip = {0, 0, std::max(to.width, texture.width), std::max(to.height, texture.height)};
         i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe(to.pixels, &points[0], &points[1], &points[2], &points[3],
                                                 texture.pixels, &texels[0], &texels[1], &texels[2], &texels[3], &clip,
-                                                static_cast<q_ulong>(to.pitch), static_cast<q_ulong>(texture.pitch));
+                                                to.unsignedPitch(), texture.unsignedPitch());
     }
 };
 
-} // namespace
+const Registered<Shatter> registered("shatter", Effect::Kind::transition, Use::inTurn,
+                                     "the photograph breaks like a pane and falls before the next");
 
-EffectInfo shatter() {
-    return {"shatter", Effect::Kind::transition, "the photograph breaks like a pane and falls before the next",
-            makeEffect<Shatter>};
-}
+} // namespace
 
 } // namespace show

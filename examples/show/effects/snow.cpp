@@ -5,7 +5,9 @@
 // iBltFast32SafeAlpha_Channel (blurred flakes); the sprites are drawn by iFillRect, iBltNear32_Z_Roto,
 // iBltNear32_Z_Roto_KeySrc and iBltPerfect32 (by reduced); iFadeOut32 dims the photograph.
 
+#include "../angle.h"
 #include "../effect.h"
+#include "../painting.h"
 #include "../random.h"
 
 #include <algorithm>
@@ -17,20 +19,16 @@ namespace show {
 
 namespace {
 
-constexpr double circle = 6.283185307179586;
+constexpr double circle = radiansIn(1);
 constexpr q_ulong snowWhite = 0xF2F6FF;
-
-void fill(const Surface &surface, tagRECT rect, q_ulong colour) {
-    iFillRect(surface.pixels, &rect, surface.pitch, colour);
-}
 
 /// A square turned through all angles around the middle of `out`: a disc. Every pixel carries the colour with `opacity`
 /// in its top byte.
-void layDisc(const Surface &out, double radius, q_ulong opacity) {
+void layDisc(const Surface &out, double radius, double opacity) {
     constexpr int side = 256;
     constexpr int turns = 64;
     const Canvas square(side, side);
-    fill(square.surface(), square.rect(), opacity << 24 | snowWhite);
+    fill(square, opacityOf(opacity) | snowWhite);
     tagRECT whole = square.rect();
     tagRECT clip = out.rect();
     const double scale = radius * 1.4142135623730951 / side;
@@ -55,7 +53,7 @@ Canvas drawBlurredFlake(double radius) {
     Canvas flake(2 * reach, 2 * reach);
     for (int i = 1; i <= steps; ++i) {
         const double inward = static_cast<double>(i) / steps;
-        layDisc(flake.surface(), radius * (1 - 0.8 * inward), static_cast<q_ulong>(density * easeInOut(inward)));
+        layDisc(flake.surface(), radius * (1 - 0.8 * inward), density * easeInOut(inward));
     }
     return flake;
 }
@@ -186,9 +184,8 @@ class Snow : public Effect {
     void render(Stage &, const Surface &out, const Moment &moment) const override {
         const Shot &shot = moment.a;
         const double seconds = shot.progress * shot.seconds;
-        tagRECT frame = out.rect();
         drawView(out, shot.photo, shot.camera.at(shot.progress));
-        iFadeOut32(out.pixels, &frame, out.pitch, 0.86F);
+        dim(out, 0.86);
 
         Random random(shot.seed);
         for (int i = 0; i < 90; ++i) {
@@ -232,10 +229,9 @@ class Snow : public Effect {
     std::vector<Canvas> blurred;
 };
 
-} // namespace
+const Registered<Snow> registered("snow", Effect::Kind::scene, Use::inTurn,
+                                  "snow drifts by in three depths before the photograph");
 
-EffectInfo snow() {
-    return {"snow", Effect::Kind::scene, "snow drifts by in three depths before the photograph", makeEffect<Snow>};
-}
+} // namespace
 
 } // namespace show

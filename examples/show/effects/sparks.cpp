@@ -1,15 +1,17 @@
 // Night falls over the photograph. Three neon tubes wind around each other across it and throw sparks where they grow,
 // rockets burst above, and all of their light falls on the picture.
 //
-// Uses DDLine_Fat (tubes), DDLine_Color_Change (rockets, and tubes that burn down), iLine_AntiAliasing_AddSome and
-// iLineAddSome (trails of sparks), Draw_Star_Type1_Safe (embers), Draw_Light_Safe (bursts); drawHalved, Blur_Rect and
-// iBltBilinear32 spread the light, iBltBilinear32_Add and iBltFast32_Add lay it on.
+// Uses DDLine_Fat (tubes), iLine_AntiAliasing_Max (rockets, trails of sparks, and tubes that burn down),
+// Draw_Star_Type1_Safe (embers), Draw_Light_Safe (bursts); drawHalved, Blur_Rect and iBltBilinear32 spread the light,
+// iBltBilinear32_Add and iBltFast32_Add lay it on.
 
 #include "../angle.h"
 #include "../effect.h"
 #include "../glow.h"
+#include "../painting.h"
 #include "../point.h"
 #include "../random.h"
+#include "../space.h"
 
 #include <algorithm>
 #include <array>
@@ -85,9 +87,33 @@ struct Piece {
     tagPOINT to;
     int halfWidth; ///< 0 where the tube has burnt down to a wire
     q_ulong colour;
-    double shine;     ///< of the wire at its beginning
-    double nextShine; ///< and at its end
+    double shine; ///< of the wire
 };
+
+/// The width of a fine line.
+int lineWidth(const Surface &light) {
+    return std::max(static_cast<int>(unitOf(light.width, light.height) + 0.5), 1);
+}
+
+/// A line of light. Where it crosses another one, the brighter one is seen.
+void drawLine(const Surface &light, tagPOINT from, tagPOINT to, q_ulong colour, int width) {
+    tagRECT clip = light.rect();
+    iLine_AntiAliasing_Max(light.pixels, &clip, light.pitch, static_cast<int>(from.x), static_cast<int>(from.y),
+                           static_cast<int>(to.x), static_cast<int>(to.y), colour, width);
+}
+
+/// The way on which something has come in the last `seconds`, `placeAt(age)` seconds ago, fading toward its beginning.
+template <class PlaceAt>
+void drawTrail(const Surface &light, double seconds, q_ulong colour, int width, PlaceAt placeAt) {
+    constexpr int pieces = 8;
+    tagPOINT from = placeAt(0.0);
+    for (int i = 1; i <= pieces; ++i) {
+        const tagPOINT to = placeAt(seconds * i / pieces);
+        const double left = 1 - (i - 0.5) / pieces;
+        drawLine(light, from, to, dimmed(colour, left * left), width);
+        from = to;
+    }
+}
 
 bool isSteep(const tagPOINT &from, const tagPOINT &to) {
     return std::abs(to.y - from.y) >= std::abs(to.x - from.x);
@@ -117,7 +143,7 @@ void addPieces(std::vector<Piece> &pieces, const Braid &braid, int strand, doubl
         const int halfWidth = static_cast<int>(10 * braid.scaleAt(time) * clampUnit(taper) * slant + 0.5);
         const auto shineAt = [=](double at) { return clampUnit((at - begin) / (wireSeconds + 0.1)); };
         pieces.push_back({place.nearness, strand * 100000 + i, from, to, halfWidth < 2 ? 0 : halfWidth,
-                          neon[static_cast<std::size_t>(strand)], shineAt(timeOf(i - 1)), shineAt(time)});
+                          neon[static_cast<std::size_t>(strand)], shineAt(time)});
         from = to;
     }
 }
@@ -167,20 +193,18 @@ void drawTubes(const Surface &light, const Braid &braid, double begin, double en
         return a.nearness != b.nearness ? a.nearness < b.nearness : a.index < b.index;
     });
     tagRECT clip = light.rect();
+    const int wire = lineWidth(light);
     const auto holds = [&](tagPOINT point) {
         return point.x >= 0 && point.x < light.width && point.y >= 0 && point.y < light.height;
     };
     for (const Piece &piece : pieces) {
-        if (!holds(piece.from) || !holds(piece.to))
-            continue;
         if (piece.halfWidth == 0) {
-            DDLine_Color_Change(light.pixels, light.pitch, static_cast<int>(piece.from.x),
-                                static_cast<int>(piece.from.y), static_cast<int>(piece.to.x),
-                                static_cast<int>(piece.to.y), mixColours(0, piece.colour, piece.shine),
-                                mixColours(0, piece.colour, piece.nextShine));
+            drawLine(light, piece.from, piece.to, mixColours(0, piece.colour, piece.shine), wire);
             continue;
         }
-        // A tube's red and blue are exchanged.
+        // A tube's ends must lie within the surface, and its red and blue are exchanged.
+        if (!holds(piece.from) || !holds(piece.to))
+            continue;
         const q_ulong exchanged = (piece.colour & 0xFF) << 16 | (piece.colour & 0xFF00) | piece.colour >> 16;
         DDLine_Fat(light.pixels, &clip, light.pitch, static_cast<int>(piece.from.x), static_cast<int>(piece.from.y),
                    static_cast<int>(piece.to.x), static_cast<int>(piece.to.y), exchanged, piece.halfWidth);
@@ -192,7 +216,6 @@ void drawTubes(const Surface &light, const Braid &braid, double begin, double en
 void drawWelding(const Surface &light, const Braid &braid, std::uint64_t seed, double growing, double now) {
     constexpr double rate = 260;
     constexpr double longest = 1.1;
-    tagRECT clip = light.rect();
     const auto first = static_cast<int>(std::max(now - longest, 0.0) * rate);
     const auto last = static_cast<int>(std::min(now, growing) * rate);
     for (int i = first; i < last; ++i) {
@@ -210,15 +233,12 @@ void drawWelding(const Surface &light, const Braid &braid, std::uint64_t seed, d
             return pixelAt(thrown(start, velocity, 1.2, 1500 * braid.unit, std::max(seconds, 0.0)));
         };
         const tagPOINT head = at(age);
-        const tagPOINT tail = at(age - 0.07);
         const double share = age / life;
         q_ulong colour = share < 0.4 ? mixColours(0xFFFFFF, 0xFFD060, share / 0.4)
                                      : mixColours(0xFFD060, 0xA02000, (share - 0.4) / 0.6);
         colour = mixColours(colour, 0, (share - 0.75) / 0.25);
-        iLineAddSome(light.pixels, light.pitch, static_cast<int>(head.x), static_cast<int>(head.y),
-                     static_cast<int>(tail.x), static_cast<int>(tail.y), colour, light.width, light.height);
-        Draw_Star_Type1_Safe(light.pixels, light.pitch, &clip, static_cast<int>(head.x), static_cast<int>(head.y),
-                             static_cast<int>(7 * braid.unit), colour, 64);
+        drawTrail(light, 0.07, colour, lineWidth(light), [&](double ago) { return at(age - ago); });
+        star(light, static_cast<int>(head.x), static_cast<int>(head.y), static_cast<int>(7 * braid.unit), colour, 64);
     }
     if (now >= growing)
         return;
@@ -226,8 +246,7 @@ void drawWelding(const Surface &light, const Braid &braid, std::uint64_t seed, d
         const tagPOINT head = pixelAt(braid.strandAt(strand, now).point);
         Random random(seedOf(seed, static_cast<int>(now * 60) * strands + strand));
         const int radius = static_cast<int>(braid.unit * random.between(24, 40));
-        Draw_Star_Type1_Safe(light.pixels, light.pitch, &clip, static_cast<int>(head.x), static_cast<int>(head.y),
-                             radius, 0xFFF0D8, 100);
+        star(light, static_cast<int>(head.x), static_cast<int>(head.y), radius, 0xFFF0D8, 100);
     }
 }
 
@@ -269,35 +288,16 @@ struct Rocket {
     }
 };
 
-/// A tail that cools down from white to nothing, on its way up.
+/// A tail that cools down on its way up.
 void drawRise(const Surface &light, const Rocket &rocket, double seconds) {
-    const auto inside = [&](tagPOINT point) {
-        return tagPOINT{std::clamp<q_long>(point.x, 0, light.width - 1),
-                        std::clamp<q_long>(point.y, 0, light.height - 1)};
-    };
-    // Three tails side by side, the outer ones shorter and darker.
-    const double unit = unitOf(light.width, light.height);
-    for (const int side : {-1, 1, 0}) {
-        const double aside = side * std::max(unit, 1.0);
-        const auto at = [&](double time) {
-            const Point point = rocket.riseAt(time);
-            return inside(pixelAt({point.x + aside, point.y}));
-        };
-        const tagPOINT head = at(seconds);
-        const tagPOINT middle = at(seconds - (side == 0 ? 0.04 : 0.03));
-        const tagPOINT tail = at(seconds - (side == 0 ? 0.16 : 0.11));
-        const q_ulong white = side == 0 ? 0xFFF6E0 : 0xA06828;
-        const q_ulong warm = side == 0 ? 0xFFA040 : 0x502008;
-        DDLine_Color_Change(light.pixels, light.pitch, static_cast<int>(middle.x), static_cast<int>(middle.y),
-                            static_cast<int>(tail.x), static_cast<int>(tail.y), warm, 0);
-        DDLine_Color_Change(light.pixels, light.pitch, static_cast<int>(head.x), static_cast<int>(head.y),
-                            static_cast<int>(middle.x), static_cast<int>(middle.y), white, warm);
-    }
+    const auto placeAt = [&](double ago) { return pixelAt(rocket.riseAt(seconds - ago)); };
+    const int width = lineWidth(light);
+    drawTrail(light, 0.16, 0xA06828, 3 * width, placeAt);
+    drawTrail(light, 0.12, 0xFFF6E0, width, placeAt);
 }
 
 void drawBurst(const Surface &light, const Rocket &rocket, double seconds) {
     const double unit = unitOf(light.width, light.height);
-    tagRECT clip = light.rect();
     const int sparks = rocket.isRing ? 80 : 130;
     // Close together at first, they would make a white ball.
     const double parted = mix(0.15, 1, stretch(seconds, 0.0, 0.2));
@@ -320,47 +320,37 @@ void drawBurst(const Surface &light, const Rocket &rocket, double seconds) {
         q_ulong colour = mixColours(0xFFFFFF, own, share / 0.22);
         colour = mixColours(colour, 0x701C00, (share - 0.7) / 0.3);
         colour = mixColours(colour, 0, (share - 0.8) / 0.2);
-        // Drawn in three lengths, so that the trail is bright at its head and bends with the way.
         const tagPOINT head = at(seconds);
-        for (const double length : {0.05, 0.11, 0.20}) {
-            const tagPOINT tail = at(seconds - length * mix(1, 0.7, share));
-            iLine_AntiAliasing_AddSome(light.pixels, &clip, light.pitch, static_cast<int>(head.x),
-                                       static_cast<int>(head.y), static_cast<int>(tail.x), static_cast<int>(tail.y),
-                                       mixColours(0, colour, 0.9 * parted), 1);
-        }
+        drawTrail(light, 0.2 * mix(1, 0.7, share), dimmed(colour, parted), lineWidth(light),
+                  [&](double ago) { return at(seconds - ago); });
         // Embers glitter toward their end.
         const double glitter = sineOf(flicker + 5 * seconds);
         const int radius = static_cast<int>(unit * mix(7, 11, clampUnit(glitter)));
         const double shine = mix(0.55, 1.0, clampUnit(glitter)) * (1 - share * share) * parted;
-        Draw_Star_Type1_Safe(light.pixels, light.pitch, &clip, static_cast<int>(head.x), static_cast<int>(head.y),
-                             radius, mixColours(own, 0xFFFFFF, 0.3), static_cast<q_ulong>(64 * shine));
+        star(light, static_cast<int>(head.x), static_cast<int>(head.y), radius, mixColours(own, 0xFFFFFF, 0.3),
+             64 * shine);
     }
     // A glare with a cross in it, which shrinks as the sparks part.
-    const double flash = std::min(stretch(seconds, 0.45, 0.0), stretch(seconds, -0.04, 0.05));
+    const double flash = easeInOut(std::min(stretch(seconds, 0.55, 0.1), stretch(seconds, 0, 0.2)));
     const auto x = static_cast<int>(rocket.place.x);
     const auto y = static_cast<int>(rocket.place.y);
     const q_ulong glare = mixColours(rocket.colour, 0xFFFFFF, flash * 0.6);
-    Draw_Light_Safe(light.pixels, light.pitch, &clip, x, y, static_cast<int>(190 * unit), glare,
-                    static_cast<q_ulong>(22 * flash * flash));
+    show::light(light, x, y, static_cast<int>(190 * unit), glare, 22 * flash);
     for (const int reach : {250, 110})
-        Draw_Star_Type1_Safe(light.pixels, light.pitch, &clip, x, y,
-                             static_cast<int>(reach * mix(0.6, 1, flash) * unit), glare,
-                             static_cast<q_ulong>(17 * flash));
+        star(light, x, y, static_cast<int>(reach * mix(0.6, 1, flash) * unit), glare, 17 * flash);
 }
 
 /// The picture in the dark: of each channel as much as there is light of its colour.
 void illuminate(const Surface &out, const Surface &light, double ambient) {
-    const auto dim = static_cast<q_ulong>(ambient * 256);
-    constexpr q_ulong gain = 2;
+    const auto dark = static_cast<int>(ambient * 256);
+    constexpr int gain = 2;
     for (int y = 0; y < out.height; ++y) {
         q_ulong *const row = out.at(0, y);
         const q_ulong *const shine = light.at(0, y);
         for (int x = 0; x < out.width; ++x) {
-            const auto lit = [d = row[x], s = shine[x], dim](int shift) {
-                const q_ulong strength = dim + gain * (s >> shift & 0xFF);
-                return std::min<q_ulong>((d >> shift & 0xFF) * strength >> 8, 255) << shift;
-            };
-            row[x] = lit(16) | lit(8) | lit(0);
+            row[x] = eachChannel([d = row[x], s = shine[x], dark](int shift) {
+                return channelOf(d, shift) * (dark + gain * channelOf(s, shift)) >> 8;
+            });
         }
     }
 }
@@ -372,10 +362,12 @@ class Sparks : public Effect {
         const double dusk = easeInOut(std::min(stretch(shot.progress, 0.0, 0.16), stretch(shot.progress, 1.0, 0.88)));
         drawView(out, shot.photo, shot.camera.at(shot.progress));
 
-        const Stage::Plane light = stage.plane();
-        clear(light);
+        // Drawn at twice the size where that can be, so that lines are smooth and move smoothly.
+        Space &space = stage.space();
+        const Surface large = space.surface().cropped(out.width * space.scale(), out.height * space.scale());
+        fill(large, 0);
         Random random(shot.seed);
-        const Braid braid(random, out);
+        const Braid braid(random, large);
         // The tubes set off when it has become dark, and end before it dawns.
         const double start = 0.08 * shot.seconds;
         const double growing = 0.78 * shot.seconds - start;
@@ -384,11 +376,13 @@ class Sparks : public Effect {
             const double end = std::min(time, growing);
             const double begin = std::max(time - tubeSeconds, 0.0) + std::max(2 * (time - growing), 0.0);
             if (begin < end)
-                drawTubes(light, braid, begin, end);
+                drawTubes(large, braid, begin, end);
         }
-        drawRockets(light, shot, now);
+        drawRockets(large, shot, now);
         if (time > 0)
-            drawWelding(light, braid, shot.seed, growing, time);
+            drawWelding(large, braid, shot.seed, growing, time);
+        const Stage::Plane light = stage.plane();
+        space.show(light);
 
         // The light close around what shines, and what of it reaches farther over the picture.
         const Stage::Plane planes[] = {stage.plane(), stage.plane(), stage.plane()};
@@ -399,22 +393,16 @@ class Sparks : public Effect {
         const Surface strong = planes[0]->cropped(close.width, close.height);
         copy(strong, close);
         for (int i = 0; i < 2; ++i)
-            addLight(strong, strong);
+            add(strong, strong);
         const Surface distant = softened(planes[2], strong, scaled(18));
         extendEdges(distant);
         const Surface spread = planes[0];
         tagRECT frame = out.rect();
         tagRECT whole = distant.rect();
-        iBltBilinear32(spread.pixels, distant.pixels, &frame, &whole, static_cast<q_ulong>(spread.pitch),
-                       static_cast<q_ulong>(distant.pitch));
+        iBltBilinear32(spread.pixels, distant.pixels, &frame, &whole, spread.unsignedPitch(), distant.unsignedPitch());
         illuminate(out, spread, mix(1, 0.24, dusk));
         addLight(out, close, 0.75);
-        addLight(out, light);
-    }
-
-    static void copy(const Surface &out, const Surface &from) {
-        tagRECT whole = from.rect();
-        iBltFast32(out.pixels, from.pixels, 0, 0, &whole, out.pitch, from.pitch);
+        add(out, light);
     }
 
     static void drawRockets(const Surface &light, const Shot &shot, double now) {
@@ -431,11 +419,9 @@ class Sparks : public Effect {
     }
 };
 
-} // namespace
+const Registered<Sparks> registered("sparks", Effect::Kind::scene, Use::inTurn,
+                                    "neon tubes and fireworks shine on the darkened photograph");
 
-EffectInfo sparks() {
-    return {"sparks", Effect::Kind::scene, "neon tubes and fireworks shine on the darkened photograph",
-            makeEffect<Sparks>};
-}
+} // namespace
 
 } // namespace show

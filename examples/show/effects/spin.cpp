@@ -3,6 +3,7 @@
 // Uses iBltLinear32_Z_Roto_Alpha, iFadeOut32.
 
 #include "../effect.h"
+#include "../painting.h"
 
 #include <cmath>
 
@@ -26,8 +27,7 @@ class Spin : public Effect {
         drawView(picture, whole, wholeOf(whole));
 
         drawShot(stage, out, moment.b);
-        tagRECT frame = out.rect();
-        iFadeOut32(out.pixels, &frame, out.pitch, static_cast<float>(mix(0.35, 1.0, easeOut(moment.t))));
+        dim(out, mix(0.35, 1.0, easeOut(moment.t)));
 
         const double fall = easeInOut(moment.t);
         const double angle = 4.5 * easeIn(moment.t);
@@ -40,13 +40,14 @@ class Spin : public Effect {
             iBltLinear32_Z_Roto_Alpha(out.pixels, out.pitch, picture.pixels, picture.pitch, &clip, &photo,
                                       out.width / 2, out.height / 2, static_cast<float>(angle),
                                       static_cast<float>(scale), static_cast<float>(alpha));
+        // It begins with the photograph itself, which the rotator softens and enlarges a little.
+        blend(out, whole, 1 - easeInOut(stretch(moment.t, 0, 0.12)));
     }
 };
 
-} // namespace
+const Registered<Spin> registered("spin", Effect::Kind::transition, Use::inTurn,
+                                  "the photograph spins away into the depth");
 
-EffectInfo spin() {
-    return {"spin", Effect::Kind::transition, "the photograph spins away into the depth", makeEffect<Spin>};
-}
+} // namespace
 
 } // namespace show

@@ -8,6 +8,9 @@
 
 #include "../angle.h"
 #include "../effect.h"
+#include "../lettering.h"
+#include "../painting.h"
+#include "../point.h"
 
 #include <algorithm>
 #include <array>
@@ -15,82 +18,15 @@
 #include <string>
 #include <vector>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QMUR_SHOW_DETECT_LEAKS
-#include <sanitizer/lsan_interface.h>
-#endif
-#endif
-
 namespace show {
 
 namespace {
 
-constexpr q_ulong ink = 0xFFFFFF;
 constexpr double slopeOfOne = 64; // a slope of 1 in a light map
-
-int rounded(double value) {
-    return static_cast<int>(std::floor(value + 0.5));
-}
 
 /// In steps of 1/256. A share beyond 0 to 1 is cut off there.
 int share(double value) {
     return rounded(256 * clampUnit(value));
-}
-
-int widthOf(const tagRECT &rect) {
-    return static_cast<int>(rect.right - rect.left);
-}
-
-int heightOf(const tagRECT &rect) {
-    return static_cast<int>(rect.bottom - rect.top);
-}
-
-/// What is not 0 on the surface; empty if all of it is.
-tagRECT boundsOf(const Surface &surface) {
-    tagRECT bounds = {surface.width, surface.height, 0, 0};
-    for (q_long y = 0; y < surface.height; ++y)
-        for (q_long x = 0; x < surface.width; ++x)
-            if (*surface.at(static_cast<int>(x), static_cast<int>(y)) != 0)
-                bounds = {std::min(bounds.left, x), std::min(bounds.top, y), std::max(bounds.right, x + 1),
-                          std::max(bounds.bottom, y + 1)};
-    return bounds;
-}
-
-/// Writes a line in the middle of `place`, as large as that allows. False if there are no letters to be had.
-bool writeLine(const Surface &out, const char *line, const tagRECT &place) {
-    const Canvas scratch(out.width, out.height);
-    const Surface paper = scratch.surface();
-    tagRECT whole = paper.rect();
-    std::vector<char> text(line, line + std::char_traits<char>::length(line) + 1);
-    char face[] = "Verdana";
-    const auto write = [&](int size) {
-#if defined(QMUR_SHOW_DETECT_LEAKS)
-        // fontconfig keeps its settings behind offsets that a leak detector does not follow.
-        const __lsan::ScopedDisabler disabler;
-#endif
-        iFillRect(paper.pixels, &whole, paper.pitch, 0);
-        return size > 0 && iTextOut(paper.pixels, &whole, paper.pitch, text.data(), ink, 0, 0, size, face) != 0;
-    };
-    // First small enough to be seen whole, then to measure.
-    const int tried = std::min(widthOf(place) / static_cast<int>(text.size()), heightOf(place));
-    if (!write(tried))
-        return false;
-    const tagRECT trial = boundsOf(paper);
-    if (trial.left >= trial.right)
-        return false;
-    const double growth = std::min(static_cast<double>(widthOf(place)) / widthOf(trial),
-                                   static_cast<double>(heightOf(place)) / heightOf(trial));
-    if (!write(static_cast<int>(tried * growth)))
-        return false;
-    tagRECT letters = boundsOf(paper);
-    if (letters.left >= letters.right)
-        return false;
-    const q_long left = place.left + (widthOf(place) - widthOf(letters)) / 2;
-    const q_long top = place.top + (heightOf(place) - heightOf(letters)) / 2;
-    iBltFast32_Advanced(out.pixels, paper.pixels, static_cast<int>(left), static_cast<int>(top), &letters, out.pitch,
-                        paper.pitch, out.width, out.height);
-    return true;
 }
 
 /// \param waist where the points part, in radii
@@ -162,6 +98,11 @@ class Title : public Effect {
         int slopeY;
     };
 
+    void write(const std::string &title, const std::string &subtitle) override {
+        line = title;
+        secondLine = subtitle;
+    }
+
     void prepare(int width, int height) override {
         // At twice the frame's size, so that halving smooths the edges, but no larger than is soon made.
         constexpr double widest = 2600;
@@ -179,18 +120,19 @@ class Title : public Effect {
         };
         const Canvas title(mapWidth, mapHeight);
         const Canvas subtitle(mapWidth, mapHeight);
-        const bool hasLetters = writeLine(title.surface(), "q_Mur", band(0.10, 0.22, 0.90, 0.64)) &&
-                                writeLine(subtitle.surface(), "moving pictures of photographs", //
-                                          band(0.16, 0.70, 0.84, 0.78));
+        // Alone, it stands in the middle.
+        const double lower = secondLine.empty() ? 0.08 : 0;
+        const bool hasLetters = !line.empty() && writeLine(title, line, band(0.10, 0.22 + lower, 0.90, 0.64 + lower));
         if (hasLetters) {
             emboss(title.surface(), 0.17, 0.30);
-            emboss(subtitle.surface(), 0.14, 0.25);
+            if (!secondLine.empty() && writeLine(subtitle, secondLine, band(0.16, 0.70, 0.84, 0.78)))
+                emboss(subtitle.surface(), 0.14, 0.25);
         } else {
             const Canvas ornament(mapWidth, mapHeight);
             drawOrnament(ornament.surface());
             emboss(ornament.surface(), 0.08, 0.20);
         }
-        smooth(std::clamp(0.0023 * mapHeight, 0.4, 10.0));
+        smooth(std::clamp(0.0060 * mapHeight, 0.4, 12.0));
         for (Canvas &map : maps)
             map = reduced(map.surface(), width, height);
         castShadow(width, height);
@@ -206,8 +148,7 @@ class Title : public Effect {
         constexpr int border = 4;
         const Canvas cut(widthOf(bounds) + 2 * border, heightOf(bounds) + 2 * border);
         const Surface letters = cut.surface();
-        tagRECT from = bounds;
-        iBltFast32(letters.pixels, shape.pixels, border, border, &from, letters.pitch, shape.pitch);
+        copy(letters, border, border, shape, bounds);
 
         const int bevelSize = std::max(static_cast<int>(bevel * heightOf(bounds)), 2);
         const int lensSize = std::max(static_cast<int>(lens * heightOf(bounds)), 2);
@@ -279,14 +220,14 @@ class Title : public Effect {
         }
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x) {
-                const int coverage = channel(*packed.at(x, y), 0);
-                const int around = channel(*blurred[2].surface().at(x, y), 0);
+                const int coverage = channelOf(*packed.at(x, y), 0);
+                const int around = channelOf(*blurred[2].surface().at(x, y), 0);
                 if (coverage == 0 || around == 0)
                     continue;
                 for (std::size_t i = 0; i < blurred.size(); ++i) {
                     const q_ulong mean = *blurred[i].surface().at(x, y);
                     *maps[i].surface().at(x, y) =
-                        eachChannel([&](int shift) { return channel(mean, shift) * coverage / around; });
+                        eachChannel([&](int shift) { return channelOf(mean, shift) * coverage / around; });
                 }
                 *packed.at(x, y) = (*packed.at(x, y) & 0xFFFF00) | static_cast<q_ulong>(coverage);
             }
@@ -350,9 +291,7 @@ class Title : public Effect {
         drawView(picture, shot.photo, shot.camera.at(shot.progress));
         const double shown =
             easeInOut(stretch(shot.progress, 0.06, 0.34)) * (1 - easeInOut(stretch(shot.progress, 0.68, 0.94)));
-        tagRECT frame = picture.rect();
-        if (shown > 0)
-            iFadeOut32(picture.pixels, &frame, picture.pitch, static_cast<float>(1 - 0.34 * shown));
+        dim(picture, 1 - 0.34 * shown);
         extendEdges(picture);
 
         const Lighting lighting = lightingAt(out, shot.progress);
@@ -373,17 +312,17 @@ class Title : public Effect {
         constexpr int darkest = 170;
         const int lit = 256 - (shadow * risen * darkest >> 16);
         if (coverage == 0)
-            return eachChannel([&](int shift) { return channel(below, shift) * lit >> 8; });
+            return eachChannel([&](int shift) { return channelOf(below, shift) * lit >> 8; });
 
         const auto weighted = [&](q_ulong three, int fourth) {
-            return (channel(three, 16) * lighting.weights[0] + channel(three, 8) * lighting.weights[1] +
-                    channel(three, 0) * lighting.weights[2] + fourth * lighting.weights[3]) /
+            return (channelOf(three, 16) * lighting.weights[0] + channelOf(three, 8) * lighting.weights[1] +
+                    channelOf(three, 0) * lighting.weights[2] + fourth * lighting.weights[3]) /
                    coverage; // weights add up to 256 and coverage is one of 255: the two all but cancel out
         };
-        const int diffuse = 2 * weighted(*maps[0].surface().at(x, y), channel(rest, 16));
-        const int specular = weighted(*maps[1].surface().at(x, y), channel(rest, 8));
+        const int diffuse = 2 * weighted(*maps[0].surface().at(x, y), channelOf(rest, 16));
+        const int specular = weighted(*maps[1].surface().at(x, y), channelOf(rest, 8));
         const auto slope = [&](int shift) {
-            return (channel(slopes, shift) * 255.0 / coverage - 128) / slopeOfOne * lighting.reach * risen / 256;
+            return (channelOf(slopes, shift) * 255.0 / coverage - 128) / slopeOfOne * lighting.reach * risen / 256;
         };
         const q_ulong bent = sampled(picture, x + slope(16), y + slope(8));
 
@@ -395,22 +334,12 @@ class Title : public Effect {
         const int opacity = coverage * risen / 255;
         return eachChannel([&](int shift) {
             const int warmth = shift == 16 ? 256 : shift == 8 ? 248 : 228;
-            const int clear = std::min(channel(bent, shift) * 304 >> 8, 255);
+            const int clear = std::min(channelOf(bent, shift) * 304 >> 8, 255);
             const int frost = 58 + (255 - clear) / 5; // more where it is dark, so that letters stand out there too
             const int glass = ((clear + frost) * std::max(brightness, 40) >> 8) + (highlight * warmth >> 8);
-            const int ground = channel(below, shift) * lit >> 8;
+            const int ground = channelOf(below, shift) * lit >> 8;
             return ground + ((std::min(glass, 255) - ground) * opacity >> 8);
         });
-    }
-
-    static int channel(q_ulong pixel, int shift) { return static_cast<int>(pixel >> shift & 0xFF); }
-
-    template <class LevelOf>
-    static q_ulong eachChannel(LevelOf levelOf) {
-        q_ulong pixel = 0;
-        for (const int shift : {16, 8, 0})
-            pixel |= static_cast<q_ulong>(std::clamp(levelOf(shift), 0, 255)) << shift;
-        return pixel;
     }
 
     /// The picture between its pixels.
@@ -421,20 +350,21 @@ class Title : public Effect {
         const int lower = fineY & 15;
         const q_ulong *const at = picture.at(fineX >> 4, fineY >> 4);
         return eachChannel([&](int shift) {
-            const int above = channel(at[0], shift) * (16 - right) + channel(at[1], shift) * right;
+            const int above = channelOf(at[0], shift) * (16 - right) + channelOf(at[1], shift) * right;
             const int under =
-                channel(at[picture.pitch], shift) * (16 - right) + channel(at[picture.pitch + 1], shift) * right;
+                channelOf(at[picture.pitch], shift) * (16 - right) + channelOf(at[picture.pitch + 1], shift) * right;
             return (above * (16 - lower) + under * lower) >> 8;
         });
     }
 
+    std::string line;
+    std::string secondLine;
     std::array<Canvas, 4> maps;
 };
 
-} // namespace
+const Registered<Title> registered("title", Effect::Kind::scene, Use::onRequest,
+                                   "a title of glass rises out of the photograph");
 
-EffectInfo title() {
-    return {"title", Effect::Kind::scene, "a title of glass rises out of the photograph", makeEffect<Title>};
-}
+} // namespace
 
 } // namespace show

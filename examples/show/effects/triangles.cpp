@@ -7,6 +7,7 @@
 
 #include "../effect.h"
 #include "../flight.h"
+#include "../painting.h"
 #include "../random.h"
 #include "../supersampling.h"
 
@@ -23,6 +24,7 @@ constexpr int cellsAcross = 4;   // the frame's shorter side
 constexpr double fallTime = 0.5; // of the transition
 constexpr int lightLevels = 6;
 constexpr double darkest = 0.45;
+constexpr double overlap = 2.5; // in pixels at the corners, of shards that have all but landed
 
 /// A shard of the photograph.
 struct Shard {
@@ -37,8 +39,8 @@ struct Shard {
 /// A shard at a moment of its fall.
 struct FallingShard {
     std::array<tagPOINT, 3> home;
-    std::array<Place, 3> corners;
-    std::array<Place, 3> shadow;
+    std::array<Point, 3> corners;
+    std::array<Point, 3> shadow;
     double height; ///< above the photograph, from 1 to 0
     std::size_t level;
 };
@@ -89,11 +91,10 @@ class Triangles : public Effect {
                                                   stage.plane(), stage.plane(), stage.plane()};
         drawShot(stage, ground, moment.a);
         drawShot(stage, levels[lightLevels - 1], moment.b);
-        tagRECT frame = out.rect();
         for (int i = 0; i + 1 < lightLevels; ++i) {
             const Surface &level = levels[i];
-            iBltFast32(level.pixels, levels[lightLevels - 1]->pixels, 0, 0, &frame, level.pitch, level.pitch);
-            iFadeOut32(level.pixels, &frame, level.pitch, static_cast<float>(mix(darkest, 1, i / (lightLevels - 1.0))));
+            copy(level, levels[lightLevels - 1]);
+            dim(level, mix(darkest, 1, i / (lightLevels - 1.0)));
         }
         // Sampling reaches the lower end of a shard a little early, and what lies behind it.
         for (const Stage::Plane &level : levels)
@@ -113,33 +114,43 @@ class Triangles : public Effect {
         std::stable_sort(falling.begin(), falling.end(), [](const FallingShard &lower, const FallingShard &higher) {
             return lower.height < higher.height;
         });
-        for (const FallingShard &shard : lying)
-            reveal(ground, levels[lightLevels - 1], shard);
+        for (const FallingShard &shard : lying) {
+            std::array<Point, 3> home;
+            std::transform(shard.home.begin(), shard.home.end(), home.begin(), [](const tagPOINT &corner) {
+                return Point{static_cast<double>(corner.x), static_cast<double>(corner.y)};
+            });
+            copyWithin(ground, levels[lightLevels - 1], home);
+        }
         std::vector<Shadow> shadows;
         for (const FallingShard &shard : falling)
             shadows.push_back({{shard.shadow[0], shard.shadow[1], shard.shadow[2], shard.shadow[2]},
                                140 * clampUnit(shard.height * 8)});
         castShadows(stage, ground, shadows, out.height / 30);
 
-        drawSupersampled(stage, out, [&](const Surface &part, int left, int top) {
-            drawDoubled(part, ground, left, top);
+        extendEdges(ground);
+        const auto drawPart = [&]<int factor>(const Surface &part, int left, int top) {
+            drawEnlarged<factor>(part, ground, left, top);
             for (const FallingShard &shard : falling)
-                lay(part, left, top, levels[shard.level], shard);
-        });
+                lay(part, factor, left, top, levels[shard.level], shard);
+        };
+        constexpr int largestFine = 2560;
+        if (std::max(out.width, out.height) <= largestFine)
+            drawSupersampled<4>(stage, out, [&](auto &&...place) { drawPart.template operator()<4>(place...); });
+        else
+            drawSupersampled<2>(stage, out, [&](auto &&...place) { drawPart.template operator()<2>(place...); });
         // The triangles' sampling leaves shards up to a pixel beside the photograph that follows.
-        iBltFast32Alpha(out.pixels, levels[lightLevels - 1]->pixels, 0, 0, &frame, out.pitch, out.pitch,
-                        static_cast<float>(easeInOut(stretch(moment.t, 0.85, 1))));
+        blend(out, levels[lightLevels - 1], easeInOut(stretch(moment.t, 0.85, 1)));
     }
 
     static FallingShard shardAt(const Shard &shard, double way, const Surface &out) {
         const double unit = out.height;
         const double height = (1 - way) * (1 - way);
-        Place middle = {0, 0};
+        Point middle = {0, 0};
         for (const tagPOINT &corner : shard.home) {
             middle.x += static_cast<double>(corner.x) / 3;
             middle.y += static_cast<double>(corner.y) / 3;
         }
-        const Place place = {middle.x + shard.drift * unit * height, middle.y - 1.45 * unit * height};
+        const Point place = {middle.x + shard.drift * unit * height, middle.y - 1.45 * unit * height};
         const Attitude attitude = {place, 0.75 * unit * height, shard.spin * height, shard.axis, shard.turn * height};
         FallingShard result = {shard.home, {}, {}, height, lightLevels - 1};
         for (std::size_t i = 0; i < 3; ++i) {
@@ -150,6 +161,14 @@ class Triangles : public Effect {
             result.corners[i] = seen.place;
             result.shadow[i] = seen.shadow;
         }
+        // What has all but landed reaches a little over its edge, or dotted lines would show between neighbours.
+        const double reach = clampUnit(1 - height * 60);
+        for (std::size_t i = 0; i < 3; ++i) {
+            const double x = static_cast<double>(shard.home[i].x) - middle.x;
+            const double y = static_cast<double>(shard.home[i].y) - middle.y;
+            const double share = reach * overlap / (std::sqrt(x * x + y * y) + 1);
+            result.corners[i] = between(result.corners[i], {result.corners[i].x + x, result.corners[i].y + y}, share);
+        }
         // The face turned to the light, from above, is bright, and the back of a shard is dark.
         const double facing = cosineOf(attitude.tilt);
         const double light = clampUnit(mix(facing < 0 ? 0 : 0.35, 1, std::abs(facing)) -
@@ -158,32 +177,24 @@ class Triangles : public Effect {
         return result;
     }
 
-    /// The shard in its place: the photograph's own pixels.
-    static void reveal(const Surface &ground, const Surface &photo, const FallingShard &shard) {
-        tagRECT frame = ground.rect();
-        std::array<_POINTINT, 3> home;
-        for (std::size_t i = 0; i < 3; ++i)
-            home[i] = {static_cast<int>(shard.home[i].x), static_cast<int>(shard.home[i].y)};
-        blit(ground, frame, photo, home, home);
-    }
-
-    static void lay(const Surface &part, int left, int top, const Surface &photo, const FallingShard &shard) {
+    static void lay(const Surface &part, int factor, int left, int top, const Surface &photo,
+                    const FallingShard &shard) {
         std::array<_POINTINT, 3> home;
         std::array<_POINTINT, 3> corners;
         for (std::size_t i = 0; i < 3; ++i) {
             home[i] = {static_cast<int>(shard.home[i].x), static_cast<int>(shard.home[i].y)};
-            corners[i] = {wholePixel(2 * shard.corners[i].x) - left, wholePixel(2 * shard.corners[i].y) - top};
+            corners[i] = {rounded(factor * shard.corners[i].x) - left, rounded(factor * shard.corners[i].y) - top};
         }
-        blit(part, part.rect(), photo, corners, home);
-        // The edges catch the light. Lines stay away from the end of their clip, which is why it reaches into the
-        // margin.
-        tagRECT clip = {-3, -3, part.width + 3, part.height + 3};
-        const auto level = static_cast<q_ulong>(90 * clampUnit(shard.height * 7));
+        // The clip bounds what is read of the photograph as well. A part that is smaller lies on a plane of its size.
+        blit(part, {0, 0, std::max(part.width, photo.width), std::max(part.height, photo.height)}, photo, corners,
+             home);
+        // The edges catch the light.
+        tagRECT clip = part.rect();
+        const q_ulong gleam = greyOf(90 * clampUnit(shard.height * 7));
         for (std::size_t i = 0; i < 3; ++i) {
             const _POINTINT &from = corners[i];
             const _POINTINT &to = corners[(i + 1) % 3];
-            iLine_AntiAliasing_Add(part.pixels, &clip, part.pitch, from.x, from.y, to.x, to.y,
-                                   level << 16 | level << 8 | level, 2);
+            iLine_AntiAliasing_Add(part.pixels, &clip, part.pitch, from.x, from.y, to.x, to.y, gleam, factor);
         }
     }
 
@@ -196,11 +207,9 @@ class Triangles : public Effect {
     std::vector<Shard> shards;
 };
 
-} // namespace
+const Registered<Triangles> registered("triangles", Effect::Kind::transition, Use::inTurn,
+                                       "shards rain down and fit together to the next photograph");
 
-EffectInfo triangles() {
-    return {"triangles", Effect::Kind::transition, "shards rain down and fit together to the next photograph",
-            makeEffect<Triangles>};
-}
+} // namespace
 
 } // namespace show

@@ -7,6 +7,8 @@
 #include "../angle.h"
 #include "../backdrop.h"
 #include "../effect.h"
+#include "../painting.h"
+#include "../point.h"
 #include "../supersampling.h"
 
 #include <algorithm>
@@ -67,16 +69,15 @@ double angleAt(const Page &page, double place) {
 }
 
 void fadeColumns(const Surface &picture, int left, int right, double factor) {
-    tagRECT rect = {left, 0, right, picture.height};
-    iFadeOut32(picture.pixels, &rect, picture.pitch, static_cast<float>(factor));
+    dim(picture, {left, 0, right, picture.height}, factor);
 }
 
 void layMargin(const Surface &picture, int thickness) {
     const q_long width = picture.width;
     const q_long height = picture.height;
-    for (tagRECT band : {tagRECT{0, 0, width, thickness}, tagRECT{0, height - thickness, width, height},
-                         tagRECT{0, 0, thickness, height}, tagRECT{width - thickness, 0, width, height}})
-        iFillRect(picture.pixels, &band, picture.pitch, paper);
+    for (const tagRECT band : {tagRECT{0, 0, width, thickness}, tagRECT{0, height - thickness, width, height},
+                               tagRECT{0, 0, thickness, height}, tagRECT{width - thickness, 0, width, height}})
+        fill(picture, band, paper);
     extendEdges(picture);
 }
 
@@ -98,20 +99,21 @@ class TurnPage : public Effect {
                      {out.width / 2 - halfWidth - soft, out.height / 2 - halfHeight, 2 * (halfWidth + soft),
                       2 * (halfHeight + soft)});
 
+        extendEdges(backdrop);
+
         const Page page = bentPage(stretch(moment.t, 0.06, 0.94), out.width);
         const int margin = static_cast<int>(away * out.height / 32);
         layMargin(before, margin);
         layMargin(after, margin);
-        light(before, after, page, away);
+        shade(before, after, page, away);
 
         const int spine = out.width / 2;
         const int pivotY = out.height / 2;
         drawSupersampled(stage, out, [&](const Surface &part, int left, int top) {
-            drawDoubled(part, backdrop, left, top);
+            drawEnlarged(part, backdrop, left, top);
             const auto lay = [&](q_ulong *front, q_ulong *back, double angle, double scale, double perspective,
                                  tagRECT rect, int pivotX, double place) {
-                const tagPOINT centre = {static_cast<q_long>(std::floor(2 * (spine + size * place) + 0.5)) - left,
-                                         2 * pivotY - top};
+                const tagPOINT centre = {rounded(2 * (spine + size * place)) - left, 2 * pivotY - top};
                 iBltNear32_Y_Roto(part.pixels, front, back, nullptr, radiansIn(angle), 2 * size * scale, perspective,
                                   rect, centre, {pivotX, pivotY}, 0, 0, 0, part.pitch, part.width, part.height);
             };
@@ -129,10 +131,19 @@ class TurnPage : public Effect {
                     {strip.left, 0, right, out.height}, strip.left, strip.place);
             }
         });
+
+        // It begins and ends with the photographs themselves, which the book softens a little.
+        constexpr double blending = 0.08;
+        const double share = 1 - std::min(moment.t, 1 - moment.t) / blending;
+        if (share > 0) {
+            const Stage::Plane &photo = backdrop;
+            drawShot(stage, photo, moment.t < 0.5 ? moment.a : moment.b);
+            blend(out, photo, share);
+        }
     }
 
     /// Shades the halves that lie flat under the page, and the page by how it stands to the light.
-    static void light(const Surface &before, const Surface &after, const Page &page, double strength) {
+    static void shade(const Surface &before, const Surface &after, const Page &page, double strength) {
         const int width = before.width;
         const int spine = width / 2;
         const double pageWidth = width - spine;
@@ -171,11 +182,9 @@ class TurnPage : public Effect {
     }
 };
 
-} // namespace
+const Registered<TurnPage> registered("turn-page", Effect::Kind::transition, Use::inTurn,
+                                      "a page of a book turns over to the next photograph");
 
-EffectInfo turnPage() {
-    return {"turn-page", Effect::Kind::transition, "a page of a book turns over to the next photograph",
-            makeEffect<TurnPage>};
-}
+} // namespace
 
 } // namespace show

@@ -5,8 +5,10 @@
 // VKD_Mapping3Dto2D (its place in space), iSin (the waves), Blur_Rect and iFadeOut32 (the ground), Rect_Safe,
 // Hor_Blur32, Ver_Blur32 and iBltFast32AlphaChannelSafe (its shadow).
 
+#include "../angle.h"
 #include "../effect.h"
 #include "../mesh.h"
+#include "../painting.h"
 
 #include <algorithm>
 #include <array>
@@ -15,13 +17,6 @@
 namespace show {
 
 namespace {
-
-/// Between two entries of the library's table, which goes round once in 8192.
-double sineOf(double turns) {
-    const double entries = (turns - std::floor(turns)) * 8192;
-    const int index = static_cast<int>(entries);
-    return mix(iSin[index & 8191], iSin[(index + 1) & 8191], entries - index) / 32768;
-}
 
 /// A train of waves; lengths in frame heights, times in seconds.
 struct Train {
@@ -50,8 +45,7 @@ class Wave : public Effect {
         if (aloft <= 0)
             return;
         const Stage::Plane picture = stage.plane();
-        tagRECT frame = out.rect();
-        iBltFast32(picture->pixels, out.pixels, 0, 0, &frame, picture->pitch, out.pitch);
+        copy(picture, out);
         extendEdges(picture);
 
         Mesh mesh = Mesh::over(out.width, out.height, cellSize * out.height / 720);
@@ -72,8 +66,7 @@ class Wave : public Effect {
         // The mesh softens the photograph a little: not from one frame to the next.
         const Stage::Plane drawn = stage.plane();
         canvas.finish(drawn);
-        iBltFast32Alpha(out.pixels, drawn->pixels, 0, 0, &frame, out.pitch, drawn->pitch,
-                        static_cast<float>(clampUnit(aloft / 0.02)));
+        blend(out, drawn, clampUnit(aloft / 0.02));
     }
 
     /// The cloth, `aloft` of the way from a flat sheet that fills the frame.
@@ -136,10 +129,9 @@ class Wave : public Effect {
     }
 };
 
-} // namespace
+const Registered<Wave> registered("wave", Effect::Kind::scene, Use::inTurn,
+                                  "the photograph waves in the wind like a cloth");
 
-EffectInfo wave() {
-    return {"wave", Effect::Kind::scene, "the photograph waves in the wind like a cloth", makeEffect<Wave>};
-}
+} // namespace
 
 } // namespace show

@@ -3,6 +3,7 @@
 // Uses iBltFast32, Edge_Transparency.
 
 #include "../effect.h"
+#include "../painting.h"
 
 #include <algorithm>
 
@@ -29,27 +30,19 @@ class Wipe : public Effect {
         // Either side up to the edge's middle line, on which the strip is laid then.
         for (int y = 0; y < out.height; ++y) {
             const int edge = std::clamp(middle + lean - 2 * lean * y / out.height, 0, out.width);
-            tagRECT left = {0, y, edge, y + 1};
-            tagRECT right = {edge, y, out.width, y + 1};
-            copy(out, after, left);
-            copy(out, before, right);
+            copy(out, after, {0, y, edge, y + 1});
+            copy(out, before, {edge, y, out.width, y + 1});
         }
         // The strip leaves out the last row of its clip.
         tagRECT clip = {0, 0, out.width, out.height + 1};
         Edge_Transparency(out.pixels, before->pixels, after->pixels, &upper, &lower, softness, out.pitch, 0, 0, 1,
                           &clip);
     }
-
-    static void copy(const Surface &out, const Surface &from, tagRECT rect) {
-        iBltFast32(out.pixels, from.pixels, static_cast<q_ulong>(rect.left), static_cast<q_ulong>(rect.top), &rect,
-                   out.pitch, from.pitch);
-    }
 };
 
-} // namespace
+const Registered<Wipe> registered("wipe", Effect::Kind::transition, Use::inTurn,
+                                  "a soft slanted edge brings the next photograph in");
 
-EffectInfo wipe() {
-    return {"wipe", Effect::Kind::transition, "a soft slanted edge brings the next photograph in", makeEffect<Wipe>};
-}
+} // namespace
 
 } // namespace show

@@ -1,0 +1,603 @@
+#!/usr/bin/env python3
+"""Runs qmur-show where something is in its way, and looks whether anything is lost or wrong without a word.
+
+    files_test.py --program build/linux/bin/qmur-show --photos photos [--emulator cmake/under-wine] [name of a test ...]
+"""
+
+import os
+import resource
+import shutil
+import signal
+import struct
+import subprocess
+import time
+
+import running
+from pictures import (DIFFERENCES, HEIC, QUARTERS, WEBP, Picture, bmp_bytes, chunk, exif, jpeg_bytes, png_bytes,
+                      png_of, read_png, with_exif)
+from running import ShowTest, command, four_photos
+
+GROUND = (0x17, 0x18, 0x1B)
+STILL = ("--size", "64x64", "--fps", 1, "--seconds", 1, "--effects", "pan")
+FILM = ("--size", "160x90", "--fps", 10, "--seconds", 1, "--effects", "pan,cross-fade")
+
+
+def flat(colour, width=64, height=64):
+    return Picture(width, height, [colour] * (width * height))
+
+
+class Inputs(ShowTest):
+    def frame(self, name, data=None):
+        """The first frame of a show of one photograph."""
+        if data is not None:
+            (self.directory / name).write_bytes(data)
+        self.show(name, *STILL, "-o", "frame%d.png")
+        return read_png(self.directory / "frame0.png")
+
+    def assert_unreadable(self, name, data, reason):
+        (self.directory / name).write_bytes(data)
+        self.assert_refused([name, *STILL, "-o", "out.png"], f"cannot read '{name}': {reason}")
+
+    def assert_near(self, have, want):
+        self.assertLess(max(abs(a - b) for a, b in zip(have, want)), 12, f"{have} for {want}")
+
+    def assert_quarters(self, frame, colours):
+        for place, colour in zip(((8, 8), (55, 8), (8, 55), (55, 55)), colours):
+            self.assert_near(frame.at(*place), colour)
+
+    def test_grey_colours_and_inks_of_jpeg_files(self):
+        for name, value, colour in (("grey.jpg", (77,), (77, 77, 77)), ("colour.jpg", (200, 128, 128), (200, 200, 200)),
+                                    ("inks.jpg", (50, 90, 200, 128), (25, 45, 100))):
+            frame = self.frame(name, jpeg_bytes([[value] * 8] * 8, len(value)))
+            self.assert_near(frame.at(32, 32), colour)
+
+    def test_sixteen_bits_and_palettes_of_png_files(self):
+        deep = b"".join(struct.pack(">HHH", 0xC8C8, 0x6464, 0x3232) for _ in range(64))
+        self.assertEqual(self.frame("deep.png", png_of(64, 64, 16, 2, [deep] * 64)).at(32, 32), (200, 100, 50))
+        palette = chunk(b"PLTE", bytes((1, 2, 3, 200, 100, 50)))
+        self.assertEqual(self.frame("few.png", png_of(64, 64, 1, 3, [b"\xff" * 8] * 64, palette)).at(32, 32),
+                         (200, 100, 50))
+
+    def test_what_is_clear_shows_the_ground(self):
+        for opacity, colour in ((255, (200, 100, 50)), (0, GROUND),
+                                (102, tuple(round((a * 102 + b * 153) / 255) for a, b in zip((200, 100, 50), GROUND)))):
+            row = bytes((200, 100, 50, opacity)) * 64
+            self.assertEqual(self.frame("clear.png", png_of(64, 64, 8, 6, [row] * 64)).at(32, 32), colour)
+        # A palette's entry, and one colour of all, may be clear as well.
+        named = chunk(b"PLTE", bytes((200, 100, 50))) + chunk(b"tRNS", b"\0")
+        self.assertEqual(self.frame("named.png", png_of(64, 64, 8, 3, [b"\0" * 64] * 64, named)).at(32, 32), GROUND)
+
+    def test_webp_and_heic(self):
+        if "WebP or HEIC" not in self.run_program(self.text_file(), *STILL, "-o", "out.png").stderr:
+            self.skipTest("this build lacks the libraries")
+        self.assert_quarters(self.frame("a.webp", WEBP), QUARTERS)
+        self.assert_quarters(self.frame("a.heic", HEIC), QUARTERS)
+        self.assert_unreadable("cut.webp", WEBP[:-8], "the WebP picture is cut off")
+        self.assert_unreadable("cut.heic", HEIC[:-40], "the HEIC picture")
+
+    def text_file(self):
+        (self.directory / "text.jpg").write_text("no picture")
+        return "text.jpg"
+
+    def test_a_photograph_stands_as_it_was_held_in_png_and_behind_fill_bytes_in_jpeg(self):
+        def colour(x, y):
+            return QUARTERS[2 * (y // 32) + x // 32]
+
+        rows = [b"".join(bytes(colour(x, y)) for x in range(64)) for y in range(64)]
+        turned = [QUARTERS[i] for i in (2, 0, 3, 1)]  # a quarter clockwise
+        self.assert_quarters(self.frame("a.png", png_of(64, 64, 8, 2, rows, chunk(b"eXIf", exif(6)))), turned)
+
+        greys = (40, 100, 160, 220)
+        blocks = [[(greys[2 * (y // 4) + x // 4],) for x in range(8)] for y in range(8)]
+        jpeg = with_exif(jpeg_bytes(blocks, 1), b"Exif\0\0" + exif(6))
+        self.assertEqual(jpeg[2:4], b"\xff\xe1")
+        self.assert_quarters(self.frame("a.jpg", jpeg[:2] + b"\xff\xff\xff" + jpeg[2:]),
+                             [(greys[i],) * 3 for i in (2, 0, 3, 1)])
+
+    def test_pictures_that_are_cut_off_are_named_as_such(self):
+        jpeg = jpeg_bytes([[(x * 8 % 256,) for x in range(32)] for _ in range(32)], 1)
+        for share in (0.9, 0.5):
+            self.assert_unreadable("cut.jpg", jpeg[: int(len(jpeg) * share)], "the JPEG picture is cut off")
+        bmp = bmp_bytes(flat((1, 2, 3)))
+        for length in (len(bmp) - 1, len(bmp) // 2, 60):
+            self.assert_unreadable("cut.bmp", bmp[:length], "the BMP picture is cut off")
+        png = png_bytes(flat((1, 2, 3)))
+        for length in (len(png) - 5, len(png) // 2):
+            self.assert_unreadable("cut.png", png[:length], "the PNG picture is cut off")
+
+    def test_headers_that_promise_more_than_the_file_holds_take_no_memory(self):
+        huge = struct.pack(">IIBBBBB", 19000, 19000, 8, 2, 0, 0, 0)
+        small = png_bytes(flat((1, 2, 3)))
+        self.assert_unreadable("lies.png", small[:12] + chunk(b"IHDR", huge)[4:] + small[33:], "the PNG picture is cut off")
+        jpeg = bytearray(jpeg_bytes([[(1,)] * 8] * 8, 1))
+        frame = jpeg.index(b"\xff\xc0")
+        jpeg[frame + 5 : frame + 9] = struct.pack(">HH", 19000, 19000)
+        self.assert_unreadable("lies.jpg", jpeg, "the JPEG picture is cut off")
+        bmp = bytearray(bmp_bytes(flat((1, 2, 3))))
+        bmp[18:26] = struct.pack("<ii", 19000, 19000)
+        self.assert_unreadable("lies.bmp", bmp, "the BMP picture is cut off")
+
+    def test_tables_of_codes_that_overflow(self):
+        forged = {
+            "too many codes": b"\x10" + bytes([255] * 16) + bytes(255 * 16),
+            "more codes than fit": b"\x10" + bytes([3] + [0] * 15) + bytes(3),
+            "a fourth table": b"\x14" + bytes([1] + [0] * 15) + b"\0",
+            "fewer symbols than codes": b"\x10" + bytes([1] + [0] * 14 + [90]) + b"\0",
+        }
+        for name, table in forged.items():
+            with self.subTest(name):
+                self.assert_unreadable("forged.jpg", jpeg_bytes([[(1,)] * 8] * 8, 1, DIFFERENCES + table),
+                                       "the JPEG picture is")
+
+    def test_more_pixels_than_are_allowed(self):
+        (self.directory / "large.png").write_bytes(png_of(2000, 1001, 1, 0, [bytes(250)] * 1001))
+        self.show("large.png", *STILL, "-o", "out.png", "--max-megapixels", 3)
+        (self.directory / "out.png").unlink()
+        self.assert_refused(["large.png", *STILL, "-o", "out.png", "--max-megapixels", 2],
+                            "2000 x 1001 pixels are too many; --max-megapixels raises the limit")
+        with open(self.directory / "long.bmp", "wb") as file:
+            file.write(bmp_bytes(flat((1, 2, 3))))
+            file.truncate(4_000_001 * 2)
+        self.assert_refused(["long.bmp", *STILL, "-o", "out.png", "--max-megapixels", 2], "megabytes are too many")
+
+    def test_all_bad_photographs_are_named_at_once_and_can_be_skipped(self):
+        good = png_bytes(flat((200, 100, 50)))
+        for name, data in (("1.png", good), ("2.png", good[:60]), ("3.jpg", b"text"), ("4.png", good)):
+            (self.directory / name).write_bytes(data)
+        arguments = ("1.png", "2.png", "3.jpg", "4.png", "5.png", *STILL, "-o", "f%d.png")
+        before = self.contents()
+        result = self.run_program(*arguments)
+        self.assertEqual(result.returncode, 2)
+        self.assertEqual([line.split("'")[1] for line in result.stderr.splitlines()], ["2.png", "3.jpg", "5.png"])
+        self.assertEqual(self.contents(), before)
+
+        result = self.show(*arguments, "--skip-bad")
+        self.assertEqual([line.split("'")[1] for line in result.stderr.splitlines() if "cannot read" in line],
+                         ["2.png", "3.jpg", "5.png"])
+        self.assertEqual(len(list(self.directory.glob("f*.png"))), 2)
+        result = self.run_program("2.png", *STILL, "-o", "out.png", "--skip-bad")
+        self.assertEqual((result.returncode, result.stderr.splitlines()[-1]),
+                         (2, "qmur-show: no photograph is left to show"))
+
+    def test_reading_many_photographs_shows_how_far_it_has_come(self):
+        (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3))))
+        for threads in (1, 4):
+            result = self.show(*["a.png"] * 20, *STILL, "--threads", threads, "--last", 0, "-o", "out.png")
+            self.assertEqual([line.split(",")[0] for line in result.stderr.splitlines() if line.startswith("photo")],
+                             [f"photograph {n} of 20" for n in (5, 10, 15, 20)])
+
+    def test_a_folder_stands_in_the_order_in_which_it_was_taken(self):
+        folder = self.directory / "holiday"
+        folder.mkdir()
+        greys = {"c.jpg": (40, "2024:07:01 10:00:00"), "a.jpg": (100, "2024:07:03 09:00:00"),
+                 "b.jpg": (160, "2024:07:02 23:59:59"), "d.jpg": (220, None)}
+        for name, (grey, taken) in greys.items():
+            jpeg = jpeg_bytes([[(grey,)] * 8] * 8, 1)
+            (folder / name).write_bytes(with_exif(jpeg, b"Exif\0\0" + exif(1, taken)) if taken else jpeg)
+        (folder / "notes.txt").write_text("sunny")
+        result = self.show("holiday", *STILL, "-o", "f%d.png")
+        self.assertIn("'holiday' holds 1 thing that is no picture", result.stderr)
+        shown = [read_png(self.directory / f"f{i}.png").at(32, 32)[0] for i in range(4)]
+        for have, want in zip(shown, (40, 160, 100, 220)):
+            self.assertLess(abs(have - want), 3, shown)
+        (self.directory / "empty").mkdir()
+        self.assert_refused(["empty", *STILL, "-o", "out.png"], "there are no pictures in this folder")
+
+    def test_a_playlist_gives_each_photograph_its_seconds(self):
+        folder = self.directory / "list"
+        folder.mkdir()
+        (folder / "2019 a.png").write_bytes(png_bytes(flat((200, 0, 0))))
+        (folder / "b.png").write_bytes(png_bytes(flat((0, 200, 0))))
+        (folder / "list.txt").write_text("# a comment\r\n\r\n1.5\t2019 a.png  \r\n- b.png\n.5 2019 a.png")
+        self.show("--playlist", "list/list.txt", "--size", "64x64", "--fps", 4, "--seconds", 1, "--effects", "pan", "-o",
+                  "f%02d.png")
+        shown = [read_png(path).at(32, 32) for path in sorted(self.directory.glob("f*.png"))]
+        self.assertEqual(shown, [(200, 0, 0)] * 6 + [(0, 200, 0)] * 4 + [(200, 0, 0)] * 2)
+        for text in ("b.png", "0 b.png", "-1 b.png", "601 b.png", "1", "1e3 b.png"):
+            (folder / "bad.txt").write_text("- b.png\n" + text)
+            self.assert_refused(["--playlist", "list/bad.txt", *STILL, "-o", "out.png"], "line 2 is not seconds")
+        self.assert_refused(["--playlist", "list/none.txt", *STILL, "-o", "out.png"], "cannot read 'list/none.txt'")
+
+    def test_names_in_brackets_and_of_other_alphabets(self):
+        (self.directory / "[a].png").write_bytes(png_bytes(flat((200, 100, 50))))
+        self.assertEqual(self.frame("[a].png").at(32, 32), (200, 100, 50))
+        for name in ("Ferien in Köln.png", "日本語.png"):
+            self.assertEqual(self.frame(name, png_bytes(flat((200, 100, 50)))).at(32, 32), (200, 100, 50))
+        result = self.show("日本語.png", *STILL, "-o", "Фильм.png")
+        self.assertIn("wrote 'Фильм.png'", result.stderr)
+        self.assertIn("Фильм.png", self.contents())
+        self.assert_refused(["[b].png", *STILL, "-o", "out.png"], "cannot read '[b].png'")
+        self.assert_refused(["日本語.png", "--effects", "[pan]", "-o", "out.png"], "there is no effect '[pan]'")
+
+
+class Outputs(ShowTest):
+    def setUp(self):
+        super().setUp()
+        for i in range(4):
+            (self.directory / f"IMG_{i}.png").write_bytes(png_bytes(flat((i, 100, 50))))
+
+    def test_a_photograph_is_never_replaced(self):
+        os.link(self.directory / "IMG_0.png", self.directory / "other.png")
+        photographs = ("IMG_0.png", "IMG_1.png")
+        for target in ("IMG_0.png", "./IMG_0.png", "IMG_%d.png", f"../{self.directory.name}/IMG_1.png", "IMG_%01d.png"):
+            self.assert_refused([*photographs, *STILL, "-o", target], "which is read")
+        if not running.is_for_windows():
+            self.assert_refused([*photographs, *STILL, "-o", "other.png"], "which is read")
+        # Two photographs make frames 0 and 1; what has other numbers is safe.
+        self.show("IMG_2.png", "IMG_3.png", *STILL, "-o", "IMG_%d.png")
+        self.assertEqual(read_png(self.directory / "IMG_3.png").at(0, 0), (3, 100, 50))
+
+    def test_two_outputs_are_never_one_file(self):
+        for first, second in (("s.png", "./s.png"), ("f%d.png", "f1.png"), ("f0001.png", "f%04d.png"),
+                              ("f%d.png", "f%01d.png"), ("./f%d.png", f"../{self.directory.name}/f%d.png")):
+            self.assert_refused(["IMG_2.png", "IMG_3.png", *STILL, "-o", first, "-o", second], "it is one file with")
+        self.show("IMG_2.png", "IMG_3.png", *STILL, "-o", "f%d.png", "-o", "f2.png", "-o", "f%04d.png")
+
+    def test_names_of_finished_files_stand_at_the_end(self):
+        result = self.show("IMG_2.png", "IMG_3.png", *STILL, "-o", "s.png", "-o", "f%d.png")
+        self.assertEqual(result.stderr.splitlines()[-2:],
+                         ["qmur-show: wrote 's.png'", "qmur-show: wrote 'f0.png' to 'f1.png'"])
+
+    def test_long_names_and_names_that_are_too_long(self):
+        for name in ("n" * 234 + ".png", "n" * 251 + ".png", "ü" * 125 + ".png"):
+            self.show("IMG_2.png", *STILL, "-o", name)
+            self.assertTrue((self.directory / name).exists())
+            (self.directory / name).unlink()
+        self.assert_refused(["IMG_2.png", *STILL, "-o", "n" * 252 + ".png"], "cannot write")
+        self.assert_refused(["IMG_2.png", *STILL, "-o", "n" * 250 + "%04d.png"], "cannot write")
+
+
+class CommandLine(ShowTest):
+    def test_help_fits_eighty_columns(self):
+        for line in self.show("--help").stdout.splitlines():
+            self.assertLess(len(line), 80, line)
+
+    def test_seconds_and_rates_as_people_write_them(self):
+        (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3), 16, 16)))
+        for seconds, rate, frames in ((".5", "10", 5), ("2.", "10", 20), ("0.5", "12.5", 6), ("10", "30000/1001", 300),
+                                      ("10", "29.97", 300), ("100", "23.976", 2398), ("1", "60/2", 30)):
+            result = self.show("a.png", "--size", "16x16", "--seconds", seconds, "--fps", rate, "--effects", "pan", "-o",
+                               "s.png", "--first", frames - 1)
+            self.assert_refused(["a.png", "--size", "16x16", "--seconds", seconds, "--fps", rate, "--effects", "pan", "-o",
+                                 "s.png", "--first", frames], f"frames 0 to {frames - 1}")
+            self.assertIn("wrote", result.stderr)
+
+    def test_more_frames_than_can_be_counted(self):
+        (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3), 1, 1)))
+        (self.directory / "list.txt").write_text("600 a.png\n" * 70)
+        result = self.run_program("--playlist", "list.txt", "--fps", 240, "--effects", "pan", "-o", "s.png")
+        self.assertEqual((result.returncode, result.stderr.splitlines()[-1]),
+                         (2, "qmur-show: the show would have more than 9999999 frames"))
+        self.assertFalse((self.directory / "s.png").exists())
+
+    def test_options_that_are_not_as_they_should_be(self):
+        for arguments, reason in ((["--size"], "--size lacks its value"), (["--fps", "--seed", "1"], "--fps lacks"),
+                                  (["--list=all"], "--list takes no value"), (["--fps", "5", "--fps=6"], "stands twice"),
+                                  (["-x"], "no option '-x'"), (["--seconds", "music", "-o", "a.png"], "needs --music"),
+                                  (["--no\nsense"], "no option '--no\\nsense'")):
+            self.assert_refused(arguments, reason)
+
+
+class Film(ShowTest):
+    """Where ffmpeg is called for."""
+
+    def contents_of(self, name):
+        lines = subprocess.run(["ffprobe", "-loglevel", "error", "-count_packets", "-show_entries",
+                                "stream=codec_type,nb_read_packets,avg_frame_rate,duration:format=duration", "-of",
+                                "default=noprint_wrappers=1", name], cwd=self.directory, capture_output=True, text=True,
+                               check=True).stdout.splitlines()
+        return [tuple(line.split("=")) for line in lines]
+
+    def fake_ffmpeg(self, script):
+        """A program of the real one's name, which does something else when it is fed with frames."""
+        tools = self.directory / "tools"
+        tools.mkdir(exist_ok=True)
+        real = shutil.which("ffmpeg")
+        (tools / "ffmpeg").write_text(f'#!/bin/sh\nfor file; do :; done; file=${{file#file:}}; real="{real}"\n'
+                                      f'case "$*" in *pipe:0*) {script} ;; *) exec "$real" "$@" ;; esac\n')
+        (tools / "ffmpeg").chmod(0o755)
+        return {**os.environ, "PATH": f"{tools}:{os.environ['PATH']}"}
+
+    def test_an_error_that_ffmpeg_reports_as_a_success_keeps_the_old_film(self):
+        scripts = {
+            "says so": ('"$real" "$@"; echo "[out#0/mp4 @ 0x1] [error] Error writing trailer: No space left on device" >&2',
+                        "Error writing trailer: No space left on device"),
+            "says nothing and is cut": ('"$real" "$@"; truncate -s 900 "$file"', "it was written, but"),
+            "says nothing and is empty": ('cat >/dev/null', "it was written, but"),
+            "lacks frames": ('head -c 600000 | "$real" "$@" 2>/dev/null; cat >/dev/null', "it was written, but holds 10 of 20"),
+        }
+        for name, (script, reason) in scripts.items():
+            with self.subTest(name):
+                (self.directory / "out.mp4").write_text("old")
+                environment = self.fake_ffmpeg(script)
+                before = self.contents()
+                result = self.run_program(*four_photos()[:2], *FILM, "-o", "out.mp4", env=environment)
+                self.assertEqual(result.returncode, 2, result.stderr)
+                self.assertIn(reason, result.stderr.splitlines()[-1])
+                self.assertEqual((self.directory / "out.mp4").read_text(), "old")
+                self.assertEqual(self.contents(), before)
+
+    def test_a_full_disk_keeps_the_old_film(self):
+        # A limit on the size of files is as good as a full disk, and every user may set it.
+        (self.directory / "out.mp4").write_text("old")
+        for limit in (4096, 40000, 100000):
+            result = self.run_program(
+                *four_photos()[:2], "--size", "320x180", "--fps", 30, "--seconds", 2, "--effects", "pan", "-o", "out.mp4",
+                preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))
+            self.assertEqual(result.returncode, 2, result.stderr)
+            self.assertIn("cannot write 'out.mp4': ", result.stderr.splitlines()[-1])
+            self.assertEqual((self.directory / "out.mp4").read_text(), "old")
+            self.assertEqual(self.contents(), ["out.mp4"])
+
+    def test_a_picture_that_does_not_fit_keeps_the_old_one(self):
+        (self.directory / "out.png").write_text("old")
+        result = self.run_program(*four_photos()[:2], *FILM, "-o", "out.png",
+                                  preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (5000, 5000)))
+        self.assertEqual(result.returncode, 2, result.stderr)
+        self.assertIn("cannot write 'out.png': ", result.stderr.splitlines()[-1])
+        self.assertEqual((self.directory / "out.png").read_text(), "old")
+        self.assertEqual(self.contents(), ["out.png"])
+
+    def test_two_outputs_that_do_not_exist_yet_are_never_one_film(self):
+        self.assert_refused([four_photos()[0], *FILM, "-o", "s.mp4", "-o", "./s.mp4"], "it is one file with")
+
+    def test_odd_sizes_are_refused_in_good_english(self):
+        for kind, name in (("mp4", "an MP4"), ("webm", "a WebM")):
+            self.assert_refused([four_photos()[0], "--size", "161x90", "-o", f"out.{kind}"], f"{name} video needs an even")
+
+    def test_a_gif_has_fifty_frames_a_second_at_most(self):
+        result = self.show(four_photos()[0], "--size", "32x32", "--fps", 100, "--seconds", 1, "--effects", "pan", "-o",
+                           "out.gif")
+        self.assertIn("qmur-show: 'out.gif' shows 50 frames a second", result.stderr)
+        self.assertIn(("nb_read_packets", "50"), self.contents_of("out.gif"))
+        self.assertIn(("duration", "1.000000"), self.contents_of("out.gif"))
+
+    def test_a_rate_that_is_no_whole_number(self):
+        self.show(four_photos()[0], "--size", "32x32", "--fps", "30000/1001", "--seconds", 1, "--effects", "pan", "-o",
+                  "out.mp4")
+        self.assertIn(("avg_frame_rate", "30000/1001"), self.contents_of("out.mp4"))
+
+    def test_music_lasts_as_the_film_or_the_film_as_the_music(self):
+        subprocess.run(["ffmpeg", "-loglevel", "error", "-f", "lavfi", "-i", "sine=d=1.5", "tune.wav"], cwd=self.directory,
+                       check=True)
+        for kind in ("mp4", "webm"):
+            self.show(*four_photos()[:2], *FILM, "--music", "tune.wav", "-o", f"out.{kind}")
+            found = self.contents_of(f"out.{kind}")
+            self.assertEqual([value for name, value in found if name == "codec_type"], ["video", "audio"])
+            self.assertAlmostEqual(float([value for name, value in found if name == "duration"][-1]), 2, delta=0.1)
+        # It fades: the last tenth of a second is quieter than the first.
+        volume = [self.volume("out.mp4", start) for start in (0.2, 1.9)]
+        self.assertLess(volume[1], volume[0] - 10)
+        self.show(*four_photos()[:2], *FILM[:4], "--seconds", "music", "--effects", "pan", "--music", "tune.wav", "-o",
+                  "short.mp4")
+        self.assertIn(("nb_read_packets", "16"), self.contents_of("short.mp4"))  # twice 0.75 s of 10 frames, rounded
+        self.assert_refused([four_photos()[0], *FILM, "--music", four_photos()[2], "-o", "new.mp4"], "cannot read")
+        self.assert_refused([four_photos()[0], *FILM, "--music", "none.mp3", "-o", "new.mp4"], "cannot read 'none.mp3'")
+
+    def volume(self, name, start):
+        text = subprocess.run(["ffmpeg", "-hide_banner", "-ss", str(start), "-t", "0.1", "-i", name, "-af", "volumedetect",
+                               "-vn", "-f", "null", "-"], cwd=self.directory, capture_output=True, text=True).stderr
+        return float(text.split("mean_volume: ")[1].split()[0])
+
+
+class WindowsAlone(ShowTest):
+    """With a stand-in for ffmpeg, which writes down how much it was fed."""
+
+    def environment(self, **more):
+        # What it is called under an emulator, and where there is none.
+        return {**os.environ, "WINEPATH": "Z:" + str(running.tools).replace("/", "\\"),
+                "PATH": f"{running.tools}{os.pathsep}{os.environ['PATH']}", **more}
+
+    def test_a_film_goes_through_ffmpeg_where_it_is_found(self):
+        for name in ("out.mp4", "Ein 'Фильм'.webm"):
+            self.show(*four_photos()[:2], *FILM, "-o", name, env=self.environment())
+            self.assertEqual((self.directory / name).read_text(), f"160x90 {20 * 160 * 90 * 4}\n")
+        self.assertEqual(len(self.contents()), 2)
+
+    def test_an_error_that_ffmpeg_reports_as_a_success_keeps_the_old_film(self):
+        (self.directory / "out.mp4").write_text("old")
+        result = self.run_program(*four_photos()[:2], *FILM, "-o", "out.mp4",
+                                  env=self.environment(STAND_IN_COMPLAINS="yes"))
+        self.assertEqual(result.returncode, 2)
+        self.assertEqual(result.stderr.splitlines()[-1],
+                         "qmur-show: cannot write 'out.mp4': ffmpeg failed (Error writing trailer)")
+        self.assertEqual(self.contents(), ["out.mp4"])
+        self.assertEqual((self.directory / "out.mp4").read_text(), "old")
+
+    def test_a_missing_ffmpeg_is_named(self):
+        self.assert_refused([four_photos()[0], *FILM, "-o", "out.mp4"], "ffmpeg, which is not installed",
+                            env={**os.environ, "WINEPATH": ""})
+
+    def test_wildcards_stand_for_the_files_that_match(self):
+        for i, name in enumerate(("bä.png", "a.png", "c.jpg")):
+            (self.directory / name).write_bytes(png_bytes(flat((i, 0, 0))))
+        self.show("*.png", *STILL, "-o", "f%d.png", "--max-megapixels", 1)
+        self.assertEqual([read_png(self.directory / f"f{i}.png").at(32, 32)[0] for i in range(2)], [1, 0])
+        self.assert_refused(["*.bmp", *STILL, "-o", "out.png"], "cannot read '*.bmp'")
+
+
+class Surroundings(ShowTest):
+    """What a system other than Windows may start the program with."""
+
+    def test_closed_standard_files(self):
+        for closed in ("0<&-", "1>&-", "2>&-", "0<&- 1>&-", "0<&- 2>&-", "0<&- 1>&- 2>&-"):
+            line = subprocess.list2cmdline(command(*four_photos()[:2], *FILM, "-o", "out.mp4", "-o", "s.png"))
+            status = subprocess.run(["sh", "-c", f"{line} {closed}"], cwd=self.directory, stderr=subprocess.DEVNULL,
+                                    timeout=120).returncode
+            self.assertEqual(status, 0, closed)
+            read_png(self.directory / "s.png")
+            subprocess.run(["ffmpeg", "-loglevel", "error", "-xerror", "-i", "out.mp4", "-f", "null", "-"],
+                           cwd=self.directory, check=True)
+            for name in ("out.mp4", "s.png"):
+                self.assertNotIn(b"frame ", (self.directory / name).read_bytes())
+                (self.directory / name).unlink()
+
+    def test_a_list_that_does_not_arrive(self):
+        for option in ("--list", "--help", "--version"):
+            with open("/dev/full", "w") as full:
+                result = subprocess.run(command(option), stdout=full, stderr=subprocess.PIPE, text=True)
+            self.assertEqual(result.returncode, 2)
+            self.assertIn("cannot write to standard output", result.stderr)
+
+    def start(self, **options):
+        process = subprocess.Popen(command(*four_photos(), "--size", "320x180", "--seconds", 600, "-o", "out.mp4"),
+                                   cwd=self.directory, stderr=subprocess.PIPE, text=True, **options)
+        self.wait_for(lambda: list(self.directory.glob(".out.mp4.*.unfinished")))
+        time.sleep(0.3)
+        return process
+
+    def wait_for(self, condition):
+        deadline = time.monotonic() + 60
+        while not condition():
+            self.assertLess(time.monotonic(), deadline, "nothing happened for a minute")
+            time.sleep(0.02)
+
+    def test_every_signal_that_can_be_caught_leaves_nothing(self):
+        for name in ("SIGHUP", "SIGINT", "SIGQUIT", "SIGTERM", "SIGALRM", "SIGUSR1", "SIGUSR2", "SIGXCPU", "SIGVTALRM",
+                     "SIGPROF"):
+            process = self.start()
+            process.send_signal(getattr(signal, name))
+            _, errors = process.communicate(timeout=20)
+            self.assertEqual(process.returncode, 128 + getattr(signal, name), name)
+            self.assertEqual(errors.splitlines()[-1], "qmur-show: interrupted")
+            self.assertEqual(self.contents(), [], name)
+
+    def test_what_was_ignored_before_stays_ignored(self):
+        process = self.start(preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_IGN))
+        process.send_signal(signal.SIGINT)
+        time.sleep(0.5)
+        self.assertIsNone(process.poll())
+        process.terminate()
+        process.communicate(timeout=20)
+        self.assertEqual(process.returncode, 128 + signal.SIGTERM)
+
+    def test_what_a_kill_leaves_is_removed_by_the_next_run_and_what_another_run_writes_is_not(self):
+        killed = self.start()
+        killed.kill()
+        killed.communicate()
+        left = set(self.contents())
+        self.assertEqual(len(left), 1)
+        alive = self.start_beside(left)
+        others = set(self.contents())
+        self.assertTrue(left.isdisjoint(others), "what was left is gone")
+        (self.directory / ".out.mp4.notes.unfinished").write_text("a person's own file")
+        self.show(four_photos()[0], *FILM, "-o", "out.mp4")
+        self.assertEqual(set(self.contents()), others | {"out.mp4", ".out.mp4.notes.unfinished"})
+        alive.terminate()
+        alive.communicate(timeout=20)
+
+    def start_beside(self, left):
+        process = subprocess.Popen(command(*four_photos(), "--size", "320x180", "--seconds", 600, "-o", "out.mp4"),
+                                   cwd=self.directory, stderr=subprocess.PIPE, text=True)
+        self.wait_for(lambda: set(self.contents()) - left and not set(self.contents()) & left)
+        time.sleep(0.3)
+        return process
+
+    def test_frames_that_a_kill_left_are_removed_by_the_next_run(self):
+        (self.directory / ".f%d.png.123.unfinished").write_text("half a frame")
+        self.show(four_photos()[0], *STILL, "-o", "f%d.png")
+        self.assertEqual(self.contents(), ["f0.png"])
+
+    def test_only_regular_files_are_read(self):
+        os.mkfifo(self.directory / "pipe.jpg")
+        os.symlink("/dev/zero", self.directory / "zero.png")
+        for name in ("/dev/zero", "/dev/null", "/dev/stdin", "pipe.jpg", "zero.png"):
+            self.assert_refused([name, *STILL, "-o", "out.png"], "it is no regular file")
+
+    def test_only_regular_files_are_replaced(self):
+        os.mkfifo(self.directory / "pipe.png")
+        os.symlink("/dev/null", self.directory / "null.png")
+        for name in ("pipe.png", "null.png"):
+            self.assert_refused([four_photos()[0], *STILL, "-o", name], "it is no regular file")
+
+    def test_a_link_stays_and_a_mode_stays(self):
+        (self.directory / "films").mkdir()
+        target = self.directory / "films" / "real.png"
+        target.write_text("old")
+        target.chmod(0o640)
+        os.symlink("films/real.png", self.directory / "link.png")
+        os.symlink("films/new.png", self.directory / "dangling.png")
+        self.show(four_photos()[0], *STILL, "-o", "link.png", "-o", "dangling.png")
+        self.assertTrue((self.directory / "link.png").is_symlink())
+        self.assertTrue((self.directory / "dangling.png").is_symlink())
+        read_png(target)
+        self.assertEqual(target.stat().st_mode & 0o777, 0o640)
+        read_png(self.directory / "films" / "new.png")
+        mask = os.umask(0)
+        os.umask(mask)
+        self.assertEqual((self.directory / "films" / "new.png").stat().st_mode & 0o777, 0o666 & ~mask)
+
+    def test_a_file_that_may_not_be_written_to_stays(self):
+        target = self.directory / "out.png"
+        target.write_text("precious")
+        target.chmod(0o444)
+        self.assert_refused([four_photos()[0], *STILL, "-o", "out.png"], "it may not be written to")
+        self.assertEqual(target.read_text(), "precious")
+
+    def test_a_line_break_in_a_name_breaks_no_line(self):
+        self.assert_refused(["no\nsuch.png", *STILL, "-o", "out.png"], "cannot read 'no\\nsuch.png'")
+        self.assert_refused([four_photos()[0], *STILL, "-o", "no\nsuch"], "cannot write 'no\\nsuch'")
+        result = self.show(four_photos()[0], *STILL, "-o", "a\nb.png")
+        self.assertEqual(result.stderr.splitlines()[-1], "qmur-show: wrote 'a\\nb.png'")
+
+    def test_without_fonts_a_title_is_warned_of(self):
+        (self.directory / "fonts.conf").write_text("<fontconfig></fontconfig>")
+        environment = {**os.environ, "FONTCONFIG_FILE": str(self.directory / "fonts.conf")}
+        arguments = (four_photos()[0], "--size", "64x64", "--fps", 1, "--seconds", 1, "--title", "x", "-o", "s.png")
+        self.assertIn("there are no fonts", self.show(*arguments, env=environment).stderr)
+
+    def peak_of(self, names):
+        process = subprocess.Popen(command(*names, *STILL, "-o", "s.png", "--threads", 1), cwd=self.directory,
+                                   stderr=subprocess.DEVNULL)
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        self.assertEqual(process.returncode, 0)
+        return usage.ru_maxrss  # in KiB
+
+    def test_memory_does_not_grow_with_the_number_of_photographs(self):
+        if running.is_sanitized():
+            self.skipTest("a sanitizer keeps what was freed")
+        names = [f"{i}.png" for i in range(40)]
+        for i, name in enumerate(names):  # 100 x 100 pixels, 40 KB in memory, are nothing; these are 2 MB each
+            (self.directory / name).write_bytes(png_bytes(flat((i, i, i), 127, 4100)))
+        self.assertLess(self.peak_of(names) - self.peak_of(names[:8]), 8 * 1024)
+
+    def test_little_memory_is_said_and_nothing_else(self):
+        if running.is_sanitized():
+            self.skipTest("a sanitizer needs room for its own books")
+        enough = 0
+        for megabytes in (24, 32, 40, 50, 54, 60, 70, 80, 90, 100, 130, 200, 400):
+            limit = megabytes << 20
+            result = self.run_program(
+                *four_photos()[:1], "--size", "1280x720", "--fps", 1, "--seconds", 1, "--effects", "pan", "--threads", 2,
+                "-o", "out%d.png", preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+            if result.returncode == 0:
+                read_png(self.directory / "out0.png")
+                enough += 1
+            elif result.returncode != 127:  # the system could not even load the program
+                self.assertEqual(result.returncode, 2, f"{megabytes} MB: {result.stderr}")
+                self.assertTrue(result.stderr.splitlines()[-1].startswith("qmur-show: "), result.stderr)
+        self.assertGreater(enough, 0)
+
+    def test_threads_that_cannot_start_are_done_without(self):
+        if running.is_sanitized():
+            self.skipTest("a sanitizer needs room for its own books")
+        limit = 300 << 20  # the stacks of 64 threads take more
+        result = self.run_program(*four_photos()[:1], *STILL, "--threads", 64, "-o", "out%d.png",
+                                  preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+        self.assertEqual(result.returncode, 0, result.stderr)
+        read_png(self.directory / "out0.png")
+
+
+EVERYWHERE = [Inputs, Outputs, CommandLine]
+ELSEWHERE_THAN_ON_WINDOWS = [Film, Surroundings]
+
+
+def main():
+    options = running.read_options()
+    running.run_tests(EVERYWHERE + ([WindowsAlone] if running.is_for_windows() else ELSEWHERE_THAN_ON_WINDOWS),
+                      options.names)
+
+
+if __name__ == "__main__":
+    main()

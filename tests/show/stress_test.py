@@ -1,0 +1,210 @@
+#!/usr/bin/env python3
+"""Repeats what once went wrong with qmur-show, many times and a little differently each time: mutated pictures,
+interruptions at any moment, disks that fill, memory that runs short. Whatever happens, the program ends with 0 and a
+whole result, or with 2, 130 and the like and a line that says why; the old file stays, and nothing is left beside it.
+
+    stress_test.py --program build/asan/bin/qmur-show --photos photos [--emulator cmake/under-wine] [name of a test ...]
+
+Each case is drawn from a seed, which is the case's number and stands in what a failure says.
+"""
+
+import os
+import random
+import resource
+import signal
+import subprocess
+import time
+
+import running
+from pictures import (HEIC, WEBP, Picture, bmp_bytes, chunk, exif, jpeg_bytes, png_of, read_png, with_exif)
+from running import ShowTest, command, four_photos
+
+MUTATIONS = 200
+BATCH = 40  # pictures that one run reads, since starting a program takes longer than reading a small picture
+
+
+def pictures():
+    """A small picture of each kind, with all that a reader has to look at."""
+    colours = [[(x * 30 + 7, y * 30, 255 - 8 * (x + y)) for x in range(8)] for y in range(8)]
+    pixels = [colours[y // 8][x // 8] for y in range(64) for x in range(64)]
+    note = exif(6, "2024:07:01 10:00:00")
+    inks = [[(*colour, 200) for colour in row] for row in colours]
+    clear = [b"".join(bytes((*pixels[64 * y + x], 4 * x)) for x in range(64)) for y in range(64)]
+    palette = chunk(b"PLTE", bytes(range(3 * 64))) + chunk(b"tRNS", bytes(range(0, 256, 4)))
+    return {
+        "jpg": [with_exif(jpeg_bytes(colours, 3), b"Exif\0\0" + note), jpeg_bytes(inks, 4)],
+        "png": [png_of(64, 64, 8, 6, clear, chunk(b"eXIf", note)),
+                png_of(64, 64, 8, 3, [bytes(range(64))] * 64, palette)],
+        "bmp": [bmp_bytes(Picture(64, 64, pixels))],
+        "webp": [WEBP],
+        "heic": [HEIC],
+    }
+
+
+def mutated(data, chance):
+    data = bytearray(data)
+    kind = chance.randrange(6)
+    if kind == 0:
+        del data[chance.randrange(len(data)) :]
+    elif kind == 1:
+        place = chance.randrange(len(data))
+        del data[place : place + chance.randrange(1, 40)]
+    elif kind == 2:
+        place = chance.randrange(len(data))
+        data[place:place] = chance.randbytes(chance.randrange(1, 40))
+    elif kind == 3:
+        place = chance.randrange(max(len(data) - 4, 1))
+        data[place : place + 4] = chance.choice((b"\xff\xff\xff\xff", b"\0\0\0\0", b"\x7f\xff\xff\xff", b"\0\0\xff\xff"))
+    else:
+        # Headers and tables stand at the start, and most goes wrong there.
+        for _ in range(chance.randrange(1, 12)):
+            reach = len(data) if chance.randrange(2) else min(len(data), 400)
+            data[chance.randrange(reach)] = chance.randrange(256)
+    return bytes(data)
+
+
+class Mutations(ShowTest):
+    def assert_read_or_refused(self, kind, samples):
+        for start in range(0, MUTATIONS, BATCH):
+            names = []
+            for case in range(start, start + BATCH):
+                chance = random.Random(f"{kind} {case}")
+                names.append(f"{case}.{kind}")
+                (self.directory / names[-1]).write_bytes(mutated(chance.choice(samples), chance))
+            # Of each file that is left out it is said why; the others are shown, and that at least one is, is seen to.
+            (self.directory / "whole.png").write_bytes(pictures()["png"][0])
+            result = self.run_program("whole.png", *names, "--skip-bad", "--max-megapixels", 30, "--size", "32x32",
+                                      "--fps", 1, "--seconds", 1, "--effects", "pan", "-o", "f%d.png")
+            context = f"{kind} {start} to {start + BATCH - 1}: {result.stderr}"
+            self.assertEqual(result.returncode, 0, context)
+            named = [line for line in result.stderr.splitlines() if "cannot read" in line]
+            frames = list(self.directory.glob("f*.png"))
+            self.assertEqual(len(frames), 1 + len(names) - len(named), context)
+            self.assertGreater(len(named), 0, context)
+            for line in named:
+                self.assertRegex(line, r"^qmur-show: cannot read '[0-9]+\.\w+': \S", context)
+            for frame in frames:
+                frame.unlink()
+
+    def test_jpeg(self):
+        self.assert_read_or_refused("jpg", pictures()["jpg"])
+
+    def test_png(self):
+        self.assert_read_or_refused("png", pictures()["png"])
+
+    def test_bmp(self):
+        self.assert_read_or_refused("bmp", pictures()["bmp"])
+
+    def test_webp(self):
+        self.assert_read_or_refused("webp", pictures()["webp"])
+
+    def test_heic(self):
+        self.assert_read_or_refused("heic", pictures()["heic"])
+
+
+class Interruptions(ShowTest):
+    def test_twenty_at_any_moment(self):
+        chance = random.Random(1)
+        for case in range(20):
+            number = chance.choice((signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT, signal.SIGALRM))
+            (self.directory / "out.mp4").write_text("old")
+            process = subprocess.Popen(
+                command(*four_photos(), "--size", "320x180", "--fps", 30, "--seconds", 60, "-o", "out.mp4", "-o", "s.png"),
+                cwd=self.directory, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            time.sleep(chance.random() * (3 if running.is_sanitized() else 1.5))
+            process.send_signal(number)
+            process.wait(timeout=60)
+            # Before anything is opened, a signal ends the program in the system's own way.
+            self.assertIn(process.returncode, (128 + number, -number), f"case {case}")
+            self.assertEqual(self.contents(), ["out.mp4"], f"case {case}")
+            self.assertEqual((self.directory / "out.mp4").read_text(), "old", f"case {case}")
+
+
+class FullDisk(ShowTest):
+    """On a small file system of its own, where that may be set up."""
+
+    def on_disk_of(self, kilobytes, *arguments):
+        """Runs the program in a directory on a new file system; answers its result and what lies there in the end."""
+        disk = self.directory / "disk"
+        disk.mkdir(exist_ok=True)
+        line = subprocess.list2cmdline(command(*arguments))
+        script = (f"mount -t tmpfs -o size={kilobytes}k none '{disk}' || exit 99; cd '{disk}' && printf old >old.mp4 && "
+                  f"printf old >old.png && {line}; status=$?; cd '{disk}' && ls -A >../left; cp old.mp4 old.png ..; "
+                  "exit $status")
+        with open(self.directory / "errors", "w+") as errors:
+            user = [] if os.geteuid() == 0 else ["--user", "--map-root-user"]
+            status = subprocess.run(["unshare", "--mount", *user, "sh", "-c", script], stderr=errors, timeout=300).returncode
+            errors.seek(0)
+            text = errors.read()
+        if status == 99 or "unshare" in text:
+            self.skipTest("no file system may be set up here")
+        return status, text, (self.directory / "left").read_text().split()
+
+    def test_a_film(self):
+        film = ("--size", "320x180", "--fps", 15, "--seconds", 1, "--effects", "pan,cross-fade")
+        enough = 0
+        for kilobytes in (8, 16, 32, 48, 64, 80, 100, 120, 150, 200, 250, 300, 1000):
+            for name in ("old.mp4", "new.webm"):
+                status, errors, left = self.on_disk_of(kilobytes, *four_photos()[:2], *film, "-o", name)
+                with self.subTest(f"{name} on {kilobytes} KB"):
+                    if status == 0:
+                        enough += 1
+                        self.assertIn(name, left)
+                    else:
+                        self.assertEqual(status, 2, errors)
+                        self.assertIn(f"cannot write '{name}'", errors.splitlines()[-1])
+                        self.assertEqual(left, ["old.mp4", "old.png"])
+                        self.assertEqual((self.directory / "old.mp4").read_text(), "old")
+        self.assertGreater(enough, 0)
+        self.assertLess(enough, 26)
+
+    def test_a_contact_sheet(self):
+        for kilobytes, fits in ((8, False), (100, False), (8000, True)):
+            status, errors, left = self.on_disk_of(kilobytes, *four_photos(), "--size", "320x180", "--fps", 2, "--effects",
+                                                   "pan", "-o", "old.png")
+            self.assertEqual(status, 0 if fits else 2, errors)
+            self.assertEqual(left, ["old.mp4", "old.png"])
+            if fits:
+                read_png(self.directory / "old.png")
+            else:
+                self.assertEqual((self.directory / "old.png").read_text(), "old")
+                self.assertIn("cannot write 'old.png': No space left", errors.splitlines()[-1])
+
+
+class LittleMemory(ShowTest):
+    def test_limits_all_the_way_up(self):
+        if running.is_sanitized():
+            self.skipTest("a sanitizer needs room for its own books")
+        enough = 0
+        for case in range(40):
+            limit = (20 << 20) + random.Random(case).randrange(180 << 20)
+            (self.directory / "out.mp4").write_text("old")
+            result = self.run_program(
+                *four_photos(), "--size", "640x360", "--fps", 1, "--seconds", 2, "--effects", "snow,cross-fade",
+                "--threads", random.Random(case).choice((1, 2, 5)), "-o", "s.png", "-o", "out.mp4",
+                preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+            context = f"case {case}, {limit >> 20} MB: {result.stderr}"
+            if result.returncode == 0:
+                enough += 1
+                read_png(self.directory / "s.png")
+                (self.directory / "s.png").unlink()
+            elif result.returncode != 127:  # the system could not even load the program
+                self.assertEqual(result.returncode, 2, context)
+                self.assertTrue(result.stderr.splitlines()[-1].startswith("qmur-show: "), context)
+                self.assertEqual((self.directory / "out.mp4").read_text(), "old", context)
+            for path in (self.directory / "s.png",):  # it may have been finished before the film failed
+                path.unlink(missing_ok=True)
+            self.assertEqual(self.contents(), ["out.mp4"], context)
+
+
+EVERYWHERE = [Mutations]
+ELSEWHERE_THAN_ON_WINDOWS = [Interruptions, FullDisk, LittleMemory]
+
+
+def main():
+    options = running.read_options()
+    running.run_tests(EVERYWHERE + ([] if running.is_for_windows() else ELSEWHERE_THAN_ON_WINDOWS), options.names)
+
+
+if __name__ == "__main__":
+    main()
