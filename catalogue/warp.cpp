@@ -74,6 +74,11 @@ Areas readsBoth(const Call &call) {
     return {{"src", call["srcRect"].rect()}, {"dst", call["clipRect"].rect()}};
 }
 
+/// A width or height of frames. Rows are gone through even where they hold no pixel, which takes its time.
+Argument frameExtent(std::string_view name) {
+    return {.name = name, .kind = Kind::extent, .unit = "pixels", .contract = {-4096, 4096}, .of = "dst"};
+}
+
 // About the Z axis.
 
 std::vector<Argument> zArguments(bool hasAlpha) {
@@ -136,17 +141,21 @@ void wholeZ(Call &call) {
     call["scale"] = 1;
 }
 
-/// A picture of three quarters of the stage's size, turning and growing in its middle.
+/// A picture turning and growing in the middle, as large as the format of positions lets a row of it be.
 void turningPart(Call &call, const Stage &stage) {
-    const Stage part = {stage.width * 3 / 4, stage.height * 3 / 4, stage.time};
+    const Stage part = {std::min(stage.width * 3 / 4, 860), std::min(stage.height * 3 / 4, 480), stage.time};
     call["src"] = call.row().name.find("KeySrc") == std::string_view::npos ? part.picture(1) : part.sprite();
     call["srcRect"] = call["src"].plane().rect();
 }
-/// Enlarged until the source covers the whole stage.
+/// Turned a little and enlarged until it covers the whole stage.
 void turnedOverAll(Call &call, const Stage &stage) {
+    constexpr double turn = 0.4;
     turningPart(call, stage);
-    call["angle"] = 0.4;
-    call["scale"] = 2;
+    const Plane &src = call["src"].plane();
+    const double across = stage.width * std::cos(turn) + stage.height * std::sin(turn);
+    const double down = stage.width * std::sin(turn) + stage.height * std::cos(turn);
+    call["angle"] = turn;
+    call["scale"] = 1.05 * std::max(across / src.width(), down / src.height());
 }
 const std::vector<Scene> zScenes = {{"", turningPart}, {"over the whole picture", turnedOverAll}};
 
@@ -205,8 +214,8 @@ std::vector<Argument> faceArguments() {
             colour("backColour"),
             unused("unused"),
             pitch("pitch", "dst"),
-            extent("width", "dst"),
-            extent("height", "dst")};
+            frameExtent("width"),
+            frameExtent("height")};
 }
 
 Areas writesFrame(const Call &call) {
@@ -321,7 +330,7 @@ std::vector<Argument> frameTurnArguments(bool hasBackground) {
     if (hasBackground)
         all.insert(all.end(), {source("background"), unused("unused")});
     all.insert(all.end(),
-               {angleOfTurn(), scaleOfTurn(), perspectiveOfTurn(), extent("width", "dst"), extent("height", "dst")});
+               {angleOfTurn(), scaleOfTurn(), perspectiveOfTurn(), frameExtent("width"), frameExtent("height")});
     return all;
 }
 
@@ -444,11 +453,15 @@ void arrangeAffine(Call &call, Random &random) {
     call["brightnessScale"] = random.oneIn(2) ? 256 : random.between(-300, 600);
 }
 
-/// The left and top of the source rectangle count twice along one of the axes, and positions are held to neither.
+/// The left and top of the source rectangle count twice along one of the axes, and one that is turned inside out is
+/// walked backward.
 Areas readsAffine(const Call &call) {
     const tagRECT &rect = call["srcRect"].rect();
-    return {{"src", Box{std::min(rect.left, rect.left * 2), std::min(rect.top, rect.top * 2),
-                        std::max(rect.right, rect.right + rect.left), std::max(rect.bottom, rect.bottom + rect.top)}}};
+    const bool isEmpty = rect.left >= rect.right || rect.top >= rect.bottom;
+    const auto [left, right] = std::minmax({rect.left, rect.left * 2, rect.right, rect.right + rect.left});
+    const auto [top, bottom] = std::minmax({rect.top, rect.top * 2, rect.bottom, rect.bottom + rect.top});
+    const int beyond = isEmpty ? 2 : 0;
+    return {{"src", Box{left - beyond, top - beyond, right + beyond, bottom + beyond}}};
 }
 
 void trapezoid(Call &call, const Stage &stage) {
@@ -670,7 +683,7 @@ void sweepingStroke(Call &call, const Stage &stage) {
 }
 
 Argument strokeEnd(std::string_view name) {
-    return {.name = name, .kind = Kind::position, .unit = "pixels", .of = "dst"};
+    return {.name = name, .kind = Kind::position, .unit = "pixels", .contract = nearCorner, .of = "dst"};
 }
 
 } // namespace
@@ -705,9 +718,9 @@ std::vector<Row> warpRows() {
         {
             Q_MUR_FUNCTION(iBilinearMapping),
             .sentence = "Draws a picture into any four corners, the patch inverted exactly.",
-            .arguments = joined(
-                {destination(), source(), pitch("pitch", "dst"), extent("width", "dst"), extent("height", "dst")},
-                corners()),
+            .arguments =
+                joined({destination(), source(), pitch("pitch", "dst"), frameExtent("width"), frameExtent("height")},
+                       corners()),
             .writes = writesFrame,
             .reads = readsFrame,
             .allows = shareOnePitch,
@@ -720,8 +733,8 @@ std::vector<Row> warpRows() {
         {
             Q_MUR_FUNCTION(iPsudoBilinearMapping),
             .sentence = "Draws a picture into four corners in two quick passes.",
-            .arguments = joined({destination(), source(), scratch(), pitch("pitch", "dst"), extent("width", "dst"),
-                                 extent("height", "dst"), colour("fillColour")},
+            .arguments = joined({destination(), source(), scratch(), pitch("pitch", "dst"), frameExtent("width"),
+                                 frameExtent("height"), colour("fillColour")},
                                 corners()),
             .writes = writesFrameAndScratch,
             .reads = readsFrame,
@@ -763,6 +776,7 @@ std::vector<Row> warpRows() {
             .sums = Sums::stayInside,
             .arrange = arrangeDisc,
             .scenes = {{"", turningDisc}},
+            .without = {{"every_place_and_size_over_a_small_surface", "larger than 4 x 4 pixels"}},
         },
         aboutCentre(callOf(::iRotate, plain::iRotate), "iRotate",
                     "Stretches a picture onto a turned rectangle, nearest pixel.", TopByte::copied, readsSrcRect),
@@ -789,7 +803,7 @@ std::vector<Row> warpRows() {
             Q_MUR_FUNCTION(ImageLine),
             .sentence = "Reveals another picture along a straight stroke.",
             .arguments = {destination(), source(), pitch("pitch", "dst"), strokeEnd("x1"), strokeEnd("y1"),
-                          strokeEnd("x2"), strokeEnd("y2"), number("width", "pixels", anyInt, {41, 41})},
+                          strokeEnd("x2"), strokeEnd("y2"), number("width", "pixels", nearCorner, {41, 41})},
             .writes = writesStroke,
             .reads = readsStroke,
             .allows = shareOnePitch,

@@ -1,5 +1,6 @@
 #include "proofs.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace proofs {
@@ -38,27 +39,31 @@ std::string_view reason(const Row &row) {
     return numbersOf(row).empty() ? "no numbers" : "";
 }
 
-/// Each number of a call, and each two of them, or two at random where there are many, at the ends of what they may be:
+/// Each number of a call, and each two of them, or a part where there are many, at the ends of what they may be:
 /// wherever the call still keeps to the contract, it gives what the twin gives.
 void prove(const Row &row) {
-    constexpr std::size_t many = 16;
+    constexpr double most = 8000;
     const std::vector<std::size_t> numbers = numbersOf(row);
+    double combinations = 0;
+    for (const std::size_t first : numbers)
+        for (const std::size_t second : numbers)
+            combinations += static_cast<double>(ends(row, first).size() * ends(row, second).size());
+    const int oneOf = std::max(1, static_cast<int>(4 * combinations / most));
     for (int number = 0; number < 4; ++number) {
         Random random(static_cast<std::uint64_t>(number));
         const Call before = catalogue::randomCall(row, random);
         for (const std::size_t first : numbers)
-            for (const std::size_t second : numbers) {
-                if (numbers.size() > many && !random.oneIn(static_cast<int>(numbers.size()) / 4))
-                    continue;
+            for (const std::size_t second : numbers)
                 for (const double a : ends(row, first))
                     for (const double b : ends(row, second)) {
+                        if (!random.oneIn(oneOf))
+                            continue;
                         Call call = before;
                         call[first] = a;
                         call[second] = b;
                         if (catalogue::keepsToContract(call) && !agree(call, "at the ends of numbers"))
                             return;
                     }
-            }
     }
 }
 

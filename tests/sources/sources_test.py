@@ -26,7 +26,7 @@ import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SKIPPED = 77
-NO_TEXT = {".png", ".jpg", ".jpeg", ".bmp", ".ico", ".gif", ".mp4"}
+NO_TEXT = {".png", ".jpg", ".jpeg", ".bmp", ".ico", ".gif", ".mp4", ".webp"}
 
 
 class Skip(Exception):

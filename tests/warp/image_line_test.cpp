@@ -1,5 +1,4 @@
-#include "naive_image_line.h"
-#include "turning.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +7,6 @@
 
 namespace {
 
-using namespace naive::imageLine;
-using test::Case;
-using test::forEachCase;
 using test::Surface;
 
 constexpr q_ulong untouched = 0x11111111;
@@ -76,46 +72,14 @@ TEST(ImageLine, runs_across_the_row_at_45_degrees) {
 
 TEST(ImageLine, shows_the_source_at_the_same_place) {
     test::Random random(1);
-    Surface src = test::anyPicture(random);
-    Surface dst = test::anyPicture(random);
+    Surface src = Surface::randomOfSize(random, 16, 13);
+    Surface dst(16, 13, untouched, src.pitch() - Surface(16, 13).pitch());
     Surface expected = dst;
     draw(dst, src, 3, 3, 3, 9, 2);
     for (int y = 3; y <= 9; ++y)
         for (int x = 2; x <= 3; ++x)
             expected.at(x, y) = src.at(x, y);
     EXPECT_EQ(dst.differenceFrom(expected), "");
-}
-
-TEST(ImageLine, every_line_of_a_small_square_is_bresenhams) {
-    test::Random random(1);
-    Surface src = test::anyPicture(random);
-    const Surface before = test::anyPicture(random);
-    for (int y1 = 0; y1 < 6; ++y1)
-        for (int x1 = 0; x1 < 6; ++x1)
-            for (int y2 = 0; y2 < 6; ++y2)
-                for (int x2 = 0; x2 < 6; ++x2) {
-                    Surface dst = before;
-                    Surface expected = before;
-                    draw(dst, src, x1, y1, x2, y2, 1);
-                    naiveLine(expected, src, x1, y1, x2, y2, 1);
-                    ASSERT_EQ(dst.differenceFrom(expected), "") << x1 << ", " << y1 << " to " << x2 << ", " << y2;
-                }
-}
-
-TEST(ImageLine, agrees_with_a_naive_line) {
-    forEachCase("ImageLine", [](Case &c) {
-        Surface dst = test::anyPicture(c.random);
-        Surface src = test::anyPicture(c.random);
-        const int x1 = c.random.between(0, 15);
-        const int y1 = c.random.between(0, 12);
-        const int x2 = c.random.oneIn(6) ? x1 : c.random.between(0, 15);
-        const int y2 = c.random.oneIn(6) ? y1 : c.random.between(0, 12);
-        const int width = c.random.between(-2, 14);
-        Surface expected = dst;
-        naiveLine(expected, src, x1, y1, x2, y2, width);
-        draw(dst, src, x1, y1, x2, y2, width);
-        c.expectEqual(dst, expected);
-    });
 }
 
 } // namespace

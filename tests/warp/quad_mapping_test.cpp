@@ -1,5 +1,4 @@
-#include "naive_quad_mapping.h"
-#include "turning.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
@@ -10,16 +9,40 @@
 
 namespace {
 
-using namespace naive::quadMapping;
-using test::anyPicture;
-using test::callAtAnyPrecision;
-using test::Case;
-using test::forEachCase;
-using test::low32;
-using test::product32;
-using test::Real;
 using test::Surface;
-using test::truncated;
+
+struct Corner {
+    int x;
+    int y;
+};
+
+using Quad = std::array<Corner, 4>;
+
+/// The corners of an upright rectangle, from the top left clockwise.
+Quad upright(int left, int top, int right, int bottom) {
+    return {{{left, top}, {right, top}, {right, bottom}, {left, bottom}}};
+}
+
+/// The same figure with another corner first.
+Quad cycled(const Quad &quad, std::size_t first) {
+    return {{quad[first & 3], quad[(first + 1) & 3], quad[(first + 2) & 3], quad[(first + 3) & 3]}};
+}
+
+void drawBilinear(Surface &dst, Surface &src, int width, int height, const Quad &p) {
+    iBilinearMapping(dst.pixels(), src.pixels(), dst.pitch(), width, height, p[0].x, p[1].x, p[2].x, p[3].x, p[0].y,
+                     p[1].y, p[2].y, p[3].y);
+}
+
+void drawPseudo(Surface &dst, Surface &src, Surface &scratch, int width, int height, q_ulong fill, const Quad &p) {
+    iPsudoBilinearMapping(dst.pixels(), src.pixels(), scratch.pixels(), dst.pitch(), width, height, fill, p[0].x,
+                          p[1].x, p[2].x, p[3].x, p[0].y, p[1].y, p[2].y, p[3].y);
+}
+
+void drawAffine(Surface &dst, Surface &src, tagRECT srcRect, tagRECT clip, const Quad &p, int add = 0,
+                int scale = 256) {
+    iAffineMapping(dst.pixels(), src.pixels(), dst.pitch(), &srcRect, &clip, p[0].x, p[1].x, p[2].x, p[3].x, p[0].y,
+                   p[1].y, p[2].y, p[3].y, add, scale);
+}
 
 constexpr q_ulong untouched = 0x11111111;
 
@@ -278,101 +301,6 @@ TEST(iAffineMapping, a_figure_as_wide_as_the_numbers_shows_its_source_and_nothin
                       (quad[0].y == 0 ? place(0, 5) : place(5, 0)) & 0xFFFF)
                 << "a step of 0 stays on the first source pixel";
     }
-}
-
-TEST(iAffineMapping, every_clip_and_place_keeps_its_writes_inside) {
-    test::Random random(1);
-    Surface src = anyPicture(random);
-    const Surface before = anyPicture(random);
-    for (int clipped = 0; clipped < 60; ++clipped) {
-        const tagRECT clip = random.rectInsideOrEmpty(16, 13);
-        for (int y = -8; y <= 12; y += 2)
-            for (int x = -8; x <= 14; x += 2)
-                for (const Quad &quad : {Quad{{{x, y}, {x + 5, y}, {x + 7, y + 6}, {x - 1, y + 6}}},
-                                         Quad{{{x, y}, {x + 5, y + 1}, {x + 5, y + 6}, {x, y + 8}}}}) {
-                    Surface dst = before;
-                    Surface expected = before;
-                    drawAffine(dst, src, {2, 1, 9, 8}, clip, quad);
-                    naiveAffine(expected, src, {2, 1, 9, 8}, clip, quad, 0, 256);
-                    ASSERT_EQ(dst.differenceFrom(expected), "");
-                }
-    }
-}
-
-/// A figure near a frame of 16 by 13: the frame itself turned or mirrored, bent a little, or anything.
-Quad anyQuad(test::Random &random) {
-    Quad quad = cycled(upright(0, 0, 16, 13), static_cast<std::size_t>(random.between(0, 3)));
-    if (random.oneIn(4))
-        std::swap(quad[1], quad[3]); // the other way round
-    const int bend = random.between(0, 4);
-    const int reach = bend == 4 ? 2000 : bend == 3 ? 40 : bend * 5;
-    for (Corner &corner : quad)
-        corner = {corner.x + random.between(-reach, reach), corner.y + random.between(-reach, reach)};
-    if (random.oneIn(6))
-        quad[static_cast<std::size_t>(random.between(0, 3))] = quad[static_cast<std::size_t>(random.between(0, 3))];
-    if (random.oneIn(10)) { // wholly outside
-        const int away = random.between(-1, 1) * 3000;
-        for (Corner &corner : quad)
-            corner = {corner.x + away, corner.y + 3000};
-    }
-    return quad;
-}
-
-TEST(iBilinearMapping, agrees_with_a_naive_inversion) {
-    forEachCase("iBilinearMapping", [](Case &c) {
-        Surface dst = anyPicture(c.random);
-        Surface src = anyPicture(c.random);
-        const Quad quad = anyQuad(c.random);
-        const int width = c.random.oneIn(3) ? c.random.between(0, 16) : 12;
-        const int height = c.random.oneIn(3) ? c.random.between(0, 13) : 9;
-        Surface expected = dst;
-        naiveBilinear(expected, src, width, height, quad);
-        callAtAnyPrecision(c, [&] { drawBilinear(dst, src, width, height, quad); });
-        c.expectEqual(dst, expected);
-    });
-}
-
-TEST(iPsudoBilinearMapping, agrees_with_naive_passes) {
-    forEachCase("iPsudoBilinearMapping", [](Case &c) {
-        Surface dst = anyPicture(c.random);
-        Surface src = anyPicture(c.random);
-        Surface scratch = anyPicture(c.random);
-        const Quad quad = anyQuad(c.random);
-        const int width = c.random.oneIn(3) ? c.random.between(0, 16) : 16;
-        const int height = c.random.oneIn(3) ? c.random.between(0, 13) : 13;
-        const q_ulong fill = c.random.pixel();
-        Surface expected = dst;
-        Surface expectedScratch = scratch;
-        naivePseudo(expected, src, expectedScratch, width, height, fill, quad);
-        callAtAnyPrecision(c, [&] { drawPseudo(dst, src, scratch, width, height, fill, quad); });
-        c.expectEqual(dst, expected);
-        c.expectEqual(scratch, expectedScratch);
-    });
-}
-
-TEST(iAffineMapping, agrees_with_a_naive_mapping) {
-    forEachCase("iAffineMapping", [](Case &c) {
-        Surface dst = anyPicture(c.random);
-        Surface src = anyPicture(c.random);
-        Quad quad = anyQuad(c.random);
-        if (c.random.oneIn(2)) {
-            quad[1].y = quad[0].y;
-            quad[3].y = quad[2].y;
-        } else if (!c.random.oneIn(8)) {
-            quad[3].x = quad[0].x;
-            quad[2].x = quad[1].x;
-        }
-        tagRECT srcRect = c.random.rectInsideOrEmpty(src.width(), src.height());
-        srcRect.left = std::min<q_long>(srcRect.left, 6);
-        srcRect.top = std::min<q_long>(srcRect.top, 6);
-        const tagRECT clip = c.random.oneIn(3) ? c.random.rectInsideOrEmpty(dst.width(), dst.height()) : dst.rect();
-        const int add = c.random.oneIn(2) ? 0 : c.random.between(-300, 300);
-        const int scale = c.random.oneIn(2) ? 256 : c.random.between(-300, 600);
-        Surface expected = dst;
-        naiveAffine(expected, src, srcRect, clip, quad, add, scale);
-        drawAffine(dst, src, srcRect, clip, quad, add, scale);
-        c.expectEqual(dst, expected);
-    });
 }
 
 } // namespace

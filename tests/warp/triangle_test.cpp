@@ -1,5 +1,4 @@
-#include "naive_triangle.h"
-#include "turning.h"
+#include "support/surface.h"
 
 #include <gtest/gtest.h>
 
@@ -9,13 +8,28 @@
 
 namespace {
 
-using namespace naive::triangle;
-using test::anyPicture;
-using test::Case;
-using test::forEachCase;
-using test::low32;
-using test::product32;
 using test::Surface;
+
+/// A corner on the destination and on the source.
+struct Corner {
+    int x;
+    int y;
+    int u;
+    int v;
+};
+
+using Corners = std::array<Corner, 3>;
+
+void draw(Surface &dst, tagRECT clip, Surface &src, const Corners &corners) {
+    _POINTINT screen[3];
+    _POINTINT source[3];
+    for (std::size_t i = 0; i < 3; ++i) {
+        screen[i] = {corners[i].x, corners[i].y};
+        source[i] = {corners[i].u, corners[i].v};
+    }
+    Blt_Triangle(dst.pixels(), &clip, dst.pitch(), &screen[0], &screen[1], &screen[2], src.pixels(), src.pitch(),
+                 &source[0], &source[1], &source[2]);
+}
 
 constexpr q_ulong untouched = 0x11111111;
 
@@ -187,29 +201,6 @@ TEST(Blt_Triangle, figures_wholly_outside_and_empty_clips_draw_nothing) {
          {tagRECT{4, 0, 4, 16}, tagRECT{0, 4, 16, 4}, tagRECT{9, 9, 3, 3}, tagRECT{INT_MIN, INT_MIN, INT_MIN, INT_MIN}})
         draw(dst, clip, src, {{{0, 0, 0, 0}, {12, 3, 12, 3}, {4, 14, 4, 14}}});
     EXPECT_EQ(dst.differenceFrom(Surface(16, 16, untouched)), "");
-}
-
-TEST(Blt_Triangle, agrees_with_a_naive_triangle) {
-    forEachCase("Blt_Triangle", [](Case &c) {
-        Surface dst = anyPicture(c.random);
-        Surface src = anyPicture(c.random);
-        const tagRECT clip = c.random.oneIn(3) ? c.random.rectInsideOrEmpty(dst.width(), dst.height()) : dst.rect();
-        const int reach = c.random.oneIn(5) ? 200 : 20;
-        const int sourceReach = c.random.oneIn(5) ? 5000 : 4;
-        Corners corners;
-        for (Corner &corner : corners)
-            corner = {8 + c.random.between(-reach, reach), 6 + c.random.between(-reach, reach),
-                      c.random.between(-sourceReach, 15 + sourceReach),
-                      c.random.between(-sourceReach, 12 + sourceReach)};
-        if (c.random.oneIn(4))
-            corners[1].y = corners[0].y;
-        if (c.random.oneIn(4))
-            corners[2].y = corners[c.random.oneIn(2)].y + c.random.between(0, 1);
-        Surface expected = dst;
-        naiveTriangle(expected, clip, src, corners);
-        draw(dst, clip, src, corners);
-        c.expectEqual(dst, expected);
-    });
 }
 
 } // namespace
