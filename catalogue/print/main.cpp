@@ -21,9 +21,11 @@ using Json = nlohmann::ordered_json;
 constexpr Stage smallStage = {320, 180, 0.5};
 
 Json limit(double number) {
+    constexpr double wholeInJson = 9007199254740992.0; // beyond this not every whole number is a double
     if (!std::isfinite(number))
         return nullptr;
-    return number == std::floor(number) ? Json(static_cast<std::int64_t>(number)) : Json(number);
+    return number == std::floor(number) && std::fabs(number) < wholeInJson ? Json(static_cast<std::int64_t>(number))
+                                                                           : Json(number);
 }
 
 Json rangeOf(const Range &range) {

@@ -113,7 +113,8 @@ inline void iRotateMapping(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulon
         trace(crossings, corners[i], corners[(i + 1) % 4], source[i], source[(i + 1) % 4], true);
     fillSpans(crossings, *clipRect, 65536, [&](Number x, Number y, Number u, Number v) {
         to.at(x, y) = fourTaps(from, flooredQuotient(u, 1 << 20), flooredQuotient(v, 1 << 20),
-                               flooredQuotient(u, 65536) & 15, flooredQuotient(v, 65536) & 15);
+                               flooredQuotient(u, 65536) & 15, flooredQuotient(v, 65536) & 15)
+                          .pixel();
     });
 }
 
@@ -181,9 +182,10 @@ inline void iRotate(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src,
 inline void iRotateLinear(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch,
                           int centreX, int centreY, double angle, int width, int height) {
     const Pixels from = {src, srcPitch};
-    mapBack(
-        {dst, dstPitch}, *clipRect, *srcRect, centreX, centreY, angle, width, height, 1 << 20, 0, -1,
-        [&](q_ulong &d, Number column, Number row, Number fx, Number fy) { d = fourTaps(from, column, row, fx, fy); });
+    mapBack({dst, dstPitch}, *clipRect, *srcRect, centreX, centreY, angle, width, height, 1 << 20, 0, -1,
+            [&](q_ulong &d, Number column, Number row, Number fx, Number fy) {
+                d = fourTaps(from, column, row, fx, fy).pixel();
+            });
 }
 
 inline void iRotateLinearAA(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch,
@@ -201,7 +203,7 @@ inline void iRotateLinearAA(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulo
                                      topByteOf(taps[2]) * (16 - fx) * fy + topByteOf(taps[3]) * fx * fy) /
                                     256;
             if (coverage == 255) {
-                d = fourTaps(from, column, row, fx, fy);
+                d = fourTaps(from, column, row, fx, fy).pixel();
                 return;
             }
             const auto most = [&](Number (*channelOf)(q_ulong)) {

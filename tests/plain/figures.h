@@ -167,7 +167,7 @@ inline void iAffineMapping(q_ulong *dst, q_ulong *src, int pitch, tagRECT *srcRe
 }
 
 /// A corner on the destination and on the source.
-struct TexturedCorner {
+struct MappedCorner {
     Number x;
     Number y;
     Number u;
@@ -175,8 +175,7 @@ struct TexturedCorner {
 };
 
 /// `value` of a corner at row y on the edge between two of them, which ends one row early.
-inline Number onEdge(const TexturedCorner &upper, const TexturedCorner &lower, Number TexturedCorner::*value,
-                     Number y) {
+inline Number onEdge(const MappedCorner &upper, const MappedCorner &lower, Number MappedCorner::*value, Number y) {
     const Number rows = signed32(lower.y - upper.y - 1);
     const Number inverse = 1048576 / (rows == 0 ? 1 : rows);
     const Number gained = signed32(signed32(lower.*value - upper.*value) * signed32(y - upper.y));
@@ -186,9 +185,9 @@ inline Number onEdge(const TexturedCorner &upper, const TexturedCorner &lower, N
 /// Asks every pixel of the clip whether and what the triangle shows there.
 inline void Blt_Triangle(q_ulong *dst, tagRECT *clip, int dstPitch, _POINTINT *p0, _POINTINT *p1, _POINTINT *p2,
                          q_ulong *src, int srcPitch, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2) {
-    TexturedCorner top = {p0->x, p0->y, t0->x, t0->y};
-    TexturedCorner mid = {p1->x, p1->y, t1->x, t1->y};
-    TexturedCorner bottom = {p2->x, p2->y, t2->x, t2->y};
+    MappedCorner top = {p0->x, p0->y, t0->x, t0->y};
+    MappedCorner mid = {p1->x, p1->y, t1->x, t1->y};
+    MappedCorner bottom = {p2->x, p2->y, t2->x, t2->y};
     // Of two on one row the later one goes above the earlier.
     if (!(top.y < mid.y))
         std::swap(top, mid);
@@ -201,22 +200,22 @@ inline void Blt_Triangle(q_ulong *dst, tagRECT *clip, int dstPitch, _POINTINT *p
                            signed32(signed32(top.y - bottom.y) * signed32(mid.x - top.x));
     for (Number y = std::max<Number>(top.y, clip->top); y < std::min<Number>(bottom.y, clip->bottom); ++y) {
         const bool isUpper = y < mid.y;
-        const auto onSide = [&](bool left, Number TexturedCorner::*value) {
+        const auto onSide = [&](bool left, Number MappedCorner::*value) {
             if (left == midIsLeft)
                 return isUpper ? onEdge(top, mid, value, y) : onEdge(mid, bottom, value, y);
             return onEdge(top, bottom, value, y);
         };
-        const Number xL = onSide(true, &TexturedCorner::x);
-        const Number xR = onSide(false, &TexturedCorner::x);
+        const Number xL = onSide(true, &MappedCorner::x);
+        const Number xR = onSide(false, &MappedCorner::x);
         const Number pixels = signed32(xR - xL - 1);
         const Number inverse = 1048576 / (pixels == 0 ? 1 : pixels);
         for (Number x = std::max<Number>(clip->left, xL); x < std::min<Number>(clip->right, xR); ++x) {
-            const auto across = [&](Number TexturedCorner::*value) {
+            const auto across = [&](Number MappedCorner::*value) {
                 const Number step = signed32(signed32(onSide(false, value) - onSide(true, value)) * inverse);
                 return signed32(flooredQuotient(signed32((x - xL) * step), 1048576) + onSide(true, value));
             };
-            const Number u = across(&TexturedCorner::u);
-            const Number v = across(&TexturedCorner::v);
+            const Number u = across(&MappedCorner::u);
+            const Number v = across(&MappedCorner::v);
             if (contains(*clip, u, v))
                 Pixels{dst, dstPitch}.at(x, y) = Pixels{src, srcPitch}.at(u, v);
         }

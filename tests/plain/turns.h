@@ -4,23 +4,12 @@
 #define Q_MUR_TESTS_PLAIN_TURNS_H
 
 #include "real.h"
+#include "sampling.h"
 #include "words.h"
 
 #include <cmath>
 
 namespace plain {
-
-/// The four taps around a pixel, weighted by sixteenths; each channel is truncated, the top byte is 0.
-inline q_ulong fourTaps(Pixels src, Number column, Number row, Number fx, Number fy) {
-    const auto mean = [&](Number (*channelOf)(q_ulong)) {
-        return (channelOf(src.at(column, row)) * (16 - fx) * (16 - fy) +
-                channelOf(src.at(column + 1, row)) * fx * (16 - fy) +
-                channelOf(src.at(column, row + 1)) * (16 - fx) * fy +
-                channelOf(src.at(column + 1, row + 1)) * fx * fy) /
-               256;
-    };
-    return pixelOf(mean(redOf), mean(greenOf), mean(blueOf));
-}
 
 // About the Z axis.
 
@@ -106,7 +95,7 @@ void turnFiltered(Pixels dst, Pixels src, const ZTurn &turn, Store store) {
         const Number row = flooredQuotient(v, 1 << 17) + centreY * 16;
         if (contains(inside, column, row))
             store(dst.at(x, y),
-                  fourTaps(src, flooredQuotient(column, 16), flooredQuotient(row, 16), column & 15, row & 15));
+                  fourTaps(src, flooredQuotient(column, 16), flooredQuotient(row, 16), column & 15, row & 15).pixel());
     });
 }
 
