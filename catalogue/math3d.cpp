@@ -77,8 +77,8 @@ Areas xAndYOfPoints(const Call &) {
 
 bool isReal(const Call &call, std::size_t index) {
     const std::string_view type = call.row().call.types[index];
-    return type.find("int") == std::string_view::npos && type.find("_POINT3D ") == std::string_view::npos &&
-           type.find("_POINT3D*") == std::string_view::npos;
+    return type.find("int") == std::string_view::npos && type.find("short") == std::string_view::npos &&
+           type.find("_POINT3D ") == std::string_view::npos && type.find("_POINT3D*") == std::string_view::npos;
 }
 
 /// Random words, those of floats up to about `2^reach` and ints up to `bound`.

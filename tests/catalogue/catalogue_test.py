@@ -6,6 +6,7 @@ usage: catalogue_test.py Q_MUR_CATALOGUE
 
 import collections
 import json
+import os
 import pathlib
 import re
 import subprocess
@@ -16,7 +17,10 @@ ARRAYS = ["iSin", "iCos", "iSqrt"]
 
 
 def main():
-    printed = subprocess.run([sys.argv[1], "--json"], capture_output=True, text=True, check=True).stdout
+    # Scenes that ask for private blocks leave them to the end of the process.
+    environment = {**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}
+    command = [sys.argv[1], "--json"]
+    printed = subprocess.run(command, env=environment, capture_output=True, text=True, check=True).stdout
     described = collections.Counter(ARRAYS)
     complaints = []
     for subsystem in json.loads(printed)["subsystems"]:

@@ -51,7 +51,8 @@ void prove(const Row &row) {
             Call fenced = call;
             Call wanted = expected;
             for (std::size_t i = 0; i < call.size(); ++i)
-                if (const Plane *plane = call[i].surface()) {
+                // A record of the host's stands at an address of its own alignment.
+                if (const Plane *plane = call[i].surface(); plane && row.arguments[i].kind != Kind::hostRecord) {
                     const Box part = needed(call, row.arguments[i].name);
                     *fenced[i].surface() = plane->cutTo(part, fence);
                     *wanted[i].surface() = expected[i].surface()->cutTo(part, Fence::none);
