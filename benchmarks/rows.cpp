@@ -31,7 +31,7 @@ constexpr Stage figureStage = {700, 700, 0.5};
 enum class Measure { pictures, figures, calls };
 
 /// The pixels of its surfaces that a call writes or reads, by their region.
-double pixelsOf(const Call &call, catalogue::Areas (*areas)(const Call &)) {
+double pixelsOf(const Call &call, const catalogue::Region &areas) {
     double pixels = 0;
     if (!areas)
         return 0;

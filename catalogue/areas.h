@@ -1,11 +1,13 @@
 /// \file
-/// Words for what calls read and write.
+/// Words for what calls read and write, and for the steps in which they are arranged.
 #ifndef Q_MUR_CATALOGUE_AREAS_H
 #define Q_MUR_CATALOGUE_AREAS_H
 
 #include "row.h"
 
 #include <algorithm>
+#include <type_traits>
+#include <utility>
 
 namespace catalogue {
 
@@ -40,9 +42,68 @@ constexpr Box grown(const Box &box, int left, int top, int right, int bottom) {
     return box.isEmpty() ? box : Box{box.left - left, box.top - top, box.right + right, box.bottom + bottom};
 }
 
-/// The whole of a surface.
-inline Area wholeOf(const Call &call, std::string_view name) {
-    return {name, call[name].plane().rect()};
+/// The area of a picture that begins at the first pixel of a surface.
+inline Box frameOf(const Call &call) {
+    return boxOf(0, 0, call["width"].whole(), call["height"].whole());
+}
+
+/// The box around a line from (`x1`, `y1`) to (`x2`, `y2`), both ends included.
+inline Box lineBox(const Call &call) {
+    const auto [left, right] = std::minmax({call["x1"].whole(), call["x2"].whole()});
+    const auto [top, bottom] = std::minmax({call["y1"].whole(), call["y2"].whole()});
+    return {left, top, right + std::int64_t{1}, bottom + std::int64_t{1}};
+}
+
+/// So many words of an array, and so many points or other records of four words.
+inline Area words(std::string_view name, std::int64_t count) {
+    return {name, {0, 0, count, 1}};
+}
+inline Area records(std::string_view name, std::int64_t count) {
+    return words(name, 4 * count);
+}
+
+/// What `box` says of a call is the region of an argument; a name says that it is the rectangle of this name.
+template <class MakeBox>
+Region on(std::string_view argument, MakeBox box) {
+    return [=](const Call &call) -> Areas {
+        if constexpr (std::is_convertible_v<MakeBox, std::string_view>)
+            return {{argument, call[box].rect()}};
+        else
+            return {{argument, box(call)}};
+    };
+}
+
+/// Areas that are the same in every call.
+inline Region always(Areas areas) {
+    return [areas = std::move(areas)](const Call &) { return areas; };
+}
+
+inline Areas operator+(Areas areas, const Areas &more) {
+    areas.insert(areas.end(), more.begin(), more.end());
+    return areas;
+}
+inline Region operator+(Region first, Region second) {
+    return
+        [first = std::move(first), second = std::move(second)](const Call &call) { return first(call) + second(call); };
+}
+
+/// Several steps made into one, of a call's arrangement or of a scene.
+template <class... Steps>
+auto inTurn(Steps... steps) {
+    return [=](Call &call, auto &origin) { (steps(call, origin), ...); };
+}
+
+/// A step that gives an argument a value.
+inline auto set(std::string_view name, const Value &value) {
+    return [=](Call &call, auto &) { call[name] = value; };
+}
+
+/// A step that draws whole numbers.
+inline auto draw(std::initializer_list<std::string_view> names, int low, int high) {
+    return [names = std::vector<std::string_view>(names), low, high](Call &call, Random &random) {
+        for (const std::string_view name : names)
+            call[name] = random.between(low, high);
+    };
 }
 
 } // namespace catalogue

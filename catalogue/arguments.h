@@ -26,15 +26,22 @@ inline Argument rectangle(std::string_view name, std::string_view of) {
 inline Argument clip(std::string_view name, std::string_view of) {
     return {.name = name, .kind = Kind::clip, .unit = "pixels", .of = of};
 }
-/// A column or row, `drawn` from one place of the stage to another, both as a part of its width or height.
-inline Argument position(std::string_view name, std::string_view of, Range drawn = {0.5, 0.5}) {
-    return {.name = name, .kind = Kind::position, .unit = "pixels", .drawn = drawn, .of = of};
+inline Argument point(std::string_view name, std::string_view of) {
+    return {.name = name, .kind = Kind::point, .unit = "pixels", .of = of};
 }
-inline Argument extent(std::string_view name, std::string_view of) {
-    return {.name = name, .kind = Kind::extent, .unit = "pixels", .of = of};
+/// A column or row, `drawn` from one place of the stage to another, both as a part of its width or height.
+inline Argument position(std::string_view name, std::string_view of, Range drawn = {0.5, 0.5},
+                         Range contract = anyInt) {
+    return {.name = name, .kind = Kind::position, .unit = "pixels", .contract = contract, .drawn = drawn, .of = of};
+}
+inline Argument extent(std::string_view name, std::string_view of, Range contract = anyInt) {
+    return {.name = name, .kind = Kind::extent, .unit = "pixels", .contract = contract, .of = of};
 }
 inline Argument radius(std::string_view name, Range contract, Range drawn) {
     return {.name = name, .kind = Kind::radius, .unit = "pixels", .contract = contract, .drawn = drawn};
+}
+inline Argument count(std::string_view name, std::string_view unit, Range contract = anyInt, Range drawn = {0, 0}) {
+    return {.name = name, .kind = Kind::count, .unit = unit, .contract = contract, .drawn = drawn};
 }
 inline Argument colour(std::string_view name = "colour") {
     return {.name = name, .kind = Kind::colour, .unit = "0x00RRGGBB", .contract = anyWord};
@@ -46,21 +53,68 @@ inline Argument key(std::string_view name = "key") {
 inline Argument channelWeight(std::string_view name) {
     return {.name = name, .kind = Kind::weight, .unit = "1/256", .contract = anyByte, .drawn = {64, 255}};
 }
-inline Argument alpha(std::string_view name = "alpha", Range drawn = {0.1, 0.9}) {
-    return {.name = name, .kind = Kind::alpha, .unit = "1", .contract = {0, 1}, .drawn = drawn};
+/// An alpha that is not clamped.
+inline Argument alpha(Range drawn = {0.1, 0.9}) {
+    return {.name = "alpha", .kind = Kind::alpha, .unit = "1", .contract = anyReal, .drawn = drawn};
 }
-inline Argument angle(std::string_view name = "angle", Range drawn = {0, 6.2831853}) {
-    return {.name = name, .kind = Kind::angle, .unit = "radians", .contract = anyReal, .drawn = drawn};
+inline Argument angle(std::string_view name = "angle", Range contract = anyReal, Range drawn = {0, 6.2831853}) {
+    return {.name = name, .kind = Kind::angle, .unit = "radians", .contract = contract, .drawn = drawn};
 }
-/// Any other whole number.
+inline Argument scale(std::string_view name, Range contract, Range drawn) {
+    return {.name = name, .kind = Kind::scale, .unit = "1", .contract = contract, .drawn = drawn};
+}
+/// Any other number.
 inline Argument number(std::string_view name, std::string_view unit, Range contract, Range drawn) {
     return {.name = name, .kind = Kind::number, .unit = unit, .contract = contract, .drawn = drawn};
 }
-inline Argument choice(std::string_view name, Range contract, double drawn = 0) {
+inline Argument choice(std::string_view name, Range contract = anyInt, double drawn = 0) {
     return {.name = name, .kind = Kind::choice, .unit = "", .contract = contract, .drawn = {drawn, drawn}};
 }
 inline Argument unused(std::string_view name) {
     return {.name = name, .kind = Kind::unused, .unit = ""};
+}
+
+// Arrays, records and other memory that is no surface.
+
+inline Argument plane(std::string_view name) {
+    return {.name = name, .kind = Kind::plane, .unit = "bytes"};
+}
+inline Argument points(std::string_view name, std::string_view unit = "pixels", std::string_view of = {}) {
+    return {.name = name, .kind = Kind::points, .unit = unit, .of = of};
+}
+inline Argument colours(std::string_view name) {
+    return {.name = name, .kind = Kind::colours, .unit = "0x00RRGGBB"};
+}
+inline Argument numbers(std::string_view name, std::string_view unit) {
+    return {.name = name, .kind = Kind::numbers, .unit = unit};
+}
+inline Argument text(std::string_view name, std::string_view unit) {
+    return {.name = name, .kind = Kind::text, .unit = unit};
+}
+inline Argument privateBlock(std::string_view name, std::string_view unit, std::string_view of = {}) {
+    return {.name = name, .kind = Kind::privateBlock, .unit = unit, .of = of};
+}
+inline Argument hostRecord(std::string_view name, std::string_view unit) {
+    return {.name = name, .kind = Kind::hostRecord, .unit = unit};
+}
+inline Argument orNull(Argument argument) {
+    argument.mayBeNull = true;
+    return argument;
+}
+
+/// Several arguments that are alike but for their names.
+inline Arguments each(std::initializer_list<std::string_view> names, Argument argument) {
+    Arguments all;
+    for (const std::string_view name : names) {
+        argument.name = name;
+        all.push_back(argument);
+    }
+    return all;
+}
+
+inline Arguments operator+(Arguments first, const Arguments &then) {
+    first.insert(first.end(), then.begin(), then.end());
+    return first;
 }
 
 } // namespace catalogue

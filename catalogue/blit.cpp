@@ -11,10 +11,6 @@ namespace {
 
 using plain::PositionFormat;
 
-/// Several steps made into one, of a call's arrangement or of a scene.
-template <auto... steps>
-constexpr auto inTurn = [](Call &call, auto &origin) { (steps(call, origin), ...); };
-
 /// All areas of two kinds.
 template <auto first, auto second>
 Areas both(const Call &call) {
@@ -141,7 +137,7 @@ std::vector<Argument> scaledArguments(std::initializer_list<Argument> more = {})
     return all;
 }
 
-bool always(const tagRECT &) {
+bool anySource(const tagRECT &) {
     return true;
 }
 
@@ -168,7 +164,7 @@ Stretch stretchOf(std::int64_t begin, std::int64_t end, std::int64_t srcExtent, 
 }
 
 /// The source pixels that the part that is drawn looks at.
-template <PositionFormat format, auto isDrawn = always>
+template <PositionFormat format, auto isDrawn = anySource>
 Areas seesNearest(const Call &call) {
     const Areas drawn = drawsScaled<isDrawn>(call);
     if (drawn.empty() || drawn[0].part.isEmpty())
@@ -182,7 +178,7 @@ Areas seesNearest(const Call &call) {
 }
 
 /// Each with its neighbours to the right and below.
-template <PositionFormat format, auto isDrawn = always>
+template <PositionFormat format, auto isDrawn = anySource>
 Areas seesFiltered(const Call &call) {
     Areas areas = seesNearest<format, isDrawn>(call);
     for (Area &area : areas)
@@ -191,7 +187,7 @@ Areas seesFiltered(const Call &call) {
 }
 
 /// The same, but where the source has pixels the last column and row stand in for what lies behind them.
-template <PositionFormat format, auto isDrawn = always>
+template <PositionFormat format, auto isDrawn = anySource>
 Areas seesInside(const Call &call) {
     Areas areas = seesFiltered<format, isDrawn>(call);
     const tagRECT src = call["srcRect"].rect();
@@ -572,7 +568,7 @@ Areas writesText(const Call &call) {
     return {{"dst", boxOf(0, 0, widthOf(clip), heightOf(clip))}};
 }
 Areas readsText(const Call &call) {
-    return {wholeOf(call, "text"), wholeOf(call, "fontName")};
+    return {{"text", call["text"].plane().rect()}, {"fontName", call["fontName"].plane().rect()}};
 }
 
 void writeLine(Call &call, const Stage &) {
@@ -593,7 +589,7 @@ std::vector<Row> copyRows() {
             .reads = seesLaid<placed>,
             .topByte = TopByte::copied,
             .sums = Sums::stayInside,
-            .arrange = inTurn<place, packSometimes>,
+            .arrange = inTurn(place, packSometimes),
             .pixelOnPixel = drawWhole,
             .scenes = {{.set = slide}, {.word = packedScene, .set = packAll}},
         },
@@ -605,7 +601,7 @@ std::vector<Row> copyRows() {
             .reads = seesLaid<placed>,
             .topByte = TopByte::copied,
             .sums = Sums::stayInside,
-            .arrange = inTurn<placeAnywhere, packSometimes>,
+            .arrange = inTurn(placeAnywhere, packSometimes),
             .pixelOnPixel = drawWhole,
             .scenes = {{.set = slide}, {.word = packedScene, .set = packAll}},
         },
@@ -645,11 +641,11 @@ std::vector<Row> scalingRows() {
             Q_MUR_FUNCTION(iBltNear32),
             .sentence = "Scales a rectangle onto another, nearest pixel.",
             .arguments = scaledArguments(),
-            .writes = drawsScaled<always>,
+            .writes = drawsScaled<anySource>,
             .reads = seesNearest<plain::unsigned12_20>,
             .topByte = TopByte::copied,
             .sums = Sums::stayInside,
-            .arrange = inTurn<turnSourceOut, scaleLongSometimes>,
+            .arrange = inTurn(turnSourceOut, scaleLongSometimes),
             .pixelOnPixel = drawWhole,
             .scenes = {{.set = zoom}},
         },
@@ -658,11 +654,11 @@ std::vector<Row> scalingRows() {
             .sentence = "Scales a rectangle onto another, nearest pixel, inside a clip.",
             .arguments = {destination(), source(), rectangle("dstRect", "dst"), rectangle("srcRect", "src"),
                           clip("clipRect", "dst"), pitch("dstPitch", "dst"), pitch("srcPitch", "src")},
-            .writes = drawsScaled<always>,
+            .writes = drawsScaled<anySource>,
             .reads = seesNearest<plain::signed12_20>,
             .topByte = TopByte::copied,
             .sums = Sums::stayInside,
-            .arrange = inTurn<scaleAnywhere, scaleLongSometimes>,
+            .arrange = inTurn(scaleAnywhere, scaleLongSometimes),
             .pixelOnPixel = drawWhole,
             .scenes = {{.set = zoom}},
         },
@@ -670,11 +666,11 @@ std::vector<Row> scalingRows() {
             Q_MUR_FUNCTION(iBltBilinear32),
             .sentence = "Scales a rectangle onto another, filtered; what lies beyond its edges bleeds in.",
             .arguments = scaledArguments(),
-            .writes = drawsScaled<always>,
+            .writes = drawsScaled<anySource>,
             .reads = seesFiltered<plain::unsigned12_20>,
             .topByte = TopByte::cleared,
             .sums = Sums::stayInside,
-            .arrange = inTurn<turnSourceOut, scaleLongSometimes>,
+            .arrange = inTurn(turnSourceOut, scaleLongSometimes),
             .pixelOnPixel = drawWhole,
             .scenes = {{.set = zoom}},
         },
@@ -682,11 +678,11 @@ std::vector<Row> scalingRows() {
             Q_MUR_FUNCTION(iBltBilinear32Safe),
             .sentence = "Scales a rectangle onto another, filtered but for the last source row, which is copied whole.",
             .arguments = scaledArguments(),
-            .writes = drawsScaled<always>,
+            .writes = drawsScaled<anySource>,
             .reads = seesAbove,
             .topByte = TopByte::cleared,
             .sums = Sums::stayInside,
-            .arrange = inTurn<turnSourceOut, tightenSometimes, scaleLongSometimes>,
+            .arrange = inTurn(turnSourceOut, tightenSometimes, scaleLongSometimes),
             .pixelOnPixel = drawWhole,
             .scenes = {{.set = zoom}},
         },
@@ -694,11 +690,11 @@ std::vector<Row> scalingRows() {
             Q_MUR_FUNCTION(iBltAdaptive32),
             .sentence = "Scales a rectangle onto another: filtered where it grows by half, else nearest pixel.",
             .arguments = scaledArguments(),
-            .writes = drawsScaled<always>,
+            .writes = drawsScaled<anySource>,
             .reads = seesAdaptively,
             .topByte = TopByte::copied,
             .sums = Sums::stayInside,
-            .arrange = inTurn<turnSourceOut, tightenSometimes, matchSizesSometimes, scaleLongSometimes>,
+            .arrange = inTurn(turnSourceOut, tightenSometimes, matchSizesSometimes, scaleLongSometimes),
             .pixelOnPixel = drawWhole,
             .scenes = {{.set = zoom}},
         },
@@ -811,9 +807,9 @@ std::vector<Row> additiveRows() {
             .reads = both<drawsLaid<placed>, seesLaid<placed>>,
             .topByte = TopByte::cleared,
             .sums = Sums::saturate,
-            .arrange = inTurn<place, punchHoles>,
+            .arrange = inTurn(place, punchHoles),
             .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn<takeSprite, slide>}},
+            .scenes = {{.set = inTurn(takeSprite, slide)}},
         },
         {
             Q_MUR_FUNCTION(iBltNear32SafeKeySrcAdd),
@@ -823,9 +819,9 @@ std::vector<Row> additiveRows() {
             .reads = both<drawsScaled<hasExtent>, seesNearest<signed16_16, hasExtent>>,
             .topByte = TopByte::cleared,
             .sums = Sums::saturate,
-            .arrange = inTurn<scaleAnywhere, punchHoles, scaleLongSometimes>,
+            .arrange = inTurn(scaleAnywhere, punchHoles, scaleLongSometimes),
             .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn<takeSprite, zoom>}},
+            .scenes = {{.set = inTurn(takeSprite, zoom)}},
         },
         {
             Q_MUR_FUNCTION(iBltNear32_Add_KeySrc),
@@ -837,9 +833,9 @@ std::vector<Row> additiveRows() {
             .reads = both<drawsLaid<centredWithinDiagonal>, seesLaid<centredWithinDiagonal>>,
             .topByte = TopByte::cleared,
             .sums = Sums::saturate,
-            .arrange = inTurn<centreAnywhere, punchHoles>,
+            .arrange = inTurn(centreAnywhere, punchHoles),
             .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn<takeSprite, slideCentre>}},
+            .scenes = {{.set = inTurn(takeSprite, slideCentre)}},
         },
     };
 }
@@ -855,33 +851,33 @@ std::vector<Row> colourKeyRows() {
             .reads = both<drawsLaid<placed>, seesLaid<placed>>,
             .topByte = TopByte::copied,
             .sums = Sums::stayInside,
-            .arrange = inTurn<place, meetKey>,
+            .arrange = inTurn(place, meetKey),
             .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn<takeSprite, slide>}},
+            .scenes = {{.set = inTurn(takeSprite, slide)}},
         },
         {
             Q_MUR_FUNCTION(iBltNear32_KeySrc),
             .sentence = "Scales a rectangle onto another, nearest pixel, without the pixels that equal a key.",
             .arguments = scaledArguments({key()}),
-            .writes = drawsScaled<always>,
-            .reads = both<drawsScaled<always>, seesNearest<unsigned17_15>>,
+            .writes = drawsScaled<anySource>,
+            .reads = both<drawsScaled<anySource>, seesNearest<unsigned17_15>>,
             .topByte = TopByte::copied,
             .sums = Sums::stayInside,
-            .arrange = inTurn<turnSourceOut, meetKey, scaleLongSometimes>,
+            .arrange = inTurn(turnSourceOut, meetKey, scaleLongSometimes),
             .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn<takeSprite, zoom>}},
+            .scenes = {{.set = inTurn(takeSprite, zoom)}},
         },
         {
             Q_MUR_FUNCTION(iBltBilinear32_KeySrc),
             .sentence = "Scales a rectangle onto another, filtered, without what filters to exactly a key.",
             .arguments = scaledArguments({key()}),
-            .writes = drawsScaled<always>,
-            .reads = both<drawsScaled<always>, seesInside<unsigned17_15>>,
+            .writes = drawsScaled<anySource>,
+            .reads = both<drawsScaled<anySource>, seesInside<unsigned17_15>>,
             .topByte = TopByte::cleared,
             .sums = Sums::stayInside,
-            .arrange = inTurn<turnSourceOut, meetKey, scaleLongSometimes>,
+            .arrange = inTurn(turnSourceOut, meetKey, scaleLongSometimes),
             .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn<takeSprite, zoom>}},
+            .scenes = {{.set = inTurn(takeSprite, zoom)}},
         },
         {
             Q_MUR_FUNCTION(iBltFast32SafeKeySrc),
@@ -891,9 +887,9 @@ std::vector<Row> colourKeyRows() {
             .reads = both<drawsLaid<centred<0>>, seesLaid<centred<0>>>,
             .topByte = TopByte::copied,
             .sums = Sums::stayInside,
-            .arrange = inTurn<centreAnywhere, punchHoles>,
+            .arrange = inTurn(centreAnywhere, punchHoles),
             .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn<takeSprite, slideCentre>}},
+            .scenes = {{.set = inTurn(takeSprite, slideCentre)}},
         },
     };
 }
@@ -910,7 +906,7 @@ std::vector<Row> alphaRows() {
             .reads = both<drawsLaid<moved>, seesLaid<moved>>,
             .topByte = TopByte::cleared,
             .sums = Sums::carryOver,
-            .arrange = inTurn<moveRect, chooseAlpha>,
+            .arrange = inTurn(moveRect, chooseAlpha),
             .pixelOnPixel = drawWhole,
             .scenes = {{.set = nullptr}},
         },
@@ -922,7 +918,7 @@ std::vector<Row> alphaRows() {
             .reads = both<drawsScaled<plain::hasPixels>, seesFiltered<plain::unsigned12_20, plain::hasPixels>>,
             .topByte = TopByte::cleared,
             .sums = Sums::carryOver,
-            .arrange = inTurn<chooseAlpha, scaleLongSometimes>,
+            .arrange = inTurn(chooseAlpha, scaleLongSometimes),
             .pixelOnPixel = drawWhole,
             .scenes = {{.set = zoom}},
         },
@@ -934,9 +930,9 @@ std::vector<Row> alphaRows() {
             .reads = both<drawsLaid<placed>, seesLaid<placed>>,
             .topByte = TopByte::cleared,
             .sums = Sums::stayInside,
-            .arrange = inTurn<place, punchHoles>,
+            .arrange = inTurn(place, punchHoles),
             .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn<takeSprite, slide>}},
+            .scenes = {{.set = inTurn(takeSprite, slide)}},
         },
         {
             Q_MUR_FUNCTION(iBltFast32_KeySrc_Alpha),
@@ -946,9 +942,9 @@ std::vector<Row> alphaRows() {
             .reads = both<drawsLaid<placed>, seesLaid<placed>>,
             .topByte = TopByte::cleared,
             .sums = Sums::carryOver,
-            .arrange = inTurn<place, punchHoles, chooseAlpha>,
+            .arrange = inTurn(place, punchHoles, chooseAlpha),
             .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn<takeSprite, slide>}},
+            .scenes = {{.set = inTurn(takeSprite, slide)}},
         },
         {
             Q_MUR_FUNCTION(iBltFast32SafeAlpha_Channel),
@@ -958,9 +954,9 @@ std::vector<Row> alphaRows() {
             .reads = both<drawsLaid<centred<0>>, seesLaid<centred<0>>>,
             .topByte = TopByte::cleared,
             .sums = Sums::stayInside,
-            .arrange = inTurn<centreAnywhere, punchHoles>,
+            .arrange = inTurn(centreAnywhere, punchHoles),
             .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn<takeSprite, slideCentre>}},
+            .scenes = {{.set = inTurn(takeSprite, slideCentre)}},
         },
         {
             Q_MUR_FUNCTION(iBltFast32SafeKeySrcAntiAliasing),
@@ -970,8 +966,8 @@ std::vector<Row> alphaRows() {
             .reads = both<drawsLaid<centred<1>>, seesLaid<centred<1>, 1>>,
             .topByte = TopByte::copied,
             .sums = Sums::carryOver,
-            .arrange = inTurn<centreAnywhere, punchHoles>,
-            .scenes = {{.set = inTurn<takeSprite, slideCentre>}},
+            .arrange = inTurn(centreAnywhere, punchHoles),
+            .scenes = {{.set = inTurn(takeSprite, slideCentre)}},
         },
         {
             Q_MUR_FUNCTION(iBltFast32AlphaChannelSafe),
@@ -983,9 +979,9 @@ std::vector<Row> alphaRows() {
             .reads = both<drawsLaid<placedFromOrigin>, seesLaid<placedFromOrigin>>,
             .topByte = TopByte::cleared,
             .sums = Sums::stayInside,
-            .arrange = inTurn<placeAnywhere, punchHoles>,
+            .arrange = inTurn(placeAnywhere, punchHoles),
             .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn<takeSprite, slide>}},
+            .scenes = {{.set = inTurn(takeSprite, slide)}},
         },
     };
 }

@@ -5,8 +5,6 @@
 
 #include "plane.h"
 
-#include <string>
-
 namespace catalogue {
 
 /// #_PRIVATE_QMGL_DATA: matrix stacks, arrays of vertices and the Z plane of one destination.
@@ -27,14 +25,29 @@ struct PipelineBlock {
     /// Identities, an empty Z plane and a viewport that is the surface.
     static PipelineBlock fresh(const Plane &surface);
 
-    /// Lays the Z plane out anew if the surface has another shape.
-    void fitTo(const Plane &surface);
-
     /// The record with its pointers set.
     Data *settled();
-    PipelineBlock copy(Copies &copies) const;
-    void restore(const PipelineBlock &earlier);
-    std::string differenceFrom(const PipelineBlock &expected) const;
+
+    /// Calls `visit(name, part)` for what the functions of the module change, and for what only has to stay.
+    template <class Block, class Visit>
+    static void eachPart(Block &block, Visit visit) {
+        auto &data = block.data;
+        visit("workMatrix", data.workMatrix), visit("workAxis", data.workAxis);
+        visit("modelDepth", data.modelDepth), visit("viewDepth", data.viewDepth);
+        visit("matrixMode", data.matrixMode);
+        visit("viewportLeft", data.viewportLeft), visit("viewportRight", data.viewportRight);
+        visit("viewportTop", data.viewportTop), visit("viewportBottom", data.viewportBottom);
+        visit("nearLimit", data.nearLimit), visit("farLimit", data.farLimit);
+        visit("focalLength", data.focalLength);
+        visit("modelStack", block.modelStack), visit("viewStack", block.viewStack);
+        visit("vertexArray0", block.vertexArray0), visit("vertexArray1", block.vertexArray1);
+        visit("zPlane", block.depths);
+    }
+    template <class Block, class Visit>
+    static void eachKept(Block &block, Visit visit) {
+        visit("limitValue0", block.data.limitValue0), visit("limitValue1", block.data.limitValue1);
+        visit("vertexArrayEntries", block.data.vertexArrayEntries), visit("spanMapper", block.data.spanMapper);
+    }
 };
 
 /// #_PRIVATE_QM3D_DATA: arrays of vertices and the Z plane of one destination.
@@ -48,11 +61,18 @@ struct TexturedBlock {
 
     static TexturedBlock random(Random &random, const Plane &surface);
     static TexturedBlock fresh(const Plane &surface);
-    void fitTo(const Plane &surface);
     Data *settled();
-    TexturedBlock copy(Copies &copies) const;
-    void restore(const TexturedBlock &earlier);
-    std::string differenceFrom(const TexturedBlock &expected) const;
+
+    template <class Block, class Visit>
+    static void eachPart(Block &block, Visit visit) {
+        visit("vertexArray0", block.vertexArray0), visit("vertexArray1", block.vertexArray1);
+        visit("zPlane", block.depths);
+    }
+    template <class Block, class Visit>
+    static void eachKept(Block &block, Visit visit) {
+        visit("limitValue0", block.data.limitValue0), visit("limitValue1", block.data.limitValue1);
+        visit("vertexArrayEntries", block.data.vertexArrayEntries);
+    }
 };
 
 /// #_PRIVATE_QMGP_DATA: the surfaces and the plane of a region fill.
@@ -66,9 +86,17 @@ struct RegionBlock {
     Plane testSurface;
 
     Data *settled();
-    RegionBlock copy(Copies &copies) const;
-    void restore(const RegionBlock &earlier);
-    std::string differenceFrom(const RegionBlock &expected) const;
+
+    template <class Block, class Visit>
+    static void eachPart(Block &block, Visit visit) {
+        visit("planePitch", block.data.planePitch), visit("destPitch", block.data.destPitch);
+        visit("testPitch", block.data.testPitch);
+        visit("plane", block.plane), visit("destSurface", block.destSurface), visit("testSurface", block.testSurface);
+    }
+    template <class Block, class Visit>
+    static void eachKept(Block &block, Visit visit) {
+        visit("planeRect", block.planeRect);
+    }
 };
 
 /// #_PRIVATE_LUT_DATA: the phase of a blur.
@@ -78,10 +106,22 @@ struct PhaseBlock {
     Data data{};
 
     Data *settled() { return &data; }
-    PhaseBlock copy(Copies &) const { return *this; }
-    void restore(const PhaseBlock &earlier) { data = earlier.data; }
-    std::string differenceFrom(const PhaseBlock &expected) const;
+
+    template <class Block, class Visit>
+    static void eachPart(Block &block, Visit visit) {
+        visit("phase", block.data.phase);
+    }
+    template <class Block, class Visit>
+    static void eachKept(Block &, Visit) {}
 };
+
+template <class Held>
+concept IsBlock = requires {
+    typename Held::Data;
+};
+
+/// Lays a Z plane out anew, the depths repeated, if a surface has another shape.
+void fitDepths(Plane &depths, const Plane &surface);
 
 } // namespace catalogue
 

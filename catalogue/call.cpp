@@ -29,43 +29,45 @@ void add(std::uint64_t &checksum, const Plane &plane) {
     addBytes(checksum, plane.bytes().data(), plane.bytes().size());
 }
 
-template <class Field>
-void addField(std::uint64_t &checksum, const Field &field) {
-    static_assert(std::has_unique_object_representations_v<Field> || std::is_same_v<Field, _I3DMATRIX> ||
-                  std::is_same_v<Field, _I3DVECTOR>);
-    addBytes(checksum, &field, sizeof field);
+template <class Part>
+void add(std::uint64_t &checksum, const Part &part) {
+    static_assert(std::has_unique_object_representations_v<Part> || std::is_same_v<Part, _I3DMATRIX> ||
+                  std::is_same_v<Part, _I3DVECTOR>);
+    addBytes(checksum, &part, sizeof part);
 }
 
-void add(std::uint64_t &checksum, const PipelineBlock &block) {
-    addField(checksum, block.data.workMatrix);
-    addField(checksum, block.data.workAxis);
-    for (const int field : {block.data.modelDepth, block.data.viewDepth, block.data.matrixMode, block.data.viewportLeft,
-                            block.data.viewportRight, block.data.viewportTop, block.data.viewportBottom,
-                            block.data.nearLimit, block.data.farLimit, block.data.focalLength})
-        addField(checksum, field);
-    for (const Plane *plane :
-         {&block.modelStack, &block.viewStack, &block.vertexArray0, &block.vertexArray1, &block.depths})
-        add(checksum, *plane);
+/// Calls `visit(name, part, other part)` for all parts of two blocks side by side.
+template <class Block, class Visit>
+void eachPair(Block &block, const std::remove_const_t<Block> &other, Visit visit) {
+    std::vector<const void *> others;
+    const auto note = [&others](const char *, const auto &part) { others.push_back(&part); };
+    Block::eachKept(other, note);
+    Block::eachPart(other, note);
+    auto next = others.begin();
+    const auto pass = [&]<class Part>(const char *name, Part &part) {
+        visit(name, part, *static_cast<const Part *>(*next++));
+    };
+    Block::eachKept(block, pass);
+    Block::eachPart(block, pass);
 }
 
-void add(std::uint64_t &checksum, const TexturedBlock &block) {
-    for (const Plane *plane : {&block.vertexArray0, &block.vertexArray1, &block.depths})
-        add(checksum, *plane);
-}
-
-void add(std::uint64_t &checksum, const RegionBlock &block) {
-    for (const int pitch : {block.data.planePitch, block.data.destPitch, block.data.testPitch})
-        addField(checksum, pitch);
-    for (const Plane *plane : {&block.plane, &block.destSurface, &block.testSurface})
-        add(checksum, *plane);
-}
-
-void add(std::uint64_t &checksum, const PhaseBlock &block) {
-    addField(checksum, block.data.phase);
-}
-
-std::string numberDifference(double result, double expected) {
-    return result == expected || (result != result && expected != expected) ? "" : "a number differs";
+template <class Block>
+std::string differenceBetween(const Block &result, const Block &expected) {
+    std::string found;
+    eachPair(result, expected, [&found]<class Part>(const char *name, const Part &part, const Part &other) {
+        std::string difference;
+        if constexpr (std::is_same_v<Part, Plane>)
+            difference = part.differenceFrom(other);
+        else if (std::memcmp(&part, &other, sizeof part) != 0)
+            difference = "differs";
+        if (found.empty() && !difference.empty())
+            found = name + (": " + difference);
+    });
+    // The mappers of the older module have no names: a twin can say no more than whether there is one.
+    if constexpr (std::is_same_v<Block, TexturedBlock>)
+        if (found.empty() && !result.data.spanMapper != !expected.data.spanMapper)
+            found = "spanMapper differs";
+    return found;
 }
 
 } // namespace
@@ -87,31 +89,47 @@ const Plane *Value::surface() const {
 void Value::fitTo(const Plane &destination) {
     std::visit(
         [&](auto &held) {
-            if constexpr (requires { held.fitTo(destination); })
-                held.fitTo(destination);
+            if constexpr (requires { held.depths; })
+                fitDepths(held.depths, destination);
         },
         content);
 }
 
 Value Value::copy(Copies &copies) const {
-    return std::visit(
-        [&](const auto &held) -> Value {
-            if constexpr (requires { held.copy(copies); })
-                return held.copy(copies);
+    Value copied = *this;
+    const auto own = [&copies](const char *, auto &part) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(part)>, Plane>)
+            part = part.copy(copies);
+    };
+    std::visit(
+        [&]<class Held>(Held &held) {
+            if constexpr (IsBlock<Held>)
+                Held::eachPart(held, own);
             else
-                return *this;
+                own("", held);
         },
-        content);
+        copied.content);
+    return copied;
 }
 
 void Value::restore(const Value &earlier) {
     std::visit(
-        [&](auto &held) {
-            const auto &other = std::get<std::decay_t<decltype(held)>>(earlier.content);
-            if constexpr (requires { held.restore(other); })
+        [&]<class Held>(Held &held) {
+            const auto &other = std::get<Held>(earlier.content);
+            if constexpr (IsBlock<Held>) {
+                held.data = other.data;
+                eachPair(held, other, []<class Part>(const char *, Part &part, const Part &was) {
+                    if constexpr (std::is_same_v<Part, Plane>)
+                        part.restore(was);
+                    else
+                        part = was;
+                });
+                held.settled();
+            } else if constexpr (std::is_same_v<Held, Plane>) {
                 held.restore(other);
-            else
+            } else {
                 held = other;
+            }
         },
         content);
 }
@@ -120,16 +138,14 @@ std::string Value::differenceFrom(const Value &expected) const {
     if (content.index() != expected.content.index())
         return "values of different kinds";
     return std::visit(
-        [&](const auto &held) -> std::string {
-            using Held = std::decay_t<decltype(held)>;
-            const auto &other = [&]() -> const auto & {
-                return std::get<Held>(expected.content);
-            }
-            ();
-            if constexpr (requires { held.differenceFrom(other); })
+        [&]<class Held>(const Held &held) -> std::string {
+            const auto &other = std::get<Held>(expected.content);
+            if constexpr (IsBlock<Held>)
+                return differenceBetween(held, other);
+            else if constexpr (std::is_same_v<Held, Plane>)
                 return held.differenceFrom(other);
             else if constexpr (std::is_same_v<Held, double>)
-                return numberDifference(held, other);
+                return held == other || (held != held && other != other) ? "" : "a number differs";
             else if constexpr (std::is_same_v<Held, std::monostate>)
                 return {};
             else
@@ -140,12 +156,11 @@ std::string Value::differenceFrom(const Value &expected) const {
 
 void Value::addTo(std::uint64_t &checksum) const {
     std::visit(
-        [&](const auto &held) {
-            using Held = std::decay_t<decltype(held)>;
-            if constexpr (requires { add(checksum, held); })
+        [&]<class Held>(const Held &held) {
+            if constexpr (IsBlock<Held>)
+                Held::eachPart(held, [&checksum](const char *, const auto &part) { add(checksum, part); });
+            else if constexpr (!std::is_same_v<Held, double> && !std::is_same_v<Held, std::monostate>)
                 add(checksum, held);
-            else if constexpr (std::is_same_v<Held, tagRECT> || std::is_same_v<Held, tagPOINT>)
-                addField(checksum, held);
         },
         content);
 }

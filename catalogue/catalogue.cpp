@@ -162,10 +162,10 @@ bool keepsToContract(const Call &call) {
             return false;
     if (call.row().allows && !call.row().allows(call))
         return false;
-    for (const auto areas : {call.row().writes, call.row().reads}) {
-        if (!areas)
+    for (const Region *region : {&call.row().writes, &call.row().reads}) {
+        if (!*region)
             continue;
-        for (const Area &area : areas(call)) {
+        for (const Area &area : (*region)(call)) {
             const Value &value = call[area.argument];
             const Plane *plane = value.surface();
             if (!plane && call.row().argument(area.argument)->mayBeNull)

@@ -82,13 +82,13 @@ Arguments wideLineArguments() {
     return joined(thinLineArguments(), {radius("width", {-4096, 4096}, {1, 9})});
 }
 
-Box lineBox(const Call &call) {
+Box ownLineBox(const Call &call) {
     const auto [left, right] = std::minmax({call["x1"].whole(), call["x2"].whole()});
     const auto [top, bottom] = std::minmax({call["y1"].whole(), call["y2"].whole()});
     return {left, top, right + std::int64_t{1}, bottom + std::int64_t{1}};
 }
 Areas insideClip(const Call &call, int reach) {
-    return {{"surface", common(clipOf(call), grown(lineBox(call), reach, reach, reach, reach))}};
+    return {{"surface", common(clipOf(call), grown(ownLineBox(call), reach, reach, reach, reach))}};
 }
 Areas thinLine(const Call &call) {
     return insideClip(call, 1);
@@ -137,7 +137,7 @@ std::vector<Scene> wideLineScenes() {
 /// The side shades inside the clip, the centres wherever they lie across the line.
 Areas tube(const Call &call) {
     const tagRECT clip = call["clip"].rect();
-    const Box box = lineBox(call);
+    const Box box = ownLineBox(call);
     const int reach = call["halfWidth"].whole();
     const bool alongX = box.width() > box.height();
     const std::int64_t x1 = call["x1"].whole();
@@ -164,10 +164,10 @@ void arrangeTube(Call &call, Random &random) {
     call["halfWidth"] = random.oneIn(32) ? random.between(10, 4095) : random.between(0, 9);
 }
 Areas unclippedLine(const Call &call) {
-    return {{"surface", lineBox(call)}};
+    return {{"surface", ownLineBox(call)}};
 }
 Areas lineOnSurface(const Call &call) {
-    return {{"surface", common(boxOf(0, 0, call["width"].whole(), call["height"].whole()), lineBox(call))}};
+    return {{"surface", common(boxOf(0, 0, call["width"].whole(), call["height"].whole()), ownLineBox(call))}};
 }
 void arrangeLineOnSurface(Call &call, Random &random) {
     scatterEnds(call, random, 2000);

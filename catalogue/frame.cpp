@@ -11,7 +11,7 @@ namespace {
 
 // The block manager. The rows hold the record without blocks against its twins; the blocks themselves are the heap's.
 
-Argument hostRecord(bool mayBeNull = false) {
+Argument ownRecord(bool mayBeNull = false) {
     return {.name = "data", .kind = Kind::hostRecord, .unit = "record", .mayBeNull = mayBeNull};
 }
 Argument slot() {
@@ -116,26 +116,26 @@ std::vector<Row> frameRows() {
         {Q_MUR_FUNCTION_WITHOUT_TWIN(Init_qMur_GlobalData), .sentence = "Fills the tables.",
          .arguments = {unused("module"), unused("path")}, .without = globalTables},
         {Q_MUR_FUNCTION(BeginMemoryManager), .sentence = "Starts a frame in which nobody has given notice yet.",
-         .arguments = {hostRecord()}, .writes = usedFlagOf, .arrange = arrangeRecord, .scenes = emptyRecord},
-        {Q_MUR_FUNCTION(NoticeMemUsed), .sentence = "Gives notice that blocks are used.", .arguments = {hostRecord()},
+         .arguments = {ownRecord()}, .writes = usedFlagOf, .arrange = arrangeRecord, .scenes = emptyRecord},
+        {Q_MUR_FUNCTION(NoticeMemUsed), .sentence = "Gives notice that blocks are used.", .arguments = {ownRecord()},
          .writes = usedFlagOf, .arrange = arrangeRecord, .scenes = emptyRecord},
         {Q_MUR_FUNCTION(EndMemoryManager), .sentence = "Frees all blocks if nobody gave notice.",
-         .arguments = {hostRecord()}, .writes = writtenByEnd, .reads = readByEnd, .arrange = arrangeRecord,
+         .arguments = {ownRecord()}, .writes = writtenByEnd, .reads = readByEnd, .arrange = arrangeRecord,
          .scenes = emptyRecord},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(FindNotUsedMemory), .sentence = "Allocates the block of a slot.",
-         .arguments = {hostRecord(), slot(), number("size", "bytes", {-3, anyInt.high}, {65536, 65536})},
+         .arguments = {ownRecord(), slot(), number("size", "bytes", {-3, anyInt.high}, {65536, 65536})},
          .scenes = emptyRecord, .without = onTheHeap},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(ClearMemory), .sentence = "Zeroes the block of a slot.",
-         .arguments = {hostRecord(), slot()}, .scenes = {{.set = drawRecordWithBlock}}, .without = onTheHeap},
-        {Q_MUR_FUNCTION(FreeMemoryBlocks), .sentence = "Frees all blocks.", .arguments = {hostRecord(true)},
+         .arguments = {ownRecord(), slot()}, .scenes = {{.set = drawRecordWithBlock}}, .without = onTheHeap},
+        {Q_MUR_FUNCTION(FreeMemoryBlocks), .sentence = "Frees all blocks.", .arguments = {ownRecord(true)},
          .writes = blockCountOf, .reads = firstSlotOf, .arrange = arrangeRecordOrNull, .scenes = emptyRecord},
         {Q_MUR_FUNCTION(DeleteMemoryBlocks), .sentence = "Frees all blocks up to the first empty slot.",
-         .arguments = {hostRecord(true)}, .writes = blockCountOf, .reads = firstSlotOf, .arrange = arrangeRecordOrNull,
+         .arguments = {ownRecord(true)}, .writes = blockCountOf, .reads = firstSlotOf, .arrange = arrangeRecordOrNull,
          .scenes = emptyRecord},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_QMGP_Data), .sentence = "Allocates the private block of region fills.",
-         .arguments = {hostRecord(), slot()}, .scenes = emptyRecord, .without = onTheHeap},
+         .arguments = {ownRecord(), slot()}, .scenes = emptyRecord, .without = onTheHeap},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_LUT_Data), .sentence = "Allocates the private block of the cross blur.",
-         .arguments = {hostRecord(), slot()}, .scenes = emptyRecord, .without = onTheHeap},
+         .arguments = {ownRecord(), slot()}, .scenes = emptyRecord, .without = onTheHeap},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(GaussRand), .sentence = "Gives the next of 16 small numbers.",
          .without = {{"two_threads_on_separate_surfaces", "one counter"}}},
         {Q_MUR_FUNCTION(randInt), .sentence = "Draws a whole number below a bound.",

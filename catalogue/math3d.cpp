@@ -15,7 +15,7 @@ constexpr Range finite = {-std::numeric_limits<float>::max(), std::numeric_limit
 Argument coordinate(std::string_view name) {
     return {.name = name, .kind = Kind::numbers, .unit = "units"};
 }
-Argument points(std::string_view name, std::string_view unit = "units") {
+Argument ownPoints(std::string_view name, std::string_view unit = "units") {
     return {.name = name, .kind = Kind::points, .unit = unit};
 }
 Argument whole(std::string_view name, Range drawn = {0, 0}) {
@@ -30,7 +30,7 @@ Argument tableAngle(std::string_view name) {
 Argument distance() {
     return whole("distance", {240, 240});
 }
-Argument count(std::string_view name, int fewest) {
+Argument ownCount(std::string_view name, int fewest) {
     return {.name = name,
             .kind = Kind::count,
             .unit = "points",
@@ -210,9 +210,9 @@ void drawGrids(Call &call, const Stage &) {
 const std::vector<Scene> oneGrid = {{.set = drawGrids, .figures = 64 * 64 * 1e-6, .figure = "Mpoints"}};
 
 std::vector<Argument> gridArguments(std::string_view width) {
-    return {points("points", "pixels"),
-            count("columns", 2),
-            count("rows", 2),
+    return {ownPoints("points", "pixels"),
+            ownCount("columns", 2),
+            ownCount("rows", 2),
             factor("scale", {0.5, 1}),
             radians("angleX"),
             radians("angleY"),
@@ -269,10 +269,10 @@ std::vector<Row> math3dRows() {
                        tableAngle("angleZ")}},
         {Q_MUR_OVERLOAD(fRotate3D, void(_POINT3DFLOAT *, _POINT3DFLOAT *, _POINT3DFLOAT *, float)), .word = "line",
          .sentence = "Turns a point about the line through two others.",
-         .arguments = {points("p"), points("a"), points("q"), radians("angle")}, .arrange = arrangeLine},
+         .arguments = {ownPoints("p"), ownPoints("a"), ownPoints("q"), radians("angle")}, .arrange = arrangeLine},
         {Q_MUR_OVERLOAD(iRotate3D, void(_POINT3D *, _POINT3D *, _POINT3D *, unsigned short)), .word = "line",
          .sentence = "Turns a point about the line through two others.",
-         .arguments = {points("p"), points("a"), points("q"), tableAngle("angle")}, .arrange = arrangeLine},
+         .arguments = {ownPoints("p"), ownPoints("a"), ownPoints("q"), tableAngle("angle")}, .arrange = arrangeLine},
         {Q_MUR_FUNCTION(fMove3D), .sentence = "Adds three ints to a point.",
          .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), whole("dx", {-9, 9}), whole("dy", {9, -9}),
                        whole("dz", {-9, 9})}},
@@ -300,48 +300,50 @@ std::vector<Row> math3dRows() {
          .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), tableAngle("angleX"), tableAngle("angleY"),
                        tableAngle("angleZ"), whole("offsetX"), whole("offsetY"), whole("offsetZ"), distance()}},
         {Q_MUR_FUNCTION(DotProduct), .sentence = "Gives the dot product of two vectors.",
-         .arguments = {points("a"), points("b")}},
+         .arguments = {ownPoints("a"), ownPoints("b")}},
         {Q_MUR_FUNCTION(fDot_Product), .sentence = "Gives the dot product of two vectors, with the body of DotProduct.",
-         .arguments = {points("a"), points("b")}},
+         .arguments = {ownPoints("a"), ownPoints("b")}},
         {Q_MUR_FUNCTION(iDot_Product), .sentence = "Gives the dot product of two vectors in 32 bits.",
-         .arguments = {points("a"), points("b")}, .sums = Sums::wrap},
+         .arguments = {ownPoints("a"), ownPoints("b")}, .sums = Sums::wrap},
         {Q_MUR_FUNCTION(CrossProduct), .sentence = "Gives the cross product of two vectors.",
-         .arguments = {points("a"), points("b")}},
+         .arguments = {ownPoints("a"), ownPoints("b")}},
         {Q_MUR_FUNCTION(fCross_Product), .sentence = "Stores the cross product of two vectors.",
-         .arguments = {points("out"), points("a"), points("b")}},
+         .arguments = {ownPoints("out"), ownPoints("a"), ownPoints("b")}},
         {Q_MUR_FUNCTION(iCross_Product), .sentence = "Stores the cross product of two vectors in 32 bits.",
-         .arguments = {points("out"), points("a"), points("b")}, .sums = Sums::wrap},
+         .arguments = {ownPoints("out"), ownPoints("a"), ownPoints("b")}, .sums = Sums::wrap},
         {Q_MUR_OVERLOAD(Magnitude, float(_I3DVECTOR &)), .sentence = "Gives the length of a vector.",
-         .arguments = {points("v")}, .arrange = arrangeUpTo<100>},
+         .arguments = {ownPoints("v")}, .arrange = arrangeUpTo<100>},
         {Q_MUR_OVERLOAD(Magnitude, float(_POINT3DFLOAT *)), .word = "point",
-         .sentence = "Gives the length of a vector, with the same body.", .arguments = {points("v")},
+         .sentence = "Gives the length of a vector, with the same body.", .arguments = {ownPoints("v")},
          .arrange = arrangeUpTo<100>},
         {Q_MUR_OVERLOAD(Normalize, _I3DVECTOR(_I3DVECTOR &)), .sentence = "Brings a vector to length 1.",
-         .arguments = {points("v")}, .arrange = arrangeUpTo<100>},
+         .arguments = {ownPoints("v")}, .arrange = arrangeUpTo<100>},
         {Q_MUR_OVERLOAD(Normalize, _POINT3DFLOAT(_POINT3DFLOAT *)), .word = "point",
-         .sentence = "Brings a vector to length 1, with the same body.", .arguments = {points("v")},
+         .sentence = "Brings a vector to length 1, with the same body.", .arguments = {ownPoints("v")},
          .arrange = arrangeUpTo<100>},
         {Q_MUR_FUNCTION(fBubSun), .sentence = "Gives the unit normal of a face.",
-         .arguments = {points("out"), points("p1"), points("p2"), points("p3")}, .arrange = arrangeFace},
+         .arguments = {ownPoints("out"), ownPoints("p1"), ownPoints("p2"), ownPoints("p3")}, .arrange = arrangeFace},
         {Q_MUR_FUNCTION(iBubSun), .sentence = "Gives the normal of a face, of length 256.",
-         .arguments = {points("out"), points("p1"), points("p2"), points("p3")}, .arrange = arrangeFace},
+         .arguments = {ownPoints("out"), ownPoints("p1"), ownPoints("p2"), ownPoints("p3")}, .arrange = arrangeFace},
         {Q_MUR_FUNCTION(IsFront), .sentence = "Tells whether three projected points run clockwise.",
-         .arguments = {points("p1"), points("p2"), points("p3")}, .reads = xAndYOfPoints, .arrange = arrangeFace},
+         .arguments = {ownPoints("p1"), ownPoints("p2"), ownPoints("p3")}, .reads = xAndYOfPoints,
+         .arrange = arrangeFace},
         {Q_MUR_FUNCTION(fMean2Vector), .sentence = "Gives the mean of two points.",
-         .arguments = {points("a"), points("b")}},
+         .arguments = {ownPoints("a"), ownPoints("b")}},
         {Q_MUR_FUNCTION(fMean4Vector), .sentence = "Gives the mean of four points.",
-         .arguments = {points("a"), points("b"), points("c"), points("d")}},
+         .arguments = {ownPoints("a"), ownPoints("b"), ownPoints("c"), ownPoints("d")}},
         {Q_MUR_FUNCTION(iMean2Vector), .sentence = "Gives the mean of two points, rounded down.",
-         .arguments = {points("a"), points("b")}},
+         .arguments = {ownPoints("a"), ownPoints("b")}},
         {Q_MUR_FUNCTION(iMean4Vector), .sentence = "Gives the mean of four points, rounded down.",
-         .arguments = {points("a"), points("b"), points("c"), points("d")}},
+         .arguments = {ownPoints("a"), ownPoints("b"), ownPoints("c"), ownPoints("d")}},
         {Q_MUR_FUNCTION(Flat3D), .sentence = "Makes a flat grid of points on the screen.",
          .arguments = gridArguments("width"), .writes = grid, .arrange = arrangeGrids, .scenes = oneGrid},
         {Q_MUR_FUNCTION(Post3D), .sentence = "Makes a cylinder of points on the screen.",
          .arguments = gridArguments("unusedWidth"), .writes = grid, .arrange = arrangeGrids, .scenes = oneGrid},
         {Q_MUR_FUNCTION(Interpolate3DPoint), .sentence = "Blends two grids of points.",
-         .arguments = {points("out"), points("a"), points("b"), count("columns", std::numeric_limits<int>::min()),
-                       count("rows", std::numeric_limits<int>::min()), factor("t", {0, 1})},
+         .arguments = {ownPoints("out"), ownPoints("a"), ownPoints("b"),
+                       ownCount("columns", std::numeric_limits<int>::min()),
+                       ownCount("rows", std::numeric_limits<int>::min()), factor("t", {0, 1})},
          .writes = gridOut, .reads = gridsAB, .arrange = arrangeGrids, .scenes = oneGrid},
     };
     for (Row &row : rows)

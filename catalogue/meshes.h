@@ -28,14 +28,6 @@ Plane pointsOf(int count, Make make) {
     return plane;
 }
 
-/// So many points or other records of four words.
-inline Area records(std::string_view name, std::int64_t count) {
-    return {name, {0, 0, 4 * count, 1}};
-}
-inline Area words(std::string_view name, std::int64_t count) {
-    return {name, {0, 0, count, 1}};
-}
-
 /// A grid over the whole stage. The points inside are moved a little and all have depths of their own, so that cells
 /// are quads of any slope, which together cover the stage once.
 inline Plane coveringGrid(const Stage &stage, int rows, int columns) {

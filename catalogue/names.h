@@ -5,118 +5,37 @@
 
 #include "row.h"
 
+#include <iterator>
+
 namespace catalogue {
 
 constexpr std::string_view nameOf(Kind kind) {
-    switch (kind) {
-    case Kind::destination:
-        return "destination";
-    case Kind::source:
-        return "source";
-    case Kind::scratch:
-        return "scratch";
-    case Kind::plane:
-        return "plane";
-    case Kind::depths:
-        return "depths";
-    case Kind::rectangle:
-        return "rectangle";
-    case Kind::clip:
-        return "clip";
-    case Kind::point:
-        return "point";
-    case Kind::position:
-        return "position";
-    case Kind::pitch:
-        return "pitch";
-    case Kind::extent:
-        return "extent";
-    case Kind::radius:
-        return "radius";
-    case Kind::count:
-        return "count";
-    case Kind::colour:
-        return "colour";
-    case Kind::key:
-        return "key";
-    case Kind::weight:
-        return "weight";
-    case Kind::alpha:
-        return "alpha";
-    case Kind::angle:
-        return "angle";
-    case Kind::scale:
-        return "scale";
-    case Kind::number:
-        return "number";
-    case Kind::choice:
-        return "choice";
-    case Kind::unused:
-        return "unused";
-    case Kind::points:
-        return "points";
-    case Kind::colours:
-        return "colours";
-    case Kind::numbers:
-        return "numbers";
-    case Kind::matrix:
-        return "matrix";
-    case Kind::privateBlock:
-        return "private block";
-    case Kind::hostRecord:
-        return "host record";
-    case Kind::text:
-        return "text";
-    }
-    return "";
+    constexpr std::string_view names[] = {
+        "destination", "source", "scratch",       "plane",       "depths", "rectangle", "clip",   "point",
+        "position",    "pitch",  "extent",        "radius",      "count",  "colour",    "key",    "weight",
+        "alpha",       "angle",  "scale",         "number",      "choice", "unused",    "points", "colours",
+        "numbers",     "matrix", "private block", "host record", "text"};
+    static_assert(std::size(names) == static_cast<std::size_t>(Kind::text) + 1);
+    return names[static_cast<std::size_t>(kind)];
 }
 
 constexpr std::string_view nameOf(Overlap overlap) {
-    switch (overlap) {
-    case Overlap::rowOrder:
-        return "row order";
-    case Overlap::none:
-        return "none";
-    case Overlap::notPromised:
-        return "not promised";
-    }
-    return "";
+    constexpr std::string_view names[] = {"row order", "none", "not promised"};
+    static_assert(std::size(names) == static_cast<std::size_t>(Overlap::notPromised) + 1);
+    return names[static_cast<std::size_t>(overlap)];
 }
 
 constexpr std::string_view nameOf(TopByte topByte) {
-    switch (topByte) {
-    case TopByte::cleared:
-        return "cleared";
-    case TopByte::copied:
-        return "copied";
-    case TopByte::kept:
-        return "kept";
-    case TopByte::blended:
-        return "blended";
-    case TopByte::setByColour:
-        return "set by the colour";
-    case TopByte::disturbsRed:
-        return "disturbs red";
-    case TopByte::noPixels:
-        return "no pixels";
-    }
-    return "";
+    constexpr std::string_view names[] = {"cleared",           "copied",       "kept",     "blended",
+                                          "set by the colour", "disturbs red", "no pixels"};
+    static_assert(std::size(names) == static_cast<std::size_t>(TopByte::noPixels) + 1);
+    return names[static_cast<std::size_t>(topByte)];
 }
 
 constexpr std::string_view nameOf(Sums sums) {
-    switch (sums) {
-    case Sums::stayInside:
-        return "stay inside";
-    case Sums::saturate:
-        return "saturate";
-    case Sums::wrap:
-        return "wrap";
-    case Sums::carryOver:
-        return "carry over";
-    case Sums::none:
-        return "none";
-    }
-    return "";
+    constexpr std::string_view names[] = {"stay inside", "saturate", "wrap", "carry over", "none"};
+    static_assert(std::size(names) == static_cast<std::size_t>(Sums::none) + 1);
+    return names[static_cast<std::size_t>(sums)];
 }
 
 } // namespace catalogue

@@ -6,7 +6,7 @@
 namespace catalogue {
 namespace {
 
-Argument privateBlock(std::string_view of = {}) {
+Argument ownBlock(std::string_view of = {}) {
     return {.name = "data", .kind = Kind::privateBlock, .unit = "", .of = of};
 }
 _PRIVATE_QMGL_DATA &blockOf(Call &call) {
@@ -162,7 +162,7 @@ std::vector<Argument> with(std::vector<Argument> arguments, const Argument &last
     return arguments;
 }
 
-const std::vector<Argument> surfaceWithDepths = {privateBlock("dst"), destination(), clip("clip", "dst"),
+const std::vector<Argument> surfaceWithDepths = {ownBlock("dst"), destination(), clip("clip", "dst"),
                                                  pitch("pitch", "dst")};
 const std::vector<Argument> surfaceAlone = {destination(), clip("clip", "dst"), pitch("pitch", "dst")};
 
@@ -301,7 +301,7 @@ std::vector<Scene> opaqueTriangleScenes() {
 const Argument pointGrid = {.name = "points", .kind = Kind::points, .unit = "pixels"};
 const Argument colourGrid = {.name = "colours", .kind = Kind::colours, .unit = "0x00RRGGBB"};
 
-Argument count(std::string_view name) {
+Argument ownCount(std::string_view name) {
     return {.name = name, .kind = Kind::count, .unit = "points", .contract = {-32768, 65535}, .drawn = {64, 64}};
 }
 Argument flag(std::string_view name) {
@@ -314,8 +314,8 @@ std::vector<Argument> litArguments() {
              colourGrid,
              flag("wrapRows"),
              flag("wrapColumns"),
-             count("columns"),
-             count("rows"),
+             ownCount("columns"),
+             ownCount("rows"),
              Argument{.name = "light", .kind = Kind::points, .unit = "1"},
              unused("unusedVector"),
              Argument{.name = "ambientVector", .kind = Kind::numbers, .unit = "1/256"},
@@ -514,7 +514,7 @@ std::vector<Row> pipelineRows() {
         {
             Q_MUR_FUNCTION(VKD_ResetZBuffer),
             .sentence = "Empties a rectangle of the Z plane, in pairs of entries.",
-            .arguments = {privateBlock(), rectangle("rect", ""), number("pitch", "entries", {-4096, 4096}, {0, 0})},
+            .arguments = {ownBlock(), rectangle("rect", ""), number("pitch", "entries", {-4096, 4096}, {0, 0})},
             .writes = writesPairs,
             .arrange = arrangeReset<PipelineBlock>,
             .scenes = {{.set = resetStage<PipelineBlock>}},
@@ -553,17 +553,17 @@ std::vector<Row> pipelineRows() {
         {
             Q_MUR_FUNCTION(VKD_glMatrixMode),
             .sentence = "Chooses the model stack or the view stack.",
-            .arguments = {privateBlock(), choice("mode", anyInt, 1)},
+            .arguments = {ownBlock(), choice("mode", anyInt, 1)},
         },
         {
             Q_MUR_FUNCTION(VKD_glLoadIdentity),
             .sentence = "Sets the current matrix to the identity.",
-            .arguments = {privateBlock()},
+            .arguments = {ownBlock()},
         },
         {
             Q_MUR_FUNCTION(glLoadMatrixf),
             .sentence = "Sets the current matrix to 16 floats, row after row.",
-            .arguments = {privateBlock(), matrix("m")},
+            .arguments = {ownBlock(), matrix("m")},
             .reads = [](const Call &) -> Areas { return {words("m", 16)}; },
             .arrange = arrangeMatrices,
             .scenes = {{.set = setMatrices}},
@@ -571,7 +571,7 @@ std::vector<Row> pipelineRows() {
         {
             Q_MUR_FUNCTION(glMultMatrixf),
             .sentence = "Lets a matrix of 16 floats act behind the current one.",
-            .arguments = {privateBlock(), matrix("m")},
+            .arguments = {ownBlock(), matrix("m")},
             .reads = [](const Call &) -> Areas { return {words("m", 16)}; },
             .arrange = arrangeMatrices,
             .scenes = {{.set = setMatrices, .isRestored = true}},
@@ -579,55 +579,55 @@ std::vector<Row> pipelineRows() {
         {
             Q_MUR_FUNCTION(VKD_glPushMatrix),
             .sentence = "Copies the current matrix to the next entry of its stack, which becomes the top.",
-            .arguments = {privateBlock()},
+            .arguments = {ownBlock()},
             .arrange = arrangePush,
             .scenes = {{.isRestored = true}},
         },
         {
             Q_MUR_FUNCTION(VKD_glPopMatrix),
             .sentence = "Goes back to the entry below the current matrix.",
-            .arguments = {privateBlock()},
+            .arguments = {ownBlock()},
             .arrange = arrangePop,
             .scenes = {{.set = setPop, .isRestored = true}},
         },
         {
             Q_MUR_FUNCTION(VKD_glRotatef),
             .sentence = "Turns about an axis by an angle in degrees.",
-            .arguments = {privateBlock(), degrees("angleDegrees"), real("x"), real("y"), real("z")},
+            .arguments = {ownBlock(), degrees("angleDegrees"), real("x"), real("y"), real("z")},
             .arrange = arrangeReals,
             .scenes = {{.isRestored = true}},
         },
         {
             Q_MUR_FUNCTION(VKD_glTranslatef),
             .sentence = "Moves by (x, y, z).",
-            .arguments = {privateBlock(), real("x"), real("y"), real("z")},
+            .arguments = {ownBlock(), real("x"), real("y"), real("z")},
             .arrange = arrangeReals,
             .scenes = {{.isRestored = true}},
         },
         {
             Q_MUR_FUNCTION(VKD_glScalef),
             .sentence = "Scales by x, y and z.",
-            .arguments = {privateBlock(), real("x"), real("y"), real("z")},
+            .arguments = {ownBlock(), real("x"), real("y"), real("z")},
             .arrange = arrangeReals,
             .scenes = {{.isRestored = true}},
         },
         {
             Q_MUR_FUNCTION(VKD_glViewPort),
             .sentence = "Places the picture.",
-            .arguments = {privateBlock(), number("left", "pixels", anyInt, {0, 0}),
-                          number("top", "pixels", anyInt, {0, 0}), number("right", "pixels", anyInt, {640, 640}),
+            .arguments = {ownBlock(), number("left", "pixels", anyInt, {0, 0}), number("top", "pixels", anyInt, {0, 0}),
+                          number("right", "pixels", anyInt, {640, 640}),
                           number("bottom", "pixels", anyInt, {480, 480})},
         },
         {
             Q_MUR_FUNCTION(VKD_gluPerspective),
             .sentence = "Sets the focal length, so that the viewport has an opening angle, and the depth limit.",
-            .arguments = {privateBlock(), degrees("fovyDegrees"), real("aspect"), real("zNear"), real("zFar")},
+            .arguments = {ownBlock(), degrees("fovyDegrees"), real("aspect"), real("zNear"), real("zFar")},
             .arrange = arrangeReals,
         },
         {
             Q_MUR_FUNCTION(VKD_gluLookAt),
             .sentence = "Moves the camera to the eye and turns it to the centre.",
-            .arguments = {privateBlock(), real("eyeX", {0, 90}, "units"), real("eyeY", {0, 0}, "units"),
+            .arguments = {ownBlock(), real("eyeX", {0, 90}, "units"), real("eyeY", {0, 0}, "units"),
                           real("eyeZ", {100, 10}, "units"), real("centerX", {0, 0}, "units"),
                           real("centerY", {0, 0}, "units"), real("centerZ", {0, 0}, "units"), real("upX", {0, 0}),
                           real("upY", {1, 1}), real("upZ", {0, 0})},
@@ -637,10 +637,10 @@ std::vector<Row> pipelineRows() {
         {
             Q_MUR_FUNCTION(VKD_Mapping3Dto2D),
             .sentence = "Brings a grid of points from model space to the screen, in place.",
-            .arguments = {privateBlock(),
+            .arguments = {ownBlock(),
                           {.name = "points", .kind = Kind::points, .unit = "units"},
-                          count("rows"),
-                          count("columns")},
+                          ownCount("rows"),
+                          ownCount("columns")},
             .writes = mappedPoints,
             .reads = mappedPoints,
             .arrange = arrangeMapping,
@@ -791,7 +791,7 @@ std::vector<Row> pipelineRows() {
         {
             Q_MUR_FUNCTION(VKD_Render_3D_Surface_Alpha),
             .sentence = "Mixes a grid of 20 rows of 64 points with the destination, unlit.",
-            .arguments = {privateBlock("dst"), destination(), clip("clip", "dst"), pitch("pitch", "dst"), pointGrid,
+            .arguments = {ownBlock("dst"), destination(), clip("clip", "dst"), pitch("pitch", "dst"), pointGrid,
                           colourGrid, unused("unusedRows"), unused("unusedColumns"), flag("wrapRows"),
                           flag("wrapColumns")},
             .writes = onDst,
@@ -820,7 +820,7 @@ std::vector<Row> pipelineRows() {
             Q_MUR_FUNCTION(VKD_Render_3D_Dot_Add),
             .sentence = "Draws a small cross at every point of a grid.",
             .arguments = {destination(), clip("clip", "dst"), pitch("pitch", "dst"), pointGrid, colourGrid,
-                          count("columns"), count("rows")},
+                          ownCount("columns"), ownCount("rows")},
             .writes = onDst,
             .reads = readsDots,
             .topByte = TopByte::cleared,
@@ -831,7 +831,7 @@ std::vector<Row> pipelineRows() {
         {
             Q_MUR_FUNCTION(VKD_3D_Line),
             .sentence = "Draws an anti-aliased line of three pixels' width, depth tested.",
-            .arguments = {privateBlock("dst"),
+            .arguments = {ownBlock("dst"),
                           destination(),
                           clip("clip", "dst"),
                           pitch("pitch", "dst"),

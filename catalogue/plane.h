@@ -74,6 +74,18 @@ public:
     /// A surface of random pixels, margin included, with a random pitch.
     static Plane randomSurface(Random &random, int width, int height);
 
+    /// A surface of the same shape in one colour.
+    Plane alike(q_ulong colour = 0) const { return surface(columns, rows, colour, extraPitch()); }
+
+    /// Numbers of 32 bits or records of them that `make(index)` makes one after the other.
+    template <class Record, class Make>
+    static Plane array(int count, Make make) {
+        Plane plane(4, static_cast<int>(sizeof(Record) / 4) * count, 1);
+        for (int i = 0; i < count; ++i)
+            plane.as<Record>()[i] = make(i);
+        return plane;
+    }
+
     /// An array of records of 32-bit words: points, colours, matrices, numbers.
     template <class Record, std::size_t count>
     static Plane of(const Record (&records)[count]) {
@@ -92,6 +104,7 @@ public:
     int width() const { return columns; }
     int height() const { return rows; }
     int pitch() const { return stride; }
+    int extraPitch() const { return stride - columns - 2 * usualMargin; }
     int elementBytes() const { return bytesEach; }
     tagRECT rect() const { return {0, 0, columns, rows}; }
 
@@ -104,6 +117,15 @@ public:
 
     /// A pixel of a surface or its margin.
     q_ulong &at(int x, int y) const { return as<q_ulong>()[static_cast<std::ptrdiff_t>(y) * stride + x]; }
+
+    /// Sets the elements of a part row after row to what `make(x, y)` gives.
+    template <class Element = q_ulong, class Make>
+    const Plane &fill(const Box &part, Make make) const {
+        for (std::int64_t y = part.top; y < part.bottom; ++y)
+            for (std::int64_t x = part.left; x < part.right; ++x)
+                as<Element>()[y * stride + x] = static_cast<Element>(make(static_cast<int>(x), static_cast<int>(y)));
+        return *this;
+    }
 
     /// A plane of its own with the same content; one block is copied once.
     Plane copy(Copies &copies) const;

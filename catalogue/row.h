@@ -71,6 +71,7 @@ struct Argument {
     std::string_view of;     ///< the surface that a pitch, a place or an area belongs to
     bool mayBeNull = false;
 };
+using Arguments = std::vector<Argument>;
 
 /// A part of what a pointer leads to: elements of a surface, or the columns of a single row of an array.
 struct Area {
@@ -78,6 +79,9 @@ struct Area {
     Box part;
 };
 using Areas = std::vector<Area>;
+
+/// What a call may write or read, worked out from its arguments.
+using Region = std::function<Areas(const Call &)>;
 
 /// What happens where source and destination share memory.
 enum class Overlap {
@@ -108,10 +112,10 @@ struct Stage {
 
 /// A set of arguments that makes a good picture, or a piece of work worth timing.
 struct Scene {
-    std::string_view word; ///< what tells it from the function's other scenes; empty for the first
-    void (*set)(Call &, const Stage &) = nullptr; ///< null where the arguments as they are drawn make the picture
-    double figures = 0;                           ///< how many figures are drawn, where they count beside pixels
-    std::string_view figure = {};                 ///< "lines", or "Mtriangles" in millions
+    std::string_view word = {}; ///< what tells it from the function's other scenes; empty for the first
+    std::function<void(Call &, const Stage &)> set = {}; ///< empty where the arguments as they are drawn do
+    double figures = 0;                                  ///< how many figures are drawn, where they count beside pixels
+    std::string_view figure = {};                        ///< "lines", or "Mtriangles" in millions
 
     /// So many calls, set at times from 0 to 1, make one run. All but the first are set on the memory of the first, so
     /// that they change numbers only.
@@ -132,15 +136,13 @@ struct Row {
     Bound call;                ///< the function and its plain twin
     std::string_view word;     ///< what tells an overload from the others
     std::string_view sentence; ///< what the function does
-    std::vector<Argument> arguments;
+    Arguments arguments;
     std::vector<std::string_view> aliases;
-
-    /// What a call may write and read, worked out from its arguments.
-    Areas (*writes)(const Call &) = nullptr;
-    Areas (*reads)(const Call &) = nullptr;
+    Region writes;
+    Region reads;
 
     /// What the contract asks of the arguments together, beyond their ranges and what they write and read.
-    bool (*allows)(const Call &) = nullptr;
+    std::function<bool(const Call &)> allows;
 
     Overlap overlap = Overlap::none;
     TopByte topByte = TopByte::noPixels;
@@ -151,11 +153,11 @@ struct Row {
     bool drawsRandomNumbers = false;
 
     /// Turns arguments that were drawn one by one into a call inside the contract.
-    void (*arrange)(Call &, Random &) = nullptr;
+    std::function<void(Call &, Random &)> arrange;
 
     /// Draws the whole of the sources over the whole destination, pixel on pixel; null where a pixel does not depend on
     /// the ones in its place alone.
-    void (*pixelOnPixel)(Call &) = nullptr;
+    std::function<void(Call &)> pixelOnPixel;
 
     std::vector<Scene> scenes;
     std::vector<Exception> without;

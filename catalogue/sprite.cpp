@@ -58,7 +58,7 @@ Row sprite(Row row) {
 
 // Bitmap files
 
-Argument text(std::string_view name) {
+Argument ownText(std::string_view name) {
     return {.name = name, .kind = Kind::text, .unit = "path"};
 }
 template <int index>
@@ -126,9 +126,10 @@ std::vector<Row> spriteRows() {
         {Q_MUR_FUNCTION_WITHOUT_TWIN(SetSpriteInstance), .sentence = "Takes the module handle down.",
          .arguments = {unused("module")}, .without = {{"every proof", "nothing reads it"}}},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(SetSpriteDir), .sentence = "Sets what stands before the name of a bitmap file.",
-         .arguments = {text("path")}, .scenes = {{.set = drawEmptyText<0>}}, .without = {{"every proof", "a global"}}},
+         .arguments = {ownText("path")}, .scenes = {{.set = drawEmptyText<0>}},
+         .without = {{"every proof", "a global"}}},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(LoadBitmap24), .sentence = "Reads a bitmap file of 24 bits.",
-         .arguments = {destination(), text("name"), extent("width", "dst"), extent("height", "dst")},
+         .arguments = {destination(), ownText("name"), extent("width", "dst"), extent("height", "dst")},
          .topByte = TopByte::cleared, .scenes = {{.set = drawEmptyText<1>}}, .without = {{"every proof", "a file"}}},
         {Q_MUR_FUNCTION(_FitOn32RAW_24RAW_Nearest), .sentence = "Fits raw 24-bit pixels onto a surface.",
          .arguments = {destination(),

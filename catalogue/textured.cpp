@@ -5,7 +5,7 @@
 namespace catalogue {
 namespace {
 
-Argument privateBlock(std::string_view of = {}) {
+Argument ownBlock(std::string_view of = {}) {
     return {.name = "data", .kind = Kind::privateBlock, .unit = "", .of = of};
 }
 Argument vector(std::string_view name) {
@@ -119,7 +119,7 @@ std::vector<Argument> lightArguments() {
         return Argument{
             .name = name, .kind = Kind::count, .unit = "points", .contract = {-32768, 32767}, .drawn = {64, 64}};
     };
-    return {privateBlock(),
+    return {ownBlock(),
             corner("points"),
             count("rows"),
             count("cols"),
@@ -232,7 +232,7 @@ void setBand(Call &call, const Stage &stage) {
 
 std::vector<Argument> bandArguments() {
     std::vector<Argument> arguments = {
-        privateBlock("dst"),      destination(),           source("tex"), clip("clip", "dst"),
+        ownBlock("dst"),          destination(),           source("tex"), clip("clip", "dst"),
         pitch("dstPitch", "dst"), pitch("texPitch", "tex")};
     const auto add = [&arguments](const std::array<std::string_view, 4> &names, auto make) {
         for (const std::string_view name : names)
@@ -496,7 +496,7 @@ std::vector<Argument> polygonArguments(int count, bool isLit) {
             arguments.push_back(make(names[i]));
     };
     if (isLit)
-        arguments.push_back(privateBlock("dst"));
+        arguments.push_back(ownBlock("dst"));
     arguments.push_back(destination());
     add(pointNames, corner);
     arguments.push_back(source("tex"));
@@ -641,7 +641,7 @@ std::vector<Scene> meshScenes(bool alwaysFilters = false) {
 }
 
 std::vector<Argument> meshArguments(bool hasBack = false) {
-    std::vector<Argument> arguments = {privateBlock("dst"), destination(), source("tex")};
+    std::vector<Argument> arguments = {ownBlock("dst"), destination(), source("tex")};
     if (hasBack)
         arguments.push_back(source("backTex"));
     const auto count = [](std::string_view name) {
@@ -715,7 +715,7 @@ std::vector<Row> texturedRows() {
         {
             Q_MUR_FUNCTION(ResetZBuffer),
             .sentence = "Empties a rectangle of the Z plane, in pairs of entries.",
-            .arguments = {privateBlock(), rectangle("rect", ""), number("pitch", "entries", {-4096, 4096}, {0, 0})},
+            .arguments = {ownBlock(), rectangle("rect", ""), number("pitch", "entries", {-4096, 4096}, {0, 0})},
             .writes = writesPairs,
             .arrange = arrangeReset<TexturedBlock>,
             .scenes = {{.set = resetStage<TexturedBlock>}},

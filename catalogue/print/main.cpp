@@ -34,23 +34,7 @@ Json rangeOf(const Range &range) {
 
 /// Whether an argument is a number, which has a range.
 bool isNumber(Kind kind) {
-    switch (kind) {
-    case Kind::position:
-    case Kind::extent:
-    case Kind::radius:
-    case Kind::count:
-    case Kind::colour:
-    case Kind::key:
-    case Kind::weight:
-    case Kind::alpha:
-    case Kind::angle:
-    case Kind::scale:
-    case Kind::number:
-    case Kind::choice:
-        return true;
-    default:
-        return false;
-    }
+    return kind >= Kind::position && kind <= Kind::choice && kind != Kind::pitch;
 }
 
 Json argumentOf(const Row &row, std::size_t index, const std::string &type) {
@@ -70,7 +54,7 @@ Json argumentOf(const Row &row, std::size_t index, const std::string &type) {
 }
 
 /// The areas of the first scene on a small stage.
-Json areasOf(const Call &call, Areas (*areas)(const Call &)) {
+Json areasOf(const Call &call, const Region &areas) {
     Json json = Json::array();
     if (areas)
         for (const Area &area : areas(call))
@@ -98,7 +82,7 @@ Json rowOf(const Row &row, const HeaderText &header) {
     json["topByte"] = nameOf(row.topByte);
     json["sums"] = nameOf(row.sums);
     json["drawsRandomNumbers"] = row.drawsRandomNumbers;
-    json["pixelOnPixel"] = row.pixelOnPixel != nullptr;
+    json["pixelOnPixel"] = bool(row.pixelOnPixel);
     json["hasTwin"] = row.call.twin != nullptr;
     json["scenes"] = Json::array();
     for (const Scene &scene : scenesOf(row)) {

@@ -12,7 +12,7 @@ std::string_view reason(const Row &row) {
 /// What a call needs of a plane: the smallest rectangle around all that it reads and writes there.
 Box needed(const Call &call, std::string_view argument) {
     Box all;
-    for (const auto areas : {call.row().writes, call.row().reads}) {
+    for (const auto &areas : {call.row().writes, call.row().reads}) {
         if (!areas)
             continue;
         for (const Area &area : areas(call)) {
