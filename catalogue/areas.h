@@ -87,10 +87,18 @@ inline Region operator+(Region first, Region second) {
         [first = std::move(first), second = std::move(second)](const Call &call) { return first(call) + second(call); };
 }
 
-/// Several steps made into one, of a call's arrangement or of a scene.
+/// Several steps made into one, of a call's arrangement or of a scene. Steps may be empty.
 template <class... Steps>
 auto inTurn(Steps... steps) {
-    return [=](Call &call, auto &origin) { (steps(call, origin), ...); };
+    return [=](Call &call, auto &origin) {
+        const auto take = [&](const auto &step) {
+            if constexpr (requires { bool(step); })
+                if (!step)
+                    return;
+            step(call, origin);
+        };
+        (take(steps), ...);
+    };
 }
 
 /// A step that gives an argument a value.

@@ -9,16 +9,10 @@
 namespace catalogue {
 namespace {
 
-using plain::PositionFormat;
-
-/// All areas of two kinds.
-template <auto first, auto second>
-Areas both(const Call &call) {
-    Areas areas = first(call);
-    for (const Area &area : second(call))
-        areas.push_back(area);
-    return areas;
-}
+using enum TopByte;
+using enum Sums;
+using plain::hasExtent, plain::hasPixels, plain::PositionFormat;
+using plain::signed12_20, plain::signed16_16, plain::signed17_15, plain::unsigned12_20, plain::unsigned17_15;
 
 /// What bounds the drawing: a rectangle, or a width and a height from (0, 0); `otherwise` where nothing does.
 Box clipOf(const Call &call, const Box &otherwise) {
@@ -30,30 +24,6 @@ Box clipOf(const Call &call, const Box &otherwise) {
 }
 
 // Unscaled blits: an area of the source lies somewhere in the destination, pixel on pixel.
-
-std::vector<Argument> placedArguments(std::initializer_list<Argument> more = {}) {
-    std::vector<Argument> all = {destination(),
-                                 source(),
-                                 position("dstX", "dst", {0, 0}),
-                                 position("dstY", "dst", {0, 0}),
-                                 rectangle("srcRect", "src"),
-                                 pitch("dstPitch", "dst"),
-                                 pitch("srcPitch", "src")};
-    all.insert(all.end(), more);
-    return all;
-}
-
-std::vector<Argument> centredArguments() {
-    return {destination(),
-            source(),
-            position("centreX", "dst"),
-            position("centreY", "dst"),
-            rectangle("srcRect", "src"),
-            pitch("dstPitch", "dst"),
-            pitch("srcPitch", "src"),
-            extent("clipWidth", "dst"),
-            extent("clipHeight", "dst")};
-}
 
 /// The part of the destination that is drawn, and how far from it the source's pixels lie.
 struct Laid {
@@ -68,12 +38,12 @@ Laid laidAt(const Call &call, std::int64_t x, std::int64_t y, const tagRECT &rec
     return {common(target, clipOf(call, target)), rect.left - x, rect.top - y};
 }
 
-Laid placed(const Call &call) {
+Laid atPlace(const Call &call) {
     return laidAt(call, call["dstX"].whole(), call["dstY"].whole(), call["srcRect"].rect());
 }
 
 /// Of the source rectangle only the size counts.
-Laid placedFromOrigin(const Call &call) {
+Laid fromOrigin(const Call &call) {
     const tagRECT rect = call["srcRect"].rect();
     return laidAt(call, call["dstX"].whole(), call["dstY"].whole(), {0, 0, widthOf(rect), heightOf(rect)});
 }
@@ -81,13 +51,13 @@ Laid placedFromOrigin(const Call &call) {
 /// The same place on both surfaces.
 Laid moved(const Call &call) {
     const tagRECT rect = call["rect"].rect();
-    const Laid laid = laidAt(call, std::int64_t{rect.left} + call["offsetX"].whole(),
-                             std::int64_t{rect.top} + call["offsetY"].whole(), rect);
-    return {laid.part, 0, 0};
+    const std::int64_t x = rect.left + std::int64_t{call["offsetX"].whole()};
+    const std::int64_t y = rect.top + std::int64_t{call["offsetY"].whole()};
+    return {laidAt(call, x, y, rect).part, 0, 0};
 }
 
 template <int rowsLeftOut>
-Laid centred(const Call &call) {
+Laid aroundCentre(const Call &call) {
     const tagRECT rect = call["srcRect"].rect();
     const int halfWidth = widthOf(rect) >> 1;
     const int halfHeight = heightOf(rect) >> 1;
@@ -97,7 +67,7 @@ Laid centred(const Call &call) {
 }
 
 /// Cut to half the source's diagonal.
-Laid centredWithinDiagonal(const Call &call) {
+Laid withinDiagonal(const Call &call) {
     const tagRECT rect = call["srcRect"].rect();
     const std::int64_t x = call["centreX"].whole();
     const std::int64_t y = call["centreY"].whole();
@@ -107,47 +77,21 @@ Laid centredWithinDiagonal(const Call &call) {
     return {common(laid.part, {x - reach, y - reach, x + reach, y + reach}), laid.dx, laid.dy};
 }
 
-template <auto lay>
-Areas drawsLaid(const Call &call) {
-    return {{"dst", lay(call).part}};
-}
-
-/// The source below what is drawn, and so many pixels around it.
-template <auto lay, int around = 0>
-Areas seesLaid(const Call &call) {
-    const auto [part, dx, dy] = lay(call);
-    const Box seen = {part.left + dx, part.top + dy, part.right + dx, part.bottom + dy};
-    return {{"src", grown(seen, around, around, around, around)}};
-}
-
-Areas writesRect(const Call &call) {
-    return {{"dst", call["rect"].rect()}};
-}
-
 // Scaled blits: an area of the source is stretched over one of the destination.
-
-std::vector<Argument> scaledArguments(std::initializer_list<Argument> more = {}) {
-    std::vector<Argument> all = {destination(),
-                                 source(),
-                                 rectangle("dstRect", "dst"),
-                                 rectangle("srcRect", "src"),
-                                 pitch("dstPitch", "dst"),
-                                 pitch("srcPitch", "src")};
-    all.insert(all.end(), more);
-    return all;
-}
 
 bool anySource(const tagRECT &) {
     return true;
 }
+using IsDrawn = bool (*)(const tagRECT &);
 
 /// What is drawn of the destination, if the source is one that is drawn at all.
-template <auto isDrawn>
-Areas drawsScaled(const Call &call) {
-    const Box dstRect = call["dstRect"].rect();
-    if (!isDrawn(call["srcRect"].rect()))
-        return {};
-    return {{"dst", dstRect.isEmpty() ? dstRect : common(dstRect, clipOf(call, dstRect))}};
+Region stretched(IsDrawn isDrawn = anySource) {
+    return on("dst", [isDrawn](const Call &call) -> Box {
+        const Box rect = call["dstRect"].rect();
+        if (!isDrawn(call["srcRect"].rect()))
+            return {};
+        return rect.isEmpty() ? rect : common(rect, clipOf(call, rect));
+    });
 }
 
 /// From the first to the last pixel that a row or column of positions stands on.
@@ -163,82 +107,68 @@ Stretch stretchOf(std::int64_t begin, std::int64_t end, std::int64_t srcExtent, 
     return {std::min(a, b), std::max(a, b) + 1};
 }
 
-/// The source pixels that the part that is drawn looks at.
-template <PositionFormat format, auto isDrawn = anySource>
-Areas seesNearest(const Call &call) {
-    const Areas drawn = drawsScaled<isDrawn>(call);
-    if (drawn.empty() || drawn[0].part.isEmpty())
+/// The source pixels that the part that is drawn looks at, and so many beside and below them.
+Box seen(const Call &call, PositionFormat format, IsDrawn isDrawn, int beyond) {
+    const Box part = stretched(isDrawn)(call).front().part;
+    if (part.isEmpty())
         return {};
-    const Box part = drawn[0].part;
     const tagRECT dst = call["dstRect"].rect();
     const tagRECT src = call["srcRect"].rect();
     const Stretch x = stretchOf(part.left - dst.left, part.right - dst.left, widthOf(src), widthOf(dst), format);
     const Stretch y = stretchOf(part.top - dst.top, part.bottom - dst.top, heightOf(src), heightOf(dst), format);
-    return {{"src", {src.left + x.first, src.top + y.first, src.left + x.end, src.top + y.end}}};
+    return {src.left + x.first, src.top + y.first, src.left + x.end + beyond, src.top + y.end + beyond};
 }
 
-/// Each with its neighbours to the right and below.
-template <PositionFormat format, auto isDrawn = anySource>
-Areas seesFiltered(const Call &call) {
-    Areas areas = seesNearest<format, isDrawn>(call);
-    for (Area &area : areas)
-        area.part = grown(area.part, 0, 0, 1, 1);
-    return areas;
+Region nearest(PositionFormat format, IsDrawn isDrawn = anySource) {
+    return on("src", [=](const Call &call) { return seen(call, format, isDrawn, 0); });
+}
+Region filtered(PositionFormat format, IsDrawn isDrawn = anySource) {
+    return on("src", [=](const Call &call) { return seen(call, format, isDrawn, 1); });
 }
 
-/// The same, but where the source has pixels the last column and row stand in for what lies behind them.
-template <PositionFormat format, auto isDrawn = anySource>
-Areas seesInside(const Call &call) {
-    Areas areas = seesFiltered<format, isDrawn>(call);
-    const tagRECT src = call["srcRect"].rect();
-    for (Area &area : areas) {
-        if (area.part.right == src.right + 1 && widthOf(src) > 0)
-            --area.part.right;
-        if (area.part.bottom == src.bottom + 1 && heightOf(src) > 0)
-            --area.part.bottom;
-    }
-    return areas;
+/// Where the source has pixels its last column and row stand in for what lies behind them.
+Region filteredInside(PositionFormat format, IsDrawn isDrawn = anySource) {
+    return on("src", [=](const Call &call) {
+        const tagRECT src = call["srcRect"].rect();
+        Box box = seen(call, format, isDrawn, 1);
+        box.right -= box.right == src.right + 1 && widthOf(src) > 0;
+        box.bottom -= box.bottom == src.bottom + 1 && heightOf(src) > 0;
+        return box;
+    });
 }
 
-/// The same, but nothing below the last row, and nothing to its right where no pixel at least comes behind.
-Areas seesAbove(const Call &call) {
-    Areas areas = seesFiltered<plain::unsigned12_20>(call);
+/// Nothing below the last row, and nothing to its right where no pixel at least comes behind.
+Box filteredAbove(const Call &call) {
     const tagRECT src = call["srcRect"].rect();
     const int right = static_cast<int>(src.left) + std::max(widthOf(src), 1);
     const int bottom = static_cast<int>(src.top) + std::max(heightOf(src), 1);
-    for (Area &area : areas) {
-        if (area.part.bottom == bottom + 1)
-            --area.part.bottom;
-        if (area.part.bottom == bottom && area.part.right == right + 1 &&
-            call["src"].plane().pitch() < widthOf(src) + 2)
-            --area.part.right;
-    }
-    return areas;
+    Box box = seen(call, unsigned12_20, anySource, 1);
+    box.bottom -= box.bottom == bottom + 1;
+    if (box.bottom == bottom && box.right == right + 1 && call["src"].plane().pitch() < widthOf(src) + 2)
+        --box.right;
+    return box;
 }
 
-bool haveEqualSizes(const tagRECT &a, const tagRECT &b) {
-    return widthOf(a) == widthOf(b) && heightOf(a) == heightOf(b);
-}
-
-Areas seesAdaptively(const Call &call) {
+Box adaptively(const Call &call) {
+    const tagRECT dst = call["dstRect"].rect();
     const tagRECT src = call["srcRect"].rect();
-    return haveEqualSizes(call["dstRect"].rect(), src) ? Areas{{"src", src}} : seesAbove(call);
+    const bool sizesAreEqual = widthOf(dst) == widthOf(src) && heightOf(dst) == heightOf(src);
+    return sizesAreEqual ? Box(src) : filteredAbove(call);
 }
 
 // Rectangles in sixteenths of a pixel.
 
-Areas drawsSixteenths(const Call &call) {
+Box drawnSixteenths(const Call &call) {
     const tagRECT dst = call["dstRect"].rect();
     if (widthOf(dst) == 0 || heightOf(dst) == 0)
         return {};
-    return {{"dst", boxOf(dst.left / 16, dst.top / 16, widthOf(dst) / 16 + 1, heightOf(dst) / 16 + 1)}};
+    return boxOf(dst.left / 16, dst.top / 16, widthOf(dst) / 16 + 1, heightOf(dst) / 16 + 1);
 }
 
-Areas seesSixteenths(const Call &call) {
-    const Areas drawn = drawsSixteenths(call);
-    if (drawn.empty() || drawn[0].part.isEmpty())
+Box seenSixteenths(const Call &call) {
+    const Box part = drawnSixteenths(call);
+    if (part.isEmpty())
         return {};
-    const Box part = drawn[0].part;
     const tagRECT dst = call["dstRect"].rect();
     const tagRECT src = call["srcRect"].rect();
     const Stretch x = stretchOf(0, part.width(), widthOf(src), widthOf(dst), plain::signed15_17,
@@ -247,7 +177,7 @@ Areas seesSixteenths(const Call &call) {
                                 plain::perfectStart(src.top, dst.top));
     const int left = static_cast<int>(src.left / 16);
     const int top = static_cast<int>(src.top / 16);
-    return {{"src", {left + x.first, top + y.first, left + x.end + 1, top + y.end + 1}}};
+    return {left + x.first, top + y.first, left + x.end + 1, top + y.end + 1};
 }
 
 // Random calls
@@ -268,23 +198,20 @@ void chooseClip(Call &call, Random &random) {
     call["clipHeight"] = random.between(-1, call["dst"].plane().height());
 }
 
-/// Moves a random area to where it fits.
+/// Moves a random area to where it fits; where there is a clip, anywhere.
 void place(Call &call, Random &random) {
     const Plane &dst = call["dst"].plane();
+    const bool isClipped = call.row().argument("clipWidth") || call.row().argument("clipRect");
     tagRECT &rect = call["srcRect"].rect();
-    rect = common(rect, {0, 0, rect.left + dst.width(), rect.top + dst.height()});
-    call["dstX"] = random.between(0, dst.width() - std::max(widthOf(rect), 0));
-    call["dstY"] = random.between(0, dst.height() - std::max(heightOf(rect), 0));
-}
-
-void placeAnywhere(Call &call, Random &random) {
-    call["dstX"] = anyPlace(random);
-    call["dstY"] = anyPlace(random);
+    if (!isClipped)
+        rect = common(rect, {0, 0, rect.left + dst.width(), rect.top + dst.height()});
+    call["dstX"] = isClipped ? anyPlace(random) : random.between(0, dst.width() - std::max(widthOf(rect), 0));
+    call["dstY"] = isClipped ? anyPlace(random) : random.between(0, dst.height() - std::max(heightOf(rect), 0));
     chooseClip(call, random);
 }
 
 /// Now and then the source begins before its surface, in the margin.
-void centreAnywhere(Call &call, Random &random) {
+void centre(Call &call, Random &random) {
     const int before = random.oneIn(4) ? random.between(0, 6) : 0;
     const tagRECT rect = call["srcRect"].rect();
     call["srcRect"] = tagRECT{rect.left - before, rect.top - before, rect.right - before, rect.bottom - before};
@@ -294,10 +221,8 @@ void centreAnywhere(Call &call, Random &random) {
 }
 
 void moveRect(Call &call, Random &random) {
-    const Plane &dst = call["dst"].plane();
-    const Plane &src = call["src"].plane();
-    const tagRECT rect =
-        random.rectInsideOrEmpty(std::min(dst.width(), src.width()), std::min(dst.height(), src.height()));
+    const tagRECT both = common(call["dst"].plane().rect(), call["src"].plane().rect());
+    const tagRECT rect = random.rectInsideOrEmpty(widthOf(both), heightOf(both));
     const int x = random.between(-30, 30);
     const int y = random.between(-30, 30);
     call["offsetX"] = x;
@@ -307,10 +232,8 @@ void moveRect(Call &call, Random &random) {
 
 /// Pixels without a margin around them.
 Plane tightSurface(Random &random, int width, int height, int extraPitch = 0) {
-    Plane plane(4, width, height, 0, extraPitch);
-    for (int i = 0; i < plane.pitch() * height; ++i)
-        plane.at(i, 0) = random.pixel();
-    return plane;
+    const Plane plane(4, width, height, 0, extraPitch);
+    return plane.fill({0, 0, plane.pitch(), height}, [&random](int, int) { return random.pixel(); });
 }
 
 /// Now and then everything is drawn over everything, in surfaces whose rows follow each other without a gap.
@@ -320,15 +243,13 @@ void packSometimes(Call &call, Random &random) {
     const int width = random.between(1, 12);
     const int height = random.between(1, 12);
     for (std::size_t i = 0; i < call.size(); ++i) {
-        const Argument &argument = call.row().arguments[i];
+        const Kind kind = call.row().arguments[i].kind;
         if (call[i].is<Plane>())
             call[i] = tightSurface(random, width, height);
-        else if (argument.kind == Kind::rectangle)
+        else if (kind == Kind::rectangle)
             call[i] = tagRECT{0, 0, width, height};
-        else if (argument.kind == Kind::position)
-            call[i] = 0;
-        else if (argument.kind == Kind::extent)
-            call[i] = 20;
+        else if (kind == Kind::position || kind == Kind::extent)
+            call[i] = kind == Kind::extent ? 20 : 0;
     }
 }
 
@@ -369,12 +290,10 @@ void tightenSometimes(Call &call, Random &random) {
 }
 
 void matchSizesSometimes(Call &call, Random &random) {
-    if (!random.oneIn(6))
-        return;
     const tagRECT dst = call["dstRect"].rect();
+    const tagRECT rect = {0, 0, widthOf(dst), heightOf(dst)};
     const Plane &src = call["src"].plane();
-    tagRECT rect = {0, 0, widthOf(dst), heightOf(dst)};
-    if (rect.right <= src.width() && rect.bottom <= src.height())
+    if (random.oneIn(6) && rect.right <= src.width() && rect.bottom <= src.height())
         call["srcRect"] = rect;
 }
 
@@ -409,53 +328,38 @@ void chooseSixteenths(Call &call, Random &random) {
 
 /// Every other source has two colours only, one of them the key, so that filtering meets it often.
 void meetKey(Call &call, Random &random) {
-    q_ulong key = call["key"].word();
     if (random.oneIn(2))
         return;
-    if (random.oneIn(2))
-        key &= 0xFFFFFF;
-    call["key"] = key;
+    const q_ulong key = call["key"].word() & (random.oneIn(2) ? 0xFFFFFF : 0xFFFFFFFF);
     const q_ulong other = random.pixel();
+    call["key"] = key;
     const Plane &src = call["src"].plane();
-    for (int y = 0; y < src.height(); ++y)
-        for (int x = 0; x < src.width(); ++x)
-            src.at(x, y) = random.oneIn(3) ? other : key;
+    src.fill(src.rect(), [&](int, int) { return random.oneIn(3) ? other : key; });
 }
 
 /// Every other source is a sprite, mostly of one piece.
 void punchHoles(Call &call, Random &random) {
-    const Plane &src = call["src"].plane();
     if (random.oneIn(2))
         return;
-    for (int y = -1; y <= src.height(); ++y)
-        for (int x = -1; x <= src.width(); ++x)
-            src.at(x, y) = random.oneIn(6) ? 0 : src.at(x, y) | 0x01000000;
+    const Plane &src = call["src"].plane();
+    src.fill({-1, -1, src.width() + 1, src.height() + 1},
+             [&](int x, int y) { return random.oneIn(6) ? 0 : src.at(x, y) | 0x01000000; });
 }
 
 /// Mostly within 0 to 1, in steps of 1/256 and between them; else outside, sometimes far.
-double anyAlpha(Random &random) {
-    switch (random.between(0, 9)) {
-    case 0:
-        return random.between(-1024, 1280) / 256.0;
-    case 1:
-        return random.between(static_cast<int>(anyInt.low), static_cast<int>(anyInt.high)) / 64.0;
-    case 2:
-        return random.between(static_cast<int>(anyInt.low), static_cast<int>(anyInt.high)) * 1.0e5;
-    default:
-        return random.between(0, 4096) / 4096.0;
-    }
+auto chooseReal(std::string_view name) {
+    return [name](Call &call, Random &random) {
+        const int kind = random.between(0, 9);
+        const auto anything = [&] {
+            return random.between(static_cast<int>(anyInt.low), static_cast<int>(anyInt.high));
+        };
+        call[name] = kind == 0   ? random.between(-1024, 1280) / 256.0
+                     : kind == 1 ? anything() / 64.0
+                     : kind == 2 ? anything() * 1.0e5
+                                 : random.between(0, 4096) / 4096.0;
+    };
 }
-
-void chooseAlpha(Call &call, Random &random) {
-    call["alpha"] = anyAlpha(random);
-}
-
-/// Any alpha: it is not clamped.
-Argument anyAlphaArgument() {
-    Argument argument = alpha();
-    argument.contract = anyReal;
-    return argument;
-}
+const auto chooseAlpha = chooseReal("alpha");
 
 // The whole of the source over the whole of the destination
 
@@ -463,7 +367,6 @@ void drawWhole(Call &call) {
     const Plane &dst = call["dst"].plane();
     for (std::size_t i = 0; i < call.size(); ++i) {
         const Argument &argument = call.row().arguments[i];
-        const bool isCentre = argument.name.starts_with("centre");
         const bool isDown = argument.name.ends_with("Y") || argument.name == "clipHeight";
         const int size = isDown ? dst.height() : dst.width();
         if (argument.kind == Kind::rectangle || argument.kind == Kind::clip)
@@ -471,7 +374,7 @@ void drawWhole(Call &call) {
         else if (argument.kind == Kind::extent)
             call[i] = size;
         else if (argument.kind == Kind::position)
-            call[i] = isCentre ? size / 2 : 0;
+            call[i] = argument.name.starts_with("centre") ? size / 2 : 0;
     }
 }
 
@@ -483,20 +386,11 @@ void drawWholeSixteenths(Call &call) {
 
 // Scenes: at their beginning they draw all over the stage.
 
-void takeSprite(Call &call, const Stage &stage) {
-    call["src"] = stage.sprite();
-}
-
 /// The source comes in from the left as far as the stage has room for it.
 void slide(Call &call, const Stage &stage) {
     const int shift = static_cast<int>(stage.width * stage.within({0, 0.25}));
     call["dstX"] = shift;
     call["srcRect"] = tagRECT{0, 0, stage.width - shift, stage.height};
-}
-
-void slideCentre(Call &call, const Stage &stage) {
-    call["centreX"] = static_cast<int>(stage.width * stage.within({0.5, 0.75}));
-    call["centreY"] = stage.height / 2;
 }
 
 void shrink(Call &call, const Stage &stage) {
@@ -523,23 +417,17 @@ void drift(Call &call, const Stage &stage) {
     call["srcRect"] = tagRECT{left, 41, left + columns * 16, 41 + rows * 16};
 }
 
-void fadeGently(Call &call, const Stage &stage) {
-    shrink(call, stage);
-    call["factor"] = 0;
-}
+const Scene ofSprite = {.set = [](Call &call, const Stage &stage) { call["src"] = stage.sprite(); }};
 
-/// Surfaces whose rows follow each other without a gap.
-void packAll(Call &call, const Stage &stage) {
-    for (std::size_t i = 0; i < call.size(); ++i) {
-        if (!call[i].is<Plane>())
-            continue;
-        const Plane packed(4, stage.width, stage.height);
-        for (int y = 0; y < stage.height; ++y)
-            std::copy_n(&call[i].plane().at(0, y), stage.width, &packed.at(0, y));
-        call[i] = packed;
-    }
-}
-constexpr std::string_view packedScene = "without gaps between rows";
+const Scene packed = {"without gaps between rows", [](Call &call, const Stage &stage) {
+                          for (std::size_t i = 0; i < call.size(); ++i) {
+                              if (!call[i].is<Plane>())
+                                  continue;
+                              const Plane from = call[i].plane();
+                              const Plane plane(4, stage.width, stage.height);
+                              call[i] = plane.fill(plane.rect(), [&from](int x, int y) { return from.at(x, y); });
+                          }
+                      }};
 
 // Texts
 
@@ -558,14 +446,13 @@ void chooseText(Call &call, Random &random) {
     call["fontName"] = characters("DejaVu Sans");
     call["colour"] = random.pixel() & 0xFFFFFF;
     call["fontHeight"] = random.between(6, 20);
-    call["x"] = random.between(-20, 16);
-    call["y"] = random.between(-20, 16);
+    draw({"x", "y"}, -20, 16)(call, random);
 }
 
 /// Of the clip only the size counts.
-Areas writesText(const Call &call) {
+Box textBox(const Call &call) {
     const tagRECT clip = call["clipRect"].rect();
-    return {{"dst", boxOf(0, 0, widthOf(clip), heightOf(clip))}};
+    return boxOf(0, 0, widthOf(clip), heightOf(clip));
 }
 Areas readsText(const Call &call) {
     return {{"text", call["text"].plane().rect()}, {"fontName", call["fontName"].plane().rect()}};
@@ -577,139 +464,117 @@ void writeLine(Call &call, const Stage &) {
     call["colour"] = 0xFFFFFF;
 }
 
+// What the rows of a family have in common, which completes the rest of a row. What is its own stands behind the
+// arguments of the family.
+
+/// A scene in which the source moves, too.
+Row moving(Row row, void (*move)(Call &, const Stage &)) {
+    if (row.scenes.empty())
+        row.scenes = {{}};
+    row.scenes.front().set = inTurn(row.scenes.front().set, move);
+    return row;
+}
+
+/// Pixel on pixel, where `lay` says, and the source's neighbours `around` them.
+template <class Lay>
+Row laid(Row row, Lay lay, int around = 0) {
+    row.writes = on("dst", [lay](const Call &call) { return lay(call).part; });
+    row.reads = on("src", [lay, around](const Call &call) {
+        const auto [part, dx, dy] = lay(call);
+        const Box below = {part.left + dx, part.top + dy, part.right + dx, part.bottom + dy};
+        return grown(below, around, around, around, around);
+    });
+    return row;
+}
+
+const Arguments surfaces = {destination(), source()};
+const Arguments pitches = {pitch("dstPitch", "dst"), pitch("srcPitch", "src")};
+const Arguments clipSize = each({"clipWidth", "clipHeight"}, extent("", "dst"));
+const Arguments corner = each({"dstX", "dstY"}, position("", "dst", {0, 0}));
+const Arguments centreInSlide = {position("centreX", "dst", {0.5, 0.75}), position("centreY", "dst")};
+const Arguments srcRect = {rectangle("srcRect", "src")};
+const Arguments dstRect = {rectangle("dstRect", "dst")};
+
+Row placed(Row row) {
+    row.arguments = surfaces + corner + srcRect + pitches + row.arguments;
+    row.arrange = inTurn(place, row.arrange);
+    row.pixelOnPixel = drawWhole;
+    return moving(laid(std::move(row), atPlace), slide);
+}
+
+template <int rowsLeftOut = 0>
+Row centred(Row row, int around = 0) {
+    row.arguments = surfaces + centreInSlide + srcRect + pitches + clipSize;
+    row.arrange = inTurn(centre, punchHoles);
+    row.scenes = {ofSprite};
+    return laid(std::move(row), aroundCentre<rowsLeftOut>, around);
+}
+
+Row scaled(Row row, IsDrawn isDrawn = anySource) {
+    row.arguments = surfaces + dstRect + srcRect + pitches + row.arguments;
+    row.writes = stretched(isDrawn);
+    row.arrange = inTurn(row.arrange, scaleLongSometimes);
+    row.pixelOnPixel = drawWhole;
+    return moving(std::move(row), zoom);
+}
+
+/// Rows that read what they draw over.
+std::vector<Row> mixing(std::vector<Row> rows) {
+    for (Row &row : rows)
+        row.reads = row.writes + row.reads;
+    return rows;
+}
+
 // Rows, one family after the other
 
 std::vector<Row> copyRows() {
+    const Arguments filled = {destination(), rectangle("rect", "dst"), pitch("pitch", "dst")};
+    const Argument factor = {
+        .name = "factor", .kind = Kind::weight, .unit = "1", .contract = anyReal, .drawn = {0.75, 0.25}};
     return {
-        {
-            Q_MUR_FUNCTION(iBltFast32),
-            .sentence = "Copies a rectangle.",
-            .arguments = placedArguments(),
-            .writes = drawsLaid<placed>,
-            .reads = seesLaid<placed>,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(place, packSometimes),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = slide}, {.word = packedScene, .set = packAll}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltFast32_Advanced),
-            .sentence = "Copies a rectangle, clipped to a width and a height.",
-            .arguments = placedArguments({extent("clipWidth", "dst"), extent("clipHeight", "dst")}),
-            .writes = drawsLaid<placed>,
-            .reads = seesLaid<placed>,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(placeAnywhere, packSometimes),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = slide}, {.word = packedScene, .set = packAll}},
-        },
-        {
-            Q_MUR_FUNCTION(iFillRect),
-            .sentence = "Fills a rectangle with a colour, its top byte included.",
-            .arguments = {destination(), rectangle("rect", "dst"), pitch("pitch", "dst"), colour()},
-            .writes = writesRect,
-            .topByte = TopByte::setByColour,
-            .sums = Sums::none,
-            .arrange = packSometimes,
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = shrink}, {.word = packedScene, .set = packAll}},
-        },
-        {
-            Q_MUR_FUNCTION(iFadeOut32),
-            .sentence = "Scales the colours of a rectangle by a factor, or makes the gentlest fade step.",
-            .arguments =
-                {destination(),
-                 rectangle("rect", "dst"),
-                 pitch("pitch", "dst"),
-                 {.name = "factor", .kind = Kind::weight, .unit = "1", .contract = anyReal, .drawn = {0.75, 0.25}}},
-            .writes = writesRect,
-            .reads = writesRect,
-            .topByte = TopByte::cleared,
-            .sums = Sums::carryOver,
-            .arrange = [](Call &call, Random &random) { call["factor"] = anyAlpha(random); },
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = shrink}, {.word = "gentle step", .set = fadeGently}},
-        },
+        placed({Q_MUR_FUNCTION(iBltFast32), .sentence = "Copies a rectangle.", .topByte = copied, .sums = stayInside,
+                .arrange = packSometimes, .scenes = {{}, packed}}),
+        placed({Q_MUR_FUNCTION(iBltFast32_Advanced), .sentence = "Copies a rectangle, clipped to a width and a height.",
+                .arguments = clipSize, .topByte = copied, .sums = stayInside, .arrange = packSometimes,
+                .scenes = {{}, packed}}),
+        {Q_MUR_FUNCTION(iFillRect), .sentence = "Fills a rectangle with a colour, its top byte included.",
+         .arguments = filled + Arguments{colour()}, .writes = on("dst", "rect"), .topByte = setByColour,
+         .arrange = packSometimes, .pixelOnPixel = drawWhole, .scenes = {{.set = shrink}, packed}},
+        {Q_MUR_FUNCTION(iFadeOut32),
+         .sentence = "Scales the colours of a rectangle by a factor, or makes the gentlest fade step.",
+         .arguments = filled + Arguments{factor}, .writes = on("dst", "rect"), .reads = on("dst", "rect"),
+         .topByte = cleared, .sums = carryOver, .arrange = chooseReal("factor"), .pixelOnPixel = drawWhole,
+         .scenes = {{.set = shrink}, {"gentle step", inTurn(shrink, set("factor", 0))}}},
     };
 }
 
 std::vector<Row> scalingRows() {
     return {
-        {
-            Q_MUR_FUNCTION(iBltNear32),
-            .sentence = "Scales a rectangle onto another, nearest pixel.",
-            .arguments = scaledArguments(),
-            .writes = drawsScaled<anySource>,
-            .reads = seesNearest<plain::unsigned12_20>,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(turnSourceOut, scaleLongSometimes),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = zoom}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltNear32Safe),
-            .sentence = "Scales a rectangle onto another, nearest pixel, inside a clip.",
-            .arguments = {destination(), source(), rectangle("dstRect", "dst"), rectangle("srcRect", "src"),
-                          clip("clipRect", "dst"), pitch("dstPitch", "dst"), pitch("srcPitch", "src")},
-            .writes = drawsScaled<anySource>,
-            .reads = seesNearest<plain::signed12_20>,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(scaleAnywhere, scaleLongSometimes),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = zoom}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltBilinear32),
-            .sentence = "Scales a rectangle onto another, filtered; what lies beyond its edges bleeds in.",
-            .arguments = scaledArguments(),
-            .writes = drawsScaled<anySource>,
-            .reads = seesFiltered<plain::unsigned12_20>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(turnSourceOut, scaleLongSometimes),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = zoom}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltBilinear32Safe),
-            .sentence = "Scales a rectangle onto another, filtered but for the last source row, which is copied whole.",
-            .arguments = scaledArguments(),
-            .writes = drawsScaled<anySource>,
-            .reads = seesAbove,
-            .topByte = TopByte::cleared,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(turnSourceOut, tightenSometimes, scaleLongSometimes),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = zoom}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltAdaptive32),
-            .sentence = "Scales a rectangle onto another: filtered where it grows by half, else nearest pixel.",
-            .arguments = scaledArguments(),
-            .writes = drawsScaled<anySource>,
-            .reads = seesAdaptively,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(turnSourceOut, tightenSometimes, matchSizesSometimes, scaleLongSometimes),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = zoom}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltPerfect32),
-            .sentence = "Copies or scales a rectangle that is placed in sixteenths of a pixel, filtered.",
-            .arguments = scaledArguments(),
-            .writes = drawsSixteenths,
-            .reads = seesSixteenths,
-            .topByte = TopByte::cleared,
-            .sums = Sums::stayInside,
-            .arrange = chooseSixteenths,
-            .pixelOnPixel = drawWholeSixteenths,
-            .scenes = {{.set = drift}},
-        },
+        scaled({Q_MUR_FUNCTION(iBltNear32), .sentence = "Scales a rectangle onto another, nearest pixel.",
+                .reads = nearest(unsigned12_20), .topByte = copied, .sums = stayInside, .arrange = turnSourceOut}),
+        moving({Q_MUR_FUNCTION(iBltNear32Safe),
+                .sentence = "Scales a rectangle onto another, nearest pixel, inside a clip.",
+                .arguments = surfaces + dstRect + srcRect + Arguments{clip("clipRect", "dst")} + pitches,
+                .writes = stretched(), .reads = nearest(signed12_20), .topByte = copied, .sums = stayInside,
+                .arrange = inTurn(scaleAnywhere, scaleLongSometimes), .pixelOnPixel = drawWhole},
+               zoom),
+        scaled({Q_MUR_FUNCTION(iBltBilinear32),
+                .sentence = "Scales a rectangle onto another, filtered; what lies beyond its edges bleeds in.",
+                .reads = filtered(unsigned12_20), .topByte = cleared, .sums = stayInside, .arrange = turnSourceOut}),
+        scaled({Q_MUR_FUNCTION(iBltBilinear32Safe),
+                .sentence =
+                    "Scales a rectangle onto another, filtered but for the last source row, which is copied whole.",
+                .reads = on("src", filteredAbove), .topByte = cleared, .sums = stayInside,
+                .arrange = inTurn(turnSourceOut, tightenSometimes)}),
+        scaled({Q_MUR_FUNCTION(iBltAdaptive32),
+                .sentence = "Scales a rectangle onto another: filtered where it grows by half, else nearest pixel.",
+                .reads = on("src", adaptively), .topByte = copied, .sums = stayInside,
+                .arrange = inTurn(turnSourceOut, tightenSometimes, matchSizesSometimes)}),
+        {Q_MUR_FUNCTION(iBltPerfect32),
+         .sentence = "Copies or scales a rectangle that is placed in sixteenths of a pixel, filtered.",
+         .arguments = surfaces + dstRect + srcRect + pitches, .writes = on("dst", drawnSixteenths),
+         .reads = on("src", seenSixteenths), .topByte = cleared, .sums = stayInside, .arrange = chooseSixteenths,
+         .pixelOnPixel = drawWholeSixteenths, .scenes = {{.set = drift}}},
     };
 }
 
@@ -719,298 +584,126 @@ template <class... More>
 using Scaled = void(q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong, More...);
 
 std::vector<Row> additiveRows() {
-    using plain::hasExtent, plain::hasPixels, plain::signed16_16, plain::signed17_15, plain::unsigned17_15;
     using Byte = unsigned char;
-    const std::initializer_list<Argument> scales = {channelWeight("scaleRed"), channelWeight("scaleGreen"),
-                                                    channelWeight("scaleBlue")};
-    return {
-        {
-            Q_MUR_OVERLOAD(iBltFast32_Add, Placed<>),
-            .sentence = "Adds a rectangle.",
-            .arguments = placedArguments(),
-            .writes = drawsLaid<placed>,
-            .reads = both<drawsLaid<placed>, seesLaid<placed>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = place,
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = slide}},
-        },
-        {
-            Q_MUR_OVERLOAD(iBltFast32_Add, Placed<Byte, Byte, Byte>),
-            .word = "scaled",
-            .sentence = "Adds a rectangle scaled in brightness; red and green wrap, blue saturates.",
-            .arguments = placedArguments(scales),
-            .writes = drawsLaid<placed>,
-            .reads = both<drawsLaid<placed>, seesLaid<placed>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::wrap,
-            .arrange = place,
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = slide}},
-        },
-        {
-            Q_MUR_OVERLOAD(iBltNear32_Add, Scaled<>),
-            .sentence = "Adds a rectangle scaled onto another, nearest pixel; a carry of blue sets green's lowest bit.",
-            .arguments = scaledArguments(),
-            .writes = drawsScaled<hasExtent>,
-            .reads = both<drawsScaled<hasExtent>, seesNearest<signed17_15, hasExtent>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::carryOver,
-            .arrange = scaleLongSometimes,
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = zoom}},
-        },
-        {
-            Q_MUR_OVERLOAD(iBltNear32_Add, Scaled<Byte, Byte, Byte>),
-            .word = "scaled",
-            .sentence = "The same scaled in brightness; red and green wrap, blue saturates.",
-            .arguments = scaledArguments(scales),
-            .writes = drawsScaled<hasPixels>,
-            .reads = both<drawsScaled<hasPixels>, seesNearest<unsigned17_15, hasPixels>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::wrap,
-            .arrange = scaleLongSometimes,
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = zoom}},
-        },
-        {
-            Q_MUR_OVERLOAD(iBltBilinear32_Add, Scaled<>),
-            .sentence = "Adds a rectangle scaled onto another, filtered.",
-            .arguments = scaledArguments(),
-            .writes = drawsScaled<hasPixels>,
-            .reads = both<drawsScaled<hasPixels>, seesInside<signed17_15, hasPixels>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = scaleLongSometimes,
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = zoom}},
-        },
-        {
-            Q_MUR_OVERLOAD(iBltBilinear32_Add, Scaled<Byte, Byte, Byte>),
-            .word = "scaled",
-            .sentence = "The same scaled in brightness.",
-            .arguments = scaledArguments(scales),
-            .writes = drawsScaled<hasPixels>,
-            .reads = both<drawsScaled<hasPixels>, seesInside<unsigned17_15, hasPixels>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = scaleLongSometimes,
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = zoom}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltFast32_KeySrc_Add),
-            .sentence = "Adds the pixels of a rectangle that are not 0.",
-            .arguments = placedArguments({unused("key")}),
-            .writes = drawsLaid<placed>,
-            .reads = both<drawsLaid<placed>, seesLaid<placed>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = inTurn(place, punchHoles),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn(takeSprite, slide)}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltNear32SafeKeySrcAdd),
-            .sentence = "Adds a rectangle scaled onto another, nearest pixel, without the pixels that are 0, clipped.",
-            .arguments = scaledArguments({extent("clipWidth", "dst"), extent("clipHeight", "dst")}),
-            .writes = drawsScaled<hasExtent>,
-            .reads = both<drawsScaled<hasExtent>, seesNearest<signed16_16, hasExtent>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = inTurn(scaleAnywhere, punchHoles, scaleLongSometimes),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn(takeSprite, zoom)}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltNear32_Add_KeySrc),
-            .sentence = "Adds a rectangle around a centre, within half its diagonal, without the pixels that are 0.",
-            .arguments = {destination(), pitch("dstPitch", "dst"), source(), pitch("srcPitch", "src"),
-                          clip("clipRect", "dst"), rectangle("srcRect", "src"), position("centreX", "dst"),
-                          position("centreY", "dst")},
-            .writes = drawsLaid<centredWithinDiagonal>,
-            .reads = both<drawsLaid<centredWithinDiagonal>, seesLaid<centredWithinDiagonal>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = inTurn(centreAnywhere, punchHoles),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn(takeSprite, slideCentre)}},
-        },
-    };
+    const Arguments scales = each({"scaleRed", "scaleGreen", "scaleBlue"}, channelWeight(""));
+    return mixing({
+        placed({Q_MUR_OVERLOAD(iBltFast32_Add, Placed<>), .sentence = "Adds a rectangle.", .topByte = cleared,
+                .sums = saturate}),
+        placed({Q_MUR_OVERLOAD(iBltFast32_Add, Placed<Byte, Byte, Byte>), .word = "scaled",
+                .sentence = "Adds a rectangle scaled in brightness; red and green wrap, blue saturates.",
+                .arguments = scales, .topByte = cleared, .sums = wrap}),
+        scaled({Q_MUR_OVERLOAD(iBltNear32_Add, Scaled<>),
+                .sentence =
+                    "Adds a rectangle scaled onto another, nearest pixel; a carry of blue sets green's lowest bit.",
+                .reads = nearest(signed17_15, hasExtent), .topByte = cleared, .sums = carryOver},
+               hasExtent),
+        scaled({Q_MUR_OVERLOAD(iBltNear32_Add, Scaled<Byte, Byte, Byte>), .word = "scaled",
+                .sentence = "The same scaled in brightness; red and green wrap, blue saturates.", .arguments = scales,
+                .reads = nearest(unsigned17_15, hasPixels), .topByte = cleared, .sums = wrap},
+               hasPixels),
+        scaled({Q_MUR_OVERLOAD(iBltBilinear32_Add, Scaled<>),
+                .sentence = "Adds a rectangle scaled onto another, filtered.",
+                .reads = filteredInside(signed17_15, hasPixels), .topByte = cleared, .sums = saturate},
+               hasPixels),
+        scaled({Q_MUR_OVERLOAD(iBltBilinear32_Add, Scaled<Byte, Byte, Byte>), .word = "scaled",
+                .sentence = "The same scaled in brightness.", .arguments = scales,
+                .reads = filteredInside(unsigned17_15, hasPixels), .topByte = cleared, .sums = saturate},
+               hasPixels),
+        placed({Q_MUR_FUNCTION(iBltFast32_KeySrc_Add), .sentence = "Adds the pixels of a rectangle that are not 0.",
+                .arguments = {unused("key")}, .topByte = cleared, .sums = saturate, .arrange = punchHoles,
+                .scenes = {ofSprite}}),
+        scaled(
+            {Q_MUR_FUNCTION(iBltNear32SafeKeySrcAdd),
+             .sentence = "Adds a rectangle scaled onto another, nearest pixel, without the pixels that are 0, clipped.",
+             .arguments = clipSize, .reads = nearest(signed16_16, hasExtent), .topByte = cleared, .sums = saturate,
+             .arrange = inTurn(scaleAnywhere, punchHoles), .scenes = {ofSprite}},
+            hasExtent),
+        laid({Q_MUR_FUNCTION(iBltNear32_Add_KeySrc),
+              .sentence = "Adds a rectangle around a centre, within half its diagonal, without the pixels that are 0.",
+              .arguments = Arguments{destination(), pitch("dstPitch", "dst"), source(), pitch("srcPitch", "src"),
+                                     clip("clipRect", "dst")} +
+                           srcRect + centreInSlide,
+              .topByte = cleared, .sums = saturate, .arrange = inTurn(centre, punchHoles), .pixelOnPixel = drawWhole,
+              .scenes = {ofSprite}},
+             withinDiagonal),
+    });
 }
 
 std::vector<Row> colourKeyRows() {
-    using plain::unsigned17_15;
-    return {
-        {
-            Q_MUR_FUNCTION(iBltFast32_KeySrc),
-            .sentence = "Copies a rectangle without the pixels that equal a key.",
-            .arguments = placedArguments({key()}),
-            .writes = drawsLaid<placed>,
-            .reads = both<drawsLaid<placed>, seesLaid<placed>>,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(place, meetKey),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn(takeSprite, slide)}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltNear32_KeySrc),
-            .sentence = "Scales a rectangle onto another, nearest pixel, without the pixels that equal a key.",
-            .arguments = scaledArguments({key()}),
-            .writes = drawsScaled<anySource>,
-            .reads = both<drawsScaled<anySource>, seesNearest<unsigned17_15>>,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(turnSourceOut, meetKey, scaleLongSometimes),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn(takeSprite, zoom)}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltBilinear32_KeySrc),
-            .sentence = "Scales a rectangle onto another, filtered, without what filters to exactly a key.",
-            .arguments = scaledArguments({key()}),
-            .writes = drawsScaled<anySource>,
-            .reads = both<drawsScaled<anySource>, seesInside<unsigned17_15>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(turnSourceOut, meetKey, scaleLongSometimes),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn(takeSprite, zoom)}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltFast32SafeKeySrc),
-            .sentence = "Copies a rectangle around a centre without the pixels that are 0, clipped.",
-            .arguments = centredArguments(),
-            .writes = drawsLaid<centred<0>>,
-            .reads = both<drawsLaid<centred<0>>, seesLaid<centred<0>>>,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(centreAnywhere, punchHoles),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn(takeSprite, slideCentre)}},
-        },
-    };
+    return mixing({
+        placed({Q_MUR_FUNCTION(iBltFast32_KeySrc),
+                .sentence = "Copies a rectangle without the pixels that equal a key.", .arguments = {key()},
+                .topByte = copied, .sums = stayInside, .arrange = meetKey, .scenes = {ofSprite}}),
+        scaled({Q_MUR_FUNCTION(iBltNear32_KeySrc),
+                .sentence = "Scales a rectangle onto another, nearest pixel, without the pixels that equal a key.",
+                .arguments = {key()}, .reads = nearest(unsigned17_15), .topByte = copied, .sums = stayInside,
+                .arrange = inTurn(turnSourceOut, meetKey), .scenes = {ofSprite}}),
+        scaled({Q_MUR_FUNCTION(iBltBilinear32_KeySrc),
+                .sentence = "Scales a rectangle onto another, filtered, without what filters to exactly a key.",
+                .arguments = {key()}, .reads = filteredInside(unsigned17_15), .topByte = cleared, .sums = stayInside,
+                .arrange = inTurn(turnSourceOut, meetKey), .scenes = {ofSprite}}),
+        centred({Q_MUR_FUNCTION(iBltFast32SafeKeySrc),
+                 .sentence = "Copies a rectangle around a centre without the pixels that are 0, clipped.",
+                 .topByte = copied, .sums = stayInside, .pixelOnPixel = drawWhole}),
+    });
 }
 
 std::vector<Row> alphaRows() {
-    return {
-        {
-            Q_MUR_FUNCTION(iBltFast32Alpha),
-            .sentence = "Blends a rectangle of the source over the same place of the destination.",
-            .arguments = {destination(), source(), position("offsetX", "dst", {0, 0}),
-                          position("offsetY", "dst", {0, 0}), rectangle("rect", "dst"), pitch("dstPitch", "dst"),
-                          pitch("srcPitch", "src"), anyAlphaArgument()},
-            .writes = drawsLaid<moved>,
-            .reads = both<drawsLaid<moved>, seesLaid<moved>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::carryOver,
-            .arrange = inTurn(moveRect, chooseAlpha),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = nullptr}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltBilinear32_Alpha),
-            .sentence = "Scales a rectangle onto another, filtered, and blends it over the destination.",
-            .arguments = scaledArguments({anyAlphaArgument()}),
-            .writes = drawsScaled<plain::hasPixels>,
-            .reads = both<drawsScaled<plain::hasPixels>, seesFiltered<plain::unsigned12_20, plain::hasPixels>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::carryOver,
-            .arrange = inTurn(chooseAlpha, scaleLongSometimes),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = zoom}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltFast32_KeySrc_AlphaFast),
-            .sentence = "Mixes the pixels of a rectangle that are not 0 half and half with the destination.",
-            .arguments = placedArguments({unused("key")}),
-            .writes = drawsLaid<placed>,
-            .reads = both<drawsLaid<placed>, seesLaid<placed>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(place, punchHoles),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn(takeSprite, slide)}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltFast32_KeySrc_Alpha),
-            .sentence = "Blends the pixels of a rectangle that are not 0 over the destination.",
-            .arguments = placedArguments({unused("key"), anyAlphaArgument()}),
-            .writes = drawsLaid<placed>,
-            .reads = both<drawsLaid<placed>, seesLaid<placed>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::carryOver,
-            .arrange = inTurn(place, punchHoles, chooseAlpha),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn(takeSprite, slide)}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltFast32SafeAlpha_Channel),
-            .sentence = "Blends a rectangle around a centre by the top byte of each source pixel, clipped.",
-            .arguments = centredArguments(),
-            .writes = drawsLaid<centred<0>>,
-            .reads = both<drawsLaid<centred<0>>, seesLaid<centred<0>>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(centreAnywhere, punchHoles),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn(takeSprite, slideCentre)}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltFast32SafeKeySrcAntiAliasing),
-            .sentence = "Copies a sprite around a centre and softens its outline, clipped and without its last row.",
-            .arguments = centredArguments(),
-            .writes = drawsLaid<centred<1>>,
-            .reads = both<drawsLaid<centred<1>>, seesLaid<centred<1>, 1>>,
-            .topByte = TopByte::copied,
-            .sums = Sums::carryOver,
-            .arrange = inTurn(centreAnywhere, punchHoles),
-            .scenes = {{.set = inTurn(takeSprite, slideCentre)}},
-        },
-        {
-            Q_MUR_FUNCTION(iBltFast32AlphaChannelSafe),
-            .sentence = "Blends a source of a rectangle's size by the top byte of each of its pixels, inside a clip.",
-            .arguments = {destination(), source(), position("dstX", "dst", {0, 0}), position("dstY", "dst", {0, 0}),
-                          rectangle("srcRect", "src"), clip("clipRect", "dst"), pitch("dstPitch", "dst"),
-                          pitch("srcPitch", "src")},
-            .writes = drawsLaid<placedFromOrigin>,
-            .reads = both<drawsLaid<placedFromOrigin>, seesLaid<placedFromOrigin>>,
-            .topByte = TopByte::cleared,
-            .sums = Sums::stayInside,
-            .arrange = inTurn(placeAnywhere, punchHoles),
-            .pixelOnPixel = drawWhole,
-            .scenes = {{.set = inTurn(takeSprite, slide)}},
-        },
-    };
+    return mixing({
+        laid({Q_MUR_FUNCTION(iBltFast32Alpha),
+              .sentence = "Blends a rectangle of the source over the same place of the destination.",
+              .arguments = surfaces + each({"offsetX", "offsetY"}, position("", "dst", {0, 0})) +
+                           Arguments{rectangle("rect", "dst")} + pitches + Arguments{alpha()},
+              .topByte = cleared, .sums = carryOver, .arrange = inTurn(moveRect, chooseAlpha),
+              .pixelOnPixel = drawWhole},
+             moved),
+        scaled({Q_MUR_FUNCTION(iBltBilinear32_Alpha),
+                .sentence = "Scales a rectangle onto another, filtered, and blends it over the destination.",
+                .arguments = {alpha()}, .reads = filtered(unsigned12_20, hasPixels), .topByte = cleared,
+                .sums = carryOver, .arrange = chooseAlpha},
+               hasPixels),
+        placed({Q_MUR_FUNCTION(iBltFast32_KeySrc_AlphaFast),
+                .sentence = "Mixes the pixels of a rectangle that are not 0 half and half with the destination.",
+                .arguments = {unused("key")}, .topByte = cleared, .sums = stayInside, .arrange = punchHoles,
+                .scenes = {ofSprite}}),
+        placed({Q_MUR_FUNCTION(iBltFast32_KeySrc_Alpha),
+                .sentence = "Blends the pixels of a rectangle that are not 0 over the destination.",
+                .arguments = {unused("key"), alpha()}, .topByte = cleared, .sums = carryOver,
+                .arrange = inTurn(punchHoles, chooseAlpha), .scenes = {ofSprite}}),
+        centred({Q_MUR_FUNCTION(iBltFast32SafeAlpha_Channel),
+                 .sentence = "Blends a rectangle around a centre by the top byte of each source pixel, clipped.",
+                 .topByte = cleared, .sums = stayInside, .pixelOnPixel = drawWhole}),
+        centred<1>(
+            {Q_MUR_FUNCTION(iBltFast32SafeKeySrcAntiAliasing),
+             .sentence = "Copies a sprite around a centre and softens its outline, clipped and without its last row.",
+             .topByte = copied, .sums = carryOver},
+            1),
+        moving(laid({Q_MUR_FUNCTION(iBltFast32AlphaChannelSafe),
+                     .sentence =
+                         "Blends a source of a rectangle's size by the top byte of each of its pixels, inside a clip.",
+                     .arguments = surfaces + corner + srcRect + Arguments{clip("clipRect", "dst")} + pitches,
+                     .topByte = cleared, .sums = stayInside, .arrange = inTurn(place, punchHoles),
+                     .pixelOnPixel = drawWhole, .scenes = {ofSprite}},
+                    fromOrigin),
+               slide),
+    });
 }
 
 std::vector<Row> otherRows() {
+    Argument blueFirst = colour();
+    blueFirst.unit = "0x00BBGGRR";
+    blueFirst.contract = {0, 0xFFFFFF};
     return {
-        {
-            Q_MUR_FUNCTION_WITHOUT_TWIN(iTextOut), // the letters are the platform's
-            .sentence = "Writes a text in a bold face, clipped to a width and a height.",
-            .arguments =
-                {destination(),
-                 clip("clipRect", "dst"),
-                 pitch("pitch", "dst"),
-                 {.name = "text", .kind = Kind::text, .unit = "characters of code page 1252", .mayBeNull = true},
-                 {.name = "colour", .kind = Kind::colour, .unit = "0x00BBGGRR", .contract = {0, 0xFFFFFF}},
-                 position("x", "dst", {0.05, 0.3}),
-                 position("y", "dst", {0.2, 0.2}),
-                 number("fontHeight", "pixels", anyInt, {40, 40}),
-                 {.name = "fontName", .kind = Kind::text, .unit = "name of a face", .mayBeNull = true}},
-            .writes = writesText,
-            .reads = readsText,
-            .topByte = TopByte::cleared,
-            .arrange = chooseText,
-            .scenes = {{.set = writeLine, .figures = 1, .figure = "texts"}},
-        },
-        {
-            Q_MUR_FUNCTION(i3DBltNear32),
-            .sentence = "Does nothing.",
-        },
+        // The letters are the platform's.
+        {Q_MUR_FUNCTION_WITHOUT_TWIN(iTextOut),
+         .sentence = "Writes a text in a bold face, clipped to a width and a height.",
+         .arguments = {destination(), clip("clipRect", "dst"), pitch("pitch", "dst"),
+                       orNull(text("text", "characters of code page 1252")), blueFirst,
+                       position("x", "dst", {0.05, 0.3}), position("y", "dst", {0.2, 0.2}),
+                       number("fontHeight", "pixels", anyInt, {40, 40}), orNull(text("fontName", "name of a face"))},
+         .writes = on("dst", textBox), .reads = readsText, .topByte = cleared, .arrange = chooseText,
+         .scenes = {{.set = writeLine, .figures = 1, .figure = "texts"}}},
+        {Q_MUR_FUNCTION(i3DBltNear32), .sentence = "Does nothing."},
     };
 }
 
