@@ -182,8 +182,7 @@ Call Call::sharingMemory() const {
 
 void Call::restore(const Call &earlier) {
     for (std::size_t i = 0; i < values.size(); ++i) {
-        const Kind kind = description->arguments[i].kind;
-        if (kind != Kind::destination && kind != Kind::source && kind != Kind::scratch)
+        if (!isSurface(description->arguments[i].kind))
             values[i].restore(earlier.values[i]);
     }
 }

@@ -116,10 +116,6 @@ Value sceneValue(const Call &call, std::size_t index, const Stage &stage) {
     }
 }
 
-bool isSurface(Kind kind) {
-    return kind == Kind::destination || kind == Kind::source || kind == Kind::scratch;
-}
-
 /// Surfaces first, since the other arguments lie on them.
 template <class Make>
 void fill(Call &call, Make make) {

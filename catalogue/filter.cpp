@@ -265,12 +265,14 @@ void setSearch(Call &call, const Stage &stage) {
 
 // Light maps.
 
-/// A search runs on over the ends of rows.
+/// A search runs on over the ends of rows, and ends as far right as it began.
 Areas readsSearched(const Call &call) {
     const tagRECT &rect = call["rect"].rect();
     const std::int64_t pitch = call["pitch"].whole();
-    const Box block = {rect.left, rect.top, rect.left + pitch, rect.bottom};
-    return {{"surface", widthOf(rect) > 0 && widthOf(rect) <= pitch ? block : Box()}};
+    if (widthOf(rect) < 1 || widthOf(rect) > pitch)
+        return {};
+    return {{"surface", Box{rect.left, rect.top, pitch, rect.bottom}},
+            {"surface", Box{0, rect.top + 1, rect.left, rect.bottom + 1}}};
 }
 Areas writesShape(const Call &call) {
     const tagRECT &rect = call["rect"].rect();

@@ -195,6 +195,10 @@ std::span<const std::byte> Plane::bytes() const {
     return memory ? std::span<const std::byte>(memory->data(), memory->size()) : std::span<const std::byte>();
 }
 
+std::span<std::byte> Plane::bytes() {
+    return memory ? std::span<std::byte>(memory->data(), memory->size()) : std::span<std::byte>();
+}
+
 tagPOINT Plane::placeOf(std::size_t byte) const {
     const std::ptrdiff_t before = (start - memory->data()) / bytesEach;
     const std::ptrdiff_t left = before % stride;

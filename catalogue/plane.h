@@ -144,6 +144,7 @@ public:
 
     /// All of the memory, and the column and row of the element at a byte of it.
     std::span<const std::byte> bytes() const;
+    std::span<std::byte> bytes();
     tagPOINT placeOf(std::size_t byte) const;
 
     /// What differs first from a plane of the same shape, in words; empty if nothing does.

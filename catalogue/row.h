@@ -48,6 +48,16 @@ enum class Kind {
     text,         ///< characters that end with 0
 };
 
+/// Whether an argument is a number that has a range.
+constexpr bool isNumber(Kind kind) {
+    return kind >= Kind::position && kind <= Kind::choice && kind != Kind::pitch;
+}
+
+/// Whether an argument leads to pixels.
+constexpr bool isSurface(Kind kind) {
+    return kind == Kind::destination || kind == Kind::source || kind == Kind::scratch;
+}
+
 /// Numbers from `low` to `high`, both included.
 struct Range {
     double low;

@@ -32,11 +32,6 @@ Json rangeOf(const Range &range) {
     return {limit(range.low), limit(range.high)};
 }
 
-/// Whether an argument is a number, which has a range.
-bool isNumber(Kind kind) {
-    return kind >= Kind::position && kind <= Kind::choice && kind != Kind::pitch;
-}
-
 Json argumentOf(const Row &row, std::size_t index, const std::string &type) {
     const Argument &argument = row.arguments[index];
     Json json = {{"name", argument.name}, {"type", type}, {"kind", nameOf(argument.kind)}};
@@ -53,7 +48,7 @@ Json argumentOf(const Row &row, std::size_t index, const std::string &type) {
     return json;
 }
 
-/// The areas of the first scene on a small stage.
+/// What a call reads or writes, area by area.
 Json areasOf(const Call &call, const Region &areas) {
     Json json = Json::array();
     if (areas)

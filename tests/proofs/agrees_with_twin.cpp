@@ -3,6 +3,7 @@
 #include "support/cases.h"
 #include "support/precision.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace proofs {
@@ -33,9 +34,11 @@ void prove(const Row &row) {
         if (!difference.empty())
             c.report(difference + "\n" + described(call));
     };
-    // A record with pointers is not as long everywhere.
-    if (row.drawsRandomNumbers || indexOf(row, Kind::hostRecord) >= 0)
-        test::forEachCaseUnsummed(compare);
+    // Platforms draw other random numbers, and a record with pointers has another size on each.
+    const bool hasRecord = std::any_of(row.arguments.begin(), row.arguments.end(),
+                                       [](const Argument &argument) { return argument.kind == Kind::hostRecord; });
+    if (row.drawsRandomNumbers || hasRecord)
+        test::forEachCaseUnsummed(compare, row.cases);
     else
         test::forEachCase(row.fullName(), compare, row.cases);
 }

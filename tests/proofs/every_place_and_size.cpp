@@ -31,7 +31,8 @@ std::string_view reason(const Row &row) {
     return "no places";
 }
 
-/// What a place may be over a surface of 4 x 4: all rectangles, the inverted and the empty ones included, and all
+/// What a place may be over a surface of 4 x 4: all rectangles on it, the empty ones and those
+/// inverted by one included, and all
 /// numbers from before its beginning to behind its end.
 std::vector<Value> places(const Argument &argument) {
     std::vector<Value> all;
@@ -58,7 +59,7 @@ std::vector<Value> places(const Argument &argument) {
     return all;
 }
 
-/// Each is as much wider than its picture as before, so that surfaces of one pitch keep one.
+/// The pitch exceeds the width by as much as before, so that surfaces which must share a pitch still do.
 Plane smallSurface(const Plane &drawn, Random &random) {
     const int extraPitch = drawn.pitch() - drawn.width() - 2 * Plane::usualMargin;
     const Plane plane = Plane::surface(side, side, 0, std::max(extraPitch, 0));
@@ -85,9 +86,7 @@ int tryPlaces(const Row &row, std::uint64_t seed) {
     Random random(seed);
     Call base = catalogue::randomCall(row, random);
     for (std::size_t i = 0; i < base.size(); ++i) {
-        const Kind kind = row.arguments[i].kind;
-        const bool isSurface = kind == Kind::destination || kind == Kind::source || kind == Kind::scratch;
-        if (isSurface && base[i].is<Plane>() && !base[i].plane().isNull())
+        if (isSurface(row.arguments[i].kind) && base[i].is<Plane>() && !base[i].plane().isNull())
             base[i] = smallSurface(base[i].plane(), random);
     }
     base.settle();

@@ -1,5 +1,6 @@
 #include "proofs.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
@@ -59,11 +60,9 @@ std::string described(const Call &call) {
     return text;
 }
 
-int indexOf(const Row &row, Kind kind) {
-    for (std::size_t i = 0; i < row.arguments.size(); ++i)
-        if (row.arguments[i].kind == kind)
-            return static_cast<int>(i);
-    return -1;
+bool isInside(const Areas &areas, std::string_view argument, const tagPOINT &place) {
+    return std::any_of(areas.begin(), areas.end(),
+                       [&](const Area &area) { return area.argument == argument && area.part.contains(place); });
 }
 
 namespace {
@@ -89,7 +88,6 @@ std::string testName(const Row &row) {
 
 } // namespace
 
-/// Called before the tests run: each cell of the matrix that has an answer of its own is a test.
 void registerTests() {
     for (const Proof &proof : allProofs())
         catalogue::forEachRow([&proof](const Row &row) {

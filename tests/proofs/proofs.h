@@ -21,6 +21,8 @@ using catalogue::Argument;
 using catalogue::Box;
 using catalogue::Call;
 using catalogue::Fence;
+using catalogue::isNumber;
+using catalogue::isSurface;
 using catalogue::Kind;
 using catalogue::Overlap;
 using catalogue::Plane;
@@ -61,8 +63,11 @@ bool agree(const Call &call, const std::string &what);
 /// The arguments of a call in one line.
 std::string described(const Call &call);
 
-/// The first argument of a kind; -1 where there is none.
-int indexOf(const Row &row, Kind kind);
+/// Whether one of the areas has the element at a place of an argument's memory.
+bool isInside(const Areas &areas, std::string_view argument, const tagPOINT &place);
+
+/// Makes each cell of the matrix that has an answer of its own a test; called before the tests run.
+void registerTests();
 
 } // namespace proofs
 

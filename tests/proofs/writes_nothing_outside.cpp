@@ -9,11 +9,6 @@ std::string_view reason(const Row &row) {
     return row.writes ? "" : "writes no surface";
 }
 
-bool isInside(const Areas &areas, std::string_view argument, const tagPOINT &place) {
-    return std::any_of(areas.begin(), areas.end(),
-                       [&](const Area &area) { return area.argument == argument && area.part.contains(place); });
-}
-
 /// No byte changes but in the region that the row works out from the arguments.
 void prove(const Row &row) {
     for (int number = 0; number < 2000; ++number) {

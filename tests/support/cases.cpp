@@ -109,10 +109,10 @@ void forEachCase(std::string_view name, const std::function<void(Case &)> &body,
                   << "if the change is wanted, run tools/accept-golden";
 }
 
-void forEachCaseUnsummed(const std::function<void(Case &)> &body) {
+void forEachCaseUnsummed(const std::function<void(Case &)> &body, int count) {
     std::uint64_t unused = 0;
     const int first = replayed >= 0 ? replayed : 0;
-    const int end = replayed >= 0 ? replayed + 1 : std::min(most, 20000);
+    const int end = replayed >= 0 ? replayed + 1 : std::min(most, count);
     for (int number = first; number < end; ++number) {
         Case one(number, unused);
         body(one);

@@ -46,12 +46,14 @@ private:
     bool differs = false;
 };
 
+inline constexpr int usualCases = 20000;
+
 /// Runs `count` cases and compares their checksum with the one written down under `name`: the exported function's name,
 /// for an overload with a word behind it. Stops at the first case that differs.
-void forEachCase(std::string_view name, const std::function<void(Case &)> &body, int count = 20000);
+void forEachCase(std::string_view name, const std::function<void(Case &)> &body, int count = usualCases);
 
 /// The same without a checksum, for what is not the same in every build.
-void forEachCaseUnsummed(const std::function<void(Case &)> &body);
+void forEachCaseUnsummed(const std::function<void(Case &)> &body, int count = usualCases);
 
 /// Replays one case only; -1 runs them all.
 void replayCase(int number);

@@ -1,27 +1,42 @@
 #include "cases.h"
+#include "proofs/proofs.h"
 
 #include <gtest/gtest.h>
 
+#include <charconv>
+#include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string_view>
 
-namespace proofs {
+namespace {
 
-void registerTests();
+/// The number behind an option's name; nothing where it is another option or no number.
+std::optional<int> numberBehind(std::string_view name, std::string_view argument) {
+    if (!argument.starts_with(name))
+        return std::nullopt;
+    argument.remove_prefix(name.size());
+    int number = 0;
+    const auto [end, error] = std::from_chars(argument.data(), argument.data() + argument.size(), number);
+    return error == std::errc() && end == argument.data() + argument.size() ? std::optional(number) : std::nullopt;
+}
 
-} // namespace proofs
+} // namespace
 
 int main(int argc, char **argv) {
     testing::InitGoogleTest(&argc, argv);
-    // Builds whose whole checksums others have computed run fewer cases of each function, unless all are asked for.
+    // Most builds run only the first cases of each function: others compute the whole checksums.
     if (const char *count = std::getenv("Q_MUR_TESTS_CASES"); count && !std::getenv("Q_MUR_TESTS_ALL_CASES"))
         test::limitCases(std::atoi(count));
     for (int i = 1; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        if (argument.starts_with("--case="))
-            test::replayCase(std::atoi(argv[i] + 7));
-        if (argument.starts_with("--cases="))
-            test::limitCases(std::atoi(argv[i] + 8));
+        if (const auto number = numberBehind("--case=", argv[i])) {
+            test::replayCase(*number);
+        } else if (const auto count = numberBehind("--cases=", argv[i])) {
+            test::limitCases(*count);
+        } else {
+            std::fprintf(stderr, "q_Mur_tests: unknown argument %s\n", argv[i]);
+            return 2;
+        }
     }
     Init_qMur_GlobalData(nullptr, nullptr);
     proofs::registerTests();
