@@ -36,7 +36,7 @@ std::string cacheSizes() {
 }
 
 std::string machine() {
-    return processorName() + ", " + std::to_string(benchmark::CPUInfo::Get().num_cpus) + " in use" + cacheSizes();
+    return processorName() + ", " + std::to_string(benchmark::CPUInfo::Get().num_cpus) + " processors" + cacheSizes();
 }
 
 void describe(const std::string &key, const std::string &value) {
@@ -50,6 +50,7 @@ int main(int argc, char **argv) {
     std::vector<std::string> options = {argv[0], "--benchmark_repetitions=7", "--benchmark_min_time=0.02",
                                         "--benchmark_enable_random_interleaving=true"};
     bool checkOnly = false;
+    std::string wanted;
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
         if (argument == "--check") {
@@ -57,9 +58,13 @@ int main(int argc, char **argv) {
             options.insert(options.end(), {"--benchmark_repetitions=1", "--benchmark_min_time=0"});
             continue;
         }
-        // A bare word selects rows; what they are compared with is always along.
-        options.push_back(argument.starts_with("-") ? argument : "--benchmark_filter=^(memcpy|fill)/|" + argument);
+        if (argument.starts_with("-"))
+            options.push_back(argument);
+        else
+            wanted += "|" + argument;
     }
+    if (!wanted.empty()) // what rows are compared with is always along
+        options.push_back("--benchmark_filter=^(memcpy|fill)/" + wanted);
     std::vector<char *> arguments;
     for (std::string &option : options)
         arguments.push_back(option.data());

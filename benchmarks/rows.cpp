@@ -30,7 +30,7 @@ constexpr Stage figureStage = {700, 700, 0.5};
 /// What a scene is measured by.
 enum class Measure { pictures, figures, calls };
 
-/// The pixels of its surfaces that a call writes or reads, by their region.
+/// The pixels of its destinations that a call writes or reads, by their region.
 double pixelsOf(const Call &call, const catalogue::Region &areas) {
     double pixels = 0;
     if (!areas)
@@ -102,7 +102,7 @@ double changedPixels(const Call &after, const Call &before) {
     return changed;
 }
 
-/// Runs the scene once and compares all of its memory with what the twin makes of the same.
+/// Runs the scene once and compares the memory of its first and last call with what the twin makes of the same.
 Outcome checked(const Row &row, const Scene &scene, const Stage &stage) {
     std::vector<Call> drawn = catalogue::sceneCalls(row, scene, stage);
     const Call before = drawn.front();
@@ -118,7 +118,7 @@ Outcome checked(const Row &row, const Scene &scene, const Stage &stage) {
         seed();
         for (Call &call : expected)
             row.call.twin(call)();
-        for (std::size_t i = 0; i<drawn.size(); i += drawn.size()> 1 ? drawn.size() - 1 : 1) {
+        for (const std::size_t i : {std::size_t{0}, drawn.size() - 1}) {
             const std::string wrong = drawn[i].differenceFrom(expected[i]);
             if (!wrong.empty())
                 return {wrong};

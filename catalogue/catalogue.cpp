@@ -206,6 +206,8 @@ Call sceneCall(const Row &row, const Scene &scene, const Stage &stage) {
 std::vector<Call> sceneCalls(const Row &row, const Scene &scene, Stage stage) {
     std::vector<Call> calls;
     calls.reserve(static_cast<std::size_t>(scene.calls));
+    if (scene.calls > 1)
+        stage.time = 0;
     calls.push_back(sceneCall(row, scene, stage));
     for (stage.call = 1; stage.call < scene.calls; ++stage.call) {
         stage.time = static_cast<double>(stage.call) / scene.calls;

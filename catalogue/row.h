@@ -127,8 +127,8 @@ struct Scene {
     double figures = 0;                                  ///< how many figures are drawn, where they count beside pixels
     std::string_view figure = {};                        ///< "lines", or "Mtriangles" in millions
 
-    /// So many calls, set at times from 0 to 1, make one run. All but the first are set on the memory of the first, so
-    /// that they change numbers only.
+    /// So many calls, set at times from 0 up to, not including, 1, make one run. All but the first are set on the
+    /// memory of the first, so that they change numbers only.
     int calls = 1;
 
     /// What is not a surface, a Z plane for example, is put back before each run.

@@ -146,6 +146,8 @@ Q_MUR_API void iRotateMapping(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_u
 /// share coordinates, and pixels are copied whole. Columns and rows from -1024 to 64511 keep their order. There is no
 /// test on the source.
 /// \param srcRect not used
+/// \param radius a negative one is taken by its magnitude, down to -50; below that a part of the disc or nothing is
+/// drawn
 Q_MUR_API void iRotateCircleMapping(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect,
                                     int srcPitch, int centreX, int centreY, int radius, double angle);
 

@@ -7,6 +7,7 @@
 /// may differ as far as they pass alike at the interface.
 #define Q_MUR_ALIAS_OF(body) __attribute__((alias(#body)))
 
+// The signatures differ on purpose: a reference passes as a pointer does.
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wattribute-alias"
 #endif

@@ -27,7 +27,7 @@ inline Extent extentOf(const q_ulong *surface, Distance pitch, const Window &win
             (address + size - 1) / size + (top < bottom ? bottom : top) + window.columns.end};
 }
 
-/// Whether no two pixels of a window that wide are one in memory.
+/// Whether the pixels of a window of that width all lie at addresses of their own.
 constexpr bool keepsPixelsApart(Distance pitch, int width) {
     return pitch >= width || pitch <= -width;
 }

@@ -35,6 +35,11 @@ constexpr q_ulong wrapDivide(q_ulong a, q_ulong b) {
     return a / b;
 }
 
+/// The next number; after the largest, the largest.
+constexpr int nextOrLargest(int value) {
+    return value < wrapAdd(value, 1) ? wrapAdd(value, 1) : value;
+}
+
 /// The magnitude of a number. That of the least int does not fit: it wraps to the least int itself.
 constexpr int magnitudeOf(int value) {
     return value < 0 ? wrapSubtract(0, value) : value;

@@ -61,16 +61,16 @@ constexpr q_ulong halfMix(q_ulong d, q_ulong s) {
 
 /// min(d + s, 255) in each channel.
 constexpr q_ulong saturatingAdd(q_ulong d, q_ulong s) {
-    // Red and blue have nine free bits above them, green eight: a carry stays beside its channel, where it is turned
-    // into a mask of that channel without a compare.
+    // Of the two halves each leaves eight bits or more free above its channels: a carry stays beside its channel, where
+    // a subtraction turns it into a mask of that channel without a compare.
     const q_ulong redBlue = (d & redBlueMask) + (s & redBlueMask);
     const q_ulong green = (d & greenMask) + (s & greenMask);
     const q_ulong carries = (redBlue & 0x1000100) | (green & 0x10000);
     return (redBlue & redBlueMask) | (green & greenMask) | (carries - (carries >> 8));
 }
 
-/// (d * dWeight + s * sWeight) / 256, truncated, in each channel for weights from 0 to 256.
-/// Beyond that range the products wrap and the masks decide what is left of them.
+/// (d * dWeight + s * sWeight) / 256, truncated, in each channel for weights from 0 to 256 that add up to 256 at most.
+/// Beyond that the products wrap and the masks decide what is left of them.
 constexpr q_ulong blend256(q_ulong d, q_ulong dWeight, q_ulong s, q_ulong sWeight) {
     const q_ulong red = ((d & redMask) * dWeight + (s & redMask) * sWeight) & 0xFF0000FF;
     const q_ulong green = ((d & greenMask) * dWeight + (s & greenMask) * sWeight) & 0xFF0000;

@@ -1,5 +1,5 @@
 /// \file
-/// Private blocks that are carved out of one allocation.
+/// Sizes of private blocks.
 #ifndef Q_MUR_BASE_PRIVATE_BLOCK_H
 #define Q_MUR_BASE_PRIVATE_BLOCK_H
 
@@ -7,8 +7,8 @@
 
 namespace qmur {
 
-/// A size as the block manager takes it. One that an int cannot hold becomes the largest that is no code of a plane
-/// when read as unsigned, which no heap has.
+/// A size as FindNotUsedMemory() takes it: -1 to -3 name planes there, and any other negative int is read as unsigned.
+/// What no int holds becomes -4, more than any heap can give.
 constexpr int requestedBytes(long long bytes) {
     return bytes >= 0 && bytes <= INT_MAX ? static_cast<int>(bytes) : -4;
 }

@@ -10,7 +10,7 @@
 
 namespace qmur {
 
-/// Elements from the heap, without a value of their own. There are none if the heap has no room for them, or if fewer
+/// Elements from the heap, uninitialised. There are none if the heap has no room for them, or if fewer
 /// than one were asked for.
 template <class Element>
 class Scratch {

@@ -50,7 +50,7 @@ constexpr Span rowsOf(const tagRECT &rect) {
     return {static_cast<int>(rect.top), static_cast<int>(rect.bottom)};
 }
 
-/// The columns and rows of the destination that a function may write.
+/// Columns and rows of a surface, most often those that may be written.
 struct Window {
     Span columns;
     Span rows;
@@ -80,7 +80,7 @@ constexpr int heightOf(const tagRECT &rect) {
     return wrapSubtract(static_cast<int>(rect.bottom), static_cast<int>(rect.top));
 }
 
-/// True for a rectangle that covers no pixel.
+/// True for a rectangle that covers no pixel, or more columns or rows than an int counts.
 constexpr bool isEmpty(const tagRECT &rect) {
     return widthOf(rect) < 1 || heightOf(rect) < 1;
 }

@@ -1,10 +1,10 @@
 /// \file
 /// Floating point at full width, and the one conversion from a real number to an int.
 ///
-/// Where the library promises "full width" it means the x87 format with its 64-bit mantissa. Two things would break
-/// that promise silently and are dealt with here: a host or a thread of Windows starts with the unit's precision
-/// control at 53 bits, and the platforms' long double sine, cosine and tangent differ in the last bit, whereas the
-/// processor's own instructions are the same under every compiler and system.
+/// Where the library promises "full width" it means the x87 format with its 64-bit mantissa. A host
+/// or a thread of Windows starts with the unit's precision control at 53 bits, and the platforms' long double sine,
+/// cosine and tangent differ in the last bit, whereas the processor's own instructions are the same under every
+/// compiler and system: both are dealt with here.
 #ifndef Q_MUR_BASE_WIDE_H
 #define Q_MUR_BASE_WIDE_H
 

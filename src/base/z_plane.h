@@ -15,7 +15,7 @@ constexpr short emptyDepth = 0x7FFF;
 ///
 /// Meant: entries are emptied in pairs, which the shifts by one bit place. An odd left starts one entry early, an odd
 /// width loses its last entry, and an odd pitch drifts by one entry every other row.
-inline int emptyDepths(short *zBuffer, const tagRECT &rect, int pitch) {
+inline int clearDepths(short *zBuffer, const tagRECT &rect, int pitch) {
     if (!zBuffer)
         return 0;
     const int firstPair = wrapAdd(wrapMultiply(static_cast<int>(rect.top), pitch), static_cast<int>(rect.left)) >> 1;

@@ -43,5 +43,5 @@ _PRIVATE_QMGL_DATA *GetPrivate_QMGL_Data(_TRANSFERDATA *transfer, int slot) {
 }
 
 int VKD_ResetZBuffer(_PRIVATE_QMGL_DATA *data, tagRECT *rect, int pitch) {
-    return emptyDepths(data->zBuffer, *rect, pitch);
+    return clearDepths(data->zBuffer, *rect, pitch);
 }

@@ -33,5 +33,5 @@ _PRIVATE_QM3D_DATA *GetPrivate_QM3D_Data(_TRANSFERDATA *data, int slot) {
 }
 
 int ResetZBuffer(_PRIVATE_QM3D_DATA *data, tagRECT *rect, int pitch) {
-    return emptyDepths(data->zBuffer, *rect, pitch);
+    return clearDepths(data->zBuffer, *rect, pitch);
 }

@@ -95,7 +95,7 @@ Quad<Type> sortedQuad(Quad<Type> corners) {
 }
 
 /// From top to bottom; of one row, the later stands above. The first two are compared by the rows `y0` and `y1` as they
-/// are given, the third by `y2` with what the other two have made of theirs.
+/// are given, the third's `y2` with the rows as they stand in the other two corners.
 template <class Row, Carried Type>
 Triangle<Type> sortedTriangle(Row y0, Row y1, Row y2, const Corner<Type> &c0, const Corner<Type> &c1,
                               const Corner<Type> &c2) {
@@ -193,6 +193,7 @@ void forEachSteppedRow(const Edge<Type> &leftEdge, const Edge<Type> &rightEdge, 
 
 // The second: each row anew from a reciprocal, which the whole edge shares.
 
+/// 1 / distance with so many fraction bits, 1 standing in for a distance of 0.
 template <int fractionBits>
 constexpr int reciprocal(int distance) {
     return (1 << fractionBits) / oneIfZero(distance);

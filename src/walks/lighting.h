@@ -18,9 +18,9 @@ struct VertexLight {
 /// A light with the terms that are the same for all vertices. Stands, and is used, inside atFullWidth().
 class GridLight {
 public:
-    /// `squarings` is how often the highlight is squared.
-    GridLight(const _POINT3DFLOAT &towardLight, int ambientLevel, int specularLevel, int squarings)
-        : direction(towardLight), ambient(ambientLevel), specular(specularLevel), shininess(squarings) {
+    /// `timesSquared` is how often the highlight is squared.
+    GridLight(const _POINT3DFLOAT &towardLight, int ambientLevel, int specularLevel, int timesSquared)
+        : direction(towardLight), ambient(ambientLevel), specular(specularLevel), squarings(timesSquared) {
         // The viewer stands along +Z. A light from straight behind the surface divides by 0.
         const _POINT3DFLOAT sum = {direction.x, direction.y, direction.z + 1.0F, 0};
         half = dividedBy(sum, magnitude(sum));
@@ -31,7 +31,7 @@ public:
         VertexLight light = {wrapAdd(truncateToInt(diffuse < 0 ? 0 : diffuse), ambient), 0};
         Wide shine = dotProduct(half, normal);
         if (shine > 0) {
-            for (int i = 0; i < shininess; ++i)
+            for (int i = 0; i < squarings; ++i)
                 shine *= shine;
             light.highlight = truncateToInt(specular * shine);
         }
@@ -43,7 +43,7 @@ private:
     _POINT3DFLOAT half;
     int ambient;
     int specular;
-    int shininess;
+    int squarings;
 };
 
 /// Calls `store(index of the vertex, its light)` for every vertex of a grid of at least 2 by 2 points.
@@ -53,11 +53,11 @@ private:
 /// and no mean is brought back to length 1.
 template <class Store>
 void lightVertices(const _POINT3DFLOAT *points, int columns, int rows, const _POINT3DFLOAT &direction, int ambient,
-                   int specular, int shininess, Store store) {
+                   int specular, int squarings, Store store) {
     if (columns < 2 || rows < 2)
         return;
     atFullWidth([=] {
-        const GridLight light(direction, ambient, specular, shininess);
+        const GridLight light(direction, ambient, specular, squarings);
         const Distance rowStep = columns;
         const auto cellNormal = [points, rowStep](Distance row, Distance column) {
             const _POINT3DFLOAT *corner = points + (row * rowStep + column);

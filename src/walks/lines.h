@@ -28,7 +28,8 @@ struct Line {
     }
 };
 
-/// A line of equal extents runs along y. The clip is for those who ask for it.
+/// A line of equal extents runs along y, and an extent that no int holds is the greatest.
+/// Without a clip the axes' own are empty and mean nothing.
 constexpr Line lineBetween(int x1, int y1, int x2, int y2, Distance pitch, const Window &clip = {}) {
     const Axis x = {x1, x2, clip.columns, 1};
     const Axis y = {y1, y2, clip.rows, pitch};

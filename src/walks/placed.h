@@ -30,6 +30,8 @@ struct Surfaces {
 
 /// `srcRect` with its corner on (dstX, dstY), unclipped.
 inline Placement placedAt(const Surfaces &surfaces, Distance dstX, Distance dstY, const tagRECT &srcRect) {
+    if (isEmpty(srcRect)) // it may lie beyond what addresses hold
+        return {};
     return {.dst = pixelAt(surfaces.dst, surfaces.dstPitch, dstX, dstY),
             .dstPitch = surfaces.dstPitch,
             .src = pixelAt(surfaces.src, surfaces.srcPitch, srcRect.left, srcRect.top),
@@ -38,8 +40,8 @@ inline Placement placedAt(const Surfaces &surfaces, Distance dstX, Distance dstY
             .height = heightOf(srcRect)};
 }
 
-/// True for a span that stands for pixels. A negative extent near the least number gives one whose end has come round
-/// to the largest: its length does not.
+/// True for a span that stands for pixels. An extent near the least number gives one that has wrapped: it ends behind
+/// its begin, but its length is below 1.
 constexpr bool coversPixels(Span span) {
     return !span.empty() && span.length() > 0;
 }

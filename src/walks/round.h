@@ -46,13 +46,12 @@ constexpr Window offsetsFrom(const Centre &centre, const Window &window) {
 /// A clip without its first column and its first row.
 constexpr Window interiorOf(const tagRECT &clip) {
     const Window whole = windowOf(clip);
-    const auto next = [](int value) { return larger(value, wrapAdd(value, 1)); };
-    return {{next(whole.columns.begin), whole.columns.end}, {next(whole.rows.begin), whole.rows.end}};
+    return {{nextOrLargest(whole.columns.begin), whole.columns.end}, {nextOrLargest(whole.rows.begin), whole.rows.end}};
 }
 
 /// Offsets from -radius to radius, both included, in either direction. Not for negative radii.
 constexpr Window squareThrough(int radius) {
-    const Span span = {-radius, larger(radius, wrapAdd(radius, 1))};
+    const Span span = {-radius, nextOrLargest(radius)};
     return {span, span};
 }
 
@@ -88,6 +87,7 @@ void forEachRun(const Centre &centre, const Window &offsets, Chord chord, Run ru
 /// Calls `pixel(pixel, squared distance)` for every pixel of a disc, rim included.
 template <class Pixel>
 void forEachInDisc(const Centre &centre, int radius, const Window &within, Pixel pixel) {
+    // Beyond it the squared distance of the square's corners, twice that of the radius, wraps.
     constexpr int largestExactRadius = 32767;
     if (radius < 0)
         return;
@@ -121,6 +121,8 @@ template <class Pixel>
 void forEachInRing(const Centre &centre, const Window &offsets, int low, int high, Pixel pixel) {
     const auto walk = [&](Span run, int dy) {
         const Span columns = intersection(run, offsets.columns);
+        if (columns.empty())
+            return;
         q_ulong *at = centre.pixel(columns.begin, dy);
         for (int dx = columns.begin; dx < columns.end; ++dx, ++at)
             pixel(*at, dx * dx + dy * dy);

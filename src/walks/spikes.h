@@ -15,7 +15,7 @@ struct SpikeColour {
     int blue;
 };
 
-/// Adds spikes that reach `size` pixels, at least one, to all four sides, as far as they lie within `clip`. Sums are
+/// Adds spikes that reach `size` pixels, 1 or more, to all four sides, as far as they lie within `clip`. Sums are
 /// capped at 255; top byte 0. Meant: the centre lies in both spikes and takes the colour twice, and a centre outside
 /// the clip, in its last column or in its last row drops both.
 inline void addSpikes(const Centre &centre, const Window &clip, int size, SpikeColour colour) {

@@ -22,10 +22,10 @@ constexpr bool staysIn32Bits(long long start, long long step, int count) {
     return last == static_cast<int>(last);
 }
 
-/// The part of `within`, a span from 0 on, in which `start + x * step` lies inside `bounds`, which must not be empty.
-/// The value must stay within 32 bits on the way.
+/// The part of `within`, a span that begins at 0 or later, in which `start + x * step` lies inside `bounds`, which must
+/// not be empty. The value must stay within 32 bits on the way.
 constexpr Span stretchInside(long long start, long long step, Bounds bounds, Span within) {
-    // As most walks do; it saves them the divisions.
+    // Most walks lie inside at both ends; that saves them the divisions.
     const auto liesInside = [=](long long x) {
         return bounds.low <= start + x * step && start + x * step < bounds.high;
     };

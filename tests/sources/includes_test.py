@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Holds the sources to the floors of the house: arrows go down only.
 
-`base` includes public headers and itself, `walks` also `base`, and a family of exported functions also `walks` and its
-own headers. None of them calls the exported functions of another family, but for the calls in ALLOWED.
+`base` includes public headers and itself, `walks` also `base`, and a subsystem of exported functions also `walks` and
+its own headers. None of them calls the exported functions of another subsystem, but for the calls in ALLOWED.
 
 With `--self-test` it is held against sources that break each of these rules.
 """
@@ -14,14 +14,14 @@ import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
-FAMILIES = "frame blit warp draw region filter math3d pipeline textured sprite".split()
+SUBSYSTEMS = "frame blit warp draw region filter math3d pipeline textured sprite".split()
 FLOORS = {"base": ["base"], "walks": ["base", "walks"]}
-FLOORS.update({family: ["base", "walks", family] for family in FAMILIES})
+FLOORS.update({subsystem: ["base", "walks", subsystem] for subsystem in SUBSYSTEMS})
 
 PRIVATE_BLOCK = "the contract has a private block be one block of the manager's"
 ONE_BODY = "a further name of the empty function, defined there"
 
-# (file, exported function of another family): the reason
+# (file, exported function of another subsystem): the reason
 ALLOWED = {
     ("frame/empty.cpp", "Blur_Parallelogram"): ONE_BODY,
     ("frame/empty.cpp", "Blur_Ring"): ONE_BODY,
@@ -30,39 +30,40 @@ ALLOWED = {
     ("textured/private_data.cpp", "FindNotUsedMemory"): PRIVATE_BLOCK,
 }
 
-CODE = re.compile(
+NOT_CODE = re.compile(
     r"""//[^\n]* | /\*.*?\*/ | "(?:\\.|[^"\\\n])*" | '(?:\\.|[^'\\\n])*'""", re.VERBOSE | re.DOTALL
 )
 
 
 def exported_functions(root):
-    """The family of each exported function, by its name."""
-    family_of = {}
-    for family in FAMILIES:
-        header = (root / "include" / "q_Mur" / f"{family}.h").read_text(encoding="utf-8")
+    """The subsystem of each exported function, by its name."""
+    subsystem_of = {}
+    for subsystem in SUBSYSTEMS:
+        header = (root / "include" / "q_Mur" / f"{subsystem}.h").read_text(encoding="utf-8")
         for name in re.findall(r"^Q_MUR_API [^;({]*?(\w+)\(", header, re.MULTILINE):
-            family_of[name] = family
-    return family_of
+            subsystem_of[name] = subsystem
+    return subsystem_of
 
 
 def includes(text):
-    """Line number and path of each header included in quotes."""
+    """Line number and path of each header of the project that is included."""
     for number, line in enumerate(text.splitlines(), 1):
-        if found := re.match(r'\s*#\s*include\s*"([^"]+)"', line):
-            yield number, found.group(1)
+        if found := re.match(r'\s*#\s*include\s*(["<])([^">]+)[">]', line):
+            if found[1] == '"' or found[2].split("/")[0] in FLOORS:
+                yield number, found[2]
 
 
-def calls(text, family_of):
+def calls(text, subsystem_of):
     """Line number and name wherever the code names an exported function."""
-    code = CODE.sub(lambda match: re.sub(r"[^\n]", " ", match.group()), text)
+    code = NOT_CODE.sub(lambda match: re.sub(r"[^\n]", " ", match.group()), text)
     for number, line in enumerate(code.splitlines(), 1):
         for name in re.findall(r"\w+", line):
-            if name in family_of:
+            if name in subsystem_of:
                 yield number, name
 
 
 def complaints(root, allowed):
-    family_of = exported_functions(root)
+    subsystem_of = exported_functions(root)
     source = root / "src"
     unused = set(allowed)
     for path in sorted(p for p in source.rglob("*") if p.suffix in (".cpp", ".h")):
@@ -77,13 +78,13 @@ def complaints(root, allowed):
             target = here if own else included.split("/")[0]
             if ".." in included or (target not in FLOORS[here] and target != "q_Mur"):
                 yield f"{name}:{number}: includes {included}, which is not below {here}"
-        for number, function in calls(text, family_of):
-            if family_of[function] == here:
+        for number, function in calls(text, subsystem_of):
+            if subsystem_of[function] == here:
                 continue
             if (name, function) in allowed:
                 unused.discard((name, function))
             else:
-                yield f"{name}:{number}: calls {function} of {family_of[function]}"
+                yield f"{name}:{number}: calls {function} of {subsystem_of[function]}"
     for name, function in sorted(unused):
         yield f"{name} may call {function} and does not: take it off the list"
 
@@ -95,7 +96,7 @@ def self_test():
         "include/q_Mur/warp.h": "Q_MUR_API int *warped(int x);\n",
         "src/base/low.h": '#include "walks/middle.h"\n#include "q_Mur/draw.h"\n',
         "src/walks/middle.h": '#include "base/low.h"\n#include "draw/own.h"\n',
-        "src/draw/own.h": '#include <vector>\n#include "walks/middle.h"\n',
+        "src/draw/own.h": '#include <vector>\n#include <warp/own.h>\n#include "walks/middle.h"\n',
         "src/draw/calls.cpp": '#include "own.h"\n// warped(1)\nvoid drawn(int, int) { warped(\n"warped(2)"); }\n',
         "src/warp/reaches.cpp": '#include "draw/own.h"\n#include "../draw/own.h"\nint *warped(int) { drawn(1, 2); }\n',
         "src/warp/allowed.cpp": "auto f = drawn;\n",
@@ -105,6 +106,7 @@ def self_test():
         "attic/lost.cpp: there is no floor of that name",
         "base/low.h:1: includes walks/middle.h, which is not below base",
         "draw/calls.cpp:3: calls warped of warp",
+        "draw/own.h:2: includes warp/own.h, which is not below draw",
         "walks/middle.h:2: includes draw/own.h, which is not below walks",
         "warp/reaches.cpp:1: includes draw/own.h, which is not below warp",
         "warp/reaches.cpp:2: includes ../draw/own.h, which is not below warp",
@@ -116,8 +118,8 @@ def self_test():
         for name, text in sources.items():
             (root / name).parent.mkdir(parents=True, exist_ok=True)
             (root / name).write_text(text, encoding="utf-8")
-        for family in FAMILIES:
-            (root / "include" / "q_Mur" / f"{family}.h").touch()
+        for subsystem in SUBSYSTEMS:
+            (root / "include" / "q_Mur" / f"{subsystem}.h").touch()
         allowed = {("warp/allowed.cpp", "drawn"): "", ("warp/unused.cpp", "drawn"): ""}
         found = list(complaints(root, allowed))
     for line in sorted(set(expected) ^ set(found)):
@@ -131,7 +133,8 @@ def main():
     functions = exported_functions(ROOT)
     listed = re.findall(r"^(?![#\s]).*?(\w+)\(", (ROOT / "exports" / "q_Mur.exports").read_text(), re.MULTILINE)
     found = list(complaints(ROOT, ALLOWED))
-    found += [f"{name} is exported, but no header of a family declares it" for name in sorted(set(listed) - set(functions))]
+    undeclared = sorted(set(listed) - set(functions))
+    found += [f"{name} is exported, but no header of a subsystem declares it" for name in undeclared]
     print("\n".join(found + [f"{len(found)} complaints"]))
     return 1 if found else 0
 
