@@ -1,6 +1,6 @@
 #include "base/wide.h"
 
-#include "frame/x87.h"
+#include "support/precision.h"
 
 #include <gtest/gtest.h>
 

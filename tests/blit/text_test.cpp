@@ -1,7 +1,6 @@
 #include "blit/text.h"
 #include "support/cases.h"
-
-#include <gtest/gtest.h>
+#include "support/pictures.h"
 
 #include <algorithm>
 #include <array>
@@ -25,11 +24,12 @@
 namespace {
 
 using test::Case;
-using test::forEachCase;
 using test::Surface;
 
 constexpr int lowest = std::numeric_limits<int>::min();
 constexpr int highest = std::numeric_limits<int>::max();
+constexpr q_ulong ground = 0x5A102030;
+constexpr q_ulong white = 0xFFFFFF;
 
 // The placing, which is common to all rasterisers, with one that delivers what a test lays down.
 
@@ -56,41 +56,16 @@ public:
     static inline bool isAlive = false;
 };
 
-/// A picture without margins, as rasterisers deliver it.
-struct Letters {
-    Letters(int columns, int rows) : width(columns), height(rows), pixels(static_cast<std::size_t>(columns * rows)) {
-        for (std::size_t i = 0; i < pixels.size(); ++i)
-            pixels[i] = static_cast<q_ulong>(0x101 * (i + 1));
-    }
-    q_ulong &at(int x, int y) { return pixels.at(static_cast<std::size_t>(y * width + x)); }
-
-    int width;
-    int height;
-    std::vector<q_ulong> pixels;
-};
-
-int drawFake(Surface &dst, Letters &letters, int x, int y, const tagRECT &clip) {
-    FakeText::letters = {letters.pixels.data(), letters.width, letters.height};
-    return qmur::drawText<FakeText>(dst.pixels(), clip, dst.pitch(), "text", 0xFFFFFF, x, y, 16, "face");
-}
-
-/// Every pixel that is not 0, but for a last odd column and row, where it lies in the clip's width and height.
-void drawNaively(Surface &dst, Letters &letters, std::int64_t x, std::int64_t y, std::int64_t clipWidth,
-                 std::int64_t clipHeight) {
-    for (int row = 0; row < letters.height - letters.height % 2; ++row)
-        for (int column = 0; column < letters.width - letters.width % 2; ++column) {
-            const std::int64_t dstX = x + column;
-            const std::int64_t dstY = y + row;
-            if (dstX < 0 || dstX >= clipWidth || dstY < 0 || dstY >= clipHeight || letters.at(column, row) == 0)
-                continue;
-            dst.at(static_cast<int>(dstX), static_cast<int>(dstY)) = letters.at(column, row);
-        }
+/// Draws a picture without margins, as rasterisers deliver it.
+int drawFake(Surface &dst, test::Pixels letters, int width, int x, int y, const tagRECT &clip) {
+    FakeText::letters = {letters.data(), width, static_cast<int>(letters.size()) / width};
+    return qmur::drawText<FakeText>(dst.pixels(), clip, dst.pitch(), "text", white, x, y, 16, "face");
 }
 
 TEST(iTextOut_placing, hands_over_text_colour_height_and_name_as_they_stand) {
     Surface dst(4, 4);
-    Letters letters(2, 2);
-    FakeText::letters = {letters.pixels.data(), 2, 2};
+    q_ulong letters[4] = {};
+    FakeText::letters = {letters, 2, 2};
     const char text[] = "words";
     const char name[] = "face";
     qmur::drawText<FakeText>(dst.pixels(), dst.rect(), dst.pitch(), text, 0x89ABCDEF, 0, 0, -17, name);
@@ -102,92 +77,31 @@ TEST(iTextOut_placing, hands_over_text_colour_height_and_name_as_they_stand) {
 }
 
 TEST(iTextOut_placing, answers_0_and_writes_nothing_without_pixels) {
-    Surface dst(4, 4, 0x11223344);
-    const Surface before = dst;
+    Surface dst(4, 4, ground);
     FakeText::letters = {nullptr, 2, 2};
-    EXPECT_EQ(qmur::drawText<FakeText>(dst.pixels(), dst.rect(), dst.pitch(), "", 0xFFFFFF, 0, 0, 16, ""), 0);
-    EXPECT_EQ(dst.differenceFrom(before), "");
+    EXPECT_EQ(qmur::drawText<FakeText>(dst.pixels(), dst.rect(), dst.pitch(), "", white, 0, 0, 16, ""), 0);
+    EXPECT_EQ(dst.differenceFrom(Surface(4, 4, ground)), "");
     EXPECT_FALSE(FakeText::isAlive);
 }
 
-TEST(iTextOut_placing, upper_left_corner_lies_on_x_and_y) {
-    Surface dst(8, 8, 0xAAAAAAAA);
-    Letters letters(4, 2);
-    Surface expected = dst;
-    for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 4; ++x)
-            expected.at(3 + x, 5 + y) = letters.at(x, y);
-    EXPECT_EQ(drawFake(dst, letters, 3, 5, dst.rect()), 1);
-    EXPECT_EQ(dst.differenceFrom(expected), "");
-}
-
 TEST(iTextOut_placing, odd_width_loses_last_column_and_odd_height_last_row) {
-    Surface dst(8, 8, 0xAAAAAAAA);
-    Letters letters(5, 3);
-    Surface expected = dst;
-    for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 4; ++x)
-            expected.at(1 + x, 2 + y) = letters.at(x, y);
-    EXPECT_EQ(drawFake(dst, letters, 1, 2, dst.rect()), 1);
+    Surface dst(8, 8, ground);
+    const Surface letters = test::numbered(5, 3);
+    const Surface expected = test::showing(dst, 1, 2, letters, {0, 0, 4, 2});
+    EXPECT_EQ(drawFake(dst, pixelsOf(letters), 5, 1, 2, dst.rect()), 1);
     EXPECT_EQ(dst.differenceFrom(expected), "");
-}
-
-TEST(iTextOut_placing, only_0_is_left_out) {
-    Surface dst(4, 2, 0x22222222);
-    Letters letters(4, 2);
-    letters.pixels = {0, 0x01000000, 0x000001, 0xFFFFFFFF, 0x800000, 0, 0x007F00, 0};
-    drawFake(dst, letters, 0, 0, dst.rect());
-    const q_ulong expected[] = {0x22222222, 0x01000000, 0x000001, 0xFFFFFFFF,
-                                0x800000,   0x22222222, 0x007F00, 0x22222222};
-    for (int i = 0; i < 8; ++i)
-        EXPECT_EQ(dst.at(i % 4, i / 4), expected[i]) << "pixel " << i;
-}
-
-TEST(iTextOut_placing, every_position_and_size_over_a_small_surface_stays_inside) {
-    const Surface empty(4, 4, 0xAAAAAAAA);
-    for (int height = 1; height <= 7; ++height)
-        for (int width = 1; width <= 7; ++width) {
-            Letters letters(width, height);
-            for (int y = -9; y <= 6; ++y)
-                for (int x = -9; x <= 6; ++x) {
-                    Surface dst = empty;
-                    Surface expected = empty;
-                    drawNaively(expected, letters, x, y, 4, 4);
-                    EXPECT_EQ(drawFake(dst, letters, x, y, dst.rect()), 1);
-                    ASSERT_EQ(dst.differenceFrom(expected), "") << width << " x " << height << " at " << x << ", " << y;
-                }
-        }
-}
-
-TEST(iTextOut_placing, of_the_clip_only_width_and_height_count) {
-    const Surface empty(6, 6, 0xAAAAAAAA);
-    Letters letters(6, 6);
-    for (const int left : {-100, -1, 0, 1, 5, 1000000})
-        for (const int top : {-100, -1, 0, 1, 5, 1000000})
-            for (int height = -1; height <= 6; ++height)
-                for (int width = -1; width <= 6; ++width) {
-                    Surface dst = empty;
-                    Surface expected = empty;
-                    drawNaively(expected, letters, 0, 0, width, height);
-                    EXPECT_EQ(drawFake(dst, letters, 0, 0, {left, top, left + width, top + height}), 1);
-                    ASSERT_EQ(dst.differenceFrom(expected), "") << width << " x " << height << " from " << left;
-                }
 }
 
 TEST(iTextOut_placing, positions_at_the_ends_of_the_numbers_draw_nothing) {
-    const Surface empty(4, 4, 0xAAAAAAAA);
-    for (int height = 1; height <= 5; ++height)
-        for (int width = 1; width <= 5; ++width) {
-            Letters letters(width, height);
-            for (int distance = 0; distance < 8; ++distance)
-                for (const int end : {lowest + distance, highest - distance}) {
-                    Surface dst = empty;
-                    EXPECT_EQ(drawFake(dst, letters, end, 0, dst.rect()), 1);
-                    EXPECT_EQ(drawFake(dst, letters, 0, end, dst.rect()), 1);
-                    EXPECT_EQ(drawFake(dst, letters, end, end, dst.rect()), 1);
-                    ASSERT_EQ(dst.differenceFrom(empty), "") << width << " x " << height << " at " << end;
-                }
-        }
+    for (int width = 1; width <= 5; ++width)
+        for (int distance = 0; distance < 8; ++distance)
+            for (const int end : {lowest + distance, highest - distance}) {
+                Surface dst(4, 4, ground);
+                const test::Pixels letters(static_cast<std::size_t>(width * (6 - width)), white);
+                for (const auto &[x, y] : {std::pair{end, 0}, {0, end}, {end, end}})
+                    EXPECT_EQ(drawFake(dst, letters, width, x, y, dst.rect()), 1);
+                ASSERT_EQ(dst.differenceFrom(Surface(4, 4, ground)), "") << width << " columns at " << end;
+            }
 }
 
 TEST(iTextOut_placing, rasters_have_pixels_and_no_more_bytes_than_an_int_counts) {
@@ -202,13 +116,14 @@ TEST(iTextOut_placing, rasters_have_pixels_and_no_more_bytes_than_an_int_counts)
     EXPECT_FALSE(qmur::canBeRaster(1LL << 40, 1LL << 40));
 }
 
+/// Every pixel that is not 0, but for a last odd column and row, where it lies in the clip's width and height.
 TEST(iTextOut_placing, agrees_with_a_naive_placing) {
-    forEachCase("iTextOut placing", [](Case &c) {
+    test::forEachCase("iTextOut placing", [](Case &c) {
         Surface dst = Surface::random(c.random);
         const int width = c.random.between(1, 16);
         const int height = c.random.between(1, 16);
-        Letters letters(width, height);
-        for (q_ulong &pixel : letters.pixels)
+        test::Pixels letters(static_cast<std::size_t>(width * height));
+        for (q_ulong &pixel : letters)
             pixel = c.random.pixel();
         const int x = c.random.between(-18, 18);
         const int y = c.random.between(-18, 18);
@@ -217,17 +132,21 @@ TEST(iTextOut_placing, agrees_with_a_naive_placing) {
         const int clipWidth = c.random.between(-1, dst.width());
         const int clipHeight = c.random.between(-1, dst.height());
         Surface expected = dst;
-        drawNaively(expected, letters, x, y, clipWidth, clipHeight);
-        const int result = drawFake(dst, letters, x, y, {left, top, left + clipWidth, top + clipHeight});
+        for (int row = 0; row < height - height % 2; ++row)
+            for (int column = 0; column < width - width % 2; ++column) {
+                const q_ulong pixel = letters[static_cast<std::size_t>(row * width + column)];
+                const int dstX = x + column;
+                const int dstY = y + row;
+                if (dstX >= 0 && dstX < clipWidth && dstY >= 0 && dstY < clipHeight && pixel != 0)
+                    expected.at(dstX, dstY) = pixel;
+            }
+        const int result = drawFake(dst, letters, width, x, y, {left, top, left + clipWidth, top + clipHeight});
         c.expectEqual(std::int64_t{result}, std::int64_t{1});
         c.expectEqual(dst, expected);
     });
 }
 
 // The function itself, with the platform's letters.
-
-constexpr q_ulong ground = 0x5A102030;
-constexpr q_ulong white = 0xFFFFFF;
 
 int write(Surface &dst, std::string text, q_ulong colour, int x, int y, int fontHeight, std::string face) {
     tagRECT clip = dst.rect();
@@ -318,8 +237,7 @@ TEST(iTextOut, colour_has_red_in_its_lowest_byte) {
 }
 
 TEST(iTextOut, colour_0_draws_nothing_and_answers_1) {
-    const Surface before(400, 200, ground);
-    EXPECT_EQ(page("HHH", 40, sans, 0).differenceFrom(before), "");
+    EXPECT_EQ(page("HHH", 40, sans, 0).differenceFrom(Surface(400, 200, ground)), "");
 }
 
 TEST(iTextOut, edges_are_smooth_and_replace_what_lies_below) {
@@ -345,11 +263,9 @@ TEST(iTextOut, edges_are_smooth_and_replace_what_lies_below) {
 TEST(iTextOut, the_hole_of_a_letter_stays) {
     const Surface surface = page("O", 60);
     const tagRECT ink = inkOf(surface);
-    const int middleX = static_cast<int>(ink.left + ink.right) / 2;
-    const int middleY = static_cast<int>(ink.top + ink.bottom) / 2;
-    for (int y = middleY - 3; y <= middleY + 3; ++y)
-        for (int x = middleX - 3; x <= middleX + 3; ++x)
-            EXPECT_FALSE(isInked(surface, x, y));
+    for (int i = 0; i < 49; ++i)
+        EXPECT_FALSE(isInked(surface, static_cast<int>(ink.left + ink.right) / 2 - 3 + i % 7,
+                             static_cast<int>(ink.top + ink.bottom) / 2 - 3 + i / 7));
     EXPECT_GT(countOf(surface, white), 200);
 }
 
@@ -357,9 +273,8 @@ TEST(iTextOut, letters_are_bold) {
     // A stem of this face has less than an eighth of the line's height in the regular weight, more in the bold one.
     const Surface surface = page("I", 100);
     const tagRECT ink = inkOf(surface);
-    int thickness = 0;
-    for (int x = 0; x < surface.width(); ++x)
-        thickness += surface.at(x, static_cast<int>(ink.top + ink.bottom) / 2) == white;
+    const test::Pixels row = rowIn(surface, static_cast<int>(ink.top + ink.bottom) / 2);
+    const auto thickness = std::count(row.begin(), row.end(), white);
     EXPECT_GE(thickness, 13);
     EXPECT_LE(thickness, 25);
 }
@@ -370,17 +285,13 @@ TEST(iTextOut, the_name_chooses_the_face) {
     EXPECT_LT(endOf("iiii|", sans), endOf("WWWW|", sans));
 }
 
-TEST(iTextOut, an_unknown_or_empty_name_falls_back) {
-    const std::string longName(5000, 'n');
+TEST(iTextOut, an_unknown_empty_or_missing_name_falls_back) {
     for (const std::string &face :
-         {std::string("There Is No Such Face"), std::string(), longName, std::string("\xFF\xC3")}) {
+         {std::string("There Is No Such Face"), std::string(), std::string(5000, 'n'), std::string("\xFF\xC3")}) {
         const tagRECT ink = inkOf(page("Hxg", 40, face));
         EXPECT_GT(ink.right - ink.left, 20);
         EXPECT_GT(ink.bottom - ink.top, 15);
     }
-}
-
-TEST(iTextOut, a_missing_name_falls_back) {
     Surface surface(200, 80, ground);
     tagRECT clip = surface.rect();
     char text[] = "Hxg";
@@ -396,24 +307,19 @@ TEST(iTextOut, height_0_is_what_is_usual) {
 
 TEST(iTextOut, empty_text_answers_0_and_writes_nothing) {
     Surface surface(60, 40, ground);
-    const Surface before = surface;
     EXPECT_EQ(write(surface, "", white, 0, 0, 16, sans), 0);
-    EXPECT_EQ(surface.differenceFrom(before), "");
     tagRECT clip = surface.rect();
     char face[] = "";
     EXPECT_EQ(iTextOut(surface.pixels(), &clip, surface.pitch(), nullptr, white, 0, 0, 16, face), 0);
-    EXPECT_EQ(surface.differenceFrom(before), "");
+    EXPECT_EQ(surface.differenceFrom(Surface(60, 40, ground)), "");
 }
 
 TEST(iTextOut, beyond_the_clip_answers_1_and_writes_nothing) {
-    const Surface before(60, 40, ground);
-    const struct {
-        int x, y;
-    } places[] = {{60, 0}, {0, 40}, {-2000, 0}, {0, -2000}, {lowest, lowest}, {highest, highest}, {highest - 5, 3}};
-    for (const auto &place : places) {
-        Surface surface = before;
-        EXPECT_EQ(write(surface, "HHH", white, place.x, place.y, 16, sans), 1);
-        EXPECT_EQ(surface.differenceFrom(before), "") << place.x << ", " << place.y;
+    Surface surface(60, 40, ground);
+    for (const auto &[x, y] :
+         {std::pair{60, 0}, {0, 40}, {-2000, 0}, {0, -2000}, {lowest, lowest}, {highest, highest}, {highest - 5, 3}}) {
+        EXPECT_EQ(write(surface, "HHH", white, x, y, 16, sans), 1);
+        EXPECT_EQ(surface.differenceFrom(Surface(60, 40, ground)), "") << x << ", " << y;
     }
 }
 
@@ -424,12 +330,9 @@ TEST(iTextOut, every_side_of_the_clip_cuts_what_would_stand_there) {
             Surface surface(40, 20, ground);
             Surface expected = surface;
             for (int row = 0; row < 20; ++row)
-                for (int column = 0; column < 40; ++column) {
-                    const int fromX = column - x + 20;
-                    const int fromY = row - y + 30;
-                    if (fromX >= 0 && fromX < whole.width() && fromY >= 0 && fromY < whole.height())
-                        expected.at(column, row) = whole.at(fromX, fromY);
-                }
+                for (int column = 0; column < 40; ++column)
+                    if (row - y + 30 >= 0 && column - x + 20 >= 0)
+                        expected.at(column, row) = whole.at(column - x + 20, row - y + 30);
             EXPECT_EQ(write(surface, "Hxg", white, x, y, 30, sans), 1);
             EXPECT_EQ(surface.differenceFrom(expected), "") << x << ", " << y;
         }
@@ -550,8 +453,7 @@ TEST(iTextOut, an_ampersand_before_a_break_is_dropped_and_one_at_the_end_is_a_ch
 
 TEST(iTextOut, equal_calls_write_equal_bytes_also_at_the_same_time) {
     const Surface expected = page("Quartz");
-    std::array<Surface, 4> surfaces = {Surface(400, 200, ground), Surface(400, 200, ground), Surface(400, 200, ground),
-                                       Surface(400, 200, ground)};
+    std::vector<Surface> surfaces(4, Surface(400, 200, ground));
     std::vector<std::thread> threads;
     for (Surface &surface : surfaces)
         threads.emplace_back([&surface] {
@@ -564,23 +466,22 @@ TEST(iTextOut, equal_calls_write_equal_bytes_also_at_the_same_time) {
         EXPECT_EQ(surface.differenceFrom(expected), "");
 }
 
+/// Whether a call answers 0 or 1, writes nothing with an answer of 0, and never beside a clip of 10 by 8.
+void expectInside(const std::string &text, q_ulong colour, int x, int y, int fontHeight, const std::string &face) {
+    const Surface before(30, 20, ground);
+    Surface surface = before;
+    tagRECT clip = {0, 0, 10, 8};
+    const int result = iTextOut(surface.pixels(), &clip, surface.pitch(), std::string(text).data(), colour, x, y,
+                                fontHeight, std::string(face).data());
+    EXPECT_TRUE(result == 0 || result == 1);
+    const tagRECT unwritten = {0, 0, result == 0 ? 0 : 10, 8};
+    EXPECT_EQ(test::showing(surface, 0, 0, before, unwritten).differenceFrom(before), "");
+}
+
 TEST(iTextOut, sizes_beyond_reason_write_inside_the_clip_or_nothing) {
     for (const int height : {lowest, lowest + 1, -1000000, -70000, -30000, -1, 1, 2, 30000, 70000, 1000000, highest}) {
-        Surface surface(30, 20, ground);
-        const Surface before = surface;
-        tagRECT clip = {0, 0, 10, 8};
-        char text[] = "AgW.";
-        char face[] = "DejaVu Sans";
-        const int result = iTextOut(surface.pixels(), &clip, surface.pitch(), text, white, -4, -3, height, face);
-        EXPECT_TRUE(result == 0 || result == 1) << height;
-        if (result == 0) {
-            EXPECT_EQ(surface.differenceFrom(before), "") << height;
-        }
-        for (int y = -Surface::margin; y < 20 + Surface::margin; ++y)
-            for (int x = -Surface::margin; x < 30 + Surface::margin; ++x)
-                if (x < 0 || x >= 10 || y < 0 || y >= 8) {
-                    ASSERT_EQ(surface.at(x, y), ground) << height << ": " << x << ", " << y;
-                }
+        SCOPED_TRACE(height);
+        expectInside("AgW.", white, -4, -3, height, sans);
     }
 }
 
@@ -634,6 +535,7 @@ TEST(iTextOut, each_call_gives_its_objects_back) {
 
 TEST(iTextOut, any_bytes_stay_inside_the_clip) {
     for (int seed = 0; seed < 300; ++seed) {
+        SCOPED_TRACE(seed);
         test::Random random(static_cast<std::uint64_t>(seed));
         const auto bytes = [&random](int most) {
             std::string text(static_cast<std::size_t>(random.between(0, most)), ' ');
@@ -642,22 +544,9 @@ TEST(iTextOut, any_bytes_stay_inside_the_clip) {
                     static_cast<char>(random.oneIn(6) ? "&\n\r\t "[random.between(0, 4)] : random.between(1, 255));
             return text;
         };
-        const std::string text = bytes(24);
         const std::string face = random.oneIn(2) ? bytes(40) : std::string(mono);
-        Surface surface(40, 24, ground);
-        const Surface before = surface;
-        const int x = random.between(-60, 45);
-        const int y = random.between(-40, 30);
-        const int result = write(surface, text, random.word(), x, y, random.between(-40, 40), face);
-        EXPECT_TRUE(result == 0 || result == 1) << seed;
-        if (result == 0) {
-            EXPECT_EQ(surface.differenceFrom(before), "") << seed;
-        }
-        for (int row = -Surface::margin; row < 24 + Surface::margin; ++row)
-            for (int column = -Surface::margin; column < 40 + Surface::margin; ++column)
-                if (column < 0 || column >= 40 || row < 0 || row >= 24) {
-                    ASSERT_EQ(surface.at(column, row), ground) << seed;
-                }
+        expectInside(bytes(24), random.word(), random.between(-60, 15), random.between(-40, 14),
+                     random.between(-40, 40), face);
     }
 }
 
@@ -665,12 +554,11 @@ TEST(iTextOut, any_bytes_stay_inside_the_clip) {
 
 TEST(iTextOut, without_a_rasteriser_answers_0_and_draws_nothing) {
     Surface surface(200, 60, ground);
-    const Surface before = surface;
     for (const char *text : {"Hxg", "", "a longer text\nin two lines"})
         for (const char *face : {"DejaVu Sans", "There Is No Such Face", ""})
             for (const int height : {-40, 0, 1, 16, 40})
                 EXPECT_EQ(write(surface, text, white, 2, 3, height, face), 0) << text;
-    EXPECT_EQ(surface.differenceFrom(before), "");
+    EXPECT_EQ(surface.differenceFrom(Surface(200, 60, ground)), "");
 }
 
 #endif

@@ -1,6 +1,6 @@
 #include "frame/at_load.h"
 #include "frame/generator.h"
-#include "frame/x87.h"
+#include "support/precision.h"
 #include "plain/frame.h"
 #include "support/cases.h"
 

@@ -1,5 +1,5 @@
 #include "frame/at_load.h"
-#include "frame/x87.h"
+#include "support/precision.h"
 #include "support/cases.h"
 
 #include <gtest/gtest.h>
