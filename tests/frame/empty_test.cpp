@@ -6,12 +6,10 @@
 
 namespace {
 
-using test::Surface;
-
 TEST(EmptyFunctions, change_nothing_whatever_their_arguments) {
     test::Random random(1);
-    const Surface before = Surface::randomOfSize(random, 8, 8);
-    Surface surface = before;
+    const auto before = test::Surface::randomOfSize(random, 8, 8);
+    test::Surface surface = before;
     tagRECT rect = surface.rect();
     Blur_Ring(surface.pixels(), {4, 4}, 1, 3, 8, surface.pitch());
     Blur_Parallelogram(surface.pixels(), 0, 1, 2, 3, 4, 5, &rect, 8, surface.pitch());
