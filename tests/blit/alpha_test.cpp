@@ -45,13 +45,10 @@ q_ulong centredChannelBlend(q_ulong d, q_ulong s) {
     return d;
 }
 
-TEST(iBltFast32Alpha, alpha_1_writes_the_source_colours_and_alpha_0_keeps_the_destinations_with_top_byte_0) {
+TEST(iBltFast32Alpha, alpha_goes_in_truncated_steps_of_1_in_256_from_the_destination_to_the_source_with_top_byte_0) {
     EXPECT_EQ(offsetBlend(0xAB102030, 0xCD405060, 1.0F), 0x00405060u);
     EXPECT_EQ(offsetBlend(0xFFFFFFFF, 0, 1.0F), 0u);
     EXPECT_EQ(offsetBlend(0xAB102030, 0xCD405060, 0.0F), 0x00102030u);
-}
-
-TEST(iBltFast32Alpha, alpha_is_truncated_to_steps_of_1_in_256) {
     EXPECT_EQ(offsetBlend(0, 0xFFFFFF, 0.0039F), 0u);            // 0.9984 of a step
     EXPECT_EQ(offsetBlend(0, 0xFFFFFF, 0.999F), 0x00FEFEFEu);    // 255 steps: 255 * 255 / 256
     EXPECT_EQ(offsetBlend(0xFFFFFF, 0, -0.0039F), 0x00FFFFFFu);  // toward zero from below, too
@@ -105,16 +102,13 @@ TEST(iBltBilinear32_Alpha, positions_have_20_fraction_bits) {
     EXPECT_EQ(pixels[43691], 0x30u);
 }
 
-TEST(iBltBilinear32_Alpha, below_0_blue_runs_through_green_and_red_and_leaves_the_top_byte_0) {
+TEST(iBltBilinear32_Alpha, outside_0_to_1_blue_runs_through_green_and_red_and_leaves_the_top_byte_0) {
     // 1 * 512 - 3 * 256 = -256, which is 0xFFFFFF00 as a word
     EXPECT_EQ(filteredBlend(0x000001, 0x000003, -1.0F), 0x00FFFFFFu);
     // Blue 0 * 512 - 1 * 256 = -256 covers red and green, whatever they are.
     EXPECT_EQ(filteredBlend(0xFF102000, 0x010101, -1.0F), 0x00FFFFFFu);
     // Green 0 * 512 - 1 * 256 stays in its place: under its mask 0xFF00 is left of 0xFFFFFF00.
     EXPECT_EQ(filteredBlend(0xFF000000, 0x000100, -1.0F), 0x0000FF00u);
-}
-
-TEST(iBltBilinear32_Alpha, beyond_1_red_and_green_wrap_in_place_and_blue_runs_upward) {
     // Doubled: red and green 0x80 give 0x100, of which their masks leave nothing; blue 0xFF gives 0x1FE.
     EXPECT_EQ(filteredBlend(0, 0x808000, 2.0F), 0u);
     EXPECT_EQ(filteredBlend(0, 0x0000FF, 2.0F), 0x000001FEu);
@@ -137,13 +131,10 @@ TEST(iBltFast32_KeySrc_Alpha, the_key_is_0_whatever_the_argument_says) {
     EXPECT_EQ(keyedHalfMix(0xAB102030, 0x01000000, 0x01000000), 0x00081018u);
 }
 
-TEST(iBltFast32SafeAlpha_Channel, alpha_255_copies_the_pixel_and_254_clears_the_top_byte) {
+TEST(iBltFast32SafeAlpha_Channel, alpha_255_copies_the_pixel_254_clears_the_top_byte_and_0_dims_the_destination) {
     EXPECT_EQ(centredChannelBlend(0x12345678, 0xFFABCDEF), 0xFFABCDEFu);
     EXPECT_EQ(centredChannelBlend(0x12345678, 0xFEABCDEF) >> 24, 0u);
-    EXPECT_EQ(centredChannelBlend(0, 0xFEFFFFFF), 0x00FDFDFDu); // 255 * 254 / 256
-}
-
-TEST(iBltFast32SafeAlpha_Channel, a_colour_of_alpha_0_dims_the_destination_and_0_leaves_it) {
+    EXPECT_EQ(centredChannelBlend(0, 0xFEFFFFFF), 0x00FDFDFDu);          // 255 * 254 / 256
     EXPECT_EQ(centredChannelBlend(0xAAFF8001, 0x00000001), 0x00FE7F00u); // times 255 / 256
     EXPECT_EQ(centredChannelBlend(0xAAFF8001, 0), 0xAAFF8001u);
 }
@@ -173,16 +164,13 @@ q_ulong softened(q_ulong d, q_ulong s, const Rows &rows) {
     return dst.at(0, 0);
 }
 
-TEST(iBltFast32SafeKeySrcAntiAliasing, a_lone_pixel_keeps_the_destination_colours_and_clears_the_top_byte) {
+TEST(iBltFast32SafeKeySrcAntiAliasing, a_lone_pixel_is_transparent_and_one_between_four_is_copied_whole) {
     EXPECT_EQ(softened(0xAB102030, 0xFFFFFFFF, {"...", "...", "..."}), 0x00102030u);
-}
-
-TEST(iBltFast32SafeKeySrcAntiAliasing, four_direct_neighbours_copy_the_pixel_whole) {
     EXPECT_EQ(softened(0xAB102030, 0xCD405060, {".#.", "#.#", ".#."}), 0xCD405060u);
     EXPECT_EQ(softened(0xAB102030, 0xCD405060, {"###", "#.#", "###"}), 0xCD405060u);
 }
 
-TEST(iBltFast32SafeKeySrcAntiAliasing, coverage_grows_by_42_with_each_pixel_of_the_block) {
+TEST(iBltFast32SafeKeySrcAntiAliasing, coverage_grows_by_42_with_each_pixel_of_the_block_until_it_wraps) {
     // White over black: 255 * 42 * (n - 1) / 256 for n from 2 to 7, the four direct neighbours never complete.
     constexpr q_ulong white = 0x00FFFFFF;
     EXPECT_EQ(softened(0, white, {"#..", "...", "..."}), 0x292929u);
@@ -191,9 +179,6 @@ TEST(iBltFast32SafeKeySrcAntiAliasing, coverage_grows_by_42_with_each_pixel_of_t
     EXPECT_EQ(softened(0, white, {"#.#", "...", "#.#"}), 0xA7A7A7u);
     EXPECT_EQ(softened(0, white, {"###", "...", "#.#"}), 0xD1D1D1u);
     EXPECT_EQ(softened(0, white, {"###", "#..", "#.#"}), 0xFBFBFBu);
-}
-
-TEST(iBltFast32SafeKeySrcAntiAliasing, eight_pixels_of_the_block_exceed_full_coverage_and_wrap) {
     // Coverage 294 and weight -38. 0xFF * 294 = 0x124DA: red loses what stands above the word and keeps 0x24, green's
     // mask keeps 0x24, and blue's 0x124 is or-ed with it.
     EXPECT_EQ(softened(0, 0x00FFFFFF, {"###", "..#", "###"}), 0x00242524u);

@@ -53,36 +53,30 @@ TEST(iLine_AntiAliasing, ends_that_coincide_draw_nothing_in_any_member) {
 
 const Colours solidAndBlended = {{'.', 0xFF112233}, {'#', 0x00ABCDEF}, {'o', 0x00112233}};
 
-TEST(iLine_AntiAliasing, equal_extents_run_along_y) {
+TEST(iLine_AntiAliasing, equal_extents_run_along_y_and_an_upright_line_is_solid_and_clears_the_top_bytes_beside_it) {
     // The second edge lies beside the first, not below.
     EXPECT_EQ(rowsOf(lineOn(Surface(6, 6, 0xFF112233), plainLine, {1, 1, 3, 3}, 0xABCDEF, 1), solidAndBlended),
               (Rows{"......", ".#o...", "..#o..", "...#o.", "......", "......"}));
     EXPECT_EQ(rowsOf(lineOn(Surface(6, 6, 0xFF112233), plainLine, {1, 3, 3, 1}, 0xABCDEF, 1), solidAndBlended),
               (Rows{"......", "...#o.", "..#o..", ".#o...", "......", "......"}));
-}
-
-TEST(iLine_AntiAliasing, vertical_line_of_width_1_is_solid_and_clears_the_top_bytes_beside_it) {
     EXPECT_EQ(rowsOf(lineOn(Surface(5, 5, 0xFF112233), plainLine, {2, 3, 2, 1}, 0x77ABCDEF, 1), solidAndBlended),
               (Rows{".....", "..#o.", "..#o.", "..#o.", "....."}));
 }
 
-TEST(iLine_AntiAliasing, half_a_pixel_splits_the_colour_between_both_edges) {
+TEST(iLine_AntiAliasing, slopes_split_the_colour_between_both_edges_and_are_truncated_towards_zero) {
     const Surface surface = lineOn(Surface(10, 10), plainLine, {2, 3, 4, 4}, 0xFF8001, 1); // slope 128
     EXPECT_EQ(surface.at(2, 3), 0xFF8001u);
     EXPECT_EQ(surface.at(3, 3), 0x7F4000u); // 255 * 128 / 256 = 127.5
     EXPECT_EQ(surface.at(3, 4), 0x7F4000u);
     EXPECT_EQ(surface.at(4, 4), 0xFF8001u);
     EXPECT_EQ(surface.at(4, 3), 0u);
-}
-
-TEST(iLine_AntiAliasing, slopes_are_truncated_towards_zero) {
     // -256 / 3 is -85, so the fractions are 256 - 85 and 256 - 170; rounding down would give -86.
-    const Surface surface = lineOn(Surface(12, 12), plainLine, {2, 6, 5, 5}, 0xFF, 1);
-    EXPECT_EQ(surface.at(3, 5), 255u * 85 / 256);
-    EXPECT_EQ(surface.at(3, 6), 255u * 171 / 256);
-    EXPECT_EQ(surface.at(4, 5), 255u * 170 / 256);
-    EXPECT_EQ(surface.at(5, 5), 255u * 255 / 256);
-    EXPECT_EQ(surface.at(5, 6), 255u * 1 / 256);
+    const Surface flat = lineOn(Surface(12, 12), plainLine, {2, 6, 5, 5}, 0xFF, 1);
+    EXPECT_EQ(flat.at(3, 5), 255u * 85 / 256);
+    EXPECT_EQ(flat.at(3, 6), 255u * 171 / 256);
+    EXPECT_EQ(flat.at(4, 5), 255u * 170 / 256);
+    EXPECT_EQ(flat.at(5, 5), 255u * 255 / 256);
+    EXPECT_EQ(flat.at(5, 6), 255u * 1 / 256);
 }
 
 TEST(iLine_AntiAliasing, major_axis_reaches_its_limit_while_the_minor_position_stays_below_it) {
@@ -121,25 +115,19 @@ TEST(iLine_AntiAliasing, width_spreads_the_edges_around_the_core) {
     EXPECT_EQ(rowsOf(surface, colours), (Rows{none, none, none, "..#ccco..", "..#ccco..", none, none, none}));
 }
 
-TEST(iLine_AntiAliasing, width_0_blends_the_second_edge_onto_the_first) {
+TEST(iLine_AntiAliasing, width_0_blends_the_second_edge_onto_the_first_and_reaches_the_right_and_bottom_side_less_one) {
     // Half a pixel: 200 half over 0 is 100, and 200 half over that 150.
     const Surface surface = lineOn(Surface(10, 10), plainLine, {2, 3, 4, 4}, 200, 0);
     EXPECT_EQ(surface.at(3, 3), 150u);
     EXPECT_EQ(surface.at(3, 4), 0u);
-}
-
-TEST(iLine_AntiAliasing, width_0_reaches_the_right_and_bottom_side_less_one) {
     const auto rowDrawn = [](int y) { return rowIn(lineOn(Surface(6, 6), plainLine, {-5, y, 15, y}, 0xFF, 0), y); };
     EXPECT_EQ(rowDrawn(4), (Pixels{0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
     EXPECT_EQ(rowDrawn(5), Pixels(6, 0));
 }
 
-TEST(iLine_AntiAliasing_Alpha, white_drawn_over_white_settles_at_0xF8_in_the_core) {
+TEST(iLine_AntiAliasing_Alpha, white_over_white_settles_at_0xF8_in_the_core_and_edges_are_an_eighth_of_that_coverage) {
     EXPECT_EQ(drawnOver(iLine_AntiAliasing_Alpha, 0xFFFFFFFF, 0xFFFFFF, 3), 0x00F8F8F8u);
     EXPECT_EQ(drawnOver(iLine_AntiAliasing_Alpha, 0x00F8F8F8, 0xFFFFFF, 3), 0x00F8F8F8u);
-}
-
-TEST(iLine_AntiAliasing_Alpha, edges_are_an_eighth_of_full_coverage_at_most) {
     EXPECT_EQ(drawnOver(iLine_AntiAliasing_Alpha, 0xFF000000, 0xFF8008, 1), 0x001F1001u); // 255 * 32 / 256 = 31.9
 }
 

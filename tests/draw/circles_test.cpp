@@ -57,12 +57,9 @@ TEST(iFill_Circle_Alpha, alpha_0_keeps_the_colours_and_clears_the_top_bytes_of_t
               (Rows{".....", "..o..", ".ooo.", "..o..", "....."}));
 }
 
-TEST(iFill_Circle_Alpha, alpha_256_is_opaque_and_128_half) {
+TEST(iFill_Circle_Alpha, alpha_256_is_opaque_128_half_and_outside_0_to_256_each_channel_wraps_within_its_byte) {
     EXPECT_EQ(blendedOver(0xFF123456, 0x77ABCDEF, 256), 0x00ABCDEFu);
     EXPECT_EQ(blendedOver(0xFFFF0001, 0x7700FF02, 128), 0x007F7F01u);
-}
-
-TEST(iFill_Circle_Alpha, outside_0_to_256_each_channel_wraps_within_its_byte) {
     EXPECT_EQ(blendedOver(0x000001, 0x0000FF, 512), 0x0000FDu);  // 255 * 512 - 256 is 510 - 1 in 1/256
     EXPECT_EQ(blendedOver(0x0000FF, 0x000001, 512), 0x000003u);  // 2 - 255 is -253
     EXPECT_EQ(blendedOver(0x204060, 0x010203, -256), 0x3F7EBDu); // twice the old less the colour

@@ -31,13 +31,10 @@ TEST(DDLine_Fat, half_width_0_is_a_black_line_and_below_0_there_is_none) {
         EXPECT_EQ(rowsOf(fatOn(Surface(5, 3, old), 1, 1, 3, 1, 0xFFFFFF, halfWidth), shades), Rows(3, "....."));
 }
 
-TEST(DDLine_Fat, a_first_end_outside_along_the_major_axis_draws_nothing) {
+TEST(DDLine_Fat, a_first_end_outside_along_the_major_axis_draws_nothing_and_a_second_one_the_part_inside) {
     const Surface fresh(9, 9, old);
     for (const auto &[x1, y1, x2, y2] : {std::array{4, -1, 4, 8}, {4, 9, 4, 0}, {-1, 4, 8, 4}, {9, 4, 0, 4}})
         EXPECT_EQ(fatOn(fresh, x1, y1, x2, y2, 0xFFFFFF, 2).differenceFrom(fresh), "") << x1 << ", " << y1;
-}
-
-TEST(DDLine_Fat, a_second_end_outside_draws_the_part_inside) {
     EXPECT_EQ(rowsOf(fatOn(Surface(5, 5, old), 2, 2, 2, 20, 0x808080, 1), shades),
               (Rows{".....", ".....", ".bwb.", ".bwb.", ".bwb."}));
 }
@@ -72,17 +69,11 @@ Surface changingOn(const Surface &surface, int x1, int y1, int x2, int y2, q_ulo
 TEST(DDLine_Color_Change, the_second_pixel_repeats_the_first_colour_and_the_second_colour_is_not_reached) {
     EXPECT_EQ(rowIn(changingOn(Surface(7, 1, old), 1, 0, 5, 0, 0x77004000, 0x77000080), 0),
               (Pixels{old, 0x77004000, 0x00004000, 0x00003020, 0x00002040, 0x00001060, old}));
-}
-
-TEST(DDLine_Color_Change, ends_that_coincide_write_one_pixel_as_given) {
     EXPECT_EQ(rowIn(changingOn(Surface(3, 1, old), 1, 0, 1, 0, 0x12345678, 0), 0), (Pixels{old, 0x12345678, old}));
 }
 
-TEST(DDLine_Color_Change, falling_channels_are_truncated_towards_zero) {
+TEST(DDLine_Color_Change, falling_channels_are_truncated_towards_zero_and_a_top_byte_bends_the_change_of_red) {
     EXPECT_EQ(rowIn(changingOn(Surface(5, 1), 0, 0, 4, 0, 0x010101, 0), 0), Pixels(5, 0x010101));
-}
-
-TEST(DDLine_Color_Change, a_top_byte_bends_the_change_of_red) {
     // Upper halves go from 0 to 256 in four steps.
     EXPECT_EQ(rowIn(changingOn(Surface(5, 1, old), 0, 0, 4, 0, 0, 0x01000000), 0),
               (Pixels{0, 0, 0x400000, 0x800000, 0xC00000}));

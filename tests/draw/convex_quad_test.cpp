@@ -30,45 +30,27 @@ Rows rowsOfQuad(const Corners &corners) {
     return rowsOf(quad(corners), {{'.', 0}, {'#', 0xFF123456}});
 }
 
-TEST(DecisionLine2, is_1_to_the_left_of_a_line_that_goes_down) {
+TEST(DecisionLine2, is_1_to_the_left_of_a_line_that_goes_down_and_wraps_otherwise_than_DecisionLine) {
     EXPECT_EQ(decide(2, 5, 3, 0, 3, 10), 1);
     EXPECT_EQ(decide(4, 5, 3, 0, 3, 10), 0);
     EXPECT_EQ(decide(3, 5, 3, 0, 3, 10), 0);
     EXPECT_EQ(decide(4, 5, 3, 10, 3, 0), 1);
     EXPECT_EQ(decide(-1, 0, 0, 0, 0, 10), 1);
-}
-
-TEST(DecisionLine2, wrapped_products_part_it_from_DecisionLine) {
     // 65536 * 32768 wraps to the least number of all, and so does its negation.
     EXPECT_EQ(decide(1, 65536, 0, 0, 32768, 1), 0);       // INT_MIN > 1
     EXPECT_EQ(decideTurned(1, 65536, 0, 0, 32768, 1), 1); // INT_MIN < -1
 }
 
-TEST(DecisionLine2, has_three_names) {
-    // Through volatile, for a compiler may take two declarations for two functions.
-    using Decision = int (*)(int *, int *, int *, int *, int *, int *);
-    const auto addressOf = [](Decision function) {
-        const volatile Decision address = function;
-        return Decision{address};
-    };
-    EXPECT_EQ(addressOf(&DecisionLine2), addressOf(&DecisionLines));
-    EXPECT_EQ(addressOf(&DecisionLine2), addressOf(&VKD_DecisionLines));
-    EXPECT_NE(addressOf(&DecisionLine2), addressOf(&DecisionLine));
-}
-
-TEST(Rect_Safe, four_equal_corners_paint_one_pixel_inside_the_clip) {
-    const Corners corners = {{{3, 4}, {3, 4}, {3, 4}, {3, 4}}};
-    Surface expected(12, 10);
-    EXPECT_EQ(quad(corners, {4, 0, 8, 8}).differenceFrom(expected), "");
-    expected.at(3, 4) = 0xFF123456;
-    EXPECT_EQ(quad(corners).differenceFrom(expected), "");
-}
-
-TEST(Rect_Safe, corners_on_one_row_paint_that_row_alone) {
+TEST(Rect_Safe, corners_on_one_row_paint_that_row_alone_and_equal_ones_one_pixel) {
     // All sides are 0: each band runs from the first corner to the corner that the band starts at.
     Rows expected(10, "............");
     expected[2] = "..########..";
     EXPECT_EQ(rowsOfQuad({{{2, 2}, {9, 2}, {5, 2}, {7, 2}}}), expected);
+    const Corners corners = {{{3, 4}, {3, 4}, {3, 4}, {3, 4}}};
+    EXPECT_EQ(quad(corners, {4, 0, 8, 8}).differenceFrom(Surface(12, 10)), "");
+    expected.assign(10, "............");
+    expected[4] = "...#........";
+    EXPECT_EQ(rowsOfQuad(corners), expected);
 }
 
 TEST(Rect_Safe, two_corners_on_the_left_leave_the_right_side_one_pixel_narrower_below_the_first) {

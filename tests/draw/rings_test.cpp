@@ -22,27 +22,22 @@ TEST(Draw_Anti_Aliasing_Circle_NoFillInside, full_colour_on_the_circle_and_nothi
         EXPECT_EQ(axis[21], 0u);
     }
     EXPECT_EQ(surface.at(15 + 6, 15 + 8), 0x80FF40u);
+    // (0x100 + 0x301) / 2 is 0x200
+    EXPECT_EQ(softOn(Surface(31, 31, 0x01000000), 15, 15, 10, 2, 0x030100FE).at(27, 15), 0x0200007Fu);
 }
 
-TEST(Draw_Anti_Aliasing_Circle_NoFillInside, a_centre_inside_the_band_is_blended_four_times) {
+TEST(Draw_Anti_Aliasing_Circle_NoFillInside,
+     a_centre_inside_the_band_is_blended_four_times_and_radius_0_has_its_peak_there) {
     // Radius 1, thickness 1: half a band away, and 0, 100, 150, 175, 187 are the steps to 200. The table, at a quarter
     // of a square, has no distances between 0 and 2.
     const Surface surface = softOn(Surface(9, 9), 4, 4, 1, 1, 200);
     EXPECT_EQ(surface.at(4, 4), 187u);
     EXPECT_EQ(surface.at(5, 4), 100u); // once
     EXPECT_EQ(surface.at(6, 4), 100u);
-}
-
-TEST(Draw_Anti_Aliasing_Circle_NoFillInside, radius_0_has_its_peak_at_the_centre) {
-    const Surface surface = softOn(Surface(9, 9, 0xFF000000), 4, 4, 0, 1, 0x0000C8);
-    EXPECT_EQ(surface.at(4, 4), 0x000000C8u); // full weight replaces the top byte too
-    EXPECT_EQ(surface.at(3, 4), 0x000000C8u); // a square of 1 has the table's distance of 0
-    EXPECT_EQ(surface.at(2, 4), 0xFF000000u);
-}
-
-TEST(Draw_Anti_Aliasing_Circle_NoFillInside, red_is_blended_together_with_the_top_byte) {
-    // (0x100 + 0x301) / 2 is 0x200
-    EXPECT_EQ(softOn(Surface(31, 31, 0x01000000), 15, 15, 10, 2, 0x030100FE).at(27, 15), 0x0200007Fu);
+    const Surface dot = softOn(Surface(9, 9, 0xFF000000), 4, 4, 0, 1, 0x0000C8);
+    EXPECT_EQ(dot.at(4, 4), 0x000000C8u); // full weight replaces the top byte too
+    EXPECT_EQ(dot.at(3, 4), 0x000000C8u); // a square of 1 has the table's distance of 0
+    EXPECT_EQ(dot.at(2, 4), 0xFF000000u);
 }
 
 TEST(Draw_Anti_Aliasing_Circle_NoFillInside, a_band_may_reach_181_pixels_from_its_centre) {
@@ -72,14 +67,11 @@ TEST(Rings, of_a_thickness_below_1_are_not_drawn) {
     }
 }
 
-TEST(Draw_Ring_Safe, adds_each_pixel_of_the_band_once) {
+TEST(Draw_Ring_Safe, adds_each_pixel_of_the_band_once_and_a_top_byte_saturates_red) {
     const Surface surface = drawnOn(Surface(9, 9, 0x10), Draw_Ring_Safe, tagRECT{0, 0, 9, 9}, 4, 4, 1, 1, 0x0000C8);
     // The table has 1448 of 512 for 3, so 88 / 1024 of the band: 200 * 22 / 256.
     EXPECT_EQ(rowIn(surface, 4),
               (Pixels{0x10, 0x10 + 17, 0x10 + 100, 0x10 + 100, 0x10 + 100, 0x10 + 100, 0x10 + 100, 0x10 + 17, 0x10}));
-}
-
-TEST(Draw_Ring_Safe, a_top_byte_saturates_red) {
     const auto ring = [](q_ulong old, q_ulong colour) {
         return drawnOn(Surface(9, 9, old), Draw_Ring_Safe, tagRECT{0, 0, 9, 9}, 4, 4, 2, 1, colour);
     };

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-
 namespace {
 
 TEST(EmptyFunctions, change_nothing_whatever_their_arguments) {
@@ -18,16 +16,6 @@ TEST(EmptyFunctions, change_nothing_whatever_their_arguments) {
     EXPECT_EQ(rect.right, 8);
     Blur_Ring(nullptr, {-1, 0x7FFFFFFF}, 0, -1, 0, 0);
     Blur_Parallelogram(nullptr, 0, 0, 0, 0, 0, 0, nullptr, 0, 0);
-}
-
-TEST(EmptyFunctions, are_one_body) {
-    // Through volatile: a compiler takes it for granted that two functions have two addresses.
-    const auto address = [](auto *function) {
-        volatile auto number = reinterpret_cast<std::uintptr_t>(function);
-        return number;
-    };
-    EXPECT_EQ(address(Blur_Ring), address(Blur_Parallelogram));
-    EXPECT_EQ(address(Blur_Ring), address(i3DBltNear32));
 }
 
 } // namespace

@@ -64,15 +64,12 @@ TEST(GaussRand, runs_through_its_table_in_a_cycle_of_16_from_load_on_without_a_d
 
 // Whole numbers
 
-TEST(randInt, of_a_span_of_1_is_always_the_lower_bound) {
-    EXPECT_EQ(with({1, 3, 32767, 2}, randInt, 0, 1), 0); // odd draws are rejected under the mask 1
-    EXPECT_EQ(with({0}, randInt, -5, -4), -5);
-}
-
-TEST(randInt, rejects_draws_that_stand_beyond_the_span_under_its_mask) {
+TEST(randInt, rejects_draws_beyond_the_span_under_its_mask_so_that_a_span_of_1_is_the_lower_bound) {
     EXPECT_EQ(with({3, 7, 32767, 6}, randInt, 5, 8), 7); // 6 is 2 under the mask 3
     EXPECT_EQ(with({4}, randInt, 5, 8), 5);
     EXPECT_EQ(with({1}, randInt, 5, 8), 6);
+    EXPECT_EQ(with({1, 3, 32767, 2}, randInt, 0, 1), 0); // odd draws are rejected under the mask 1
+    EXPECT_EQ(with({0}, randInt, -5, -4), -5);
 }
 
 TEST(randInt, the_ladder_of_masks_has_no_rung_for_4095) {
@@ -105,7 +102,7 @@ TEST(randInt, spans_above_32768_are_not_covered_and_bounds_exchanged_are_such) {
     EXPECT_EQ(with({1}, randInt, largest, largest - 1), least);
 }
 
-TEST(randIntGauss, is_the_truncated_mean_of_its_draws_and_reaches_both_ends) {
+TEST(randIntGauss, is_the_truncated_mean_of_its_draws_reaches_both_ends_and_wraps_at_32_bits) {
     EXPECT_EQ(with({32767}, randIntGauss, 0, 100, 1), 100);
     EXPECT_EQ(with({0}, randIntGauss, 0, 100, 1), 0);
     EXPECT_EQ(with({32767, 32767, 32767}, randIntGauss, 10, 20, 3), 20);
@@ -115,9 +112,6 @@ TEST(randIntGauss, is_the_truncated_mean_of_its_draws_and_reaches_both_ends) {
     EXPECT_EQ(with({100}, randIntGauss, 10, -90, 1), 10);                    // -0.3 toward zero
     EXPECT_EQ(with({32766}, randIntGauss, 10, -90, 1), -89);                 // -99.997 toward zero
     EXPECT_EQ(with({1000, 2000, 3000, 4000}, randIntGauss, 0, 1000, 4), 76); // 10000000 / 131068
-}
-
-TEST(randIntGauss, wraps_where_a_number_leaves_32_bits) {
     // 32767 * 100000 is 3276700000, which is -1018267296; over 32767 that is -31076.0001.
     EXPECT_EQ(with({32767}, randIntGauss, 0, 100000, 1), -31076);
     EXPECT_EQ(with({32767}, randIntGauss, 7, 100007, 1), -31069);
@@ -133,7 +127,7 @@ TEST(randIntGaussDeathTest, a_count_of_0_faults) {
 
 // Real numbers
 
-TEST(randFloat, reaches_both_ends) {
+TEST(randFloat, reaches_both_ends_by_the_reciprocal_in_its_own_type) {
     EXPECT_EQ(with({32767}, randFloat, 0, 1), 1.0F);
     EXPECT_EQ(with({0}, randFloat, 0, 1), 0.0F);
     EXPECT_EQ(with({32767}, randFloat, -2, 6), 6.0F);
@@ -142,9 +136,6 @@ TEST(randFloat, reaches_both_ends) {
     EXPECT_EQ(with({123}, randFloat, 5, 5), 5.0F);
     EXPECT_EQ(with({32767}, randDouble, -2, 6), 6.0);
     EXPECT_EQ(with({0}, randDouble, -2, 6), -2.0);
-}
-
-TEST(randFloat, takes_the_reciprocal_in_its_own_type) {
     // 16384 draws times 2^-15 + 2^-30; a true 32767th would give 0.50001526.. with more digits.
     EXPECT_EQ(with({16384}, randFloat, 0, 1), 0x1.0002p-1F);
     EXPECT_EQ(with({1}, randFloat, 0, 1), std::bit_cast<float>(0x38000100));

@@ -27,7 +27,7 @@ TEST(Tables, are_zero_until_the_host_fills_them) {
     EXPECT_TRUE(test::atLoad.rootsAreZero);
 }
 
-TEST(Tables, hold_these_exact_entries) {
+TEST(Tables, hold_these_exact_entries_truncated_toward_zero_on_both_sides) {
     // The index, and the sine, cosine and root.
     const std::array<int, 4> entries[] = {
         {0, 0, 32768, 0},         {1, 25, 32767, 1024},     {1024, 23170, 23170, 32768}, {2048, 32768, 0, 46340},
@@ -35,6 +35,13 @@ TEST(Tables, hold_these_exact_entries) {
     for (const auto &[i, sine, cosine, root] : entries)
         EXPECT_EQ((std::array{i, iSin[i], iCos[i], iSqrt[i]}), (std::array{i, sine, cosine, root}));
     EXPECT_EQ(iSqrt[2], 1448);
+    // One step before the half circle the sine is +25.1, one step behind it -25.1.
+    EXPECT_EQ(iSin[4095], 25);
+    EXPECT_EQ(iSin[4097], -25);
+    EXPECT_EQ(iCos[2047], 25);
+    EXPECT_EQ(iCos[2049], -25);
+    EXPECT_EQ(std::count(iSin, iSin + 8192, 32768), 1);
+    EXPECT_EQ(std::count(iCos, iCos + 8192, -32768), 1);
 }
 
 TEST(Tables, every_sine_and_cosine_is_the_truncated_function) {
@@ -58,16 +65,6 @@ TEST(Tables, every_root_is_the_largest_number_whose_square_is_not_above) {
         ASSERT_LE(root * root, i << 20) << i;
         ASSERT_GT((root + 1) * (root + 1), i << 20) << i;
     }
-}
-
-TEST(Tables, entries_are_truncated_toward_zero_on_both_sides) {
-    // One step before the half circle the sine is +25.1, one step behind it -25.1.
-    EXPECT_EQ(iSin[4095], 25);
-    EXPECT_EQ(iSin[4097], -25);
-    EXPECT_EQ(iCos[2047], 25);
-    EXPECT_EQ(iCos[2049], -25);
-    EXPECT_EQ(std::count(iSin, iSin + 8192, 32768), 1);
-    EXPECT_EQ(std::count(iCos, iCos + 8192, -32768), 1);
 }
 
 /// Whether a filling of empty tables gives what they hold, and so does another one on top of it.

@@ -21,27 +21,21 @@ Rows drawn(int x1, int y1, int x2, int y2) {
     return rows;
 }
 
-TEST(iLine, steps_aside_where_the_error_reaches_zero) {
+TEST(iLine, steps_aside_where_the_error_reaches_zero_and_at_a_tie_at_once_in_either_direction) {
     EXPECT_EQ(drawn(0, 0, 5, 2), (Rows{"##......", "..##....", "....##.."}));
     EXPECT_EQ(drawn(0, 0, 2, 5), (Rows{"#.......", "#.......", ".#......", ".#......", "..#.....", "..#....."}));
     EXPECT_EQ(drawn(6, 3, 0, 0), (Rows{"##......", "..##....", "....##..", "......#."}));
-}
-
-TEST(iLine, a_tie_steps_aside_at_once_in_either_direction) {
     EXPECT_EQ(drawn(0, 0, 2, 1), (Rows{"#.......", ".##....."}));
     EXPECT_EQ(drawn(2, 1, 0, 0), (Rows{"##......", "..#....."}));
     EXPECT_EQ(drawn(0, 0, 1, 2), (Rows{"#.......", ".#......", ".#......"}));
     EXPECT_EQ(drawn(1, 2, 0, 0), (Rows{"#.......", "#.......", ".#......"}));
 }
 
-TEST(iLine, straight_and_diagonal_lines_have_both_ends) {
+TEST(iLine, straight_and_diagonal_lines_have_both_ends_and_equal_ends_are_one_pixel_if_it_is_inside) {
     EXPECT_EQ(drawn(1, 0, 4, 0), (Rows{".####..."}));
     EXPECT_EQ(drawn(4, 2, 4, 0), Rows(3, "....#..."));
     EXPECT_EQ(drawn(2, 0, 4, 2), (Rows{"..#.....", "...#....", "....#..."}));
     EXPECT_EQ(drawn(2, 2, 4, 0), (Rows{"....#...", "...#....", "..#....."}));
-}
-
-TEST(iLine, equal_ends_are_one_pixel_if_it_is_inside) {
     EXPECT_EQ(drawn(3, 1, 3, 1), (Rows{"........", "...#...."}));
     EXPECT_EQ(drawn(7, 0, 7, 0), (Rows{".......#"}));
     EXPECT_EQ(drawn(8, 4, 8, 4), Rows());

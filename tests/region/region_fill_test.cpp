@@ -96,11 +96,13 @@ TEST(Scans, stop_beside_the_boundary_or_at_their_limits_of_which_the_left_one_is
 
 // Fills
 
-TEST(Region_Fill, paints_what_a_boundary_encloses) {
+TEST(Region_Fill, paints_what_a_boundary_encloses_and_corners_do_not_connect) {
     EXPECT_EQ(
         painted({"..........", ".########.", ".#......#.", ".####.#.#.", ".#....#.#.", ".########.", ".........."},
                 {0, 0, 10, 7}, 2, 4),
         (Rows{"..........", "..........", "..++++++..", ".....+.+..", "..++++.+..", "..........", ".........."}));
+    EXPECT_EQ(painted({"########", "#..#...#", "#..#...#", "###....#", "#......#", "########"}, {0, 0, 8, 6}, 1, 1),
+              (Rows{"........", ".++.....", ".++.....", "........", "........", "........"}));
 }
 
 TEST(Region_Fill, turns_back_where_a_span_overhangs_its_parent) {
@@ -112,16 +114,8 @@ TEST(Region_Fill, turns_back_where_a_span_overhangs_its_parent) {
                     "..........."}));
 }
 
-TEST(Region_Fill, corners_do_not_connect) {
-    EXPECT_EQ(painted({"########", "#..#...#", "#..#...#", "###....#", "#......#", "########"}, {0, 0, 8, 6}, 1, 1),
-              (Rows{"........", ".++.....", ".++.....", "........", "........", "........"}));
-}
-
-TEST(Region_Fill, the_left_limit_is_painted_and_the_right_one_is_not) {
+TEST(Region_Fill, the_left_limit_is_painted_the_right_one_is_not_and_the_top_row_goes_to_row_0_of_the_surface) {
     EXPECT_EQ(painted(Rows(5, "......."), {2, 0, 5, 5}, 3, 2), Rows(5, "..+++.."));
-}
-
-TEST(Region_Fill, the_top_row_goes_to_row_0_of_the_surface) {
     // Row 2 is the first within the limits: its pixels are laid on row 0, and it stays as it was.
     EXPECT_EQ(
         painted({".......", ".......", "...#...", ".......", ".......", ".......", "......."}, {1, 2, 6, 7}, 3, 4),
@@ -149,13 +143,10 @@ TEST(Region_Fill, a_seed_in_the_first_or_last_row_or_beyond_marks_one_pixel) {
     EXPECT_EQ(painted({"#####", ".....", "....."}, {0, 0, 5, 3}, 2, 0), (Rows{"..+..", ".....", "....."}));
 }
 
-TEST(Region_Fill, a_seed_on_a_boundary_paints_nothing_and_is_answered_the_column_before_it) {
+TEST(Region_Fill, a_seed_on_a_boundary_is_answered_the_column_before_it_and_any_other_the_last_of_its_span) {
     Fill fill({".....", ".....", "..#..", ".....", "....."});
     EXPECT_EQ(fill.from(2, 2, {0, 0, 5, 5}), 1);
     EXPECT_EQ(rowsOf(fill.dst, paint), Rows(5, "....."));
-}
-
-TEST(Region_Fill, returns_the_last_column_of_the_seed_span) {
     EXPECT_EQ(Fill({"#######", "#.....#", "##...##", "#.....#", "......."}).from(3, 2, {0, 0, 7, 5}), 4);
 }
 
@@ -186,11 +177,13 @@ TEST(Region_Fill, an_island_is_gone_round_if_what_is_painted_is_boundary) {
     EXPECT_EQ(rowsOf(fill.test, {{'.', 0}, {'#', borderColor}}), expected);
 }
 
-TEST(bRegion_Fill, an_island_is_gone_round) {
+TEST(bRegion_Fill, an_island_is_gone_round_and_the_edges_go_to_row_0_and_to_the_last_row) {
     EXPECT_EQ(
         filledPlane({".......", ".......", "..###..", "..#.#..", "..###..", ".......", "......."}, {0, 0, 7, 7}, 0, 3)
             .first,
         (Rows{"#######", "#######", "#######", "###.###", "#######", "#######", "#######"}));
+    EXPECT_EQ(filledPlane(Rows(6, "....."), {1, 1, 4, 5}, 2, 3).first,
+              (Rows{".###.", ".....", ".###.", ".###.", ".###.", "....."}));
 }
 
 TEST(bRegion_Fill, a_second_fill_from_the_same_seed_paints_nothing) {
@@ -200,11 +193,6 @@ TEST(bRegion_Fill, a_second_fill_from_the_same_seed_paints_nothing) {
     const auto [twice, second] = filledPlane(once, {0, 0, 7, 4}, 1, 1);
     EXPECT_EQ(twice, once);
     EXPECT_EQ(second, 0);
-}
-
-TEST(bRegion_Fill, the_edges_go_to_row_0_and_to_the_last_row) {
-    EXPECT_EQ(filledPlane(Rows(6, "....."), {1, 1, 4, 5}, 2, 3).first,
-              (Rows{".###.", ".....", ".###.", ".###.", ".###.", "....."}));
 }
 
 /// A flood over pixels, of which the edge rows are entered, but not left again.
