@@ -48,10 +48,10 @@ std::vector<Number> stored(Lanes<Number, count> lanes) {
 
 /// What `numberOf(lane)` gives for each lane.
 template <class Number, class NumberOf>
-std::vector<Number> naive(int count, NumberOf numberOf) {
+std::vector<Number> naive(std::size_t count, NumberOf numberOf) {
     std::vector<Number> numbers;
-    for (int lane = 0; lane < count; ++lane)
-        numbers.push_back(static_cast<Number>(numberOf(lane)));
+    for (std::size_t lane = 0; lane < count; ++lane)
+        numbers.push_back(static_cast<Number>(numberOf(static_cast<int>(lane))));
     return numbers;
 }
 
@@ -61,15 +61,15 @@ long long asSigned(Number number) {
     return static_cast<std::make_signed_t<Number>>(number);
 }
 
-/// Calls `check(random)` for many seeds.
-template <class Check>
-void forEachSeed(Check check) {
-    for (std::uint64_t seed = 0; seed < 2000; ++seed) {
+/// Calls `check` with two sets of lanes of many seeds, and the generator.
+template <class Lanes, class Check>
+void forEachSample(Check check) {
+    for (std::uint64_t seed = 0; seed < 2000 && !testing::Test::HasFatalFailure(); ++seed) {
         SCOPED_TRACE(seed);
         test::Random random(seed);
-        check(random);
-        if (testing::Test::HasFatalFailure())
-            return;
+        const Sample<Lanes> a(random);
+        const Sample<Lanes> b(random);
+        check(a, b, random);
     }
 }
 
@@ -91,20 +91,20 @@ TYPED_TEST_SUITE(Lanes, Kinds);
 
 template <class Kind, class Number>
 void checkArithmetic() {
-    using Tested = typename LanesOf<Kind>::template Same<Number>;
-    constexpr int count = LanesOf<Kind>::bytes / static_cast<int>(sizeof(Number));
     using Wide = unsigned long long;
-    forEachSeed([](test::Random &random) {
-        const Sample<Tested> a(random);
-        const Sample<Tested> b(random);
-        const auto expected = [](auto numberOf) { return naive<Number>(count, numberOf); };
-        ASSERT_EQ(stored(a.lanes + b.lanes), expected([&](int i) { return Wide{a.numbers[i]} + b.numbers[i]; }));
-        ASSERT_EQ(stored(a.lanes - b.lanes), expected([&](int i) { return Wide{a.numbers[i]} - b.numbers[i]; }));
-        ASSERT_EQ(stored(a.lanes & b.lanes), expected([&](int i) { return a.numbers[i] & b.numbers[i]; }));
+    forEachSample<typename LanesOf<Kind>::template Same<Number>>([](const auto &a, const auto &b,
+                                                                    test::Random &random) {
+        const auto expect = [&](auto lanes, auto operation) {
+            ASSERT_EQ(stored(lanes), naive<Number>(std::size(a.numbers),
+                                                   [&](int i) { return operation(Wide{a.numbers[i]}, b.numbers[i]); }));
+        };
+        expect(a.lanes + b.lanes, [](Wide x, Wide y) { return x + y; });
+        expect(a.lanes - b.lanes, [](Wide x, Wide y) { return x - y; });
+        expect(a.lanes & b.lanes, [](Wide x, Wide y) { return x & y; });
         if constexpr (sizeof(Number) > 1) {
             const int bits = random.between(0, sizeof(Number) * 8 - 1);
-            ASSERT_EQ(stored(a.lanes * b.lanes), expected([&](int i) { return Wide{a.numbers[i]} * b.numbers[i]; }));
-            ASSERT_EQ(stored(a.lanes >> bits), expected([&](int i) { return a.numbers[i] >> bits; }));
+            expect(a.lanes * b.lanes, [](Wide x, Wide y) { return x * y; });
+            expect(a.lanes >> bits, [bits](Wide x, Wide) { return x >> bits; });
         }
     });
 }
@@ -120,44 +120,34 @@ void checkMoves() {
     using Tested = typename LanesOf<Kind>::template Same<Number>;
     constexpr int bytes = LanesOf<Kind>::bytes;
     constexpr int count = bytes / static_cast<int>(sizeof(Number));
-    forEachSeed([](test::Random &random) {
-        const Sample<Tested> a(random);
+    forEachSample<Tested>([](const auto &a, const auto &, test::Random &random) {
         const auto number = numberFrom<Number>(random);
-        const auto expected = [](auto numberOf) { return naive<Number>(count, numberOf); };
-        ASSERT_EQ(stored(Tested::all(number)), expected([&](int) { return number; }));
-        ASSERT_EQ(stored(Tested::front(number)), expected([&](int i) { return i == 0 ? number : 0; }));
-        ASSERT_EQ(stored(a.lanes), expected([&](int i) { return a.numbers[i]; }));
+        const auto expect = [](Tested lanes, auto numberOf) {
+            ASSERT_EQ(stored(lanes), naive<Number>(count, numberOf));
+        };
+        expect(Tested::all(number), [&](int) { return number; });
+        expect(Tested::front(number), [&](int i) { return i == 0 ? number : 0; });
+        expect(withLane<2>(a.lanes, number), [&](int i) { return i == 2 ? number : a.numbers[i]; });
+        expect(broadcast<0>(a.lanes), [&](int) { return a.numbers[0]; });
+        expect(broadcast<3>(a.lanes), [&](int) { return a.numbers[3]; });
+        expect(fourthInFours(a.lanes), [&](int i) { return a.numbers[i / 4 * 4 + 3]; });
+        if constexpr (bytes == 16)
+            expect(swappedHalves(a.lanes), [&](int i) { return a.numbers[(i + count / 2) % count]; });
         for (int lane = 0; lane < count; ++lane)
             ASSERT_EQ(a.lanes[lane], a.numbers[lane]);
-        ASSERT_EQ(stored(withLane<2>(a.lanes, number)),
-                  expected([&](int i) { return i == 2 ? number : a.numbers[i]; }));
-        ASSERT_EQ(stored(broadcast<0>(a.lanes)), expected([&](int) { return a.numbers[0]; }));
-        ASSERT_EQ(stored(broadcast<3>(a.lanes)), expected([&](int) { return a.numbers[3]; }));
-        ASSERT_EQ(stored(fourthInFours(a.lanes)), expected([&](int i) { return a.numbers[i / 4 * 4 + 3]; }));
-        if constexpr (bytes == 16) {
-            ASSERT_EQ(stored(swappedHalves(a.lanes)), expected([&](int i) {
-                          return i < count / 2 ? a.numbers[i + count / 2] : a.numbers[i - count / 2];
-                      }));
-        }
         // Memory of any alignment, and nothing beyond.
-        unsigned char memory[bytes + 9];
-        std::memset(memory, 0xA5, sizeof(memory));
-        const int offset = random.between(1, 7);
-        a.lanes.store(memory + offset);
-        for (int i = 0; i < bytes + 9; ++i) {
-            if (i < offset || i >= offset + bytes) {
-                ASSERT_EQ(memory[i], 0xA5) << i;
-            }
-        }
-        ASSERT_EQ(std::memcmp(memory + offset, a.numbers, bytes), 0);
-        ASSERT_EQ(stored(Tested::load(memory + offset)), stored(a.lanes));
-        ASSERT_EQ(stored(Tested::loadEightBytes(memory + offset)),
-                  expected([&](int i) { return i < static_cast<int>(8 / sizeof(Number)) ? a.numbers[i] : 0; }));
-        std::memset(memory, 0xA5, sizeof(memory));
-        a.lanes.storeEightBytes(memory + offset);
-        ASSERT_EQ(std::memcmp(memory + offset, a.numbers, 8), 0);
-        ASSERT_EQ(memory[offset - 1], 0xA5);
-        ASSERT_EQ(memory[offset + 8], 0xA5);
+        const auto at = static_cast<std::size_t>(random.between(1, 7));
+        std::vector<unsigned char> memory(bytes + 9, 0xA5);
+        std::vector<unsigned char> expected = memory;
+        std::memcpy(&expected[at], a.numbers, 8);
+        a.lanes.storeEightBytes(&memory[at]);
+        ASSERT_EQ(memory, expected);
+        std::memcpy(&expected[at], a.numbers, bytes);
+        a.lanes.store(&memory[at]);
+        ASSERT_EQ(memory, expected);
+        expect(Tested::load(&memory[at]), [&](int i) { return a.numbers[i]; });
+        expect(Tested::loadEightBytes(&memory[at]),
+               [&](int i) { return i < static_cast<int>(8 / sizeof(Number)) ? a.numbers[i] : 0; });
     });
 }
 
@@ -175,8 +165,7 @@ TYPED_TEST(Lanes, are_listed_in_their_order) {
 }
 
 TYPED_TEST(Lanes, of_another_width_are_the_same_bytes) {
-    forEachSeed([](test::Random &random) {
-        const Sample<TypeParam> a(random);
+    forEachSample<TypeParam>([](const auto &a, const auto &, test::Random &) {
         const auto bytesOf = [&](int i) { return a.numbers[i / 4] >> i % 4 * 8; };
         const auto wordsOf = [&](int i) { return a.numbers[i / 2] >> i % 2 * 16; };
         ASSERT_EQ(stored(as<std::uint8_t>(a.lanes)), naive<std::uint8_t>(sizeof(a.lanes), bytesOf));
@@ -186,25 +175,19 @@ TYPED_TEST(Lanes, of_another_width_are_the_same_bytes) {
 }
 
 TYPED_TEST(Lanes, are_selected_where_others_are_equal) {
-    forEachSeed([](test::Random &random) {
-        const Sample<TypeParam> a(random);
-        const Sample<TypeParam> b(random);
-        Sample<TypeParam> c(random);
-        for (std::size_t i = 0; i < std::size(c.numbers); ++i) {
-            if (random.oneIn(2))
-                c.numbers[i] = a.numbers[i];
+    forEachSample<TypeParam>([](const auto &a, const auto &b, test::Random &random) {
+        std::vector<std::uint32_t> c = stored(b.lanes);
+        std::vector<std::uint32_t> expected;
+        for (std::size_t i = 0; i < c.size(); ++i) {
+            c[i] = random.oneIn(2) ? a.numbers[i] : c[i];
+            expected.push_back(c[i] == a.numbers[i] ? b.numbers[i] : a.numbers[i]);
         }
-        c.lanes = TypeParam::load(c.numbers);
-        ASSERT_EQ(stored(selectEqual(a.lanes, c.lanes, b.lanes, a.lanes)),
-                  naive<std::uint32_t>(std::size(c.numbers), [&](int i) {
-                      return a.numbers[i] == c.numbers[i] ? b.numbers[i] : a.numbers[i];
-                  }));
+        ASSERT_EQ(stored(selectEqual(a.lanes, TypeParam::load(c.data()), b.lanes, a.lanes)), expected);
     });
 }
 
-TYPED_TEST(Lanes, shifted_as_signed_numbers_round_down) {
-    forEachSeed([](test::Random &random) {
-        const Sample<TypeParam> a(random);
+TYPED_TEST(Lanes, taken_as_signed_numbers_round_down_and_say_which_are_negative) {
+    forEachSample<TypeParam>([](const auto &a, const auto &, test::Random &random) {
         const int bits = random.between(0, 31);
         // Rounded down by a division with a remainder that is never negative.
         const auto floored = [bits](long long number) {
@@ -214,32 +197,18 @@ TYPED_TEST(Lanes, shifted_as_signed_numbers_round_down) {
         };
         ASSERT_EQ(stored(shiftedSigned(a.lanes, bits)),
                   naive<std::uint32_t>(std::size(a.numbers), [&](int i) { return floored(asSigned(a.numbers[i])); }));
-    });
-}
-
-TYPED_TEST(Lanes, say_which_are_negative) {
-    if constexpr (LanesOf<TypeParam>::bytes == 16) {
-        forEachSeed([](test::Random &random) {
-            const Sample<TypeParam> a(random);
+        if constexpr (LanesOf<TypeParam>::bytes == 16) {
             unsigned expected = 0;
             for (int i = 0; i < 4; ++i)
                 expected += asSigned(a.numbers[i]) < 0 ? 1U << i : 0;
             ASSERT_EQ(negativeLanes(a.lanes), expected);
-        });
-    }
+        }
+    });
 }
 
 TYPED_TEST(Lanes, saturating_sums_of_bytes_end_at_255) {
     using Bytes = typename LanesOf<TypeParam>::template Same<std::uint8_t>;
-    for (int a = 0; a < 256; ++a)
-        for (int b = 0; b < 256; ++b) {
-            const Bytes sum =
-                saturatingSum(Bytes::all(static_cast<std::uint8_t>(a)), Bytes::all(static_cast<std::uint8_t>(b)));
-            ASSERT_EQ(stored(sum), naive<std::uint8_t>(sizeof(Bytes), [&](int) { return std::min(a + b, 255); }));
-        }
-    forEachSeed([](test::Random &random) {
-        const Sample<Bytes> a(random);
-        const Sample<Bytes> b(random);
+    forEachSample<Bytes>([](const auto &a, const auto &b, test::Random &) {
         ASSERT_EQ(stored(saturatingSum(a.lanes, b.lanes)), naive<std::uint8_t>(sizeof(Bytes), [&](int i) {
                       return std::min(a.numbers[i] + b.numbers[i], 255);
                   }));
@@ -253,8 +222,7 @@ void checkWidths(int least, int most) {
     using WideNumber = std::remove_cvref_t<decltype(Wider()[0])>;
     constexpr int half = 8 / static_cast<int>(sizeof(Number));
     constexpr int count = static_cast<int>(sizeof(Narrow) / sizeof(Number));
-    forEachSeed([=](test::Random &random) {
-        const Sample<Narrow> a(random);
+    forEachSample<Narrow>([=](const auto &a, const auto &, test::Random &random) {
         std::vector<WideNumber> low;
         std::vector<WideNumber> high;
         for (int i = 0; i < count; ++i)

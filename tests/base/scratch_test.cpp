@@ -8,20 +8,16 @@ namespace {
 
 using qmur::Scratch;
 
-TEST(Scratch, holds_as_many_elements_as_were_asked_for) {
+TEST(Scratch, holds_as_many_elements_as_were_asked_for_and_zeros_where_that_was_asked_for) {
     const Scratch<int> scratch(1000);
-    ASSERT_TRUE(scratch);
+    const auto zeros = Scratch<double>::zeroed(1000);
+    ASSERT_TRUE(scratch && zeros);
     for (int i = 0; i < 1000; ++i)
         scratch[i] = i;
-    for (int i = 0; i < 1000; ++i)
+    for (int i = 0; i < 1000; ++i) {
         ASSERT_EQ(scratch.data()[i], i);
-}
-
-TEST(Scratch, is_all_zero_where_that_was_asked_for) {
-    const auto scratch = Scratch<double>::zeroed(1000);
-    ASSERT_TRUE(scratch);
-    for (int i = 0; i < 1000; ++i)
-        ASSERT_EQ(scratch[i], 0.0);
+        ASSERT_EQ(zeros[i], 0.0);
+    }
 }
 
 TEST(Scratch, is_empty_for_fewer_than_one_element_and_for_more_than_there_is_room_for) {

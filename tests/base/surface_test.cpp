@@ -1,5 +1,7 @@
 #include "base/surface.h"
 
+#include "base/extent.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -8,61 +10,63 @@ namespace {
 
 using namespace qmur;
 
-TEST(Distance, of_an_unsigned_pitch_keeps_the_sign_it_was_given) {
-    EXPECT_EQ(asDistance(static_cast<q_ulong>(-640)), -640);
-    EXPECT_EQ(asDistance(q_ulong{640}), 640);
-    EXPECT_EQ(asDistance(-640), -640);
-}
-
-TEST(PixelAt, steps_back_with_negative_coordinates_and_pitches) {
+TEST(Surfaces, are_walked_back_by_negative_coordinates_and_pitches_of_either_type) {
     int plane[100] = {};
     EXPECT_EQ(pixelAt(plane + 50, 10, -2, -3), plane + 18);
     EXPECT_EQ(pixelAt(plane + 50, -10, 1, 3), plane + 21);
-}
-
-TEST(Spans, intersect_and_are_empty_from_their_end_on) {
-    const Span both = intersection({-5, 10}, {3, 20});
-    EXPECT_EQ(both.begin, 3);
-    EXPECT_EQ(both.end, 10);
-    EXPECT_EQ(both.length(), 7);
-    EXPECT_FALSE(both.empty());
-    EXPECT_TRUE(intersection({0, 3}, {3, 6}).empty());
-    EXPECT_TRUE((Span{5, 2}).empty());
-}
-
-TEST(Spans, contain_their_begin_and_not_their_end) {
-    const Span span = {-2, 3};
-    for (int position = -4; position < 6; ++position)
-        EXPECT_EQ(span.contains(position),
-                  position == -2 || position == -1 || position == 0 || position == 1 || position == 2)
-            << position;
-    EXPECT_FALSE((Span{5, 2}).contains(3));
+    EXPECT_EQ(asDistance(static_cast<q_ulong>(-640)), -640);
+    EXPECT_EQ(asDistance(-640), -640);
 }
 
 TEST(Windows, share_the_columns_and_rows_that_both_have) {
     const Window shared = Window{{0, 10}, {-3, 4}}.within({{-1, 6}, {2, 9}});
-    EXPECT_EQ(shared.columns.begin, 0);
-    EXPECT_EQ(shared.columns.end, 6);
-    EXPECT_EQ(shared.rows.begin, 2);
-    EXPECT_EQ(shared.rows.end, 4);
+    for (int y = -5; y < 12; ++y)
+        for (int x = -5; x < 12; ++x)
+            EXPECT_EQ(shared.contains(x, y), x >= 0 && x < 6 && y >= 2 && y < 4) << x << ", " << y;
     EXPECT_FALSE(shared.empty());
-    EXPECT_TRUE(shared.contains(0, 3));
-    EXPECT_FALSE(shared.contains(6, 3));
-    EXPECT_FALSE(shared.contains(0, 4));
     EXPECT_TRUE((Window{{0, 1}, {2, 2}}).empty());
-    EXPECT_TRUE((Window{{1, 1}, {2, 3}}).empty());
+    EXPECT_TRUE((Window{{5, 2}, {2, 3}}).empty());
 }
 
 TEST(Rectangles, have_the_size_of_their_exclusive_edges) {
-    const tagRECT rect = {-3, 5, 7, 6};
-    EXPECT_EQ(widthOf(rect), 10);
-    EXPECT_EQ(heightOf(rect), 1);
-    EXPECT_FALSE(isEmpty(rect));
-    for (const tagRECT empty : {tagRECT{1, 1, 1, 5}, {1, 1, 5, 1}, {5, 1, 1, 5}, {1, 5, 5, 1}})
-        EXPECT_TRUE(isEmpty(empty));
-    constexpr int least = std::numeric_limits<int>::min();
-    constexpr int largest = std::numeric_limits<int>::max();
-    EXPECT_EQ(widthOf({least, 0, largest, 1}), -1); // wider than an int counts
+    EXPECT_EQ(widthOf({-3, 5, 7, 6}), 10);
+    EXPECT_EQ(heightOf({-3, 5, 7, 6}), 1);
+    // Wider than an int counts.
+    EXPECT_EQ(widthOf({std::numeric_limits<int>::min(), 0, std::numeric_limits<int>::max(), 1}), -1);
+}
+
+TEST(Extents, reach_from_the_first_to_behind_the_last_pixel_with_either_sign_of_the_pitch) {
+    alignas(8) const q_ulong plane[100] = {};
+    const Window window = {{2, 5}, {-1, 3}};
+    const long long origin = extentOf(plane, 1, {{0, 1}, {0, 1}}).begin;
+    const Extent down = extentOf(plane + 50, 10, window);
+    EXPECT_EQ(down.begin - origin, 50 - 10 + 2);
+    EXPECT_EQ(down.end - origin, 50 + 20 + 5);
+    const Extent up = extentOf(plane + 50, -10, window);
+    EXPECT_EQ(up.begin - origin, 50 - 20 + 2);
+    EXPECT_EQ(up.end - origin, 50 + 10 + 5);
+}
+
+TEST(Extents, that_touch_are_apart_and_those_that_share_a_pixel_are_not) {
+    const q_ulong plane[64] = {};
+    const Window pair = {{0, 2}, {0, 1}};
+    EXPECT_TRUE(extentOf(plane, 1, pair).isApartFrom(extentOf(plane + 2, 1, pair)));
+    for (const int pitch : {-7, -3, 0, 3, 7})
+        for (int first = 20; first < 44; ++first) {
+            const Extent area = extentOf(plane + 32, pitch, {{0, 3}, {0, 3}});
+            const Extent other = extentOf(plane + first, 1, pair);
+            for (int i = 0; i < 9; ++i)
+                for (const int pixel : {first, first + 1})
+                    EXPECT_FALSE(32 + i / 3 * pitch + i % 3 == pixel && area.isApartFrom(other)) << pitch;
+            EXPECT_EQ(area.isApartFrom(other), other.isApartFrom(area));
+        }
+}
+
+TEST(Pitches, keep_pixels_apart_from_the_width_on) {
+    EXPECT_TRUE(keepsPixelsApart(5, 5));
+    EXPECT_TRUE(keepsPixelsApart(-5, 5));
+    EXPECT_FALSE(keepsPixelsApart(4, 5));
+    EXPECT_FALSE(keepsPixelsApart(-4, 5));
 }
 
 } // namespace

@@ -1,90 +1,67 @@
-#include "pictures.h"
-#include "plain/scaled_blit.h"
+#include "blits.h"
 
 #include <limits>
 
 namespace {
 
-using test::numbered;
-using test::pictureOf;
-using test::pitchOf;
-using test::Pixels;
-using test::pixelsOf;
-using test::rowOf;
-using test::showing;
-using test::Surface;
+using namespace test;
 
-constexpr int least = std::numeric_limits<int>::min();
-constexpr int largest = std::numeric_limits<int>::max();
+using Byte = unsigned char;
+using Add = void (*)(q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong);
+using ScaledAdd = void (*)(q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong, Byte, Byte, Byte);
 
-void nearest(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect) {
-    iBltNear32(dst.pixels(), src.pixels(), &dstRect, &srcRect, dst.pitch(), src.pitch());
-}
-
-void nearestSafe(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect, tagRECT clip) {
+void stretchSafe(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect, tagRECT clip) {
     iBltNear32Safe(dst.pixels(), src.pixels(), &dstRect, &srcRect, &clip, dst.pitch(), src.pitch());
 }
 
-void safeKeyAdd(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect, tagRECT clip) {
-    iBltNear32SafeKeySrcAdd(dst.pixels(), src.pixels(), &dstRect, &srcRect, dst.pitch(), src.pitch(),
-                            static_cast<int>(clip.right), static_cast<int>(clip.bottom));
-}
-
-void bilinear(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect) {
-    iBltBilinear32(dst.pixels(), src.pixels(), &dstRect, &srcRect, pitchOf(dst), pitchOf(src));
-}
-
-void bilinearSafe(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect) {
-    iBltBilinear32Safe(dst.pixels(), src.pixels(), &dstRect, &srcRect, pitchOf(dst), pitchOf(src));
-}
-
-void adaptive(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect) {
-    iBltAdaptive32(dst.pixels(), src.pixels(), &dstRect, &srcRect, pitchOf(dst), pitchOf(src));
-}
-
-void perfect(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect) {
-    iBltPerfect32(dst.pixels(), src.pixels(), &dstRect, &srcRect, pitchOf(dst), pitchOf(src));
-}
-
-using Scaler = void (*)(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect);
-
-/// An area of the source over the whole of a destination.
-Pixels scaled(Scaler scale, Surface dst, Surface src, const tagRECT &srcRect) {
-    scale(dst, dst.rect(), src, srcRect);
+Pixels overSafe(Surface dst, Surface src, const tagRECT &srcRect) {
+    stretchSafe(dst, dst.rect(), src, srcRect, dst.rect());
     return pixelsOf(dst);
-}
-
-Pixels scaled(Scaler scale, const Surface &dst, const Surface &src) {
-    return scaled(scale, dst, src, src.rect());
 }
 
 TEST(iBltNear32, one_pixel_is_repeated_over_any_rectangle) {
     for (int height = 1; height <= 6; ++height)
         for (int width = 1; width <= 6; ++width)
-            EXPECT_EQ(scaled(nearest, Surface(width, height), Surface(1, 1, 0x80FF1234)),
+            EXPECT_EQ(over(Surface(width, height), Surface(1, 1, 0x80FF1234), iBltNear32),
                       Pixels(static_cast<std::size_t>(width * height), 0x80FF1234));
 }
 
 TEST(iBltNear32, each_pixel_shows_the_source_pixel_at_or_left_of_its_place) {
     // Steps of 5/8: 0, 0.625, 1.25, 1.875, 2.5, 3.125, 3.75, 4.375
-    EXPECT_EQ(scaled(nearest, Surface(8, 1), numbered(5, 1)), (Pixels{1, 1, 2, 2, 3, 4, 4, 5}));
-    EXPECT_EQ(scaled(nearest, Surface(2, 1), numbered(5, 1)), (Pixels{1, 3}));    // steps of 2.5
-    EXPECT_EQ(scaled(nearest, Surface(3, 1), numbered(5, 1)), (Pixels{1, 2, 4})); // 5/3: 0, 1.67, 3.33
-}
-
-TEST(iBltNear32, truncated_steps_fall_short_of_a_whole_pixel) {
+    EXPECT_EQ(over(Surface(8, 1), numbered(5, 1), iBltNear32), (Pixels{1, 1, 2, 2, 3, 4, 4, 5}));
+    EXPECT_EQ(over(Surface(2, 1), numbered(5, 1), iBltNear32), (Pixels{1, 3}));    // steps of 2.5
+    EXPECT_EQ(over(Surface(3, 1), numbered(5, 1), iBltNear32), (Pixels{1, 2, 4})); // 5/3: 0, 1.67, 3.33
     // 1/3 in 20 fraction bits is 349525, and three of them are one unit below 1; 3/9 likewise.
-    EXPECT_EQ(scaled(nearest, Surface(9, 1), numbered(3, 1)), (Pixels{1, 1, 1, 1, 2, 2, 2, 3, 3}));
+    EXPECT_EQ(over(Surface(9, 1), numbered(3, 1), iBltNear32), (Pixels{1, 1, 1, 1, 2, 2, 2, 3, 3}));
 }
 
 TEST(iBltNear32, a_source_without_width_or_height_repeats_its_first_column_or_row) {
-    EXPECT_EQ(scaled(nearest, Surface(2, 3), numbered(4, 4), {1, 0, 1, 3}), (Pixels{2, 2, 6, 6, 10, 10}));
-    EXPECT_EQ(scaled(nearest, Surface(3, 2), numbered(4, 4), {0, 2, 3, 2}), (Pixels{9, 10, 11, 9, 10, 11}));
+    EXPECT_EQ(areaOver(Surface(2, 3), numbered(4, 4), {1, 0, 1, 3}, iBltNear32), (Pixels{2, 2, 6, 6, 10, 10}));
+    EXPECT_EQ(areaOver(Surface(3, 2), numbered(4, 4), {0, 2, 3, 2}, iBltNear32), (Pixels{9, 10, 11, 9, 10, 11}));
+    EXPECT_EQ(areaOver(Surface(2, 3), numbered(4, 4), {1, 0, 1, 3}, iBltNear32_KeySrc, 0),
+              (Pixels{2, 2, 6, 6, 10, 10}));
 }
 
-TEST(iBltNear32, sources_of_4095_columns_fit_the_format_and_4097_count_as_one) {
-    EXPECT_EQ(scaled(nearest, Surface(3, 1), numbered(4097, 1), {0, 0, 4095, 1}), (Pixels{1, 1366, 2731}));
-    EXPECT_EQ(scaled(nearest, Surface(3, 1), numbered(4097, 1)), (Pixels{1, 1, 1}));
+TEST(ScaledBlits, sources_are_as_wide_as_the_format_of_their_positions) {
+    // 12 whole bits, of which 4097 columns leave 1, and 11 where one is the sign.
+    EXPECT_EQ(areaOver(Surface(3, 1), numbered(4097, 1), {0, 0, 4095, 1}, iBltNear32), (Pixels{1, 1366, 2731}));
+    EXPECT_EQ(over(Surface(3, 1), numbered(4097, 1), iBltNear32), (Pixels{1, 1, 1}));
+    EXPECT_EQ(overSafe(Surface(3, 1), numbered(2047, 1), {0, 0, 2047, 1}), (Pixels{1, 683, 1365}));
+    // 17 bits, and 16 where one is the sign.
+    for (const auto blit : {iBltNear32_KeySrc, iBltBilinear32_KeySrc})
+        EXPECT_EQ(over(Surface(4, 1), numbered(70000, 1), blit, 0), (Pixels{1, 17501, 35001, 52501}));
+    EXPECT_EQ(over(Surface(3, 1), numbered(60000, 1), Add{iBltNear32_Add}), (Pixels{1, 20001, 40001}));
+    // Of 75001, 0x0124F9, 255 / 256 are 0x0023F8.
+    for (const ScaledAdd blit : {ScaledAdd{iBltNear32_Add}, ScaledAdd{iBltBilinear32_Add}})
+        EXPECT_EQ(over(Surface(4, 1), numbered(100000, 1), blit, 255, 255, 255)[3], 0x0023F8u);
+}
+
+TEST(iBltNear32_KeySrc, the_step_is_truncated_to_15_fraction_bits) {
+    // 3 pixels on 65536 make a step of 1.5 units, cut to 1: the last position is 65535 / 32768, in the second pixel.
+    const Pixels pixels = over(Surface(65536, 1), numbered(3, 1), iBltNear32_KeySrc, 0);
+    EXPECT_EQ(pixels[32767], 1u);
+    EXPECT_EQ(pixels[32768], 2u);
+    EXPECT_EQ(pixels[65535], 2u);
 }
 
 TEST(iBltNear32, bottom_up_surfaces_have_a_negative_pitch) {
@@ -96,49 +73,27 @@ TEST(iBltNear32, bottom_up_surfaces_have_a_negative_pitch) {
     EXPECT_EQ(pixelsOf(dst), (Pixels{1, 2, 1, 2, 3, 4, 3, 4}));
 }
 
-TEST(iBltNear32Safe, a_clip_beside_the_destination_writes_nothing) {
-    Surface src = numbered(4, 4);
-    Surface dst(12, 12, 0xAAAAAAAA);
-    for (const tagRECT clip : {tagRECT{0, 0, 4, 12},
-                               {8, 0, 12, 12},
-                               {0, 0, 12, 4},
-                               {0, 8, 12, 12},
-                               {5, 5, 5, 8},
-                               {5, 5, 8, 5},
-                               {8, 8, 5, 5}})
-        nearestSafe(dst, {4, 4, 8, 8}, src, src.rect(), clip);
-    EXPECT_EQ(dst.differenceFrom(Surface(12, 12, 0xAAAAAAAA)), "");
-}
+// Clipped
 
-TEST(iBltNear32Safe, shows_inside_the_clip_what_stands_there_unclipped) {
+TEST(iBltNear32Safe, shows_inside_the_clip_what_stands_there_unclipped_and_nothing_where_they_lie_apart) {
     Surface src = numbered(5, 7);
     const tagRECT dstRect = {1, 2, 9, 8};
     Surface whole(10, 10);
-    nearest(whole, dstRect, src, src.rect());
+    stretch(iBltNear32, whole, dstRect, src, src.rect());
     for (int top = -1; top <= 10; ++top)
         for (int bottom = -1; bottom <= 11; ++bottom)
             for (int left = -1; left <= 10; ++left)
                 for (int right = -1; right <= 11; ++right) {
                     Surface dst(10, 10);
                     const tagRECT clip = {left, top, right, bottom};
-                    nearestSafe(dst, dstRect, src, src.rect(), clip);
+                    stretchSafe(dst, dstRect, src, src.rect(), clip);
                     ASSERT_EQ(dst.differenceFrom(showing(Surface(10, 10), left, top, whole, clip)), "")
                         << left << ", " << top << ", " << right << ", " << bottom;
                 }
 }
 
 TEST(iBltNear32Safe, a_source_turned_inside_out_is_walked_to_the_left) {
-    Surface src = numbered(8, 1);
-    Surface dst(4, 1);
-    nearestSafe(dst, dst.rect(), src, {5, 0, 1, 1}, dst.rect());
-    EXPECT_EQ(pixelsOf(dst), (Pixels{6, 5, 4, 3}));
-}
-
-TEST(iBltNear32Safe, sources_of_2047_columns_fit_the_format) {
-    Surface src = numbered(2047, 1);
-    Surface dst(3, 1);
-    nearestSafe(dst, dst.rect(), src, src.rect(), dst.rect());
-    EXPECT_EQ(pixelsOf(dst), (Pixels{1, 683, 1365}));
+    EXPECT_EQ(overSafe(Surface(4, 1), numbered(8, 1), {5, 0, 1, 1}), (Pixels{6, 5, 4, 3}));
 }
 
 TEST(iBltNear32Safe, destinations_far_beyond_the_surface_show_their_part_of_the_source) {
@@ -161,64 +116,39 @@ TEST(iBltNear32Safe, destinations_far_beyond_the_surface_show_their_part_of_the_
 
 TEST(iBltNear32Safe, coordinates_at_the_end_of_the_numbers_write_nothing_outside_the_clip) {
     // What spans the whole of the numbers has no width that an int counts.
+    constexpr int least = std::numeric_limits<int>::min();
+    constexpr int largest = std::numeric_limits<int>::max();
+    const int ends[] = {least, least + 1, least + 5, largest - 5, largest - 1, largest};
     Surface src(4, 4, 0x00123456);
     Surface dst(4, 4, 0xAAAAAAAA);
-    const int ends[] = {least, least + 1, least + 5, largest - 5, largest - 1, largest};
     for (const int low : ends)
         for (const int high : ends)
             for (const tagRECT dstRect : {tagRECT{low, 0, high, 4}, {0, low, 4, high}, {low, low, high, high}}) {
-                nearestSafe(dst, dstRect, src, src.rect(), dst.rect());
-                safeKeyAdd(dst, dstRect, src, src.rect(), dst.rect());
+                stretchSafe(dst, dstRect, src, src.rect(), dst.rect());
+                stretch(iBltNear32SafeKeySrcAdd, dst, dstRect, src, src.rect(), 4, 4);
                 ASSERT_EQ(dst.differenceFrom(Surface(4, 4, 0xAAAAAAAA)), "") << low << " to " << high;
             }
 }
 
-TEST(iBltBilinear32, a_uniform_colour_stays_under_all_weights) {
-    // One pixel in sixteen steps: all 256 pairs of fractions.
-    for (q_ulong c = 0; c < 256; ++c)
-        ASSERT_EQ(scaled(bilinear, Surface(16, 16), Surface(1, 1, 0xEE000000 | c * 0x10101)), Pixels(256, c * 0x10101));
-}
+// Filtered
 
-TEST(iBltBilinear32, every_value_under_every_weight_of_each_tap_is_the_truncated_product) {
-    for (int tap = 0; tap < 4; ++tap)
-        for (q_ulong c = 0; c < 256; ++c) {
-            Surface src(1, 1);
-            src.at(tap % 2, tap / 2) = c << 16 | (255 - c) << 8 | c;
-            Pixels products;
-            for (q_ulong y = 0; y < 16; ++y)
-                for (q_ulong x = 0; x < 16; ++x) {
-                    const q_ulong weight = (tap % 2 ? x : 16 - x) * (tap / 2 ? y : 16 - y);
-                    products.push_back((c * weight / 256) << 16 | ((255 - c) * weight / 256) << 8 | c * weight / 256);
-                }
-            ASSERT_EQ(scaled(bilinear, Surface(16, 16), src), products) << "tap " << tap << " with value " << c;
-        }
-}
-
-TEST(iBltBilinear32, the_last_column_and_row_read_one_pixel_beyond_the_source) {
+TEST(iBltBilinear32, the_last_column_and_row_read_one_pixel_beyond_the_source_and_the_safe_form_the_column) {
     Surface src(2, 2);
     src.at(2, 0) = 0x0000FF;
     src.at(0, 2) = 0x00FF00;
-    const Pixels pixels = scaled(bilinear, Surface(4, 4), src);
+    const Pixels pixels = over(Surface(4, 4), src, iBltBilinear32);
     EXPECT_EQ(pixels[3], 0x00007Fu);
     EXPECT_EQ(pixels[12], 0x007F00u);
+    EXPECT_EQ(over(Surface(4, 3), src, iBltBilinear32Safe)[3], 0x00007Fu);
 }
 
 TEST(iBltBilinear32, only_four_bits_of_the_fraction_count) {
     // Steps of 1/64: four pixels each share a weight.
     Surface src(1, 1);
     src.at(1, 0) = 0xFF;
-    const Pixels pixels = scaled(bilinear, Surface(64, 1), src);
+    const Pixels pixels = over(Surface(64, 1), src, iBltBilinear32);
     for (q_ulong x = 0; x < 64; ++x)
         EXPECT_EQ(pixels[x], 255 * (x / 4) / 16) << x;
-}
-
-TEST(iBltBilinear32, an_empty_destination_writes_nothing) {
-    Surface src = numbered(4, 4);
-    Surface dst(4, 4, 0xAAAAAAAA);
-    for (const tagRECT rect : {tagRECT{1, 1, 1, 3}, {1, 1, 3, 1}, {3, 1, 1, 3}, {1, 3, 3, 1}})
-        for (const Scaler scale : {bilinear, bilinearSafe, nearest, adaptive})
-            scale(dst, rect, src, src.rect());
-    EXPECT_EQ(dst.differenceFrom(Surface(4, 4, 0xAAAAAAAA)), "");
 }
 
 TEST(iBltBilinear32, bottom_up_surfaces_have_a_negative_pitch_though_it_is_unsigned) {
@@ -230,15 +160,19 @@ TEST(iBltBilinear32, bottom_up_surfaces_have_a_negative_pitch_though_it_is_unsig
     Surface dst(6, 6);
     tagRECT dstRect = dst.rect();
     tagRECT srcRect = src.rect();
-    iBltBilinear32(dst.pixels(), &turned.at(0, 2), &dstRect, &srcRect, pitchOf(dst),
-                   static_cast<q_ulong>(-turned.pitch()));
-    EXPECT_EQ(pixelsOf(dst), scaled(bilinear, Surface(6, 6), src));
+    iBltBilinear32(dst.pixels(), &turned.at(0, 2), &dstRect, &srcRect, pitchOf(dst), unsignedOf(-turned.pitch()));
+    EXPECT_EQ(pixelsOf(dst), over(Surface(6, 6), src, iBltBilinear32));
 }
 
-TEST(iBltBilinear32Safe, a_uniform_colour_loses_its_top_byte_except_on_the_last_source_row) {
-    Surface expected(8, 8, 0x00112233);
-    expected = showing(expected, 0, 6, Surface(8, 2, 0x80112233), {0, 0, 8, 2});
-    EXPECT_EQ(scaled(bilinearSafe, Surface(8, 8), Surface(4, 4, 0x80112233)), pixelsOf(expected));
+TEST(iBltBilinear32Safe, a_uniform_colour_loses_its_top_byte_except_on_the_last_source_row_wherever_that_lies) {
+    Pixels expected(48, 0x00112233);
+    expected.resize(64, 0x80112233);
+    EXPECT_EQ(over(Surface(8, 8), Surface(4, 4, 0x80112233), iBltBilinear32Safe), expected);
+    // The area is counted from the rectangle's corner, so it ends beside the rectangle's last row, not with it: of an
+    // enlarged row the last one is copied, the one above filtered with it.
+    expected.assign(80, 0);
+    expected.resize(100, 0x80000000);
+    EXPECT_EQ(areaOver(Surface(10, 10), Surface(9, 9, 0x80000000), {3, 2, 8, 7}, iBltBilinear32Safe), expected);
 }
 
 TEST(iBltBilinear32Safe, a_pitch_equal_to_the_width_also_catches_the_end_of_the_last_row_but_one) {
@@ -250,28 +184,13 @@ TEST(iBltBilinear32Safe, a_pitch_equal_to_the_width_also_catches_the_end_of_the_
         Surface dst(8, 6);
         tagRECT srcRect = {0, 0, 4, 3};
         tagRECT dstRect = dst.rect();
-        iBltBilinear32Safe(dst.pixels(), src.data(), &dstRect, &srcRect, pitchOf(dst), static_cast<q_ulong>(pitch));
-        for (int y = 0; y < 6; ++y)
-            for (int x = 0; x < 8; ++x) {
-                const bool isCopied = y / 2 == 2 || (y / 2 == 1 && x / 2 >= 2 + margin);
-                EXPECT_EQ(dst.at(x, y) != 0, isCopied) << x << ", " << y << " with " << margin << " to the right";
-            }
+        iBltBilinear32Safe(dst.pixels(), src.data(), &dstRect, &srcRect, pitchOf(dst), unsignedOf(pitch));
+        const Rows ends[] = {{"....####", "########"}, {"......##", "########"}, {"........", "########"}};
+        const Rows &end = ends[std::min(margin, 2)];
+        EXPECT_EQ(rowsOf(dst, {{'.', 0}, {'#', 0x80000000}}),
+                  (Rows{"........", "........", end[0], end[0], end[1], end[1]}))
+            << margin;
     }
-}
-
-TEST(iBltBilinear32Safe, a_source_rectangle_within_its_surface_has_an_area_of_whole_pitches) {
-    // The area is counted from the rectangle's corner, so it ends beside the rectangle's last row, not with it: of an
-    // enlarged row the last one is copied, the one above filtered with it.
-    Surface src(9, 9, 0x80000000);
-    const Pixels pixels = scaled(bilinearSafe, Surface(10, 10), src, {3, 2, 8, 7});
-    for (std::size_t i = 0; i < 100; ++i)
-        EXPECT_EQ(pixels[i], i < 80 ? 0 : 0x80000000u) << i;
-}
-
-TEST(iBltBilinear32Safe, the_right_edge_still_reads_one_pixel_beyond) {
-    Surface src(2, 3);
-    src.at(2, 0) = 0x0000FF;
-    EXPECT_EQ(scaled(bilinearSafe, Surface(4, 3), src)[3], 0x00007Fu);
 }
 
 TEST(iBltBilinear32Safe, a_bottom_up_source_comes_out_unfiltered) {
@@ -280,94 +199,56 @@ TEST(iBltBilinear32Safe, a_bottom_up_source_comes_out_unfiltered) {
     Surface dst(4, 4);
     tagRECT dstRect = dst.rect();
     tagRECT srcRect = src.rect();
-    iBltBilinear32Safe(dst.pixels(), &src.at(0, 1), &dstRect, &srcRect, pitchOf(dst),
-                       static_cast<q_ulong>(-src.pitch()));
-    Surface expected(4, 4);
-    nearest(expected, dstRect, src, srcRect);
-    const tagRECT upper = {0, 0, 4, 2};
-    const tagRECT lower = {0, 2, 4, 4};
-    EXPECT_EQ(dst.differenceFrom(showing(showing(Surface(4, 4), 0, 0, expected, lower), 0, 2, expected, upper)), "");
+    iBltBilinear32Safe(dst.pixels(), &src.at(0, 1), &dstRect, &srcRect, pitchOf(dst), unsignedOf(-src.pitch()));
+    EXPECT_EQ(rowsOf(dst, {{'1', 0x80000001}, {'2', 0x80000002}, {'3', 0x80000003}, {'4', 0x80000004}}),
+              (Rows{"1122", "1122", "3344", "3344"}));
 }
 
-TEST(iBltAdaptive32, equal_sizes_copy_the_top_byte) {
+TEST(iBltAdaptive32, copies_equal_sizes_filters_from_twice_the_area_on_and_takes_the_nearest_pixel_between) {
     Surface src(4, 3, 0xC0112233);
     Surface dst(6, 6);
-    adaptive(dst, {1, 2, 5, 5}, src, src.rect());
+    stretch(iBltAdaptive32, dst, {1, 2, 5, 5}, src, src.rect());
     EXPECT_EQ(dst.differenceFrom(showing(Surface(6, 6), 1, 2, src, src.rect())), "");
-}
-
-TEST(iBltAdaptive32, twice_the_width_is_filtered_without_reading_below) {
-    Surface src(4, 3, 0xC0112233);
-    Surface expected(8, 3, 0x00112233);
-    expected = showing(expected, 0, 2, Surface(8, 1, 0xC0112233), {0, 0, 8, 1});
-    EXPECT_EQ(scaled(adaptive, Surface(8, 3), src), pixelsOf(expected));
-}
-
-TEST(iBltAdaptive32, one_and_a_quarter_of_the_width_takes_the_nearest_pixel) {
-    EXPECT_EQ(scaled(adaptive, Surface(5, 2), numbered(4, 2)), (Pixels{1, 1, 2, 3, 4, 5, 5, 6, 7, 8}));
-}
-
-TEST(iBltAdaptive32, every_pair_of_small_sizes_chooses_by_area) {
-    test::Random random(1);
-    Surface src = Surface::randomOfSize(random, 5, 5);
-    for (int sizes = 0; sizes < 6 * 6 * 6 * 6; ++sizes) {
-        tagRECT dstRect = {0, 0, sizes % 6, sizes / 6 % 6};
-        tagRECT srcRect = {0, 0, sizes / 36 % 6, sizes / 216};
-        Surface dst(5, 5);
-        Surface expected(5, 5);
-        adaptive(dst, dstRect, src, srcRect);
-        plain::iBltAdaptive32(expected.pixels(), src.pixels(), &dstRect, &srcRect, pitchOf(expected), pitchOf(src));
-        ASSERT_EQ(dst.differenceFrom(expected), "") << sizes;
-    }
+    Pixels expected(16, 0x00112233);
+    expected.resize(24, 0xC0112233);
+    EXPECT_EQ(over(Surface(8, 3), src, iBltAdaptive32), expected);
+    EXPECT_EQ(over(Surface(5, 2), numbered(4, 2), iBltAdaptive32), (Pixels{1, 1, 2, 3, 4, 5, 5, 6, 7, 8}));
 }
 
 TEST(iBltAdaptive32, areas_wrap_in_32_bits) {
     // 3 * 30000 * 30000 is above 2^31 and counts as negative: the reduction to one pixel looks like an enlargement.
     const Surface src(2, 2, 0xC0112233);
-    EXPECT_EQ(scaled(adaptive, Surface(1, 1), src, {0, 0, 30000, 30000})[0], 0x00112233u);
-    EXPECT_EQ(scaled(adaptive, Surface(1, 1), src, {0, 0, 20000, 20000})[0], 0xC0112233u); // 1.2 * 10^9 still fits
+    EXPECT_EQ(areaOver(Surface(1, 1), src, {0, 0, 30000, 30000}, iBltAdaptive32)[0], 0x00112233u);
+    EXPECT_EQ(areaOver(Surface(1, 1), src, {0, 0, 20000, 20000}, iBltAdaptive32)[0], 0xC0112233u); // 1.2 * 10^9 fits
 }
 
-TEST(iBltPerfect32, writes_one_column_and_row_more_than_the_whole_pixels) {
+// Positioned to a sixteenth of a pixel
+
+TEST(iBltPerfect32, equal_sizes_write_one_column_and_row_more_than_the_whole_pixels) {
     Surface src = numbered(8, 8);
-    for (int size = 16; size <= 5 * 16; ++size) {
-        Surface dst(10, 10, 0xAAAAAAAA);
-        const Surface expected = showing(dst, 1, 2, src, {0, 0, size / 16 + 1, size / 16 + 1});
-        perfect(dst, {16, 32, 16 + size, 32 + size}, src, {0, 0, size, size});
-        ASSERT_EQ(dst.differenceFrom(expected), "") << size;
-    }
+    for (const int phase : {0, 1, 15})
+        for (int size = 16; size <= 5 * 16; ++size) {
+            Surface dst(10, 10, 0xAAAAAAAA);
+            const Surface expected = showing(dst, 1, 2, src, {0, 0, size / 16 + 1, size / 16 + 1});
+            stretch(iBltPerfect32, dst, {16 + phase, 32 + phase, 16 + phase + size, 32 + phase + size}, src,
+                    {phase, phase, phase + size, phase + size});
+            ASSERT_EQ(dst.differenceFrom(expected), "") << size << " from " << phase;
+        }
 }
 
-TEST(iBltPerfect32, equal_phases_of_any_size_copy_the_colours) {
-    Surface src(4, 4, 0xFF112233);
-    src.at(2, 1) = 0x80445566;
-    for (int phase = 0; phase < 16; ++phase) {
-        Surface dst(4, 4);
-        perfect(dst, {phase, phase, phase + 48, phase + 48}, src, {phase, phase, phase + 48, phase + 48});
-        Surface expected(4, 4);
-        expected = showing(expected, 0, 0, Surface(4, 4, 0x00112233), {0, 0, 4, 4});
-        expected.at(2, 1) = 0x00445566;
-        EXPECT_EQ(dst.differenceFrom(expected), "") << phase;
-    }
-}
-
-TEST(iBltPerfect32, a_source_half_a_pixel_further_right_shows_the_mean_of_two_columns) {
-    Surface src = rowOf({0x000000, 0x0000FF, 0x00FF00});
-    Surface dst(2, 2);
-    perfect(dst, {0, 0, 16, 16}, src, {8, 0, 24, 16});
-    EXPECT_EQ(dst.at(0, 0), 0x00007Fu);
-    EXPECT_EQ(dst.at(1, 0), 0x007F7Fu);
-}
-
-TEST(iBltPerfect32, a_destination_phase_beyond_the_sources_reads_to_the_left_and_above) {
+TEST(iBltPerfect32, a_phase_reads_between_two_columns_and_one_beyond_the_sources_to_the_left_and_above) {
+    Surface columns = rowOf({0xFF000000, 0x0000FF, 0x00FF00});
+    Surface means(2, 1);
+    stretch(iBltPerfect32, means, {0, 0, 16, 16}, columns, {8, 0, 24, 16});
+    EXPECT_EQ(pixelsOf(means), (Pixels{0x00007F, 0x007F7F}));
     Surface src(2, 2);
     src.at(-1, 0) = 0x0000FF;
     src.at(0, -1) = 0x00FF00;
     Surface dst(3, 3);
-    perfect(dst, {8, 0, 24, 16}, src, {0, 0, 16, 16}); // starts half a pixel before column 0
+    stretch(iBltPerfect32, dst, {8, 0, 24, 16}, src, {0, 0, 16, 16}); // starts half a pixel before column 0
     EXPECT_EQ(dst.at(0, 0), 0x00007Fu);
     EXPECT_EQ(dst.at(1, 0), 0u);
-    perfect(dst, {0, 4, 16, 20}, src, {0, 0, 16, 16}); // a quarter of a pixel before row 0
+    stretch(iBltPerfect32, dst, {0, 4, 16, 20}, src, {0, 0, 16, 16}); // a quarter of a pixel before row 0
     EXPECT_EQ(dst.at(0, 0), 0x003F00u);
     EXPECT_EQ(dst.at(0, 1), 0u);
 }
@@ -377,23 +258,22 @@ TEST(iBltPerfect32, negative_coordinates_are_divided_toward_zero) {
     Surface src = numbered(4, 4);
     Surface dst(4, 4, 0xAAAAAAAA);
     const Surface expected = showing(dst, 0, -1, src, {0, 0, 2, 2});
-    perfect(dst, {-8, -24, 8, -8}, src, {8, 8, 24, 24});
+    stretch(iBltPerfect32, dst, {-8, -24, 8, -8}, src, {8, 8, 24, 24});
     EXPECT_EQ(dst.differenceFrom(expected), "");
 }
 
 TEST(iBltPerfect32, extents_above_minus_one_pixel_write_one_column_and_0_writes_none) {
     Surface src = numbered(4, 4);
+    const auto expectWritten = [&](int width, int height, const tagRECT &part) {
+        Surface dst(4, 4, 0xAAAAAAAA);
+        const Surface expected = showing(dst, 1, 1, src, part);
+        stretch(iBltPerfect32, dst, {16, 16, 16 + width, 16 + height}, src, {0, 0, 16, 16});
+        EXPECT_EQ(dst.differenceFrom(expected), "") << width << " by " << height;
+    };
     for (int extent = -40; extent <= 15; ++extent) {
         const int written = extent == 0 || extent <= -16 ? 0 : 1;
-        Surface dst(4, 4, 0xAAAAAAAA);
-        Surface expected = showing(dst, 1, 1, src, {0, 0, written, 2});
-        perfect(dst, {16, 16, 16 + extent, 32}, src, {0, 0, 16, 16});
-        EXPECT_EQ(dst.differenceFrom(expected), "") << "width " << extent;
-
-        dst = Surface(4, 4, 0xAAAAAAAA);
-        expected = showing(dst, 1, 1, src, {0, 0, 2, written});
-        perfect(dst, {16, 16, 32, 16 + extent}, src, {0, 0, 16, 16});
-        EXPECT_EQ(dst.differenceFrom(expected), "") << "height " << extent;
+        expectWritten(extent, 16, {0, 0, written, 2});
+        expectWritten(16, extent, {0, 0, 2, written});
     }
 }
 

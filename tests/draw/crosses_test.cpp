@@ -1,42 +1,29 @@
-#include "support/surface.h"
-
-#include <gtest/gtest.h>
+#include "support/pictures.h"
 
 namespace {
 
-using test::Surface;
+using namespace test;
 
-struct Offset {
-    int x;
-    int y;
-};
+const Rows withoutRightTip = {"...+...", "...+...", ".++++..", "...+...", "...+..."};
 
-constexpr Offset arms[] = {{0, -2}, {0, -1}, {-2, 0}, {-1, 0}, {0, 0}, {1, 0}, {2, 0}, {0, 1}, {0, 2}};
+TEST(Draw_Pixel_Add, saturates_each_channel_and_clears_the_top_byte_of_one_pixel) {
+    EXPECT_EQ(pixelsOf(drawnOn(Surface(3, 1, 0xFF1020F0), Draw_Pixel_Add, 1, 0, 0x80010220)),
+              (Pixels{0xFF1020F0, 0x001122FF, 0xFF1020F0}));
+}
 
 TEST(Draw_Cross, adds_to_nine_pixels_and_clears_their_top_bytes) {
-    Surface surface(7, 7, 0xFF80F010);
-    Surface expected = surface;
-    for (const Offset arm : arms)
-        expected.at(3 + arm.x, 3 + arm.y) = 0x0090FF50;
-    Draw_Cross(surface.pixels(), surface.pitch(), 3, 3, 0x77102040);
-    EXPECT_EQ(surface.differenceFrom(expected), "");
+    EXPECT_EQ(rowsOf(drawnOn(Surface(7, 5, 0xFF80F010), Draw_Cross, 3, 2, 0x77102040),
+                     {{'.', 0xFF80F010}, {'+', 0x0090FF50}}),
+              (Rows{"...+...", "...+...", ".+++++.", "...+...", "...+..."}));
 }
 
-TEST(Draw_Cross_Fast, lacks_the_right_tip) {
-    Surface surface(7, 7, 0);
-    Surface expected = surface;
-    for (const Offset arm : arms)
-        expected.at(3 + arm.x, 3 + arm.y) = arm.x == 2 ? 0u : 0xFF0000u;
-    Draw_Cross_Fast(surface.pixels(), surface.pitch(), 3, 3, 0xFF0000);
-    EXPECT_EQ(surface.differenceFrom(expected), "");
-}
-
-TEST(Draw_Cross_Fast, overwrites_the_arms_with_the_sum_at_the_centre) {
-    Surface surface(7, 7, 0x00FFFFFF);
-    surface.at(3, 3) = 0xAA102030;
-    Draw_Cross_Fast(surface.pixels(), surface.pitch(), 3, 3, 0x010203);
-    for (const Offset arm : arms)
-        EXPECT_EQ(surface.at(3 + arm.x, 3 + arm.y), arm.x == 2 ? 0xFFFFFFu : 0x112233u);
+TEST(Draw_Cross_Fast, lacks_the_right_tip_and_overwrites_the_arms_with_the_sum_at_the_centre) {
+    EXPECT_EQ(rowsOf(drawnOn(Surface(7, 5), Draw_Cross_Fast, 3, 2, 0xFF0000), {{'.', 0}, {'+', 0xFF0000}}),
+              withoutRightTip);
+    Surface surface(7, 5, 0x00FFFFFF);
+    surface.at(3, 2) = 0xAA102030;
+    EXPECT_EQ(rowsOf(drawnOn(surface, Draw_Cross_Fast, 3, 2, 0x010203), {{'.', 0xFFFFFF}, {'+', 0x112233}}),
+              withoutRightTip);
 }
 
 } // namespace

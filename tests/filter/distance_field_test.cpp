@@ -1,4 +1,4 @@
-#include "support/surface.h"
+#include <q_Mur.h>
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,6 @@
 #include <vector>
 
 namespace {
-
-using test::Surface;
 
 /// What a search of one ring tells.
 struct Found {
@@ -21,27 +19,27 @@ struct Found {
     }
 };
 
-Found searchWithLimit(q_ulong *block, int blockWords, int index, int pitch, int ring, int limit) {
+using Words = std::vector<q_ulong>;
+
+/// Searches a block of words around one of them.
+Found withLimit(Words &words, int index, int pitch, int ring, int limit) {
     Found found = {-1, -1};
-    found.goesOn = FindNearBlackDistanceSquare(block, blockWords, index, pitch, ring, &found.distanceSquare, limit);
+    found.goesOn = FindNearBlackDistanceSquare(words.data(), static_cast<int>(words.size()), index, pitch, ring,
+                                               &found.distanceSquare, limit);
+    return found;
+}
+Found withoutLimit(Words &words, int index, int pitch, int ring) {
+    Found found = {-1, -1};
+    found.goesOn = FindNearBlackDistanceSquare(words.data(), static_cast<int>(words.size()), index, pitch, ring,
+                                               &found.distanceSquare);
     return found;
 }
 
-Found search(q_ulong *block, int blockWords, int index, int pitch, int ring) {
+/// Searches a surface of rows without margin for a colour.
+Found searchColour(Words words, int width, int x, int y, int ring) {
     Found found = {-1, -1};
-    found.goesOn = FindNearBlackDistanceSquare(block, blockWords, index, pitch, ring, &found.distanceSquare);
-    return found;
-}
-
-Found searchColour(Surface &surface, int x, int y, int ring) {
-    // This search knows surfaces without a margin alone.
-    std::vector<q_ulong> words;
-    for (int row = 0; row < surface.height(); ++row)
-        for (int column = 0; column < surface.width(); ++column)
-            words.push_back(surface.at(column, row));
-    Found found = {-1, -1};
-    found.goesOn =
-        FindNearSrcDistanceSquare(words.data(), surface.width(), surface.height(), x, y, ring, &found.distanceSquare);
+    found.goesOn = FindNearSrcDistanceSquare(words.data(), width, static_cast<int>(words.size()) / width, x, y, ring,
+                                             &found.distanceSquare);
     return found;
 }
 
@@ -49,14 +47,14 @@ Found searchColour(Surface &surface, int x, int y, int ring) {
 struct Field {
     static constexpr int pitch = 9;
     static constexpr int middle = 4 * pitch + 4;
-    std::vector<q_ulong> words = std::vector<q_ulong>(81, 1);
+    Words words = Words(81, 1);
 
     Field &blacken(int dx, int dy) {
         words[static_cast<std::size_t>(middle + dy * pitch + dx)] = 0;
         return *this;
     }
-    Found withLimit(int ring, int limit) { return searchWithLimit(words.data(), 81, middle, pitch, ring, limit); }
-    Found withoutLimit(int ring) { return search(words.data(), 81, middle, pitch, ring); }
+    Found withLimit(int ring, int limit) { return ::withLimit(words, middle, pitch, ring, limit); }
+    Found withoutLimit(int ring) { return ::withoutLimit(words, middle, pitch, ring); }
 };
 
 TEST(FindNearBlackDistanceSquare, with_a_limit_reports_the_nearest_black_of_the_ring) {
@@ -127,71 +125,50 @@ TEST(FindNearBlackDistanceSquare, a_top_byte_alone_is_not_black) {
 
 TEST(FindNearBlackDistanceSquare, rings_wrap_round_at_the_ends_of_rows) {
     // Three rows of four: the word before the start of the second row is the end of the first.
-    std::vector<q_ulong> words(12, 5);
+    Words words(12, 5);
     words[3] = 0;
-    EXPECT_EQ(search(words.data(), 12, 4, 4, 1), (Found{0, 1}));
-    EXPECT_EQ(searchWithLimit(words.data(), 12, 4, 4, 1, 50), (Found{0, 1})); // at (-1, 0)
-    EXPECT_EQ(searchWithLimit(words.data(), 12, 8, 4, 1, 50), (Found{0, 2})); // at (-1, -1)
+    EXPECT_EQ(withoutLimit(words, 4, 4, 1), (Found{0, 1}));
+    EXPECT_EQ(withLimit(words, 4, 4, 1, 50), (Found{0, 1})); // at (-1, 0)
+    EXPECT_EQ(withLimit(words, 8, 4, 1, 50), (Found{0, 2})); // at (-1, -1)
     words[3] = 5;
     words[8] = 0;
-    EXPECT_EQ(searchWithLimit(words.data(), 12, 7, 4, 1, 50), (Found{0, 1})); // at (1, 0)
-    EXPECT_EQ(searchWithLimit(words.data(), 12, 3, 4, 1, 50), (Found{0, 2})); // at (1, 1)
-}
-
-TEST(FindNearBlackDistanceSquare, only_words_of_the_block_count) {
-    std::vector<q_ulong> words(12, 0);
-    for (int i = 4; i < 8; ++i)
-        words[static_cast<std::size_t>(i)] = 5;
-    q_ulong *const block = words.data() + 4;
-    for (int index = 0; index < 4; ++index)
-        for (int ring = 0; ring <= 3; ++ring) {
-            EXPECT_EQ(search(block, 4, index, 4, ring), (Found{1, ring * ring}));
-            EXPECT_EQ(searchWithLimit(block, 4, index, 4, ring, 77), (Found{0, 77}));
-        }
-    EXPECT_EQ(search(block, 5, 3, 4, 1), (Found{0, 1}));
+    EXPECT_EQ(withLimit(words, 7, 4, 1, 50), (Found{0, 1})); // at (1, 0)
+    EXPECT_EQ(withLimit(words, 3, 4, 1, 50), (Found{0, 2})); // at (1, 1)
 }
 
 TEST(FindNearBlackDistanceSquare, squares_of_1000000_and_above_do_not_count) {
     // In a row of words whose pitch is larger than the row, the other rows of the ring lie outside.
-    constexpr int length = 1002;
-    std::vector<q_ulong> words(length, 1);
+    Words words(1002, 1);
     words[0] = 0;
-    EXPECT_EQ(searchWithLimit(words.data(), length, 999, 5000, 999, 0x7FFFFFFF), (Found{0, 999 * 999}));
-    EXPECT_EQ(search(words.data(), length, 999, 5000, 999), (Found{0, 999 * 999}));
-    EXPECT_EQ(searchWithLimit(words.data(), length, 1000, 5000, 1000, 0x7FFFFFFF), (Found{1, 1000000}));
-    EXPECT_EQ(search(words.data(), length, 1000, 5000, 1000), (Found{1, 1000000}));
-}
-
-TEST(FindNearBlackDistanceSquare, squares_beyond_32_bits_do_not_count_either) {
-    std::vector<q_ulong> words(100001, 1);
+    EXPECT_EQ(withLimit(words, 999, 5000, 999, 0x7FFFFFFF), (Found{0, 999 * 999}));
+    EXPECT_EQ(withoutLimit(words, 999, 5000, 999), (Found{0, 999 * 999}));
+    EXPECT_EQ(withLimit(words, 1000, 5000, 1000, 0x7FFFFFFF), (Found{1, 1000000}));
+    EXPECT_EQ(withoutLimit(words, 1000, 5000, 1000), (Found{1, 1000000}));
+    // Nor do those beyond 32 bits.
+    words.assign(100001, 1);
     words[0] = 0;
-    EXPECT_EQ(searchWithLimit(words.data(), 100001, 100000, 1, 50000, 0x7FFFFFFF), (Found{1, 1000000}));
-    EXPECT_EQ(search(words.data(), 100001, 100000, 1, 50000).goesOn, 1);
+    EXPECT_EQ(withLimit(words, 100000, 1, 50000, 0x7FFFFFFF), (Found{1, 1000000}));
+    EXPECT_EQ(withoutLimit(words, 100000, 1, 50000).goesOn, 1);
 }
 
 TEST(FindNearSrcDistanceSquare, a_top_byte_alone_is_no_colour) {
-    Surface surface(3, 3);
-    surface.at(1, 0) = 0xFF000000;
-    EXPECT_EQ(searchColour(surface, 1, 1, 1), (Found{1, 1000000}));
-    surface.at(1, 0) = 0x00010000;
-    EXPECT_EQ(searchColour(surface, 1, 1, 1), (Found{0, 1}));
+    EXPECT_EQ(searchColour({0, 0xFF000000, 0, 0, 0, 0, 0, 0, 0}, 3, 1, 1, 1), (Found{1, 1000000}));
+    EXPECT_EQ(searchColour({0, 0x00010000, 0, 0, 0, 0, 0, 0, 0}, 3, 1, 1, 1), (Found{0, 1}));
 }
 
 TEST(FindNearSrcDistanceSquare, rings_end_at_the_sides_of_the_surface) {
     // The end of one row does not neighbour the start of the next.
-    Surface surface(4, 3);
-    surface.at(3, 0) = 1;
-    EXPECT_EQ(searchColour(surface, 0, 1, 1), (Found{1, 1000000}));
-    EXPECT_EQ(searchColour(surface, 0, 1, 2), (Found{1, 1000000}));
-    EXPECT_EQ(searchColour(surface, 0, 1, 3), (Found{0, 10}));
-    EXPECT_EQ(searchColour(surface, 0, 1, 4), (Found{1, 1000000}));
+    const Words words = {0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0};
+    for (const int ring : {1, 2, 4})
+        EXPECT_EQ(searchColour(words, 4, 0, 1, ring), (Found{1, 1000000}));
+    EXPECT_EQ(searchColour(words, 4, 0, 1, 3), (Found{0, 10}));
 }
 
 TEST(FindNearSrcDistanceSquare, squares_of_1000000_and_above_do_not_count) {
-    Surface surface(1002, 1);
-    surface.at(0, 0) = 1;
-    EXPECT_EQ(searchColour(surface, 999, 0, 999), (Found{0, 999 * 999}));
-    EXPECT_EQ(searchColour(surface, 1000, 0, 1000), (Found{1, 1000000}));
+    Words words(1002);
+    words[0] = 1;
+    EXPECT_EQ(searchColour(words, 1002, 999, 0, 999), (Found{0, 999 * 999}));
+    EXPECT_EQ(searchColour(words, 1002, 1000, 0, 1000), (Found{1, 1000000}));
 }
 
 } // namespace

@@ -1,15 +1,15 @@
 #include "plain/light_map.h"
-#include "support/surface.h"
+#include "support/painting.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cmath>
 #include <vector>
 
 namespace {
 
 using Form = plain::Relief;
+using test::painted;
 using test::Surface;
 
 struct Settings {
@@ -28,63 +28,66 @@ void convert(q_ulong *surface, tagRECT rect, int pitch, const Settings &settings
     else
         ConvertSrc2LightInfom(surface, &rect, pitch, heightScale, bevelSize, limitOrProfile);
 }
-
 void convertPlainly(q_ulong *surface, const tagRECT &rect, int pitch, const Settings &settings) {
     plain::LightMap(settings.form, surface, rect, pitch, settings.heightScale, settings.bevelSize,
                     settings.limitOrProfile)
         .draw();
 }
 
+Surface converted(Surface surface, const tagRECT &rect, const Settings &settings) {
+    convert(surface.pixels(), rect, surface.pitch(), settings);
+    return surface;
+}
+Surface converted(const Surface &surface, const Settings &settings) {
+    return converted(surface, surface.rect(), settings);
+}
+Surface convertedPlainly(Surface surface, const tagRECT &rect, const Settings &settings) {
+    convertPlainly(surface.pixels(), rect, surface.pitch(), settings);
+    return surface;
+}
+
 constexpr Form forms[] = {Form::blockWithLimit, Form::block, Form::source};
 
+/// A profile where the form has one, else a limit, of which small ones end a search at once.
+int profileOrLimit(Form form, int profile, int limit) {
+    return form == Form::source ? profile : limit;
+}
+
+/// A disc on black, in the middle of a picture.
+Surface discOf(int side, int radius) {
+    return painted(Surface(side, side), {0, 0, side, side}, [=](int x, int y) {
+        const int dx = x - side / 2;
+        const int dy = y - side / 2;
+        return dx * dx + dy * dy < radius * radius ? 1u : 0u;
+    });
+}
+
 TEST(LightMaps, a_larger_shape_agrees_with_a_naive_map) {
-    test::Random random(92);
+    const Surface disc = discOf(60, 24);
+    const tagRECT rect = {5, 0, 56, 60};
     for (const Form form : forms) {
-        Surface surface(70, 50);
-        for (int y = 0; y < 50; ++y)
-            for (int x = 0; x < 70; ++x)
-                surface.at(x, y) = (x - 35) * (x - 35) + (y - 25) * (y - 25) < 24 * 24 ? random.word() | 1 : 0;
-        Surface expected = surface;
-        const Settings settings = {form, 3, 40, form == Form::source ? 2 : 3000000};
-        convertPlainly(expected.pixels(), {5, 0, 66, 50}, surface.pitch(), settings);
-        convert(surface.pixels(), {5, 0, 66, 50}, surface.pitch(), settings);
-        EXPECT_EQ(surface.differenceFrom(expected), "");
+        const Settings settings = {form, 3, 40, profileOrLimit(form, 2, 3000000)};
+        EXPECT_EQ(converted(disc, rect, settings).differenceFrom(convertedPlainly(disc, rect, settings)), "");
     }
 }
 
 TEST(LightMaps, a_rectangle_of_zeros_stays) {
+    const tagRECT rect = {1, 2, 7, 8};
+    const Surface before = painted(Surface(9, 9, 5), rect, 0);
     for (const Form form : forms) {
-        Surface surface(9, 9, 5);
-        for (int y = 2; y < 8; ++y)
-            for (int x = 1; x < 7; ++x)
-                surface.at(x, y) = 0;
-        const Surface before = surface;
-        for (const int limitOrProfile : {0, 2, 2000000}) {
-            convert(surface.pixels(), {1, 2, 7, 8}, surface.pitch(), {form, 4, 20, limitOrProfile});
-            EXPECT_EQ(surface.differenceFrom(before), "");
-        }
-        // No black anywhere near, either.
-        Surface zeros(9, 9, 0);
-        convert(zeros.pixels(), {0, 0, 9, 9}, zeros.pitch(), {form, 4, 20, 2});
-        EXPECT_EQ(zeros.differenceFrom(Surface(9, 9, 0)), "");
+        for (const int limitOrProfile : {0, 2, 2000000})
+            EXPECT_EQ(converted(before, rect, {form, 4, 20, limitOrProfile}).differenceFrom(before), "");
+        EXPECT_EQ(converted(Surface(9, 9), {form, 4, 20, 2}).differenceFrom(Surface(9, 9)), "") << "nor black near it";
     }
 }
 
 TEST(LightMaps, a_rectangle_without_black_stays_where_the_search_has_no_limit) {
     const Surface before(8, 8, 3);
     for (const Settings &settings : {Settings{Form::blockWithLimit, 4, 20, 1000000}, Settings{Form::block, 4, 20, 0},
-                                     Settings{Form::source, 4, 20, 2}}) {
-        Surface surface = before;
-        convert(surface.pixels(), surface.rect(), surface.pitch(), settings);
-        EXPECT_EQ(surface.differenceFrom(before), "");
-    }
-    Surface surface = before;
-    convert(surface.pixels(), surface.rect(), surface.pitch(), {Form::blockWithLimit, 0, 20, 999999});
-    Surface flat = before;
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 8; ++x)
-            flat.at(x, y) = 0x00020117;
-    EXPECT_EQ(surface.differenceFrom(flat), "");
+                                     Settings{Form::source, 4, 20, 2}})
+        EXPECT_EQ(converted(before, settings).differenceFrom(before), "");
+    const Surface flat = painted(before, before.rect(), 0x00020117);
+    EXPECT_EQ(converted(before, {Form::blockWithLimit, 0, 20, 999999}).differenceFrom(flat), "");
 }
 
 /// The diffuse light of a flat spot is 256 * 0.7 = 179.2 and 100, its highlight 256 * (1.7 / 1.967)^32 = 2.4. In the
@@ -95,27 +98,19 @@ constexpr q_ulong flatWord(Form form) {
 
 /// Expects a shape, all but its every third diagonal, to become flat words.
 void expectFlat(const Settings &settings) {
-    Surface surface(11, 9);
-    Surface expected = surface;
-    for (int y = 0; y < 9; ++y)
-        for (int x = 0; x < 11; ++x)
-            if ((x + y) % 3 != 0) {
-                surface.at(x, y) = static_cast<q_ulong>(x + 1) << 24 | 0x777777;
-                expected.at(x, y) = flatWord(settings.form);
-            }
-    convert(surface.pixels(), surface.rect(), surface.pitch(), settings);
-    EXPECT_EQ(surface.differenceFrom(expected), "");
+    const auto shape = [](const auto &colour) {
+        return painted(Surface(11, 9), {0, 0, 11, 9},
+                       [&](int x, int y) { return (x + y) % 3 != 0 ? static_cast<q_ulong>(colour(x)) : 0; });
+    };
+    const Surface before = shape([](int x) { return (x + 1) << 24 | 0x777777; });
+    const Surface flat = shape([&](int) { return flatWord(settings.form); });
+    EXPECT_EQ(converted(before, settings).differenceFrom(flat), "");
 }
 
 TEST(LightMaps, raised_shapes_are_lit_from_the_upper_left_and_hollow_ones_look_lit_from_the_lower_right) {
     for (const Form form : forms)
         for (const int heightScale : {1, -1}) {
-            Surface disc(41, 41);
-            for (int y = 0; y < 41; ++y)
-                for (int x = 0; x < 41; ++x)
-                    disc.at(x, y) = (x - 20) * (x - 20) + (y - 20) * (y - 20) < 16 * 16 ? 1 : 0;
-            convert(disc.pixels(), disc.rect(), disc.pitch(),
-                    {form, heightScale, 16, form == Form::source ? 2 : 1000000});
+            const Surface disc = converted(discOf(41, 16), {form, heightScale, 16, profileOrLimit(form, 2, 1000000)});
             const auto diffuse = [&](int x, int y) {
                 return static_cast<int>(disc.at(x, y) & (form == Form::source ? 0xFF : 0xFFFF)) - 100;
             };
@@ -123,20 +118,13 @@ TEST(LightMaps, raised_shapes_are_lit_from_the_upper_left_and_hollow_ones_look_l
             EXPECT_EQ(diffuse(20, 20), flat);
             // A source map has no room for more light than a flat spot has.
             const int brightest = form == Form::source ? flat : flat + 100;
-            const int upperLeft = diffuse(11, 11);
-            const int lowerRight = diffuse(29, 29);
-            EXPECT_GE(heightScale > 0 ? upperLeft : lowerRight, brightest);
-            EXPECT_EQ(heightScale > 0 ? lowerRight : upperLeft, 0);
+            EXPECT_GE(heightScale > 0 ? diffuse(11, 11) : diffuse(29, 29), brightest);
+            EXPECT_EQ(heightScale > 0 ? diffuse(29, 29) : diffuse(11, 11), 0);
         }
 }
 
 TEST(ConvertSrc2LightInfom, slopes_are_positive_where_the_relief_rises_to_the_right_and_downward) {
-    Surface disc(41, 41);
-    for (int y = 0; y < 41; ++y)
-        for (int x = 0; x < 41; ++x)
-            disc.at(x, y) = (x - 20) * (x - 20) + (y - 20) * (y - 20) < 16 * 16 ? 1 : 0;
-    tagRECT rect = disc.rect();
-    ConvertSrc2LightInfom(disc.pixels(), &rect, disc.pitch(), 1, 16, 2);
+    const Surface disc = converted(discOf(41, 16), {Form::source, 1, 16, 2});
     const auto slopeX = [&](int x, int y) { return static_cast<signed char>(disc.at(x, y) >> 24); };
     const auto slopeY = [&](int x, int y) { return static_cast<signed char>(disc.at(x, y) >> 16 & 0xFF); };
     EXPECT_GT(slopeX(6, 20), 0);
@@ -145,26 +133,20 @@ TEST(ConvertSrc2LightInfom, slopes_are_positive_where_the_relief_rises_to_the_ri
     EXPECT_LT(slopeY(20, 34), 0);
 }
 
-TEST(LightMaps, a_height_scale_of_0_makes_all_of_it_flat) {
+TEST(LightMaps, settings_that_leave_no_relief_make_all_of_it_flat) {
     for (const Form form : forms)
         for (const int bevelSize : {0, 7, 40})
             for (const int limitOrProfile : {0, 1, 2, 9, 1000000})
                 expectFlat({form, 0, bevelSize, limitOrProfile});
-}
-
-TEST(LightMaps, a_bevel_of_0_makes_the_block_forms_and_the_rounded_source_form_flat) {
+    // A bevel of 0, in all but two profiles of the source form.
     expectFlat({Form::blockWithLimit, 12, 0, 0});
     expectFlat({Form::blockWithLimit, 12, 1, 50});
     expectFlat({Form::block, 12, 0, 0});
     expectFlat({Form::source, 12, 0, 2});
-}
-
-TEST(ConvertSrc2LightInfom, a_profile_that_does_not_exist_is_flat) {
+    // A profile that does not exist.
     for (const int profile : {3, 4, -1, INT_MIN, INT_MAX})
         expectFlat({Form::source, 12, 40, profile});
-}
-
-TEST(ConvertSrc2LightInfom, a_negative_bevel_of_8_and_more_smooths_over_no_pixel_at_all) {
+    // A negative bevel of 8 and more smooths over no pixel at all.
     expectFlat({Form::source, 12, -8, 0});
     expectFlat({Form::source, 12, -100, 1});
 }
@@ -173,23 +155,26 @@ TEST(ConvertSrc2LightInfom, a_negative_bevel_of_8_and_more_smooths_over_no_pixel
 /// that line. The far ends of the rows are black too.
 enum class Side { left, top, right, bottom };
 q_ulong wordBeside(Side side, int depth, const Settings &settings) {
-    Surface surface(41, 41, 1);
-    const auto pixel = [&surface, side](int across, int along) -> q_ulong & {
+    const auto place = [side](int across, int along) -> tagPOINT {
         switch (side) {
         case Side::left:
-            return surface.at(across, along);
+            return {across, along};
         case Side::right:
-            return surface.at(40 - across, along);
+            return {40 - across, along};
         case Side::top:
-            return surface.at(along, across);
+            return {along, across};
         default:
-            return surface.at(along, 40 - across);
+            return {along, 40 - across};
         }
     };
+    Surface surface(41, 41, 1);
+    const auto at = [](Surface &from, tagPOINT p) -> q_ulong & {
+        return from.at(static_cast<int>(p.x), static_cast<int>(p.y));
+    };
     for (int along = 0; along < 41; ++along)
-        pixel(0, along) = 0;
-    convert(surface.pixels(), surface.rect(), surface.pitch(), settings);
-    return pixel(depth, 20);
+        at(surface, place(0, along)) = 0;
+    surface = converted(surface, settings);
+    return at(surface, place(depth, 20));
 }
 
 TEST(ConvertSrc2LightInfom, words_of_straight_slopes_by_hand) {
@@ -210,13 +195,9 @@ TEST(ConvertSrc2LightInfom, a_normal_with_a_negative_y_has_0xFF_in_the_top_byte)
         EXPECT_EQ(wordBeside(Side::bottom, depth, settings), 0xFFC70064u);
     // Also where x is positive: at a lower left corner, heights of 4 above and to the right, of 2 elsewhere. The normal
     // is (1, -1, -1) over 5^0.5, x 28 and y -28.
-    Surface surface(9, 9);
-    for (int y = 0; y < 6; ++y)
-        for (int x = 3; x < 9; ++x)
-            surface.at(x, y) = 1;
+    Surface surface = painted(Surface(9, 9), {3, 0, 9, 6}, 1);
     surface.at(3, 5) = 0;
-    convert(surface.pixels(), {0, 0, 9, 9}, surface.pitch(), settings);
-    EXPECT_EQ(surface.at(4, 4), 0xFFE400D6u);
+    EXPECT_EQ(converted(surface, settings).at(4, 4), 0xFFE400D6u);
 }
 
 TEST(ConvertSrc2LightInfom, words_of_the_other_profiles_by_hand) {
@@ -246,16 +227,11 @@ TEST(ConvertBlock2LightInfom, a_shape_of_one_pixel_by_hand) {
     // mean (0, 0, -0.577), whose light is 256 * 0.404 and 100.
     Surface surface(5, 5);
     surface.at(2, 2) = 0xFF000000;
-    Surface expected = surface;
-    expected.at(2, 2) = 203;
-    Surface result = surface;
-    convert(result.pixels(), {0, 0, 5, 5}, result.pitch(), {Form::blockWithLimit, 25, 2, 50});
-    EXPECT_EQ(result.differenceFrom(expected), "");
+    const Surface limited = converted(surface, {Form::blockWithLimit, 25, 2, 50});
+    EXPECT_EQ(limited.differenceFrom(painted(surface, {2, 2, 3, 3}, 203)), "");
     // The diagonal neighbours know nothing of it.
-    expected.at(2, 2) = 0x00020117;
-    result = surface;
-    convert(result.pixels(), {0, 0, 5, 5}, result.pitch(), {Form::block, 25, 2, 50});
-    EXPECT_EQ(result.differenceFrom(expected), "");
+    const Surface flat = converted(surface, {Form::block, 25, 2, 50});
+    EXPECT_EQ(flat.differenceFrom(painted(surface, {2, 2, 3, 3}, 0x00020117)), "");
 }
 
 TEST(ConvertBlock2LightInfom, with_a_limit_below_1000000_the_bevel_is_one_pixel_deep) {
@@ -285,21 +261,19 @@ TEST(LightMaps, searches_wrap_round_at_the_ends_of_rows) {
 
 TEST(LightMaps, a_rectangle_may_run_over_the_end_of_its_rows) {
     test::Random random(91);
-    for (const Form form : forms)
-        for (int round = 0; round < 500; ++round) {
-            const int pitch = random.between(2, 12);
-            Surface result(pitch * 8, 1);
-            for (int i = 0; i < pitch * 8; ++i)
-                result.at(i, 0) = random.oneIn(6) ? 0 : random.word() | 1;
-            result.at(pitch * 2, 0) = 0;
-            Surface expected = result;
-            const int left = random.between(1, pitch - 1);
-            const tagRECT rect = {left, 1, left + pitch, random.between(3, 6)};
-            const Settings settings = {form, random.between(-4, 12), random.between(0, 47), random.between(0, 2)};
-            convertPlainly(expected.pixels(), rect, pitch, settings);
-            convert(result.pixels(), rect, pitch, settings);
-            ASSERT_EQ(result.differenceFrom(expected), "") << "round " << round;
-        }
+    for (int round = 0; round < 1500; ++round) {
+        const Form form = forms[round % 3];
+        const int pitch = random.between(2, 12);
+        const int left = random.between(1, pitch - 1);
+        const tagRECT rect = {left, 1, left + pitch, random.between(3, 6)};
+        const Settings settings = {form, random.between(-4, 12), random.between(0, 47), random.between(0, 2)};
+        Surface result = painted(Surface(pitch * 8, 1), {0, 0, pitch * 8, 1},
+                                 [&](int i, int) { return random.oneIn(6) || i == pitch * 2 ? 0 : random.word() | 1; });
+        Surface expected = result;
+        convertPlainly(expected.pixels(), rect, pitch, settings);
+        convert(result.pixels(), rect, pitch, settings);
+        ASSERT_EQ(result.differenceFrom(expected), "") << "round " << round;
+    }
 }
 
 TEST(LightMaps, only_words_that_a_search_comes_to_are_read) {
@@ -308,16 +282,13 @@ TEST(LightMaps, only_words_that_a_search_comes_to_are_read) {
         for (const int x : {1, 2, 3}) {
             test::PageEndPixels pixels(20 * 5);
             std::vector<q_ulong> expected(20 * 6);
-            for (int i = 0; i < 20 * 5; ++i)
-                pixels.data()[i] = 0;
-            const int shape[] = {20 * 4 + 10 + x, 20 * 3 + 10 + x, 20 * 2 + 10};
-            for (const int index : shape)
+            for (const int index : {20 * 4 + 10 + x, 20 * 3 + 10 + x, 20 * 2 + 10})
                 pixels.data()[index] = expected[static_cast<std::size_t>(index)] = 7;
-            const Settings settings = {form, 2, 9, form == Form::source ? 0 : 1000000};
+            const Settings settings = {form, 2, 9, profileOrLimit(form, 0, 1000000)};
             convertPlainly(expected.data(), {10, 0, 15, 5}, 20, settings);
             convert(pixels.data(), {10, 0, 15, 5}, 20, settings);
-            for (int i = 0; i < 20 * 5; ++i)
-                ASSERT_EQ(pixels.data()[i], expected[static_cast<std::size_t>(i)]) << i;
+            expected.resize(20 * 5);
+            ASSERT_EQ(std::vector<q_ulong>(pixels.data(), pixels.data() + 20 * 5), expected);
         }
 }
 

@@ -1,5 +1,4 @@
-#include "plain/blurs.h"
-#include "support/surface.h"
+#include "support/painting.h"
 
 #include <gtest/gtest.h>
 
@@ -7,15 +6,8 @@
 
 namespace {
 
+using test::painted;
 using test::Surface;
-
-struct Step {
-    int dx;
-    int dy;
-};
-
-/// Where the one tap of each direction lies; the other lies opposite.
-constexpr Step directions[4] = {{1, 0}, {0, 1}, {1, -1}, {1, 1}};
 
 /// The low two bits of the number that `rand` gives first after `seed`.
 int firstDrawAfter(unsigned seed) {
@@ -32,146 +24,61 @@ unsigned seedFor(int direction) {
     return 0;
 }
 
+Surface fastBlur(Surface surface, tagRECT rect, unsigned seed) {
+    std::srand(seed);
+    FastBlur_Rect(surface.pixels(), &rect, surface.pitch());
+    return surface;
+}
+
+/// Blurs by the neighbours of a phase and expects the other one to be next.
+Surface crossBlur(Surface surface, tagRECT rect, int phase) {
+    _PRIVATE_LUT_DATA lut = {phase};
+    CrossBlur_Rect(&lut, surface.pixels(), &rect, surface.pitch());
+    EXPECT_EQ(lut.phase, 1 - phase);
+    return surface;
+}
+
 /// Three rows of three blues, all pairs and fours of which have sums of their own.
 Surface nineBlues() {
     constexpr q_ulong blues[9] = {2, 4, 8, 16, 32, 64, 128, 192, 224};
-    Surface surface(3, 3);
-    for (int i = 0; i < 9; ++i)
-        surface.at(i % 3, i / 3) = 0xFF000000u | blues[i];
-    return surface;
+    return painted(Surface(3, 3), {0, 0, 3, 3}, [&](int x, int y) { return 0xFF000000u | blues[3 * y + x]; });
 }
 
 TEST(FastBlur_Rect, each_draw_takes_its_own_two_neighbours) {
     constexpr q_ulong means[4] = {(16 + 64) / 2, (4 + 192) / 2, (8 + 128) / 2, (2 + 224) / 2};
+    const Surface white(5, 4, 0xFFFFFFFF);
     for (int direction = 0; direction < 4; ++direction) {
         SCOPED_TRACE(direction);
-        Surface surface = nineBlues();
-        Surface expected = surface;
-        expected.at(1, 1) = means[direction];
-        tagRECT rect = surface.rect();
-        std::srand(seedFor(direction));
-        FastBlur_Rect(surface.pixels(), &rect, surface.pitch());
-        EXPECT_EQ(surface.differenceFrom(expected), "");
-    }
-}
-
-TEST(FastBlur_Rect, agrees_with_a_naive_average_in_every_direction) {
-    test::Random random(61);
-    int met[4] = {};
-    for (unsigned seed = 1; seed <= 4000; ++seed) {
-        Surface surface = Surface::random(random, 12);
-        tagRECT rect = random.rectInsideOrEmpty(surface.width(), surface.height());
-        const int direction = firstDrawAfter(seed);
-        const int secondDraw = std::rand();
-        ++met[direction];
-        Surface expected = surface;
-        plain::blurAlong({expected.pixels(), expected.pitch()}, rect, directions[direction].dx,
-                         directions[direction].dy);
-        std::srand(seed);
-        FastBlur_Rect(surface.pixels(), &rect, surface.pitch());
-        ASSERT_EQ(surface.differenceFrom(expected), "") << "direction " << direction;
-        ASSERT_EQ(std::rand(), secondDraw) << "one number is drawn on every call";
-    }
-    for (const int count : met)
-        EXPECT_GT(count, 100);
-}
-
-TEST(FastBlur_Rect, white_falls_to_0xFEFEFE_inside_and_stays_on_the_frame) {
-    for (int direction = 0; direction < 4; ++direction) {
-        Surface surface(5, 4, 0xFFFFFFFF);
-        Surface expected = surface;
-        for (int y = 1; y < 3; ++y)
-            for (int x = 1; x < 4; ++x)
-                expected.at(x, y) = 0x00FEFEFE;
-        tagRECT rect = surface.rect();
-        std::srand(seedFor(direction));
-        FastBlur_Rect(surface.pixels(), &rect, surface.pitch());
-        EXPECT_EQ(surface.differenceFrom(expected), "");
-    }
-}
-
-TEST(FastBlur_Rect, rectangles_without_interior_stay_but_draw_their_number) {
-    test::Random random(62);
-    const Surface before = Surface::randomOfSize(random, 6, 6);
-    for (tagRECT rect : {tagRECT{0, 0, 6, 2}, tagRECT{0, 0, 2, 6}, tagRECT{1, 1, 2, 2}, tagRECT{3, 3, 3, 3},
-                         tagRECT{5, 5, 1, 1}, tagRECT{0, 0, 6, 0}, tagRECT{4, 0, 1, 6}}) {
-        Surface surface = before;
-        firstDrawAfter(7);
-        const int secondDraw = std::rand();
-        std::srand(7);
-        FastBlur_Rect(surface.pixels(), &rect, surface.pitch());
-        EXPECT_EQ(surface.differenceFrom(before), "");
-        EXPECT_EQ(std::rand(), secondDraw);
-    }
-}
-
-TEST(FastBlur_Rect, reads_no_pixel_behind_the_last_row_of_the_surface) {
-    // The rectangle ends in the last row, and its left is not 0.
-    test::PageEndPixels pixels(8 * 5);
-    for (int i = 0; i < 8 * 5; ++i)
-        pixels.data()[i] = static_cast<q_ulong>(i) * 0x020202;
-    for (int direction = 0; direction < 4; ++direction) {
-        tagRECT rect = {4, 1, 8, 5};
-        std::srand(seedFor(direction));
-        FastBlur_Rect(pixels.data(), &rect, 8);
-    }
-    // All the averages of a plane are the plane itself.
-    for (int i = 0; i < 8 * 5; ++i)
-        ASSERT_EQ(pixels.data()[i], static_cast<q_ulong>(i) * 0x020202);
-}
-
-TEST(CrossBlur_Rect, three_by_three_pixels_have_one_inside) {
-    constexpr q_ulong means[2] = {4 / 4 + 16 / 4 + 64 / 4 + 192 / 4, 2 / 4 + 8 / 4 + 128 / 4 + 224 / 4};
-    for (int phase = 0; phase < 2; ++phase) {
-        Surface surface = nineBlues();
-        Surface expected = surface;
-        expected.at(1, 1) = means[phase];
-        tagRECT rect = surface.rect();
-        _PRIVATE_LUT_DATA lut = {phase};
-        CrossBlur_Rect(&lut, surface.pixels(), &rect, surface.pitch());
-        EXPECT_EQ(surface.differenceFrom(expected), "");
-        EXPECT_EQ(lut.phase, 1 - phase);
-    }
-}
-
-TEST(CrossBlur_Rect, white_falls_to_0xFCFCFC_inside) {
-    for (int phase = 0; phase < 2; ++phase) {
-        Surface surface(4, 3, 0xFFFFFFFF);
-        Surface expected = surface;
-        expected.at(1, 1) = expected.at(2, 1) = 0x00FCFCFC;
-        tagRECT rect = surface.rect();
-        _PRIVATE_LUT_DATA lut = {phase};
-        CrossBlur_Rect(&lut, surface.pixels(), &rect, surface.pitch());
-        EXPECT_EQ(surface.differenceFrom(expected), "");
+        const Surface blurred = fastBlur(nineBlues(), {0, 0, 3, 3}, seedFor(direction));
+        EXPECT_EQ(blurred.differenceFrom(painted(nineBlues(), {1, 1, 2, 2}, means[direction])), "");
+        // White falls to 0xFEFEFE inside and stays on the frame.
+        const Surface fallen = fastBlur(white, white.rect(), seedFor(direction));
+        EXPECT_EQ(fallen.differenceFrom(painted(white, {1, 1, 4, 3}, 0x00FEFEFE)), "");
     }
 }
 
 TEST(CrossBlur_Rect, calls_take_the_edge_neighbours_and_the_corner_neighbours_in_turn) {
-    test::Random random(63);
-    Surface surface = Surface::randomOfSize(random, 9, 7);
-    Surface expected = surface;
-    tagRECT rect = surface.rect();
-    _PRIVATE_LUT_DATA lut = {0};
-    for (int call = 0; call < 6; ++call) {
-        _PRIVATE_LUT_DATA turn = {call % 2};
-        plain::CrossBlur_Rect(&turn, expected.pixels(), &rect, expected.pitch());
-        CrossBlur_Rect(&lut, surface.pixels(), &rect, surface.pitch());
-        ASSERT_EQ(surface.differenceFrom(expected), "");
-        ASSERT_EQ(lut.phase, 1 - call % 2);
+    constexpr q_ulong means[2] = {4 / 4 + 16 / 4 + 64 / 4 + 192 / 4, 2 / 4 + 8 / 4 + 128 / 4 + 224 / 4};
+    const Surface white(4, 3, 0xFFFFFFFF);
+    for (int phase = 0; phase < 2; ++phase) {
+        const Surface blurred = crossBlur(nineBlues(), {0, 0, 3, 3}, phase);
+        EXPECT_EQ(blurred.differenceFrom(painted(nineBlues(), {1, 1, 2, 2}, means[phase])), "");
+        EXPECT_EQ(crossBlur(white, white.rect(), phase).differenceFrom(painted(white, {1, 1, 3, 2}, 0x00FCFCFC)), "");
     }
 }
 
 TEST(CrossBlur_Rect, rectangles_without_interior_stay_but_take_their_turn) {
     test::Random random(64);
     const Surface before = Surface::randomOfSize(random, 6, 6);
-    for (tagRECT rect : {tagRECT{0, 0, 6, 2}, tagRECT{0, 0, 2, 6}, tagRECT{3, 3, 3, 3}, tagRECT{5, 5, 1, 1}})
-        for (int phase = 0; phase < 2; ++phase) {
-            Surface surface = before;
-            _PRIVATE_LUT_DATA lut = {phase};
-            CrossBlur_Rect(&lut, surface.pixels(), &rect, surface.pitch());
-            EXPECT_EQ(surface.differenceFrom(before), "");
-            EXPECT_EQ(lut.phase, 1 - phase);
-        }
+    for (const tagRECT &rect : {tagRECT{0, 0, 6, 2}, tagRECT{0, 0, 2, 6}, tagRECT{3, 3, 3, 3}, tagRECT{5, 5, 1, 1}}) {
+        for (int phase = 0; phase < 2; ++phase)
+            EXPECT_EQ(crossBlur(before, rect, phase).differenceFrom(before), "");
+        // The other blur draws its number all the same, one on every call.
+        firstDrawAfter(7);
+        const int secondDraw = std::rand();
+        EXPECT_EQ(fastBlur(before, rect, 7).differenceFrom(before), "");
+        EXPECT_EQ(std::rand(), secondDraw);
+    }
 }
 
 } // namespace

@@ -1,10 +1,11 @@
 #include "frame/at_load.h"
-#include "frame/x87.h"
 #include "support/cases.h"
+#include "support/precision.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <thread>
@@ -20,33 +21,27 @@ struct Tables {
     bool operator==(const Tables &) const = default;
 };
 
-void clearTables() {
-    std::fill(iSin, iSin + 8192, 0);
-    std::fill(iCos, iCos + 8192, 0);
-    std::fill(iSqrt, iSqrt + 8192, 0);
-}
-
 TEST(Tables, are_zero_until_the_host_fills_them) {
     EXPECT_TRUE(test::atLoad.sinesAreZero);
     EXPECT_TRUE(test::atLoad.cosinesAreZero);
     EXPECT_TRUE(test::atLoad.rootsAreZero);
 }
 
-TEST(Tables, hold_these_exact_entries) {
-    const struct {
-        int index;
-        int sine;
-        int cosine;
-        int root;
-    } entries[] = {{0, 0, 32768, 0},         {1, 25, 32767, 1024},     {1024, 23170, 23170, 32768},
-                   {2048, 32768, 0, 46340},  {4096, 0, -32768, 65536}, {6144, -32768, 0, 80264},
-                   {8191, -25, 32767, 92676}};
-    for (const auto &entry : entries) {
-        EXPECT_EQ(iSin[entry.index], entry.sine) << entry.index;
-        EXPECT_EQ(iCos[entry.index], entry.cosine) << entry.index;
-        EXPECT_EQ(iSqrt[entry.index], entry.root) << entry.index;
-    }
+TEST(Tables, hold_these_exact_entries_truncated_toward_zero_on_both_sides) {
+    // The index, and the sine, cosine and root.
+    const std::array<int, 4> entries[] = {
+        {0, 0, 32768, 0},         {1, 25, 32767, 1024},     {1024, 23170, 23170, 32768}, {2048, 32768, 0, 46340},
+        {4096, 0, -32768, 65536}, {6144, -32768, 0, 80264}, {8191, -25, 32767, 92676}};
+    for (const auto &[i, sine, cosine, root] : entries)
+        EXPECT_EQ((std::array{i, iSin[i], iCos[i], iSqrt[i]}), (std::array{i, sine, cosine, root}));
     EXPECT_EQ(iSqrt[2], 1448);
+    // One step before the half circle the sine is +25.1, one step behind it -25.1.
+    EXPECT_EQ(iSin[4095], 25);
+    EXPECT_EQ(iSin[4097], -25);
+    EXPECT_EQ(iCos[2047], 25);
+    EXPECT_EQ(iCos[2049], -25);
+    EXPECT_EQ(std::count(iSin, iSin + 8192, 32768), 1);
+    EXPECT_EQ(std::count(iCos, iCos + 8192, -32768), 1);
 }
 
 TEST(Tables, every_sine_and_cosine_is_the_truncated_function) {
@@ -72,57 +67,38 @@ TEST(Tables, every_root_is_the_largest_number_whose_square_is_not_above) {
     }
 }
 
-TEST(Tables, entries_are_truncated_toward_zero_on_both_sides) {
-    // One step before the half circle the sine is +25.1, one step behind it -25.1.
-    EXPECT_EQ(iSin[4095], 25);
-    EXPECT_EQ(iSin[4097], -25);
-    EXPECT_EQ(iCos[2047], 25);
-    EXPECT_EQ(iCos[2049], -25);
-    EXPECT_EQ(*std::max_element(iSin, iSin + 8192), 32768);
-    EXPECT_EQ(*std::min_element(iSin, iSin + 8192), -32768);
-    EXPECT_EQ(std::count(iSin, iSin + 8192, 32768), 1);
-    EXPECT_EQ(std::count(iCos, iCos + 8192, -32768), 1);
-}
-
-TEST(PrepareSinTable, filling_again_gives_the_same) {
+/// Whether a filling of empty tables gives what they hold, and so does another one on top of it.
+template <class Fill>
+void expectSameTables(Fill fill) {
     const Tables before;
-    PrepareSinTable();
+    for (int *const table : {iSin, iCos, iSqrt})
+        std::fill(table, table + 8192, 0);
+    fill();
     EXPECT_EQ(Tables(), before);
-    clearTables();
-    PrepareSinTable();
+    fill();
     EXPECT_EQ(Tables(), before);
 }
 
-TEST(Init_qMur_GlobalData, fills_the_tables_with_null_arguments_and_again) {
-    const Tables before;
-    clearTables();
-    Init_qMur_GlobalData(nullptr, nullptr);
-    EXPECT_EQ(Tables(), before);
+TEST(PrepareSinTable, fills_the_same_again_and_in_a_thread_with_its_own_floating_environment) {
+    expectSameTables(PrepareSinTable);
+    expectSameTables([] { std::thread(PrepareSinTable).join(); });
+}
+
+TEST(Init_qMur_GlobalData, fills_the_tables_whatever_its_arguments) {
+    expectSameTables([] { Init_qMur_GlobalData(nullptr, nullptr); });
     char path[] = "somewhere";
-    Init_qMur_GlobalData(reinterpret_cast<HINSTANCE__ *>(path), path);
-    EXPECT_EQ(Tables(), before);
+    expectSameTables([&path] { Init_qMur_GlobalData(reinterpret_cast<HINSTANCE__ *>(path), path); });
     EXPECT_STREQ(path, "somewhere");
-}
-
-TEST(PrepareSinTable, a_thread_with_its_own_floating_environment_fills_the_same) {
-    const Tables before;
-    clearTables();
-    std::thread(PrepareSinTable).join();
-    EXPECT_EQ(Tables(), before);
 }
 
 #if Q_MUR_TESTS_X87
 TEST(PrepareSinTable, fills_the_same_at_any_precision_of_the_host_and_leaves_the_unit_as_it_was) {
-    const Tables before;
-    for (const unsigned short word : {test::precision24Bits, test::precision53Bits, test::precision64Bits}) {
-        clearTables();
-        {
+    for (const unsigned short word : {test::precision24Bits, test::precision53Bits, test::precision64Bits})
+        expectSameTables([word] {
             const test::X87ControlWord host(word);
             PrepareSinTable();
             EXPECT_EQ(test::X87ControlWord::current(), word);
-        }
-        EXPECT_EQ(Tables(), before) << word;
-    }
+        });
 }
 #endif
 

@@ -28,16 +28,13 @@ TEST(Flat3D, a_sheet_is_centred_on_the_origin) {
 }
 
 TEST(Flat3D, an_odd_width_lies_half_a_unit_off_the_centre) {
+    // Halved toward zero.
     Grid grid = emptyGrid(2, 2);
     Flat3D(grid.data(), 2, 2, 1, 0, 0, 0, 0, 0, 0, 1000, 101, 100);
     EXPECT_EQ(grid[0].x, -50);
     EXPECT_EQ(grid[1].x, 51);
     EXPECT_EQ(grid[0].y, -50);
     EXPECT_EQ(grid[2].y, 50);
-}
-
-TEST(Flat3D, a_negative_odd_width_is_halved_toward_zero) {
-    Grid grid = emptyGrid(2, 2);
     Flat3D(grid.data(), 2, 2, 1, 0, 0, 0, 0, 0, 0, 1000, -101, 100);
     EXPECT_EQ(grid[0].x, 50);
     EXPECT_EQ(grid[1].x, -51);

@@ -1,20 +1,17 @@
-#include <q_Mur.h>
+#include "points.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using test::Ints;
+using test::xyz;
+
 TEST(iMean2Vector, rounds_toward_minus_infinity_where_the_float_form_does_not_round) {
     _POINT3D a = {-1, -3, 3, 0};
     _POINT3D b = {0, 0, 0, 0};
-    const _POINT3D mean = iMean2Vector(&a, &b);
-    EXPECT_EQ(mean.x, -1);
-    EXPECT_EQ(mean.y, -2);
-    EXPECT_EQ(mean.z, 1);
-    const _POINT3D quarter = iMean4Vector(&a, &b, &b, &b);
-    EXPECT_EQ(quarter.x, -1);
-    EXPECT_EQ(quarter.y, -1);
-    EXPECT_EQ(quarter.z, 0);
+    EXPECT_EQ(xyz(iMean2Vector(&a, &b)), (Ints{-1, -2, 1}));
+    EXPECT_EQ(xyz(iMean4Vector(&a, &b, &b, &b)), (Ints{-1, -1, 0}));
     _POINT3DFLOAT fa = {-1, -3, 3, 0};
     _POINT3DFLOAT fb = {0, 0, 0, 0};
     EXPECT_EQ(fMean2Vector(&fa, &fb).x, -0.5F);

@@ -1,21 +1,25 @@
-#include <q_Mur.h>
+#include "points.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-_POINT3D normalOf(_POINT3D p1, _POINT3D p2, _POINT3D p3) {
+using test::Floats;
+using test::Ints;
+using test::xyz;
+
+Ints normalOf(_POINT3D p1, _POINT3D p2, _POINT3D p3) {
     _POINT3D out = {99, 99, 99, 42};
     iBubSun(&out, &p1, &p2, &p3);
     EXPECT_EQ(out.w, 42);
-    return out;
+    return xyz(out);
 }
 
-_POINT3DFLOAT normalOf(_POINT3DFLOAT p1, _POINT3DFLOAT p2, _POINT3DFLOAT p3) {
+Floats normalOf(_POINT3DFLOAT p1, _POINT3DFLOAT p2, _POINT3DFLOAT p3) {
     _POINT3DFLOAT out = {99, 99, 99, 42};
     fBubSun(&out, &p1, &p2, &p3);
     EXPECT_EQ(out.w, 42);
-    return out;
+    return xyz(out);
 }
 
 bool isFront(_POINT3DFLOAT p1, _POINT3DFLOAT p2, _POINT3DFLOAT p3) {
@@ -23,41 +27,23 @@ bool isFront(_POINT3DFLOAT p1, _POINT3DFLOAT p2, _POINT3DFLOAT p3) {
 }
 
 TEST(fBubSun, points_the_other_way_than_the_integer_form) {
-    const _POINT3DFLOAT f = normalOf(_POINT3DFLOAT{0, 0, 0, 0}, {10, 0, 0, 0}, {0, 10, 0, 0});
-    EXPECT_EQ(f.x, 0);
-    EXPECT_EQ(f.y, 0);
-    EXPECT_EQ(f.z, 1);
-    const _POINT3D i = normalOf(_POINT3D{0, 0, 0, 0}, {10, 0, 0, 0}, {0, 10, 0, 0});
-    EXPECT_EQ(i.x, 0);
-    EXPECT_EQ(i.y, 0);
-    EXPECT_EQ(i.z, -256);
+    EXPECT_EQ(normalOf(_POINT3DFLOAT{0, 0, 0, 0}, {10, 0, 0, 0}, {0, 10, 0, 0}), (Floats{0, 0, 1}));
+    EXPECT_EQ(normalOf(_POINT3D{0, 0, 0, 0}, {10, 0, 0, 0}, {0, 10, 0, 0}), (Ints{0, 0, -256}));
 }
 
 TEST(fBubSun, points_on_one_line_have_no_normal) {
-    const _POINT3DFLOAT f = normalOf(_POINT3DFLOAT{1, 2, 3, 0}, {2, 4, 6, 0}, {3, 6, 9, 0});
-    EXPECT_EQ(f.x, 0);
-    EXPECT_EQ(f.y, 0);
-    EXPECT_EQ(f.z, 0);
-    const _POINT3D i = normalOf(_POINT3D{1, 2, 3, 0}, {2, 4, 6, 0}, {3, 6, 9, 0});
-    EXPECT_EQ(i.x, 0);
-    EXPECT_EQ(i.y, 0);
-    EXPECT_EQ(i.z, 0);
+    EXPECT_EQ(normalOf(_POINT3DFLOAT{1, 2, 3, 0}, {2, 4, 6, 0}, {3, 6, 9, 0}), Floats{});
+    EXPECT_EQ(normalOf(_POINT3D{1, 2, 3, 0}, {2, 4, 6, 0}, {3, 6, 9, 0}), Ints{});
 }
 
 TEST(iBubSun, the_length_is_truncated_and_so_are_the_components) {
     // (1, 1, 0) x ... gives (1, 1, 1) of length truncate(1.73) = 1: each component is 256.
-    const _POINT3D i = normalOf(_POINT3D{0, 0, 0, 0}, {-1, 0, 1, 0}, {1, -1, 0, 0});
-    EXPECT_EQ(i.x, -256);
-    EXPECT_EQ(i.y, -256);
-    EXPECT_EQ(i.z, -256);
+    EXPECT_EQ(normalOf(_POINT3D{0, 0, 0, 0}, {-1, 0, 1, 0}, {1, -1, 0, 0}), (Ints{-256, -256, -256}));
 }
 
 TEST(iBubSun, squares_that_wrapped_below_zero_give_the_least_int_as_length) {
     // The cross product is (49152, -1, 8388608), its squares 2415919105 modulo 2^32. 8388608 << 8 is the least int too.
-    const _POINT3D i = normalOf(_POINT3D{0, 0, 0, 0}, {0, 8388608, 1, 0}, {1, 49152, 0, 0});
-    EXPECT_EQ(i.x, 0);
-    EXPECT_EQ(i.y, 0);
-    EXPECT_EQ(i.z, 1);
+    EXPECT_EQ(normalOf(_POINT3D{0, 0, 0, 0}, {0, 8388608, 1, 0}, {1, 49152, 0, 0}), (Ints{0, 0, 1}));
 }
 
 TEST(IsFront, is_true_clockwise_on_the_screen_and_false_on_a_line) {

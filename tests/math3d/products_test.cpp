@@ -1,8 +1,11 @@
-#include <q_Mur.h>
+#include "points.h"
 
 #include <gtest/gtest.h>
 
 namespace {
+
+using test::Floats;
+using test::xyz;
 
 using Address = void (*)();
 
@@ -53,10 +56,7 @@ TEST(Magnitude, squares_need_not_fit_a_float) {
 
 TEST(Normalize, zero_stays_zero_and_the_smallest_vector_becomes_a_unit) {
     _I3DVECTOR zero = {0, 0, 0, 5};
-    const _I3DVECTOR still = Normalize(zero);
-    EXPECT_EQ(still.x, 0);
-    EXPECT_EQ(still.y, 0);
-    EXPECT_EQ(still.z, 0);
+    EXPECT_EQ(xyz(Normalize(zero)), Floats{});
     _POINT3DFLOAT tiny = {0, -1e-38F, 0, 0};
     EXPECT_EQ(Normalize(&tiny).y, -1);
 }
@@ -66,9 +66,7 @@ TEST(fCross_Product, leaves_the_fourth_word_alone) {
     _POINT3DFLOAT y = {0, 1, 0, 0};
     _POINT3DFLOAT out = {9, 9, 9, 42};
     fCross_Product(&out, &x, &y);
-    EXPECT_EQ(out.x, 0);
-    EXPECT_EQ(out.y, 0);
-    EXPECT_EQ(out.z, 1);
+    EXPECT_EQ(xyz(out), (Floats{0, 0, 1}));
     EXPECT_EQ(out.w, 42);
     _POINT3D ix = {1, 0, 0, 0};
     _POINT3D iy = {0, 1, 0, 0};

@@ -1,10 +1,7 @@
 #include <q_Mur.h>
 
-#include "support/random.h"
-
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <utility>
 
 namespace {
@@ -130,24 +127,6 @@ TEST(iRotate3D, a_quarter_turn_about_a_line_in_whole_units) {
     EXPECT_NEAR(p.x, 10, 2);
     EXPECT_NEAR(p.y, -980, 2);
     EXPECT_NEAR(p.z, 30, 2);
-}
-
-TEST(fRotate3D, a_turn_about_a_line_keeps_distances) {
-    test::Random random(7);
-    const auto point = [&random] { return _POINT3DFLOAT{random.real(4), random.real(4), random.real(4), 0}; };
-    const auto distance = [](const _POINT3DFLOAT &u, const _POINT3DFLOAT &v) {
-        return std::hypot(u.x - v.x, u.y - v.y, u.z - v.z);
-    };
-    for (int i = 0; i < 200; ++i) {
-        _POINT3DFLOAT a = point();
-        _POINT3DFLOAT q = point();
-        _POINT3DFLOAT p = point();
-        const float toA = distance(p, a);
-        const float toQ = distance(p, q);
-        fRotate3D(&p, &a, &q, random.real(4));
-        EXPECT_NEAR(distance(p, a), toA, 2e-3);
-        EXPECT_NEAR(distance(p, q), toQ, 2e-3);
-    }
 }
 
 } // namespace

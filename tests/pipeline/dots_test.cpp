@@ -1,60 +1,49 @@
-#include "support/surface.h"
+#include "support/painting.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <vector>
+#include <utility>
 
 namespace {
 
 using test::Surface;
 
-void cross(Surface &dst, tagRECT clip, int x, int y, q_ulong colour) {
+Surface crossed(Surface dst, int x, int y, q_ulong colour, tagRECT clip) {
     VKD_3D_Draw_Cross(dst.pixels(), &clip, static_cast<q_ulong>(dst.pitch()), x, y, colour);
+    return dst;
+}
+Surface crossed(const Surface &dst, int x, int y, q_ulong colour) {
+    return crossed(dst, x, y, colour, dst.rect());
 }
 
 TEST(VKD_3D_Draw_Cross, has_eight_pixels_and_a_shorter_right_arm) {
-    Surface dst(9, 9, 0x55000000);
-    cross(dst, dst.rect(), 4, 4, 0x99102030);
     Surface expected(9, 9, 0x55000000);
     for (const auto &[x, y] : {std::pair(4, 2), std::pair(4, 3), std::pair(2, 4), std::pair(3, 4), std::pair(4, 4),
                                std::pair(5, 4), std::pair(4, 5), std::pair(4, 6)})
         expected.at(x, y) = 0x00102030;
-    EXPECT_EQ(dst.differenceFrom(expected), "");
+    EXPECT_EQ(crossed(Surface(9, 9, 0x55000000), 4, 4, 0x99102030).differenceFrom(expected), "");
 }
 
 TEST(VKD_3D_Draw_Cross, near_the_border_it_vanishes_whole) {
+    const Surface blank(16, 16);
     const tagRECT clip = {1, 2, 12, 14};
-    Surface dst(16, 16);
-    cross(dst, clip, 3, 8, 7); // clip left + 2
-    EXPECT_EQ(dst.differenceFrom(Surface(16, 16)), "");
-    cross(dst, clip, 4, 8, 7);
-    EXPECT_EQ(dst.at(2, 8), 7u);
-    Surface atRight(16, 16);
-    cross(atRight, clip, 9, 8, 7); // clip right - 3
-    EXPECT_EQ(atRight.differenceFrom(Surface(16, 16)), "");
-    cross(atRight, clip, 8, 8, 7);
-    EXPECT_EQ(atRight.at(9, 8), 7u);
-}
-
-TEST(VKD_3D_Draw_Cross, clips_at_the_ends_of_the_numbers_let_nothing_through) {
-    for (const tagRECT clip : {tagRECT{INT_MAX, INT_MAX, INT_MIN, INT_MIN}, tagRECT{0, 0, INT_MIN + 1, 9},
-                               tagRECT{0, INT_MAX - 1, 9, INT_MAX}}) {
-        Surface dst(9, 9, 0x01020304);
-        cross(dst, clip, 4, 4, 0x102030);
-        EXPECT_EQ(dst.differenceFrom(Surface(9, 9, 0x01020304)), "");
-    }
+    EXPECT_EQ(crossed(blank, 3, 8, 7, clip).differenceFrom(blank), "") << "clip left + 2";
+    EXPECT_EQ(crossed(blank, 4, 8, 7, clip).at(2, 8), 7u);
+    EXPECT_EQ(crossed(blank, 9, 8, 7, clip).differenceFrom(blank), "") << "clip right - 3";
+    EXPECT_EQ(crossed(blank, 8, 8, 7, clip).at(9, 8), 7u);
+    for (const tagRECT &none : {tagRECT{INT_MAX, INT_MAX, INT_MIN, INT_MIN}, tagRECT{0, 0, INT_MIN + 1, 9},
+                                tagRECT{0, INT_MAX - 1, 9, INT_MAX}})
+        EXPECT_EQ(crossed(blank, 4, 4, 0x102030, none).differenceFrom(blank), "");
 }
 
 TEST(VKD_3D_Draw_Cross, the_sum_is_that_of_the_centre_alone) {
     Surface dst(9, 9, 0xFFFFFFFF);
     dst.at(4, 4) = 0x77000001;
-    cross(dst, dst.rect(), 4, 4, 0x88304050);
-    EXPECT_EQ(dst.at(3, 4), 0x304051u);
-    EXPECT_EQ(dst.at(4, 6), 0x304051u);
-    Surface white(9, 9, 0xFFFFFF);
-    cross(white, white.rect(), 4, 4, 0x123456);
-    EXPECT_EQ(white.differenceFrom(Surface(9, 9, 0xFFFFFF)), "");
+    EXPECT_EQ(crossed(dst, 4, 4, 0x88304050).at(3, 4), 0x304051u);
+    EXPECT_EQ(crossed(dst, 4, 4, 0x88304050).at(4, 6), 0x304051u);
+    const Surface white(9, 9, 0xFFFFFF);
+    EXPECT_EQ(crossed(white, 4, 4, 0x123456).differenceFrom(white), "");
 }
 
 TEST(VKD_Render_3D_Dot_Add, later_crosses_lie_over_earlier_ones) {

@@ -3,7 +3,7 @@
 #ifndef Q_MUR_TESTS_PIPELINE_HOST_H
 #define Q_MUR_TESTS_PIPELINE_HOST_H
 
-#include "support/surface.h"
+#include "support/painting.h"
 
 #include <utility>
 

@@ -13,15 +13,6 @@ _I3DMATRIX anyMatrix(test::Random &random) {
     return matrix;
 }
 
-TEST(SetIdentityMatrix, sets_all_16_elements) {
-    _I3DMATRIX matrix;
-    for (float &element : matrix.m)
-        element = 7;
-    SetIdentityMatrix(matrix);
-    for (int i = 0; i < 16; ++i)
-        EXPECT_EQ(matrix.m[i], i % 5 == 0 ? 1 : 0);
-}
-
 TEST(SetRotationMatrix, a_quarter_turn_about_Z_takes_X_toward_minus_Y) {
     _I3DMATRIX matrix;
     _I3DVECTOR axis = {0, 0, 17, 0};

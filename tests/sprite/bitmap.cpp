@@ -5,11 +5,6 @@
 namespace test {
 namespace {
 
-void put(Bytes &bytes, std::uint32_t value, int count) {
-    for (int i = 0; i < count; ++i)
-        bytes.push_back(static_cast<unsigned char>(value >> 8 * i & 0xFF));
-}
-
 /// `count` bytes from a position on, the lowest first.
 std::uint32_t number(const Bytes &bytes, std::size_t position, int count) {
     std::uint32_t value = 0;
@@ -31,22 +26,15 @@ Bitmap Bitmap::ofSize(int width, int height, int stride) {
 }
 
 Bytes Bitmap::file() const {
+    const struct {
+        std::uint32_t value;
+        int bytes;
+    } fields[] = {{magic, 2},    {fileSize, 4}, {0, 4}, {dataOffset, 4}, {40, 4},   {width, 4}, {height, 4}, {1, 2},
+                  {bitCount, 2}, {0, 4},        {0, 4}, {2835, 4},       {2835, 4}, {0, 4},     {0, 4}};
     Bytes bytes;
-    put(bytes, magic, 2);
-    put(bytes, fileSize, 4);
-    put(bytes, 0, 4);
-    put(bytes, dataOffset, 4);
-    put(bytes, 40, 4);
-    put(bytes, width, 4);
-    put(bytes, height, 4);
-    put(bytes, 1, 2);
-    put(bytes, bitCount, 2);
-    put(bytes, compression, 4);
-    put(bytes, 0, 4);
-    put(bytes, 2835, 4);
-    put(bytes, 2835, 4);
-    put(bytes, 0, 4);
-    put(bytes, 0, 4);
+    for (const auto &field : fields)
+        for (int i = 0; i < field.bytes; ++i)
+            bytes.push_back(static_cast<unsigned char>(field.value >> 8 * i & 0xFF));
     bytes.insert(bytes.end(), data.begin(), data.end());
     return bytes;
 }

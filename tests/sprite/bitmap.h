@@ -21,7 +21,6 @@ struct Bitmap {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::uint32_t bitCount = 24;
-    std::uint32_t compression = 0;
     Bytes data;
 
     /// A true header for rows `stride` bytes long, whose bytes are counted up from 1.

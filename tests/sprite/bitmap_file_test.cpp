@@ -1,7 +1,6 @@
 #include "sprite/bitmap.h"
 #include "support/cases.h"
-
-#include <gtest/gtest.h>
+#include "support/pictures.h"
 
 #include <algorithm>
 #include <chrono>
@@ -16,7 +15,6 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
-#include <vector>
 
 #if defined(_WIN32)
 #ifndef NOMINMAX
@@ -27,13 +25,7 @@
 
 namespace {
 
-using test::Bitmap;
-using test::Bytes;
-using test::Case;
-using test::forEachCase;
-using test::naivePixels;
-using test::Surface;
-using Pixels = std::vector<q_ulong>;
+using namespace test;
 
 constexpr q_ulong untouched = 0xAA5533CC;
 
@@ -122,8 +114,8 @@ struct Loaded {
 
 Loaded load(std::string name, int width, int height) {
     const auto count = static_cast<std::size_t>(std::max(width, 0)) * static_cast<std::size_t>(std::max(height, 0));
-    test::PageEndPixels surface(std::max<std::size_t>(count, 4)); // a write behind it faults
-    q_ulong *const first = surface.data() + (std::max<std::size_t>(count, 4) - count);
+    PageEndPixels surface(count + 1); // a write behind it faults
+    q_ulong *const first = surface.data() + 1;
     std::fill(first, first + count, untouched);
     const int answer = LoadBitmap24(first, name.data(), width, height);
     Pixels pixels(first, first + count);
@@ -167,35 +159,32 @@ protected:
         return load("picture.bmp", width, height);
     }
 
+    /// Whether a file gives the pixels that the naive reader finds in it.
+    void expectAsNaive(const Bytes &file) {
+        const auto expected = naivePixels(file, 3, 2);
+        const Loaded loaded = loadOf(file, 3, 2);
+        EXPECT_EQ(loaded.answer, expected.has_value());
+        EXPECT_EQ(loaded.pixels, expected.value_or(Pixels()));
+    }
+
     const Directory directory;
 };
 
 TEST_F(LoadBitmap24Files, rows_run_bottom_to_top_and_bytes_blue_to_red) {
     Bitmap bitmap = Bitmap::ofSize(2, 2, 8);
     bitmap.data = {0x10, 0x20, 0x30, 0xFF, 0x00, 0x80, 0xEE, 0xEE, 1, 2, 3, 4, 5, 6, 0xEE, 0xEE};
-    const Loaded loaded = loadOf(bitmap);
-    EXPECT_EQ(loaded.answer, 1);
-    EXPECT_EQ(loaded.pixels, (Pixels{0x030201, 0x060504, 0x302010, 0x8000FF}));
-}
-
-TEST_F(LoadBitmap24Files, a_size_field_that_counts_padding_gives_a_stride_of_12_for_3_columns) {
-    const Loaded loaded = loadOf(Bitmap::ofSize(3, 2, 12));
-    EXPECT_EQ(loaded.answer, 1);
-    EXPECT_EQ(loaded.pixels, (Pixels{0x0F0E0D, 0x121110, 0x151413, 0x030201, 0x060504, 0x090807}));
-}
-
-TEST_F(LoadBitmap24Files, rows_without_padding_are_read_if_the_size_field_says_so) {
-    const Loaded loaded = loadOf(Bitmap::ofSize(3, 2, 9));
-    EXPECT_EQ(loaded.answer, 1);
-    EXPECT_EQ(loaded.pixels, (Pixels{0x0C0B0A, 0x0F0E0D, 0x121110, 0x030201, 0x060504, 0x090807}));
+    EXPECT_EQ(loadOf(bitmap).pixels, (Pixels{0x030201, 0x060504, 0x302010, 0x8000FF}));
 }
 
 TEST_F(LoadBitmap24Files, the_distance_of_rows_comes_from_the_size_field_and_is_truncated) {
+    // A stride of 12 for 3 columns with padding, and of 9 without.
+    EXPECT_EQ(loadOf(Bitmap::ofSize(3, 2, 12)).pixels,
+              (Pixels{0x0F0E0D, 0x121110, 0x151413, 0x030201, 0x060504, 0x090807}));
+    EXPECT_EQ(loadOf(Bitmap::ofSize(3, 2, 9)).pixels,
+              (Pixels{0x0C0B0A, 0x0F0E0D, 0x121110, 0x030201, 0x060504, 0x090807}));
     Bitmap bitmap = Bitmap::ofSize(1, 2, 4);
     bitmap.fileSize += 3; // 11 bytes for two rows: 5 each
-    const Loaded loaded = loadOf(bitmap);
-    EXPECT_EQ(loaded.answer, 1);
-    EXPECT_EQ(loaded.pixels, (Pixels{0x080706, 0x030201}));
+    EXPECT_EQ(loadOf(bitmap).pixels, (Pixels{0x080706, 0x030201}));
 }
 
 TEST_F(LoadBitmap24Files, other_sizes_than_the_file_has_are_answered_0) {
@@ -214,11 +203,7 @@ TEST_F(LoadBitmap24Files, negative_sizes_and_pictures_without_rows_are_answered_
     }
 }
 
-TEST_F(LoadBitmap24Files, rows_without_pixels_are_a_picture) {
-    EXPECT_EQ(loadOf(Bitmap::ofSize(0, 2, 4)).answer, 1);
-}
-
-TEST_F(LoadBitmap24Files, rows_without_pixels_take_no_time_however_many) {
+TEST_F(LoadBitmap24Files, rows_without_pixels_are_a_picture_and_take_no_time_however_many) {
     Bitmap bitmap = Bitmap::ofSize(0, 1, 4);
     bitmap.height = std::numeric_limits<int>::max();
     const auto start = std::chrono::steady_clock::now();
@@ -226,21 +211,17 @@ TEST_F(LoadBitmap24Files, rows_without_pixels_take_no_time_however_many) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)); // a seek for each takes minutes
 }
 
-TEST_F(LoadBitmap24Files, only_24_bits_are_read) {
-    Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
-    for (const int bits : {0, 1, 4, 8, 16, 23, 25, 32, 24 + 256, 65535}) {
-        bitmap.bitCount = static_cast<std::uint32_t>(bits);
+TEST_F(LoadBitmap24Files, only_24_bits_are_read_and_only_of_a_file_that_begins_with_BM) {
+    for (const std::uint32_t bits : {0u, 1u, 8u, 23u, 25u, 32u, 24u + 256, 65535u}) {
+        Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
+        bitmap.bitCount = bits;
         EXPECT_EQ(loadOf(bitmap).answer, 0) << bits;
     }
-}
-
-TEST_F(LoadBitmap24Files, a_file_that_does_not_begin_with_BM_is_answered_0) {
     for (int bit = 0; bit < 16; ++bit) {
         Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
         bitmap.magic ^= 1u << bit;
         EXPECT_EQ(loadOf(bitmap).answer, 0) << bit;
     }
-    EXPECT_EQ(loadOf(Bitmap::ofSize(3, 2, 12)).answer, 1);
 }
 
 TEST_F(LoadBitmap24Files, compression_and_other_fields_are_not_looked_at) {
@@ -249,59 +230,40 @@ TEST_F(LoadBitmap24Files, compression_and_other_fields_are_not_looked_at) {
     for (const std::size_t position : {6, 7, 8, 9, 14, 15, 16, 17, 26, 27, 30, 31, 32, 33, 34, 37, 38, 45, 46, 53}) {
         Bytes changed = file;
         changed[position] ^= 0xFF;
-        const Loaded loaded = loadOf(changed, 3, 2);
-        EXPECT_EQ(loaded.answer, 1) << position;
-        EXPECT_EQ(loaded.pixels, expected.pixels) << position;
+        EXPECT_EQ(loadOf(changed, 3, 2).pixels, expected.pixels) << position;
     }
 }
 
 TEST_F(LoadBitmap24Files, a_file_cut_anywhere_keeps_its_whole_pixels_and_is_black_behind_them) {
-    const Bytes whole = Bitmap::ofSize(3, 4, 12).file();
+    const Bytes whole = Bitmap::ofSize(3, 2, 12).file();
     for (std::size_t length = 0; length <= whole.size(); ++length) {
-        const Bytes file(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
-        const Loaded loaded = loadOf(file, 3, 4);
-        ASSERT_EQ(loaded.answer, length >= 54) << length;
-        if (length < 54)
-            continue;
-        for (std::size_t y = 0; y < 4; ++y)
-            for (std::size_t x = 0; x < 3; ++x) {
-                const std::size_t end = 54 + (3 - y) * 12 + x * 3 + 3;
-                const q_ulong value = static_cast<q_ulong>(end - 54 - 2);
-                const q_ulong expected = end <= length ? value + (value + 1) * 256 + (value + 2) * 65536 : 0;
-                ASSERT_EQ(loaded.pixels[y * 3 + x], expected) << x << ", " << y << " of " << length;
-            }
+        SCOPED_TRACE(length);
+        expectAsNaive(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)));
     }
+    EXPECT_EQ(loadOf(Bytes(whole.begin(), whole.begin() + 54 + 12 + 8), 3, 2).pixels,
+              (Pixels{0x0F0E0D, 0x121110, 0, 0x030201, 0x060504, 0x090807}));
+    EXPECT_EQ(loadOf(Bytes(whole.begin(), whole.begin() + 54), 3, 2).pixels, Pixels(6, 0));
 }
 
-TEST_F(LoadBitmap24Files, the_data_may_begin_anywhere_even_in_the_header) {
+TEST_F(LoadBitmap24Files, the_data_may_begin_anywhere_even_in_the_header_and_need_its_room) {
     for (std::uint32_t offset = 0; offset <= 100; ++offset) {
+        SCOPED_TRACE(offset);
         Bitmap bitmap = Bitmap::ofSize(3, 2, 30);
         bitmap.dataOffset = offset;
         bitmap.fileSize = offset + 24;
-        const Loaded loaded = loadOf(bitmap);
-        ASSERT_EQ(loaded.answer, 1) << offset;
-        ASSERT_EQ(loaded.pixels, naivePixels(bitmap.file(), 3, 2)) << offset;
+        EXPECT_EQ(loadOf(bitmap).answer, 1);
+        expectAsNaive(bitmap.file());
+        bitmap.fileSize = offset + 17; // a byte less than two rows take
+        EXPECT_EQ(loadOf(bitmap).answer, 0);
     }
-}
-
-TEST_F(LoadBitmap24Files, data_that_the_header_leaves_no_room_for_is_answered_0) {
     Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
-    for (std::uint32_t room = 0; room <= 30; ++room) {
-        bitmap.fileSize = 54 + room;
-        EXPECT_EQ(loadOf(bitmap).answer, room >= 18) << room;
-    }
-    for (const std::uint32_t size : {0u, 1u, 53u}) { // smaller than the offset: less than nothing is left
-        bitmap.fileSize = size;
-        EXPECT_EQ(loadOf(bitmap).answer, 0) << size;
-    }
-    bitmap.dataOffset = 0xFFFFFFFF;
+    bitmap.dataOffset = 0xFFFFFFFF; // less than nothing is left
     EXPECT_EQ(loadOf(bitmap).answer, 0);
 }
 
 TEST_F(LoadBitmap24Files, sizes_whose_product_passes_every_number_are_answered_0) {
     Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
     bitmap.fileSize = 0xFFFFFFFF;
-    directory.write("picture.bmp", bitmap.file());
     constexpr int largest = std::numeric_limits<int>::max();
     // Products that are small again in 32 or 64 bits, and those that are as large as can be.
     for (const auto &[width, height] : {std::pair{largest, largest},
@@ -315,8 +277,8 @@ TEST_F(LoadBitmap24Files, sizes_whose_product_passes_every_number_are_answered_0
         bitmap.height = static_cast<std::uint32_t>(height);
         directory.write("picture.bmp", bitmap.file());
         q_ulong surface = untouched;
-        std::string name = "picture.bmp";
-        EXPECT_EQ(LoadBitmap24(&surface, name.data(), width, height), 0) << width << " by " << height;
+        char name[] = "picture.bmp";
+        EXPECT_EQ(LoadBitmap24(&surface, name, width, height), 0) << width << " by " << height;
         EXPECT_EQ(surface, untouched);
     }
 }
@@ -325,16 +287,12 @@ TEST_F(LoadBitmap24Files, rows_claimed_far_behind_the_end_are_black) {
     Bitmap bitmap = Bitmap::ofSize(1, 3, 4);
     for (const std::uint32_t size : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
         bitmap.fileSize = size;
-        const Loaded loaded = loadOf(bitmap);
-        EXPECT_EQ(loaded.answer, 1);
-        EXPECT_EQ(loaded.pixels, (Pixels{0, 0, 0x030201})) << size;
+        EXPECT_EQ(loadOf(bitmap).pixels, (Pixels{0, 0, 0x030201})) << size;
     }
     bitmap.fileSize = 0xFFFFFFFF;
     for (const std::uint32_t offset : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFF0u}) {
         bitmap.dataOffset = offset;
-        const Loaded loaded = loadOf(bitmap);
-        EXPECT_EQ(loaded.answer, 1);
-        EXPECT_EQ(loaded.pixels, Pixels(3, 0)) << offset;
+        EXPECT_EQ(loadOf(bitmap).pixels, Pixels(3, 0)) << offset;
     }
 }
 
@@ -351,22 +309,14 @@ TEST_F(LoadBitmap24Files, a_file_of_3_GiB_is_read_where_rows_begin_below_2_GiB) 
         bitmap.dataOffset = static_cast<std::uint32_t>(offset);
         bitmap.fileSize = static_cast<std::uint32_t>(offset + 2 * GiB);
         directory.writeInto("picture.bmp", 0, bitmap.file());
-        const Loaded loaded = load("picture.bmp", 1, 2);
-        EXPECT_EQ(loaded.answer, 1) << offset;
-        return loaded.pixels;
+        return load("picture.bmp", 1, 2).pixels;
     };
     EXPECT_EQ(loadedFrom(GiB - 1), (Pixels{0x080706, 0x030201}));
     EXPECT_EQ(loadedFrom(GiB), (Pixels{0, 0x040302}));
     EXPECT_EQ(loadedFrom(GiB + 1), (Pixels{0, 0x050403}));
 }
 
-TEST_F(LoadBitmap24Files, what_is_no_file_is_answered_0) {
-    EXPECT_EQ(load("nobody.bmp", 1, 1).answer, 0);
-    EXPECT_EQ(load("", 1, 1).answer, 0);
-    EXPECT_EQ(load("no/where.bmp", 1, 1).answer, 0);
-}
-
-TEST_F(LoadBitmap24Files, files_are_closed_whatever_is_answered) {
+TEST_F(LoadBitmap24Files, what_is_no_file_is_answered_0_and_files_are_closed_whatever_is_answered) {
     directory.write("good.bmp", Bitmap::ofSize(1, 1, 4).file());
     directory.write("short.bmp", Bytes(20, 'B'));
     directory.write("false.bmp", Bytes(60, 'B'));
@@ -374,9 +324,8 @@ TEST_F(LoadBitmap24Files, files_are_closed_whatever_is_answered) {
     small.fileSize = 55;
     directory.write("small.bmp", small.file());
     for (int i = 0; i < 1500; ++i) { // more files than a program may have open
-        ASSERT_EQ(load("short.bmp", 1, 1).answer, 0);
-        ASSERT_EQ(load("false.bmp", 1, 1).answer, 0);
-        ASSERT_EQ(load("small.bmp", 1, 1).answer, 0);
+        for (const char *name : {"short.bmp", "false.bmp", "small.bmp", "nobody.bmp", "", "no/where.bmp"})
+            ASSERT_EQ(load(name, 1, 1).answer, 0) << name;
         ASSERT_EQ(load("good.bmp", 1, 1).answer, 1) << i;
     }
 }
@@ -440,7 +389,7 @@ TEST(SetSpriteDir, a_path_of_511_characters_is_opened_and_a_longer_one_answered_
 TEST(SetSpriteDir, a_prefix_too_long_is_answered_0_until_a_shorter_one_is_set) {
     const Directory directory;
     directory.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
-    for (const std::size_t length : {511, 512, 513, 1000, 5000}) {
+    for (const std::size_t length : {511, 512, 513, 5000}) {
         setDirectory(std::string(length, '/'));
         EXPECT_EQ(load("a.bmp", 1, 1).answer, 0) << length;
         EXPECT_EQ(load("", 1, 1).answer, 0) << length;

@@ -9,7 +9,7 @@
 namespace test {
 
 /// Runs `body` on a thread whose stack has room for `bytes`, and waits for its end. A full stack ends the program.
-void onStackOf(std::size_t bytes, const std::function<void()> &body);
+void onStackOf(std::size_t bytes, std::function<void()> body);
 
 } // namespace test
 

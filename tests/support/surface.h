@@ -3,6 +3,7 @@
 #ifndef Q_MUR_TESTS_SURFACE_H
 #define Q_MUR_TESTS_SURFACE_H
 
+#include "catalogue/plane.h"
 #include "random.h"
 
 #include <cstddef>
@@ -67,17 +68,12 @@ private:
 /// Pixels whose last one ends where memory may no longer be read: a read beyond faults.
 class PageEndPixels {
 public:
-    explicit PageEndPixels(std::size_t count);
-    ~PageEndPixels();
-    PageEndPixels(const PageEndPixels &) = delete;
-    PageEndPixels &operator=(const PageEndPixels &) = delete;
+    explicit PageEndPixels(std::size_t count) : memory(count * sizeof(q_ulong), catalogue::Fence::behind) {}
 
-    q_ulong *data() { return first; }
+    q_ulong *data() { return reinterpret_cast<q_ulong *>(memory.data()); }
 
 private:
-    void *mapping;
-    std::size_t mappedBytes;
-    q_ulong *first;
+    catalogue::Memory memory;
 };
 
 } // namespace test

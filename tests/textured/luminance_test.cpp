@@ -57,6 +57,7 @@ TEST(FindLuminenceTerm, a_flat_grid_facing_light_and_viewer_has_all_of_both) {
     const VertexLights result = lights(flatGrid(4, 5), 4, 5, towardViewer, 30, 90, 3);
     EXPECT_EQ(result.mul, std::vector<int>(20, 286));
     EXPECT_EQ(result.add, std::vector<int>(20, 90));
+    EXPECT_EQ(lights(flatGrid(3, 3), 3, 3, towardViewer, 0, 0, 2).add, std::vector<int>(9, 0)) << "without specular";
 }
 
 TEST(FindLuminenceTerm, a_grid_facing_away_has_ambient_light_alone) {
@@ -78,10 +79,6 @@ TEST(FindLuminenceTerm, shininess_counts_squarings) {
     EXPECT_EQ(highlight(2), 409); // 0.8 ^ 4 = 0.4096
     EXPECT_EQ(highlight(3), 167); // 0.8 ^ 8 = 0.16777
     EXPECT_EQ(highlight(5), 0);   // 0.8 ^ 32 = 0.00079
-}
-
-TEST(FindLuminenceTerm, without_specular_there_is_no_highlight) {
-    EXPECT_EQ(lights(flatGrid(3, 3), 3, 3, towardViewer, 0, 0, 2).add, std::vector<int>(9, 0));
 }
 
 TEST(FindLuminenceTerm, the_highlight_stands_halfway_between_light_and_viewer) {
@@ -144,22 +141,14 @@ TEST(FindLuminenceTerm, a_border_vertex_takes_both_cells_beside_it_and_darkens_a
     EXPECT_EQ(mul, (std::vector<int>{256, 230, 204, 256, 204, 204, 256, 230, 204}));
 }
 
-TEST(FindLuminenceTerm, a_light_from_straight_behind_has_no_highlight) {
-    const VertexLights result = lights(flatGrid(2, 2), 2, 2, {0, 0, -1, 0}, 5, 100, 2);
-    EXPECT_EQ(result.mul, std::vector<int>(4, 5));
-    EXPECT_EQ(result.add, std::vector<int>(4, 0));
-}
-
-TEST(FindLuminenceTerm, degenerate_cells_have_ambient_light_alone) {
-    const VertexLights result = lights(Points(9, {1, 2, 3, 0}), 3, 3, towardViewer, 30, 90, 0);
-    EXPECT_EQ(result.mul, std::vector<int>(9, 30));
-    EXPECT_EQ(result.add, std::vector<int>(9, 0));
-}
-
-TEST(FindLuminenceTerm, a_grid_without_cells_is_left_alone) {
-    const std::vector<int> untouched(4, -7);
-    EXPECT_EQ(lights(flatGrid(1, 4), 1, 4, towardViewer, 30, 90, 0).mul, untouched);
-    EXPECT_EQ(lights(flatGrid(4, 1), 4, 1, towardViewer, 30, 90, 0).mul, untouched);
+TEST(FindLuminenceTerm, what_has_no_direction_gives_no_light_of_its_own) {
+    // Halfway between the viewer and a light straight behind there is nothing, and cells without area face nowhere.
+    const VertexLights behind = lights(flatGrid(2, 2), 2, 2, {0, 0, -1, 0}, 5, 100, 2);
+    EXPECT_EQ(behind.mul, std::vector<int>(4, 5));
+    EXPECT_EQ(behind.add, std::vector<int>(4, 0));
+    const VertexLights degenerate = lights(Points(9, {1, 2, 3, 0}), 3, 3, towardViewer, 30, 90, 0);
+    EXPECT_EQ(degenerate.mul, std::vector<int>(9, 30));
+    EXPECT_EQ(degenerate.add, std::vector<int>(9, 0));
 }
 
 } // namespace

@@ -44,41 +44,10 @@ TEST(GetPrivate_QM3D_Data, one_block_holds_record_arrays_and_plane_in_order) {
     EXPECT_EQ(addressOf(block->vertexArray1), addressOf(block->vertexArray0) + 300 * 4);
     EXPECT_EQ(addressOf(block->zPlane), addressOf(block->vertexArray1) + 300 * 4);
     EXPECT_EQ(addressOf(block->zBuffer), addressOf(block->zPlane) + 50 * 2);
-}
-
-TEST(GetPrivate_QM3D_Data, every_piece_is_aligned_for_its_type) {
-    for (int entries = 0; entries < 9; ++entries) {
-        Host host;
-        host.limits.vertexArrayEntries = entries;
-        const _PRIVATE_QM3D_DATA *block = GetPrivate_QM3D_Data(&host.data, 0);
-        ASSERT_NE(block, nullptr);
-        EXPECT_EQ(addressOf(block->vertexArray0) % alignof(int), 0u);
-        EXPECT_EQ(addressOf(block->vertexArray1) % alignof(int), 0u);
-        EXPECT_EQ(addressOf(block->zPlane) % alignof(short), 0u);
-    }
-}
-
-TEST(GetPrivate_QM3D_Data, limits_are_copied_and_the_mapper_slot_is_empty) {
-    Host host;
-    const _PRIVATE_QM3D_DATA *block = GetPrivate_QM3D_Data(&host.data, 0);
-    ASSERT_NE(block, nullptr);
     EXPECT_EQ(block->limitValue0, 11);
     EXPECT_EQ(block->limitValue1, 22);
     EXPECT_EQ(block->vertexArrayEntries, 300);
-    EXPECT_TRUE(block->spanMapper == nullptr);
-}
-
-TEST(GetPrivate_QM3D_Data, the_whole_block_can_be_written) {
-    Host host;
-    _PRIVATE_QM3D_DATA *block = GetPrivate_QM3D_Data(&host.data, 0);
-    ASSERT_NE(block, nullptr);
-    for (int i = 0; i < 300; ++i)
-        block->vertexArray0[i] = block->vertexArray1[i] = i;
-    for (int i = 0; i < 1000; ++i)
-        block->zPlane[i] = static_cast<short>(i);
-    EXPECT_EQ(block->zBuffer[0], 50);
-    EXPECT_EQ(block->vertexArray0[299], 299);
-    EXPECT_EQ(block->vertexArray1[299], 299);
+    EXPECT_TRUE(block->spanMapper == nullptr) << "no mapper yet";
 }
 
 TEST(GetPrivate_QM3D_Data, a_block_that_cannot_be_had_gives_null_and_drops_all) {
@@ -91,48 +60,38 @@ TEST(GetPrivate_QM3D_Data, a_block_that_cannot_be_had_gives_null_and_drops_all) 
     EXPECT_EQ(host.data.blocks[1], nullptr);
 }
 
-TEST(ResetZBuffer, odd_left_and_odd_width_reset_whole_pairs) {
-    const Surface shape(8, 2); // an even pitch
+/// Resets a part of a Z plane of zeros, and tells which entries are empty now.
+DepthPlane resetPart(const Surface &shape, tagRECT part) {
     DepthPlane plane(shape, 0);
     auto data = test::blockOver<_PRIVATE_QM3D_DATA>(plane);
-    tagRECT rect = {3, 0, 6, 2};
-    EXPECT_EQ(ResetZBuffer(&data, &rect, shape.pitch()), 1);
+    EXPECT_EQ(ResetZBuffer(&data, &part, shape.pitch()), 1);
+    return plane;
+}
+
+TEST(ResetZBuffer, odd_left_and_odd_width_reset_whole_pairs) {
+    const Surface shape(8, 2); // an even pitch
     DepthPlane expected(shape, 0);
     for (int y = 0; y < 2; ++y)
-        expected.at(2, y) = expected.at(3, y) = 0x7FFF;
-    EXPECT_TRUE(plane == expected);
+        expected.at(2, y) = expected.at(3, y) = test::emptyDepth;
+    EXPECT_TRUE(resetPart(shape, {3, 0, 6, 2}) == expected);
 }
 
 TEST(ResetZBuffer, odd_pitch_drifts_by_an_entry_every_other_row) {
     const Surface shape(8, 4, 0, 1);
     ASSERT_EQ(shape.pitch() % 2, 1);
-    DepthPlane plane(shape, 0);
-    auto data = test::blockOver<_PRIVATE_QM3D_DATA>(plane);
-    tagRECT rect = {4, 0, 6, 3};
-    EXPECT_EQ(ResetZBuffer(&data, &rect, shape.pitch()), 1);
     DepthPlane expected(shape, 0);
-    for (int y = 0; y < 3; ++y)
-        expected.at(4 - y, y) = expected.at(5 - y, y) = 0x7FFF; // each row starts an even number of entries further
-    EXPECT_TRUE(plane == expected);
+    for (int y = 0; y < 3; ++y) // each row starts an even number of entries further
+        expected.at(4 - y, y) = expected.at(5 - y, y) = test::emptyDepth;
+    EXPECT_TRUE(resetPart(shape, {4, 0, 6, 3}) == expected);
 }
 
-TEST(ResetZBuffer, a_block_without_a_plane_gives_0) {
-    _PRIVATE_QM3D_DATA data = {};
-    tagRECT rect = {0, 0, 4, 4};
-    EXPECT_EQ(ResetZBuffer(&data, &rect, 4), 0);
-    rect.bottom = 0;
-    EXPECT_EQ(ResetZBuffer(&data, &rect, 4), 0);
-}
-
-TEST(ResetZBuffer, empty_rectangles_reset_nothing_and_give_1) {
+TEST(ResetZBuffer, empty_rectangles_reset_nothing_and_give_1_and_a_block_without_a_plane_gives_0) {
     const Surface shape(8, 4);
-    DepthPlane plane(shape, 0);
-    auto data = test::blockOver<_PRIVATE_QM3D_DATA>(plane);
-    tagRECT rect = {3, 0, 3, 4};
-    EXPECT_EQ(ResetZBuffer(&data, &rect, shape.pitch()), 1);
-    rect = {0, 2, 8, 2};
-    EXPECT_EQ(ResetZBuffer(&data, &rect, shape.pitch()), 1);
-    EXPECT_TRUE(plane == DepthPlane(shape, 0));
+    EXPECT_TRUE(resetPart(shape, {3, 0, 3, 4}) == DepthPlane(shape, 0));
+    EXPECT_TRUE(resetPart(shape, {0, 2, 8, 2}) == DepthPlane(shape, 0));
+    _PRIVATE_QM3D_DATA data = {};
+    for (tagRECT rect : {tagRECT{0, 0, 4, 4}, tagRECT{0, 0, 4, 0}})
+        EXPECT_EQ(ResetZBuffer(&data, &rect, 4), 0);
 }
 
 } // namespace

@@ -1,45 +1,20 @@
 #include "plain/texture_renderers.h"
 #include "screen.h"
-#include "support/random.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace {
 
+using test::painted;
 using test::Screen;
 using test::Surface;
 
-using Points = std::vector<_POINT3DFLOAT>;
-
-enum class Cells { quads, triangles };
-
-/// What sets one renderer apart from the others.
-struct Renderer {
-    const char *name;
-    bool pipeline;
-    Cells cells;
-    q_ulong mode;
-    bool twoTextures;
-    bool glint;
-};
-
-constexpr Renderer olderQuads = {"Render_Texture_3D", false, Cells::quads, 0x200, false, false};
-constexpr Renderer olderKeyed = {"Render_Texture_3D_KeySrc", false, Cells::quads, 0x10100, false, false};
-constexpr Renderer olderTriangles = {"Render_Texture_3D_Tri", false, Cells::triangles, 0x200, false, true};
-constexpr Renderer pipelineQuads = {"VKD_Render_Texture_3D", true, Cells::quads, 0x200, false, false};
-constexpr Renderer pipelineTwoTextures = {"VKD_Render_Texture_3D two textures", true, Cells::quads, 0x200, true, false};
-constexpr Renderer pipelineKeyed = {"VKD_Render_Texture_3D_KeySrc", true, Cells::quads, 0x10100, false, false};
-constexpr Renderer pipelineTriangles = {"VKD_Render_Texture_3D_Tri", true, Cells::triangles, 0x200, false, false};
-
-constexpr Renderer allRenderers[] = {olderQuads,          olderKeyed,    olderTriangles,   pipelineQuads,
-                                     pipelineTwoTextures, pipelineKeyed, pipelineTriangles};
-
 /// A mesh and its light.
 struct Mesh {
-    Points points;
+    std::vector<_POINT3DFLOAT> points;
     int rows;
     int cols;
     _POINT3DFLOAT light = {0, 0, 1, 0};
@@ -55,296 +30,236 @@ struct Textures {
     tagRECT rect;
 };
 
-/// Draws with the library.
-void render(const Renderer &renderer, Screen &screen, Textures &textures, tagRECT clip, Mesh mesh) {
-    std::vector<int> add(mesh.points.size());
-    std::vector<int> mul(mesh.points.size());
-    q_ulong *const dst = screen.surface.pixels();
-    q_ulong *const tex = textures.front.pixels();
-    tagRECT rect = textures.rect;
-    const auto dstPitch = static_cast<q_ulong>(screen.surface.pitch());
-    const auto texPitch = static_cast<q_ulong>(textures.front.pitch());
-    const auto call = [&](auto function, auto &data) {
-        function(&data, dst, tex, &clip, &rect, dstPitch, texPitch, mesh.points.data(), mesh.rows, mesh.cols,
-                 &mesh.light, nullptr, &mesh.ambientColor, mesh.specular, mesh.shininess);
-    };
-    if (renderer.pipeline) {
-        _PRIVATE_QMGL_DATA &data = screen.pipeline;
-        data.vertexArray0 = add.data();
-        data.vertexArray1 = mul.data();
-        using OneTexture = void (*)(_PRIVATE_QMGL_DATA *, q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong,
-                                    _POINT3DFLOAT *, int, int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int);
-        if (renderer.twoTextures)
-            VKD_Render_Texture_3D(&data, dst, tex, textures.back.pixels(), &clip, &rect, dstPitch, texPitch,
-                                  mesh.points.data(), mesh.rows, mesh.cols, &mesh.light, nullptr, &mesh.ambientColor,
-                                  mesh.specular, mesh.shininess);
-        else if (renderer.mode == 0x10100)
-            call(VKD_Render_Texture_3D_KeySrc, data);
-        else if (renderer.cells == Cells::triangles)
-            call(VKD_Render_Texture_3D_Tri, data);
+/// A renderer of one of the modules, with one texture or two.
+struct Renderer {
+    using Older = decltype(&Render_Texture_3D);
+    using Pipeline = decltype(&VKD_Render_Texture_3D_Tri);
+    using TwoTextures = void (*)(_PRIVATE_QMGL_DATA *, q_ulong *, q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong,
+                                 q_ulong, _POINT3DFLOAT *, int, int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float,
+                                 int);
+
+    const char *name;
+    Older older;
+    Pipeline pipeline = nullptr;
+    TwoTextures twoTextures = nullptr;
+
+    void draw(Screen &screen, Textures &textures, Mesh mesh, tagRECT clip) const {
+        std::vector<int> add(mesh.points.size());
+        std::vector<int> mul(mesh.points.size());
+        const auto call = [&](auto function, auto &data, auto... texels) {
+            data.vertexArray0 = add.data();
+            data.vertexArray1 = mul.data();
+            function(&data, screen.surface.pixels(), texels..., &clip, &textures.rect, screen.pitch(),
+                     static_cast<q_ulong>(textures.front.pitch()), mesh.points.data(), mesh.rows, mesh.cols,
+                     &mesh.light, nullptr, &mesh.ambientColor, mesh.specular, mesh.shininess);
+        };
+        if (older)
+            call(older, screen.older, textures.front.pixels());
+        else if (pipeline)
+            call(pipeline, screen.pipeline, textures.front.pixels());
         else
-            call(static_cast<OneTexture>(VKD_Render_Texture_3D), data);
-    } else {
-        _PRIVATE_QM3D_DATA &data = screen.older;
-        data.vertexArray0 = add.data();
-        data.vertexArray1 = mul.data();
-        if (renderer.mode == 0x10100)
-            call(Render_Texture_3D_KeySrc, data);
-        else if (renderer.cells == Cells::triangles)
-            call(Render_Texture_3D_Tri, data);
-        else
-            call(Render_Texture_3D, data);
+            call(twoTextures, screen.pipeline, textures.front.pixels(), textures.back.pixels());
+    }
+    void draw(Screen &screen, Textures &textures, const Mesh &mesh) const {
+        draw(screen, textures, mesh, screen.surface.rect());
+    }
+};
+
+constexpr Renderer olderQuads = {"Render_Texture_3D", Render_Texture_3D};
+constexpr Renderer olderTriangles = {"Render_Texture_3D_Tri", Render_Texture_3D_Tri};
+constexpr Renderer twoTextures = {"VKD_Render_Texture_3D two textures", nullptr, nullptr, VKD_Render_Texture_3D};
+constexpr Renderer pipelineTriangles = {"VKD_Render_Texture_3D_Tri", nullptr, VKD_Render_Texture_3D_Tri};
+constexpr Renderer renderers[] = {
+    olderQuads,       {"Render_Texture_3D_KeySrc", Render_Texture_3D_KeySrc},
+    olderTriangles,   {"VKD_Render_Texture_3D", nullptr, VKD_Render_Texture_3D},
+    twoTextures,      {"VKD_Render_Texture_3D_KeySrc", nullptr, VKD_Render_Texture_3D_KeySrc},
+    pipelineTriangles};
+
+/// Calls `test` with each renderer and a screen of its own.
+template <class Test>
+void forRenderers(Test test) {
+    for (const Renderer &renderer : renderers) {
+        SCOPED_TRACE(renderer.name);
+        Screen screen(64, 32);
+        test(renderer, screen);
     }
 }
 
-/// A flat mesh of whole cells of `cellWidth` by `cellHeight` pixels at (0, 0), lit by 256 / 256 and no highlight.
-Mesh flatMesh(int rows, int cols, int cellWidth, int cellHeight) {
+/// A flat mesh of whole cells of `cellWidth` by `cellHeight` pixels, lit by 256 / 256 and no highlight.
+Mesh flatMesh(int rows, int cols, int cellWidth, int cellHeight, int left = 0, int top = 0) {
     Mesh mesh = {{}, rows, cols};
     for (int i = 0; i < rows; ++i)
         for (int j = 0; j < cols; ++j)
-            mesh.points.push_back({static_cast<float>(j * cellWidth), static_cast<float>(i * cellHeight), 0, 0});
+            mesh.points.push_back(
+                {static_cast<float>(left + j * cellWidth), static_cast<float>(top + i * cellHeight), 0, 0});
     return mesh;
+}
+
+/// The same turned over from left to right, lit by 256 / 256 all the same.
+Mesh turnedOver(Mesh mesh) {
+    const float right = mesh.points.back().x;
+    for (_POINT3DFLOAT &point : mesh.points)
+        point.x = right - point.x;
+    mesh.ambientColor = {256, 0, 0, 0};
+    return mesh;
+}
+
+Textures plainTextures(q_ulong texel) {
+    return {Surface(4, 4, texel), Surface(4, 4, texel), {0, 0, 4, 4}};
 }
 
 /// Each texel tells its place; the back texture's green is full.
 Textures numberedTextures(int width, int height) {
-    Textures textures = {Surface(width, height), Surface(width, height), {0, 0, width, height}};
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            textures.front.at(x, y) = static_cast<q_ulong>(0x10000 * (y + 1) + x);
-            textures.back.at(x, y) = static_cast<q_ulong>(0xFF00 + 0x10000 * (y + 1) + x);
-        }
-    return textures;
+    const tagRECT all = {0, 0, width, height};
+    const auto texel = [](int x, int y) { return static_cast<q_ulong>(0x10000 * (y + 1) + x); };
+    return {painted(Surface(width, height), all, texel),
+            painted(Surface(width, height), all, [&](int x, int y) { return 0xFF00 | texel(x, y); }), all};
 }
 
 TEST(Render_Texture_3D, one_cell_shows_the_whole_texture) {
     // 8 pixels over 4 texels: every second pixel stands on a texel.
-    for (const Renderer &renderer : allRenderers) {
-        SCOPED_TRACE(renderer.name);
-        Screen screen(64, 32);
+    forRenderers([](const Renderer &renderer, Screen &screen) {
         Textures textures = numberedTextures(4, 4);
-        render(renderer, screen, textures, screen.surface.rect(), flatMesh(2, 2, 8, 8));
+        renderer.draw(screen, textures, flatMesh(2, 2, 8, 8));
         for (int y = 0; y < 4; ++y)
             for (int x = 0; x < 4; ++x)
                 EXPECT_EQ(screen.surface.at(2 * x, 2 * y), textures.front.at(x, y));
         EXPECT_EQ(screen.surface.at(8, 0), test::background);
         EXPECT_EQ(screen.surface.at(0, 8), test::background);
-    }
+    });
 }
 
 TEST(Render_Texture_3D, one_cell_is_lit_by_one_normal) {
-    for (const Renderer &renderer : allRenderers) {
-        SCOPED_TRACE(renderer.name);
-        Screen screen(64, 32);
-        Textures textures = numberedTextures(4, 4);
-        textures.front = Surface(4, 4, 0x808080);
+    forRenderers([](const Renderer &renderer, Screen &screen) {
+        Textures textures = plainTextures(0x808080);
         Mesh mesh = flatMesh(2, 2, 8, 8);
         mesh.points[1].z = -6; // (0.6, 0, 0.8), whatever the fourth corner
         mesh.points[3].z = 500;
-        render(renderer, screen, textures, screen.surface.rect(), mesh);
-        for (int y = 0; y < 8; ++y)
-            for (int x = 0; x < 8; ++x)
-                EXPECT_EQ(screen.surface.at(x, y), 0x666666u); // 0x80 * 204 / 256
-    }
+        const Surface lit = painted(screen.surface, {0, 0, 8, 8}, 0x666666); // 0x80 * 204 / 256
+        renderer.draw(screen, textures, mesh);
+        EXPECT_EQ(screen.surface.differenceFrom(lit), "");
+    });
 }
 
 TEST(Render_Texture_3D, a_texture_narrower_than_the_cells_gives_some_a_single_column) {
-    for (const Renderer &renderer : allRenderers) {
-        SCOPED_TRACE(renderer.name);
-        Screen screen(64, 32);
+    forRenderers([](const Renderer &renderer, Screen &screen) {
         Textures textures = numberedTextures(4, 4);
-        render(renderer, screen, textures, screen.surface.rect(), flatMesh(2, 9, 8, 8));
+        renderer.draw(screen, textures, flatMesh(2, 9, 8, 8));
         for (int j = 0; j < 8; j += 2) // cells of columns j / 2 up to j / 2
             for (int x = 0; x < 8; ++x)
                 EXPECT_EQ(screen.surface.at(8 * j + x, 0), textures.front.at(j / 2, 0));
-    }
+    });
 }
 
 TEST(Render_Texture_3D, cells_of_uneven_width_tile_the_texture) {
-    for (const Renderer &renderer : allRenderers) {
-        SCOPED_TRACE(renderer.name);
-        Screen screen(64, 32);
+    forRenderers([](const Renderer &renderer, Screen &screen) {
         Textures textures = numberedTextures(9, 9);
         textures.rect = {1, 1, 8, 8}; // 7 texels over 3 cells: from 0, 2 and 4 on
-        render(renderer, screen, textures, screen.surface.rect(), flatMesh(4, 4, 10, 10));
-        const int starts[] = {0, 2, 4};
+        renderer.draw(screen, textures, flatMesh(4, 4, 10, 10));
         for (int i = 0; i < 3; ++i)
             for (int j = 0; j < 3; ++j)
-                EXPECT_EQ(screen.surface.at(10 * j, 10 * i), textures.front.at(1 + starts[j], 1 + starts[i]));
-    }
+                EXPECT_EQ(screen.surface.at(10 * j, 10 * i), textures.front.at(1 + 2 * j, 1 + 2 * i));
+    });
 }
 
 TEST(VKD_Render_Texture_3D, a_mesh_turned_over_shows_the_back_texture_the_right_way_round) {
-    // As many pixels as texels: sampled nearest. The mirrored positions begin at `right` itself, and the left edge
-    // stands on the first texel of the rectangle.
-    Screen screen(64, 32);
-    Textures textures = numberedTextures(10, 10);
-    textures.rect = {1, 1, 9, 9};
-    Mesh mesh = flatMesh(2, 2, 8, 8);
-    std::swap(mesh.points[0], mesh.points[1]);
-    std::swap(mesh.points[2], mesh.points[3]);
-    mesh.ambientColor = {256, 0, 0, 0};
-    render(pipelineTwoTextures, screen, textures, screen.surface.rect(), mesh);
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 8; ++x)
-            EXPECT_EQ(screen.surface.at(x, y), textures.back.at(1 + x, 1 + y));
-}
-
-TEST(VKD_Render_Texture_3D, mirrored_cells_begin_at_the_right_side_less_their_column) {
-    Screen screen(64, 32);
-    Textures textures = numberedTextures(17, 9);
-    textures.rect = {1, 1, 17, 9};
-    Mesh mesh = flatMesh(2, 3, 8, 8);
-    for (_POINT3DFLOAT &point : mesh.points)
-        point.x = 16 - point.x;
-    mesh.ambientColor = {256, 0, 0, 0};
-    render(pipelineTwoTextures, screen, textures, screen.surface.rect(), mesh);
-    for (int x = 0; x < 16; ++x)
-        EXPECT_EQ(screen.surface.at(x, 3), textures.back.at(1 + x, 4));
-}
-
-TEST(VKD_Render_Texture_3D, a_cell_seen_edge_on_takes_the_back_texture) {
-    // The three vertices that are looked at lie on one line; the fourth gives the cell its area.
-    Screen screen(64, 32);
-    Textures textures = numberedTextures(4, 4);
-    Mesh mesh = flatMesh(2, 2, 8, 8);
-    mesh.points[1] = {4, 4, 0, 0};
-    mesh.ambientColor = {256, 0, 0, 0};
-    render(pipelineTwoTextures, screen, textures, screen.surface.rect(), mesh);
-    EXPECT_EQ(screen.surface.at(1, 6) & 0xFF00, 0xFF00u);
-    mesh.points[1] = {5, 4, 0, 0}; // and on the right of that line it faces the viewer
-    Screen front(64, 32);
-    render(pipelineTwoTextures, front, textures, front.surface.rect(), mesh);
-    EXPECT_EQ(front.surface.at(1, 6) & 0xFF00, 0u);
+    // As many pixels as texels: sampled nearest. Mirrored positions begin at `right` itself, less the cell's column,
+    // and the left edge stands on the first texel of the rectangle.
+    for (const int cells : {1, 2}) {
+        Screen screen(64, 32);
+        Textures textures = numberedTextures(8 * cells + 2, 10);
+        textures.rect = {1, 1, 8 * cells + 1, 9};
+        const Surface expected =
+            painted(screen.surface, {0, 0, 8 * cells, 8}, [&](int x, int y) { return textures.back.at(1 + x, 1 + y); });
+        twoTextures.draw(screen, textures, turnedOver(flatMesh(2, cells + 1, 8, 8)));
+        EXPECT_EQ(screen.surface.differenceFrom(expected), "");
+    }
 }
 
 TEST(VKD_Render_Texture_3D, only_two_textures_look_at_the_side_of_a_cell) {
-    for (const Renderer &renderer : allRenderers) {
-        if (renderer.twoTextures)
-            continue;
-        SCOPED_TRACE(renderer.name);
-        Screen screen(64, 32);
+    forRenderers([](const Renderer &renderer, Screen &screen) {
         Textures textures = numberedTextures(8, 8);
-        Mesh mesh = flatMesh(2, 2, 8, 8);
-        std::swap(mesh.points[0], mesh.points[1]);
-        std::swap(mesh.points[2], mesh.points[3]);
-        mesh.ambientColor = {256, 0, 0, 0};
-        render(renderer, screen, textures, screen.surface.rect(), mesh);
+        renderer.draw(screen, textures, turnedOver(flatMesh(2, 2, 8, 8)));
         EXPECT_NE(screen.surface.at(3, 3), test::background);
-        EXPECT_EQ(screen.surface.at(3, 3) & 0xFF00, 0u);
+        EXPECT_EQ(screen.surface.at(3, 3) & 0xFF00, renderer.twoTextures ? 0xFF00u : 0u);
+    });
+}
+
+TEST(VKD_Render_Texture_3D, a_cell_seen_edge_on_takes_the_back_texture) {
+    // The three vertices that are looked at lie on one line; the fourth gives the cell its area. With the second one
+    // to the right of that line it faces the viewer.
+    for (const bool isFront : {false, true}) {
+        Screen screen(64, 32);
+        Textures textures = numberedTextures(4, 4);
+        Mesh mesh = flatMesh(2, 2, 8, 8);
+        mesh.points[1] = {isFront ? 5.0F : 4.0F, 4, 0, 0};
+        mesh.ambientColor = {256, 0, 0, 0};
+        twoTextures.draw(screen, textures, mesh);
+        EXPECT_EQ(screen.surface.at(1, 6) & 0xFF00, isFront ? 0u : 0xFF00u);
     }
+}
+
+/// What a mesh that the light runs along makes of a texel, lit by the ambient colour alone.
+q_ulong litByAmbient(const Renderer &renderer, const _POINT3D &colour, q_ulong texel) {
+    Screen screen(64, 32);
+    Textures textures = plainTextures(texel);
+    Mesh mesh = flatMesh(2, 2, 8, 8);
+    mesh.light = {0, 1, 0, 0};
+    mesh.ambientColor = colour;
+    renderer.draw(screen, textures, mesh);
+    return screen.surface.at(4, 4);
 }
 
 TEST(Render_Texture_3D, the_ambient_light_is_the_length_of_its_colour) {
-    for (const Renderer &renderer : allRenderers) {
-        SCOPED_TRACE(renderer.name);
-        Screen screen(64, 32);
-        Textures textures = {Surface(4, 4, 0xFFFFFF), Surface(4, 4, 0xFFFFFF), {0, 0, 4, 4}};
-        Mesh mesh = flatMesh(2, 2, 8, 8);
-        mesh.light = {0, 1, 0, 0}; // along the mesh
-        mesh.ambientColor = {3, 4, 0, 99};
-        render(renderer, screen, textures, screen.surface.rect(), mesh);
-        EXPECT_EQ(screen.surface.at(4, 4), 0x040404u); // 255 * 5 / 256
-        mesh.ambientColor = {0, -64, 0, 0};
-        Screen direct(64, 32);
-        render(renderer, direct, textures, direct.surface.rect(), mesh);
-        EXPECT_EQ(direct.surface.at(4, 4), 0x3F3F3Fu); // the direction does not count
-    }
-}
-
-TEST(Render_Texture_3D, an_ambient_colour_whose_square_wraps_below_0_gives_no_light) {
-    Screen screen(64, 32);
-    Textures textures = {Surface(4, 4, 0xFFFFFF), Surface(4, 4, 0xFFFFFF), {0, 0, 4, 4}};
-    Mesh mesh = flatMesh(2, 2, 8, 8);
-    mesh.light = {0, 1, 0, 0};
-    mesh.ambientColor = {50000, 0, 0, 0};
-    render(olderQuads, screen, textures, screen.surface.rect(), mesh);
-    EXPECT_EQ(screen.surface.at(4, 4), 0u);
-}
-
-TEST(Render_Texture_3D, the_square_of_the_ambient_colour_is_rounded_to_a_float_before_its_root_is_taken) {
-    // 6144 * 6144 - 2 lies between two floats and becomes 6144 * 6144; its own root would be cut to 6143.
-    Screen screen(64, 32);
-    Textures textures = {Surface(4, 4, 0x010101), Surface(4, 4, 0x010101), {0, 0, 4, 4}};
-    Mesh mesh = flatMesh(2, 2, 8, 8);
-    mesh.light = {0, 1, 0, 0};
-    mesh.ambientColor = {6141, 183, 58, 0};
-    render(olderQuads, screen, textures, screen.surface.rect(), mesh);
-    EXPECT_EQ(screen.surface.at(4, 4), 0x181818u); // 6144 / 256, and 23 from 6143 down
+    forRenderers([](const Renderer &renderer, Screen &) {
+        EXPECT_EQ(litByAmbient(renderer, {3, 4, 0, 99}, 0xFFFFFF), 0x040404u);  // 255 * 5 / 256
+        EXPECT_EQ(litByAmbient(renderer, {0, -64, 0, 0}, 0xFFFFFF), 0x3F3F3Fu); // the direction does not count
+    });
+    // A square that wraps below 0 gives no light.
+    EXPECT_EQ(litByAmbient(olderQuads, {50000, 0, 0, 0}, 0xFFFFFF), 0u);
+    // The square is rounded to a float before its root is taken: 6144 * 6144 - 2 lies between two floats and becomes
+    // 6144 * 6144; its own root would be cut to 6143, and 6143 / 256 to 23.
+    EXPECT_EQ(litByAmbient(olderQuads, {6141, 183, 58, 0}, 0x010101), 0x181818u);
 }
 
 TEST(Render_Texture_3D, the_specular_strength_counts_256_levels) {
-    for (const Renderer &renderer : allRenderers) {
-        SCOPED_TRACE(renderer.name);
-        Screen screen(64, 32);
-        Textures textures = {Surface(4, 4, 0x010101), Surface(4, 4, 0x010101), {0, 0, 4, 4}};
+    forRenderers([](const Renderer &renderer, Screen &screen) {
+        Textures textures = plainTextures(0x010101);
         Mesh mesh = flatMesh(2, 2, 20, 20);
         mesh.specular = 0.3F; // 76.8
-        render(renderer, screen, textures, screen.surface.rect(), mesh);
+        renderer.draw(screen, textures, mesh);
         EXPECT_EQ(screen.surface.at(18, 10), 0x4D4D4Du); // between the arms of the glint
-    }
-}
-
-TEST(Render_Texture_3D, meshes_without_cells_draw_nothing) {
-    for (const Renderer &renderer : allRenderers) {
-        SCOPED_TRACE(renderer.name);
-        Screen screen(64, 32);
-        Textures textures = numberedTextures(4, 4);
-        Mesh mesh = flatMesh(1, 4, 8, 8);
-        mesh.specular = 1;
-        render(renderer, screen, textures, screen.surface.rect(), mesh);
-        mesh = flatMesh(4, 1, 8, 8);
-        mesh.specular = 1;
-        render(renderer, screen, textures, screen.surface.rect(), mesh);
-        EXPECT_TRUE(screen.untouched());
-    }
+    });
 }
 
 TEST(Render_Texture_3D, of_cells_at_one_depth_the_first_in_the_grid_stays) {
-    // The second column of cells is folded back over the first.
-    for (const Renderer &renderer : allRenderers) {
-        SCOPED_TRACE(renderer.name);
-        Screen screen(64, 32);
+    // The second column of cells is folded back over the first, and would end with texel column 4 here.
+    forRenderers([](const Renderer &renderer, Screen &screen) {
         Textures textures = numberedTextures(4, 4);
         textures.back = textures.front;
         Mesh mesh = flatMesh(2, 3, 16, 16);
         mesh.points[2].x = mesh.points[5].x = 0;
         mesh.ambientColor = {256, 0, 0, 0};
         mesh.light = {0, 1, 0, 0};
-        render(renderer, screen, textures, screen.surface.rect(), mesh);
-        EXPECT_EQ(screen.surface.at(0, 0), textures.front.at(0, 0)); // the second cell would end with column 4 here
-    }
+        renderer.draw(screen, textures, mesh);
+        EXPECT_EQ(screen.surface.at(0, 0), textures.front.at(0, 0));
+    });
 }
 
-/// A mesh on one row of cells, all highlights 5, over black: what is not glint is 0x050505.
-Mesh glintMesh() {
-    Mesh mesh = flatMesh(2, 11, 6, 16);
-    mesh.specular = 5.0F / 256;
-    return mesh;
-}
-
-Textures blackTextures() {
-    return {Surface(4, 4), Surface(4, 4), {0, 0, 4, 4}};
+/// Draws over black texels, on which a highlight alone and the glint are seen.
+void drawGlint(Screen &screen, Mesh mesh, float highlight, const tagRECT &clip,
+               const Renderer &renderer = olderTriangles) {
+    Textures textures = plainTextures(0);
+    mesh.specular = highlight / 256;
+    renderer.draw(screen, textures, mesh, clip);
 }
 
 TEST(Render_Texture_3D_Tri, the_glint_compares_a_highlight_with_an_index) {
     // All highlights are 5: vertex 1 exceeds index 0, vertex 2 index 1 and so on until index 5 is held.
     Screen screen(64, 32);
-    Textures textures = blackTextures();
-    Mesh mesh = glintMesh();
-    for (_POINT3DFLOAT &point : mesh.points)
-        point.y += 8;
-    render(olderTriangles, screen, textures, screen.surface.rect(), mesh);
+    Surface expected = painted(screen.surface, {0, 8, 60, 24}, 0x050505);
+    drawGlint(screen, flatMesh(2, 11, 6, 16, 0, 8), 5, screen.surface.rect());
     EXPECT_EQ(screen.surface.at(30, 8), 0x8585FFu); // vertex 5: 5 + 2 * 0x40, blue full
-    for (int j = 0; j < 9; ++j) {
-        if (j == 5)
-            continue;
-        EXPECT_EQ(screen.surface.at(6 * j, 8), 0x050505u) << j;
-    }
-    Surface expected(64, 32, 0x55555555);
-    for (int y = 8; y < 24; ++y)
-        for (int x = 0; x < 60; ++x)
-            expected.at(x, y) = 0x050505;
     plain::addGlint({expected.pixels(), expected.pitch()}, expected.rect(), 30, 8, 5);
     EXPECT_EQ(screen.surface.differenceFrom(expected), "");
 }
@@ -352,38 +267,26 @@ TEST(Render_Texture_3D_Tri, the_glint_compares_a_highlight_with_an_index) {
 TEST(Render_Texture_3D_Tri, vertices_of_the_last_row_and_column_have_no_glint) {
     // One cell: its first vertex alone is looked at.
     Screen screen(64, 32);
-    Textures textures = blackTextures();
-    Mesh mesh = flatMesh(2, 2, 40, 20);
-    mesh.specular = 0.5F;
-    render(olderTriangles, screen, textures, screen.surface.rect(), mesh);
-    Surface expected(64, 32, 0x55555555);
-    for (int y = 0; y < 20; ++y)
-        for (int x = 0; x < 40; ++x)
-            expected.at(x, y) = 0x808080;
+    Surface expected = painted(screen.surface, {0, 0, 40, 20}, 0x808080);
+    drawGlint(screen, flatMesh(2, 2, 40, 20), 128, screen.surface.rect());
     plain::addGlint({expected.pixels(), expected.pitch()}, expected.rect(), 0, 0, 128);
     EXPECT_EQ(screen.surface.differenceFrom(expected), "");
 }
 
-TEST(Render_Texture_3D_Tri, without_highlights_there_is_no_glint) {
-    Textures textures = blackTextures();
-    Mesh mesh = glintMesh();
-    mesh.specular = 0;
-    Screen screen(64, 32);
-    render(olderTriangles, screen, textures, screen.surface.rect(), mesh);
-    for (int y = 0; y < 16; ++y)
-        for (int x = 0; x < 60; ++x)
-            EXPECT_EQ(screen.surface.at(x, y), 0u);
+TEST(Render_Texture_3D_Tri, without_highlights_and_in_the_pipeline_there_is_no_glint) {
+    Screen dull(64, 32);
+    const Surface black = painted(dull.surface, {0, 0, 60, 16}, 0);
+    drawGlint(dull, flatMesh(2, 11, 6, 16), 0, dull.surface.rect());
+    EXPECT_EQ(dull.surface.differenceFrom(black), "");
+    Screen pipeline(64, 32);
+    drawGlint(pipeline, flatMesh(2, 11, 6, 16), 5, pipeline.surface.rect(), pipelineTriangles);
+    EXPECT_EQ(pipeline.surface.differenceFrom(painted(black, {0, 0, 60, 16}, 0x050505)), "");
 }
 
 TEST(Render_Texture_3D_Tri, a_glint_on_the_last_column_loses_its_middle_but_not_its_left) {
     // Vertex 5 stands at (30, 8), the last column of the clip: the crosses at x - 1 and x - 2 alone are drawn.
     Screen screen(64, 32);
-    Textures textures = blackTextures();
-    Mesh mesh = glintMesh();
-    for (_POINT3DFLOAT &point : mesh.points)
-        point.y += 8;
-    const tagRECT clip = {0, 0, 31, 32};
-    render(olderTriangles, screen, textures, clip, mesh);
+    drawGlint(screen, flatMesh(2, 11, 6, 16, 0, 8), 5, {0, 0, 31, 32});
     EXPECT_EQ(screen.surface.at(30, 8), 0x050505u);
     EXPECT_EQ(screen.surface.at(29, 7), 0xD5D5FFu); // over the background: 0x55 + 2 * 0x40
     EXPECT_EQ(screen.surface.at(28, 6), 0xD5D5FFu);
@@ -391,21 +294,20 @@ TEST(Render_Texture_3D_Tri, a_glint_on_the_last_column_loses_its_middle_but_not_
     EXPECT_EQ(screen.surface.at(31, 7), test::background); // arms end with the clip
 }
 
+/// A glint in the middle of a large screen, at (100, 50).
+Surface largeGlint(float highlight) {
+    Screen screen(200, 100);
+    drawGlint(screen, flatMesh(2, 2, 1, 1, 100, 50), highlight, screen.surface.rect());
+    return screen.surface;
+}
+
 TEST(Render_Texture_3D_Tri, one_cross_of_the_glint_is_twice_as_long) {
     // Highlight 40: radii 20, 15, 10, 30 and 10.
-    Screen screen(200, 100);
-    Textures textures = blackTextures();
-    Mesh mesh = flatMesh(2, 2, 1, 1);
-    for (_POINT3DFLOAT &point : mesh.points) {
-        point.x += 100;
-        point.y += 50;
-    }
-    mesh.specular = 40.0F / 256;
-    render(olderTriangles, screen, textures, screen.surface.rect(), mesh);
+    const Surface glint = largeGlint(40);
     // To the right of a centre. No radius divides 65536, so that the last pixel of an arm still gains a little blue.
     const auto reach = [&](int x, int y) {
         int length = 0;
-        while ((screen.surface.at(x + length + 1, y) & 0xFFFFFF) != 0x555555)
+        while ((glint.at(x + length + 1, y) & 0xFFFFFF) != 0x555555)
             ++length;
         return length;
     };
@@ -418,31 +320,12 @@ TEST(Render_Texture_3D_Tri, one_cross_of_the_glint_is_twice_as_long) {
 
 TEST(Render_Texture_3D_Tri, the_glint_keeps_to_8_at_the_least_and_80_at_the_most) {
     const auto drawn = [](float highlight) {
-        Screen screen(200, 100);
-        Textures textures = blackTextures();
-        Mesh mesh = flatMesh(2, 2, 1, 1);
-        for (_POINT3DFLOAT &point : mesh.points) {
-            point.x += 100;
-            point.y += 50;
-        }
-        mesh.specular = highlight / 256;
-        render(olderTriangles, screen, textures, screen.surface.rect(), mesh);
-        screen.surface.at(100, 50) = 0; // the mesh itself
-        return screen.surface;
+        return painted(largeGlint(highlight), {100, 50, 101, 51}, 0); // but for the mesh itself
     };
     EXPECT_EQ(drawn(1).differenceFrom(drawn(9)), ""); // 9 / 2 is 4 as well
     EXPECT_FALSE(drawn(8) == drawn(10));
     EXPECT_FALSE(drawn(78) == drawn(80));
     EXPECT_EQ(drawn(80).differenceFrom(drawn(255)), "");
-}
-
-TEST(VKD_Render_Texture_3D_Tri, has_no_glint) {
-    Screen screen(64, 32);
-    Textures textures = blackTextures();
-    render(pipelineTriangles, screen, textures, screen.surface.rect(), glintMesh());
-    for (int y = 0; y < 16; ++y)
-        for (int x = 0; x < 60; ++x)
-            EXPECT_EQ(screen.surface.at(x, y), 0x050505u);
 }
 
 TEST(VKD_Render_Texture_3D, a_mesh_goes_from_the_model_to_the_screen) {
@@ -456,16 +339,12 @@ TEST(VKD_Render_Texture_3D, a_mesh_goes_from_the_model_to_the_screen) {
     VKD_glViewPort(data, 0, 0, 64, 48);
     VKD_gluPerspective(data, 90, 1, 10, 1000); // 24 pixels from the eye to Z = 0
     VKD_glTranslatef(data, 0, 0, 24);          // twice as far: all is halved
-    Mesh mesh = flatMesh(3, 3, 16, 16);
-    for (_POINT3DFLOAT &point : mesh.points) {
-        point.x -= 16;
-        point.y -= 16;
-    }
+    Mesh mesh = flatMesh(3, 3, 16, 16, -16, -16);
     VKD_Mapping3Dto2D(data, mesh.points.data(), 3, 3);
     tagRECT whole = {0, 0, 64, 48};
     EXPECT_EQ(VKD_ResetZBuffer(data, &whole, 64), 1);
     std::vector<q_ulong> pixels(64 * 48);
-    Textures textures = {Surface(4, 4, 0x123456), Surface(4, 4), {0, 0, 4, 4}};
+    Textures textures = plainTextures(0x123456);
     VKD_Render_Texture_3D(data, pixels.data(), textures.front.pixels(), &whole, &textures.rect, 64,
                           static_cast<q_ulong>(textures.front.pitch()), mesh.points.data(), 3, 3, &mesh.light, nullptr,
                           &mesh.ambientColor, 0, 0);
@@ -477,29 +356,6 @@ TEST(VKD_Render_Texture_3D, a_mesh_goes_from_the_model_to_the_screen) {
             ASSERT_EQ(data->zBuffer[i], covered ? 24 : test::emptyDepth);
         }
     DeleteMemoryBlocks(&transfer);
-}
-
-TEST(Render_Texture_3D, a_mesh_covers_its_area_without_a_gap) {
-    for (const Renderer &renderer : allRenderers) {
-        SCOPED_TRACE(renderer.name);
-        for (int seed = 0; seed < 20; ++seed) {
-            test::Random random(static_cast<std::uint64_t>(seed));
-            Mesh mesh = flatMesh(5, 6, 9, 7);
-            for (int i = 1; i < 4; ++i)
-                for (int j = 1; j < 5; ++j) {
-                    _POINT3DFLOAT &point = mesh.points[static_cast<std::size_t>(i * 6 + j)];
-                    point.x += random.realBetween(-1.5F, 1.5F);
-                    point.y += random.realBetween(-1.5F, 1.5F);
-                }
-            mesh.specular = 0;
-            Textures textures = {Surface(4, 4, 0x123456), Surface(4, 4, 0x123456), {0, 0, 4, 4}};
-            Screen screen(64, 32);
-            render(renderer, screen, textures, screen.surface.rect(), mesh);
-            for (int y = 0; y < 32; ++y)
-                for (int x = 0; x < 64; ++x)
-                    ASSERT_EQ(screen.surface.at(x, y) == 0x123456, x < 45 && y < 28) << x << ", " << y;
-        }
-    }
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 #ifndef Q_MUR_TESTS_TEXTURED_SCREEN_H
 #define Q_MUR_TESTS_TEXTURED_SCREEN_H
 
-#include "support/surface.h"
+#include "support/painting.h"
 
 #include <vector>
 
