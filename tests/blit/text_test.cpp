@@ -208,6 +208,18 @@ TEST(iTextOut, ink_lies_in_the_line_behind_the_corner) {
     }
 }
 
+TEST(iTextOut, letters_are_whole_at_the_corner_and_behind_it) {
+    for (int height = 8; height <= 24; ++height) {
+        const auto inkedPixels = [height](const std::string &text) {
+            const Surface surface = page(text, height);
+            return static_cast<int>(surface.words().size()) - countOf(surface, ground);
+        };
+        // The space behind it keeps the letter out of an odd last column, which is lost.
+        EXPECT_EQ(inkedPixels(" l "), inkedPixels("l ")) << height;
+        EXPECT_EQ(inkedPixels("\nl "), inkedPixels("l ")) << height;
+    }
+}
+
 TEST(iTextOut, negative_height_is_that_of_the_letters_and_larger_and_0_is_what_is_usual) {
     EXPECT_GT(inkOf("H", -60).height(), inkOf("H", 60).height());
     EXPECT_LT(inkOf("H", -60).height(), 60);

@@ -28,7 +28,8 @@ bool isFront(_POINT3DFLOAT p1, _POINT3DFLOAT p2, _POINT3DFLOAT p3) {
 
 TEST(fBubSun, points_the_other_way_than_the_integer_form) {
     EXPECT_EQ(normalOf(_POINT3DFLOAT{0, 0, 0, 0}, {10, 0, 0, 0}, {0, 10, 0, 0}), (Floats{0, 0, 1}));
-    EXPECT_EQ(normalOf(_POINT3D{0, 0, 0, 0}, {10, 0, 0, 0}, {0, 10, 0, 0}), (Ints{0, 0, -256}));
+    for (const int side : {1, 10})
+        EXPECT_EQ(normalOf(_POINT3D{0, 0, 0, 0}, {side, 0, 0, 0}, {0, side, 0, 0}), (Ints{0, 0, -256}));
 }
 
 TEST(fBubSun, points_on_one_line_have_no_normal) {

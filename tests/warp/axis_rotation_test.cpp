@@ -359,6 +359,28 @@ TEST(iBltNear32_X_Roto_Fast, scales_beyond_the_numbers_stay_inside_the_frame) {
         }
 }
 
+TEST(iBltNear32_X_Roto_Fast, steps_that_wrap_bring_the_middle_back_every_128_pixels) {
+    // A scale of 1/1024 makes the depth 1 and the step 2^25, which is 1024 source pixels: along the middle line only
+    // the middle shows, and once more wherever a multiple of the step wraps to 0.
+    for (const auto kind : frameTurns) {
+        const bool aboutY = kind == FrameTurn::aboutY;
+        Surface src = aboutY ? placesOf(4, 300) : placesOf(300, 4);
+        const Surface dst = aboutY ? blank(4, 300) : blank(300, 4);
+        const FrameTurn turn = {.kind = kind, .scale = 1.0 / 1024};
+        Surface expected = painted(dst, dst.rect(), turn.outside());
+        for (const int along : {22, 150, 278})
+            (aboutY ? expected.at(2, along) : expected.at(along, 2)) = aboutY ? place(2, 150) : place(150, 2);
+        EXPECT_EQ(turn.drawn(dst, src).differenceFrom(expected), "");
+    }
+}
+
+TEST(iBltNear32_X_Roto_Fast, without_columns_or_rows_nothing_is_drawn) {
+    Surface src(6, 5, 7);
+    for (const auto kind : frameTurns)
+        for (const Surface &dst : {blank(6, 0), blank(0, 5), blank(0, 0)})
+            EXPECT_EQ(FrameTurn{.kind = kind}.drawn(dst, src).differenceFrom(dst), "");
+}
+
 TEST(iBltNear32_Y_Roto_Fast, in_place_the_face_shows_margins_that_are_cleared_already) {
     // Column x of the face, 8 to 22, shows column 2x - 16.
     constexpr int size = 32;
