@@ -349,6 +349,13 @@ TEST(iTextOut, characters_are_those_of_code_page_1252) {
     EXPECT_NEAR(inkOf("\x80", 60).top, inkOf("C", 60).top, 2);  // the euro
     EXPECT_NEAR(inkOf("\x80", 60).bottom, inkOf("C", 60).bottom, 2);
     EXPECT_FALSE(page("\x80", 60) == page("C", 60));
+    for (const auto &[letter, marked] :
+         {std::pair{"S", "\x8A"}, {"s", "\x9A"}, {"Z", "\x8E"}, {"z", "\x9E"}, {"Y", "\x9F"}}) {
+        EXPECT_LT(inkOf(marked, 60).top, inkOf(letter, 60).top) << letter; // with a caron or two dots
+        EXPECT_EQ(inkOf(marked, 60).bottom, inkOf(letter, 60).bottom) << letter;
+        EXPECT_NEAR(inkOf(marked, 60).width(), inkOf(letter, 60).width(), 2) << letter;
+    }
+    EXPECT_LT(inkOf("\x9C", 60).height(), inkOf("\x8C", 60).height()); // oe and OE
     // Each dash is as wide as it is called, and no box that stands for a lacking character.
     EXPECT_LT(inkOf("-", 60).width(), inkOf("\x96", 60).width());
     EXPECT_LT(inkOf("\x96", 60).width(), inkOf("\x97", 60).width());
