@@ -195,37 +195,6 @@ TEST(bRegion_Fill, a_second_fill_from_the_same_seed_paints_nothing) {
     EXPECT_EQ(second, 0);
 }
 
-/// A flood over pixels, of which the edge rows are entered, but not left again.
-TEST(bRegion_Fill, paints_the_connected_region_and_what_touches_it_in_the_edge_rows) {
-    for (std::uint64_t seed = 0; seed < 3000; ++seed) {
-        Random random(seed);
-        const int share = random.between(2, 12);
-        const tagRECT limits = {random.between(0, 3), 0, 12, 11};
-        const int seedX = random.between(3, 11);
-        const int seedY = random.between(1, 9);
-        Rows rows(13, std::string(14, '.'));
-        for (std::string &row : rows)
-            for (char &c : row)
-                c = random.oneIn(share) ? '#' : '.';
-        const auto at = [](Rows &of, int x, int y) -> char & {
-            return of[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)];
-        };
-        at(rows, seedX, seedY) = '.';
-        Rows expected = rows;
-        std::vector<std::pair<int, int>> open = {{seedX, seedY}};
-        while (!open.empty()) {
-            const auto [x, y] = open.back();
-            open.pop_back();
-            if (x < limits.left || x >= limits.right || at(expected, x, y) == '#')
-                continue;
-            at(expected, x, y) = '#';
-            if (y > 0 && y < limits.bottom - 1)
-                open.insert(open.end(), {{x - 1, y}, {x + 1, y}, {x, y - 1}, {x, y + 1}});
-        }
-        ASSERT_EQ(filledPlane(rows, limits, seedX, seedY).first, expected) << seed;
-    }
-}
-
 TEST(Region_Src_Fill, copies_the_region_and_marks_the_edge_rows_on_the_plane) {
     // The first row within the limits is 1: marked in row 0. The last one is 4.
     Bytes plane = planeOf({".......", ".......", "#.....#", "##...##", "......."});
