@@ -1,6 +1,5 @@
 #include "blits.h"
 
-#include <algorithm>
 #include <limits>
 
 namespace {

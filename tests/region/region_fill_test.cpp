@@ -58,7 +58,7 @@ std::pair<Rows, int> filledPlane(Rows rows, tagRECT rect, int x, int y) {
     return {rows, answer};
 }
 
-TEST(Region_Fill, works_on_the_block_that_the_block_manager_hands_out) {
+TEST(Region_Fill, works_on_the_block_of_the_block_manager_up_to_boundaries_of_all_32_bits) {
     _TRANSFERDATA host = {};
     _PRIVATE_QMGP_DATA *const data = GetPrivate_QMGP_Data(&host, 0);
     ASSERT_NE(data, nullptr);
@@ -68,6 +68,10 @@ TEST(Region_Fill, works_on_the_block_that_the_block_manager_hands_out) {
     Region_Fill(data, 2, 2, 5, 5, 0, 0, 0, &rect);
     EXPECT_EQ(rowsOf(surface, paint), Rows(5, "+++++"));
     DeleteMemoryBlocks(&host);
+    Fill fill({"#####", "#...#", "#...#", "#...#", "#####"});
+    fill.test.at(2, 2) = borderColor | 0x80000000; // no boundary
+    fill.from(1, 1, {0, 0, 5, 5});
+    EXPECT_EQ(rowsOf(fill.dst, paint), (Rows{".....", ".+++.", ".+++.", ".+++.", "....."}));
 }
 
 TEST(Scans, stop_beside_the_boundary_or_at_their_limits_of_which_the_left_one_is_included) {
@@ -148,13 +152,6 @@ TEST(Region_Fill, a_seed_on_a_boundary_is_answered_the_column_before_it_and_any_
     EXPECT_EQ(fill.from(2, 2, {0, 0, 5, 5}), 1);
     EXPECT_EQ(rowsOf(fill.dst, paint), Rows(5, "....."));
     EXPECT_EQ(Fill({"#######", "#.....#", "##...##", "#.....#", "......."}).from(3, 2, {0, 0, 7, 5}), 4);
-}
-
-TEST(Region_Fill, the_boundary_counts_in_all_32_bits) {
-    Fill fill({"#####", "#...#", "#...#", "#...#", "#####"});
-    fill.test.at(2, 2) = borderColor | 0x80000000; // no boundary
-    fill.from(1, 1, {0, 0, 5, 5});
-    EXPECT_EQ(rowsOf(fill.dst, paint), (Rows{".....", ".+++.", ".+++.", ".+++.", "....."}));
 }
 
 TEST(Region_Fill, directions_go_up_or_down_and_look_back_beside_their_parent_only) {
