@@ -18,16 +18,6 @@ TEST(Surfaces, are_walked_back_by_negative_coordinates_and_pitches_of_either_typ
     EXPECT_EQ(asDistance(-640), -640);
 }
 
-TEST(Windows, share_the_columns_and_rows_that_both_have) {
-    const Window shared = Window{{0, 10}, {-3, 4}}.within({{-1, 6}, {2, 9}});
-    for (int y = -5; y < 12; ++y)
-        for (int x = -5; x < 12; ++x)
-            EXPECT_EQ(shared.contains(x, y), x >= 0 && x < 6 && y >= 2 && y < 4) << x << ", " << y;
-    EXPECT_FALSE(shared.empty());
-    EXPECT_TRUE((Window{{0, 1}, {2, 2}}).empty());
-    EXPECT_TRUE((Window{{5, 2}, {2, 3}}).empty());
-}
-
 TEST(Rectangles, have_the_size_of_their_exclusive_edges) {
     EXPECT_EQ(widthOf({-3, 5, 7, 6}), 10);
     EXPECT_EQ(heightOf({-3, 5, 7, 6}), 1);

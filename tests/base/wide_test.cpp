@@ -56,48 +56,4 @@ TEST(AtFullWidth, computes_with_64_bits_rounds_once_and_restores_what_it_found) 
 }
 #endif
 
-constexpr Wide pi = 3.14159265358979323846264338327950288L;
-
-void expectClose(Wide value, Wide expected) {
-    EXPECT_LE(std::abs(value - expected), 0x1p-60L) << static_cast<double>(expected);
-}
-
-TEST(SineCosine, hit_the_known_points) {
-    const Wide points[][3] = {
-        {0, 0, 1},
-        {pi / 6, 0.5L, 0.866025403784438646763723170752936183L},
-        {pi / 4, 0.707106781186547524400844362104849039L, 0.707106781186547524400844362104849039L},
-        {pi / 2, 1, 0},
-        {-pi / 2, -1, 0},
-        {1, 0.841470984807896506652502321630298999L, 0.540302305868139717400936607442976603L}};
-    for (const auto &[angle, sine, cosine] : points) {
-        expectClose(sineCosine(angle).sine, sine);
-        expectClose(sineCosine(angle).cosine, cosine);
-    }
-    // Beyond the angles of the processor's instructions, too, they are sines and cosines.
-    for (const Wide angle : {0x1p63L, -0x1p63L, 0x1p100L, -0x1p100L}) {
-        const SineCosine result = sineCosine(angle);
-        expectClose(result.sine * result.sine + result.cosine * result.cosine, 1);
-        EXPECT_FALSE(std::isnan(tangent(angle)));
-    }
-}
-
-TEST(Tangent, and_arc_tangent_hit_the_known_points) {
-    expectClose(tangent(pi / 4), 1);
-    expectClose(tangent(-pi / 4), -1);
-    expectClose(tangent(1), 1.55740772465490223050697480745836017L);
-    EXPECT_EQ(tangent(0), 0);
-    EXPECT_EQ(arcTangent(0, 1), 0);
-    expectClose(arcTangent(1, 1), pi / 4);
-    expectClose(arcTangent(1, 0), pi / 2);
-    expectClose(arcTangent(1, -1), 3 * pi / 4);
-    expectClose(arcTangent(-1, -1), -3 * pi / 4);
-    expectClose(arcTangent(-1, 1), -pi / 4);
-}
-
-TEST(SquareRoot, of_squares_is_exact) {
-    for (int i = 0; i < 1000; ++i)
-        EXPECT_EQ(squareRoot(Wide(i) * i), i);
-}
-
 } // namespace

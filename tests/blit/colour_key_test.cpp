@@ -37,18 +37,15 @@ TEST(iBltBilinear32_KeySrc, the_key_is_tested_on_what_is_filtered_and_blended_in
               (Pixels{0x10, 0x11111111, 0x30, 0x30}));
 }
 
-TEST(iBltFast32SafeKeySrc, a_centre_at_the_origin_draws_the_lower_right_quarter) {
-    Surface src = numbered(6, 4);
-    Surface dst(8, 8);
-    place(iBltFast32SafeKeySrc, dst, 0, 0, src, src.rect(), 8, 8);
-    EXPECT_EQ(dst.differenceFrom(showing(Surface(8, 8), 0, 0, src, {3, 2, 6, 4})), "");
-}
-
-TEST(iBltFast32SafeKeySrc, odd_width_loses_last_column_and_odd_height_last_row) {
-    Surface src = numbered(5, 3);
-    Surface dst(8, 8);
-    place(iBltFast32SafeKeySrc, dst, 4, 4, src, src.rect(), 8, 8);
-    EXPECT_EQ(dst.differenceFrom(showing(Surface(8, 8), 2, 3, src, {0, 0, 4, 2})), "");
+TEST(iBltFast32SafeKeySrc, is_placed_by_its_centre_and_loses_its_last_column_and_row_if_odd) {
+    const auto expectDrawn = [](int width, int height, int centre, const tagRECT &part, int x, int y) {
+        Surface src = numbered(width, height);
+        Surface dst(8, 8);
+        place(iBltFast32SafeKeySrc, dst, centre, centre, src, src.rect(), 8, 8);
+        EXPECT_EQ(dst.differenceFrom(showing(Surface(8, 8), x, y, src, part)), "") << width;
+    };
+    expectDrawn(6, 4, 0, {3, 2, 6, 4}, 0, 0); // the lower right quarter at the origin
+    expectDrawn(5, 3, 4, {0, 0, 4, 2}, 2, 3);
 }
 
 TEST(iBltFast32SafeKeySrc, only_0_is_left_out) {

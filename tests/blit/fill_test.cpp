@@ -41,13 +41,10 @@ TEST(iFadeOut32, factors_that_truncate_to_0_are_a_gentle_step_and_no_clear) {
     EXPECT_EQ(fadedOnce(0xFFFFFFFF, 1.0F / 256), 0u);    // 255 / 256
 }
 
-TEST(iFadeOut32, factor_1_keeps_the_colours_and_factor_one_half_halves_with_truncation) {
+TEST(iFadeOut32, factor_1_keeps_the_colours_one_half_halves_them_and_2_wraps_drops_and_spills) {
     EXPECT_EQ(fadedOnce(0xFF123456, 1.0F), 0x00123456u);
     EXPECT_EQ(fadedOnce(0x80FFFFFF, 1.0F), 0x00FFFFFFu);
     EXPECT_EQ(fadedOnce(0x00FF0301, 0.5F), 0x007F0100u);
-}
-
-TEST(iFadeOut32, factor_2_wraps_red_drops_green_and_spills_blue_into_green) {
     // Scale 512: red 0xC0 << 25 keeps one bit of its two, green 0x80 << 17 stands above green's mask, and blue
     // 0xC0 << 9 is 0x18000, which the shift makes 0x180.
     EXPECT_EQ(fadedOnce(0x00C080C0, 2.0F), 0x00800180u);

@@ -71,46 +71,22 @@ protected:
     _TRANSFERDATA data{};
 };
 
-TEST_F(BlockManager, a_plain_block_is_as_long_as_asked_and_starts_at_its_start) {
-    for (const int size : {1000, 0}) {
-        void *memory = FindNotUsedMemory(&data, 0, size);
-        ASSERT_NE(memory, nullptr);
-        const MemoryBlock &block = *data.blocks[0];
-        EXPECT_EQ(block.start, memory);
-        EXPECT_EQ(block.work, memory);
-        EXPECT_EQ(block.size, static_cast<q_ulong>(size));
-        EXPECT_EQ(block.reserved, 0u);
-        expectBlocks(1, 1);
-        std::memset(memory, 0xFF, static_cast<std::size_t>(size));
-        ClearMemory(&data, 0);
-    }
-}
-
-TEST_F(BlockManager, the_three_codes_ask_for_planes_of_the_hosts_frame) {
-    const std::array<int, 3> planes[] = {{-1, 2560, 400}, {-2, 1280, 200}, {-3, 640, 100}};
-    for (int slot = 0; slot < 3; ++slot) {
-        const auto &[code, size, origin] = planes[slot];
-        const unsigned char *memory = allocate(slot, code);
-        ASSERT_NE(memory, nullptr);
-        const MemoryBlock &block = *data.blocks[slot];
-        EXPECT_EQ(block.size, static_cast<q_ulong>(size));
-        EXPECT_EQ(block.work, memory);
-        EXPECT_EQ(memory - static_cast<unsigned char *>(block.start), origin);
-        std::memset(block.start, 0xFF, static_cast<std::size_t>(size));
-    }
-    expectBlocks(3, 3);
-}
-
-TEST_F(BlockManager, a_frame_whose_first_pixel_lies_before_its_plane_keeps_its_sign) {
-    geometry.originElement = -3;
-    for (const auto &[code, elementSize] : {std::pair{-1, 4}, {-2, 2}, {-3, 1}}) {
-        const auto memory = reinterpret_cast<std::uintptr_t>(allocate(0, code));
-        const auto start = reinterpret_cast<std::uintptr_t>(data.blocks[0]->start);
-        EXPECT_EQ(start - memory, static_cast<std::uintptr_t>(3 * elementSize)) << code;
-    }
-}
-
-TEST_F(BlockManager, a_plane_of_negative_length_cannot_be_had) {
+TEST_F(BlockManager, a_block_is_as_long_as_asked_and_three_codes_ask_for_planes_of_the_hosts_frame) {
+    // The size asked for, that of the block, and that of an element, if it is a plane.
+    const std::array<int, 3> blocks[] = {{1000, 1000, 0}, {0, 0, 0}, {-1, 2560, 4}, {-2, 1280, 2}, {-3, 640, 1}};
+    for (const int origin : {100, -3}) // a frame may begin before its plane
+        for (const auto &[asked, size, elementSize] : blocks) {
+            geometry.originElement = origin;
+            unsigned char *memory = allocate(0, asked);
+            ASSERT_NE(memory, nullptr);
+            const MemoryBlock &block = *data.blocks[0];
+            EXPECT_EQ(block.size, static_cast<q_ulong>(size));
+            EXPECT_EQ(block.reserved, 0u);
+            EXPECT_EQ(block.work, memory);
+            EXPECT_EQ(static_cast<unsigned char *>(block.start) + origin * elementSize, memory);
+            std::memset(block.start, 0xFF, static_cast<std::size_t>(size));
+            expectBlocks(1, 1);
+        }
     geometry.planeElements = -3;
     for (int code = -1; code >= -3; --code) {
         EXPECT_EQ(allocate(0, code), nullptr) << code;
@@ -118,7 +94,7 @@ TEST_F(BlockManager, a_plane_of_negative_length_cannot_be_had) {
     }
 }
 
-TEST_F(BlockManager, slot_0_starts_a_new_set) {
+TEST_F(BlockManager, slot_0_starts_a_new_set_and_a_failed_allocation_drops_the_whole_set) {
     allocateSlots(3);
     expectBlocks(3, 3);
     for (const int size : {200, 300}) {
@@ -126,9 +102,6 @@ TEST_F(BlockManager, slot_0_starts_a_new_set) {
         expectBlocks(1, 1);
         EXPECT_EQ(data.blocks[0]->size, static_cast<q_ulong>(size));
     }
-}
-
-TEST_F(BlockManager, a_failed_allocation_drops_the_whole_set) {
     for (const int size : impossibleSizes)
         for (const int slot : {3, 0}) {
             allocateSlots(3);
@@ -185,14 +158,7 @@ TEST_F(BlockManager, a_frame_with_a_notice_keeps_its_blocks_and_one_without_drop
     expectBlocks(1, 1);
 }
 
-TEST_F(BlockManager, deleting_an_empty_table_sets_the_count_to_0) {
-    data.blockCount = data.memoryUsedFlag = -7;
-    DeleteMemoryBlocks(&data);
-    EXPECT_EQ(data.blockCount, 0);
-    EXPECT_EQ(data.memoryUsedFlag, -7);
-}
-
-TEST_F(BlockManager, both_names_delete_all_blocks_even_of_a_full_table_and_none_of_a_null_record) {
+TEST_F(BlockManager, both_names_delete_all_blocks_even_of_a_full_table_and_none_of_an_empty_or_null_record) {
     for (const auto deleteAll : {DeleteMemoryBlocks, FreeMemoryBlocks})
         for (const int count : {15, 16}) {
             allocateSlots(count);
@@ -201,6 +167,10 @@ TEST_F(BlockManager, both_names_delete_all_blocks_even_of_a_full_table_and_none_
             expectBlocks(0, 0);
             deleteAll(nullptr);
         }
+    data.blockCount = data.memoryUsedFlag = -7;
+    DeleteMemoryBlocks(&data);
+    EXPECT_EQ(data.blockCount, 0);
+    EXPECT_EQ(data.memoryUsedFlag, -7);
 }
 
 TEST_F(BlockManager, blocks_behind_a_gap_stay) {

@@ -10,7 +10,7 @@
 
 namespace {
 
-test::LinearGenerator linear(1);
+std::uint32_t state = 1;
 std::vector<int> script;
 bool scripted = false;
 int taken = 0;
@@ -20,7 +20,7 @@ int taken = 0;
 namespace test {
 
 void seedDraws(std::uint32_t seed) {
-    linear = LinearGenerator(seed);
+    state = seed;
     scripted = false;
     taken = 0;
 }
@@ -39,7 +39,8 @@ int drawsTaken() {
 
 extern "C" int rand() Q_MUR_TESTS_NOTHROW {
     const auto index = static_cast<std::size_t>(taken++);
-    if (!scripted)
-        return linear.draw();
-    return index < script.size() ? script[index] : 0;
+    if (scripted)
+        return index < script.size() ? script[index] : 0;
+    state = state * 214013 + 2531011;
+    return static_cast<int>(state >> 16 & 0x7FFF);
 }

@@ -8,21 +8,8 @@
 
 namespace test {
 
-/// The generator of the runtime that most hosts bring along: bits 16 to 30 of a linear congruence.
-class LinearGenerator {
-public:
-    explicit LinearGenerator(std::uint32_t seed) : state(seed) {}
-
-    int draw() {
-        state = state * 214013 + 2531011;
-        return static_cast<int>(state >> 16 & 0x7FFF);
-    }
-
-private:
-    std::uint32_t state;
-};
-
-/// From here on `rand` follows a linear generator.
+/// From here on `rand` follows the generator of the runtime that most hosts bring along: bits 16 to 30 of a linear
+/// congruence.
 void seedDraws(std::uint32_t seed);
 
 /// From here on `rand` returns these numbers, and 0 when they are used up.

@@ -108,12 +108,9 @@ void expectCurves(const Surface &smooth, std::initializer_list<std::pair<Four, F
     EXPECT_EQ(smooth.differenceFrom(expected), "");
 }
 
-TEST(iPolyBesier, an_open_curve_of_two_points_leaves_without_a_handle_and_enters_with_one) {
+TEST(iPolyBesier, an_open_curve_leaves_without_a_handle_enters_with_one_and_has_those_of_its_neighbours_between) {
     // 15/64 of the way from (4, 4) to (68, 36) is (15, 7.5), truncated.
     expectCurves(smoothCurve({4, 68}, {4, 36}, 1), {{{4, 4, 68 - 15, 68}, {4, 4, 36 - 7, 36}}});
-}
-
-TEST(iPolyBesier, an_open_curve_has_the_handles_of_its_neighbours_in_between) {
     // At (40, 40): (68 - 4) * 15 / 64 = 15 and (12 - 4) * 15 / 64 = 1. At the end: (68 - 40) * 15 / 64 = 6 and
     // (12 - 40) * 15 / 64 = -6.5, toward zero -6.
     expectCurves(smoothCurve({4, 40, 68}, {4, 40, 12}, 1),
@@ -129,9 +126,6 @@ TEST(iPolyBesier, a_closed_curve_has_a_true_handle_at_its_first_point_too) {
     // One of two points goes straight there and back.
     expectCurves(smoothCurve({4, 60}, {4, 30}, 0),
                  {{{4, 4, 60, 60}, {4, 4, 30, 30}}, {{60, 60, 4, 4}, {30, 30, 4, 4}}});
-}
-
-TEST(iPolyBesier, one_point_draws_a_pixel_only_if_closed) {
     expectCurves(smoothCurve({9}, {7}, 1), {});
     expectCurves(smoothCurve({9}, {7}, 0), {{{9, 9, 9, 9}, {7, 7, 7, 7}}});
 }

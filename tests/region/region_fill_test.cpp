@@ -58,7 +58,7 @@ std::pair<Rows, int> filledPlane(Rows rows, tagRECT rect, int x, int y) {
     return {rows, answer};
 }
 
-TEST(Region_Fill, works_on_the_block_that_the_block_manager_hands_out) {
+TEST(Region_Fill, works_on_the_block_of_the_block_manager_up_to_boundaries_of_all_32_bits) {
     _TRANSFERDATA host = {};
     _PRIVATE_QMGP_DATA *const data = GetPrivate_QMGP_Data(&host, 0);
     ASSERT_NE(data, nullptr);
@@ -68,6 +68,10 @@ TEST(Region_Fill, works_on_the_block_that_the_block_manager_hands_out) {
     Region_Fill(data, 2, 2, 5, 5, 0, 0, 0, &rect);
     EXPECT_EQ(rowsOf(surface, paint), Rows(5, "+++++"));
     DeleteMemoryBlocks(&host);
+    Fill fill({"#####", "#...#", "#...#", "#...#", "#####"});
+    fill.test.at(2, 2) = borderColor | 0x80000000; // no boundary
+    fill.from(1, 1, {0, 0, 5, 5});
+    EXPECT_EQ(rowsOf(fill.dst, paint), (Rows{".....", ".+++.", ".+++.", ".+++.", "....."}));
 }
 
 TEST(Scans, stop_beside_the_boundary_or_at_their_limits_of_which_the_left_one_is_included) {
@@ -150,13 +154,6 @@ TEST(Region_Fill, a_seed_on_a_boundary_is_answered_the_column_before_it_and_any_
     EXPECT_EQ(Fill({"#######", "#.....#", "##...##", "#.....#", "......."}).from(3, 2, {0, 0, 7, 5}), 4);
 }
 
-TEST(Region_Fill, the_boundary_counts_in_all_32_bits) {
-    Fill fill({"#####", "#...#", "#...#", "#...#", "#####"});
-    fill.test.at(2, 2) = borderColor | 0x80000000; // no boundary
-    fill.from(1, 1, {0, 0, 5, 5});
-    EXPECT_EQ(rowsOf(fill.dst, paint), (Rows{".....", ".+++.", ".+++.", ".+++.", "....."}));
-}
-
 TEST(Region_Fill, directions_go_up_or_down_and_look_back_beside_their_parent_only) {
     // Rows 0 and 3 are the edges: each of their columns is marked by itself.
     Fill up(Rows(5, "......."));
@@ -193,37 +190,6 @@ TEST(bRegion_Fill, a_second_fill_from_the_same_seed_paints_nothing) {
     const auto [twice, second] = filledPlane(once, {0, 0, 7, 4}, 1, 1);
     EXPECT_EQ(twice, once);
     EXPECT_EQ(second, 0);
-}
-
-/// A flood over pixels, of which the edge rows are entered, but not left again.
-TEST(bRegion_Fill, paints_the_connected_region_and_what_touches_it_in_the_edge_rows) {
-    for (std::uint64_t seed = 0; seed < 3000; ++seed) {
-        Random random(seed);
-        const int share = random.between(2, 12);
-        const tagRECT limits = {random.between(0, 3), 0, 12, 11};
-        const int seedX = random.between(3, 11);
-        const int seedY = random.between(1, 9);
-        Rows rows(13, std::string(14, '.'));
-        for (std::string &row : rows)
-            for (char &c : row)
-                c = random.oneIn(share) ? '#' : '.';
-        const auto at = [](Rows &of, int x, int y) -> char & {
-            return of[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)];
-        };
-        at(rows, seedX, seedY) = '.';
-        Rows expected = rows;
-        std::vector<std::pair<int, int>> open = {{seedX, seedY}};
-        while (!open.empty()) {
-            const auto [x, y] = open.back();
-            open.pop_back();
-            if (x < limits.left || x >= limits.right || at(expected, x, y) == '#')
-                continue;
-            at(expected, x, y) = '#';
-            if (y > 0 && y < limits.bottom - 1)
-                open.insert(open.end(), {{x - 1, y}, {x + 1, y}, {x, y - 1}, {x, y + 1}});
-        }
-        ASSERT_EQ(filledPlane(rows, limits, seedX, seedY).first, expected) << seed;
-    }
 }
 
 TEST(Region_Src_Fill, copies_the_region_and_marks_the_edge_rows_on_the_plane) {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
-#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -49,14 +48,8 @@ public:
     std::string prefix() const { return path.string() + "/"; }
 
     void write(const std::string &name, const Bytes &bytes) const {
-        const std::string filePath = prefix() + name;
-        std::remove(filePath.c_str()); // a file made anew is faster: one cut short is put on the disk at once
-        std::FILE *file = std::fopen(filePath.c_str(), "wb");
-        if (!file)
-            throw std::runtime_error("cannot write " + name);
-        const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-        if (std::fclose(file) != 0 || !isWritten)
-            throw std::runtime_error("cannot write " + name);
+        std::filesystem::remove(path / name); // a file made anew is faster: one cut short is put on the disk at once
+        writeInto(name, 0, bytes, std::ios::out);
     }
 
     /// Writes an empty file of any size, in which only what is written later takes room. False where the file system
@@ -71,13 +64,14 @@ public:
     }
 
     /// Writes bytes into a file, wherever they lie.
-    void writeInto(const std::string &name, std::int64_t position, const Bytes &bytes) const {
-        std::fstream file(prefix() + name, std::ios::in | std::ios::out | std::ios::binary);
+    void writeInto(const std::string &name, std::int64_t position, const Bytes &bytes,
+                   std::ios::openmode mode = std::ios::in | std::ios::out) const {
+        std::fstream file(path / name, mode | std::ios::binary);
         file.seekp(position);
         file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         file.close();
         if (!file)
-            throw std::runtime_error("cannot write into " + name);
+            throw std::runtime_error("cannot write " + name);
     }
 
 private:
@@ -145,9 +139,13 @@ struct WithoutDirectory {
 
 const WithoutDirectory withoutDirectory;
 
+/// Has a directory with a picture of one pixel in it.
 class LoadBitmap24Files : public testing::Test {
 protected:
-    LoadBitmap24Files() { setDirectory(directory.prefix()); }
+    LoadBitmap24Files() {
+        directory.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
+        setDirectory(directory.prefix());
+    }
 
     /// Writes a file and loads it at the size that its header states.
     Loaded loadOf(const Bitmap &bitmap) {
@@ -170,31 +168,25 @@ protected:
     const Directory directory;
 };
 
-TEST_F(LoadBitmap24Files, rows_run_bottom_to_top_and_bytes_blue_to_red) {
+TEST_F(LoadBitmap24Files, rows_run_bottom_to_top_and_their_distance_comes_truncated_from_the_size_field) {
     Bitmap bitmap = Bitmap::ofSize(2, 2, 8);
     bitmap.data = {0x10, 0x20, 0x30, 0xFF, 0x00, 0x80, 0xEE, 0xEE, 1, 2, 3, 4, 5, 6, 0xEE, 0xEE};
     EXPECT_EQ(loadOf(bitmap).pixels, (Pixels{0x030201, 0x060504, 0x302010, 0x8000FF}));
-}
-
-TEST_F(LoadBitmap24Files, the_distance_of_rows_comes_from_the_size_field_and_is_truncated) {
     // A stride of 12 for 3 columns with padding, and of 9 without.
     EXPECT_EQ(loadOf(Bitmap::ofSize(3, 2, 12)).pixels,
               (Pixels{0x0F0E0D, 0x121110, 0x151413, 0x030201, 0x060504, 0x090807}));
     EXPECT_EQ(loadOf(Bitmap::ofSize(3, 2, 9)).pixels,
               (Pixels{0x0C0B0A, 0x0F0E0D, 0x121110, 0x030201, 0x060504, 0x090807}));
-    Bitmap bitmap = Bitmap::ofSize(1, 2, 4);
+    bitmap = Bitmap::ofSize(1, 2, 4);
     bitmap.fileSize += 3; // 11 bytes for two rows: 5 each
     EXPECT_EQ(loadOf(bitmap).pixels, (Pixels{0x080706, 0x030201}));
 }
 
-TEST_F(LoadBitmap24Files, other_sizes_than_the_file_has_are_answered_0) {
+TEST_F(LoadBitmap24Files, other_sizes_than_the_file_has_negative_ones_and_pictures_without_rows_are_answered_0) {
     const Bytes file = Bitmap::ofSize(3, 2, 12).file();
     for (int height = -3; height <= 4; ++height)
         for (int width = -4; width <= 5; ++width)
             EXPECT_EQ(loadOf(file, width, height).answer, width == 3 && height == 2) << width << " by " << height;
-}
-
-TEST_F(LoadBitmap24Files, negative_sizes_and_pictures_without_rows_are_answered_0_even_if_the_file_has_them) {
     Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
     for (const auto &[width, height] : {std::pair{3, -2}, {-3, 2}, {-3, -2}, {3, 0}, {0, 0}, {-1, -1}}) {
         bitmap.width = static_cast<std::uint32_t>(width);
@@ -317,7 +309,6 @@ TEST_F(LoadBitmap24Files, a_file_of_3_GiB_is_read_where_rows_begin_below_2_GiB) 
 }
 
 TEST_F(LoadBitmap24Files, what_is_no_file_is_answered_0_and_files_are_closed_whatever_is_answered) {
-    directory.write("good.bmp", Bitmap::ofSize(1, 1, 4).file());
     directory.write("short.bmp", Bytes(20, 'B'));
     directory.write("false.bmp", Bytes(60, 'B'));
     Bitmap small = Bitmap::ofSize(1, 1, 4);
@@ -326,7 +317,7 @@ TEST_F(LoadBitmap24Files, what_is_no_file_is_answered_0_and_files_are_closed_wha
     for (int i = 0; i < 1500; ++i) { // more files than a program may have open
         for (const char *name : {"short.bmp", "false.bmp", "small.bmp", "nobody.bmp", "", "no/where.bmp"})
             ASSERT_EQ(load(name, 1, 1).answer, 0) << name;
-        ASSERT_EQ(load("good.bmp", 1, 1).answer, 1) << i;
+        ASSERT_EQ(load("a.bmp", 1, 1).answer, 1) << i;
     }
 }
 
@@ -336,49 +327,38 @@ TEST(LoadBitmap24, without_a_directory_the_name_is_the_path) {
     EXPECT_EQ(withoutDirectory.pixel, 0x030201u);
 }
 
-TEST(SetSpriteDir, a_later_directory_takes_the_place_of_an_earlier_one) {
-    const Directory first;
-    const Directory second;
-    first.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
-    second.write("b.bmp", Bitmap::ofSize(1, 1, 4).file());
-    setDirectory(first.prefix());
+TEST_F(LoadBitmap24Files, are_looked_for_in_the_last_directory_that_was_set) {
+    const Directory other;
+    other.write("b.bmp", Bitmap::ofSize(1, 1, 4).file());
     EXPECT_EQ(load("a.bmp", 1, 1).answer, 1);
     EXPECT_EQ(load("b.bmp", 1, 1).answer, 0);
-    setDirectory(second.prefix());
+    setDirectory(other.prefix());
     EXPECT_EQ(load("a.bmp", 1, 1).answer, 0);
     EXPECT_EQ(load("b.bmp", 1, 1).answer, 1);
     setDirectory("");
-    EXPECT_EQ(load(second.prefix() + "b.bmp", 1, 1).answer, 1);
+    EXPECT_EQ(load(other.prefix() + "b.bmp", 1, 1).answer, 1);
 }
 
-TEST(SetSpriteDir, the_text_is_copied_and_stands_right_before_the_name) {
-    const Directory directory;
-    directory.write("tree.bmp", Bitmap::ofSize(1, 1, 4).file());
-    std::string prefix = directory.prefix() + "tr";
+TEST_F(LoadBitmap24Files, have_a_copy_of_the_set_text_right_before_their_name) {
+    std::string prefix = directory.prefix() + "a.";
     SetSpriteDir(prefix.data());
     prefix.assign(prefix.size(), 'x');
-    EXPECT_EQ(load("ee.bmp", 1, 1).answer, 1);
-    EXPECT_EQ(load("tree.bmp", 1, 1).answer, 0);
+    EXPECT_EQ(load("bmp", 1, 1).answer, 1);
+    EXPECT_EQ(load("a.bmp", 1, 1).answer, 0);
 }
 
-TEST(SetSpriteDir, a_path_of_511_characters_is_opened_and_a_longer_one_answered_0) {
-    const Directory directory;
-    directory.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
+TEST_F(LoadBitmap24Files, are_opened_by_a_path_of_511_characters_and_not_by_a_longer_one) {
     // The same file under names of any length: each two characters more are a step to where one is.
-    const auto nameOfLength = [&directory](std::size_t length) {
+    const auto nameOfLength = [this](std::size_t length) {
         std::string name = directory.prefix();
         while (name.size() + 5 < length)
             name += name.size() + 6 < length ? "./" : "/";
         return name + "a.bmp";
     };
-    const auto isOpened = [](const std::string &path) {
-        std::FILE *file = std::fopen(path.c_str(), "rb");
-        return file && std::fclose(file) == 0;
-    };
     for (std::size_t length = 500; length <= 530; ++length) {
         const std::string path = nameOfLength(length);
         ASSERT_EQ(path.size(), length);
-        const int expected = length < 512 && isOpened(path); // not every system opens paths so long
+        const int expected = length < 512 && std::ifstream(path).is_open(); // not every system opens paths so long
         for (const std::size_t cut : {std::size_t{0}, std::size_t{1}, length / 2, length - 5, length}) {
             setDirectory(path.substr(0, cut));
             EXPECT_EQ(load(path.substr(cut), 1, 1).answer, expected) << length << " cut at " << cut;
@@ -386,9 +366,7 @@ TEST(SetSpriteDir, a_path_of_511_characters_is_opened_and_a_longer_one_answered_
     }
 }
 
-TEST(SetSpriteDir, a_prefix_too_long_is_answered_0_until_a_shorter_one_is_set) {
-    const Directory directory;
-    directory.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
+TEST_F(LoadBitmap24Files, are_not_found_behind_a_prefix_too_long_until_a_shorter_one_is_set) {
     for (const std::size_t length : {511, 512, 513, 5000}) {
         setDirectory(std::string(length, '/'));
         EXPECT_EQ(load("a.bmp", 1, 1).answer, 0) << length;
@@ -398,12 +376,10 @@ TEST(SetSpriteDir, a_prefix_too_long_is_answered_0_until_a_shorter_one_is_set) {
     }
 }
 
-TEST(LoadBitmap24, agrees_with_a_naive_reader_on_true_and_false_files) {
-    const Directory directory;
-    setDirectory(directory.prefix());
+TEST_F(LoadBitmap24Files, agree_with_a_naive_reader_whether_true_or_false) {
     forEachCase(
         "LoadBitmap24",
-        [&directory](Case &c) {
+        [this](Case &c) {
             const int width = c.random.between(1, 12);
             const int height = c.random.between(1, 12);
             const int padding = c.random.oneIn(3) ? c.random.between(0, 9) : width % 4;

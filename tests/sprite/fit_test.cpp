@@ -15,12 +15,9 @@ Pixels fitted(int width, int height, Bytes src, int srcWidth, int srcHeight) {
     return dst;
 }
 
-TEST(FitOn32RAW_24RAW_Nearest, equal_sizes_copy_each_triple_to_a_pixel) {
+TEST(FitOn32RAW_24RAW_Nearest, equal_sizes_copy_each_triple_and_others_the_one_at_or_left_of_and_above_the_position) {
     EXPECT_EQ(fitted(2, 2, {0x56, 0x34, 0x12, 0xFF, 0x00, 0x80, 1, 2, 3, 4, 5, 6}, 2, 2),
               (Pixels{0x123456, 0x8000FF, 0x030201, 0x060504}));
-}
-
-TEST(FitOn32RAW_24RAW_Nearest, takes_the_pixel_at_or_left_of_and_above_the_position) {
     // 5 columns on 3: 54613 fraction units a step (163840 / 3), so columns 0, 1 (1.66) and 3 (3.33).
     EXPECT_EQ(fitted(3, 1, {0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4}, 5, 1), (Pixels{0, 0x010101, 0x030303}));
 }

@@ -48,16 +48,13 @@ std::string bandsOfQuad(int upperX, int lowerX) {
     return bandsOf(Quad<Lettered>{{{0, {0, 'A'}}, {4, {upperX, 'B'}}, {7, {lowerX, 'C'}}, {10, {0, 'D'}}}});
 }
 
-TEST(forEachBand, hands_over_whole_edges_on_either_side_of_the_line_from_top_to_bottom) {
+TEST(forEachBand, hands_over_whole_edges_on_either_side_of_the_line_with_a_corner_on_it_on_the_right) {
     EXPECT_EQ(bandsOfTriangle(-5), "AB AC, BC AC");
     EXPECT_EQ(bandsOfTriangle(5), "AC AB, AC BC");
     EXPECT_EQ(bandsOfQuad(-5, -5), "AB AD, BC AD, CD AD");
     EXPECT_EQ(bandsOfQuad(-5, 5), "AB AC, BD AC, BD CD");
     EXPECT_EQ(bandsOfQuad(5, -5), "AC AB, AC BD, CD BD");
     EXPECT_EQ(bandsOfQuad(5, 5), "AD AB, AD BC, AD CD");
-}
-
-TEST(forEachBand, puts_a_corner_on_the_line_on_the_right) {
     EXPECT_EQ(bandsOfTriangle(0), "AC AB, AC BC");
     EXPECT_EQ(bandsOfQuad(0, -5), "AC AB, AC BD, CD BD");
 }
@@ -78,15 +75,12 @@ std::string sortedPoints(float a, float b, float c) {
     return lettersOf(sortedTriangle(a, b, c, corner(a, 'a'), corner(b, 'b'), corner(c, 'c')));
 }
 
-TEST(sortedTriangle, puts_the_later_of_equal_rows_above) {
+TEST(sortedTriangle, puts_the_later_of_equal_rows_above_and_compares_the_third_with_whole_rows) {
     EXPECT_EQ(sortedPoints(1, 2, 3), "abc");
     EXPECT_EQ(sortedPoints(3, 2, 1), "cba");
     EXPECT_EQ(sortedPoints(5, 5, 9), "bac");
     EXPECT_EQ(sortedPoints(5, 9, 9), "acb");
     EXPECT_EQ(sortedPoints(5, 5, 5), "cba");
-}
-
-TEST(sortedTriangle, compares_the_third_with_whole_rows) {
     EXPECT_EQ(sortedPoints(10.9F, 20, 10.1F), "acb"); // above the first as given, below its whole row
     EXPECT_EQ(sortedPoints(10.9F, 10.1F, 20), "bac"); // the first two as given
 }
