@@ -151,30 +151,15 @@ TEST(LightMaps, settings_that_leave_no_relief_make_all_of_it_flat) {
     expectFlat({Form::source, 12, -100, 1});
 }
 
-/// A shape of 40 by 40 pixels but for one black line along one of its sides, converted; the pixel `depth` away from
+/// A shape of 41 by 41 pixels but for one black line along one of its sides, converted; the pixel `depth` away from
 /// that line. The far ends of the rows are black too.
 enum class Side { left, top, right, bottom };
 q_ulong wordBeside(Side side, int depth, const Settings &settings) {
-    const auto place = [side](int across, int along) -> tagPOINT {
-        switch (side) {
-        case Side::left:
-            return {across, along};
-        case Side::right:
-            return {40 - across, along};
-        case Side::top:
-            return {along, across};
-        default:
-            return {along, 40 - across};
-        }
-    };
-    Surface surface(41, 41, 1);
-    const auto at = [](Surface &from, tagPOINT p) -> q_ulong & {
-        return from.at(static_cast<int>(p.x), static_cast<int>(p.y));
-    };
-    for (int along = 0; along < 41; ++along)
-        at(surface, place(0, along)) = 0;
-    surface = converted(surface, settings);
-    return at(surface, place(depth, 20));
+    constexpr tagRECT lines[] = {{0, 0, 1, 41}, {0, 0, 41, 1}, {40, 0, 41, 41}, {0, 40, 41, 41}};
+    const int places[][2] = {{depth, 20}, {20, depth}, {40 - depth, 20}, {20, 40 - depth}};
+    const auto index = static_cast<std::size_t>(side);
+    const Surface result = converted(painted(Surface(41, 41, 1), lines[index], 0), settings);
+    return result.at(places[index][0], places[index][1]);
 }
 
 TEST(ConvertSrc2LightInfom, words_of_straight_slopes_by_hand) {

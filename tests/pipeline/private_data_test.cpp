@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -72,56 +71,50 @@ TEST(GetPrivate_QMGL_Data, without_a_record_there_is_no_block_and_a_size_that_ca
     }
 }
 
-/// A plane of which no entry is empty.
-struct Plane {
-    static constexpr int elements = 600;
-    static constexpr int origin = 250;
-
-    Host host{elements, origin};
-
-    Plane() { std::fill_n(host.data->zPlane, elements, static_cast<short>(1)); }
-
-    int reset(tagRECT rect, int pitch) { return VKD_ResetZBuffer(host.data, &rect, pitch); }
-
-    std::vector<int> emptyEntries() const {
-        std::vector<int> entries;
-        for (int i = 0; i < elements; ++i)
-            if (host.data->zPlane[i] == 0x7FFF)
-                entries.push_back(i - origin);
-        return entries;
-    }
-};
+/// The entries that the resets of both modules empty of a plane, counted from that of pixel (0, 0), an odd one.
+std::vector<int> emptied(tagRECT rect, int pitch) {
+    constexpr int origin = 251;
+    std::vector<short> plane(600, 1);
+    std::vector<short> olderPlane = plane;
+    _PRIVATE_QMGL_DATA data = {};
+    data.zBuffer = plane.data() + origin;
+    _PRIVATE_QM3D_DATA older = {};
+    older.zBuffer = olderPlane.data() + origin;
+    EXPECT_EQ(VKD_ResetZBuffer(&data, &rect, pitch), 1);
+    EXPECT_EQ(ResetZBuffer(&older, &rect, pitch), 1);
+    EXPECT_EQ(plane, olderPlane);
+    std::vector<int> entries;
+    for (int i = 0; i < 600; ++i)
+        if (plane[static_cast<std::size_t>(i)] == 0x7FFF)
+            entries.push_back(i - origin);
+    return entries;
+}
 
 TEST(VKD_ResetZBuffer, works_in_whole_pairs) {
-    Plane plane;
-    EXPECT_EQ(plane.reset({3, 1, 6, 3}, 20), 1);
-    EXPECT_EQ(plane.emptyEntries(), (std::vector<int>{22, 23, 42, 43}));
+    EXPECT_EQ(emptied({3, 1, 6, 3}, 20), (std::vector<int>{22, 23, 42, 43}));
 }
 
 TEST(VKD_ResetZBuffer, an_odd_pitch_drifts_every_other_row) {
-    Plane plane;
-    plane.reset({0, 0, 4, 4}, 11);
     // The rows lie five pairs apart, also where they begin at an odd entry.
-    EXPECT_EQ(plane.emptyEntries(), (std::vector<int>{0, 1, 2, 3, 10, 11, 12, 13, 20, 21, 22, 23, 30, 31, 32, 33}));
+    EXPECT_EQ(emptied({0, 0, 4, 4}, 11),
+              (std::vector<int>{0, 1, 2, 3, 10, 11, 12, 13, 20, 21, 22, 23, 30, 31, 32, 33}));
 }
 
 TEST(VKD_ResetZBuffer, shifts_are_arithmetic) {
-    Plane plane;
-    plane.reset({-3, -1, 1, 0}, 20);
-    EXPECT_EQ(plane.emptyEntries(), (std::vector<int>{-24, -23, -22, -21}));
-    Plane bottomUp;
-    bottomUp.reset({0, 0, 2, 3}, -21);
-    EXPECT_EQ(bottomUp.emptyEntries(), (std::vector<int>{-44, -43, -22, -21, 0, 1}));
+    EXPECT_EQ(emptied({-3, -1, 1, 0}, 20), (std::vector<int>{-24, -23, -22, -21}));
+    EXPECT_EQ(emptied({0, 0, 2, 3}, -21), (std::vector<int>{-44, -43, -22, -21, 0, 1}));
 }
 
 TEST(VKD_ResetZBuffer, an_empty_rectangle_resets_nothing_and_without_a_plane_the_answer_is_0) {
-    Plane plane;
-    EXPECT_EQ(plane.reset({5, 2, 5, 6}, 20), 1);
-    EXPECT_EQ(plane.reset({5, 2, 9, 2}, 20), 1);
-    EXPECT_EQ(plane.reset({5, 2, 6, 6}, 20), 1) << "a single column is no pair";
-    plane.host.data->zBuffer = nullptr;
-    EXPECT_EQ(plane.reset({0, 0, 4, 4}, 20), 0);
-    EXPECT_TRUE(plane.emptyEntries().empty());
+    EXPECT_TRUE(emptied({5, 2, 5, 6}, 20).empty());
+    EXPECT_TRUE(emptied({5, 2, 9, 2}, 20).empty());
+    EXPECT_TRUE(emptied({5, 2, 6, 6}, 20).empty()) << "a single column is no pair";
+    _PRIVATE_QMGL_DATA data = {};
+    _PRIVATE_QM3D_DATA older = {};
+    for (tagRECT rect : {tagRECT{0, 0, 4, 4}, tagRECT{0, 0, 4, 0}}) {
+        EXPECT_EQ(VKD_ResetZBuffer(&data, &rect, 20), 0);
+        EXPECT_EQ(ResetZBuffer(&older, &rect, 20), 0);
+    }
 }
 
 } // namespace

@@ -18,20 +18,21 @@ constexpr Way allWays[] = {Way::draw, Way::blend, Way::mix, Way::add};
 void render(Canvas &canvas, tagRECT clip, const Band &v, Way way = Way::draw, int opacity = 0) {
     using Draw = decltype(&VKD_3D_Render_Alpha);
     const auto &[x, y, r, g, b, z] = v;
-    const auto call = [&](auto function, auto... last) {
-        function(canvas.data, canvas.pixels(), &clip, canvas.pitch(), x.a0, x.a1, x.b0, x.b1, y.a0, y.a1, y.b0, y.b1,
-                 r.a0, r.a1, r.b0, r.b1, g.a0, g.a1, g.b0, g.b1, b.a0, b.a1, b.b0, b.b1, z.a0, z.a1, z.b0, z.b1,
-                 last...);
+    const auto call = [&, &x = x, &y = y, &r = r, &g = g, &b = b](auto function, auto... last) {
+        function(canvas.pixels(), &clip, canvas.pitch(), x.a0, x.a1, x.b0, x.b1, y.a0, y.a1, y.b0, y.b1, r.a0, r.a1,
+                 r.b0, r.b1, g.a0, g.a1, g.b0, g.b1, b.a0, b.a1, b.b0, b.b1, last...);
+    };
+    const auto callWithDepth = [&, &z = z](auto function, auto... last) {
+        call([&](auto... all) { function(canvas.data, all...); }, z.a0, z.a1, z.b0, z.b1, last...);
     };
     if (way == Way::draw)
-        call(static_cast<Draw>(VKD_3D_Render));
+        callWithDepth(static_cast<Draw>(VKD_3D_Render));
     else if (way == Way::blend)
-        call([](auto... arguments) { VKD_3D_Render(arguments...); }, opacity);
+        callWithDepth([](auto... all) { VKD_3D_Render(all...); }, opacity);
     else if (way == Way::mix)
-        call(VKD_3D_Render_Alpha);
+        callWithDepth(VKD_3D_Render_Alpha);
     else
-        VKD_3D_Render_Add(canvas.pixels(), &clip, canvas.pitch(), x.a0, x.a1, x.b0, x.b1, y.a0, y.a1, y.b0, y.b1, r.a0,
-                          r.a1, r.b0, r.b1, g.a0, g.a1, g.b0, g.b1, b.a0, b.a1, b.b0, b.b1);
+        call(VKD_3D_Render_Add);
 }
 /// Without a clip.
 void render(Canvas &canvas, const Band &band, Way way = Way::draw, int opacity = 0) {

@@ -49,26 +49,17 @@ TEST(VKD_glTranslatef, a_point_goes_through_the_calls_in_the_order_in_which_they
 }
 
 TEST(VKD_glPushMatrix, copies_the_top_and_pop_copies_nothing) {
-    Host host;
+    Host host(16, 0, 2, 1); // the last entry of a stack can be used
     VKD_glTranslatef(host.data, 1, 2, 3);
     VKD_glPushMatrix(host.data);
     VKD_glTranslatef(host.data, 10, 20, 30);
+    EXPECT_EQ(host.data->viewStack[0].m[3], 0);
     EXPECT_EQ(host.data->modelStack[1].m[3], 11);
     EXPECT_EQ(host.data->modelStack[0].m[3], 1);
     VKD_glPopMatrix(host.data);
     EXPECT_EQ(host.data->modelDepth, 0);
     expectNear(moved(host, {0, 0, 0, 0}), 1, 2, 3);
     EXPECT_EQ(host.data->modelStack[1].m[3], 11) << "what was above stays in memory";
-}
-
-TEST(VKD_glPushMatrix, the_last_entry_of_a_stack_can_be_used) {
-    Host host(16, 0, 3, 1);
-    VKD_glPushMatrix(host.data);
-    VKD_glPushMatrix(host.data);
-    VKD_glTranslatef(host.data, 9, 9, 9);
-    EXPECT_EQ(host.data->modelDepth, 2);
-    for (int i = 0; i < 16; ++i)
-        EXPECT_EQ(host.data->viewStack[0].m[i], i % 5 == 0 ? 1 : 0) << "the other stack is untouched";
 }
 
 TEST(glLoadMatrixf, elements_are_read_row_after_row) {
@@ -112,12 +103,6 @@ TEST(VKD_glRotatef, a_degree_is_the_float_below_the_nearest) {
     _I3DMATRIX nearest;
     SetRotationMatrix(nearest, axis, 180 * 0.01745329252F);
     EXPECT_NE(nearest.m[1], expected.m[1]);
-}
-
-TEST(VKD_glRotatef, an_axis_without_length_scales_by_the_cosine) {
-    Host host;
-    VKD_glRotatef(host.data, 60, 0, 0, 0);
-    expectNear(moved(host, {2, 4, 6, 0}), 1, 2, 3);
 }
 
 TEST(VKD_glScalef, operations_leave_their_matrix_in_the_work_matrix) {

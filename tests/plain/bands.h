@@ -3,12 +3,26 @@
 #ifndef Q_MUR_TESTS_PLAIN_BANDS_H
 #define Q_MUR_TESTS_PLAIN_BANDS_H
 
+#include "lines.h"
 #include "real.h"
-#include "words.h"
-
-#include <utility>
 
 namespace plain {
+
+/// Empties entries in pairs, from the one that the first entry belongs to.
+template <class Block>
+int resetDepths(Block *data, tagRECT *rect, int pitch) {
+    if (!data->zBuffer)
+        return 0;
+    const Number first = flooredQuotient(signed32(signed32(Number{rect->top} * pitch) + rect->left), 2);
+    const Number pairs = unsigned32(flooredQuotient(signed32(widthOf(*rect)), 2));
+    for (Number row = 0; row < unsigned32(heightOf(*rect)); ++row)
+        for (Number pair = 0; pair < pairs; ++pair)
+            for (const Number entry : {0, 1})
+                data->zBuffer[2 * (first + row * flooredQuotient(pitch, 2) + pair) + entry] = 0x7FFF;
+    return 1;
+}
+inline constexpr auto ResetZBuffer = resetDepths<_PRIVATE_QM3D_DATA>;
+inline constexpr auto VKD_ResetZBuffer = resetDepths<_PRIVATE_QMGL_DATA>;
 
 /// The ends of one number on both edges, in the order of the arguments.
 struct Ends {
@@ -119,56 +133,33 @@ inline void addBand(Pixels dst, const tagRECT &clip, const Band &band) {
     });
 }
 
-inline void VKD_3D_Render(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, int xA0, int xA1,
-                          int xB0, int xB1, int yA0, int yA1, int yB0, int yB1, int rA0, int rA1, int rB0, int rB1,
-                          int gA0, int gA1, int gB0, int gB1, int bA0, int bA1, int bB0, int bB1, int zA0, int zA1,
-                          int zB0, int zB1) {
-    drawBand(*data, {dst, signed32(pitch)}, *clip,
-             {{xA0, xA1, xB0, xB1},
-              {yA0, yA1, yB0, yB1},
-              {rA0, rA1, rB0, rB1},
-              {gA0, gA1, gB0, gB1},
-              {bA0, bA1, bB0, bB1},
-              {zA0, zA1, zB0, zB1}});
+/// Of numbers in the order of the arguments.
+inline Band bandOf(const int *n) {
+    const auto ends = [n](int i) { return Ends{n[4 * i], n[4 * i + 1], n[4 * i + 2], n[4 * i + 3]}; };
+    return {ends(0), ends(1), ends(2), ends(3), ends(4), ends(5)};
 }
 
-inline void VKD_3D_Render(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, int xA0, int xA1,
-                          int xB0, int xB1, int yA0, int yA1, int yB0, int yB1, int rA0, int rA1, int rB0, int rB1,
-                          int gA0, int gA1, int gB0, int gB1, int bA0, int bA1, int bB0, int bB1, int zA0, int zA1,
-                          int zB0, int zB1, int opacity) {
-    blendBand(*data, {dst, signed32(pitch)}, *clip,
-              {{xA0, xA1, xB0, xB1},
-               {yA0, yA1, yB0, yB1},
-               {rA0, rA1, rB0, rB1},
-               {gA0, gA1, gB0, gB1},
-               {bA0, bA1, bB0, bB1},
-               {zA0, zA1, zB0, zB1}},
-              opacity);
+/// All but the last of these end with the 24 numbers of a band, a number behind them being the opacity.
+template <class... Numbers>
+void VKD_3D_Render(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, Numbers... numbers) {
+    const int all[] = {numbers...};
+    if constexpr (sizeof...(numbers) == 24)
+        drawBand(*data, {dst, signed32(pitch)}, *clip, bandOf(all));
+    else
+        blendBand(*data, {dst, signed32(pitch)}, *clip, bandOf(all), all[24]);
 }
 
-inline void VKD_3D_Render_Alpha(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, int xA0, int xA1,
-                                int xB0, int xB1, int yA0, int yA1, int yB0, int yB1, int rA0, int rA1, int rB0,
-                                int rB1, int gA0, int gA1, int gB0, int gB1, int bA0, int bA1, int bB0, int bB1,
-                                int zA0, int zA1, int zB0, int zB1) {
-    mixBand(*data, {dst, signed32(pitch)}, *clip,
-            {{xA0, xA1, xB0, xB1},
-             {yA0, yA1, yB0, yB1},
-             {rA0, rA1, rB0, rB1},
-             {gA0, gA1, gB0, gB1},
-             {bA0, bA1, bB0, bB1},
-             {zA0, zA1, zB0, zB1}});
+template <class... Numbers>
+void VKD_3D_Render_Alpha(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, Numbers... numbers) {
+    const int all[] = {numbers...};
+    mixBand(*data, {dst, signed32(pitch)}, *clip, bandOf(all));
 }
 
-inline void VKD_3D_Render_Add(q_ulong *dst, tagRECT *clip, q_ulong pitch, int xA0, int xA1, int xB0, int xB1, int yA0,
-                              int yA1, int yB0, int yB1, int rA0, int rA1, int rB0, int rB1, int gA0, int gA1, int gB0,
-                              int gB1, int bA0, int bA1, int bB0, int bB1) {
-    addBand({dst, signed32(pitch)}, *clip,
-            {{xA0, xA1, xB0, xB1},
-             {yA0, yA1, yB0, yB1},
-             {rA0, rA1, rB0, rB1},
-             {gA0, gA1, gB0, gB1},
-             {bA0, bA1, bB0, bB1},
-             {}});
+/// There is no depth.
+template <class... Numbers>
+void VKD_3D_Render_Add(q_ulong *dst, tagRECT *clip, q_ulong pitch, Numbers... numbers) {
+    const int all[] = {numbers..., 0, 0, 0, 0};
+    addBand({dst, signed32(pitch)}, *clip, bandOf(all));
 }
 
 /// A point in whole pixels and depths, its colour in channels.
@@ -196,27 +187,14 @@ struct Triangle {
 template <class Paint>
 void forBandsOf(const Triangle &triangle, Paint paint) {
     const auto &[points, colours] = triangle;
-    Corner top = cornerOf(*points[0], *colours[0]);
-    Corner middle = cornerOf(*points[1], *colours[1]);
-    Corner bottom = cornerOf(*points[2], *colours[2]);
-    if (!(points[0]->y < points[1]->y))
-        std::swap(top, middle);
-    // The third is compared, untruncated, with the truncated others.
-    if (!(static_cast<float>(middle.y) < points[2]->y)) {
-        std::swap(middle, bottom);
-        if (!(static_cast<float>(top.y) < points[2]->y))
-            std::swap(top, middle);
-    }
-    const auto product = [](Number a, Number b) { return signed32(signed32(a) * signed32(b)); };
-    const bool middleIsLeft = product(Number{middle.y} - top.y, Number{bottom.x} - top.x) >
-                              product(Number{bottom.y} - top.y, Number{middle.x} - top.x);
-    for (const auto &[from, to] : {std::pair(top, middle), std::pair(middle, bottom)}) {
-        const auto ends = [&, begin = from, end = to](int Corner::*k) {
-            return middleIsLeft ? Ends{begin.*k, end.*k, top.*k, bottom.*k} : Ends{top.*k, bottom.*k, begin.*k, end.*k};
-        };
+    const auto corners = fromTopToBottom<Corner>(
+        {cornerOf(*points[0], *colours[0]), cornerOf(*points[1], *colours[1]), cornerOf(*points[2], *colours[2])},
+        points[0]->y, points[1]->y, points[2]->y);
+    forBandsBetween(corners, [&](const Corner &left0, const Corner &left1, const Corner &right0, const Corner &right1) {
+        const auto ends = [&](int Corner::*k) { return Ends{left0.*k, left1.*k, right0.*k, right1.*k}; };
         paint(Band{ends(&Corner::x), ends(&Corner::y), ends(&Corner::red), ends(&Corner::green), ends(&Corner::blue),
                    ends(&Corner::z)});
-    }
+    });
 }
 
 /// Whether a triangle lies above or below the clip.

@@ -4,6 +4,7 @@
 #define Q_MUR_TESTS_PLAIN_BLENDED_LINES_H
 
 #include "draw.h"
+#include "lines.h"
 
 namespace plain {
 
@@ -118,29 +119,6 @@ inline void iLine_AntiAliasing_AddSome(q_ulong *surface, tagRECT *clip, int pitc
 
 namespace draw {
 
-/// Calls `visit(x, y, step)` for the first end with a step of 0 and for each Bresenham step from there.
-template <class Visit>
-void forBresenham(int x1, int y1, int x2, int y2, Visit visit) {
-    const Number adx = std::abs(Number{x2} - x1);
-    const Number ady = std::abs(Number{y2} - y1);
-    const bool alongX = adx > ady;
-    const Number major = std::max(adx, ady);
-    const Number minor = std::min(adx, ady);
-    const Number sx = x2 < x1 ? -1 : 1;
-    const Number sy = y2 < y1 ? -1 : 1;
-    Number x = x1;
-    Number y = y1;
-    Number d = 2 * minor - major;
-    visit(x, y, Number{0});
-    for (Number step = 1; step <= major; ++step) {
-        const bool moves = d >= 0;
-        x += alongX || moves ? sx : 0;
-        y += !alongX || moves ? sy : 0;
-        d += moves ? 2 * (minor - major) : 2 * minor;
-        visit(x, y, step);
-    }
-}
-
 inline Number stepsBetween(int x1, int y1, int x2, int y2) {
     return std::max(std::abs(Number{x2} - x1), std::abs(Number{y2} - y1));
 }
@@ -167,7 +145,7 @@ inline void DDLine_Fat(q_ulong *surface, tagRECT *clip, int pitch, int x1, int y
     };
     if (!isInside(x1, y1))
         return;
-    draw::forBresenham(x1, y1, x2, y2, [&](Number x, Number y, Number) {
+    forBresenham(x1, y1, x2, y2, [&](Number x, Number y, Number) {
         if (!isInside(x, y))
             return;
         pixels.at(x, y) = draw::shade(colour, halfWidth, 0);
@@ -186,7 +164,7 @@ inline void DDLine_Fat(q_ulong *surface, tagRECT *clip, int pitch, int x1, int y
 inline void DDLine_Color_Change(q_ulong *surface, int pitch, int x1, int y1, int x2, int y2, q_ulong colour1,
                                 q_ulong colour2) {
     const Number n = draw::stepsBetween(x1, y1, x2, y2);
-    draw::forBresenham(x1, y1, x2, y2, [=](Number x, Number y, Number i) {
+    forBresenham(x1, y1, x2, y2, [=](Number x, Number y, Number i) {
         const auto channel = [=](Number from, Number to) {
             const Number change = signed32((to - from) * (65536 / n) * (i - 1));
             return ((change / 65536 + from) % 256 + 256) % 256;
@@ -201,7 +179,7 @@ inline void DDLine_Color_Change(q_ulong *surface, int pitch, int x1, int y1, int
 inline void iLineAddSome(q_ulong *surface, int pitch, int x1, int y1, int x2, int y2, q_ulong colour, int width,
                          int height) {
     const Number n = draw::stepsBetween(x1, y1, x2, y2);
-    draw::forBresenham(x1, y1, x2, y2, [=](Number x, Number y, Number i) {
+    forBresenham(x1, y1, x2, y2, [=](Number x, Number y, Number i) {
         if (i == 0 || x < 0 || x >= width || y < 0 || y >= height)
             return;
         const auto channel = [=](Number c, Number old) {

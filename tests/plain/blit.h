@@ -31,12 +31,6 @@ inline auto addedScaled(Number scaleRed, Number scaleGreen, Number scaleBlue) {
     };
 }
 
-/// The weight of the source in 1/256.
-inline Number weightOf(float alpha) {
-    const FullWidth precision;
-    return truncated(Real{alpha} * 256);
-}
-
 /// Each channel in its place under its mask, in 32 bits.
 inline q_ulong blended(q_ulong d, Number dWeight, q_ulong s, Number sWeight) {
     const auto sum = [&](Number mask) {

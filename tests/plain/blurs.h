@@ -4,7 +4,7 @@
 #define Q_MUR_TESTS_PLAIN_BLURS_H
 
 #include "real.h"
-#include "words.h"
+#include "sampling.h"
 
 #include <vector>
 
@@ -130,33 +130,27 @@ inline bool isBlurSize(int blurSize) {
     return blurSize >= 0 && blurSize <= 255;
 }
 
-inline void blurRows(q_ulong *dst, q_ulong *src, int blurSize, int width, int height, int pitch, q_ulong mask) {
-    for (int y = 0; y < height && isBlurSize(blurSize); ++y)
-        blurRun(rowOf(dst, pitch, y), rowOf(src, pitch, y), width, blurSize / 2, (blurSize + 1) / 2, mask,
-                timesReciprocal);
+/// Calls `blur(dst, src, length)` for each line of a picture, its rows or its columns.
+template <bool columns, class Blur>
+void forLines(q_ulong *dst, q_ulong *src, int width, int height, int pitch, Blur blur) {
+    for (int line = 0; line < (columns ? width : height); ++line)
+        if constexpr (columns)
+            blur(columnOf(dst, pitch, line), columnOf(src, pitch, line), height);
+        else
+            blur(rowOf(dst, pitch, line), rowOf(src, pitch, line), width);
 }
 
-inline void blurColumns(q_ulong *dst, q_ulong *src, int blurSize, int width, int height, int pitch, q_ulong mask) {
-    for (int x = 0; x < width && isBlurSize(blurSize); ++x)
-        blurRun(columnOf(dst, pitch, x), columnOf(src, pitch, x), height, blurSize / 2, (blurSize + 1) / 2, mask,
-                timesReciprocal);
+template <bool columns, q_ulong mask>
+void boxBlur(q_ulong *dst, q_ulong *src, int blurSize, int width, int height, int pitch) {
+    if (isBlurSize(blurSize))
+        forLines<columns>(dst, src, width, height, pitch, [=](Run to, Run from, Number length) {
+            blurRun(to, from, length, blurSize / 2, (blurSize + 1) / 2, mask, timesReciprocal);
+        });
 }
-
-inline void Hor_Blur(q_ulong *dst, q_ulong *src, int blurSize, int width, int height, int pitch) {
-    blurRows(dst, src, blurSize, width, height, pitch, 0xFFFFFF);
-}
-
-inline void Ver_Blur(q_ulong *dst, q_ulong *src, int blurSize, int width, int height, int pitch) {
-    blurColumns(dst, src, blurSize, width, height, pitch, 0xFFFFFF);
-}
-
-inline void Hor_Blur32(q_ulong *dst, q_ulong *src, int blurSize, int width, int height, int pitch) {
-    blurRows(dst, src, blurSize, width, height, pitch, 0xFFFFFFFF);
-}
-
-inline void Ver_Blur32(q_ulong *dst, q_ulong *src, int blurSize, int width, int height, int pitch) {
-    blurColumns(dst, src, blurSize, width, height, pitch, 0xFFFFFFFF);
-}
+inline constexpr auto Hor_Blur = boxBlur<false, 0xFFFFFF>;
+inline constexpr auto Ver_Blur = boxBlur<true, 0xFFFFFF>;
+inline constexpr auto Hor_Blur32 = boxBlur<false, 0xFFFFFFFF>;
+inline constexpr auto Ver_Blur32 = boxBlur<true, 0xFFFFFFFF>;
 
 // Gaussian blurs
 
@@ -190,33 +184,27 @@ inline GaussWeights gaussWeightsOf(float sigma) {
 /// Mirrored about the first pixel and behind the last; what mirroring cannot reach is the nearest of the run.
 inline void gaussRun(Run dst, Run src, Number length, const GaussWeights &weights) {
     for (Number x = 0; x < length; ++x) {
-        Number red = redOf(src[x]) * weights.centre;
-        Number green = greenOf(src[x]) * weights.centre;
-        Number blue = blueOf(src[x]) * weights.centre;
+        Sums sums;
+        sums.add(src[x], weights.centre);
         for (int k = 1; k <= weights.radius; ++k) {
             const Number before = x - k < 0 ? k - x : x - k;
             const Number behind = x + k < length ? x + k : 2 * length - 1 - (x + k);
-            for (const q_ulong tap : {src[std::min(before, length - 1)], src[std::max<Number>(behind, 0)]}) {
-                red += redOf(tap) * weights.side[k];
-                green += greenOf(tap) * weights.side[k];
-                blue += blueOf(tap) * weights.side[k];
-            }
+            sums.add(src[std::min(before, length - 1)], weights.side[k]);
+            sums.add(src[std::max<Number>(behind, 0)], weights.side[k]);
         }
-        dst[x] = pixelOf(red / 256, green / 256, blue / 256);
+        dst[x] = sums.pixel();
     }
 }
 
-inline void Hor_GaussBlur(q_ulong *dst, q_ulong *src, float sigma, int width, int height, int pitch) {
+template <bool columns>
+void gaussBlur(q_ulong *dst, q_ulong *src, float sigma, int width, int height, int pitch) {
     const GaussWeights weights = gaussWeightsOf(sigma);
-    for (int y = 0; y < height && width > 0 && weights.radius < 128; ++y)
-        gaussRun(rowOf(dst, pitch, y), rowOf(src, pitch, y), width, weights);
+    if (weights.radius < 128)
+        forLines<columns>(dst, src, width, height, pitch,
+                          [&](Run to, Run from, Number length) { gaussRun(to, from, length, weights); });
 }
-
-inline void Ver_GaussBlur(q_ulong *dst, q_ulong *src, float sigma, int width, int height, int pitch) {
-    const GaussWeights weights = gaussWeightsOf(sigma);
-    for (int x = 0; x < width && height > 0 && weights.radius < 128; ++x)
-        gaussRun(columnOf(dst, pitch, x), columnOf(src, pitch, x), height, weights);
-}
+inline constexpr auto Hor_GaussBlur = gaussBlur<false>;
+inline constexpr auto Ver_GaussBlur = gaussBlur<true>;
 
 } // namespace plain
 

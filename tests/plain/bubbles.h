@@ -4,32 +4,11 @@
 #define Q_MUR_TESTS_PLAIN_BUBBLES_H
 
 #include "draw.h"
-#include "real.h"
+#include "vectors.h"
 
 namespace plain {
 
 namespace draw {
-
-struct Vector {
-    float x;
-    float y;
-    float z;
-};
-
-/// The unit normal (p1 - p2) x (p1 - p3), rounded to float where a coordinate is stored.
-inline Vector normalOf(const Vector &p1, const Vector &p2, const Vector &p3) {
-    const auto rounded = [](Real value) { return static_cast<float>(value); };
-    const auto difference = [&](const Vector &p, const Vector &q) {
-        return Vector{rounded(Real{p.x} - q.x), rounded(Real{p.y} - q.y), rounded(Real{p.z} - q.z)};
-    };
-    const Vector a = difference(p1, p2);
-    const Vector b = difference(p1, p3);
-    const auto crossed = [&](float p, float q, float r, float s) { return rounded(Real{p} * q - Real{r} * s); };
-    const Vector n = {crossed(a.y, b.z, a.z, b.y), crossed(a.z, b.x, a.x, b.z), crossed(a.x, b.y, a.y, b.x)};
-    const Real length = std::sqrt(Real{n.z} * n.z + Real{n.y} * n.y + Real{n.x} * n.x);
-    const Real scale = length == 0 ? 32768 : 1 / length;
-    return {rounded(n.x * scale), rounded(n.y * scale), rounded(n.z * scale)};
-}
 
 inline Number specularOf(const Vector &n, Real peak) {
     const Real root = std::sqrt(Real{6});
@@ -56,7 +35,7 @@ inline q_ulong sphereWord(Number dx, Number dy, Number radius, bool secondHighli
         const Real height = below > 0 ? std::sqrt(static_cast<Real>(below)) : 0;
         return Vector{static_cast<float>(a), static_cast<float>(b), static_cast<float>(height)};
     };
-    const Vector n = normalOf(point(dx, dy), point(dx - 1, dy), point(dx, dy - 1));
+    const Vector n = faceNormal(point(dx, dy), point(dx - 1, dy), point(dx, dy - 1));
     const Real light = -Real{n.x} - n.y + n.z;
     const bool isMirrored = secondHighlight && dx > 0 && dy > 0;
     return maps(80 + (light >= 0 ? truncated(80 * light) : 0), squares(dx, dy) * 128 / (radius * radius),

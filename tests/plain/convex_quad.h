@@ -4,21 +4,11 @@
 #define Q_MUR_TESTS_PLAIN_CONVEX_QUAD_H
 
 #include "draw.h"
-
-#include <utility>
+#include "lines.h"
 
 namespace plain {
 
 namespace draw {
-
-/// The product of two differences; each of the three wraps at 32 bits.
-inline Number product(Number a, Number b, Number c, Number d) {
-    return signed32(signed32(a - b) * signed32(c - d));
-}
-
-inline bool isLeftOf(const tagPOINT &p, const tagPOINT &a, const tagPOINT &b) {
-    return product(p.y, a.y, b.x, a.x) > product(b.y, a.y, p.x, a.x);
-}
 
 /// Where an edge that goes down from a to b crosses a row.
 inline Number edgeAt(const tagPOINT &a, const tagPOINT &b, Number y) {
@@ -31,11 +21,11 @@ inline Number edgeAt(const tagPOINT &a, const tagPOINT &b, Number y) {
 } // namespace draw
 
 inline int DecisionLine2(int *px, int *py, int *ax, int *ay, int *bx, int *by) {
-    return draw::product(*py, *ay, *bx, *ax) > draw::product(*by, *ay, *px, *ax) ? 1 : 0;
+    return wrappedProduct(*py, *ay, *bx, *ax) > wrappedProduct(*by, *ay, *px, *ax) ? 1 : 0;
 }
 
 inline int DecisionLine(int *px, int *py, int *ax, int *ay, int *bx, int *by) {
-    return draw::product(*bx, *ax, *ay, *py) < draw::product(*ay, *by, *px, *ax) ? 1 : 0;
+    return wrappedProduct(*bx, *ax, *ay, *py) < wrappedProduct(*ay, *by, *px, *ax) ? 1 : 0;
 }
 
 inline void Rect_Safe(q_ulong *surface, tagRECT *clip, int pitch, tagPOINT *p0, tagPOINT *p1, tagPOINT *p2,
@@ -53,8 +43,8 @@ inline void Rect_Safe(q_ulong *surface, tagRECT *clip, int pitch, tagPOINT *p0, 
         {{{0, 3, 0, 1}, {0, 3, 1, 2}, {0, 3, 2, 3}}, {{0, 2, 0, 1}, {0, 2, 1, 3}, {2, 3, 1, 3}}},
         {{{0, 1, 0, 2}, {1, 3, 0, 2}, {1, 3, 2, 3}}, {{0, 1, 0, 3}, {1, 2, 0, 3}, {2, 3, 0, 3}}},
     };
-    const bool first = draw::isLeftOf(p[1], p[0], p[3]);
-    const bool second = draw::isLeftOf(p[2], p[0], p[3]);
+    const bool first = isLeftOfLine(p[1], p[0], p[3]);
+    const bool second = isLeftOfLine(p[2], p[0], p[3]);
     for (std::size_t band = 0; band < 3; ++band) {
         const Sides &side = sides[first][second][band];
         const bool stopsShort = first && second && band > 0;

@@ -3,9 +3,8 @@
 #ifndef Q_MUR_TESTS_PLAIN_CURVES_H
 #define Q_MUR_TESTS_PLAIN_CURVES_H
 
-#include "words.h"
+#include "lines.h"
 
-#include <cstdlib>
 #include <vector>
 
 namespace plain {
@@ -25,22 +24,7 @@ struct Pen {
 
 template <class Element>
 void drawLine(const Pen<Element> &pen, Number x1, Number y1, Number x2, Number y2) {
-    const Number adx = std::abs(x2 - x1);
-    const Number ady = std::abs(y2 - y1);
-    const Number stepX = x2 < x1 ? -1 : 1;
-    const Number stepY = y2 < y1 ? -1 : 1;
-    const bool steep = adx <= ady;
-    const Number major = steep ? ady : adx;
-    const Number minor = steep ? adx : ady;
-    pen.dot(x1, y1);
-    Number d = 2 * minor - major;
-    for (Number left = major; left > 0; --left) {
-        const bool aside = d >= 0;
-        d += aside ? 2 * (minor - major) : 2 * minor;
-        x1 += aside || !steep ? stepX : 0;
-        y1 += aside || steep ? stepY : 0;
-        pen.dot(x1, y1);
-    }
+    forBresenham(x1, y1, x2, y2, [&pen](Number x, Number y, Number) { pen.dot(x, y); });
 }
 
 /// A number in units of 2^-81, exact: digits of 27 bits, the last of which takes the sign and whatever lies above.

@@ -3,13 +3,8 @@
 #ifndef Q_MUR_TESTS_PLAIN_FIGURES_H
 #define Q_MUR_TESTS_PLAIN_FIGURES_H
 
+#include "lines.h"
 #include "real.h"
-#include "words.h"
-
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <cstdlib>
 
 namespace plain {
 
@@ -185,19 +180,12 @@ inline Number onEdge(const MappedCorner &upper, const MappedCorner &lower, Numbe
 /// Asks every pixel of the clip whether and what the triangle shows there.
 inline void Blt_Triangle(q_ulong *dst, tagRECT *clip, int dstPitch, _POINTINT *p0, _POINTINT *p1, _POINTINT *p2,
                          q_ulong *src, int srcPitch, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2) {
-    MappedCorner top = {p0->x, p0->y, t0->x, t0->y};
-    MappedCorner mid = {p1->x, p1->y, t1->x, t1->y};
-    MappedCorner bottom = {p2->x, p2->y, t2->x, t2->y};
-    // Of two on one row the later one goes above the earlier.
-    if (!(top.y < mid.y))
-        std::swap(top, mid);
-    if (!(bottom.y > mid.y)) {
-        std::swap(mid, bottom);
-        if (!(mid.y > top.y))
-            std::swap(top, mid);
-    }
-    const bool midIsLeft = signed32(signed32(bottom.x - top.x) * signed32(top.y - mid.y)) <
-                           signed32(signed32(top.y - bottom.y) * signed32(mid.x - top.x));
+    const auto sorted = fromTopToBottom<MappedCorner>(
+        {{{p0->x, p0->y, t0->x, t0->y}, {p1->x, p1->y, t1->x, t1->y}, {p2->x, p2->y, t2->x, t2->y}}}, p0->y, p1->y,
+        p2->y);
+    const MappedCorner &top = sorted[0], &mid = sorted[1], &bottom = sorted[2];
+    const bool midIsLeft =
+        wrappedProduct(bottom.x, top.x, top.y, mid.y) < wrappedProduct(top.y, bottom.y, mid.x, top.x);
     for (Number y = std::max<Number>(top.y, clip->top); y < std::min<Number>(bottom.y, clip->bottom); ++y) {
         const bool isUpper = y < mid.y;
         const auto onSide = [&](bool left, Number MappedCorner::*value) {
@@ -222,29 +210,16 @@ inline void Blt_Triangle(q_ulong *dst, tagRECT *clip, int dstPitch, _POINTINT *p
     }
 }
 
-/// Walks the line position by position and copies a run across it at each.
+/// Copies a run across the line at each of its positions.
 inline void ImageLine(q_ulong *dst, q_ulong *src, int pitch, int x1, int y1, int x2, int y2, int width) {
-    const Number adx = std::abs(Number{x2} - x1);
-    const Number ady = std::abs(Number{y2} - y1);
-    const bool yMajor = adx <= ady;
-    const Number major = std::max(adx, ady);
-    const Number minor = std::min(adx, ady);
-    Number x = x1;
-    Number y = y1;
-    Number d = 2 * minor - major;
-    for (Number position = 0; position <= major; ++position) {
+    const bool yMajor = std::abs(Number{x2} - x1) <= std::abs(Number{y2} - y1);
+    forBresenham(x1, y1, x2, y2, [=](Number x, Number y, Number) {
         for (Number across = -(width / 2); across < (width + 1) / 2; ++across) {
             const Number column = yMajor ? x + across : x;
             const Number row = yMajor ? y : y + across;
             Pixels{dst, pitch}.at(column, row) = Pixels{src, pitch}.at(column, row);
         }
-        if (d >= 0) {
-            (yMajor ? x : y) += (yMajor ? x2 < x1 : y2 < y1) ? -1 : 1;
-            d -= 2 * major;
-        }
-        d += 2 * minor;
-        (yMajor ? y : x) += (yMajor ? y2 < y1 : x2 < x1) ? -1 : 1;
-    }
+    });
 }
 
 } // namespace plain

@@ -3,8 +3,7 @@
 #ifndef Q_MUR_TESTS_PLAIN_LIGHT_MAP_H
 #define Q_MUR_TESTS_PLAIN_LIGHT_MAP_H
 
-#include "real.h"
-#include "words.h"
+#include "vectors.h"
 
 #include <vector>
 
@@ -76,8 +75,6 @@ public:
     }
 
 private:
-    using Point = std::array<float, 3>;
-
     Number blockWords() const { return height * pitch; }
     float &heightAt(Number index) { return heights.at(static_cast<std::size_t>(pitch + 3 + index)); }
 
@@ -151,55 +148,30 @@ private:
         heights = smoothed;
     }
 
-    Point pointAt(Number x, Number y) {
+    Vector pointAt(Number x, Number y) {
         return {static_cast<float>(x), static_cast<float>(y),
                 static_cast<float>(static_cast<Real>(heightScale) * heightAt(y * pitch + x))};
     }
 
-    static Real dot(const Point &a, const Point &b) {
-        return Real{a[2]} * b[2] + Real{a[1]} * b[1] + Real{a[0]} * b[0];
-    }
-
-    /// (p1 - p2) x (p1 - p3), of length 1.
-    static Point normalOf(const Point &p1, const Point &p2, const Point &p3) {
-        Point normal;
-        for (std::size_t i = 0; i < 3; ++i) {
-            const std::size_t j = (i + 1) % 3;
-            const std::size_t k = (i + 2) % 3;
-            const auto minus = [](float a, float b) { return static_cast<float>(Real{a} - b); };
-            normal[i] = static_cast<float>(Real{minus(p1[j], p2[j])} * minus(p1[k], p3[k]) -
-                                           Real{minus(p1[k], p2[k])} * minus(p1[j], p3[j]));
-        }
-        const Real length = std::sqrt(dot(normal, normal));
-        for (float &component : normal)
-            component = static_cast<float>(component * (length == 0 ? 32768 : 1 / length));
-        return normal;
-    }
-
-    Point normalAt(Number x, Number y) {
-        Point a, b;
+    Vector normalAt(Number x, Number y) {
         if (form == Relief::block) {
-            const Point lowerLeft = pointAt(x - 1, y + 1);
-            const Point upperRight = pointAt(x + 1, y - 1);
-            a = normalOf(pointAt(x - 1, y - 1), lowerLeft, upperRight);
-            b = normalOf(upperRight, lowerLeft, pointAt(x + 1, y + 1));
-        } else {
-            const Point centre = pointAt(x, y);
-            a = normalOf(pointAt(x, y - 1), pointAt(x - 1, y), centre);
-            b = normalOf(pointAt(x, y + 1), pointAt(x + 1, y), centre);
+            const Vector lowerLeft = pointAt(x - 1, y + 1);
+            const Vector upperRight = pointAt(x + 1, y - 1);
+            return mean(faceNormal(pointAt(x - 1, y - 1), lowerLeft, upperRight),
+                        faceNormal(upperRight, lowerLeft, pointAt(x + 1, y + 1)));
         }
-        for (std::size_t i = 0; i < 3; ++i)
-            a[i] = static_cast<float>((Real{a[i]} + b[i]) / 2);
-        return a;
+        const Vector centre = pointAt(x, y);
+        return mean(faceNormal(pointAt(x, y - 1), pointAt(x - 1, y), centre),
+                    faceNormal(pointAt(x, y + 1), pointAt(x + 1, y), centre));
     }
 
-    q_ulong wordOf(const Point &n) const {
+    q_ulong wordOf(const Vector &n) const {
         const bool isSource = form == Relief::source;
         const float l = isSource ? 1 : 0.7F;
         const Real length = std::sqrt(isSource ? Real{6} : Real{3.869999926090241});
         const auto half = static_cast<float>(l / length);
-        const Number diffuse = std::max(truncated(256 * dot({l, l, -l}, n)), 0);
-        Real s = dot({half, half, static_cast<float>((-Real{l} - 1) / length)}, n);
+        const Number diffuse = std::max(truncated(256 * dot(Vector{l, l, -l}, n)), 0);
+        Real s = dot(Vector{half, half, static_cast<float>((-Real{l} - 1) / length)}, n);
         Number specular = 0;
         if (s > 0) {
             for (int squaring = 0; squaring < 5; ++squaring)
@@ -209,7 +181,7 @@ private:
         if (!isSource)
             return word(specular * 65536 + diffuse + 100);
         const q_ulong below = word(std::min<Number>(specular, 255) * 256 + std::min<Number>(diffuse + 100, 255));
-        return word(truncated(64 * Real{n[0]}) * Number{16777216}) | word(truncated(64 * Real{n[1]}) * Number{65536}) |
+        return word(truncated(64 * Real{n.x}) * Number{16777216}) | word(truncated(64 * Real{n.y}) * Number{65536}) |
                below;
     }
 

@@ -3,10 +3,8 @@
 #ifndef Q_MUR_TESTS_PLAIN_MATH3D_H
 #define Q_MUR_TESTS_PLAIN_MATH3D_H
 
-#include "real.h"
-#include "words.h"
+#include "vectors.h"
 
-#include <cmath>
 #include <limits>
 #include <optional>
 
@@ -39,42 +37,30 @@ inline void turn(int *a, int *b, unsigned short angle, int sense, int centreA = 
     *b = int32(flooredQuotient(signed32(fromB * c - fromA * s), 32768) + centreB);
 }
 
-inline void fRotate3DByX(float *a, float *b, float angle) {
-    turn(a, b, angle, 1);
+// Each stands for two functions: with a centre and without one.
+template <class... Centre>
+void fRotate3DByX(float *a, float *b, float angle, Centre... centre) {
+    turn(a, b, angle, 1, centre...);
 }
-inline void fRotate3DByX(float *a, float *b, float angle, int centre) {
-    turn(a, b, angle, 1, centre);
+template <class... Centre>
+void fRotate3DByY(float *a, float *b, float angle, Centre... centre) {
+    turn(a, b, angle, -1, centre...);
 }
-inline void fRotate3DByY(float *a, float *b, float angle) {
-    turn(a, b, angle, -1);
+template <class... Centre>
+void fRotate3DByZ(float *a, float *b, float angle, Centre... centre) {
+    turn(a, b, angle, 1, centre...);
 }
-inline void fRotate3DByY(float *a, float *b, float angle, int centre) {
-    turn(a, b, angle, -1, centre);
+template <class... Centre>
+void iRotate3DByX(int *a, int *b, unsigned short angle, Centre... centre) {
+    turn(a, b, angle, 1, centre...);
 }
-inline void fRotate3DByZ(float *a, float *b, float angle) {
-    turn(a, b, angle, 1);
+template <class... Centre>
+void iRotate3DByY(int *a, int *b, unsigned short angle, Centre... centre) {
+    turn(a, b, angle, -1, centre...);
 }
-inline void fRotate3DByZ(float *a, float *b, float angle, int centreA, int centreB) {
-    turn(a, b, angle, 1, centreA, centreB);
-}
-
-inline void iRotate3DByX(int *a, int *b, unsigned short angle) {
-    turn(a, b, angle, 1);
-}
-inline void iRotate3DByX(int *a, int *b, unsigned short angle, int centre) {
-    turn(a, b, angle, 1, centre);
-}
-inline void iRotate3DByY(int *a, int *b, unsigned short angle) {
-    turn(a, b, angle, -1);
-}
-inline void iRotate3DByY(int *a, int *b, unsigned short angle, int centre) {
-    turn(a, b, angle, -1, centre);
-}
-inline void iRotate3DByZ(int *a, int *b, unsigned short angle) {
-    turn(a, b, angle, 1);
-}
-inline void iRotate3DByZ(int *a, int *b, unsigned short angle, int centreA, int centreB) {
-    turn(a, b, angle, 1, centreA, centreB);
+template <class... Centre>
+void iRotate3DByZ(int *a, int *b, unsigned short angle, Centre... centre) {
+    turn(a, b, angle, 1, centre...);
 }
 
 inline void fRotate3D(float *x, float *y, float *z, float angleX, float angleY, float angleZ) {
@@ -202,12 +188,6 @@ inline void iMapping3D(int *x, int *y, int *z, unsigned short angleX, unsigned s
 
 // Products. What takes references and what takes pointers does the same.
 
-/// To be used at full width.
-template <class Vector>
-Real dot(const Vector &a, const Vector &b) {
-    return Real{a.z} * b.z + Real{a.y} * b.y + Real{a.x} * b.x;
-}
-
 inline float DotProduct(_I3DVECTOR &a, _I3DVECTOR &b) {
     return wide([&] { return static_cast<float>(dot(a, b)); });
 }
@@ -220,23 +200,20 @@ inline int iDot_Product(_POINT3D *a, _POINT3D *b) {
     return int32(signed32(Number{a->z} * b->z) + signed32(Number{a->y} * b->y) + signed32(Number{a->x} * b->x));
 }
 
-template <class Vector>
-void cross(Vector &out, const Vector &a, const Vector &b) {
-    wide([&] {
-        out.x = static_cast<float>(Real{a.y} * b.z - Real{a.z} * b.y);
-        out.y = static_cast<float>(Real{a.z} * b.x - Real{a.x} * b.z);
-        out.z = static_cast<float>(Real{a.x} * b.y - Real{a.y} * b.x);
-    });
+/// Puts a vector into the place of another, whose fourth word stays.
+template <class Point>
+void put(Point &out, const Vector &v) {
+    out = {v.x, v.y, v.z, out.w};
 }
 
 inline _I3DVECTOR CrossProduct(_I3DVECTOR &a, _I3DVECTOR &b) {
     _I3DVECTOR out = {};
-    cross(out, a, b);
+    wide([&] { put(out, cross(a, b)); });
     return out;
 }
 
 inline void fCross_Product(_POINT3DFLOAT *out, _POINT3DFLOAT *a, _POINT3DFLOAT *b) {
-    cross(*out, *a, *b);
+    wide([&] { put(*out, cross(*a, *b)); });
 }
 
 inline void iCross_Product(_POINT3D *out, _POINT3D *a, _POINT3D *b) {
@@ -246,41 +223,28 @@ inline void iCross_Product(_POINT3D *out, _POINT3D *a, _POINT3D *b) {
     out->z = minor(a->x, b->y, a->y, b->x);
 }
 
-template <class Vector>
-float magnitude(const Vector &v) {
-    return wide([&] { return static_cast<float>(std::sqrt(dot(v, v))); });
-}
-
 inline float Magnitude(_I3DVECTOR &v) {
-    return magnitude(v);
+    return wide([&] { return static_cast<float>(lengthOf(v)); });
 }
 inline float Magnitude(_POINT3DFLOAT *v) {
-    return magnitude(*v);
-}
-
-template <class Vector>
-Vector normalized(const Vector &v) {
-    return wide([&] {
-        const Real length = std::sqrt(dot(v, v));
-        const Real k = length == 0 ? 32768 : 1 / length;
-        return Vector{static_cast<float>(v.x * k), static_cast<float>(v.y * k), static_cast<float>(v.z * k), v.w};
-    });
+    return wide([&] { return static_cast<float>(lengthOf(*v)); });
 }
 
 inline _I3DVECTOR Normalize(_I3DVECTOR &v) {
-    return normalized(v);
+    _I3DVECTOR out = v;
+    wide([&] { put(out, unit(v)); });
+    return out;
 }
 inline _POINT3DFLOAT Normalize(_POINT3DFLOAT *v) {
-    return normalized(*v);
+    _POINT3DFLOAT out = *v;
+    wide([&] { put(out, unit(*v)); });
+    return out;
 }
 
 // Normals and facing
 
 inline void fBubSun(_POINT3DFLOAT *out, _POINT3DFLOAT *p1, _POINT3DFLOAT *p2, _POINT3DFLOAT *p3) {
-    const _POINT3DFLOAT a = {p1->x - p2->x, p1->y - p2->y, p1->z - p2->z, 0};
-    const _POINT3DFLOAT b = {p1->x - p3->x, p1->y - p3->y, p1->z - p3->z, 0};
-    cross(*out, a, b);
-    *out = normalized(*out);
+    wide([&] { put(*out, faceNormal(*p1, *p2, *p3)); });
 }
 
 inline void iBubSun(_POINT3D *out, _POINT3D *p1, _POINT3D *p2, _POINT3D *p3) {

@@ -7,23 +7,6 @@
 
 namespace plain {
 
-/// Pairs of entries, from the one that the first entry belongs to.
-inline int resetDepths(short *depths, const tagRECT &rect, int pitch) {
-    if (!depths)
-        return 0;
-    const Number first = flooredQuotient(signed32(signed32(Number{rect.top} * pitch) + rect.left), 2);
-    const Number pairs = unsigned32(flooredQuotient(signed32(widthOf(rect)), 2));
-    for (Number row = 0; row < unsigned32(heightOf(rect)); ++row)
-        for (Number pair = 0; pair < pairs; ++pair)
-            for (const Number entry : {0, 1})
-                depths[2 * (first + row * flooredQuotient(pitch, 2) + pair) + entry] = 0x7FFF;
-    return 1;
-}
-
-inline int VKD_ResetZBuffer(_PRIVATE_QMGL_DATA *data, tagRECT *rect, int pitch) {
-    return resetDepths(data->zBuffer, *rect, pitch);
-}
-
 inline void SetIdentityMatrix(_I3DMATRIX &m) {
     for (int i = 0; i < 16; ++i)
         m.m[i] = i / 4 == i % 4 ? 1.0F : 0.0F;

@@ -74,28 +74,19 @@ void drawTriangles(const Grid &grid, int wrapRows, int wrapColumns, Draw draw) {
                  });
 }
 
-inline void VKD_Render_3D_Surface(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch,
-                                  _POINT3DFLOAT *points, q_ulong *colours, int wrapRows, int wrapColumns, int columns,
-                                  int rows, _POINT3DFLOAT *towardLight, _POINT3D *, _POINT3D *ambientVector,
-                                  float specular, int shininess, int) {
+/// At the end there may stand an opacity.
+template <class... Opacity>
+void VKD_Render_3D_Surface(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, _POINT3DFLOAT *points,
+                           q_ulong *colours, int wrapRows, int wrapColumns, int columns, int rows,
+                           _POINT3DFLOAT *towardLight, _POINT3D *, _POINT3D *ambientVector, float specular,
+                           int shininess, int, Opacity... opacity) {
     if (rows < 2 || columns < 2)
         return;
     const Grid grid = {points, colours, rows, columns};
     light(grid, *towardLight, *ambientVector, specular, shininess);
-    drawTriangles(grid, wrapRows, wrapColumns,
-                  [&](auto... corners) { plain::VKD_Render_Tri(data, dst, clip, int32(pitch), corners...); });
-}
-
-inline void VKD_Render_3D_Surface(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch,
-                                  _POINT3DFLOAT *points, q_ulong *colours, int wrapRows, int wrapColumns, int columns,
-                                  int rows, _POINT3DFLOAT *towardLight, _POINT3D *, _POINT3D *ambientVector,
-                                  float specular, int shininess, int, int opacity) {
-    if (rows < 2 || columns < 2)
-        return;
-    const Grid grid = {points, colours, rows, columns};
-    light(grid, *towardLight, *ambientVector, specular, shininess);
-    drawTriangles(grid, wrapRows, wrapColumns,
-                  [&](auto... corners) { plain::VKD_Render_Tri(data, dst, clip, int32(pitch), corners..., opacity); });
+    drawTriangles(grid, wrapRows, wrapColumns, [&](auto... corners) {
+        plain::VKD_Render_Tri(data, dst, clip, int32(pitch), corners..., opacity...);
+    });
 }
 
 inline void VKD_Render_3D_Surface_Alpha(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch,

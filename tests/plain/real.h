@@ -52,6 +52,12 @@ inline int truncated(Real value) {
     return int32(static_cast<Number>(value));
 }
 
+/// An alpha as a weight in 1/256.
+inline Number weightOf(float alpha) {
+    const FullWidth precision;
+    return truncated(Real{alpha} * 256);
+}
+
 /// An angle that the processor's instructions take.
 inline Real turnable(Real angle) {
     if (angle < 9223372036854775808.0L && angle > -9223372036854775808.0L)

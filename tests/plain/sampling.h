@@ -53,6 +53,13 @@ struct Sums {
     constexpr q_ulong pixel() const { return pixelOf(red / 256, green / 256, blue / 256); }
 };
 
+/// Each channel as a byte of its own; blue is not masked: it may reach into green and red, but not into the top byte.
+inline q_ulong blendWithOpenBlue(q_ulong d, q_ulong s, Number weight) {
+    const auto sum = [&](Number a, Number b) { return unsigned32(b * weight + a * (256 - weight)); };
+    return word((sum(redOf(d), redOf(s)) & 0xFF00) * 256 + (sum(greenOf(d), greenOf(s)) & 0xFF00)) |
+           word(sum(blueOf(d), blueOf(s)) / 256);
+}
+
 /// Four pixels with their upper left one at (x, y).
 inline Sums fourTaps(Pixels src, Number x, Number y, Number fx, Number fy) {
     Sums sums;

@@ -193,14 +193,8 @@ inline void iBltBilinear32_Alpha(q_ulong *dst, q_ulong *src, tagRECT *dstRect, t
     const Number weight = weightOf(alpha);
     if (!hasPixels(*srcRect))
         return;
-    forFiltered({dst, signed32(dstPitch)}, *dstRect, {src, signed32(srcPitch)}, *srcRect, [&](q_ulong &d, q_ulong s) {
-        const auto sum = [&](Number ofSource, Number ofDst) {
-            return unsigned32(ofSource * weight + ofDst * (256 - weight));
-        };
-        // Blue is not masked: it may reach into green and red, but not into the top byte.
-        d = word((sum(redOf(s), redOf(d)) & 0xFF00) * 256 | (sum(greenOf(s), greenOf(d)) & 0xFF00) |
-                 sum(blueOf(s), blueOf(d)) / 256);
-    });
+    forFiltered({dst, signed32(dstPitch)}, *dstRect, {src, signed32(srcPitch)}, *srcRect,
+                [weight](q_ulong &d, q_ulong s) { d = blendWithOpenBlue(d, s, weight); });
 }
 
 } // namespace plain

@@ -4,6 +4,7 @@
 #define Q_MUR_TESTS_PLAIN_SPAN_MAPPERS_H
 
 #include "bands.h"
+#include "sampling.h"
 
 namespace plain {
 
@@ -37,20 +38,9 @@ inline q_ulong cappedPixel(Number red, Number green, Number blue) {
     return capped(red) << 16 | capped(green) << 8 | capped(blue);
 }
 
-/// The mean of four texels by sixteenths.
-inline Number filteredChannel(const q_ulong (&texels)[4], Number fu, Number fv, Number (*channelOf)(q_ulong)) {
-    const Number weights[4] = {(16 - fv) * (16 - fu), (16 - fv) * fu, fv * (16 - fu), fv * fu};
-    Number sum = 0;
-    for (int i = 0; i < 4; ++i)
-        sum += channelOf(texels[i]) * weights[i];
-    return sum / 256;
-}
-
-inline q_ulong litFiltered(const q_ulong (&texels)[4], Number fu, Number fv, Number mul, Number add) {
-    const auto lit = [&](Number (*channelOf)(q_ulong)) {
-        return signed32((signed32(filteredChannel(texels, fu, fv, channelOf) * mul) >> 8) + add);
-    };
-    return cappedPixel(lit(redOf), lit(greenOf), lit(blueOf));
+inline q_ulong litFiltered(const Sums &sums, Number mul, Number add) {
+    const auto lit = [=](Number sum) { return signed32((signed32(sum / 256 * mul) >> 8) + add); };
+    return cappedPixel(lit(sums.red), lit(sums.green), lit(sums.blue));
 }
 
 /// Multiplied without a sign, green in its place.
@@ -82,11 +72,10 @@ void drawTexturedBand(const MapperKind &kind, const Block &block, Pixels dst, Pi
         if (kind.isFiltered) {
             const Number column = u >> 4;
             const Number row = v >> 4;
-            const q_ulong texels[4] = {tex.at(column, row), tex.at(column + 1, row), tex.at(column, row + 1),
-                                       tex.at(column + 1, row + 1)};
-            if (kind.isKeyed && (texels[0] | texels[1] | texels[2] | texels[3]) == 0)
+            if (kind.isKeyed && (tex.at(column, row) | tex.at(column + 1, row) | tex.at(column, row + 1) |
+                                 tex.at(column + 1, row + 1)) == 0)
                 return;
-            dst.at(x, y) = litFiltered(texels, u & 15, v & 15, mul, add);
+            dst.at(x, y) = litFiltered(fourTaps(tex, column, row, u & 15, v & 15), mul, add);
         } else {
             const q_ulong texel = tex.at(u, v);
             dst.at(x, y) = kind.light == MappedLight::none ? texel : litNearest(texel, kind.redIsUpperHalf, mul, add);
@@ -96,19 +85,14 @@ void drawTexturedBand(const MapperKind &kind, const Block &block, Pixels dst, Pi
     });
 }
 
-template <const MapperKind &kind, class Block>
-void mapSpans(Block *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstPitch, q_ulong texPitch, int uL0,
-              int uL1, int uR0, int uR1, int vL0, int vL1, int vR0, int vR1, int xL0, int xL1, int xR0, int xR1,
-              int yL0, int yL1, int yR0, int yR1, int addL0, int addL1, int addR0, int addR1, int mulL0, int mulL1,
-              int mulR0, int mulR1, int zL0, int zL1, int zR0, int zR1) {
+/// Behind the pitches stand the 28 numbers of a band.
+template <const MapperKind &kind, class Block, class... Numbers>
+void mapSpans(Block *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstPitch, q_ulong texPitch,
+              Numbers... numbers) {
+    const int n[] = {numbers...};
+    const auto ends = [&n](int i) { return Ends{n[4 * i], n[4 * i + 1], n[4 * i + 2], n[4 * i + 3]}; };
     drawTexturedBand(kind, *data, {dst, signed32(dstPitch)}, {tex, signed32(texPitch)}, *clip,
-                     {{uL0, uL1, uR0, uR1},
-                      {vL0, vL1, vR0, vR1},
-                      {xL0, xL1, xR0, xR1},
-                      {yL0, yL1, yR0, yR1},
-                      {addL0, addL1, addR0, addR1},
-                      {mulL0, mulL1, mulR0, mulR1},
-                      {zL0, zL1, zR0, zR1}});
+                     {ends(0), ends(1), ends(2), ends(3), ends(4), ends(5), ends(6)});
 }
 
 inline constexpr MapperKind linearHPE = {.fractionBits = 16, .isFiltered = true};

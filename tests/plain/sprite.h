@@ -13,45 +13,25 @@ namespace plain {
 
 /// The pixels of a sprite row after row, as they are when the whole of it is loaded. What they are is data; tests hold
 /// them against the tables.
-template <class Load>
-std::vector<q_ulong> pixelsOfSprite(Load load, int width, int height) {
-    std::vector<q_ulong> pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    load(pixels.data(), width, height, width);
-    return pixels;
-}
-
-inline void forSprite(Pixels dst, int width, int height, const std::vector<q_ulong> &sprite, int spriteWidth) {
+template <auto load, int spriteWidth, int spriteHeight>
+void loadSprite(q_ulong *dst, int width, int height, int pitch) {
+    static const auto sprite = [] {
+        std::vector<q_ulong> pixels(spriteWidth * spriteHeight);
+        load(pixels.data(), spriteWidth, spriteHeight, spriteWidth);
+        return pixels;
+    }();
     for (Number y = 0; y < height && width > 0; ++y)
         for (Number x = 0; x < width; ++x) {
             const auto index = static_cast<std::size_t>(y * spriteWidth + x);
-            dst.at(x, y) = index < sprite.size() ? sprite[index] : 0;
+            Pixels{dst, pitch}.at(x, y) = index < sprite.size() ? sprite[index] : 0;
         }
 }
 
-inline void LoadResourceAirplane(q_ulong *dst, int width, int height, int pitch) {
-    static const auto sprite = pixelsOfSprite(::LoadResourceAirplane, 156, 114);
-    forSprite({dst, pitch}, width, height, sprite, 156);
-}
-
-inline void LoadResourceChristmasTree(q_ulong *dst, int width, int height, int pitch) {
-    static const auto sprite = pixelsOfSprite(::LoadResourceChristmasTree, 512, 384);
-    forSprite({dst, pitch}, width, height, sprite, 512);
-}
-
-inline void LoadResourceFootMark(q_ulong *dst, int width, int height, int pitch) {
-    static const auto sprite = pixelsOfSprite(::LoadResourceFootMark, 122, 166);
-    forSprite({dst, pitch}, width, height, sprite, 122);
-}
-
-inline void LoadResourceMusicSymbol(q_ulong *dst, int width, int height, int pitch) {
-    static const auto sprite = pixelsOfSprite(::LoadResourceMusicSymbol, 128, 128);
-    forSprite({dst, pitch}, width, height, sprite, 128);
-}
-
-inline void LoadResourceRedFires(q_ulong *dst, int width, int height, int pitch) {
-    static const auto sprite = pixelsOfSprite(::LoadResourceRedFires, 330, 360);
-    forSprite({dst, pitch}, width, height, sprite, 330);
-}
+inline constexpr auto LoadResourceAirplane = loadSprite<::LoadResourceAirplane, 156, 114>;
+inline constexpr auto LoadResourceChristmasTree = loadSprite<::LoadResourceChristmasTree, 512, 384>;
+inline constexpr auto LoadResourceFootMark = loadSprite<::LoadResourceFootMark, 122, 166>;
+inline constexpr auto LoadResourceMusicSymbol = loadSprite<::LoadResourceMusicSymbol, 128, 128>;
+inline constexpr auto LoadResourceRedFires = loadSprite<::LoadResourceRedFires, 330, 360>;
 
 /// The source column or row of a destination's: 15 fraction bits in numbers that wrap at 32 bits.
 inline Number fittedPlace(Number index, int srcExtent, int dstExtent) {

@@ -8,18 +8,6 @@
 
 namespace plain {
 
-inline int ResetZBuffer(_PRIVATE_QM3D_DATA *data, tagRECT *rect, int pitch) {
-    if (!data->zBuffer)
-        return 0;
-    // In pairs of entries, counted from the one of pixel (0, 0).
-    const Number first = flooredQuotient(Number{rect->top} * pitch + rect->left, 2);
-    for (Number row = 0; row < heightOf(*rect); ++row)
-        for (Number pair = 0; pair < flooredQuotient(widthOf(*rect), 2); ++pair)
-            for (Number entry = 0; entry < 2; ++entry)
-                data->zBuffer[2 * (first + row * flooredQuotient(pitch, 2) + pair) + entry] = 0x7FFF;
-    return 1;
-}
-
 template <class Block>
 void findLuminance(Block *data, _POINT3DFLOAT *points, int rows, int cols, _POINT3DFLOAT *light, int ambient,
                    int specular, int shininess) {
@@ -124,10 +112,10 @@ int drawCells(Block *data, const TexturedScene &scene, q_ulong *backTex, const t
             if constexpr (cells == Cells::quads) {
                 drawTexturedQuad(*data, cell, {a, b, c, d}, flags);
             } else {
-                drawTexturedTriangle(*data, cell, fromTopToBottom({a, b, d}, point(0).y, point(1).y, point(3).y),
-                                     flags);
-                drawTexturedTriangle(*data, cell, fromTopToBottom({d, b, c}, point(3).y, point(1).y, point(2).y),
-                                     flags);
+                drawTexturedTriangle(
+                    *data, cell, fromTopToBottom<TexturedCorner>({a, b, d}, point(0).y, point(1).y, point(3).y), flags);
+                drawTexturedTriangle(
+                    *data, cell, fromTopToBottom<TexturedCorner>({d, b, c}, point(3).y, point(1).y, point(2).y), flags);
             }
             if (data->vertexArray0[k] > best) // a highlight against an index
                 best = k;

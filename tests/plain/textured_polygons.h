@@ -5,9 +5,7 @@
 
 #include "span_mappers.h"
 
-#include <array>
 #include <type_traits>
-#include <utility>
 
 namespace plain {
 
@@ -45,58 +43,6 @@ bool isShrunk(const TexturedCorners<count> &corners) {
         return signed32(spread(corners, width) * spread(corners, height));
     };
     return area(&TexturedCorner::u, &TexturedCorner::v) > signed32(area(&TexturedCorner::x, &TexturedCorner::y) * 128);
-}
-
-template <class Corner>
-bool isLeftOfLine(const Corner &p, const Corner &from, const Corner &to) {
-    const auto product = [](Number a, Number b) { return signed32(signed32(a) * signed32(b)); };
-    return product(Number{p.y} - from.y, Number{to.x} - from.x) > product(Number{to.y} - from.y, Number{p.x} - from.x);
-}
-
-/// Sorted from top to bottom, ties in the order that six exchanges leave.
-template <class Corner>
-std::array<Corner, 4> fromTopToBottom(std::array<Corner, 4> corners) {
-    constexpr std::size_t exchanges[6][2] = {{0, 1}, {0, 2}, {0, 3}, {1, 2}, {1, 3}, {2, 3}};
-    for (const auto &[i, j] : exchanges)
-        if (corners[j].y < corners[i].y)
-            std::swap(corners[i], corners[j]);
-    return corners;
-}
-
-/// Calls `draw(left0, left1, right0, right1)` for the bands between sorted corners.
-template <class Corner, class Draw>
-void forBandsBetween(const std::array<Corner, 4> &corners, Draw draw) {
-    const auto &[top, upper, lower, bottom] = corners;
-    const bool upperIsLeft = isLeftOfLine(upper, top, bottom);
-    const bool lowerIsLeft = isLeftOfLine(lower, top, bottom);
-    if (upperIsLeft && lowerIsLeft) {
-        draw(top, upper, top, bottom);
-        draw(upper, lower, top, bottom);
-        draw(lower, bottom, top, bottom);
-    } else if (upperIsLeft) {
-        draw(top, upper, top, lower);
-        draw(upper, bottom, top, lower);
-        draw(upper, bottom, lower, bottom);
-    } else if (lowerIsLeft) {
-        draw(top, lower, top, upper);
-        draw(top, lower, upper, bottom);
-        draw(lower, bottom, upper, bottom);
-    } else {
-        draw(top, bottom, top, upper);
-        draw(top, bottom, upper, lower);
-        draw(top, bottom, lower, bottom);
-    }
-}
-template <class Corner, class Draw>
-void forBandsBetween(const std::array<Corner, 3> &corners, Draw draw) {
-    const auto &[top, middle, bottom] = corners;
-    if (isLeftOfLine(middle, top, bottom)) {
-        draw(top, middle, top, bottom);
-        draw(middle, bottom, top, bottom);
-    } else {
-        draw(top, bottom, top, middle);
-        draw(top, bottom, middle, bottom);
-    }
 }
 
 /// The mapper of a mode and the one that takes its place where the texture is shrunk; null where there is none.
@@ -192,18 +138,6 @@ void drawTexturedQuad(Block &block, const TexturedScene &scene, const TexturedCo
         drawBands(block, scene, corners);
 }
 
-/// The first two corners are compared as they are given, the third with their rows in whole pixels.
-inline TexturedCorners<3> fromTopToBottom(const TexturedCorners<3> &given, float y0, float y1, float y2) {
-    const bool isInOrder = y0 < y1;
-    const TexturedCorner &first = given[isInOrder ? 0 : 1];
-    const TexturedCorner &second = given[isInOrder ? 1 : 0];
-    if (static_cast<float>(second.y) < y2)
-        return {first, second, given[2]};
-    if (static_cast<float>(first.y) < y2)
-        return {first, given[2], second};
-    return {given[2], first, second};
-}
-
 /// The pipeline's triangles know one mode; in any other they draw with what is in the slot.
 template <class Block>
 void drawTexturedTriangle(Block &block, const TexturedScene &scene, const TexturedCorners<3> &sorted, q_ulong flags) {
@@ -229,10 +163,11 @@ template <class Block>
 void bltTri(Block *data, q_ulong *dst, _POINT3DFLOAT *p0, _POINT3DFLOAT *p1, _POINT3DFLOAT *p2, q_ulong *tex,
             _POINTINT *t0, _POINTINT *t1, _POINTINT *t2, tagRECT *clip, q_ulong dstPitch, q_ulong texPitch, int add0,
             int add1, int add2, int mul0, int mul1, int mul2, q_ulong flags) {
-    drawTexturedTriangle(*data, {dst, tex, clip, dstPitch, texPitch},
-                         fromTopToBottom({{{*p0, *t0, add0, mul0}, {*p1, *t1, add1, mul1}, {*p2, *t2, add2, mul2}}},
-                                         p0->y, p1->y, p2->y),
-                         flags);
+    drawTexturedTriangle(
+        *data, {dst, tex, clip, dstPitch, texPitch},
+        fromTopToBottom<TexturedCorner>({{{*p0, *t0, add0, mul0}, {*p1, *t1, add1, mul1}, {*p2, *t2, add2, mul2}}},
+                                        p0->y, p1->y, p2->y),
+        flags);
 }
 
 inline constexpr auto i3D_Blt_Rect = bltRect<_PRIVATE_QM3D_DATA>;

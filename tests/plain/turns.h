@@ -99,54 +99,40 @@ void turnFiltered(Pixels dst, Pixels src, const ZTurn &turn, Store store) {
     });
 }
 
-/// Each channel as a byte of its own; blue unmasked, its word shifted without a sign.
-inline q_ulong turnBlend(q_ulong d, q_ulong s, Number weight) {
-    const auto sum = [&](Number a, Number b) { return unsigned32(b * weight + a * (256 - weight)); };
-    return word((sum(redOf(d), redOf(s)) & 0xFF00) * 256 + (sum(greenOf(d), greenOf(s)) & 0xFF00)) |
-           word(sum(blueOf(d), blueOf(s)) / 256);
+inline void turned(q_ulong &d, q_ulong s) {
+    d = s;
+}
+inline void turnedKeyed(q_ulong &d, q_ulong s) {
+    d = s == 0 ? d : s;
+}
+inline void turnedKeyedAdd(q_ulong &d, q_ulong s) {
+    d = s == 0 ? d : saturatedSum(d, s);
 }
 
-inline Number turnWeight(float alpha) {
-    const FullWidth fullWidth;
-    return truncated(Real{alpha} * 256);
+template <bool isFiltered, class Store>
+void turnAll(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, const ZTurn &turn, Store store) {
+    if constexpr (isFiltered)
+        turnFiltered({dst, dstPitch}, {src, srcPitch}, turn, store);
+    else
+        turnNearest({dst, dstPitch}, {src, srcPitch}, turn, store);
 }
-
-inline void iBltNear32_Z_Roto(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
-                              tagRECT *srcRect, int centreX, int centreY, float angle, float scale) {
-    turnNearest({dst, dstPitch}, {src, srcPitch}, {*clipRect, *srcRect, centreX, centreY, angle, scale},
-                [](q_ulong &d, q_ulong s) { d = s; });
+template <bool isFiltered, void (*store)(q_ulong &, q_ulong)>
+void turnByStore(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clip, tagRECT *srcRect, int centreX,
+                 int centreY, float angle, float scale) {
+    turnAll<isFiltered>(dst, dstPitch, src, srcPitch, {*clip, *srcRect, centreX, centreY, angle, scale}, store);
 }
-
-inline void iBltNear32_Z_Roto_KeySrc(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
-                                     tagRECT *srcRect, int centreX, int centreY, float angle, float scale) {
-    turnNearest({dst, dstPitch}, {src, srcPitch}, {*clipRect, *srcRect, centreX, centreY, angle, scale},
-                [](q_ulong &d, q_ulong s) { d = s == 0 ? d : s; });
+template <bool isFiltered>
+void turnByAlpha(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clip, tagRECT *srcRect, int centreX,
+                 int centreY, float angle, float scale, float alpha) {
+    turnAll<isFiltered>(dst, dstPitch, src, srcPitch, {*clip, *srcRect, centreX, centreY, angle, scale},
+                        [weight = weightOf(alpha)](q_ulong &d, q_ulong s) { d = blendWithOpenBlue(d, s, weight); });
 }
-
-inline void iBltNear32_Z_Roto_KeySrc_Add(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
-                                         tagRECT *srcRect, int centreX, int centreY, float angle, float scale) {
-    turnNearest({dst, dstPitch}, {src, srcPitch}, {*clipRect, *srcRect, centreX, centreY, angle, scale},
-                [](q_ulong &d, q_ulong s) { d = s == 0 ? d : saturatedSum(d, s); });
-}
-
-inline void iBltNear32_Z_Roto_Alpha(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
-                                    tagRECT *srcRect, int centreX, int centreY, float angle, float scale, float alpha) {
-    turnNearest({dst, dstPitch}, {src, srcPitch}, {*clipRect, *srcRect, centreX, centreY, angle, scale},
-                [weight = turnWeight(alpha)](q_ulong &d, q_ulong s) { d = turnBlend(d, s, weight); });
-}
-
-inline void iBltLinear32_Z_Roto(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
-                                tagRECT *srcRect, int centreX, int centreY, float angle, float scale) {
-    turnFiltered({dst, dstPitch}, {src, srcPitch}, {*clipRect, *srcRect, centreX, centreY, angle, scale},
-                 [](q_ulong &d, q_ulong s) { d = s; });
-}
-
-inline void iBltLinear32_Z_Roto_Alpha(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
-                                      tagRECT *srcRect, int centreX, int centreY, float angle, float scale,
-                                      float alpha) {
-    turnFiltered({dst, dstPitch}, {src, srcPitch}, {*clipRect, *srcRect, centreX, centreY, angle, scale},
-                 [weight = turnWeight(alpha)](q_ulong &d, q_ulong s) { d = turnBlend(d, s, weight); });
-}
+inline constexpr auto iBltNear32_Z_Roto = turnByStore<false, turned>;
+inline constexpr auto iBltNear32_Z_Roto_KeySrc = turnByStore<false, turnedKeyed>;
+inline constexpr auto iBltNear32_Z_Roto_KeySrc_Add = turnByStore<false, turnedKeyedAdd>;
+inline constexpr auto iBltNear32_Z_Roto_Alpha = turnByAlpha<false>;
+inline constexpr auto iBltLinear32_Z_Roto = turnByStore<true, turned>;
+inline constexpr auto iBltLinear32_Z_Roto_Alpha = turnByAlpha<true>;
 
 // About the X and the Y axis. Lines are rows for X and columns for Y; what is told of a line's places runs along it.
 
@@ -170,9 +156,10 @@ inline Number alongSource(Number fromCentre, Number fromMiddle, Number tangentQ,
 }
 
 /// Computes the walk's limits step by step, then asks every pixel by itself what becomes of it.
-inline void turnFaces(Axis axis, q_ulong *dstPixels, q_ulong *front, q_ulong *back, q_ulong *background, double angle,
-                      double scale, double perspective, const tagRECT &srcRect, tagPOINT destCentre, tagPOINT pivot,
-                      int clearOutside, q_ulong backColour, int pitch, int width, int height) {
+template <Axis axis>
+void turnFaces(q_ulong *dstPixels, q_ulong *front, q_ulong *back, q_ulong *background, double angle, double scale,
+               double perspective, tagRECT srcRect, tagPOINT destCentre, tagPOINT pivot, int clearOutside,
+               q_ulong backColour, int, int pitch, int width, int height) {
     if (width < 1 || height < 1 || scale == 0)
         return;
     const bool rows = axis == Axis::x;
@@ -248,21 +235,8 @@ inline void turnFaces(Axis axis, q_ulong *dstPixels, q_ulong *front, q_ulong *ba
         }
 }
 
-inline void iBltNear32_X_Roto(q_ulong *dst, q_ulong *front, q_ulong *back, q_ulong *background, double angle,
-                              double scale, double perspective, tagRECT srcRect, tagPOINT destCentre,
-                              tagPOINT sourcePivot, int clearOutside, q_ulong backColour, int, int pitch, int width,
-                              int height) {
-    turnFaces(Axis::x, dst, front, back, background, angle, scale, perspective, srcRect, destCentre, sourcePivot,
-              clearOutside, backColour, pitch, width, height);
-}
-
-inline void iBltNear32_Y_Roto(q_ulong *dst, q_ulong *front, q_ulong *back, q_ulong *background, double angle,
-                              double scale, double perspective, tagRECT srcRect, tagPOINT destCentre,
-                              tagPOINT sourcePivot, int clearOutside, q_ulong backColour, int, int pitch, int width,
-                              int height) {
-    turnFaces(Axis::y, dst, front, back, background, angle, scale, perspective, srcRect, destCentre, sourcePivot,
-              clearOutside, backColour, pitch, width, height);
-}
+inline constexpr auto iBltNear32_X_Roto = turnFaces<Axis::x>;
+inline constexpr auto iBltNear32_Y_Roto = turnFaces<Axis::y>;
 
 /// A whole frame. `inside` is the first source line and place along it that is shown.
 inline void turnFrame(const Lines &dst, const Lines &src, const Lines *background, Number inside, double angle,

@@ -1,5 +1,5 @@
 /// \file
-/// Vectors of three floats, and the light on the vertices of a grid.
+/// Vectors of three floats, and the light on the vertices of a grid: all of it to be used at full width.
 #ifndef Q_MUR_TESTS_PLAIN_VECTORS_H
 #define Q_MUR_TESTS_PLAIN_VECTORS_H
 
@@ -32,14 +32,17 @@ inline Vector quotient(const Vector &v, Real divisor) {
     return eachComponent([&](float Vector::*k) { return Real{v.*k} / divisor; });
 }
 
-inline Real dot(const Vector &a, const Vector &b) {
+template <class Point>
+Real dot(const Point &a, const Point &b) {
     return Real{a.z} * Real{b.z} + Real{a.y} * Real{b.y} + Real{a.x} * Real{b.x};
 }
-inline Real lengthOf(const Vector &v) {
+template <class Point>
+Real lengthOf(const Point &v) {
     return std::sqrt(dot(v, v));
 }
 
-inline Vector cross(const Vector &a, const Vector &b) {
+template <class Point>
+Vector cross(const Point &a, const Point &b) {
     const auto minor = [](float p, float q, float r, float s) {
         return static_cast<float>(Real{p} * Real{q} - Real{r} * Real{s});
     };
@@ -47,10 +50,11 @@ inline Vector cross(const Vector &a, const Vector &b) {
 }
 
 /// Of length 1; without length it stays so.
-inline Vector unit(const Vector &v) {
+template <class Point>
+Vector unit(const Point &v) {
     const Real length = lengthOf(v);
     const Real factor = length == 0 ? 32768 : 1 / length;
-    return eachComponent([&](float Vector::*k) { return Real{v.*k} * factor; });
+    return {static_cast<float>(v.x * factor), static_cast<float>(v.y * factor), static_cast<float>(v.z * factor)};
 }
 
 template <class Point>

@@ -1,13 +1,10 @@
-#include "screen.h"
+#include <q_Mur.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 
 namespace {
-
-using test::DepthPlane;
-using test::Surface;
 
 /// A host's record with frame and limits of its own.
 class Host {
@@ -58,40 +55,6 @@ TEST(GetPrivate_QM3D_Data, a_block_that_cannot_be_had_gives_null_and_drops_all) 
     EXPECT_EQ(host.data.blockCount, 0);
     EXPECT_EQ(host.data.blocks[0], nullptr);
     EXPECT_EQ(host.data.blocks[1], nullptr);
-}
-
-/// Resets a part of a Z plane of zeros, and tells which entries are empty now.
-DepthPlane resetPart(const Surface &shape, tagRECT part) {
-    DepthPlane plane(shape, 0);
-    auto data = test::blockOver<_PRIVATE_QM3D_DATA>(plane);
-    EXPECT_EQ(ResetZBuffer(&data, &part, shape.pitch()), 1);
-    return plane;
-}
-
-TEST(ResetZBuffer, odd_left_and_odd_width_reset_whole_pairs) {
-    const Surface shape(8, 2); // an even pitch
-    DepthPlane expected(shape, 0);
-    for (int y = 0; y < 2; ++y)
-        expected.at(2, y) = expected.at(3, y) = test::emptyDepth;
-    EXPECT_TRUE(resetPart(shape, {3, 0, 6, 2}) == expected);
-}
-
-TEST(ResetZBuffer, odd_pitch_drifts_by_an_entry_every_other_row) {
-    const Surface shape(8, 4, 0, 1);
-    ASSERT_EQ(shape.pitch() % 2, 1);
-    DepthPlane expected(shape, 0);
-    for (int y = 0; y < 3; ++y) // each row starts an even number of entries further
-        expected.at(4 - y, y) = expected.at(5 - y, y) = test::emptyDepth;
-    EXPECT_TRUE(resetPart(shape, {4, 0, 6, 3}) == expected);
-}
-
-TEST(ResetZBuffer, empty_rectangles_reset_nothing_and_give_1_and_a_block_without_a_plane_gives_0) {
-    const Surface shape(8, 4);
-    EXPECT_TRUE(resetPart(shape, {3, 0, 3, 4}) == DepthPlane(shape, 0));
-    EXPECT_TRUE(resetPart(shape, {0, 2, 8, 2}) == DepthPlane(shape, 0));
-    _PRIVATE_QM3D_DATA data = {};
-    for (tagRECT rect : {tagRECT{0, 0, 4, 4}, tagRECT{0, 0, 4, 0}})
-        EXPECT_EQ(ResetZBuffer(&data, &rect, 4), 0);
 }
 
 } // namespace

@@ -83,6 +83,20 @@ bool testsDepth(const Mapper &mapper) {
 bool isKeyed(const Mapper &mapper) {
     return mapper.kind.isKeyed;
 }
+bool isOlder(const Mapper &mapper) {
+    return mapper.older;
+}
+/// With 16 fraction bits a number of 32 bits has no room for a depth below 16 bits.
+bool hasRoomForDepths(const Mapper &mapper) {
+    return testsDepth(mapper) && mapper.kind.fractionBits < 16;
+}
+bool isNearestAndLit(const Mapper &mapper) {
+    return isLit(mapper) && !mapper.kind.isFiltered;
+}
+template <MappedLight light>
+bool hasLight(const Mapper &mapper) {
+    return mapper.kind.light == light;
+}
 
 /// One number of a band at the upper and lower end of its left and of its right edge.
 struct Ends {
@@ -162,13 +176,12 @@ catalogue::Row rowOf(const Mapper &mapper) {
 }
 
 TEST(span_mappers, those_without_a_name_keep_what_is_proved_of_rows) {
-    forMappers([](const Mapper &mapper) { return mapper.older; },
-               [](const Mapper &mapper) {
-                   const catalogue::Row row = rowOf(mapper);
-                   for (const proofs::Proof &proof : proofs::allProofs())
-                       if (proofs::reasonAgainst(proof, row).empty())
-                           proof.prove(row);
-               });
+    forMappers(isOlder, [](const Mapper &mapper) {
+        const catalogue::Row row = rowOf(mapper);
+        for (const proofs::Proof &proof : proofs::allProofs())
+            if (proofs::reasonAgainst(proof, row).empty())
+                proof.prove(row);
+    });
 }
 
 TEST(span_mappers, the_format_ends_where_its_fraction_bits_leave_no_room) {
@@ -285,16 +298,14 @@ TEST(span_mappers, mappers_without_HPE_neither_test_nor_write_depth) {
 }
 
 TEST(span_mappers, a_depth_below_16_bits_passes_and_is_stored_wrapped) {
-    // With 16 fraction bits a number of 32 bits has no room for such a depth.
-    forMappers([](const Mapper &mapper) { return testsDepth(mapper) && mapper.kind.fractionBits < 16; },
-               [](const Mapper &mapper) {
-                   Screen screen(16, 16, 0, -32768);
-                   Band band = bandOf(3, 3, 6, 6);
-                   band.z = {-40000};
-                   map(mapper, screen, band);
-                   EXPECT_EQ(screen.surface.at(4, 4), 0x123456u);
-                   EXPECT_EQ(screen.depths.at(4, 4), 25536);
-               });
+    forMappers(hasRoomForDepths, [](const Mapper &mapper) {
+        Screen screen(16, 16, 0, -32768);
+        Band band = bandOf(3, 3, 6, 6);
+        band.z = {-40000};
+        map(mapper, screen, band);
+        EXPECT_EQ(screen.surface.at(4, 4), 0x123456u);
+        EXPECT_EQ(screen.depths.at(4, 4), 25536);
+    });
 }
 
 TEST(span_mappers, only_two_mappers_leave_out_what_is_not_beyond_the_near_limit) {
@@ -326,18 +337,18 @@ TEST(span_mappers, light_multiplies_adds_and_caps_above_alone) {
         // A negative multiplier is signed when filtered and full when nearest.
         EXPECT_EQ(drawnPixel(mapper, 0x010101, -1, 0), mapper.kind.isFiltered ? 0xFFFFFFFFu : 0xFFFFFFu);
     });
-    forMappers([](const Mapper &mapper) { return !isLit(mapper); },
+    forMappers(hasLight<MappedLight::none>,
                [](const Mapper &mapper) { EXPECT_EQ(drawnPixel(mapper, 0x99C08040, 128, 10), 0x99C08040u); });
 }
 
 TEST(span_mappers, nearest_green_is_multiplied_in_its_place_and_wraps_before_blue) {
-    // 0xFF00 * 66048 is 2^32 + 0xFE0000; blue has eight more bits of room and is capped. Where light runs in 18
-    // fraction bits, it is never as strong.
-    const auto canBeSoStrong = [](const Mapper &mapper) {
-        return mapper.kind.light == MappedLight::flat || (isLit(mapper) && mapper.kind.fractionBits < 15);
-    };
-    forMappers([&](const Mapper &mapper) { return canBeSoStrong(mapper) && !mapper.kind.isFiltered; },
-               [](const Mapper &mapper) { EXPECT_EQ(drawnPixel(mapper, 0x00FFFF, 66048, 0), 0x00FEFFu); });
+    // 0xFF00 * 66048 is 2^32 + 0xFE0000; blue has eight more bits of room and is capped.
+    forMappers(isNearestAndLit, [](const Mapper &mapper) {
+        // Where light runs along in 18 fraction bits, it is never as strong.
+        if (hasLight<MappedLight::flat>(mapper) || mapper.kind.fractionBits < 15) {
+            EXPECT_EQ(drawnPixel(mapper, 0x00FFFF, 66048, 0), 0x00FEFFu);
+        }
+    });
 }
 
 TEST(span_mappers, a_top_byte_runs_red_full_in_one_mapper_only) {
@@ -348,30 +359,28 @@ TEST(span_mappers, a_top_byte_runs_red_full_in_one_mapper_only) {
 }
 
 TEST(span_mappers, flat_light_is_that_of_the_start_of_the_left_edge) {
-    forMappers([](const Mapper &mapper) { return mapper.kind.light == MappedLight::flat; },
-               [](const Mapper &mapper) {
-                   Screen screen;
-                   Band band = bandOf(3, 3, 9, 9);
-                   band.mul = {128, 256, 256, 256};
-                   band.add = {3, 99, 99, 99};
-                   map(mapper, screen, band, 0x808080);
-                   EXPECT_EQ(screen.surface.at(3, 3), 0x434343u);
-                   EXPECT_EQ(screen.surface.at(8, 8), 0x434343u);
-               });
+    forMappers(hasLight<MappedLight::flat>, [](const Mapper &mapper) {
+        Screen screen;
+        Band band = bandOf(3, 3, 9, 9);
+        band.mul = {128, 256, 256, 256};
+        band.add = {3, 99, 99, 99};
+        map(mapper, screen, band, 0x808080);
+        EXPECT_EQ(screen.surface.at(3, 3), 0x434343u);
+        EXPECT_EQ(screen.surface.at(8, 8), 0x434343u);
+    });
 }
 
 TEST(span_mappers, interpolated_light_runs_from_edge_to_edge_and_end_to_end) {
-    forMappers([](const Mapper &mapper) { return mapper.kind.light == MappedLight::interpolated; },
-               [](const Mapper &mapper) {
-                   Screen screen;
-                   Band band = bandOf(0, 0, 8, 8);
-                   band.mul = {0};
-                   band.add = {0, 64, 16, 80}; // 2 for each column, 8 for each row
-                   map(mapper, screen, band, 0x010101);
-                   for (int y = 0; y < 8; ++y)
-                       for (int x = 0; x < 8; ++x)
-                           EXPECT_EQ(screen.surface.at(x, y), static_cast<q_ulong>(2 * x + 8 * y) * 0x010101u);
-               });
+    forMappers(hasLight<MappedLight::interpolated>, [](const Mapper &mapper) {
+        Screen screen;
+        Band band = bandOf(0, 0, 8, 8);
+        band.mul = {0};
+        band.add = {0, 64, 16, 80}; // 2 for each column, 8 for each row
+        map(mapper, screen, band, 0x010101);
+        for (int y = 0; y < 8; ++y)
+            for (int x = 0; x < 8; ++x)
+                EXPECT_EQ(screen.surface.at(x, y), static_cast<q_ulong>(2 * x + 8 * y) * 0x010101u);
+    });
 }
 
 TEST(span_mappers, filtered_positions_count_sixteenths_and_nearest_ones_texels) {

@@ -255,7 +255,7 @@ TEST(Z_Roto, every_pair_of_bytes_in_both_filtered_stores) {
         const Surface plainStore =
             painted(before, before.rect(), [&](int x, int y) { return src.at(x, y) & 0xFFFFFF; });
         const Surface blend = painted(before, before.rect(), [&](int x, int y) {
-            return plain::turnBlend(before.at(x, y), src.at(x, y), weight);
+            return plain::blendWithOpenBlue(before.at(x, y), src.at(x, y), weight);
         });
         EXPECT_EQ(linear.drawn(before, src, scene).differenceFrom(plainStore), "");
         EXPECT_EQ(linearAlpha.drawn(before, src, scene).differenceFrom(blend), "") << weight;
