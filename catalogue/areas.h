@@ -73,6 +73,12 @@ Region on(std::string_view argument, MakeBox box) {
     };
 }
 
+/// The part of a box that lies inside the rectangle of an argument.
+template <class MakeBox>
+auto inside(std::string_view rect, MakeBox box) {
+    return [=](const Call &call) { return common(Box(call[rect].rect()), box(call)); };
+}
+
 /// Areas that are the same in every call.
 inline Region always(Areas areas) {
     return [areas = std::move(areas)](const Call &) { return areas; };
