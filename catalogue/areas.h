@@ -88,7 +88,10 @@ inline Areas operator+(Areas areas, const Areas &more) {
     areas.insert(areas.end(), more.begin(), more.end());
     return areas;
 }
+/// Either may be empty.
 inline Region operator+(Region first, Region second) {
+    if (!first || !second)
+        return first ? first : second;
     return
         [first = std::move(first), second = std::move(second)](const Call &call) { return first(call) + second(call); };
 }
