@@ -64,8 +64,7 @@ auto dotGrown(int left, int up, int right, int down) {
 const Region dot = dotGrown(0, 0, 0, 0);
 
 Row dotted(Row row, int reach) {
-    row.arguments =
-        surface + itsPitch + Arguments{position("x", "surface", {0.3, 0.7}), position("y", "surface"), colour()};
+    row.arguments = surface + itsPitch + position("x", "surface", {0.3, 0.7}) + position("y", "surface") + colour();
     row.topByte = cleared;
     row.sums = saturate;
     row.arrange = [reach](Call &call, Random &random) { place(call, random, {"x", "y"}, reach, reach); };
@@ -84,7 +83,7 @@ constexpr Range fixedPointEnds = {-4194303, 4194303};
 /// Lines are walked from end to end, what lies outside included.
 constexpr Range walkedEnds = {-16383, 16383};
 
-const Arguments blendedLine = surface + itsClip + itsPitch + ends(fixedPointEnds) + Arguments{colour()};
+const Arguments blendedLine = surface + itsClip + itsPitch + ends(fixedPointEnds) + colour();
 
 void setEnds(Call &call, int x1, int y1, int x2, int y2) {
     call["x1"] = x1, call["y1"] = y1, call["x2"] = x2, call["y2"] = y2;
@@ -115,7 +114,7 @@ Region lineInClip(int (*reachOf)(const Call &)) {
               }));
 }
 Row wideLine(Row row) {
-    row.arguments = blendedLine + Arguments{radius("width", {-4096, 4096}, {1, 9})};
+    row.arguments = blendedLine + radius("width", {-4096, 4096}, {1, 9});
     row.writes = lineInClip([](const Call &call) { return std::abs(call["width"].whole()) / 2 + 1; });
     row.arrange = arrangeBlended;
     row.scenes = {{"", inTurn(turningLine, set("width", 1))}, {"of width 3", inTurn(turningLine, set("width", 3))}};
@@ -296,7 +295,7 @@ void arrangeEllipse(Call &call, Random &random) {
 }
 /// Its box in the middle grows wide and flat.
 Row ellipse(Row row) {
-    row.arguments = surface + itsPitch + itsClip + Arguments{rectangle("box", "surface")} + row.arguments;
+    row.arguments = surface + itsPitch + itsClip + rectangle("box", "surface") + row.arguments;
     row.arrange = inTurn(arrangeEllipse, row.arrange);
     row.scenes = {{.set = [](Call &call, const Stage &stage) {
         const int w = static_cast<int>(stage.height * (0.15 + 0.3 * stage.time));
@@ -392,7 +391,7 @@ Row side(Row row) {
 
 Row resource(Row row) {
     row.arguments = surface + itsPitch + each({"x", "y"}, position("", "surface", {0, 0})) +
-                    Arguments{radius("size", {anyInt.low, 5793}, {160, 160}), choice("secondHighlight", anyInt, 1)};
+                    radius("size", {anyInt.low, 5793}, {160, 160}) + choice("secondHighlight", anyInt, 1);
     row.writes = on("surface", [](const Call &call) {
         const int size = call["size"].whole();
         return size < 2 ? Box() : boxOf(call["x"].whole(), call["y"].whole(), size, size);
@@ -467,13 +466,9 @@ void setResource(Call &call, const Stage &stage, Rows rows) {
     call["height"] = stage.height;
 }
 Row bubble(Row row, double largestSize, double largestResource, Rows rows = Rows::ofResource) {
-    row.arguments = surface + row.arguments + itsPitch + centre +
-                    Arguments{radius("size", {anyInt.low, largestSize}, {60, 150}),
-                              source("resource"),
-                              extent("resourceSize", "resource", {1, largestResource}),
-                              colour("color"),
-                              extent("width", "surface"),
-                              extent("height", "surface")};
+    row.arguments = surface + row.arguments + itsPitch + centre + radius("size", {anyInt.low, largestSize}, {60, 150}) +
+                    source("resource") + extent("resourceSize", "resource", {1, largestResource}) + colour("color") +
+                    extent("width", "surface") + extent("height", "surface");
     row.writes = on("surface", bubbleBox);
     row.reads = on("resource", [rows](const Call &call) -> Box {
         const std::int64_t size = call["resourceSize"].whole();
@@ -519,42 +514,41 @@ std::vector<Row> drawRows() {
                   .topByte = disturbsRed, .sums = saturate}),
         line({Q_MUR_FUNCTION(DDLine_Fat),
               .sentence = "Draws a shaded tube, from white in its middle through the colour to black.",
-              .arguments = surface + itsClip + itsPitch + ends(walkedEnds) +
-                           Arguments{colour(), radius("halfWidth", {0, 4095}, {2, 12})},
+              .arguments =
+                  surface + itsClip + itsPitch + ends(walkedEnds) + colour() + radius("halfWidth", {0, 4095}, {2, 12}),
               .writes = tube, .topByte = cleared, .arrange = arrangeTube}),
         line({Q_MUR_FUNCTION(DDLine_Color_Change),
               .sentence = "Draws a line that changes from one colour towards another.",
               .arguments = surface + itsPitch + ends(walkedEnds) + each({"colour1", "colour2"}, colour()),
               .writes = on("surface", lineBox), .topByte = setByColour, .sums = wrap, .arrange = arrangeEndsInside}),
         mixed(line({Q_MUR_FUNCTION(iLineAddSome), .sentence = "Adds a line that fades to nothing.",
-                    .arguments = surface + itsPitch + ends(walkedEnds) + Arguments{colour()} +
+                    .arguments = surface + itsPitch + ends(walkedEnds) + colour() +
                                  each({"width", "height"}, extent("", "surface")),
                     .writes = on("surface", [](const Call &call) { return common(frameOf(call), lineBox(call)); }),
                     .topByte = cleared, .sums = saturate, .arrange = arrangeLineOnSurface})),
         figure("circles", {Q_MUR_FUNCTION(Draw_Circle_FillInside), .sentence = "Fills a disc.",
-                           .arguments = centred + Arguments{radiusUpTo(anyInt.high), colour()}, .writes = disc,
+                           .arguments = centred + radiusUpTo(anyInt.high) + colour(), .writes = disc,
                            .topByte = setByColour, .arrange = arrangeDisc}),
         figure("circles", {Q_MUR_FUNCTION(Draw_Circle_NoFillInside), .sentence = "Draws a circle of any thickness.",
-                           .arguments = centred + Arguments{radiusUpTo(32767), thicknessWithin(anyInt), colour()},
+                           .arguments = centred + radiusUpTo(32767) + thicknessWithin(anyInt) + colour(),
                            .writes = disc, .topByte = setByColour, .arrange = arrangeOutline}),
         figure("circles", {Q_MUR_FUNCTION(iFill_Circle_Safe), .sentence = "Fills a disc inside a clip.",
-                           .arguments = clippedCircle + Arguments{radiusUpTo(anyInt.high - 1), colour()},
-                           .writes = clippedDisc, .topByte = setByColour, .arrange = arrangeFilledDisc}),
+                           .arguments = clippedCircle + radiusUpTo(anyInt.high - 1) + colour(), .writes = clippedDisc,
+                           .topByte = setByColour, .arrange = arrangeFilledDisc}),
         figure("circles",
                mixed({Q_MUR_FUNCTION(iFill_Circle_Alpha),
                       .sentence = "Blends a disc inside a clip with one alpha for all pixels.",
-                      .arguments = clippedCircle + Arguments{radiusUpTo(anyInt.high - 1), colour(),
-                                                             number("alpha", "1/256", anyInt, {40, 200})},
+                      .arguments = clippedCircle + radiusUpTo(anyInt.high - 1) + colour() +
+                                   number("alpha", "1/256", anyInt, {40, 200}),
                       .writes = clippedDisc, .topByte = cleared, .sums = wrap, .arrange = arrangeFilledDisc})),
-        figure("circles",
-               mixed({Q_MUR_FUNCTION(Draw_Bubble_Circle),
-                      .sentence = "Blends a disc that is clear at its centre and solid at its rim.",
-                      .arguments = clippedCircle + Arguments{radiusUpTo(32767), colour()}, .writes = clippedDisc,
-                      .topByte = cleared, .sums = stayInside, .arrange = arrangeClippedDisc})),
+        figure("circles", mixed({Q_MUR_FUNCTION(Draw_Bubble_Circle),
+                                 .sentence = "Blends a disc that is clear at its centre and solid at its rim.",
+                                 .arguments = clippedCircle + radiusUpTo(32767) + colour(), .writes = clippedDisc,
+                                 .topByte = cleared, .sums = stayInside, .arrange = arrangeClippedDisc})),
         figure("circles", {Q_MUR_FUNCTION(Draw_Metal_Circle),
                            .sentence = "Fills a disc that goes from white at its centre to the colour at its rim.",
-                           .arguments = centred + Arguments{radiusUpTo(32767), colour()}, .writes = disc,
-                           .topByte = disturbsRed, .sums = carryOver, .arrange = arrangeDisc}),
+                           .arguments = centred + radiusUpTo(32767) + colour(), .writes = disc, .topByte = disturbsRed,
+                           .sums = carryOver, .arrange = arrangeDisc}),
         figure("circles", mixed({Q_MUR_FUNCTION(Draw_Anti_Aliasing_Circle_NoFillInside),
                                  .sentence = "Blends a soft band around a circle.", .arguments = centred + softBand,
                                  .writes = on("surface", aroundCentre(reachOfBand)), .topByte = blended,
@@ -590,25 +584,24 @@ std::vector<Row> drawRows() {
                     {Q_MUR_FUNCTION(Draw_Light_Safe), .sentence = "Adds a round light between the sides of a clip."},
                     128),
         figure("balls", {Q_MUR_FUNCTION(Draw_3DBall), .sentence = "Draws an opaque ball, lit from the upper left.",
-                         .arguments = centred + Arguments{radiusUpTo(anyInt.high), colour(), unused("unused")},
+                         .arguments = centred + radiusUpTo(anyInt.high) + colour() + unused("unused"),
                          .writes = on("surface", aroundCentre(radiusOfBall)), .topByte = cleared, .sums = saturate,
                          .arrange = arrangeDisc}),
         figure("balls", {Q_MUR_FUNCTION(Draw_3DBall_Safe),
                          .sentence = "Draws an opaque ball, lit from the upper left, between the sides of a clip.",
-                         .arguments = clippedStar + Arguments{radiusUpTo(anyInt.high), colour(), unused("unused")},
+                         .arguments = clippedStar + radiusUpTo(anyInt.high) + colour() + unused("unused"),
                          .writes = betweenSides(aroundCentre(radiusOfBall)), .topByte = cleared, .sums = saturate,
                          .arrange = arrangeClippedDisc}),
         figure("lights", mixed({Q_MUR_FUNCTION(Draw_Circle_Light),
                                 .sentence = "Blends a disc that is solid at its centre and clear at its rim.",
-                                .arguments = centred + Arguments{radiusUpTo(32767)} + channels(anyByte), .writes = disc,
+                                .arguments = centred + radiusUpTo(32767) + channels(anyByte), .writes = disc,
                                 .topByte = disturbsRed, .sums = stayInside, .arrange = arrangeDisc})),
-        figure("stars", mixed({Q_MUR_FUNCTION(Draw_One_Star_Add),
-                               .sentence = "Adds a horizontal and a vertical spike, one pixel wide.",
-                               .arguments = surface + itsPitch + itsClip +
-                                            Arguments{position("x", "surface", {0.3, 0.7}), position("y", "surface"),
-                                                      radius("size", anyInt, {20, 80})} +
-                                            channels(anyInt),
-                               .writes = spikes, .topByte = cleared, .sums = saturate, .arrange = arrangeSpikes})),
+        figure("stars",
+               mixed({Q_MUR_FUNCTION(Draw_One_Star_Add),
+                      .sentence = "Adds a horizontal and a vertical spike, one pixel wide.",
+                      .arguments = surface + itsPitch + itsClip + position("x", "surface", {0.3, 0.7}) +
+                                   position("y", "surface") + radius("size", anyInt, {20, 80}) + channels(anyInt),
+                      .writes = spikes, .topByte = cleared, .sums = saturate, .arrange = arrangeSpikes})),
         mixed(dotted({Q_MUR_FUNCTION(Draw_Cross), .sentence = "Adds a colour to the nine pixels of a cross.",
                       .writes = dotGrown(2, 0, 2, 0) + dotGrown(0, 2, 0, 2)},
                      2)),
@@ -616,12 +609,11 @@ std::vector<Row> drawRows() {
                 .sentence = "Adds a colour to a pixel and writes the sum over a cross without its right tip.",
                 .writes = dotGrown(2, 0, 1, 0) + dotGrown(0, 2, 0, 2), .reads = dot},
                2),
-        figure("quads",
-               {Q_MUR_FUNCTION(Rect_Safe), .sentence = "Fills a convex shape of four corners inside a clip.",
-                .arguments = surface + itsClip + itsPitch + each({"p0", "p1", "p2", "p3"}, point("", "surface")) +
-                             Arguments{colours("color")},
-                .writes = on("surface", inside("clip", quadBox)), .reads = always({words("color", 1)}),
-                .topByte = setByColour, .arrange = arrangeQuad, .scenes = {{.set = turningQuad}}}),
+        figure("quads", {Q_MUR_FUNCTION(Rect_Safe), .sentence = "Fills a convex shape of four corners inside a clip.",
+                         .arguments = surface + itsClip + itsPitch +
+                                      each({"p0", "p1", "p2", "p3"}, point("", "surface")) + colours("color"),
+                         .writes = on("surface", inside("clip", quadBox)), .reads = always({words("color", 1)}),
+                         .topByte = setByColour, .arrange = arrangeQuad, .scenes = {{.set = turningQuad}}}),
         side({Q_MUR_FUNCTION(DecisionLine2), .sentence = "Tells on which side of a line a point lies.",
               .aliases = {"DecisionLines", "VKD_DecisionLines"}}),
         side({Q_MUR_FUNCTION(DecisionLine),

@@ -79,7 +79,7 @@ void setDisc(Call &call, const Stage &stage) {
 }
 
 Row edge(Box (*box)(const Call &), Row row) {
-    row.arguments = Arguments{destination("out"), source("imageA"), source("imageB")} + row.arguments;
+    row.arguments = destination("out") + source("imageA") + source("imageB") + row.arguments;
     row.writes = on("out", box);
     row.reads = on("imageA", box) + on("imageB", box);
     row.topByte = disturbsRed;
@@ -146,8 +146,8 @@ void arrangeSigma(Call &call, Random &random) {
 template <class Fits>
 Row blur(const Argument &window, Fits fits, Row row) {
     const auto box = [fits](const Call &call) { return fits(call) ? frameOf(call) : Box(); };
-    row.arguments = Arguments{destination(), source(), window} + each({"width", "height"}, extent("", "src")) +
-                    Arguments{pitch("pitch", "src")};
+    row.arguments =
+        destination() + source() + window + each({"width", "height"}, extent("", "src")) + pitch("pitch", "src");
     row.writes = on("dst", box);
     row.reads = on("src", box);
     row.overlap = Overlap::notPromised;
@@ -219,7 +219,7 @@ constexpr int side = 201; ///< of the field in a scene
 /// From the middle of a field on to its only spot.
 Row search(std::string_view field, Row row, std::function<void(Call &, const Stage &)> place) {
     const bool forBlack = field == "block";
-    row.arguments = Arguments{source(field)} + row.arguments;
+    row.arguments = source(field) + row.arguments;
     row.arguments.insert(row.arguments.begin() + (forBlack ? 5 : 6), numbers("distanceSquare", "pixels squared"));
     row.writes = always({words("distanceSquare", 1)});
     row.arrange = inTurn(forBlack ? arrangeBlackSearch : arrangeColourSearch, set("distanceSquare", Plane(4, 1, 1)));
@@ -291,10 +291,8 @@ void setShape(Call &call, const Stage &stage) {
 }
 
 Row lightMap(Row row) {
-    row.arguments =
-        inPlace +
-        Arguments{number("heightScale", "1", anyInt, {1, 5}), number("bevelSize", "pixels", {-4096, 4096}, {40, 40})} +
-        row.arguments;
+    row.arguments = inPlace + number("heightScale", "1", anyInt, {1, 5}) +
+                    number("bevelSize", "pixels", {-4096, 4096}, {40, 40}) + row.arguments;
     row.writes = on("surface", shapeBox);
     row.reads = on("surface", searchedBox);
     row.arrange = arrangeMask;
@@ -318,20 +316,18 @@ std::vector<Row> filterRows() {
     const auto inMiddle = inTurn(set("blockWords", side * side), set("index", side * side / 2), set("pitch", side));
     const Region nextToInterior = on("surface", [](const Call &call) { return grown(interior(call), 1, 1, 1, 1); });
     return {
-        edge(stripBox,
-             {Q_MUR_FUNCTION(Edge_Transparency),
-              .sentence = "Fades two pictures into each other along a straight edge.",
-              .arguments = each({"p1", "p2"}, point("", "out")) +
-                           Arguments{number("edgeWidth", "pixels", anyInt, {}), pitch("pitch", "out"),
-                                     unused("unused1"), unused("unused2"), choice("swapImages"), clip("clip", "out")},
-              .overlap = Overlap::notPromised, .arrange = arrangeStrip,
-              .scenes = {{.set = setStrip<false>}, {"steep", setStrip<true>}}}),
-        edge(discBox,
-             {Q_MUR_FUNCTION(Edge_Transparency_Circle),
-              .sentence = "Fades a picture inside a circle into another outside.",
-              .arguments = Arguments{point("centre", "out"), radius("radius", anyInt, {}), radius("band", anyInt, {})} +
-                           each({"width", "height"}, extent("", "out", onPictures)) + Arguments{pitch("pitch", "out")},
-              .overlap = Overlap::rowOrder, .arrange = arrangeDisc, .scenes = {{.set = setDisc}}}),
+        edge(stripBox, {Q_MUR_FUNCTION(Edge_Transparency),
+                        .sentence = "Fades two pictures into each other along a straight edge.",
+                        .arguments = each({"p1", "p2"}, point("", "out")) + number("edgeWidth", "pixels", anyInt, {}) +
+                                     pitch("pitch", "out") + unused("unused1") + unused("unused2") +
+                                     choice("swapImages") + clip("clip", "out"),
+                        .overlap = Overlap::notPromised, .arrange = arrangeStrip,
+                        .scenes = {{.set = setStrip<false>}, {"steep", setStrip<true>}}}),
+        edge(discBox, {Q_MUR_FUNCTION(Edge_Transparency_Circle),
+                       .sentence = "Fades a picture inside a circle into another outside.",
+                       .arguments = point("centre", "out") + radius("radius", anyInt, {}) + radius("band", anyInt, {}) +
+                                    each({"width", "height"}, extent("", "out", onPictures)) + pitch("pitch", "out"),
+                       .overlap = Overlap::rowOrder, .arrange = arrangeDisc, .scenes = {{.set = setDisc}}}),
         {Q_MUR_FUNCTION_WITHOUT_TWIN(FastBlur_Rect),
          .sentence = "Averages the neighbours on either side of each pixel, in a direction drawn anew at each call.",
          .arguments = inPlace, .writes = on("surface", interior), .reads = nextToInterior, .topByte = cleared,
@@ -340,21 +336,20 @@ std::vector<Row> filterRows() {
                      {"two_threads_on_separate_surfaces", "each call draws its direction"}}},
         {Q_MUR_FUNCTION(CrossBlur_Rect),
          .sentence = "Averages the four neighbours of each pixel, beside it and at its corners in turn.",
-         .arguments = Arguments{privateBlock("lut", "_PRIVATE_LUT_DATA")} + inPlace, .writes = on("surface", interior),
+         .arguments = privateBlock("lut", "_PRIVATE_LUT_DATA") + inPlace, .writes = on("surface", interior),
          .reads = nextToInterior, .topByte = cleared, .sums = stayInside,
          .arrange = [](Call &call, Random &random) { call["lut"] = PhaseBlock{.data = {random.between(0, 1)}}; },
          .scenes = {{.set = [](Call &call,
                                const Stage &stage) { call["lut"] = PhaseBlock{.data = {stage.time < 0.5 ? 0 : 1}}; }}}},
         {Q_MUR_FUNCTION(Blur_Rect), .sentence = "Blurs a rectangle in place by the means of square windows.",
-         .arguments = inPlace + Arguments{radius("radius", anyInt, {2, 15})}, .writes = on("surface", blurredRect),
+         .arguments = inPlace + radius("radius", anyInt, {2, 15}), .writes = on("surface", blurredRect),
          .reads = on("surface", blurredRect), .topByte = cleared, .sums = stayInside, .arrange = arrangeRadius,
          .scenes = {{.set = set("radius", 15)}, {"radius 3", set("radius", 3)}, {"radius 60", set("radius", 60)}}},
         {Q_MUR_FUNCTION(Blur_Ring), .sentence = "Does nothing.",
-         .arguments =
-             Arguments{destination("surface"), point("centre", "surface")} + each({"a", "b", "c", "d"}, unused(""))},
+         .arguments = destination("surface") + point("centre", "surface") + each({"a", "b", "c", "d"}, unused(""))},
         {Q_MUR_FUNCTION(Blur_Parallelogram), .sentence = "Does nothing.",
-         .arguments = Arguments{destination("surface")} + each({"a", "b", "c", "d", "e", "f"}, unused("")) +
-                      Arguments{rectangle("rect", "surface")} + each({"g", "h"}, unused(""))},
+         .arguments = destination("surface") + each({"a", "b", "c", "d", "e", "f"}, unused("")) +
+                      rectangle("rect", "surface") + each({"g", "h"}, unused(""))},
         boxBlur<true>(
             {Q_MUR_FUNCTION(Hor_Blur), .sentence = "Blurs rows by the means of windows.", .topByte = cleared}),
         boxBlur<false>(
@@ -379,12 +374,12 @@ std::vector<Row> filterRows() {
                {Q_MUR_FUNCTION(FindNearSrcDistanceSquare),
                 .sentence = "Searches a square ring around a pixel for a colour other than black.",
                 .arguments = each({"width", "height"}, extent("", "", onPictures)) +
-                             each({"x", "y"}, position("", "", {0, 0}, onPictures)) + Arguments{ring},
+                             each({"x", "y"}, position("", "", {0, 0}, onPictures)) + ring,
                 .reads = surfaceWordsRead},
                inTurn(set("width", side), set("height", side), set("x", side / 2), set("y", side / 2))),
         lightMap({Q_MUR_OVERLOAD(ConvertBlock2LightInfom, LightMapWithin), .word = "limit",
                   .sentence = "Makes a light map of a shape with a bevel by true distance.",
-                  .arguments = Arguments{unused("unused")} + limit}),
+                  .arguments = unused("unused") + limit}),
         lightMap({Q_MUR_OVERLOAD(ConvertBlock2LightInfom, LightMap),
                   .sentence = "Makes a light map of a shape with a bevel of square contours.",
                   .arguments = {unused("unused")}}),

@@ -113,7 +113,7 @@ void crumple(Call &call, const Stage &stage) {
 
 /// A row that only changes the block.
 Row ofBlock(Row row) {
-    row.arguments = Arguments{blockOf()} + row.arguments;
+    row.arguments = blockOf() + row.arguments;
     return row;
 }
 /// The same, each call going on from what the last has left.
@@ -129,7 +129,7 @@ Row ofStack(Row row) {
 // Bands, triangles, surfaces and lines: what is drawn within a clip, with a Z plane or without one.
 
 const Arguments surfaceAlone = {destination(), clip("clip", "dst"), pitch("pitch", "dst")};
-const Arguments surfaceWithDepths = Arguments{blockOf("dst")} + surfaceAlone;
+const Arguments surfaceWithDepths = blockOf("dst") + surfaceAlone;
 const Arguments opacity = {number("opacity", "1/256", anyInt, {64, 192})};
 
 /// The numbers of a band: a quad that leans over.
@@ -299,11 +299,9 @@ Scene mesh(std::string_view word, std::function<void(Call &, const Stage &)> set
     return {word, inTurn(setLit<>, crumple<64, 64>, std::move(setting)), 2 * 63 * 63, "Mtriangles", 1, true};
 }
 Row lit(Row row) {
-    row.arguments =
-        surfaceWithDepths + gridArguments + wrapping + gridSize +
-        Arguments{points("light", "1"), unused("unusedVector"), numbers("ambientVector", "1/256"), specular(),
-                  shininess(),          unused("unusedValue")} +
-        row.arguments;
+    row.arguments = surfaceWithDepths + gridArguments + wrapping + gridSize + points("light", "1") +
+                    unused("unusedVector") + numbers("ambientVector", "1/256") + specular() + shininess() +
+                    unused("unusedValue") + row.arguments;
     row.writes = writesLit;
     row.reads = readsLit;
     row.sums = saturate;
@@ -447,7 +445,7 @@ std::vector<Row> pipelineRows() {
                  .arrange = arrangeDepths(1),
                  .scenes = {{.set = [](Call &call, const Stage &) { dataOf(call).modelDepth = 1; }}}}),
         ofStack({Q_MUR_FUNCTION(VKD_glRotatef), .sentence = "Turns about an axis by an angle in degrees.",
-                 .arguments = Arguments{degrees("angleDegrees")} + xyz}),
+                 .arguments = degrees("angleDegrees") + xyz}),
         ofStack({Q_MUR_FUNCTION(VKD_glTranslatef), .sentence = "Moves by (x, y, z).", .arguments = xyz}),
         ofStack({Q_MUR_FUNCTION(VKD_glScalef), .sentence = "Scales by x, y and z.", .arguments = xyz}),
         ofBlock({Q_MUR_FUNCTION(VKD_glViewPort), .sentence = "Places the picture.",
@@ -459,14 +457,14 @@ std::vector<Row> pipelineRows() {
                  .arguments = {degrees("fovyDegrees"), real("aspect"), real("zNear"), real("zFar")},
                  .arrange = arrangeReals}),
         ofStack({Q_MUR_FUNCTION(VKD_gluLookAt), .sentence = "Moves the camera to the eye and turns it to the centre.",
-                 .arguments = Arguments{real("eyeX", {0, 90}, "units"), real("eyeY", {0, 0}, "units"),
-                                        real("eyeZ", {100, 10}, "units")} +
-                              each({"centerX", "centerY", "centerZ"}, real("", {0, 0}, "units")) +
-                              Arguments{real("upX", {0, 0}), real("upY", {1, 1}), real("upZ", {0, 0})},
+                 .arguments = real("eyeX", {0, 90}, "units") + real("eyeY", {0, 0}, "units") +
+                              real("eyeZ", {100, 10}, "units") +
+                              each({"centerX", "centerY", "centerZ"}, real("", {0, 0}, "units")) + real("upX", {0, 0}) +
+                              real("upY", {1, 1}) + real("upZ", {0, 0}),
                  .arrange = arrangeView}),
         ofStack({Q_MUR_FUNCTION(VKD_Mapping3Dto2D),
                  .sentence = "Brings a grid of points from model space to the screen, in place.",
-                 .arguments = Arguments{points("points", "units")} +
+                 .arguments = points("points", "units") +
                               each({"rows", "columns"}, count("", "points", {-32768, 65535}, {64, 64})),
                  .writes = gridPoints, .reads = gridPoints, .arrange = arrangeMapping,
                  .scenes = {{.set = setGrid<64, 64>, .figures = 64 * 64, .figure = "Mpoints"}}}),
@@ -520,7 +518,7 @@ std::vector<Row> pipelineRows() {
                      2 * 19 * 63, "Mtriangles"}},
          .cases = 2000},
         {Q_MUR_FUNCTION(VKD_3D_Draw_Cross), .sentence = "Adds a colour to a pixel and draws a small cross of the sum.",
-         .arguments = surfaceAlone + each({"x", "y"}, place) + Arguments{colour()}, .writes = on("dst", crossBox),
+         .arguments = surfaceAlone + each({"x", "y"}, place) + colour(), .writes = on("dst", crossBox),
          .reads = on("dst", crossBox), .topByte = cleared, .sums = saturate, .arrange = arrangeCross,
          .scenes = {{.set = setCross, .figure = "crosses", .calls = 500}}},
         {Q_MUR_FUNCTION(VKD_Render_3D_Dot_Add), .sentence = "Draws a small cross at every point of a grid.",
@@ -528,8 +526,7 @@ std::vector<Row> pipelineRows() {
          .reads = onDst + gridPoints + gridColours, .topByte = cleared, .sums = saturate, .arrange = arrangeDots,
          .scenes = {{.set = setGrid<18, 32>, .figures = 18 * 32, .figure = "crosses"}}},
         {Q_MUR_FUNCTION(VKD_3D_Line), .sentence = "Draws an anti-aliased line of three pixels' width, depth tested.",
-         .arguments = surfaceWithDepths + each({"a", "b"}, points("")) +
-                      Arguments{colours("colourA"), orNull(unused("colourB"))},
+         .arguments = surfaceWithDepths + each({"a", "b"}, points("")) + colours("colourA") + orNull(unused("colourB")),
          .writes = onDst + onDepths,
          .reads = onDst + onDepths + always({records("a", 1), records("b", 1), words("colourA", 1)}),
          .topByte = setByColour, .sums = stayInside, .arrange = arrangeLine,

@@ -133,8 +133,7 @@ Row figure(const Target &target, std::string_view called, double figures, Row ro
 /// A row of lines or curves through the places of the names.
 Row stroke(const Target &target, std::initializer_list<std::string_view> names, Row row) {
     const std::string_view of = target.on.name;
-    row.arguments = Arguments{target.on} + each(names, position("", of)) +
-                    Arguments{target.value, clip("clip", of), pitch("pitch", of)};
+    row.arguments = target.on + each(names, position("", of)) + target.value + clip("clip", of) + pitch("pitch", of);
     row.without = {
         {"numbers_at_their_ends", "a line is walked outside of its clip too, so that ends far away take seconds"}};
     return row;
@@ -192,7 +191,7 @@ void setStorage(Call &call, const Stage &stage) {
 }
 
 Row storing(Row row) {
-    row.arguments = Arguments{block} + row.arguments;
+    row.arguments = block + row.arguments;
     row.arrange = arrangeStorage;
     row.scenes = {{.set = setStorage}};
     return row;
@@ -246,7 +245,7 @@ void setScan(Call &call, const Stage &stage) {
 /// Scans begin at a pixel and end at a boundary or at a limit, which the block has for bytes.
 template <bool toTheLeft>
 Row scan(const Arguments &others, Row row) {
-    row.arguments = Arguments{block} + each({"x", "y"}, place) + others;
+    row.arguments = block + each({"x", "y"}, place) + others;
     row.allows = scanIsInside<toTheLeft>;
     row.arrange = arrangeScan;
     row.scenes = {{.set = setScan}};
@@ -392,8 +391,8 @@ void setFill(Call &call, const Stage &stage) {
         call["rect"] = walls.rect();
 }
 Row fill(const Arguments &what, Row row, bool isRestored = false) {
-    row.arguments = Arguments{block} + each({"x", "y"}, place) + what + each({"parentLeft", "parentRight"}, place) +
-                    Arguments{choice("direction", {0, 2})} + row.arguments;
+    row.arguments = block + each({"x", "y"}, place) + what + each({"parentLeft", "parentRight"}, place) +
+                    choice("direction", {0, 2}) + row.arguments;
     row.scenes = {{"", setFill<maze>, 1, "fills", 1, isRestored},
                   {"open", setFill<openField>, 1, "fills", 1, isRestored}};
     return row;

@@ -100,9 +100,9 @@ void setMeshLight(Call &call, const Stage &stage) {
 
 template <class Block>
 Row lighting(Row row) {
-    row.arguments = Arguments{blockOf(), points("points")} + gridSize +
-                    Arguments{points("light", "1"), number("ambient", "1/256", anyInt, {64, 64}),
-                              number("specular", "levels", anyInt, {128, 128}), shininess()};
+    row.arguments = blockOf() + points("points") + gridSize + points("light", "1") +
+                    number("ambient", "1/256", anyInt, {64, 64}) + number("specular", "levels", anyInt, {128, 128}) +
+                    shininess();
     row.reads = readsGrid;
     row.arrange = arrangeLight;
     row.scenes = {{.set = setMeshLight<Block>}};
@@ -451,16 +451,15 @@ Arguments first(std::size_t count, const std::string_view (&names)[4], const Arg
 }
 /// Corners, texture and their positions there, clip and pitches.
 Arguments polygonArguments(std::size_t count) {
-    return Arguments{destination()} + first(count, pointNames, points("")) + Arguments{source("tex")} +
+    return Arguments{destination()} + first(count, pointNames, points("")) + source("tex") +
            first(count, texelNames, points("", "1/16 texels")) + clipArgument + pitches;
 }
 /// A quad or a triangle; the pipeline draws with fewer modes than the older module.
 Row ofPolygon(std::size_t corners, std::size_t modes, Row row) {
     const bool isQuad = corners == 4;
-    row.arguments = Arguments{blockOf("dst")} + polygonArguments(corners) +
+    row.arguments = blockOf("dst") + polygonArguments(corners) +
                     first(corners, addNames, number("", "levels", anyInt, {0, 0})) +
-                    first(corners, mulNames, number("", "1/256", anyInt, {0, 0})) +
-                    Arguments{choice("flags", anyWord, 0x200)};
+                    first(corners, mulNames, number("", "1/256", anyInt, {0, 0})) + choice("flags", anyWord, 0x200);
     row.writes = onDst + onDepths;
     row.reads = onDst + onDepths + readsCorners<3> + readsTexels;
     row.topByte = cleared;
@@ -580,10 +579,9 @@ auto setMesh(int halves) {
 template <class Block>
 Row ofMesh(std::string_view figure, Row row) {
     const double figures = 63 * 63 * (figure == "Mtriangles" ? 2 : 1);
-    row.arguments = surfaces + row.arguments + clipArgument + Arguments{rectangle("texRect", "tex")} + pitches +
-                    Arguments{points("points")} + gridSize +
-                    Arguments{points("light", "1"), unused("lightColor"), numbers("ambientColor", "1/256"), specular(),
-                              shininess()};
+    row.arguments = surfaces + row.arguments + clipArgument + rectangle("texRect", "tex") + pitches + points("points") +
+                    gridSize + points("light", "1") + unused("lightColor") + numbers("ambientColor", "1/256") +
+                    specular() + shininess();
     row.writes = writesMesh;
     row.reads = readsMesh;
     row.topByte = cleared;

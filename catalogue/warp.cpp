@@ -124,14 +124,8 @@ void turnedOverAll(Call &call, const Stage &stage) {
 
 /// The six rotators about the Z axis differ in how they sample and store.
 Row aboutZ(Row row) {
-    row.arguments = withPitches +
-                    Arguments{clip("clipRect", "dst"),
-                              rectangle("srcRect", "src"),
-                              position("centreX", "dst"),
-                              position("centreY", "dst"),
-                              angle(),
-                              scale("scale", anyReal, {0.4, 1.2})} +
-                    row.arguments;
+    row.arguments = withPitches + clip("clipRect", "dst") + rectangle("srcRect", "src") + position("centreX", "dst") +
+                    position("centreY", "dst") + angle() + scale("scale", anyReal, {0.4, 1.2}) + row.arguments;
     row.writes = on("dst", "clipRect");
     row.reads = on("src", "srcRect") + row.reads;
     row.arrange = arrangeZ;
@@ -200,11 +194,9 @@ void turnedOnce(Call &call, const Stage &) {
 
 template <bool aboutX>
 Row aboutAxis(Row row) {
-    row.arguments =
-        Arguments{destination(), source("front"), orNull(source("back")), orNull(source("background"))} + turn +
-        Arguments{rectangle("srcRect", "front"),     point("destCentre", "dst"), point("sourcePivot", "dst"),
-                  choice("clearOutside", anyInt, 1), colour("backColour"),       unused("unused")} +
-        onePitch + frameSize;
+    row.arguments = destination() + source("front") + orNull(source("back")) + orNull(source("background")) + turn +
+                    rectangle("srcRect", "front") + point("destCentre", "dst") + point("sourcePivot", "dst") +
+                    choice("clearOutside", anyInt, 1) + colour("backColour") + unused("unused") + onePitch + frameSize;
     row.writes = frame;
     row.reads = on("front", "srcRect") + on("back", backBox<aboutX>) + on("background", frameOf);
     row.allows = shareOnePitch;
@@ -383,7 +375,7 @@ void sized(Call &call, const Stage &stage) {
 }
 
 Row aboutCentre(Row row) {
-    row.arguments = centreArguments(rectangle("srcRect", "src")) + Arguments{angle("angle", nearCircle)} +
+    row.arguments = centreArguments(rectangle("srcRect", "src")) + angle("angle", nearCircle) +
                     each({"width", "height"}, extent("", "", {-2000, 2000}));
     row.writes = on("dst", "clipRect") + row.writes;
     row.sums = stayInside;
@@ -513,20 +505,18 @@ std::vector<Row> warpRows() {
                    .sentence = "Turns a whole frame in depth about a vertical axis."}),
         {Q_MUR_FUNCTION(iBilinearMapping),
          .sentence = "Draws a picture into any four corners, the patch inverted exactly.",
-         .arguments = Arguments{destination(), source()} + onePitch + frameSize + corners, .writes = frame,
+         .arguments = destination() + source() + onePitch + frameSize + corners, .writes = frame,
          .reads = on("src", frameOf), .allows = shareOnePitch, .topByte = copied, .sums = stayInside,
          .arrange = arrangeQuad, .scenes = {{"", swingingQuad}}},
         {Q_MUR_FUNCTION(iPsudoBilinearMapping), .sentence = "Draws a picture into four corners in two quick passes.",
-         .arguments = Arguments{destination(), source(), scratch()} + onePitch + frameSize +
-                      Arguments{colour("fillColour")} + corners,
+         .arguments = destination() + source() + scratch() + onePitch + frameSize + colour("fillColour") + corners,
          .writes = frame + on("scratch", frameOf), .reads = on("src", frameOf), .allows = shareOnePitch,
          .overlap = Overlap::notPromised, .topByte = copied, .sums = stayInside, .arrange = arrangeQuad,
          .scenes = {{"", swingingQuad}}},
         {Q_MUR_FUNCTION(iAffineMapping), .sentence = "Draws a picture into a trapezoid and brightens or darkens it.",
-         .arguments = Arguments{destination(), source()} + onePitch +
-                      Arguments{rectangle("srcRect", "src"), clip("clipRect", "dst")} + corners +
-                      Arguments{number("brightnessAdd", "1", {-1000, 1000}, {10, 10}),
-                                number("brightnessScale", "1/256", {-1000, 1000}, {128, 256})},
+         .arguments = destination() + source() + onePitch + rectangle("srcRect", "src") + clip("clipRect", "dst") +
+                      corners + number("brightnessAdd", "1", {-1000, 1000}, {10, 10}) +
+                      number("brightnessScale", "1/256", {-1000, 1000}, {128, 256}),
          .writes = on("dst", "clipRect"), .reads = on("src", affineSource), .allows = shareOnePitch,
          .overlap = Overlap::notPromised, .topByte = disturbsRed, .sums = saturate, .arrange = arrangeAffine,
          .scenes = {{"", trapezoid}}},
@@ -534,8 +524,8 @@ std::vector<Row> warpRows() {
                      .sentence = "Stretches a picture onto a turned rectangle, filtered, along its traced edges.",
                      .reads = on("src", tracedSource), .topByte = cleared}),
         {Q_MUR_FUNCTION(iRotateCircleMapping), .sentence = "Turns a disc of a picture on the spot.",
-         .arguments = centreArguments(orNull(unused("srcRect"))) +
-                      Arguments{radius("radius", {-300, 300}, {60, 60}), angle("angle", nearCircle)},
+         .arguments = centreArguments(orNull(unused("srcRect"))) + radius("radius", {-300, 300}, {60, 60}) +
+                      angle("angle", nearCircle),
          .writes = on("dst", "clipRect"), .reads = on("src", discBox), .overlap = Overlap::notPromised,
          .topByte = copied, .sums = stayInside, .arrange = arrangeDisc, .scenes = {{"", turningDisc}},
          .without = {{"every_place_and_size_over_a_small_surface", "larger than 4 x 4 pixels"}}},
@@ -548,18 +538,15 @@ std::vector<Row> warpRows() {
                      .sentence = "Stretches a picture onto a turned rectangle with softened edges.",
                      .writes = on("src", "srcRect"), .reads = on("src", softenedSource), .topByte = cleared}),
         {Q_MUR_FUNCTION(Blt_Triangle), .sentence = "Maps a triangle of a picture onto another triangle.",
-         .arguments = Arguments{destination(), clip("clip", "dst"), pitch("dstPitch", "dst")} +
-                      each({"p0", "p1", "p2"}, points("", "pixels", "dst")) +
-                      Arguments{source(), pitch("srcPitch", "src")} +
+         .arguments = destination() + clip("clip", "dst") + pitch("dstPitch", "dst") +
+                      each({"p0", "p1", "p2"}, points("", "pixels", "dst")) + source() + pitch("srcPitch", "src") +
                       each({"t0", "t1", "t2"}, points("", "pixels", "src")),
          .writes = on("dst", "clip"), .reads = readsTriangle, .topByte = copied, .sums = stayInside,
          .arrange = arrangeTriangle, .scenes = {{"", spinningTriangle}}},
         {Q_MUR_FUNCTION(ImageLine), .sentence = "Reveals another picture along a straight stroke.",
-         .arguments =
-             Arguments{destination(), source()} + onePitch +
-             Arguments{position("x1", "dst", {0.1, 0.1}, nearSurface), position("y1", "dst", {0.2, 0.8}, nearSurface),
-                       position("x2", "dst", {0.9, 0.9}, nearSurface), position("y2", "dst", {0.8, 0.2}, nearSurface),
-                       number("width", "pixels", nearSurface, {41, 41})},
+         .arguments = destination() + source() + onePitch + position("x1", "dst", {0.1, 0.1}, nearSurface) +
+                      position("y1", "dst", {0.2, 0.8}, nearSurface) + position("x2", "dst", {0.9, 0.9}, nearSurface) +
+                      position("y2", "dst", {0.8, 0.2}, nearSurface) + number("width", "pixels", nearSurface, {41, 41}),
          .writes = on("dst", strokeBox), .reads = on("src", strokeBox), .allows = shareOnePitch, .topByte = copied,
          .sums = stayInside, .arrange = arrangeStroke},
     };
