@@ -73,6 +73,12 @@ Region on(std::string_view argument, MakeBox box) {
     };
 }
 
+/// The part of a box that lies inside the rectangle of an argument.
+template <class MakeBox>
+auto inside(std::string_view rect, MakeBox box) {
+    return [=](const Call &call) { return common(Box(call[rect].rect()), box(call)); };
+}
+
 /// Areas that are the same in every call.
 inline Region always(Areas areas) {
     return [areas = std::move(areas)](const Call &) { return areas; };
@@ -82,7 +88,10 @@ inline Areas operator+(Areas areas, const Areas &more) {
     areas.insert(areas.end(), more.begin(), more.end());
     return areas;
 }
+/// Either may be empty.
 inline Region operator+(Region first, Region second) {
+    if (!first || !second)
+        return first ? first : second;
     return
         [first = std::move(first), second = std::move(second)](const Call &call) { return first(call) + second(call); };
 }

@@ -112,9 +112,21 @@ inline Arguments each(std::initializer_list<std::string_view> names, Argument ar
     return all;
 }
 
+// Arguments one behind the other: `destination() + source() + pitches`.
+
 inline Arguments operator+(Arguments first, const Arguments &then) {
     first.insert(first.end(), then.begin(), then.end());
     return first;
+}
+inline Arguments operator+(Arguments first, const Argument &then) {
+    first.push_back(then);
+    return first;
+}
+inline Arguments operator+(const Argument &first, const Arguments &then) {
+    return Arguments{first} + then;
+}
+inline Arguments operator+(const Argument &first, const Argument &then) {
+    return {first, then};
 }
 
 } // namespace catalogue

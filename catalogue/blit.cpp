@@ -538,12 +538,12 @@ std::vector<Row> copyRows() {
                 .arguments = clipSize, .topByte = copied, .sums = stayInside, .arrange = packSometimes,
                 .scenes = {{}, packed}}),
         {Q_MUR_FUNCTION(iFillRect), .sentence = "Fills a rectangle with a colour, its top byte included.",
-         .arguments = filled + Arguments{colour()}, .writes = on("dst", "rect"), .topByte = setByColour,
-         .arrange = packSometimes, .pixelOnPixel = drawWhole, .scenes = {{.set = shrink}, packed}},
+         .arguments = filled + colour(), .writes = on("dst", "rect"), .topByte = setByColour, .arrange = packSometimes,
+         .pixelOnPixel = drawWhole, .scenes = {{.set = shrink}, packed}},
         {Q_MUR_FUNCTION(iFadeOut32),
          .sentence = "Scales the colours of a rectangle by a factor, or makes the gentlest fade step.",
-         .arguments = filled + Arguments{factor}, .writes = on("dst", "rect"), .reads = on("dst", "rect"),
-         .topByte = cleared, .sums = carryOver, .arrange = chooseReal("factor"), .pixelOnPixel = drawWhole,
+         .arguments = filled + factor, .writes = on("dst", "rect"), .reads = on("dst", "rect"), .topByte = cleared,
+         .sums = carryOver, .arrange = chooseReal("factor"), .pixelOnPixel = drawWhole,
          .scenes = {{.set = shrink}, {"gentle step", inTurn(shrink, set("factor", 0))}}},
     };
 }
@@ -554,8 +554,8 @@ std::vector<Row> scalingRows() {
                 .reads = nearest(unsigned12_20), .topByte = copied, .sums = stayInside, .arrange = turnSourceOut}),
         moving({Q_MUR_FUNCTION(iBltNear32Safe),
                 .sentence = "Scales a rectangle onto another, nearest pixel, inside a clip.",
-                .arguments = surfaces + dstRect + srcRect + Arguments{clip("clipRect", "dst")} + pitches,
-                .writes = stretched(), .reads = nearest(signed12_20), .topByte = copied, .sums = stayInside,
+                .arguments = surfaces + dstRect + srcRect + clip("clipRect", "dst") + pitches, .writes = stretched(),
+                .reads = nearest(signed12_20), .topByte = copied, .sums = stayInside,
                 .arrange = inTurn(scaleAnywhere, scaleLongSometimes), .pixelOnPixel = drawWhole},
                zoom),
         scaled({Q_MUR_FUNCTION(iBltBilinear32),
@@ -620,9 +620,8 @@ std::vector<Row> additiveRows() {
             hasExtent),
         laid({Q_MUR_FUNCTION(iBltNear32_Add_KeySrc),
               .sentence = "Adds a rectangle around a centre, within half its diagonal, without the pixels that are 0.",
-              .arguments = Arguments{destination(), pitch("dstPitch", "dst"), source(), pitch("srcPitch", "src"),
-                                     clip("clipRect", "dst")} +
-                           srcRect + centreInSlide,
+              .arguments = destination() + pitch("dstPitch", "dst") + source() + pitch("srcPitch", "src") +
+                           clip("clipRect", "dst") + srcRect + centreInSlide,
               .topByte = cleared, .sums = saturate, .arrange = inTurn(centre, punchHoles), .pixelOnPixel = drawWhole,
               .scenes = {ofSprite}},
              withinDiagonal),
@@ -653,7 +652,7 @@ std::vector<Row> alphaRows() {
         laid({Q_MUR_FUNCTION(iBltFast32Alpha),
               .sentence = "Blends a rectangle of the source over the same place of the destination.",
               .arguments = surfaces + each({"offsetX", "offsetY"}, position("", "dst", {0, 0})) +
-                           Arguments{rectangle("rect", "dst")} + pitches + Arguments{alpha()},
+                           rectangle("rect", "dst") + pitches + alpha(),
               .topByte = cleared, .sums = carryOver, .arrange = inTurn(moveRect, chooseAlpha),
               .pixelOnPixel = drawWhole},
              moved),
@@ -681,9 +680,9 @@ std::vector<Row> alphaRows() {
         moving(laid({Q_MUR_FUNCTION(iBltFast32AlphaChannelSafe),
                      .sentence =
                          "Blends a source of a rectangle's size by the top byte of each of its pixels, inside a clip.",
-                     .arguments = surfaces + corner + srcRect + Arguments{clip("clipRect", "dst")} + pitches,
-                     .topByte = cleared, .sums = stayInside, .arrange = inTurn(place, punchHoles),
-                     .pixelOnPixel = drawWhole, .scenes = {ofSprite}},
+                     .arguments = surfaces + corner + srcRect + clip("clipRect", "dst") + pitches, .topByte = cleared,
+                     .sums = stayInside, .arrange = inTurn(place, punchHoles), .pixelOnPixel = drawWhole,
+                     .scenes = {ofSprite}},
                     fromOrigin),
                slide),
     });

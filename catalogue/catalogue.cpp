@@ -69,6 +69,8 @@ Value randomValue(const Call &call, std::size_t index, Random &random) {
         if (isReal(call.row(), index) && random.oneIn(4))
             return random.between(-8, 8) * 1.5707963267948966;
         break;
+    case Kind::matrix:
+        return Plane::array<float>(16, [&random](int) { return random.real(); });
     case Kind::privateBlock:
         return privateBlock(call, index, [&random]<class Block>(std::type_identity<Block>, const Plane &surface) {
             return Block::random(random, surface);
@@ -107,6 +109,8 @@ Value sceneValue(const Call &call, std::size_t index, const Stage &stage) {
         return 0xFFB060;
     case Kind::key:
         return 0;
+    case Kind::matrix:
+        return Plane::array<float>(16, [](int i) { return i % 5 == 0 ? 1.0F : 0.25F; });
     case Kind::privateBlock:
         return privateBlock(call, index, []<class Block>(std::type_identity<Block>, const Plane &surface) {
             return Block::fresh(surface);

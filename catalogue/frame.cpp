@@ -11,12 +11,8 @@ namespace {
 
 // The block manager. The rows hold the record without blocks against its twins; the blocks themselves are the heap's.
 
-Argument ownRecord(bool mayBeNull = false) {
-    return {.name = "data", .kind = Kind::hostRecord, .unit = "record", .mayBeNull = mayBeNull};
-}
-Argument slot() {
-    return number("slot", "slots", {0, 14}, {0, 0});
-}
+const Argument record = hostRecord("data", "record");
+const Argument slot = number("slot", "slots", {0, 14}, {0, 0});
 
 constexpr Box wordsOf(std::size_t offset, std::size_t bytes) {
     return {static_cast<std::int64_t>(offset / 4), 0, static_cast<std::int64_t>((offset + bytes) / 4), 1};
@@ -25,34 +21,24 @@ constexpr Box usedFlag = wordsOf(offsetof(_TRANSFERDATA, memoryUsedFlag), 4);
 constexpr Box blockCount = wordsOf(offsetof(_TRANSFERDATA, blockCount), 4);
 constexpr Box firstSlot = wordsOf(offsetof(_TRANSFERDATA, blocks), sizeof(void *));
 
-Areas usedFlagOf(const Call &) {
-    return {{"data", usedFlag}};
+const Region usedFlagOf = always({{"data", usedFlag}});
+
+/// Words of a record that is there, and of one that nobody gave notice for.
+Region present(const Box &part) {
+    return on("data", [part](const Call &call) { return call["data"].plane().isNull() ? Box() : part; });
 }
-bool isUnused(const Call &call) {
-    return call["data"].plane().as<_TRANSFERDATA>()->memoryUsedFlag == 0;
-}
-Areas readByEnd(const Call &call) {
-    return isUnused(call) ? Areas{{"data", usedFlag}, {"data", firstSlot}} : usedFlagOf(call);
-}
-Areas writtenByEnd(const Call &call) {
-    return isUnused(call) ? Areas{{"data", blockCount}} : Areas();
-}
-Areas firstSlotOf(const Call &call) {
-    return call["data"].plane().isNull() ? Areas() : Areas{{"data", firstSlot}};
-}
-Areas blockCountOf(const Call &call) {
-    return call["data"].plane().isNull() ? Areas() : Areas{{"data", blockCount}};
+Region unnoticed(const Box &part) {
+    return on("data", [part](const Call &call) {
+        return call["data"].plane().as<_TRANSFERDATA>()->memoryUsedFlag == 0 ? part : Box();
+    });
 }
 
 /// A record of random words, its first slot empty.
 void arrangeRecord(Call &call, Random &random) {
-    Plane record(4, sizeof(_TRANSFERDATA) / 4, 1);
-    for (int i = 0; i < record.width(); ++i)
-        record.as<std::uint32_t>()[i] = random.word();
-    auto *data = record.as<_TRANSFERDATA>();
+    call["data"] = Plane::array<std::uint32_t>(sizeof(_TRANSFERDATA) / 4, [&random](int) { return random.word(); });
+    auto *data = call["data"].plane().as<_TRANSFERDATA>();
     data->memoryUsedFlag = random.between(-1, 1);
     data->blocks[0] = nullptr;
-    call["data"] = record;
 }
 void arrangeRecordOrNull(Call &call, Random &random) {
     arrangeRecord(call, random);
@@ -79,9 +65,7 @@ Argument bound(std::string_view name, Range contract, double drawn) {
     return number(name, "", contract, {drawn, drawn});
 }
 /// More draws are allowed, but nobody waits for them. No draw at all divides by zero.
-Argument draws() {
-    return {.name = "count", .kind = Kind::count, .unit = "draws", .contract = {1, 1000}, .drawn = {8, 8}};
-}
+const Argument draws = count("count", "draws", {1, 1000}, {8, 8});
 
 template <class Real>
 constexpr Range finite = {-std::numeric_limits<Real>::max(), std::numeric_limits<Real>::max()};
@@ -116,26 +100,27 @@ std::vector<Row> frameRows() {
         {Q_MUR_FUNCTION_WITHOUT_TWIN(Init_qMur_GlobalData), .sentence = "Fills the tables.",
          .arguments = {unused("module"), unused("path")}, .without = globalTables},
         {Q_MUR_FUNCTION(BeginMemoryManager), .sentence = "Starts a frame in which nobody has given notice yet.",
-         .arguments = {ownRecord()}, .writes = usedFlagOf, .arrange = arrangeRecord, .scenes = emptyRecord},
-        {Q_MUR_FUNCTION(NoticeMemUsed), .sentence = "Gives notice that blocks are used.", .arguments = {ownRecord()},
+         .arguments = {record}, .writes = usedFlagOf, .arrange = arrangeRecord, .scenes = emptyRecord},
+        {Q_MUR_FUNCTION(NoticeMemUsed), .sentence = "Gives notice that blocks are used.", .arguments = {record},
          .writes = usedFlagOf, .arrange = arrangeRecord, .scenes = emptyRecord},
-        {Q_MUR_FUNCTION(EndMemoryManager), .sentence = "Frees all blocks if nobody gave notice.",
-         .arguments = {ownRecord()}, .writes = writtenByEnd, .reads = readByEnd, .arrange = arrangeRecord,
+        {Q_MUR_FUNCTION(EndMemoryManager), .sentence = "Frees all blocks if nobody gave notice.", .arguments = {record},
+         .writes = unnoticed(blockCount), .reads = usedFlagOf + unnoticed(firstSlot), .arrange = arrangeRecord,
          .scenes = emptyRecord},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(FindNotUsedMemory), .sentence = "Allocates the block of a slot.",
-         .arguments = {ownRecord(), slot(), number("size", "bytes", {-3, anyInt.high}, {65536, 65536})},
-         .scenes = emptyRecord, .without = onTheHeap},
+         .arguments = {record, slot, number("size", "bytes", {-3, anyInt.high}, {65536, 65536})}, .scenes = emptyRecord,
+         .without = onTheHeap},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(ClearMemory), .sentence = "Zeroes the block of a slot.",
-         .arguments = {ownRecord(), slot()}, .scenes = {{.set = drawRecordWithBlock}}, .without = onTheHeap},
-        {Q_MUR_FUNCTION(FreeMemoryBlocks), .sentence = "Frees all blocks.", .arguments = {ownRecord(true)},
-         .writes = blockCountOf, .reads = firstSlotOf, .arrange = arrangeRecordOrNull, .scenes = emptyRecord},
-        {Q_MUR_FUNCTION(DeleteMemoryBlocks), .sentence = "Frees all blocks up to the first empty slot.",
-         .arguments = {ownRecord(true)}, .writes = blockCountOf, .reads = firstSlotOf, .arrange = arrangeRecordOrNull,
+         .arguments = {record, slot}, .scenes = {{.set = drawRecordWithBlock}}, .without = onTheHeap},
+        {Q_MUR_FUNCTION(FreeMemoryBlocks), .sentence = "Frees all blocks.", .arguments = {orNull(record)},
+         .writes = present(blockCount), .reads = present(firstSlot), .arrange = arrangeRecordOrNull,
          .scenes = emptyRecord},
+        {Q_MUR_FUNCTION(DeleteMemoryBlocks), .sentence = "Frees all blocks up to the first empty slot.",
+         .arguments = {orNull(record)}, .writes = present(blockCount), .reads = present(firstSlot),
+         .arrange = arrangeRecordOrNull, .scenes = emptyRecord},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_QMGP_Data), .sentence = "Allocates the private block of region fills.",
-         .arguments = {ownRecord(), slot()}, .scenes = emptyRecord, .without = onTheHeap},
+         .arguments = {record, slot}, .scenes = emptyRecord, .without = onTheHeap},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_LUT_Data), .sentence = "Allocates the private block of the cross blur.",
-         .arguments = {ownRecord(), slot()}, .scenes = emptyRecord, .without = onTheHeap},
+         .arguments = {record, slot}, .scenes = emptyRecord, .without = onTheHeap},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(GaussRand), .sentence = "Gives the next of 16 small numbers.",
          .without = {{"two_threads_on_separate_surfaces", "one counter"}}},
         {Q_MUR_FUNCTION(randInt), .sentence = "Draws a whole number below a bound.",
@@ -148,13 +133,13 @@ std::vector<Row> frameRows() {
          .arguments = {bound("low", finite<double>, 0), bound("high", finite<double>, 1)}, .drawsRandomNumbers = true,
          .arrange = arrangeReals},
         {Q_MUR_FUNCTION(randIntGauss), .sentence = "Draws a whole number near the middle of two others.",
-         .arguments = {bound("low", anyInt, 0), bound("high", anyInt, 100), draws()}, .drawsRandomNumbers = true,
+         .arguments = {bound("low", anyInt, 0), bound("high", anyInt, 100), draws}, .drawsRandomNumbers = true,
          .arrange = arrangeIntGauss},
         {Q_MUR_FUNCTION(randFloatGauss), .sentence = "Draws a number near the middle of two others.",
-         .arguments = {bound("low", finite<float>, 0), bound("high", finite<float>, 1), draws()},
+         .arguments = {bound("low", finite<float>, 0), bound("high", finite<float>, 1), draws},
          .drawsRandomNumbers = true, .arrange = arrangeReals},
         {Q_MUR_FUNCTION(randDoubleGauss), .sentence = "Draws a number near the middle of two others.",
-         .arguments = {bound("low", finite<double>, 0), bound("high", finite<double>, 1), draws()},
+         .arguments = {bound("low", finite<double>, 0), bound("high", finite<double>, 1), draws},
          .drawsRandomNumbers = true, .arrange = arrangeReals},
         {Q_MUR_FUNCTION(randColor), .sentence = "Draws a colour.", .drawsRandomNumbers = true},
         {Q_MUR_FUNCTION(randRainbowColor), .sentence = "Draws a saturated colour of a random hue.",

@@ -12,17 +12,11 @@ constexpr Range finite = {-std::numeric_limits<float>::max(), std::numeric_limit
 
 // Arguments
 
-Argument coordinate(std::string_view name) {
-    return {.name = name, .kind = Kind::numbers, .unit = "units"};
-}
-Argument ownPoints(std::string_view name, std::string_view unit = "units") {
-    return {.name = name, .kind = Kind::points, .unit = unit};
-}
 Argument whole(std::string_view name, Range drawn = {0, 0}) {
     return number(name, "units", anyInt, drawn);
 }
-Argument radians(std::string_view name, Range drawn = {0, 6.2831853}) {
-    return {.name = name, .kind = Kind::angle, .unit = "radians", .contract = finite, .drawn = drawn};
+Argument radians(std::string_view name) {
+    return angle(name, finite);
 }
 Argument tableAngle(std::string_view name) {
     return {.name = name, .kind = Kind::angle, .unit = "1/65536 turn", .contract = anyShort, .drawn = {0, 65535}};
@@ -30,48 +24,46 @@ Argument tableAngle(std::string_view name) {
 Argument distance() {
     return whole("distance", {240, 240});
 }
-Argument ownCount(std::string_view name, int fewest) {
-    return {.name = name,
-            .kind = Kind::count,
-            .unit = "points",
-            .contract = {static_cast<double>(fewest), 65536},
-            .drawn = {64, 64}};
-}
 Argument length(std::string_view name) {
-    return {.name = name, .kind = Kind::extent, .unit = "units"};
+    Argument argument = extent(name, "");
+    argument.unit = "units";
+    return argument;
 }
-Argument factor(std::string_view name, Range drawn) {
-    return {.name = name, .kind = Kind::scale, .unit = "1", .contract = finite, .drawn = drawn};
+Argument point(std::string_view name) {
+    return points(name, "units");
+}
+const Arguments ab = each({"a", "b"}, numbers("", "units"));
+const Arguments xyz = each({"x", "y", "z"}, numbers("", "units"));
+const Arguments vectors = each({"a", "b"}, point(""));
+const Arguments face = each({"p1", "p2", "p3"}, point(""));
+const Arguments radiansOfAxes = each({"angleX", "angleY", "angleZ"}, radians(""));
+const Arguments tableAnglesOfAxes = each({"angleX", "angleY", "angleZ"}, tableAngle(""));
+const Arguments offsets = each({"offsetX", "offsetY", "offsetZ"}, whole(""));
+const Arguments steps = {whole("dx", {-9, 9}), whole("dy", {9, -9}), whole("dz", {-9, 9})};
+const Arguments centre = each({"centreX", "centreY"}, whole(""));
+/// Columns and rows of a grid, so many at the fewest.
+Arguments gridSize(double fewest) {
+    return each({"columns", "rows"}, count("", "points", {fewest, 65536}, {64, 64}));
 }
 
 // What calls read and write: single coordinates, or x, y and z of a point. The fourth word belongs to nobody.
-
-constexpr Box one = {0, 0, 1, 1};
-constexpr Box xy = {0, 0, 2, 1};
-constexpr Box xyz = {0, 0, 3, 1};
 
 Areas written(const Call &call) {
     Areas areas;
     for (const Argument &argument : call.row().arguments)
         if (argument.kind == Kind::numbers || argument.name == "out" || argument.name == "p")
-            areas.push_back({argument.name, argument.kind == Kind::numbers ? one : xyz});
+            areas.push_back(words(argument.name, argument.kind == Kind::numbers ? 1 : 3));
     return areas;
 }
 Areas read(const Call &call) {
     Areas areas;
     for (const Argument &argument : call.row().arguments)
-        if (argument.kind == Kind::numbers)
-            areas.push_back({argument.name, one});
-        else if (argument.kind == Kind::points && argument.name != "out")
-            areas.push_back({argument.name, xyz});
+        if (argument.kind == Kind::numbers || (argument.kind == Kind::points && argument.name != "out"))
+            areas.push_back(words(argument.name, argument.kind == Kind::numbers ? 1 : 3));
     return areas;
 }
-Areas xAndY(const Call &) {
-    return {{"x", one}, {"y", one}};
-}
-Areas xAndYOfPoints(const Call &) {
-    return {{"p1", xy}, {"p2", xy}, {"p3", xy}};
-}
+const Region xAndY = always({words("x", 1), words("y", 1)});
+const Region xAndYOfPoints = always({words("p1", 2), words("p2", 2), words("p3", 2)});
 
 // Random calls
 
@@ -81,38 +73,26 @@ bool isReal(const Call &call, std::size_t index) {
            type.find("_POINT3D ") == std::string_view::npos && type.find("_POINT3D*") == std::string_view::npos;
 }
 
-/// Random words, those of floats up to about `2^reach` and ints up to `bound`.
-struct Words {
-    Random &random;
-    int reach;
-    int bound;
-
-    void fill(Plane &plane, bool real) {
-        for (int y = 0; y < plane.height(); ++y)
-            for (int x = 0; x < plane.width(); ++x)
-                if (real)
-                    plane.as<float>()[y * plane.pitch() + x] = random.real(reach);
-                else
-                    plane.as<int>()[y * plane.pitch() + x] = random.between(-bound, bound);
-    }
-};
+/// Fills memory with random floats up to about `2^reach` or ints up to `bound`.
+Plane randomWords(Random &random, const Plane &plane, bool areReal, int reach, int bound) {
+    return areReal ? plane.fill<float>(plane.rect(), [&](int, int) { return random.real(reach); })
+                   : plane.fill<int>(plane.rect(), [&](int, int) { return random.between(-bound, bound); });
+}
 
 /// Memory for each coordinate and point, and numbers of all sizes.
 template <int reach>
 void arrangeUpTo(Call &call, Random &random) {
     constexpr int bounds[] = {100, 1000, 70000, std::numeric_limits<int>::max()};
-    Words words = {random, reach, bounds[random.between(0, 3)]};
+    const int bound = bounds[random.between(0, 3)];
     for (std::size_t i = 0; i < call.size(); ++i) {
         const Kind kind = call.row().arguments[i].kind;
-        if (kind == Kind::points || kind == Kind::numbers) {
-            Plane plane = kind == Kind::points ? Plane(4, 4, 1) : Plane(4, 1, 1, 1);
-            words.fill(plane, isReal(call, i));
-            call[i] = plane;
-        } else if (kind == Kind::number) {
-            call[i] = random.between(-words.bound, words.bound);
-        } else if (kind == Kind::angle && isReal(call, i) && !random.oneIn(4)) {
+        if (kind == Kind::points || kind == Kind::numbers)
+            call[i] = randomWords(random, kind == Kind::points ? Plane(4, 4, 1) : Plane(4, 1, 1, 1), isReal(call, i),
+                                  reach, bound);
+        else if (kind == Kind::number)
+            call[i] = random.between(-bound, bound);
+        else if (kind == Kind::angle && isReal(call, i) && !random.oneIn(4))
             call[i] = random.real(4);
-        }
     }
 }
 constexpr auto arrange = arrangeUpTo<10>;
@@ -139,10 +119,9 @@ void drawPoint(Call &call, const Stage &stage) {
         if (kind != Kind::points && kind != Kind::numbers)
             continue;
         const int from = static_cast<int>(i) * 37 % 101;
-        const int words[] = {from + 60, from * from % 89 - 40, 25 - from, 0};
-        const float reals[] = {static_cast<float>(words[0]), static_cast<float>(words[1]), static_cast<float>(words[2]),
-                               0};
-        call[i] = isReal(call, i) ? Plane::of(reals) : Plane::of(words);
+        const int wholes[] = {from + 60, from * from % 89 - 40, 25 - from, 0};
+        call[i] = isReal(call, i) ? Plane::array<float>(4, [&](int k) { return static_cast<float>(wholes[k]); })
+                                  : Plane::of(wholes);
     }
 }
 
@@ -161,19 +140,10 @@ void describePoint(Row &row) {
 
 // Grids
 
-Box gridOf(const Call &call) {
+Box gridBox(const Call &call) {
     const std::int64_t columns = call["columns"].whole();
     const std::int64_t rows = call["rows"].whole();
     return columns > 0 && rows > 0 ? boxOf(0, 0, 4 * columns * rows, 1) : Box();
-}
-Areas grid(const Call &call) {
-    return {{"points", gridOf(call)}};
-}
-Areas gridOut(const Call &call) {
-    return {{"out", gridOf(call)}};
-}
-Areas gridsAB(const Call &call) {
-    return {{"a", gridOf(call)}, {"b", gridOf(call)}};
 }
 
 /// Grids of random points, and a point behind each.
@@ -184,167 +154,139 @@ void arrangeGrids(Call &call, Random &random) {
     const int rows = random.between(fewest, 5);
     call["columns"] = columns;
     call["rows"] = rows;
-    Words words = {random, 10, 0};
-    for (std::size_t i = 0; i < call.size(); ++i)
-        if (call.row().arguments[i].kind == Kind::points) {
-            call[i] = Plane(4, 4 * (std::max(columns, 0) * std::max(rows, 0) + 1), 1);
-            words.fill(call[i].plane(), true);
-        } else if (call.row().arguments[i].kind == Kind::extent) {
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        const Kind kind = call.row().arguments[i].kind;
+        if (kind == Kind::points)
+            call[i] = randomWords(random, Plane(4, 4 * (std::max(columns, 0) * std::max(rows, 0) + 1), 1), true, 10, 0);
+        else if (kind == Kind::extent)
             call[i] = random.between(-20, 500);
-        } else if (call.row().arguments[i].kind == Kind::scale) {
+        else if (kind == Kind::scale)
             call[i] = random.real(2);
-        }
+    }
 }
 
 void drawGrids(Call &call, const Stage &) {
-    int made = 0;
+    int made = 3;
     for (std::size_t i = 0; i < call.size(); ++i)
         if (call.row().arguments[i].kind == Kind::points) {
-            Plane plane(4, 4 * 64 * 64, 1);
-            for (int word = 0; word < plane.width(); ++word)
-                plane.as<float>()[word] = static_cast<float>(word * (made + 3) % 211);
-            call[i] = plane;
+            call[i] =
+                Plane::array<float>(4 * 64 * 64, [made](int word) { return static_cast<float>(word * made % 211); });
             ++made;
         }
 }
-const std::vector<Scene> oneGrid = {{.set = drawGrids, .figures = 64 * 64 * 1e-6, .figure = "Mpoints"}};
 
-std::vector<Argument> gridArguments(std::string_view width) {
-    return {ownPoints("points", "pixels"),
-            ownCount("columns", 2),
-            ownCount("rows", 2),
-            factor("scale", {0.5, 1}),
-            radians("angleX"),
-            radians("angleY"),
-            radians("angleZ"),
-            whole("offsetX", {350, 350}),
-            whole("offsetY", {350, 350}),
-            whole("offsetZ"),
-            distance(),
-            width == "width" ? length(width) : unused(width),
-            length("height")};
+Row grid(Row row) {
+    row.arrange = arrangeGrids;
+    row.scenes = {{.set = drawGrids, .figures = 64 * 64 * 1e-6, .figure = "Mpoints"}};
+    return row;
 }
+/// A grid on the screen, whose width means something or nothing.
+Row projectedGrid(const Argument &width, Row row) {
+    row.arguments = points("points") + gridSize(2) + scale("scale", finite, {0.5, 1}) + radiansOfAxes +
+                    each({"offsetX", "offsetY"}, whole("", {350, 350})) + whole("offsetZ") + distance() + width +
+                    length("height");
+    row.writes = on("points", gridBox);
+    return grid(std::move(row));
+}
+
+template <class Number, class Angle, class... Centre>
+using Turn = void(Number *, Number *, Angle, Centre...);
+template <class Number, class... Centre>
+using Projection = void(Number *, Number *, Number *, Centre..., int);
 
 } // namespace
 
 std::vector<Row> math3dRows() {
     std::vector<Row> rows = {
-        {Q_MUR_OVERLOAD(fRotate3DByX, void(float *, float *, float)), .sentence = "Turns (y, z) about X.",
-         .arguments = {coordinate("a"), coordinate("b"), radians("angle")}},
-        {Q_MUR_OVERLOAD(fRotate3DByX, void(float *, float *, float, int)), .word = "centre",
-         .sentence = "Turns (y, z) about an axis along X.",
-         .arguments = {coordinate("a"), coordinate("b"), radians("angle"), whole("centre")}},
-        {Q_MUR_OVERLOAD(fRotate3DByY, void(float *, float *, float)), .sentence = "Turns (x, z) about Y.",
-         .arguments = {coordinate("a"), coordinate("b"), radians("angle")}},
-        {Q_MUR_OVERLOAD(fRotate3DByY, void(float *, float *, float, int)), .word = "centre",
-         .sentence = "Turns (x, z) about an axis along Y.",
-         .arguments = {coordinate("a"), coordinate("b"), radians("angle"), whole("centre")}},
-        {Q_MUR_OVERLOAD(fRotate3DByZ, void(float *, float *, float)), .sentence = "Turns (x, y) about Z.",
-         .arguments = {coordinate("a"), coordinate("b"), radians("angle")}},
-        {Q_MUR_OVERLOAD(fRotate3DByZ, void(float *, float *, float, int, int)), .word = "centre",
+        {Q_MUR_OVERLOAD(fRotate3DByX, Turn<float, float>), .sentence = "Turns (y, z) about X.",
+         .arguments = ab + radians("angle")},
+        {Q_MUR_OVERLOAD(fRotate3DByX, Turn<float, float, int>), .word = "centre",
+         .sentence = "Turns (y, z) about an axis along X.", .arguments = ab + radians("angle") + whole("centre")},
+        {Q_MUR_OVERLOAD(fRotate3DByY, Turn<float, float>), .sentence = "Turns (x, z) about Y.",
+         .arguments = ab + radians("angle")},
+        {Q_MUR_OVERLOAD(fRotate3DByY, Turn<float, float, int>), .word = "centre",
+         .sentence = "Turns (x, z) about an axis along Y.", .arguments = ab + radians("angle") + whole("centre")},
+        {Q_MUR_OVERLOAD(fRotate3DByZ, Turn<float, float>), .sentence = "Turns (x, y) about Z.",
+         .arguments = ab + radians("angle")},
+        {Q_MUR_OVERLOAD(fRotate3DByZ, Turn<float, float, int, int>), .word = "centre",
          .sentence = "Turns (x, y) about an axis along Z.",
-         .arguments = {coordinate("a"), coordinate("b"), radians("angle"), whole("centreA"), whole("centreB")}},
-        {Q_MUR_OVERLOAD(iRotate3DByX, void(int *, int *, unsigned short)), .sentence = "Turns (y, z) about X.",
-         .arguments = {coordinate("a"), coordinate("b"), tableAngle("angle")}},
-        {Q_MUR_OVERLOAD(iRotate3DByX, void(int *, int *, unsigned short, int)), .word = "centre",
-         .sentence = "Turns (y, z) about an axis along X.",
-         .arguments = {coordinate("a"), coordinate("b"), tableAngle("angle"), whole("centre")}},
-        {Q_MUR_OVERLOAD(iRotate3DByY, void(int *, int *, unsigned short)), .sentence = "Turns (x, z) about Y.",
-         .arguments = {coordinate("a"), coordinate("b"), tableAngle("angle")}},
-        {Q_MUR_OVERLOAD(iRotate3DByY, void(int *, int *, unsigned short, int)), .word = "centre",
-         .sentence = "Turns (x, z) about an axis along Y.",
-         .arguments = {coordinate("a"), coordinate("b"), tableAngle("angle"), whole("centre")}},
-        {Q_MUR_OVERLOAD(iRotate3DByZ, void(int *, int *, unsigned short)), .sentence = "Turns (x, y) about Z.",
-         .arguments = {coordinate("a"), coordinate("b"), tableAngle("angle")}},
-        {Q_MUR_OVERLOAD(iRotate3DByZ, void(int *, int *, unsigned short, int, int)), .word = "centre",
+         .arguments = ab + radians("angle") + whole("centreA") + whole("centreB")},
+        {Q_MUR_OVERLOAD(iRotate3DByX, Turn<int, unsigned short>), .sentence = "Turns (y, z) about X.",
+         .arguments = ab + tableAngle("angle")},
+        {Q_MUR_OVERLOAD(iRotate3DByX, Turn<int, unsigned short, int>), .word = "centre",
+         .sentence = "Turns (y, z) about an axis along X.", .arguments = ab + tableAngle("angle") + whole("centre")},
+        {Q_MUR_OVERLOAD(iRotate3DByY, Turn<int, unsigned short>), .sentence = "Turns (x, z) about Y.",
+         .arguments = ab + tableAngle("angle")},
+        {Q_MUR_OVERLOAD(iRotate3DByY, Turn<int, unsigned short, int>), .word = "centre",
+         .sentence = "Turns (x, z) about an axis along Y.", .arguments = ab + tableAngle("angle") + whole("centre")},
+        {Q_MUR_OVERLOAD(iRotate3DByZ, Turn<int, unsigned short>), .sentence = "Turns (x, y) about Z.",
+         .arguments = ab + tableAngle("angle")},
+        {Q_MUR_OVERLOAD(iRotate3DByZ, Turn<int, unsigned short, int, int>), .word = "centre",
          .sentence = "Turns (x, y) about an axis along Z.",
-         .arguments = {coordinate("a"), coordinate("b"), tableAngle("angle"), whole("centreA"), whole("centreB")}},
+         .arguments = ab + tableAngle("angle") + whole("centreA") + whole("centreB")},
         {Q_MUR_OVERLOAD(fRotate3D, void(float *, float *, float *, float, float, float)),
-         .sentence = "Turns a point about X, then Y, then Z.",
-         .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), radians("angleX"), radians("angleY"),
-                       radians("angleZ")}},
+         .sentence = "Turns a point about X, then Y, then Z.", .arguments = xyz + radiansOfAxes},
         {Q_MUR_OVERLOAD(iRotate3D, void(int *, int *, int *, unsigned short, unsigned short, unsigned short)),
-         .sentence = "Turns a point about X, then Y, then Z.",
-         .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), tableAngle("angleX"), tableAngle("angleY"),
-                       tableAngle("angleZ")}},
+         .sentence = "Turns a point about X, then Y, then Z.", .arguments = xyz + tableAnglesOfAxes},
         {Q_MUR_OVERLOAD(fRotate3D, void(_POINT3DFLOAT *, _POINT3DFLOAT *, _POINT3DFLOAT *, float)), .word = "line",
          .sentence = "Turns a point about the line through two others.",
-         .arguments = {ownPoints("p"), ownPoints("a"), ownPoints("q"), radians("angle")}, .arrange = arrangeLine},
+         .arguments = {point("p"), point("a"), point("q"), radians("angle")}, .arrange = arrangeLine},
         {Q_MUR_OVERLOAD(iRotate3D, void(_POINT3D *, _POINT3D *, _POINT3D *, unsigned short)), .word = "line",
          .sentence = "Turns a point about the line through two others.",
-         .arguments = {ownPoints("p"), ownPoints("a"), ownPoints("q"), tableAngle("angle")}, .arrange = arrangeLine},
-        {Q_MUR_FUNCTION(fMove3D), .sentence = "Adds three ints to a point.",
-         .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), whole("dx", {-9, 9}), whole("dy", {9, -9}),
-                       whole("dz", {-9, 9})}},
-        {Q_MUR_FUNCTION(iMove3D), .sentence = "Adds three ints to a point.",
-         .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), whole("dx", {-9, 9}), whole("dy", {9, -9}),
-                       whole("dz", {-9, 9})}},
-        {Q_MUR_OVERLOAD(fConvertReal2Viewport, void(float *, float *, float *, int)), .sentence = "Projects a point.",
-         .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), distance()}, .writes = xAndY},
-        {Q_MUR_OVERLOAD(fConvertReal2Viewport, void(float *, float *, float *, int, int, int)), .word = "centre",
-         .sentence = "Projects a point about a centre.",
-         .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), whole("centreX"), whole("centreY"),
-                       distance()},
-         .writes = xAndY},
-        {Q_MUR_OVERLOAD(iConvertReal2Viewport, void(int *, int *, int *, int)), .sentence = "Projects a point.",
-         .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), distance()}, .writes = xAndY},
-        {Q_MUR_OVERLOAD(iConvertReal2Viewport, void(int *, int *, int *, int, int, int)), .word = "centre",
-         .sentence = "Projects a point about a centre.",
-         .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), whole("centreX"), whole("centreY"),
-                       distance()},
-         .writes = xAndY},
+         .arguments = {point("p"), point("a"), point("q"), tableAngle("angle")}, .arrange = arrangeLine},
+        {Q_MUR_FUNCTION(fMove3D), .sentence = "Adds three ints to a point.", .arguments = xyz + steps},
+        {Q_MUR_FUNCTION(iMove3D), .sentence = "Adds three ints to a point.", .arguments = xyz + steps},
+        {Q_MUR_OVERLOAD(fConvertReal2Viewport, Projection<float>), .sentence = "Projects a point.",
+         .arguments = xyz + distance(), .writes = xAndY},
+        {Q_MUR_OVERLOAD(fConvertReal2Viewport, Projection<float, int, int>), .word = "centre",
+         .sentence = "Projects a point about a centre.", .arguments = xyz + centre + distance(), .writes = xAndY},
+        {Q_MUR_OVERLOAD(iConvertReal2Viewport, Projection<int>), .sentence = "Projects a point.",
+         .arguments = xyz + distance(), .writes = xAndY},
+        {Q_MUR_OVERLOAD(iConvertReal2Viewport, Projection<int, int, int>), .word = "centre",
+         .sentence = "Projects a point about a centre.", .arguments = xyz + centre + distance(), .writes = xAndY},
         {Q_MUR_FUNCTION(fMapping3D), .sentence = "Brings a point to the screen: turns, moves and projects it.",
-         .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), radians("angleX"), radians("angleY"),
-                       radians("angleZ"), whole("offsetX"), whole("offsetY"), whole("offsetZ"), distance()}},
+         .arguments = xyz + radiansOfAxes + offsets + distance()},
         {Q_MUR_FUNCTION(iMapping3D), .sentence = "Brings a point to the screen: turns, moves and projects it.",
-         .arguments = {coordinate("x"), coordinate("y"), coordinate("z"), tableAngle("angleX"), tableAngle("angleY"),
-                       tableAngle("angleZ"), whole("offsetX"), whole("offsetY"), whole("offsetZ"), distance()}},
-        {Q_MUR_FUNCTION(DotProduct), .sentence = "Gives the dot product of two vectors.",
-         .arguments = {ownPoints("a"), ownPoints("b")}},
+         .arguments = xyz + tableAnglesOfAxes + offsets + distance()},
+        {Q_MUR_FUNCTION(DotProduct), .sentence = "Gives the dot product of two vectors.", .arguments = vectors},
         {Q_MUR_FUNCTION(fDot_Product), .sentence = "Gives the dot product of two vectors, with the body of DotProduct.",
-         .arguments = {ownPoints("a"), ownPoints("b")}},
+         .arguments = vectors},
         {Q_MUR_FUNCTION(iDot_Product), .sentence = "Gives the dot product of two vectors in 32 bits.",
-         .arguments = {ownPoints("a"), ownPoints("b")}, .sums = Sums::wrap},
-        {Q_MUR_FUNCTION(CrossProduct), .sentence = "Gives the cross product of two vectors.",
-         .arguments = {ownPoints("a"), ownPoints("b")}},
+         .arguments = vectors, .sums = Sums::wrap},
+        {Q_MUR_FUNCTION(CrossProduct), .sentence = "Gives the cross product of two vectors.", .arguments = vectors},
         {Q_MUR_FUNCTION(fCross_Product), .sentence = "Stores the cross product of two vectors.",
-         .arguments = {ownPoints("out"), ownPoints("a"), ownPoints("b")}},
+         .arguments = point("out") + vectors},
         {Q_MUR_FUNCTION(iCross_Product), .sentence = "Stores the cross product of two vectors in 32 bits.",
-         .arguments = {ownPoints("out"), ownPoints("a"), ownPoints("b")}, .sums = Sums::wrap},
+         .arguments = point("out") + vectors, .sums = Sums::wrap},
         {Q_MUR_OVERLOAD(Magnitude, float(_I3DVECTOR &)), .sentence = "Gives the length of a vector.",
-         .arguments = {ownPoints("v")}, .arrange = arrangeUpTo<100>},
+         .arguments = {point("v")}, .arrange = arrangeUpTo<100>},
         {Q_MUR_OVERLOAD(Magnitude, float(_POINT3DFLOAT *)), .word = "point",
-         .sentence = "Gives the length of a vector, with the same body.", .arguments = {ownPoints("v")},
+         .sentence = "Gives the length of a vector, with the same body.", .arguments = {point("v")},
          .arrange = arrangeUpTo<100>},
         {Q_MUR_OVERLOAD(Normalize, _I3DVECTOR(_I3DVECTOR &)), .sentence = "Brings a vector to length 1.",
-         .arguments = {ownPoints("v")}, .arrange = arrangeUpTo<100>},
+         .arguments = {point("v")}, .arrange = arrangeUpTo<100>},
         {Q_MUR_OVERLOAD(Normalize, _POINT3DFLOAT(_POINT3DFLOAT *)), .word = "point",
-         .sentence = "Brings a vector to length 1, with the same body.", .arguments = {ownPoints("v")},
+         .sentence = "Brings a vector to length 1, with the same body.", .arguments = {point("v")},
          .arrange = arrangeUpTo<100>},
-        {Q_MUR_FUNCTION(fBubSun), .sentence = "Gives the unit normal of a face.",
-         .arguments = {ownPoints("out"), ownPoints("p1"), ownPoints("p2"), ownPoints("p3")}, .arrange = arrangeFace},
-        {Q_MUR_FUNCTION(iBubSun), .sentence = "Gives the normal of a face, of length 256.",
-         .arguments = {ownPoints("out"), ownPoints("p1"), ownPoints("p2"), ownPoints("p3")}, .arrange = arrangeFace},
-        {Q_MUR_FUNCTION(IsFront), .sentence = "Tells whether three projected points run clockwise.",
-         .arguments = {ownPoints("p1"), ownPoints("p2"), ownPoints("p3")}, .reads = xAndYOfPoints,
+        {Q_MUR_FUNCTION(fBubSun), .sentence = "Gives the unit normal of a face.", .arguments = point("out") + face,
          .arrange = arrangeFace},
-        {Q_MUR_FUNCTION(fMean2Vector), .sentence = "Gives the mean of two points.",
-         .arguments = {ownPoints("a"), ownPoints("b")}},
+        {Q_MUR_FUNCTION(iBubSun), .sentence = "Gives the normal of a face, of length 256.",
+         .arguments = point("out") + face, .arrange = arrangeFace},
+        {Q_MUR_FUNCTION(IsFront), .sentence = "Tells whether three projected points run clockwise.", .arguments = face,
+         .reads = xAndYOfPoints, .arrange = arrangeFace},
+        {Q_MUR_FUNCTION(fMean2Vector), .sentence = "Gives the mean of two points.", .arguments = vectors},
         {Q_MUR_FUNCTION(fMean4Vector), .sentence = "Gives the mean of four points.",
-         .arguments = {ownPoints("a"), ownPoints("b"), ownPoints("c"), ownPoints("d")}},
-        {Q_MUR_FUNCTION(iMean2Vector), .sentence = "Gives the mean of two points, rounded down.",
-         .arguments = {ownPoints("a"), ownPoints("b")}},
+         .arguments = vectors + point("c") + point("d")},
+        {Q_MUR_FUNCTION(iMean2Vector), .sentence = "Gives the mean of two points, rounded down.", .arguments = vectors},
         {Q_MUR_FUNCTION(iMean4Vector), .sentence = "Gives the mean of four points, rounded down.",
-         .arguments = {ownPoints("a"), ownPoints("b"), ownPoints("c"), ownPoints("d")}},
-        {Q_MUR_FUNCTION(Flat3D), .sentence = "Makes a flat grid of points on the screen.",
-         .arguments = gridArguments("width"), .writes = grid, .arrange = arrangeGrids, .scenes = oneGrid},
-        {Q_MUR_FUNCTION(Post3D), .sentence = "Makes a cylinder of points on the screen.",
-         .arguments = gridArguments("unusedWidth"), .writes = grid, .arrange = arrangeGrids, .scenes = oneGrid},
-        {Q_MUR_FUNCTION(Interpolate3DPoint), .sentence = "Blends two grids of points.",
-         .arguments = {ownPoints("out"), ownPoints("a"), ownPoints("b"),
-                       ownCount("columns", std::numeric_limits<int>::min()),
-                       ownCount("rows", std::numeric_limits<int>::min()), factor("t", {0, 1})},
-         .writes = gridOut, .reads = gridsAB, .arrange = arrangeGrids, .scenes = oneGrid},
+         .arguments = vectors + point("c") + point("d")},
+        projectedGrid(length("width"),
+                      {Q_MUR_FUNCTION(Flat3D), .sentence = "Makes a flat grid of points on the screen."}),
+        projectedGrid(unused("unusedWidth"),
+                      {Q_MUR_FUNCTION(Post3D), .sentence = "Makes a cylinder of points on the screen."}),
+        grid({Q_MUR_FUNCTION(Interpolate3DPoint), .sentence = "Blends two grids of points.",
+              .arguments = point("out") + vectors + gridSize(anyInt.low) + scale("t", finite, {0, 1}),
+              .writes = on("out", gridBox), .reads = on("a", gridBox) + on("b", gridBox)}),
     };
     for (Row &row : rows)
         describePoint(row);

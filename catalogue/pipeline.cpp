@@ -6,10 +6,10 @@
 namespace catalogue {
 namespace {
 
-Argument ownBlock(std::string_view of = {}) {
-    return {.name = "data", .kind = Kind::privateBlock, .unit = "", .of = of};
-}
-_PRIVATE_QMGL_DATA &blockOf(Call &call) {
+using enum TopByte;
+using enum Sums;
+
+_PRIVATE_QMGL_DATA &dataOf(Call &call) {
     return call["data"].get<PipelineBlock>().data;
 }
 
@@ -21,17 +21,10 @@ Argument matrix(std::string_view name) {
     return {.name = name, .kind = Kind::matrix, .unit = "1"};
 }
 Argument real(std::string_view name, Range drawn = {1, 2}, std::string_view unit = "1") {
-    return {.name = name, .kind = Kind::number, .unit = unit, .contract = anyLength, .drawn = drawn};
+    return number(name, unit, anyLength, drawn);
 }
 Argument degrees(std::string_view name) {
     return {.name = name, .kind = Kind::angle, .unit = "degrees", .contract = anyLength, .drawn = {10, 80}};
-}
-
-Plane randomMatrix(Random &random) {
-    return arrayOf<float>(16, [&random](int) { return random.real(); });
-}
-Plane sceneMatrix() {
-    return arrayOf<float>(16, [](int i) { return i % 5 == 0 ? 1.0F : 0.25F; });
 }
 
 /// Numbers of all sizes for what is a float.
@@ -43,38 +36,19 @@ void drawReals(Call &call, Random &random, int reach = 10) {
 void arrangeReals(Call &call, Random &random) {
     drawReals(call, random);
 }
-void arrangeMatrices(Call &call, Random &random) {
-    for (std::size_t i = 0; i < call.size(); ++i)
-        if (call.row().arguments[i].kind == Kind::matrix)
-            call[i] = randomMatrix(random);
-}
-void setMatrices(Call &call, const Stage &) {
-    for (std::size_t i = 0; i < call.size(); ++i)
-        if (call.row().arguments[i].kind == Kind::matrix)
-            call[i] = sceneMatrix();
-}
 void arrangeRotation(Call &call, Random &random) {
-    call["m"] = randomMatrix(random);
-    call["axis"] = arrayOf<float>(4, [&](int) { return random.real(); });
+    call["axis"] = Plane::array<float>(4, [&](int) { return random.real(); });
     if (random.oneIn(16))
         call["axis"] = Plane(4, 4, 1);
     if (random.oneIn(2))
         call["radians"] = random.real(4);
 }
-void setRotation(Call &call, const Stage &) {
-    call["m"] = sceneMatrix();
-    call["axis"] = Plane::of(_I3DVECTOR{1, 2, 3, 0});
-}
-void arrangePush(Call &call, Random &random) {
-    blockOf(call).modelDepth = random.between(0, 1);
-    blockOf(call).viewDepth = random.between(0, 1);
-}
-void arrangePop(Call &call, Random &random) {
-    blockOf(call).modelDepth = random.between(1, 2);
-    blockOf(call).viewDepth = random.between(1, 2);
-}
-void setPop(Call &call, const Stage &) {
-    blockOf(call).modelDepth = 1;
+/// Depths of both stacks, from `low` on, so that there is an entry above or below.
+auto arrangeDepths(int low) {
+    return [low](Call &call, Random &random) {
+        dataOf(call).modelDepth = random.between(low, low + 1);
+        dataOf(call).viewDepth = random.between(low, low + 1);
+    };
 }
 
 /// Cameras of all kinds, but for those that look along world Y under a like up vector: nothing they make is finite.
@@ -98,73 +72,82 @@ void arrangeView(Call &call, Random &random) {
     }
 }
 
-Areas mappedPoints(const Call &call) {
+/// As many elements as a grid has points.
+std::int64_t pointsOf(const Call &call) {
     const std::int64_t rows = call["rows"].whole();
     const std::int64_t columns = call["columns"].whole();
-    return rows > 0 && columns > 0 ? Areas{records("points", rows * columns)} : Areas{};
+    return rows > 0 && columns > 0 ? rows * columns : 0;
+}
+Areas gridPoints(const Call &call) {
+    return {records("points", pointsOf(call))};
+}
+Areas gridColours(const Call &call) {
+    return {words("colours", pointsOf(call))};
 }
 void arrangeMapping(Call &call, Random &random) {
     const int rows = random.between(-1, 2);
     const int columns = random.between(-1, 3);
     call["rows"] = rows;
     call["columns"] = columns;
-    call["points"] = pointsOf<_POINT3DFLOAT>(std::max(rows * columns, 1), [&random](int) {
+    call["points"] = Plane::array<Point>(std::max(rows * columns, 1), [&random](int) {
         const float x = random.real();
         const float y = random.real();
-        return _POINT3DFLOAT{x, y, random.real(), 42};
+        return Point{x, y, random.real(), 42};
     });
 }
-void setMapping(Call &call, const Stage &stage) {
-    call["rows"] = 64;
-    call["columns"] = 64;
-    call["points"] = wavingGrid(stage, 64, 64);
+/// A cloth and its colours.
+template <int rows, int columns>
+void setGrid(Call &call, const Stage &stage) {
+    for (const auto &[name, count] : {std::pair("rows", rows), std::pair("columns", columns)})
+        if (call.row().argument(name))
+            call[name] = count;
+    call["points"] = wavingGrid(stage, rows, columns);
+    if (call.row().argument("colours"))
+        call["colours"] = patternOfColours(rows * columns, columns);
+}
+/// Cells of all slopes and depths instead of a cloth.
+template <int rows, int columns>
+void crumple(Call &call, const Stage &stage) {
+    call["points"] = coveringGrid(stage, rows, columns);
+}
+
+/// A row that only changes the block.
+Row ofBlock(Row row) {
+    row.arguments = blockOf() + row.arguments;
+    return row;
+}
+/// The same, each call going on from what the last has left.
+Row ofStack(Row row) {
+    if (row.scenes.empty())
+        row.scenes = {{}};
+    row.scenes.front().isRestored = true;
+    if (!row.arrange)
+        row.arrange = arrangeReals;
+    return ofBlock(std::move(row));
 }
 
 // Bands, triangles, surfaces and lines: what is drawn within a clip, with a Z plane or without one.
 
-Areas onDst(const Call &call) {
-    return {{"dst", call["clip"].rect()}};
-}
-Areas onDstAndDepths(const Call &call) {
-    return {{"dst", call["clip"].rect()}, {"data", call["clip"].rect()}};
-}
-Areas onDepths(const Call &call) {
-    return {{"data", call["clip"].rect()}};
-}
+const Arguments surfaceAlone = {destination(), clip("clip", "dst"), pitch("pitch", "dst")};
+const Arguments surfaceWithDepths = blockOf("dst") + surfaceAlone;
+const Arguments opacity = {number("opacity", "1/256", anyInt, {64, 192})};
 
-Argument opacity() {
-    return number("opacity", "1/256", anyInt, {64, 192});
-}
-
-/// The numbers of a band behind the arguments of its surface: a quad that leans over.
-std::vector<Argument> bandArguments(std::vector<Argument> arguments, bool hasDepths) {
-    const auto add = [&arguments](std::array<Argument, 4> ends) {
-        arguments.insert(arguments.end(), ends.begin(), ends.end());
-    };
-    const auto place = [](std::string_view name, double begin, double end) {
+/// The numbers of a band: a quad that leans over.
+Arguments bandArguments(bool hasDepths) {
+    const auto places = [](std::string_view name, double begin, double end) {
         return position(name, "dst", {begin, end});
     };
     const auto level = [](std::string_view name, double drawn) {
         return number(name, "levels", anyInt, {drawn, drawn});
     };
-    const auto depth = [](std::string_view name) { return number(name, "depths", anyInt, {0, 0}); };
-    add({place("xA0", 0.1, 0.3), place("xA1", 0.3, 0.1), place("xB0", 0.7, 0.9), place("xB1", 0.9, 0.7)});
-    add({place("yA0", 0.1, 0.1), place("yA1", 0.9, 0.9), place("yB0", 0.1, 0.1), place("yB1", 0.9, 0.9)});
-    add({level("rA0", 255), level("rA1", 0), level("rB0", 40), level("rB1", 255)});
-    add({level("gA0", 40), level("gA1", 255), level("gB0", 0), level("gB1", 220)});
-    add({level("bA0", 0), level("bA1", 60), level("bB0", 255), level("bB1", 0)});
-    if (hasDepths)
-        add({depth("zA0"), depth("zA1"), depth("zB0"), depth("zB1")});
-    return arguments;
+    const Arguments colours = {
+        places("xA0", 0.1, 0.3), places("xA1", 0.3, 0.1), places("xB0", 0.7, 0.9), places("xB1", 0.9, 0.7),
+        places("yA0", 0.1, 0.1), places("yA1", 0.9, 0.9), places("yB0", 0.1, 0.1), places("yB1", 0.9, 0.9),
+        level("rA0", 255),       level("rA1", 0),         level("rB0", 40),        level("rB1", 255),
+        level("gA0", 40),        level("gA1", 255),       level("gB0", 0),         level("gB1", 220),
+        level("bA0", 0),         level("bA1", 60),        level("bB0", 255),       level("bB1", 0)};
+    return hasDepths ? colours + each({"zA0", "zA1", "zB0", "zB1"}, number("", "depths", anyInt, {0, 0})) : colours;
 }
-std::vector<Argument> with(std::vector<Argument> arguments, const Argument &last) {
-    arguments.push_back(last);
-    return arguments;
-}
-
-const std::vector<Argument> surfaceWithDepths = {ownBlock("dst"), destination(), clip("clip", "dst"),
-                                                 pitch("pitch", "dst")};
-const std::vector<Argument> surfaceAlone = {destination(), clip("clip", "dst"), pitch("pitch", "dst")};
 
 /// At times half opacity, which knows no depth.
 void drawOpacity(Call &call, Random &random) {
@@ -197,152 +180,94 @@ void arrangeBand(Call &call, Random &random) {
     drawOpacity(call, random);
 }
 
-/// The points and colours of a triangle behind the arguments of its surface.
-std::vector<Argument> triangleArguments(std::vector<Argument> arguments) {
-    for (const std::string_view name : {"p1", "p2", "p3"})
-        arguments.push_back({.name = name, .kind = Kind::points, .unit = "pixels"});
-    for (const std::string_view name : {"c1", "c2", "c3"})
-        arguments.push_back({.name = name, .kind = Kind::colours, .unit = "0x00RRGGBB"});
-    return arguments;
-}
-Areas readsTriangle(const Call &) {
-    return {records("p1", 1), records("p2", 1), records("p3", 1), words("c1", 1), words("c2", 1), words("c3", 1)};
-}
+// Triangles.
+
+constexpr std::string_view pointNames[] = {"p1", "p2", "p3"};
+constexpr std::string_view colourNames[] = {"c1", "c2", "c3"};
+const Arguments triangleArguments = each({"p1", "p2", "p3"}, points("")) + each({"c1", "c2", "c3"}, colours(""));
+const Region readsTriangle =
+    always({records("p1", 1), records("p2", 1), records("p3", 1), words("c1", 1), words("c2", 1), words("c3", 1)});
+
 void arrangeTriangle(Call &call, Random &random) {
     const float reach = random.oneIn(4) ? 900.0F : 15.0F;
-    _POINT3DFLOAT points[3];
-    for (_POINT3DFLOAT &point : points)
-        point = randomPoint(random, reach);
+    Point corners[3];
+    for (Point &point : corners)
+        point = randomPoint(random, reach, {-100, 400});
     if (random.oneIn(6))
-        points[random.between(1, 2)].y = points[0].y;
+        corners[random.between(1, 2)].y = corners[0].y;
     if (random.oneIn(6))
-        for (_POINT3DFLOAT &point : points)
+        for (Point &point : corners)
             point.y = std::trunc(point.y);
-    call["p1"] = Plane::of(points[0]);
-    call["p2"] = Plane::of(points[1]);
-    call["p3"] = Plane::of(points[2]);
-    for (const std::string_view name : {"c1", "c2", "c3"})
+    for (std::size_t i = 0; i < 3; ++i)
+        call[pointNames[i]] = Plane::of(corners[i]);
+    for (const std::string_view name : colourNames)
         call[name] = randomColours(random, 1);
     drawOpacity(call, random);
 }
 
 /// One triangle that turns.
 void setTriangle(Call &call, const Stage &stage) {
-    const auto corner = [&stage](double turn) {
-        const double angle = 6.2831853 * (stage.time + turn);
-        return Plane::of(_POINT3DFLOAT{static_cast<float>(stage.width * (0.5 + 0.3 * std::cos(angle))),
-                                       static_cast<float>(stage.height * (0.5 + 0.45 * std::sin(angle))), 0, 0});
-    };
-    call["p1"] = corner(0);
-    call["p2"] = corner(1.0 / 3);
-    call["p3"] = corner(2.0 / 3);
-    call["c1"] = Plane::of(q_ulong{0xFF4020});
-    call["c2"] = Plane::of(q_ulong{0x20E040});
-    call["c3"] = Plane::of(q_ulong{0x3050FF});
+    constexpr q_ulong colours[] = {0xFF4020, 0x20E040, 0x3050FF};
+    for (std::size_t i = 0; i < 3; ++i) {
+        const double angle = 6.2831853 * (stage.time + static_cast<double>(i) / 3);
+        call[pointNames[i]] = Plane::of(Point{static_cast<float>(stage.width * (0.5 + 0.3 * std::cos(angle))),
+                                              static_cast<float>(stage.height * (0.5 + 0.45 * std::sin(angle))), 0, 0});
+        call[colourNames[i]] = Plane::of(colours[i]);
+    }
 }
 
-/// One triangle after the other of a grid of `side` times `side` cells. All points are one array, in the first call's
-/// first point, and all colours another.
-template <int side>
-void setTriangleOfGrid(Call &call, const Stage &stage) {
-    constexpr int columns = side + 1;
+/// One triangle after the other of a grid. All points are one array, in the first call's first point, and all colours
+/// another.
+void setTriangleOfGrid(Call &call, const Stage &stage, int side) {
+    const int columns = side + 1;
     if (stage.call == 0) {
         call["p1"] = coveringGrid(stage, columns, columns);
-        Random random(side);
-        call["c1"] = arrayOf<q_ulong>(columns * columns, [&](int) { return q_ulong{random.word() & 0xFFFFFF}; });
+        Random random(static_cast<std::uint64_t>(side));
+        call["c1"] = Plane::array<q_ulong>(columns * columns, [&](int) { return q_ulong{random.word() & 0xFFFFFF}; });
     }
-    const Plane points = call["p1"].plane();
+    const Plane grid = call["p1"].plane();
     const Plane colours = call["c1"].plane();
-    const int cell = stage.call / 2;
-    const int corner = cell / side * columns + cell % side;
-    const bool isUpper = stage.call % 2 == 0;
-    const int corners[] = {isUpper ? corner : corner + 1, isUpper ? corner + 1 : corner + columns,
-                           isUpper ? corner + columns : corner + columns + 1};
-    constexpr std::string_view pointNames[] = {"p1", "p2", "p3"};
-    constexpr std::string_view colourNames[] = {"c1", "c2", "c3"};
+    const auto corners = cornersInGrid(stage.call, side, false);
     for (std::size_t i = 0; i < 3; ++i) {
-        call[pointNames[i]] = points.movedBy(4 * corners[i], 0);
+        call[pointNames[i]] = grid.movedBy(4 * corners[i], 0);
         call[colourNames[i]] = colours.movedBy(corners[i], 0);
     }
 }
-template <int side>
-void setHalfOpaqueTriangleOfGrid(Call &call, const Stage &stage) {
-    setTriangleOfGrid<side>(call, stage);
+void setHalfOpaqueTriangle(Call &call, const Stage &stage, int side) {
+    setTriangleOfGrid(call, stage, side);
     call["opacity"] = 128;
 }
 
-const std::vector<Scene> triangleScenes = {
-    {.set = setTriangle},
-    {.word = "triangles of 50 pixels",
-     .set = setTriangleOfGrid<70>,
-     .figure = "Mtriangles",
-     .calls = 2 * 70 * 70,
-     .isRestored = true},
-    {.word = "triangles of 5000 pixels",
-     .set = setTriangleOfGrid<7>,
-     .figure = "Mtriangles",
-     .calls = 2 * 7 * 7,
-     .isRestored = true},
-};
-std::vector<Scene> opaqueTriangleScenes() {
-    std::vector<Scene> scenes = triangleScenes;
-    for (const Scene &scene : triangleScenes)
-        if (scene.calls > 1) {
-            scenes.push_back(scene);
-            scenes.back().word =
-                scene.calls > 100 ? "half opaque triangles of 50 pixels" : "half opaque triangles of 5000 pixels";
-            scenes.back().set = scene.calls > 100 ? setHalfOpaqueTriangleOfGrid<70> : setHalfOpaqueTriangleOfGrid<7>;
-        }
-    return scenes;
+Row triangle(Row row) {
+    row.topByte = disturbsRed;
+    row.arrange = arrangeTriangle;
+    row.scenes = {{.set = setTriangle},
+                  polygonsOfGrid("triangles of 50 pixels", 70, false, setTriangleOfGrid),
+                  polygonsOfGrid("triangles of 5000 pixels", 7, false, setTriangleOfGrid)};
+    if (row.argument("opacity")) {
+        row.scenes.push_back(polygonsOfGrid("half opaque triangles of 50 pixels", 70, false, setHalfOpaqueTriangle));
+        row.scenes.push_back(polygonsOfGrid("half opaque triangles of 5000 pixels", 7, false, setHalfOpaqueTriangle));
+    }
+    return row;
 }
 
 // Lit grids.
 
-const Argument pointGrid = {.name = "points", .kind = Kind::points, .unit = "pixels"};
-const Argument colourGrid = {.name = "colours", .kind = Kind::colours, .unit = "0x00RRGGBB"};
+const Arguments gridArguments = {points("points"), colours("colours")};
+const Arguments wrapping = each({"wrapRows", "wrapColumns"}, choice(""));
+const Arguments gridSize = each({"columns", "rows"}, count("", "points", {-32768, 65535}, {64, 64}));
 
-Argument ownCount(std::string_view name) {
-    return {.name = name, .kind = Kind::count, .unit = "points", .contract = {-32768, 65535}, .drawn = {64, 64}};
-}
-Argument flag(std::string_view name) {
-    return choice(name, {-2147483648.0, 2147483647.0});
-}
-std::vector<Argument> litArguments() {
-    std::vector<Argument> arguments = surfaceWithDepths;
-    for (const Argument &argument : {
-             pointGrid,
-             colourGrid,
-             flag("wrapRows"),
-             flag("wrapColumns"),
-             ownCount("columns"),
-             ownCount("rows"),
-             Argument{.name = "light", .kind = Kind::points, .unit = "1"},
-             unused("unusedVector"),
-             Argument{.name = "ambientVector", .kind = Kind::numbers, .unit = "1/256"},
-             number("specular", "256 levels", {-8, 8}, {0.5, 0.5}),
-             number("shininess", "squarings", {-2147483648.0, 64}, {3, 3}),
-             unused("unusedValue"),
-         })
-        arguments.push_back(argument);
-    return arguments;
-}
 Areas litColours(const Call &call) {
-    const std::int64_t rows = call["rows"].whole();
-    const std::int64_t columns = call["columns"].whole();
-    return rows < 2 || columns < 2 ? Areas{} : Areas{words("colours", rows * columns)};
+    const bool hasCells = call["rows"].whole() >= 2 && call["columns"].whole() >= 2;
+    return hasCells ? gridColours(call) : Areas{};
 }
 Areas writesLit(const Call &call) {
-    Areas areas = litColours(call);
-    if (!areas.empty())
-        areas.insert(areas.end(), {{"dst", call["clip"].rect()}, {"data", call["clip"].rect()}});
-    return areas;
+    const Areas areas = litColours(call);
+    return areas.empty() ? areas : areas + onDst(call) + onDepths(call);
 }
 Areas readsLit(const Call &call) {
-    Areas areas = writesLit(call);
-    if (!areas.empty())
-        areas.insert(areas.end(),
-                     {records("points", areas.front().part.width()), records("light", 1), records("ambientVector", 1)});
-    return areas;
+    const Areas areas = writesLit(call);
+    return areas.empty() ? areas : areas + gridPoints(call) + Areas{records("light", 1), records("ambientVector", 1)};
 }
 void arrangeLit(Call &call, Random &random) {
     const int rows = random.between(2, 4);
@@ -353,70 +278,62 @@ void arrangeLit(Call &call, Random &random) {
         call[random.oneIn(2) ? "rows" : "columns"] = random.between(-1, 1);
     call["points"] = crumpledGrid(random, rows, columns, 5);
     call["colours"] = randomColours(random, rows * columns);
-    call["wrapRows"] = random.between(0, 2);
-    call["wrapColumns"] = random.between(0, 2);
-    call["light"] = randomLight(random);
-    call["ambientVector"] = arrayOf<int>(4, [&random](int) { return random.between(-60, 60); });
+    draw({"wrapRows", "wrapColumns"}, 0, 2)(call, random);
+    call["light"] = Plane::of(randomLight(random));
+    call["ambientVector"] = Plane::array<int>(4, [&random](int) { return random.between(-60, 60); });
     call["specular"] = random.realBetween(0, 2);
     call["shininess"] = random.between(-1, 5);
     drawOpacity(call, random);
 }
-template <int drawnOpacity, int rows = 64, int columns = 64>
-void setLit(Call &call, const Stage &stage) {
-    call["rows"] = rows;
-    call["columns"] = columns;
-    call["points"] = wavingGrid(stage, rows, columns);
-    call["colours"] = patternOfColours(rows * columns, columns);
+void setLight(Call &call, const Stage &) {
     call["light"] = lightFromAbove();
     call["ambientVector"] = Plane::of(_POINT3D{60, 60, 60, 0});
-    if (drawnOpacity > 0)
-        call["opacity"] = drawnOpacity;
 }
-/// Cells of all slopes and depths instead of a cloth.
-template <int drawnOpacity>
-void setCrumpled(Call &call, const Stage &stage) {
-    setLit<drawnOpacity>(call, stage);
-    call["points"] = coveringGrid(stage, 64, 64);
+template <int rows = 64, int columns = 64>
+constexpr auto setLit = [](Call &call, const Stage &stage) {
+    setGrid<rows, columns>(call, stage);
+    setLight(call, stage);
+};
+
+Scene mesh(std::string_view word, std::function<void(Call &, const Stage &)> setting) {
+    return {word, inTurn(setLit<>, crumple<64, 64>, std::move(setting)), 2 * 63 * 63, "Mtriangles", 1, true};
 }
-constexpr double trianglesOfLit = 2 * 63 * 63;
+Row lit(Row row) {
+    row.arguments = surfaceWithDepths + gridArguments + wrapping + gridSize + points("light", "1") +
+                    unused("unusedVector") + numbers("ambientVector", "1/256") + specular() + shininess() +
+                    unused("unusedValue") + row.arguments;
+    row.writes = writesLit;
+    row.reads = readsLit;
+    row.sums = saturate;
+    row.arrange = arrangeLit;
+    return row;
+}
+
+// A grid of a fixed size.
 
 constexpr int alphaRows = 20;
 constexpr int alphaColumns = 64;
 
-Areas readsAlpha(const Call &call) {
-    Areas areas = onDst(call);
-    areas.push_back(records("points", alphaRows * alphaColumns));
-    areas.push_back(words("colours", alphaRows * alphaColumns));
-    return areas;
-}
 void arrangeAlpha(Call &call, Random &random) {
-    Plane points = crumpledGrid(random, alphaRows, alphaColumns, 1);
-    for (int i = 0; i < alphaRows * alphaColumns; ++i) {
-        _POINT3DFLOAT &point = points.as<_POINT3DFLOAT>()[i];
+    const Plane grid = crumpledGrid(random, alphaRows, alphaColumns, 1);
+    for (Point &point : std::span(grid.as<Point>(), alphaRows * alphaColumns)) {
         point.x /= 2;
         point.z *= 10;
     }
-    call["points"] = points;
+    call["points"] = grid;
     call["colours"] = randomColours(random, alphaRows * alphaColumns);
-    call["wrapRows"] = random.between(0, 2);
-    call["wrapColumns"] = random.between(0, 2);
-}
-template <bool isCrumpled>
-void setAlpha(Call &call, const Stage &stage) {
-    call["points"] =
-        isCrumpled ? coveringGrid(stage, alphaRows, alphaColumns) : wavingGrid(stage, alphaRows, alphaColumns);
-    call["colours"] = patternOfColours(alphaRows * alphaColumns, alphaColumns);
+    draw({"wrapRows", "wrapColumns"}, 0, 2)(call, random);
 }
 
 // Dots and lines.
 
-Areas writesCross(const Call &call) {
+Box crossBox(const Call &call) {
     const Box clip = call["clip"].rect();
     const std::int64_t x = call["x"].whole();
     const std::int64_t y = call["y"].whole();
     if (x < clip.left + 3 || x > clip.right - 4 || y < clip.top + 3 || y > clip.bottom - 4)
         return {};
-    return {{"dst", {x - 2, y - 2, x + 2, y + 3}}};
+    return {x - 2, y - 2, x + 2, y + 3};
 }
 void arrangeCross(Call &call, Random &random) {
     call["x"] = random.oneIn(20) ? static_cast<int>(random.word()) : random.between(-2, 16);
@@ -431,36 +348,16 @@ void setCross(Call &call, const Stage &stage) {
     call["colour"] = 0x604020 + stage.call % 64 * 0x010201;
 }
 
-Areas readsDots(const Call &call) {
-    Areas areas = onDst(call);
-    const std::int64_t rows = call["rows"].whole();
-    const std::int64_t columns = call["columns"].whole();
-    if (rows > 0 && columns > 0)
-        areas.insert(areas.end(), {records("points", rows * columns), words("colours", rows * columns)});
-    return areas;
-}
 void arrangeDots(Call &call, Random &random) {
     const int rows = random.between(1, 4);
     const int columns = random.between(1, 4);
     call["rows"] = random.oneIn(20) ? random.between(-2, 0) : rows;
     call["columns"] = random.oneIn(20) ? random.between(-2, 0) : columns;
-    call["points"] = pointsOf<_POINT3DFLOAT>(rows * columns, [&random](int) {
+    call["points"] = Plane::array<Point>(rows * columns, [&random](int) {
         const float x = random.realBetween(-3, 20);
-        return _POINT3DFLOAT{x, random.realBetween(-3, 20), 0, 0};
+        return Point{x, random.realBetween(-3, 20), 0, 0};
     });
     call["colours"] = randomColours(random, rows * columns);
-}
-void setDots(Call &call, const Stage &stage) {
-    call["rows"] = 18;
-    call["columns"] = 32;
-    call["points"] = wavingGrid(stage, 18, 32);
-    call["colours"] = patternOfColours(18 * 32, 32);
-}
-
-Areas readsLine(const Call &call) {
-    Areas areas = onDstAndDepths(call);
-    areas.insert(areas.end(), {records("a", 1), records("b", 1), words("colourA", 1)});
-    return areas;
 }
 void arrangeLine(Call &call, Random &random) {
     const bool isWild = random.oneIn(20);
@@ -485,14 +382,14 @@ void arrangeLine(Call &call, Random &random) {
 void setLines(Call &call, const Stage &stage) {
     constexpr int lines = 500;
     if (stage.call == 0) {
-        call["a"] = pointsOf<_POINT3D>(2 * lines, [&stage](int i) {
+        call["a"] = Plane::array<_POINT3D>(2 * lines, [&stage](int i) {
             const double angle = 6.2831853 * (i / 2) / lines;
             const double radius = stage.height * (i % 2 ? 0.48 : 0.1);
             return _POINT3D{static_cast<int>(stage.width / 2 + radius * std::cos(angle)),
                             static_cast<int>(stage.height / 2 + radius * std::sin(angle)), i % 100, 0};
         });
         call["colourA"] =
-            arrayOf<q_ulong>(lines, [](int i) { return static_cast<q_ulong>(0x4080FF + i % 128 * 0x10000); });
+            Plane::array<q_ulong>(lines, [](int i) { return static_cast<q_ulong>(0x4080FF + i % 128 * 0x10000); });
     }
     const Plane ends = call["a"].plane();
     call["a"] = ends.movedBy(8 * stage.call, 0);
@@ -503,365 +400,141 @@ void setLines(Call &call, const Stage &stage) {
 } // namespace
 
 std::vector<Row> pipelineRows() {
+    using Block = _PRIVATE_QMGL_DATA *;
+    using Surface = q_ulong *;
+    using Colours = q_ulong *;
+    using Band = void(Block, Surface, tagRECT *, q_ulong, int, int, int, int, int, int, int, int, int, int, int, int,
+                      int, int, int, int, int, int, int, int, int, int, int, int);
+    using BandWithOpacity = void(Block, Surface, tagRECT *, q_ulong, int, int, int, int, int, int, int, int, int, int,
+                                 int, int, int, int, int, int, int, int, int, int, int, int, int, int, int);
+    using Triangle = void(Block, Surface, tagRECT *, int, Point *, Point *, Point *, Colours, Colours, Colours);
+    using TriangleWithOpacity =
+        void(Block, Surface, tagRECT *, int, Point *, Point *, Point *, Colours, Colours, Colours, int);
+    using Lit = void(Block, Surface, tagRECT *, q_ulong, Point *, Colours, int, int, int, int, Point *, _POINT3D *,
+                     _POINT3D *, float, int, int);
+    using LitWithOpacity = void(Block, Surface, tagRECT *, q_ulong, Point *, Colours, int, int, int, int, Point *,
+                                _POINT3D *, _POINT3D *, float, int, int, int);
+    const Region m = always({words("m", 16)});
+    const Arguments xyz = {real("x"), real("y"), real("z")};
+    const Argument place = position("", "dst", {0.1, 0.9});
     return {
-        {
-            Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_QMGL_Data),
-            .sentence = "Allocates the private block of the pipeline in a slot of the host's record.",
-            .arguments = {{.name = "transfer", .kind = Kind::hostRecord, .unit = "", .mayBeNull = true},
-                          number("slot", "", {0, 14}, {0, 0})},
-            .without = {{"every proof", "allocates"}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_ResetZBuffer),
-            .sentence = "Empties a rectangle of the Z plane, in pairs of entries.",
-            .arguments = {ownBlock(), rectangle("rect", ""), number("pitch", "entries", {-4096, 4096}, {0, 0})},
-            .writes = writesPairs,
-            .arrange = arrangeReset<PipelineBlock>,
-            .scenes = {{.set = resetStage<PipelineBlock>}},
-        },
-        {
-            Q_MUR_FUNCTION(SetIdentityMatrix),
-            .sentence = "Sets the identity.",
-            .arguments = {matrix("m")},
-            .writes = [](const Call &) -> Areas { return {words("m", 16)}; },
-            .arrange = arrangeMatrices,
-            .scenes = {{.set = setMatrices}},
-        },
-        {
-            Q_MUR_FUNCTION(SetRotationMatrix),
-            .sentence = "Sets a rotation about an axis of any length.",
-            .arguments =
-                {matrix("m"),
-                 {.name = "axis", .kind = Kind::points, .unit = "1"},
-                 {.name = "radians", .kind = Kind::angle, .unit = "radians", .contract = anyLength, .drawn = {0, 6}}},
-            .writes = [](const Call &) -> Areas { return {words("m", 16)}; },
-            .reads = [](const Call &) -> Areas { return {records("axis", 1)}; },
-            .arrange = arrangeRotation,
-            .scenes = {{.set = setRotation}},
-        },
-        {
-            Q_MUR_FUNCTION(MatrixMultiply),
-            .sentence = "Multiplies two matrices.",
-            .arguments = {matrix("out"), matrix("a"), matrix("b")},
-            .writes = [](const Call &) -> Areas { return {words("out", 16)}; },
-            .reads = [](const Call &) -> Areas {
-                return {words("a", 16), words("b", 16)};
-            },
-            .arrange = arrangeMatrices,
-            .scenes = {{.set = setMatrices}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_glMatrixMode),
-            .sentence = "Chooses the model stack or the view stack.",
-            .arguments = {ownBlock(), choice("mode", anyInt, 1)},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_glLoadIdentity),
-            .sentence = "Sets the current matrix to the identity.",
-            .arguments = {ownBlock()},
-        },
-        {
-            Q_MUR_FUNCTION(glLoadMatrixf),
-            .sentence = "Sets the current matrix to 16 floats, row after row.",
-            .arguments = {ownBlock(), matrix("m")},
-            .reads = [](const Call &) -> Areas { return {words("m", 16)}; },
-            .arrange = arrangeMatrices,
-            .scenes = {{.set = setMatrices}},
-        },
-        {
-            Q_MUR_FUNCTION(glMultMatrixf),
-            .sentence = "Lets a matrix of 16 floats act behind the current one.",
-            .arguments = {ownBlock(), matrix("m")},
-            .reads = [](const Call &) -> Areas { return {words("m", 16)}; },
-            .arrange = arrangeMatrices,
-            .scenes = {{.set = setMatrices, .isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_glPushMatrix),
-            .sentence = "Copies the current matrix to the next entry of its stack, which becomes the top.",
-            .arguments = {ownBlock()},
-            .arrange = arrangePush,
-            .scenes = {{.isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_glPopMatrix),
-            .sentence = "Goes back to the entry below the current matrix.",
-            .arguments = {ownBlock()},
-            .arrange = arrangePop,
-            .scenes = {{.set = setPop, .isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_glRotatef),
-            .sentence = "Turns about an axis by an angle in degrees.",
-            .arguments = {ownBlock(), degrees("angleDegrees"), real("x"), real("y"), real("z")},
-            .arrange = arrangeReals,
-            .scenes = {{.isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_glTranslatef),
-            .sentence = "Moves by (x, y, z).",
-            .arguments = {ownBlock(), real("x"), real("y"), real("z")},
-            .arrange = arrangeReals,
-            .scenes = {{.isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_glScalef),
-            .sentence = "Scales by x, y and z.",
-            .arguments = {ownBlock(), real("x"), real("y"), real("z")},
-            .arrange = arrangeReals,
-            .scenes = {{.isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_glViewPort),
-            .sentence = "Places the picture.",
-            .arguments = {ownBlock(), number("left", "pixels", anyInt, {0, 0}), number("top", "pixels", anyInt, {0, 0}),
-                          number("right", "pixels", anyInt, {640, 640}),
-                          number("bottom", "pixels", anyInt, {480, 480})},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_gluPerspective),
-            .sentence = "Sets the focal length, so that the viewport has an opening angle, and the depth limit.",
-            .arguments = {ownBlock(), degrees("fovyDegrees"), real("aspect"), real("zNear"), real("zFar")},
-            .arrange = arrangeReals,
-        },
-        {
-            Q_MUR_FUNCTION(VKD_gluLookAt),
-            .sentence = "Moves the camera to the eye and turns it to the centre.",
-            .arguments = {ownBlock(), real("eyeX", {0, 90}, "units"), real("eyeY", {0, 0}, "units"),
-                          real("eyeZ", {100, 10}, "units"), real("centerX", {0, 0}, "units"),
-                          real("centerY", {0, 0}, "units"), real("centerZ", {0, 0}, "units"), real("upX", {0, 0}),
-                          real("upY", {1, 1}), real("upZ", {0, 0})},
-            .arrange = arrangeView,
-            .scenes = {{.isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_Mapping3Dto2D),
-            .sentence = "Brings a grid of points from model space to the screen, in place.",
-            .arguments = {ownBlock(),
-                          {.name = "points", .kind = Kind::points, .unit = "units"},
-                          ownCount("rows"),
-                          ownCount("columns")},
-            .writes = mappedPoints,
-            .reads = mappedPoints,
-            .arrange = arrangeMapping,
-            .scenes = {{.set = setMapping, .figures = 64 * 64, .figure = "Mpoints", .isRestored = true}},
-        },
-        {
-            Q_MUR_OVERLOAD(VKD_3D_Render,
-                           void(_PRIVATE_QMGL_DATA *, q_ulong *, tagRECT *, q_ulong, int, int, int, int, int, int, int,
-                                int, int, int, int, int, int, int, int, int, int, int, int, int, int, int, int, int)),
-            .sentence = "Draws a shaded band between two edges, depth tested.",
-            .arguments = bandArguments(surfaceWithDepths, true),
-            .writes = onDstAndDepths,
-            .reads = onDepths,
-            .topByte = TopByte::cleared,
-            .sums = Sums::carryOver,
-            .arrange = arrangeBand,
-            .scenes = {{.isRestored = true}},
-        },
-        {
-            Q_MUR_OVERLOAD(VKD_3D_Render, void(_PRIVATE_QMGL_DATA *, q_ulong *, tagRECT *, q_ulong, int, int, int, int,
-                                               int, int, int, int, int, int, int, int, int, int, int, int, int, int,
-                                               int, int, int, int, int, int, int)),
-            .word = "opacity",
-            .sentence = "Blends a shaded band over the destination, depth tested.",
-            .arguments = with(bandArguments(surfaceWithDepths, true), opacity()),
-            .writes = onDstAndDepths,
-            .reads = onDstAndDepths,
-            .topByte = TopByte::disturbsRed,
-            .sums = Sums::carryOver,
-            .arrange = arrangeBand,
-            .scenes = {{.isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_3D_Render_Alpha),
-            .sentence = "Mixes a shaded band half and half with the destination, beyond the near limit.",
-            .arguments = bandArguments(surfaceWithDepths, true),
-            .writes = onDst,
-            .reads = onDst,
-            .topByte = TopByte::cleared,
-            .sums = Sums::carryOver,
-            .arrange = arrangeBand,
-        },
-        {
-            Q_MUR_FUNCTION(VKD_3D_Render_Add),
-            .sentence = "Adds a shaded band to the destination.",
-            .arguments = bandArguments(surfaceAlone, false),
-            .writes = onDst,
-            .reads = onDst,
-            .topByte = TopByte::disturbsRed,
-            .sums = Sums::saturate,
-            .arrange = arrangeBand,
-        },
-        {
-            Q_MUR_OVERLOAD(VKD_Render_Tri, void(_PRIVATE_QMGL_DATA *, q_ulong *, tagRECT *, int, _POINT3DFLOAT *,
-                                                _POINT3DFLOAT *, _POINT3DFLOAT *, q_ulong *, q_ulong *, q_ulong *)),
-            .sentence = "Draws a shaded triangle, depth tested.",
-            .arguments = triangleArguments(surfaceWithDepths),
-            .writes = onDstAndDepths,
-            .reads =
-                [](const Call &call) {
-                    Areas areas = readsTriangle(call);
-                    areas.push_back(onDepths(call).front());
-                    return areas;
-                },
-            .topByte = TopByte::disturbsRed,
-            .sums = Sums::carryOver,
-            .arrange = arrangeTriangle,
-            .scenes = triangleScenes,
-        },
-        {
-            Q_MUR_OVERLOAD(VKD_Render_Tri,
-                           void(_PRIVATE_QMGL_DATA *, q_ulong *, tagRECT *, int, _POINT3DFLOAT *, _POINT3DFLOAT *,
-                                _POINT3DFLOAT *, q_ulong *, q_ulong *, q_ulong *, int)),
-            .word = "opacity",
-            .sentence = "Blends a shaded triangle over the destination, depth tested.",
-            .arguments = with(triangleArguments(surfaceWithDepths), opacity()),
-            .writes = onDstAndDepths,
-            .reads = readsTriangle,
-            .topByte = TopByte::disturbsRed,
-            .sums = Sums::carryOver,
-            .arrange = arrangeTriangle,
-            .scenes = opaqueTriangleScenes(),
-        },
-        {
-            Q_MUR_FUNCTION(VKD_Render_Tri_Alpha),
-            .sentence = "Mixes a shaded triangle half and half with the destination, beyond the near limit.",
-            .arguments = triangleArguments(surfaceWithDepths),
-            .writes = onDst,
-            .reads = readsTriangle,
-            .topByte = TopByte::disturbsRed,
-            .sums = Sums::carryOver,
-            .arrange = arrangeTriangle,
-            .scenes = triangleScenes,
-        },
-        {
-            Q_MUR_FUNCTION(VKD_Render_Tri_Add),
-            .sentence = "Adds a shaded triangle to the destination.",
-            .arguments = triangleArguments(surfaceAlone),
-            .writes = onDst,
-            .reads = readsTriangle,
-            .topByte = TopByte::disturbsRed,
-            .sums = Sums::saturate,
-            .arrange = arrangeTriangle,
-            .scenes = triangleScenes,
-        },
-        {
-            Q_MUR_OVERLOAD(VKD_Render_3D_Surface,
-                           void(_PRIVATE_QMGL_DATA *, q_ulong *, tagRECT *, q_ulong, _POINT3DFLOAT *, q_ulong *, int,
-                                int, int, int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int, int)),
-            .sentence = "Lights a grid of points and draws it as triangles, depth tested.",
-            .arguments = litArguments(),
-            .writes = writesLit,
-            .reads = readsLit,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeLit,
-            .scenes = {{.set = setLit<0>, .isRestored = true},
-                       {.word = "mesh of 64 x 64",
-                        .set = setCrumpled<0>,
-                        .figures = trianglesOfLit,
-                        .figure = "Mtriangles",
-                        .isRestored = true}},
-        },
-        {
-            Q_MUR_OVERLOAD(VKD_Render_3D_Surface,
-                           void(_PRIVATE_QMGL_DATA *, q_ulong *, tagRECT *, q_ulong, _POINT3DFLOAT *, q_ulong *, int,
-                                int, int, int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int, int, int)),
-            .word = "opacity",
-            .sentence = "Lights a grid of points and blends it over the destination, depth tested.",
-            .arguments = with(litArguments(), opacity()),
-            .writes = writesLit,
-            .reads = readsLit,
-            .topByte = TopByte::disturbsRed,
-            .sums = Sums::saturate,
-            .arrange = arrangeLit,
-            .scenes = {{.set = setLit<180>, .isRestored = true},
-                       {.word = "mesh of 64 x 64",
-                        .set = setCrumpled<96>,
-                        .figures = trianglesOfLit,
-                        .figure = "Mtriangles",
-                        .isRestored = true},
-                       {.word = "half opaque mesh of 64 x 64",
-                        .set = setCrumpled<128>,
-                        .figures = trianglesOfLit,
-                        .figure = "Mtriangles",
-                        .isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_Render_3D_Surface_Alpha),
-            .sentence = "Mixes a grid of 20 rows of 64 points with the destination, unlit.",
-            .arguments = {ownBlock("dst"), destination(), clip("clip", "dst"), pitch("pitch", "dst"), pointGrid,
-                          colourGrid, unused("unusedRows"), unused("unusedColumns"), flag("wrapRows"),
-                          flag("wrapColumns")},
-            .writes = onDst,
-            .reads = readsAlpha,
-            .topByte = TopByte::disturbsRed,
-            .sums = Sums::carryOver,
-            .arrange = arrangeAlpha,
-            .scenes =
-                {{.set = setAlpha<false>},
-                 {.word = "mesh of 20 x 64", .set = setAlpha<true>, .figures = 2 * 19 * 63, .figure = "Mtriangles"}},
-            .cases = 2000,
-        },
-        {
-            Q_MUR_FUNCTION(VKD_3D_Draw_Cross),
-            .sentence = "Adds a colour to a pixel and draws a small cross of the sum.",
-            .arguments = {destination(), clip("clip", "dst"), pitch("pitch", "dst"), position("x", "dst", {0.1, 0.9}),
-                          position("y", "dst", {0.1, 0.9}), colour()},
-            .writes = writesCross,
-            .reads = writesCross,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeCross,
-            .scenes = {{.set = setCross, .figure = "crosses", .calls = 500}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_Render_3D_Dot_Add),
-            .sentence = "Draws a small cross at every point of a grid.",
-            .arguments = {destination(), clip("clip", "dst"), pitch("pitch", "dst"), pointGrid, colourGrid,
-                          ownCount("columns"), ownCount("rows")},
-            .writes = onDst,
-            .reads = readsDots,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeDots,
-            .scenes = {{.set = setDots, .figures = 18 * 32, .figure = "crosses"}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_3D_Line),
-            .sentence = "Draws an anti-aliased line of three pixels' width, depth tested.",
-            .arguments = {ownBlock("dst"),
-                          destination(),
-                          clip("clip", "dst"),
-                          pitch("pitch", "dst"),
-                          {.name = "a", .kind = Kind::points, .unit = "pixels"},
-                          {.name = "b", .kind = Kind::points, .unit = "pixels"},
-                          {.name = "colourA", .kind = Kind::colours, .unit = "0x00RRGGBB"},
-                          {.name = "colourB", .kind = Kind::unused, .unit = "", .mayBeNull = true}},
-            .writes = onDstAndDepths,
-            .reads = readsLine,
-            .topByte = TopByte::setByColour,
-            .sums = Sums::stayInside,
-            .arrange = arrangeLine,
-            .scenes = {{.set = setLines, .figure = "lines", .calls = 500, .isRestored = true}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_Render_3D_Line),
-            .sentence = "Lights a grid of points and draws its lines, depth tested.",
-            .arguments = litArguments(),
-            .writes = writesLit,
-            .reads = readsLit,
-            .topByte = TopByte::cleared,
-            .sums = Sums::saturate,
-            .arrange = arrangeLit,
-            .scenes = {{.set = setLit<0, 14, 24>, .isRestored = true},
-                       {.word = "mesh of 64 x 64",
-                        .set = setLit<0>,
-                        .figures = 64 * 63 * 2,
-                        .figure = "lines",
-                        .isRestored = true}},
-        },
+        allocating("transfer",
+                   {Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_QMGL_Data),
+                    .sentence = "Allocates the private block of the pipeline in a slot of the host's record."}),
+        emptying<PipelineBlock>(
+            {Q_MUR_FUNCTION(VKD_ResetZBuffer), .sentence = "Empties a rectangle of the Z plane, in pairs of entries."}),
+        {Q_MUR_FUNCTION(SetIdentityMatrix), .sentence = "Sets the identity.", .arguments = {matrix("m")}, .writes = m},
+        {Q_MUR_FUNCTION(SetRotationMatrix), .sentence = "Sets a rotation about an axis of any length.",
+         .arguments = {matrix("m"), points("axis", "1"), angle("radians", anyLength, {0, 6})}, .writes = m,
+         .reads = always({records("axis", 1)}), .arrange = arrangeRotation,
+         .scenes = {{.set = set("axis", Plane::of(_I3DVECTOR{1, 2, 3, 0}))}}},
+        {Q_MUR_FUNCTION(MatrixMultiply), .sentence = "Multiplies two matrices.",
+         .arguments = each({"out", "a", "b"}, matrix("")), .writes = always({words("out", 16)}),
+         .reads = always({words("a", 16), words("b", 16)})},
+        ofBlock({Q_MUR_FUNCTION(VKD_glMatrixMode), .sentence = "Chooses the model stack or the view stack.",
+                 .arguments = {choice("mode", anyInt, 1)}}),
+        ofBlock({Q_MUR_FUNCTION(VKD_glLoadIdentity), .sentence = "Sets the current matrix to the identity."}),
+        ofBlock({Q_MUR_FUNCTION(glLoadMatrixf), .sentence = "Sets the current matrix to 16 floats, row after row.",
+                 .arguments = {matrix("m")}, .reads = m}),
+        ofStack({Q_MUR_FUNCTION(glMultMatrixf), .sentence = "Lets a matrix of 16 floats act behind the current one.",
+                 .arguments = {matrix("m")}, .reads = m}),
+        ofStack({Q_MUR_FUNCTION(VKD_glPushMatrix),
+                 .sentence = "Copies the current matrix to the next entry of its stack, which becomes the top.",
+                 .arrange = arrangeDepths(0)}),
+        ofStack({Q_MUR_FUNCTION(VKD_glPopMatrix), .sentence = "Goes back to the entry below the current matrix.",
+                 .arrange = arrangeDepths(1),
+                 .scenes = {{.set = [](Call &call, const Stage &) { dataOf(call).modelDepth = 1; }}}}),
+        ofStack({Q_MUR_FUNCTION(VKD_glRotatef), .sentence = "Turns about an axis by an angle in degrees.",
+                 .arguments = degrees("angleDegrees") + xyz}),
+        ofStack({Q_MUR_FUNCTION(VKD_glTranslatef), .sentence = "Moves by (x, y, z).", .arguments = xyz}),
+        ofStack({Q_MUR_FUNCTION(VKD_glScalef), .sentence = "Scales by x, y and z.", .arguments = xyz}),
+        ofBlock({Q_MUR_FUNCTION(VKD_glViewPort), .sentence = "Places the picture.",
+                 .arguments = {number("left", "pixels", anyInt, {0, 0}), number("top", "pixels", anyInt, {0, 0}),
+                               number("right", "pixels", anyInt, {640, 640}),
+                               number("bottom", "pixels", anyInt, {480, 480})}}),
+        ofBlock({Q_MUR_FUNCTION(VKD_gluPerspective),
+                 .sentence = "Sets the focal length, so that the viewport has an opening angle, and the depth limit.",
+                 .arguments = {degrees("fovyDegrees"), real("aspect"), real("zNear"), real("zFar")},
+                 .arrange = arrangeReals}),
+        ofStack({Q_MUR_FUNCTION(VKD_gluLookAt), .sentence = "Moves the camera to the eye and turns it to the centre.",
+                 .arguments = real("eyeX", {0, 90}, "units") + real("eyeY", {0, 0}, "units") +
+                              real("eyeZ", {100, 10}, "units") +
+                              each({"centerX", "centerY", "centerZ"}, real("", {0, 0}, "units")) + real("upX", {0, 0}) +
+                              real("upY", {1, 1}) + real("upZ", {0, 0}),
+                 .arrange = arrangeView}),
+        ofStack({Q_MUR_FUNCTION(VKD_Mapping3Dto2D),
+                 .sentence = "Brings a grid of points from model space to the screen, in place.",
+                 .arguments = points("points", "units") +
+                              each({"rows", "columns"}, count("", "points", {-32768, 65535}, {64, 64})),
+                 .writes = gridPoints, .reads = gridPoints, .arrange = arrangeMapping,
+                 .scenes = {{.set = setGrid<64, 64>, .figures = 64 * 64, .figure = "Mpoints"}}}),
+        {Q_MUR_OVERLOAD(VKD_3D_Render, Band), .sentence = "Draws a shaded band between two edges, depth tested.",
+         .arguments = surfaceWithDepths + bandArguments(true), .writes = onDst + onDepths, .reads = onDepths,
+         .topByte = cleared, .sums = carryOver, .arrange = arrangeBand, .scenes = {{.isRestored = true}}},
+        {Q_MUR_OVERLOAD(VKD_3D_Render, BandWithOpacity), .word = "opacity",
+         .sentence = "Blends a shaded band over the destination, depth tested.",
+         .arguments = surfaceWithDepths + bandArguments(true) + opacity, .writes = onDst + onDepths,
+         .reads = onDst + onDepths, .topByte = disturbsRed, .sums = carryOver, .arrange = arrangeBand,
+         .scenes = {{.isRestored = true}}},
+        {Q_MUR_FUNCTION(VKD_3D_Render_Alpha),
+         .sentence = "Mixes a shaded band half and half with the destination, beyond the near limit.",
+         .arguments = surfaceWithDepths + bandArguments(true), .writes = onDst, .reads = onDst, .topByte = cleared,
+         .sums = carryOver, .arrange = arrangeBand},
+        {Q_MUR_FUNCTION(VKD_3D_Render_Add), .sentence = "Adds a shaded band to the destination.",
+         .arguments = surfaceAlone + bandArguments(false), .writes = onDst, .reads = onDst, .topByte = disturbsRed,
+         .sums = saturate, .arrange = arrangeBand},
+        triangle({Q_MUR_OVERLOAD(VKD_Render_Tri, Triangle), .sentence = "Draws a shaded triangle, depth tested.",
+                  .arguments = surfaceWithDepths + triangleArguments, .writes = onDst + onDepths,
+                  .reads = readsTriangle + onDepths, .sums = carryOver}),
+        triangle({Q_MUR_OVERLOAD(VKD_Render_Tri, TriangleWithOpacity), .word = "opacity",
+                  .sentence = "Blends a shaded triangle over the destination, depth tested.",
+                  .arguments = surfaceWithDepths + triangleArguments + opacity, .writes = onDst + onDepths,
+                  .reads = readsTriangle, .sums = carryOver}),
+        triangle({Q_MUR_FUNCTION(VKD_Render_Tri_Alpha),
+                  .sentence = "Mixes a shaded triangle half and half with the destination, beyond the near limit.",
+                  .arguments = surfaceWithDepths + triangleArguments, .writes = onDst, .reads = readsTriangle,
+                  .sums = carryOver}),
+        triangle({Q_MUR_FUNCTION(VKD_Render_Tri_Add), .sentence = "Adds a shaded triangle to the destination.",
+                  .arguments = surfaceAlone + triangleArguments, .writes = onDst, .reads = readsTriangle,
+                  .sums = saturate}),
+        lit({Q_MUR_OVERLOAD(VKD_Render_3D_Surface, Lit),
+             .sentence = "Lights a grid of points and draws it as triangles, depth tested.", .topByte = cleared,
+             .scenes = {{.set = setLit<>, .isRestored = true}, mesh("mesh of 64 x 64", {})}}),
+        lit({Q_MUR_OVERLOAD(VKD_Render_3D_Surface, LitWithOpacity), .word = "opacity",
+             .sentence = "Lights a grid of points and blends it over the destination, depth tested.",
+             .arguments = opacity, .topByte = disturbsRed,
+             .scenes = {{.set = inTurn(setLit<>, set("opacity", 180)), .isRestored = true},
+                        mesh("mesh of 64 x 64", set("opacity", 96)),
+                        mesh("half opaque mesh of 64 x 64", set("opacity", 128))}}),
+        {Q_MUR_FUNCTION(VKD_Render_3D_Surface_Alpha),
+         .sentence = "Mixes a grid of 20 rows of 64 points with the destination, unlit.",
+         .arguments = surfaceWithDepths + gridArguments + each({"unusedRows", "unusedColumns"}, unused("")) + wrapping,
+         .writes = onDst,
+         .reads =
+             onDst + always({records("points", alphaRows * alphaColumns), words("colours", alphaRows * alphaColumns)}),
+         .topByte = disturbsRed, .sums = carryOver, .arrange = arrangeAlpha,
+         .scenes = {{.set = setGrid<alphaRows, alphaColumns>},
+                    {"mesh of 20 x 64", inTurn(setGrid<alphaRows, alphaColumns>, crumple<alphaRows, alphaColumns>),
+                     2 * 19 * 63, "Mtriangles"}},
+         .cases = 2000},
+        {Q_MUR_FUNCTION(VKD_3D_Draw_Cross), .sentence = "Adds a colour to a pixel and draws a small cross of the sum.",
+         .arguments = surfaceAlone + each({"x", "y"}, place) + colour(), .writes = on("dst", crossBox),
+         .reads = on("dst", crossBox), .topByte = cleared, .sums = saturate, .arrange = arrangeCross,
+         .scenes = {{.set = setCross, .figure = "crosses", .calls = 500}}},
+        {Q_MUR_FUNCTION(VKD_Render_3D_Dot_Add), .sentence = "Draws a small cross at every point of a grid.",
+         .arguments = surfaceAlone + gridArguments + gridSize, .writes = onDst,
+         .reads = onDst + gridPoints + gridColours, .topByte = cleared, .sums = saturate, .arrange = arrangeDots,
+         .scenes = {{.set = setGrid<18, 32>, .figures = 18 * 32, .figure = "crosses"}}},
+        {Q_MUR_FUNCTION(VKD_3D_Line), .sentence = "Draws an anti-aliased line of three pixels' width, depth tested.",
+         .arguments = surfaceWithDepths + each({"a", "b"}, points("")) + colours("colourA") + orNull(unused("colourB")),
+         .writes = onDst + onDepths,
+         .reads = onDst + onDepths + always({records("a", 1), records("b", 1), words("colourA", 1)}),
+         .topByte = setByColour, .sums = stayInside, .arrange = arrangeLine,
+         .scenes = {{.set = setLines, .figure = "lines", .calls = 500, .isRestored = true}}},
+        lit({Q_MUR_FUNCTION(VKD_Render_3D_Line),
+             .sentence = "Lights a grid of points and draws its lines, depth tested.", .topByte = cleared,
+             .scenes = {{.set = setLit<14, 24>, .isRestored = true},
+                        {"mesh of 64 x 64", setLit<>, 64 * 63 * 2, "lines", 1, true}}}),
     };
 }
 

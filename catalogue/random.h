@@ -89,6 +89,24 @@ private:
     std::uint64_t state;
 };
 
+constexpr double quarterTurn = 1.5707963267948966;
+
+/// An angle in radians: at or beside a multiple of a quarter turn or another limit, or anywhere.
+inline double anyTurn(Random &random) {
+    constexpr double beside[] = {0, 0, 0x1p-40, -0x1p-40, 0x1p-20, -0x1p-20, 0x1p-8, -0x1p-8};
+    constexpr double limits[] = {1.570796, 4.712388, 6.283184, 0};
+    switch (random.between(0, 3)) {
+    case 0:
+        return random.between(-6, 6) * quarterTurn + beside[random.between(0, 7)];
+    case 1:
+        return limits[random.between(0, 3)] + beside[random.between(0, 7)];
+    case 2:
+        return random.between(-1000000, 1000000) / 16384.0;
+    default:
+        return random.between(0, 6283184) / 1000000.0;
+    }
+}
+
 } // namespace catalogue
 
 #endif

@@ -10,14 +10,14 @@
 namespace catalogue {
 namespace {
 
+using enum TopByte;
+
 /// A byte for each pixel of a surface, its margin included.
 Plane bytesOf(const Plane &surface) {
     constexpr int margin = Plane::usualMargin;
-    Plane plane(1, surface.width(), surface.height(), margin, surface.pitch() - surface.width() - 2 * margin);
-    for (int y = -margin; y < surface.height() + margin; ++y)
-        for (int x = -margin; x < surface.pitch() - margin; ++x)
-            plane.as<unsigned char>()[y * plane.pitch() + x] = static_cast<unsigned char>(surface.at(x, y));
-    return plane;
+    const Plane plane(1, surface.width(), surface.height(), margin, surface.extraPitch());
+    return plane.fill<unsigned char>({-margin, -margin, surface.pitch() - margin, surface.height() + margin},
+                                     [&surface](int x, int y) { return surface.at(x, y); });
 }
 
 Plane randomSurface(Random &random) {
@@ -26,36 +26,14 @@ Plane randomSurface(Random &random) {
     return Plane::randomSurface(random, width, height);
 }
 
-Argument bytePlane() {
-    return {.name = "plane", .kind = Kind::plane, .unit = "bytes"};
-}
-Argument byteValue() {
-    return number("value", "", anyByte, {255, 255});
-}
+// Lines and curves, on pixels or on an 8-bit plane.
 
-// Lines and curves: the first argument is what is drawn on.
-
-std::string_view target(const Call &call) {
-    return call.row().arguments.front().name;
-}
 bool drawsBytes(const Call &call) {
     return call.row().arguments.front().kind == Kind::plane;
 }
-Areas writesClip(const Call &call) {
-    return {{target(call), call["clip"].rect()}};
-}
-Areas writesClippedLine(const Call &call) {
-    const auto [left, right] = std::minmax({call["x1"].whole(), call["x2"].whole()});
-    const auto [top, bottom] = std::minmax({call["y1"].whole(), call["y2"].whole()});
-    return {{target(call), common(call["clip"].rect(), Box{left, top, std::int64_t{right} + 1, bottom + 1LL})}};
-}
-Areas readsPoints(const Call &call) {
-    const Box points = {0, 0, call["count"].whole(), 1};
-    return {{"xs", points}, {"ys", points}};
-}
 bool lineIsNoLongerThanItsFormat(const Call &call) {
-    const Box line = {call["x1"].whole(), call["y1"].whole(), call["x2"].whole(), call["y2"].whole()};
-    return std::max(std::abs(line.width()), std::abs(line.height())) <= 1 << 30;
+    const Box box = lineBox(call);
+    return std::max(box.width(), box.height()) - 1 <= 1 << 30;
 }
 
 void makePlane(Call &call, Random &random) {
@@ -66,15 +44,12 @@ void makePlane(Call &call, Random &random) {
     call["clip"] = random.rectInsideOrEmpty(plane.width(), plane.height());
 }
 void arrangeLine(Call &call, Random &random) {
-    makePlane(call, random);
     const int reach = random.oneIn(50) ? 5000 : 20;
-    for (const char *name : {"x1", "y1", "x2", "y2"})
-        call[name] = random.between(-reach, reach + 16);
+    draw({"x1", "y1", "x2", "y2"}, -reach, reach + 16)(call, random);
 }
 constexpr const char *columnNames[] = {"x0", "x1", "x2", "x3"};
 constexpr const char *rowNames[] = {"y0", "y1", "y2", "y3"};
 void arrangeCurve(Call &call, Random &random) {
-    makePlane(call, random);
     const int reach = random.oneIn(4) ? 400 : 24;
     const bool endsEarly = random.oneIn(4);
     const bool isLevel = random.oneIn(8);
@@ -88,20 +63,18 @@ void arrangeCurve(Call &call, Random &random) {
     }
 }
 void arrangeSmoothCurve(Call &call, Random &random) {
-    makePlane(call, random);
     const int count = random.between(1, 6);
     const int reach = random.oneIn(50) ? 32000 : random.oneIn(6) ? 100 : 12;
-    call["xs"] = Plane(2, count, 1);
-    call["ys"] = Plane(2, count, 1);
     for (const char *name : {"xs", "ys"})
-        for (int i = 0; i < count; ++i)
-            call[name].plane().as<short>()[i] = static_cast<short>(random.between(-reach, reach + 16));
+        call[name] = Plane(2, count, 1).fill<short>({0, 0, count, 1}, [&](int, int) {
+            return random.between(-reach, reach + 16);
+        });
     call["count"] = random.oneIn(50) ? random.between(-3, 0) : count;
     if (random.oneIn(4))
         call["openCurve"] = random.between(-2, 2);
 }
 
-void makePlane(Call &call, const Stage &stage) {
+void setColour(Call &call, const Stage &stage) {
     if (drawsBytes(call) && stage.call == 0)
         call["plane"] = Plane(1, stage.width, stage.height, Plane::usualMargin);
     if (!drawsBytes(call))
@@ -109,7 +82,6 @@ void makePlane(Call &call, const Stage &stage) {
 }
 /// A fan of lines from the middle all around.
 void setLine(Call &call, const Stage &stage) {
-    makePlane(call, stage);
     const double angle = stage.time * 6.2831853;
     call["x1"] = stage.width / 2;
     call["y1"] = stage.height / 2;
@@ -118,7 +90,6 @@ void setLine(Call &call, const Stage &stage) {
 }
 /// A ribbon of curves.
 void setCurve(Call &call, const Stage &stage) {
-    makePlane(call, stage);
     constexpr Range columns[] = {{0, 0.1}, {0.5, 0.2}, {0.3, 1.1}, {1, 0.9}};
     constexpr Range rows[] = {{0.8, 0.1}, {-0.3, 0.4}, {1.3, 0.8}, {0.1, 0.9}};
     for (int i = 0; i < 4; ++i) {
@@ -128,68 +99,76 @@ void setCurve(Call &call, const Stage &stage) {
 }
 /// A blossom.
 void setSmoothCurve(Call &call, const Stage &stage) {
-    makePlane(call, stage);
     constexpr int count = 24;
-    call["xs"] = Plane(2, count, 1);
-    call["ys"] = Plane(2, count, 1);
-    for (int i = 0; i < count; ++i) {
-        const double radius = i % 2 == 0 ? 0.45 : 0.15 + 0.15 * stage.time;
-        const double angle = i * 6.2831853 / count;
-        call["xs"].plane().as<short>()[i] = static_cast<short>(stage.width * (0.5 + radius * std::cos(angle)));
-        call["ys"].plane().as<short>()[i] = static_cast<short>(stage.height * (0.5 + radius * std::sin(angle)));
-    }
+    const auto around = [&stage](int extent, double quarters) {
+        return Plane(2, count, 1).fill<short>({0, 0, count, 1}, [=](int i, int) {
+            const double radius = i % 2 == 0 ? 0.45 : 0.15 + 0.15 * stage.time;
+            return extent * (0.5 + radius * std::cos(i * 6.2831853 / count - quarters * quarterTurn));
+        });
+    };
+    call["xs"] = around(stage.width, 0);
+    call["ys"] = around(stage.height, 1);
     call["count"] = count;
     call["openCurve"] = 0;
 }
 
-const std::vector<Exception> stepsOutsideToo = {
-    {"numbers_at_their_ends", "a line is walked outside of its clip too, so that ends far away take seconds"}};
+/// What is drawn on, with its arguments before, between and behind those of the figure.
+struct Target {
+    Argument on;
+    Argument value;
+    TopByte topByte;
+};
+const Target onPixels = {destination("surface"), colour("color"), setByColour};
+const Target onBytes = {plane("plane"), number("value", "", anyByte, {255, 255}), noPixels};
 
-// What the form for pixels and the one for bytes have in common.
-
-Row line(Row row, const Argument &drawnOn, const Argument &value) {
-    const std::string_view of = drawnOn.name;
-    row.arguments = {drawnOn, position("x1", of)};
-    for (const char *name : {"y1", "x2", "y2"})
-        row.arguments.push_back(position(name, of));
-    row.arguments.insert(row.arguments.end(), {value, clip("clip", of), pitch("pitch", of)});
-    row.writes = writesClippedLine;
+Row figure(const Target &target, std::string_view called, double figures, Row row) {
+    row.writes = row.writes ? row.writes : on(target.on.name, "clip");
+    row.topByte = target.topByte;
+    row.arrange = inTurn(makePlane, row.arrange);
+    row.scenes.front().set = inTurn(setColour, row.scenes.front().set);
+    row.scenes.front().figures = figures;
+    row.scenes.front().figure = called;
+    return row;
+}
+/// A row of lines or curves through the places of the names.
+Row stroke(const Target &target, std::initializer_list<std::string_view> names, Row row) {
+    const std::string_view of = target.on.name;
+    row.arguments = target.on + each(names, position("", of)) + target.value + clip("clip", of) + pitch("pitch", of);
+    row.without = {
+        {"numbers_at_their_ends", "a line is walked outside of its clip too, so that ends far away take seconds"}};
+    return row;
+}
+Row line(const Target &target, Row row) {
+    row.writes = on(target.on.name, inside("clip", lineBox));
     row.allows = lineIsNoLongerThanItsFormat;
     row.arrange = arrangeLine;
-    row.scenes = {{.set = setLine, .figures = 720, .figure = "lines", .calls = 720}};
-    row.without = stepsOutsideToo;
-    return row;
+    row.scenes = {{.set = setLine, .calls = 720}};
+    return figure(target, "lines", 720, stroke(target, {"x1", "y1", "x2", "y2"}, std::move(row)));
 }
-Row curve(Row row, const Argument &drawnOn, const Argument &value) {
-    const std::string_view of = drawnOn.name;
-    row.arguments = {drawnOn};
-    for (int i = 0; i < 4; ++i)
-        row.arguments.insert(row.arguments.end(), {position(columnNames[i], of), position(rowNames[i], of)});
-    row.arguments.insert(row.arguments.end(), {value, clip("clip", of), pitch("pitch", of)});
-    row.writes = writesClip;
+Row curve(const Target &target, Row row) {
     row.arrange = arrangeCurve;
-    row.scenes = {{.set = setCurve, .figures = 100, .figure = "curves", .calls = 100}};
-    row.without = stepsOutsideToo;
-    return row;
+    row.scenes = {{.set = setCurve, .calls = 100}};
+    return figure(target, "curves", 100,
+                  stroke(target, {"x0", "y0", "x1", "y1", "x2", "y2", "x3", "y3"}, std::move(row)));
 }
-Row smoothCurve(Row row, const Argument &drawnOn, const Argument &value) {
-    const std::string_view of = drawnOn.name;
-    const Argument xs = {.name = "xs", .kind = Kind::points, .unit = "pixels"};
-    const Argument ys = {.name = "ys", .kind = Kind::points, .unit = "pixels"};
-    const Argument count = {.name = "count", .kind = Kind::count, .unit = "points"};
-    row.arguments = {drawnOn, clip("clip", of), pitch("pitch", of), xs, ys, count, value, choice("openCurve", anyInt)};
-    row.writes = writesClip;
-    row.reads = readsPoints;
+Row smoothCurve(const Target &target, Row row) {
+    const std::string_view of = target.on.name;
+    row.arguments = {target.on,    clip("clip", of),         pitch("pitch", of), points("xs"),
+                     points("ys"), count("count", "points"), target.value,       choice("openCurve")};
+    row.reads = [](const Call &call) {
+        const int count = call["count"].whole();
+        return Areas{words("xs", count), words("ys", count)};
+    };
     row.arrange = arrangeSmoothCurve;
-    row.scenes = {{.set = setSmoothCurve, .figures = 24, .figure = "curves"}};
-    return row;
+    row.scenes = {{.set = setSmoothCurve}};
+    return figure(target, "curves", 24, std::move(row));
 }
 
 // Region fills: what they work on stands in the private block.
 
-Argument block() {
-    return {.name = "data", .kind = Kind::privateBlock, .unit = "_PRIVATE_QMGP_DATA"};
-}
+const Argument block = privateBlock("data", "_PRIVATE_QMGP_DATA");
+const Argument place = position("", "");
+
 RegionBlock &blockOf(Call &call) {
     return call["data"].get<RegionBlock>();
 }
@@ -200,12 +179,9 @@ const RegionBlock &blockOf(const Call &call) {
 void arrangeStorage(Call &call, Random &random) {
     const auto anyPlane = [&random](int bytes) { return Plane(bytes, random.between(1, 99), 1); };
     call["data"] = RegionBlock{.plane = anyPlane(1), .destSurface = anyPlane(4), .testSurface = anyPlane(4)};
-    if (call.row().argument("destSurface")) {
-        call["destSurface"] = anyPlane(4);
-        call["testSurface"] = anyPlane(4);
-    }
-    if (call.row().argument("plane"))
-        call["plane"] = anyPlane(1);
+    for (const char *name : {"destSurface", "testSurface", "plane"})
+        if (call.row().argument(name))
+            call[name] = anyPlane(name == std::string_view("plane") ? 1 : 4);
 }
 /// The block as it comes, everything in it null.
 void setStorage(Call &call, const Stage &stage) {
@@ -214,15 +190,18 @@ void setStorage(Call &call, const Stage &stage) {
         call["plane"] = Plane(1, stage.width, stage.height);
 }
 
+Row storing(Row row) {
+    row.arguments = block + row.arguments;
+    row.arrange = arrangeStorage;
+    row.scenes = {{.set = setStorage}};
+    return row;
+}
+
 /// A surface on which `border` is no rarity.
 Plane boundaries(Random &random, q_ulong border) {
-    Plane surface = randomSurface(random);
+    const Plane surface = randomSurface(random);
     const int share = random.between(2, 12);
-    for (int y = 0; y < surface.height(); ++y)
-        for (int x = 0; x < surface.width(); ++x)
-            if (random.oneIn(share))
-                surface.at(x, y) = border;
-    return surface;
+    return surface.fill(surface.rect(), [&](int x, int y) { return random.oneIn(share) ? border : surface.at(x, y); });
 }
 
 /// Scans look at the pixel where they begin, the one beside it, and all up to the one behind the limit.
@@ -261,6 +240,16 @@ void setScan(Call &call, const Stage &stage) {
         call["limit"] = toTheLeft ? 0 : stage.width;
         call["border"] = 1;
     }
+}
+
+/// Scans begin at a pixel and end at a boundary or at a limit, which the block has for bytes.
+template <bool toTheLeft>
+Row scan(const Arguments &others, Row row) {
+    row.arguments = block + each({"x", "y"}, place) + others;
+    row.allows = scanIsInside<toTheLeft>;
+    row.arrange = arrangeScan;
+    row.scenes = {{.set = setScan}};
+    return row;
 }
 
 const tagRECT &limitsOf(const Call &call) {
@@ -340,19 +329,15 @@ void arrangeSourceFill(Call &call, Random &random) {
     data.destSurface = Plane::randomSurface(random, src.width(), src.height());
     call["data"] = data;
     if (!sourceFillEnds(call)) { // away with all boundaries
-        const int extraPitch = src.pitch() - src.width() - 2 * Plane::usualMargin;
-        blockOf(call).plane = bytesOf(Plane::surface(src.width(), src.height(), call["value"].word() ^ 1, extraPitch));
+        blockOf(call).plane = bytesOf(src.alike(call["value"].word() ^ 1));
     }
 }
 
 constexpr q_ulong wall = 1;
 
 Plane openField(const Stage &stage) {
-    Plane plane = Plane::surface(stage.width, stage.height, wall);
-    for (int y = 1; y < stage.height - 1; ++y)
-        for (int x = 1; x < stage.width - 1; ++x)
-            plane.at(x, y) = 0;
-    return plane;
+    const Plane plane = Plane::surface(stage.width, stage.height, wall);
+    return plane.fill({1, 1, stage.width - 1, stage.height - 1}, [](int, int) { return 0; });
 }
 
 /// Corridors three pixels wide. Walls fall in any order, but only between parts that are not joined yet: so one way
@@ -361,10 +346,9 @@ Plane maze(const Stage &stage) {
     constexpr int cell = 4;
     const int columns = (stage.width - 1) / cell;
     const int rows = (stage.height - 1) / cell;
-    Plane plane = Plane::surface(stage.width, stage.height, wall);
-    for (int y = 0; y < rows * cell; ++y)
-        for (int x = 0; x < columns * cell; ++x)
-            plane.at(x, y) = x % cell == 0 || y % cell == 0 ? wall : 0;
+    const Plane plane = Plane::surface(stage.width, stage.height, wall);
+    plane.fill({0, 0, columns * cell, rows * cell},
+               [](int x, int y) { return x % cell == 0 || y % cell == 0 ? wall : 0; });
     std::vector<int> parts(static_cast<std::size_t>(columns * rows)); // each names another of its part, but for one
     std::iota(parts.begin(), parts.end(), 0);
     const auto partOf = [&](int column, int row) {
@@ -395,136 +379,70 @@ Plane maze(const Stage &stage) {
 template <Plane (*boundaries)(const Stage &)>
 void setFill(Call &call, const Stage &stage) {
     const Plane walls = boundaries(stage);
-    RegionBlock data = {.plane = bytesOf(walls), .planeRect = walls.rect(), .destSurface = stage.picture()};
-    data.testSurface = call.row().argument("rect") ? walls : stage.picture(1);
-    call["data"] = data;
+    const bool toColour = call.row().argument("rect");
+    call["data"] = RegionBlock{.plane = bytesOf(walls),
+                               .planeRect = walls.rect(),
+                               .destSurface = stage.picture(),
+                               .testSurface = toColour ? walls : stage.picture(1)};
     call["x"] = call["y"] = 2;
     call["direction"] = call["parentLeft"] = call["parentRight"] = 0;
-    if (call.row().argument("rect")) {
+    call[toColour ? "border" : "value"] = static_cast<double>(wall);
+    if (toColour)
         call["rect"] = walls.rect();
-        call["border"] = static_cast<double>(wall);
-    } else {
-        call["value"] = static_cast<double>(wall);
-    }
 }
-std::vector<Scene> fillScenes(bool isRestored) {
-    return {{.set = setFill<maze>, .figures = 1, .figure = "fills", .isRestored = isRestored},
-            {.word = "open", .set = setFill<openField>, .figures = 1, .figure = "fills", .isRestored = isRestored}};
+Row fill(const Arguments &what, Row row, bool isRestored = false) {
+    row.arguments = block + each({"x", "y"}, place) + what + each({"parentLeft", "parentRight"}, place) +
+                    choice("direction", {0, 2}) + row.arguments;
+    row.scenes = {{"", setFill<maze>, 1, "fills", 1, isRestored},
+                  {"open", setFill<openField>, 1, "fills", 1, isRestored}};
+    return row;
 }
-
-Argument column(std::string_view name) {
-    return position(name, "");
-}
-const std::vector<Argument> scanArguments = {block(), column("x"), column("y"), key("border"), column("limit")};
-const std::vector<Argument> byteScanArguments = {block(), column("x"), column("y"), byteValue()};
-const std::vector<Argument> byteFillArguments = {block(),
-                                                 column("x"),
-                                                 column("y"),
-                                                 byteValue(),
-                                                 column("parentLeft"),
-                                                 column("parentRight"),
-                                                 choice("direction", {0, 2})};
 
 } // namespace
 
 std::vector<Row> regionRows() {
+    const Arguments limited = {key("border"), position("limit", "")};
+    const Arguments toValue = {onBytes.value};
+    const Arguments dst = {destination("destSurface"), pitch("destPitch", "destSurface")};
+    const Arguments test = {source("testSurface"), pitch("testPitch", "testSurface")};
+    const Arguments onPlane = {plane("plane"), rectangle("planeRect", "plane"), pitch("planePitch", "plane")};
     return {
-        line({Q_MUR_FUNCTION(iLine), .sentence = "Draws a line.", .topByte = TopByte::setByColour},
-             destination("surface"), colour("color")),
-        line({Q_MUR_FUNCTION(bLine), .sentence = "Draws a line on an 8-bit plane."}, bytePlane(), byteValue()),
-        curve({Q_MUR_FUNCTION(iBesierLine), .sentence = "Draws a cubic Bezier curve as 15 chords.",
-               .topByte = TopByte::setByColour},
-              destination("surface"), colour("color")),
-        curve({Q_MUR_FUNCTION(bBesierLine), .sentence = "Draws a cubic Bezier curve as 15 chords on an 8-bit plane."},
-              bytePlane(), byteValue()),
-        smoothCurve({Q_MUR_FUNCTION(iPolyBesier), .sentence = "Draws a smooth curve through points.",
-                     .topByte = TopByte::setByColour},
-                    destination("surface"), colour("color")),
-        smoothCurve({Q_MUR_FUNCTION(bPolyBesier), .sentence = "Draws a smooth curve through points on an 8-bit plane."},
-                    bytePlane(), byteValue()),
-        {
-            Q_MUR_FUNCTION(SetRegionFill),
-            .sentence = "Stores the surfaces of a fill with a colour.",
-            .arguments = {block(), destination("destSurface"), pitch("destPitch", "destSurface"), source("testSurface"),
-                          pitch("testPitch", "testSurface")},
-            .arrange = arrangeStorage,
-            .scenes = {{.set = setStorage}},
-        },
-        {
-            Q_MUR_FUNCTION(bSetRegionFill),
-            .sentence = "Stores the plane of a fill.",
-            .arguments = {block(), bytePlane(), rectangle("planeRect", "plane"), pitch("planePitch", "plane")},
-            .arrange = arrangeStorage,
-            .scenes = {{.set = setStorage}},
-        },
-        {
-            Q_MUR_FUNCTION(SetRegionSrcFill),
-            .sentence = "Stores the surfaces and the plane of a fill with the pixels of a source.",
-            .arguments = {block(), destination("destSurface"), pitch("destPitch", "destSurface"), source("testSurface"),
-                          pitch("testPitch", "testSurface"), bytePlane(), rectangle("planeRect", "plane"),
-                          pitch("planePitch", "plane")},
-            .arrange = arrangeStorage,
-            .scenes = {{.set = setStorage}},
-        },
-        {
-            Q_MUR_FUNCTION(scan_left),
-            .sentence = "Finds the first column of a span between boundaries.",
-            .arguments = scanArguments,
-            .allows = scanIsInside<true>,
-            .arrange = arrangeScan,
-            .scenes = {{.set = setScan}},
-        },
-        {
-            Q_MUR_FUNCTION(scan_right),
-            .sentence = "Finds the last column of a span between boundaries.",
-            .arguments = scanArguments,
-            .allows = scanIsInside<false>,
-            .arrange = arrangeScan,
-            .scenes = {{.set = setScan}},
-        },
-        {
-            Q_MUR_FUNCTION(bscan_left),
-            .sentence = "Finds the first column of a span on an 8-bit plane.",
-            .arguments = byteScanArguments,
-            .allows = scanIsInside<true>,
-            .arrange = arrangeScan,
-            .scenes = {{.set = setScan}},
-        },
-        {
-            Q_MUR_FUNCTION(bscan_right),
-            .sentence = "Finds the last column of a span on an 8-bit plane.",
-            .arguments = byteScanArguments,
-            .allows = scanIsInside<false>,
-            .arrange = arrangeScan,
-            .scenes = {{.set = setScan}},
-        },
-        {
-            Q_MUR_FUNCTION(Region_Fill),
-            .sentence = "Paints the region around a pixel up to a boundary with a colour.",
-            .arguments = {block(), column("x"), column("y"), colour("fill"), key("border"), column("parentLeft"),
-                          column("parentRight"), choice("direction", {0, 2}), rectangle("rect", "")},
-            .allows = colourFillEnds,
-            .topByte = TopByte::setByColour,
-            .arrange = arrangeColourFill,
-            .scenes = fillScenes(false),
-        },
-        {
-            Q_MUR_FUNCTION(bRegion_Fill),
-            .sentence = "Paints the region around an element of an 8-bit plane with the value that bounds it.",
-            .arguments = byteFillArguments,
-            .allows = planeFillIsInside,
-            .arrange = arrangePlaneFill,
-            .scenes = fillScenes(true),
-        },
-        {
-            Q_MUR_FUNCTION(Region_Src_Fill),
-            .sentence = "Copies the region around a pixel, bounded on an 8-bit plane, from a surface to another.",
-            .arguments = byteFillArguments,
-            .allows = sourceFillEnds,
-            .topByte = TopByte::copied,
-            .arrange = arrangeSourceFill,
-            .scenes = fillScenes(false),
-        },
+        line(onPixels, {Q_MUR_FUNCTION(iLine), .sentence = "Draws a line."}),
+        line(onBytes, {Q_MUR_FUNCTION(bLine), .sentence = "Draws a line on an 8-bit plane."}),
+        curve(onPixels, {Q_MUR_FUNCTION(iBesierLine), .sentence = "Draws a cubic Bezier curve as 15 chords."}),
+        curve(onBytes,
+              {Q_MUR_FUNCTION(bBesierLine), .sentence = "Draws a cubic Bezier curve as 15 chords on an 8-bit plane."}),
+        smoothCurve(onPixels, {Q_MUR_FUNCTION(iPolyBesier), .sentence = "Draws a smooth curve through points."}),
+        smoothCurve(onBytes, {Q_MUR_FUNCTION(bPolyBesier),
+                              .sentence = "Draws a smooth curve through points on an 8-bit plane."}),
+        storing({Q_MUR_FUNCTION(SetRegionFill), .sentence = "Stores the surfaces of a fill with a colour.",
+                 .arguments = dst + test}),
+        storing({Q_MUR_FUNCTION(bSetRegionFill), .sentence = "Stores the plane of a fill.", .arguments = onPlane}),
+        storing({Q_MUR_FUNCTION(SetRegionSrcFill),
+                 .sentence = "Stores the surfaces and the plane of a fill with the pixels of a source.",
+                 .arguments = dst + test + onPlane}),
+        scan<true>(limited,
+                   {Q_MUR_FUNCTION(scan_left), .sentence = "Finds the first column of a span between boundaries."}),
+        scan<false>(limited,
+                    {Q_MUR_FUNCTION(scan_right), .sentence = "Finds the last column of a span between boundaries."}),
+        scan<true>(toValue,
+                   {Q_MUR_FUNCTION(bscan_left), .sentence = "Finds the first column of a span on an 8-bit plane."}),
+        scan<false>(toValue,
+                    {Q_MUR_FUNCTION(bscan_right), .sentence = "Finds the last column of a span on an 8-bit plane."}),
+        fill({colour("fill"), key("border")},
+             {Q_MUR_FUNCTION(Region_Fill),
+              .sentence = "Paints the region around a pixel up to a boundary with a colour.",
+              .arguments = {rectangle("rect", "")}, .allows = colourFillEnds, .topByte = setByColour,
+              .arrange = arrangeColourFill}),
+        fill(toValue,
+             {Q_MUR_FUNCTION(bRegion_Fill),
+              .sentence = "Paints the region around an element of an 8-bit plane with the value that bounds it.",
+              .allows = planeFillIsInside, .arrange = arrangePlaneFill},
+             true),
+        fill(toValue,
+             {Q_MUR_FUNCTION(Region_Src_Fill),
+              .sentence = "Copies the region around a pixel, bounded on an 8-bit plane, from a surface to another.",
+              .allows = sourceFillEnds, .topByte = copied, .arrange = arrangeSourceFill}),
     };
 }
 

@@ -3,88 +3,59 @@
 #include "areas.h"
 #include "arguments.h"
 
-#include <limits>
-
 namespace catalogue {
 namespace {
 
 // Sprites
 
-Areas writesSprite(const Call &call) {
-    return {{"dst", boxOf(0, 0, call["width"].whole(), call["height"].whole())}};
-}
-
-/// Small in one direction at least, at times a little beyond the sprite's own size, and rarely the whole of it.
-template <int spriteWidth, int spriteHeight>
-void arrangeSprite(Call &call, Random &random) {
-    int width = random.between(-1, 12);
-    int height = random.between(-1, 12);
-    if (random.oneIn(2000)) {
-        width = spriteWidth;
-        height = spriteHeight;
-    } else if (random.oneIn(40)) {
-        width = spriteWidth + random.between(-4, 20);
-    } else if (random.oneIn(40)) {
-        height = spriteHeight + random.between(-4, 20);
-    }
-    call["width"] = width;
-    call["height"] = height;
-    call["dst"] = Plane::randomSurface(random, std::max(width, 1), std::max(height, 1));
-}
-
-template <int spriteWidth, int spriteHeight>
-void drawSprite(Call &call, const Stage &) {
-    call["dst"] = Plane::surface(spriteWidth, spriteHeight, 0x203040);
-    call["width"] = spriteWidth;
-    call["height"] = spriteHeight;
-}
-
-/// Sizes below 1 draw nothing; the rows that are not drawn are counted all the same.
-Argument spriteSize(std::string_view name) {
-    return {.name = name, .kind = Kind::extent, .unit = "pixels", .contract = {anyInt.low, 65535}, .of = "dst"};
-}
-
-/// The beginning of a row, completed with what all sprites share.
+/// Completes the beginning of a row by what all sprites share. Cases are small in one direction at least, at times a
+/// little beyond the sprite's own size, and rarely the whole of it.
 template <int spriteWidth, int spriteHeight>
 Row sprite(Row row) {
-    row.arguments = {destination(), spriteSize("width"), spriteSize("height"), pitch("pitch", "dst")};
-    row.writes = writesSprite;
+    // Sizes below 1 draw nothing; the rows that are not drawn are counted all the same.
+    row.arguments =
+        destination() + each({"width", "height"}, extent("", "dst", {anyInt.low, 65535})) + pitch("pitch", "dst");
+    row.writes = on("dst", frameOf);
     row.topByte = TopByte::cleared;
     row.sums = Sums::stayInside;
-    row.arrange = arrangeSprite<spriteWidth, spriteHeight>;
-    row.scenes = {{.set = drawSprite<spriteWidth, spriteHeight>}};
+    row.arrange = [](Call &call, Random &random) {
+        int width = random.between(-1, 12);
+        int height = random.between(-1, 12);
+        if (random.oneIn(2000)) {
+            width = spriteWidth;
+            height = spriteHeight;
+        } else if (random.oneIn(40)) {
+            width = spriteWidth + random.between(-4, 20);
+        } else if (random.oneIn(40)) {
+            height = spriteHeight + random.between(-4, 20);
+        }
+        call["width"] = width;
+        call["height"] = height;
+        call["dst"] = Plane::randomSurface(random, std::max(width, 1), std::max(height, 1));
+    };
+    row.scenes = {{.set = [](Call &call, const Stage &) {
+        call["dst"] = Plane::surface(spriteWidth, spriteHeight, 0x203040);
+        call["width"] = spriteWidth;
+        call["height"] = spriteHeight;
+    }}};
     return row;
-}
-
-// Bitmap files
-
-Argument ownText(std::string_view name) {
-    return {.name = name, .kind = Kind::text, .unit = "path"};
-}
-template <int index>
-void drawEmptyText(Call &call, const Stage &) {
-    call[index] = Plane(1, 1, 1);
 }
 
 // Raw pixels
 
-Areas writesFitted(const Call &call) {
-    return {{"dst", boxOf(0, 0, call["dstWidth"].whole(), call["dstHeight"].whole())}};
+Box fittedBox(const Call &call) {
+    return boxOf(0, 0, call["dstWidth"].whole(), call["dstHeight"].whole());
 }
-Areas readsFitted(const Call &call) {
+Box readBox(const Call &call) {
     const int width = call["dstWidth"].whole();
     const int height = call["dstHeight"].whole();
     const auto right = plain::fittedPlace(width - 1, call["srcWidth"].whole(), width);
     const auto bottom = plain::fittedPlace(height - 1, call["srcHeight"].whole(), height);
-    return {{"src", {0, 0, 3 * (right + 1), bottom + 1}}};
+    return {0, 0, 3 * (right + 1), bottom + 1};
 }
 
-/// A size of the destination; the sizes of a source may be 0, where its first column or row is repeated.
-Argument fittedTo(std::string_view name) {
-    return {.name = name, .kind = Kind::extent, .unit = "pixels", .contract = {1, anyInt.high}, .of = "dst"};
-}
-Argument fittedFrom(std::string_view name) {
-    return {.name = name, .kind = Kind::extent, .unit = "pixels", .contract = {0, 65535}};
+Argument bytePitch(std::string_view name, std::string_view of) {
+    return {.name = name, .kind = Kind::pitch, .unit = "bytes", .of = of};
 }
 
 void arrangeFit(Call &call, Random &random) {
@@ -95,21 +66,16 @@ void arrangeFit(Call &call, Random &random) {
     const int height = random.between(0, 24);
     call["srcWidth"] = width;
     call["srcHeight"] = height;
-    Plane src(1, std::max(3 * width, 3), std::max(height, 1), 0, random.between(0, 5));
-    for (int i = 0; i < src.pitch() * src.height(); ++i)
-        src.as<unsigned char>()[i] = static_cast<unsigned char>(random.word());
-    call["src"] = src;
+    const Plane src(1, std::max(3 * width, 3), std::max(height, 1), 0, random.between(0, 5));
+    call["src"] = src.fill<unsigned char>({0, 0, src.pitch(), src.height()}, [&](int, int) { return random.word(); });
 }
 
 /// A picture of half the size.
 void drawFit(Call &call, const Stage &stage) {
     const Plane picture = stage.picture();
-    Plane src(1, stage.width / 2 * 3, stage.height / 2);
-    for (int y = 0; y < src.height(); ++y)
-        for (int x = 0; x < src.width(); ++x)
-            src.as<unsigned char>()[y * src.pitch() + x] =
-                static_cast<unsigned char>(picture.at(x / 3 * 2, y * 2) >> (x % 3 * 8));
-    call["src"] = src;
+    const Plane src(1, stage.width / 2 * 3, stage.height / 2);
+    call["src"] =
+        src.fill<unsigned char>(src.rect(), [&](int x, int y) { return picture.at(x / 3 * 2, y * 2) >> (x % 3 * 8); });
     call["srcWidth"] = stage.width / 2;
     call["srcHeight"] = stage.height / 2;
 }
@@ -126,22 +92,19 @@ std::vector<Row> spriteRows() {
         {Q_MUR_FUNCTION_WITHOUT_TWIN(SetSpriteInstance), .sentence = "Takes the module handle down.",
          .arguments = {unused("module")}, .without = {{"every proof", "nothing reads it"}}},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(SetSpriteDir), .sentence = "Sets what stands before the name of a bitmap file.",
-         .arguments = {ownText("path")}, .scenes = {{.set = drawEmptyText<0>}},
+         .arguments = {text("path", "path")}, .scenes = {{.set = set("path", Plane(1, 1, 1))}},
          .without = {{"every proof", "a global"}}},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(LoadBitmap24), .sentence = "Reads a bitmap file of 24 bits.",
-         .arguments = {destination(), ownText("name"), extent("width", "dst"), extent("height", "dst")},
-         .topByte = TopByte::cleared, .scenes = {{.set = drawEmptyText<1>}}, .without = {{"every proof", "a file"}}},
+         .arguments = destination() + text("name", "path") + each({"width", "height"}, extent("", "dst")),
+         .topByte = TopByte::cleared, .scenes = {{.set = set("name", Plane(1, 1, 1))}},
+         .without = {{"every proof", "a file"}}},
+        // The sizes of a source may be 0, where its first column or row is repeated.
         {Q_MUR_FUNCTION(_FitOn32RAW_24RAW_Nearest), .sentence = "Fits raw 24-bit pixels onto a surface.",
-         .arguments = {destination(),
-                       fittedTo("dstWidth"),
-                       fittedTo("dstHeight"),
-                       {.name = "dstPitchBytes", .kind = Kind::pitch, .unit = "bytes", .of = "dst"},
-                       {.name = "src", .kind = Kind::plane, .unit = "bytes"},
-                       fittedFrom("srcWidth"),
-                       fittedFrom("srcHeight"),
-                       {.name = "srcPitchBytes", .kind = Kind::pitch, .unit = "bytes", .of = "src"}},
-         .writes = writesFitted, .reads = readsFitted, .overlap = Overlap::notPromised, .topByte = TopByte::cleared,
-         .sums = Sums::stayInside, .arrange = arrangeFit, .scenes = {{.set = drawFit}}},
+         .arguments = destination() + each({"dstWidth", "dstHeight"}, extent("", "dst", {1, anyInt.high})) +
+                      bytePitch("dstPitchBytes", "dst") + plane("src") +
+                      each({"srcWidth", "srcHeight"}, extent("", "", {0, 65535})) + bytePitch("srcPitchBytes", "src"),
+         .writes = on("dst", fittedBox), .reads = on("src", readBox), .overlap = Overlap::notPromised,
+         .topByte = TopByte::cleared, .sums = Sums::stayInside, .arrange = arrangeFit, .scenes = {{.set = drawFit}}},
     };
 }
 

@@ -5,33 +5,8 @@
 namespace catalogue {
 namespace {
 
-Argument ownBlock(std::string_view of = {}) {
-    return {.name = "data", .kind = Kind::privateBlock, .unit = "", .of = of};
-}
-Argument vector(std::string_view name) {
-    return {.name = name, .kind = Kind::points, .unit = "1"};
-}
-Argument corner(std::string_view name) {
-    return {.name = name, .kind = Kind::points, .unit = "pixels"};
-}
-Argument texelOf(std::string_view name) {
-    return {.name = name, .kind = Kind::points, .unit = "1/16 texels"};
-}
-Argument light(std::string_view name) {
-    return number(name, name[0] == 'a' ? "levels" : "1/256", anyInt, {0, 0});
-}
-
-/// Everything within the clip, and the depths there.
-Areas onDst(const Call &call) {
-    return {{"dst", call["clip"].rect()}};
-}
-Areas onDstAndDepths(const Call &call) {
-    return {{"dst", call["clip"].rect()}, {"data", call["clip"].rect()}};
-}
-Areas with(Areas areas, const Areas &more) {
-    areas.insert(areas.end(), more.begin(), more.end());
-    return areas;
-}
+using enum TopByte;
+using enum Sums;
 
 /// What no texture holds: the texels of positions that leave the format wrap.
 constexpr Box everything = {-plain::two32, -plain::two32, plain::two32, plain::two32};
@@ -63,24 +38,33 @@ Box texelsBetween(const Reach &u, const Reach &v, bool isFiltered) {
 /// Where texels of 0 matter, there are some.
 constexpr int texels = 8;
 Plane randomTexture(Random &random, bool hasHoles) {
-    Plane texture = Plane::randomSurface(random, texels, texels);
-    for (int y = 0; y < texels && hasHoles; ++y)
-        for (int x = 0; x < texels; ++x)
-            if (!random.oneIn(4))
-                texture.at(x, y) = 0;
+    const Plane texture = Plane::randomSurface(random, texels, texels);
+    if (hasHoles)
+        texture.fill(texture.rect(), [&](int x, int y) { return random.oneIn(4) ? texture.at(x, y) : 0; });
     return texture;
 }
 
 bool isKeyed(const Row &row) {
     return row.name.ends_with("KeySrc");
 }
+/// What is drawn with where a scene needs a texture.
+Plane textureOf(const Stage &stage, bool hasHoles) {
+    return hasHoles ? stage.sprite() : stage.picture(1);
+}
+
+const Arguments surfaces = {blockOf("dst"), destination(), source("tex")};
+const Arguments pitches = {pitch("dstPitch", "dst"), pitch("texPitch", "tex")};
+const Arguments clipArgument = {clip("clip", "dst")};
+const Arguments gridSize = each({"rows", "cols"}, count("", "points", {-32768, 32767}, {64, 64}));
 
 // Light.
 
+bool hasCells(const Call &call) {
+    return call["rows"].whole() >= 2 && call["cols"].whole() >= 2;
+}
 Areas readsGrid(const Call &call) {
-    const std::int64_t rows = call["rows"].whole();
-    const std::int64_t cols = call["cols"].whole();
-    return rows < 2 || cols < 2 ? Areas{} : Areas{records("points", rows * cols), records("light", 1)};
+    const std::int64_t count = std::int64_t{call["rows"].whole()} * call["cols"].whole();
+    return hasCells(call) ? Areas{records("points", count), records("light", 1)} : Areas{};
 }
 
 void arrangeLight(Call &call, Random &random) {
@@ -88,8 +72,8 @@ void arrangeLight(Call &call, Random &random) {
     const int cols = random.between(2, 5);
     call["rows"] = random.oneIn(40) ? random.between(-1, 1) : rows;
     call["cols"] = random.oneIn(40) ? random.between(-1, 1) : cols;
-    _POINT3DFLOAT last = {};
-    call["points"] = pointsOf<_POINT3DFLOAT>(rows * cols, [&](int) {
+    Point last = {};
+    call["points"] = Plane::array<Point>(rows * cols, [&](int) {
         if (!random.oneIn(12)) {
             last.x = random.real(6);
             last.y = random.real(6);
@@ -97,7 +81,7 @@ void arrangeLight(Call &call, Random &random) {
         }
         return last;
     });
-    _POINT3DFLOAT light = {random.real(1), random.real(1), random.real(1), 0};
+    Point light = {random.real(1), random.real(1), random.real(1), 0};
     if (light.x == 0 && light.y == 0)
         light.x = 0.5F;
     call["light"] = Plane::of(light);
@@ -114,19 +98,15 @@ void setMeshLight(Call &call, const Stage &stage) {
     call["data"].get<Block>().vertexArray1 = Plane(4, 64 * 64, 1);
 }
 
-std::vector<Argument> lightArguments() {
-    const auto count = [](std::string_view name) {
-        return Argument{
-            .name = name, .kind = Kind::count, .unit = "points", .contract = {-32768, 32767}, .drawn = {64, 64}};
-    };
-    return {ownBlock(),
-            corner("points"),
-            count("rows"),
-            count("cols"),
-            vector("light"),
-            number("ambient", "1/256", anyInt, {64, 64}),
-            number("specular", "levels", anyInt, {128, 128}),
-            number("shininess", "squarings", {-2147483648.0, 64}, {3, 3})};
+template <class Block>
+Row lighting(Row row) {
+    row.arguments = blockOf() + points("points") + gridSize + points("light", "1") +
+                    number("ambient", "1/256", anyInt, {64, 64}) + number("specular", "levels", anyInt, {128, 128}) +
+                    shininess();
+    row.reads = readsGrid;
+    row.arrange = arrangeLight;
+    row.scenes = {{.set = setMeshLight<Block>}};
+    return row;
 }
 
 // Span mappers: 28 numbers, the ends of 7 on both edges.
@@ -161,19 +141,19 @@ void setFour(Call &call, std::string_view number, const Four &values) {
         call[names[i]] = values[i];
 }
 
+/// Everything within the clip, and the depths there but for mappers without them.
 Areas writesBand(const Call &call) {
-    return call.row().name.find("NoHPE") == std::string_view::npos ? onDstAndDepths(call) : onDst(call);
+    const bool hasDepths = call.row().name.find("NoHPE") == std::string_view::npos;
+    return hasDepths ? onDst(call) + onDepths(call) : onDst(call);
 }
-Areas readsBand(const Call &call) {
+Areas readsTexture(const Call &call) {
     const Reach u = reachOf(call, "u");
     const Reach v = reachOf(call, "v");
     const int bits = fractionBitsOf(call.row());
     const bool isStill = u.least == u.greatest && v.least == v.greatest;
     const bool isPlaced = reachOf(call, "x").fits(bits) && reachOf(call, "y").fits(0);
-    Box read = everything;
-    if (u.fits(bits) && v.fits(bits) && (isStill || isPlaced))
-        read = texelsBetween(u, v, isFilteredMapper(call.row()));
-    return with(writesBand(call), {{"tex", read}});
+    const bool isKnown = u.fits(bits) && v.fits(bits) && (isStill || isPlaced);
+    return {{"tex", isKnown ? texelsBetween(u, v, isFilteredMapper(call.row())) : everything}};
 }
 
 /// Bands of all kinds: within the formats and far beyond them. Texels are trusted: a position may not leave the
@@ -221,7 +201,7 @@ void setBand(Call &call, const Stage &stage) {
     const int right = (stage.width - 1) * unit;
     const int bottom = (stage.height - 1) * unit;
     const int lean = part(0.2 * stage.time);
-    call["tex"] = isKeyed(call.row()) ? stage.sprite() : stage.picture(1);
+    call["tex"] = textureOf(stage, isKeyed(call.row()));
     setFour(call, "u", {0, 0, right, right});
     setFour(call, "v", {0, bottom, 0, bottom});
     setFour(call, "x", {part(0.05) + lean, part(0.25) - lean, part(0.75) + lean, part(0.95) - lean});
@@ -230,25 +210,22 @@ void setBand(Call &call, const Stage &stage) {
     setFour(call, "mul", {256, 256, 128, 128});
 }
 
-std::vector<Argument> bandArguments() {
-    std::vector<Argument> arguments = {
-        ownBlock("dst"),          destination(),           source("tex"), clip("clip", "dst"),
-        pitch("dstPitch", "dst"), pitch("texPitch", "tex")};
-    const auto add = [&arguments](const std::array<std::string_view, 4> &names, auto make) {
-        for (const std::string_view name : names)
-            arguments.push_back(make(name));
-    };
-    const auto texel = [](std::string_view name) { return number(name, "1/16 texels", anyInt, {0, 0}); };
-    const auto place = [](std::string_view name) { return position(name, "dst", {0, 0}); };
-    const auto depth = [](std::string_view name) { return number(name, "depths", anyInt, {0, 0}); };
-    add({"uL0", "uL1", "uR0", "uR1"}, texel);
-    add({"vL0", "vL1", "vR0", "vR1"}, texel);
-    add({"xL0", "xL1", "xR0", "xR1"}, place);
-    add({"yL0", "yL1", "yR0", "yR1"}, place);
-    add({"addL0", "addL1", "addR0", "addR1"}, light);
-    add({"mulL0", "mulL1", "mulR0", "mulR1"}, light);
-    add({"zL0", "zL1", "zR0", "zR1"}, depth);
-    return arguments;
+Row ofBand(Row row) {
+    const Argument texel = number("", "1/16 texels", anyInt, {0, 0});
+    const Argument place = position("", "dst", {0, 0});
+    row.arguments = surfaces + clipArgument + pitches + each({"uL0", "uL1", "uR0", "uR1"}, texel) +
+                    each({"vL0", "vL1", "vR0", "vR1"}, texel) + each({"xL0", "xL1", "xR0", "xR1"}, place) +
+                    each({"yL0", "yL1", "yR0", "yR1"}, place) +
+                    each({"addL0", "addL1", "addR0", "addR1"}, number("", "levels", anyInt, {0, 0})) +
+                    each({"mulL0", "mulL1", "mulR0", "mulR1"}, number("", "1/256", anyInt, {0, 0})) +
+                    each({"zL0", "zL1", "zR0", "zR1"}, number("", "depths", anyInt, {0, 0}));
+    row.writes = writesBand;
+    row.reads = Region(writesBand) + readsTexture;
+    row.topByte = cleared;
+    row.sums = saturate;
+    row.arrange = arrangeBand;
+    row.scenes = {{.set = setBand, .isRestored = true}};
+    return row;
 }
 
 // Quads and triangles.
@@ -261,8 +238,8 @@ constexpr std::string_view mulNames[] = {"mul0", "mul1", "mul2", "mul3"};
 std::size_t cornersOf(const Row &row) {
     return row.argument("p3") ? 4 : 3;
 }
-const _POINT3DFLOAT &pointOf(const Call &call, std::size_t corner) {
-    return *call[pointNames[corner]].plane().as<_POINT3DFLOAT>();
+const Point &pointOf(const Call &call, std::size_t corner) {
+    return *call[pointNames[corner]].plane().as<Point>();
 }
 const _POINTINT &texelOf(const Call &call, std::size_t corner) {
     return *call[texelNames[corner]].plane().as<_POINTINT>();
@@ -302,7 +279,8 @@ Sampling samplingOf(const Call &call, const Box &screen, const Reach &u, const R
     return mode == 0x1010 && !isPipeline(call) ? Sampling::wholeTexels : Sampling::none;
 }
 
-Areas readsCorners(const Call &call, int wordsOfPoint) {
+template <int wordsOfPoint>
+Areas readsCorners(const Call &call) {
     Areas areas;
     for (std::size_t i = 0; i < cornersOf(call.row()); ++i) {
         areas.push_back(words(pointNames[i], wordsOfPoint));
@@ -311,21 +289,19 @@ Areas readsCorners(const Call &call, int wordsOfPoint) {
     return areas;
 }
 
-Areas readsPolygon(const Call &call) {
+Areas readsTexels(const Call &call) {
     const Reach x = reachOf(call, [&](std::size_t i) { return static_cast<int>(pointOf(call, i).x); });
     const Reach y = reachOf(call, [&](std::size_t i) { return static_cast<int>(pointOf(call, i).y); });
     const Reach u = reachOf(call, [&](std::size_t i) { return texelOf(call, i).x; });
     const Reach v = reachOf(call, [&](std::size_t i) { return texelOf(call, i).y; });
     const Sampling sampling = samplingOf(call, {x.least, y.least, x.greatest, y.greatest}, u, v);
-    const Areas areas = with(onDstAndDepths(call), readsCorners(call, 3));
     if (sampling == Sampling::none)
-        return areas;
+        return {};
     if (!x.fits(18) || !u.fits(18) || !v.fits(18))
-        return with(areas, {{"tex", everything}});
-    Box read = texelsBetween(u, v, sampling == Sampling::filtered);
+        return {{"tex", everything}};
     if (sampling == Sampling::nearest)
-        read = {u.least >> 4, v.least >> 4, (u.greatest >> 4) + 1, (v.greatest >> 4) + 1};
-    return with(areas, {{"tex", read}});
+        return {{"tex", {u.least >> 4, v.least >> 4, (u.greatest >> 4) + 1, (v.greatest >> 4) + 1}}};
+    return {{"tex", texelsBetween(u, v, sampling == Sampling::filtered)}};
 }
 
 q_ulong randomFlags(Random &random) {
@@ -353,7 +329,7 @@ void arrangePolygon(Call &call, Random &random) {
     const bool isOneTexel = random.oneIn(4); // never shrunk, unless the polygon has no area either
     const bool isWhole = random.oneIn(3);
     for (std::size_t i = 0; i < cornersOf(call.row()); ++i) {
-        _POINT3DFLOAT point = {};
+        Point point = {};
         point.x = random.realBetween(-6, static_cast<float>(dst.width()) + 6);
         point.y = random.realBetween(-6, static_cast<float>(dst.height()) + 6);
         point.z = random.realBetween(-50, 400);
@@ -391,130 +367,110 @@ void setCorner(Call &call, std::size_t corner, const Plane &points, const Plane 
 }
 
 /// A quad, or the half of it, that turns and leans.
-template <const Mode &mode>
-void setPolygon(Call &call, const Stage &stage) {
+void setPolygon(Call &call, const Stage &stage, const Mode &mode) {
     const double turn = 0.6 * stage.time;
-    const Plane points = pointsOf<_POINT3DFLOAT>(4, [&](int i) {
+    const Plane points = Plane::array<Point>(4, [&](int i) {
         const double angle = turn + 1.5707963 * i + 3.9269908;
-        return _POINT3DFLOAT{static_cast<float>(stage.width * (0.5 + 0.55 * std::cos(angle))),
-                             static_cast<float>(stage.height * (0.5 + 0.6 * std::sin(angle))), 0, 0};
+        return Point{static_cast<float>(stage.width * (0.5 + 0.55 * std::cos(angle))),
+                     static_cast<float>(stage.height * (0.5 + 0.6 * std::sin(angle))), 0, 0};
     });
     const int right = stage.width * mode.unitsOfPixel * 3 / 4;
     const int bottom = stage.height * mode.unitsOfPixel * 3 / 4;
     const _POINTINT positions[] = {{0, 0}, {right, 0}, {right, bottom}, {0, bottom}};
     if (mode.flags != 0)
         call["flags"] = mode.flags;
-    call["tex"] = mode.flags == keyed.flags ? stage.sprite() : stage.picture(1);
+    call["tex"] = textureOf(stage, mode.flags == keyed.flags);
     for (std::size_t i = 0; i < cornersOf(call.row()); ++i)
         setCorner(call, i, points, Plane::of(positions), static_cast<int>(i));
 }
 
-/// One polygon after the other of a grid of `side` times `side` cells. All points are one array, in the first call's
-/// first point, and all positions another.
-template <const Mode &mode, int side>
-void setPolygonOfGrid(Call &call, const Stage &stage) {
-    constexpr int columns = side + 1;
-    const bool isQuad = cornersOf(call.row()) == 4;
+/// One polygon after the other of a grid. All points are one array, in the first call's first point, and all positions
+/// another.
+void setPolygonOfGrid(Call &call, const Stage &stage, int side, const Mode &mode) {
+    const int columns = side + 1;
     if (stage.call == 0) {
-        const Plane points = coveringGrid(stage, columns, columns);
-        Plane positions(4, 2 * columns * columns, 1);
-        for (int i = 0; i < columns * columns; ++i) {
-            const _POINT3DFLOAT &point = points.as<_POINT3DFLOAT>()[i];
-            const int beyond = mode.flags == 0 ? stage.width / 4 : 0;
-            positions.as<_POINTINT>()[i] = {static_cast<int>(point.x) * mode.unitsOfPixel + beyond,
-                                            static_cast<int>(point.y) * mode.unitsOfPixel};
-        }
-        call["tex"] = mode.flags == keyed.flags ? stage.sprite() : stage.picture(1);
-        call["p0"] = points;
-        call["t0"] = positions;
+        const Plane grid = coveringGrid(stage, columns, columns);
+        const int beyond = mode.flags == 0 ? stage.width / 4 : 0;
+        call["tex"] = textureOf(stage, mode.flags == keyed.flags);
+        call["p0"] = grid;
+        call["t0"] = Plane::array<_POINTINT>(columns * columns, [&](int i) {
+            const Point &point = grid.as<Point>()[i];
+            return _POINTINT{static_cast<int>(point.x) * mode.unitsOfPixel + beyond,
+                             static_cast<int>(point.y) * mode.unitsOfPixel};
+        });
     }
     if (mode.flags != 0)
         call["flags"] = mode.flags;
-    const Plane points = call["p0"].plane();
+    const Plane grid = call["p0"].plane();
     const Plane positions = call["t0"].plane();
-    const int cell = isQuad ? stage.call : stage.call / 2;
-    const int first = cell / side * columns + cell % side;
-    const std::array<int, 4> corners = isQuad ? Four{first, first + 1, first + columns + 1, first + columns}
-                                       : stage.call % 2 == 0 ? Four{first, first + 1, first + columns, 0}
-                                                             : Four{first + 1, first + columns, first + columns + 1, 0};
-    for (std::size_t i = 0; i < cornersOf(call.row()); ++i)
-        setCorner(call, i, points, positions, corners[i]);
+    const std::size_t count = cornersOf(call.row());
+    const auto corners = cornersInGrid(stage.call, side, count == 4);
+    for (std::size_t i = 0; i < count; ++i)
+        setCorner(call, i, grid, positions, corners[i]);
 }
 
-template <const Mode &mode>
-void addScenes(std::vector<Scene> &scenes, std::string_view figure, std::string_view small, std::string_view large) {
-    const int each = figure == "Mquads" ? 1 : 2;
-    if (scenes.empty())
-        scenes.push_back({.set = setPolygon<mode>, .isRestored = true});
-    scenes.push_back({.word = small,
-                      .set = setPolygonOfGrid<mode, 70>,
-                      .figure = figure,
-                      .calls = each * 70 * 70,
-                      .isRestored = true});
-    scenes.push_back(
-        {.word = large, .set = setPolygonOfGrid<mode, 7>, .figure = figure, .calls = each * 7 * 7, .isRestored = true});
-}
+/// What the scenes of a polygon draw, in words and by their modes: first one polygon, then grids of each mode.
+struct Kinds {
+    const Mode *mode;
+    std::string_view small;
+    std::string_view large;
+};
+constexpr Kinds quadKinds[] = {
+    {&filtered, "filtered quads of 100 pixels", "filtered quads of 10000 pixels"},
+    {&nearest, "nearest quads of 100 pixels", "nearest quads of 10000 pixels"},
+    {&keyed, "keyed quads of 100 pixels", "keyed quads of 10000 pixels"},
+    {&filteredFlat, "filtered flat quads of 100 pixels", "filtered flat quads of 10000 pixels"},
+    {&nearestFlat, "nearest flat quads of 100 pixels", "nearest flat quads of 10000 pixels"},
+    {&unlit, "unlit quads of 100 pixels", "unlit quads of 10000 pixels"}};
+constexpr Kinds triangleKinds[] = {
+    {&filtered, "filtered triangles of 50 pixels", "filtered triangles of 5000 pixels"},
+    {&nearest, "nearest triangles of 50 pixels", "nearest triangles of 5000 pixels"},
+    {&keyed, "keyed triangles of 50 pixels", "keyed triangles of 5000 pixels"},
+    {&filteredFlat, "filtered flat triangles of 50 pixels", "filtered flat triangles of 5000 pixels"},
+    {&nearestFlat, "nearest flat triangles of 50 pixels", "nearest flat triangles of 5000 pixels"},
+    {&unlit, "unlit triangles of 50 pixels", "unlit triangles of 5000 pixels"}};
+constexpr Kinds plainKinds[] = {{&plainQuad, "quads of 100 pixels", "quads of 10000 pixels"}};
 
-std::vector<Scene> quadScenes(bool ofOlderModule) {
-    std::vector<Scene> scenes;
-    addScenes<filtered>(scenes, "Mquads", "filtered quads of 100 pixels", "filtered quads of 10000 pixels");
-    addScenes<nearest>(scenes, "Mquads", "nearest quads of 100 pixels", "nearest quads of 10000 pixels");
-    addScenes<keyed>(scenes, "Mquads", "keyed quads of 100 pixels", "keyed quads of 10000 pixels");
-    if (ofOlderModule) {
-        addScenes<filteredFlat>(scenes, "Mquads", "filtered flat quads of 100 pixels",
-                                "filtered flat quads of 10000 pixels");
-        addScenes<nearestFlat>(scenes, "Mquads", "nearest flat quads of 100 pixels",
-                               "nearest flat quads of 10000 pixels");
-        addScenes<unlit>(scenes, "Mquads", "unlit quads of 100 pixels", "unlit quads of 10000 pixels");
+std::vector<Scene> polygonScenes(std::span<const Kinds> kinds, bool isQuad) {
+    const auto one = [mode = *kinds.front().mode](Call &call, const Stage &stage) { setPolygon(call, stage, mode); };
+    std::vector<Scene> scenes = {{.set = one, .isRestored = true}};
+    for (const Kinds &kind : kinds) {
+        const auto ofGrid = [mode = *kind.mode](Call &call, const Stage &stage, int side) {
+            setPolygonOfGrid(call, stage, side, mode);
+        };
+        scenes.push_back(polygonsOfGrid(kind.small, 70, isQuad, ofGrid));
+        scenes.push_back(polygonsOfGrid(kind.large, 7, isQuad, ofGrid));
     }
     return scenes;
 }
-std::vector<Scene> triangleScenes(bool ofOlderModule) {
-    std::vector<Scene> scenes;
-    addScenes<filtered>(scenes, "Mtriangles", "filtered triangles of 50 pixels", "filtered triangles of 5000 pixels");
-    addScenes<nearest>(scenes, "Mtriangles", "nearest triangles of 50 pixels", "nearest triangles of 5000 pixels");
-    if (ofOlderModule) {
-        addScenes<keyed>(scenes, "Mtriangles", "keyed triangles of 50 pixels", "keyed triangles of 5000 pixels");
-        addScenes<filteredFlat>(scenes, "Mtriangles", "filtered flat triangles of 50 pixels",
-                                "filtered flat triangles of 5000 pixels");
-        addScenes<nearestFlat>(scenes, "Mtriangles", "nearest flat triangles of 50 pixels",
-                               "nearest flat triangles of 5000 pixels");
-        addScenes<unlit>(scenes, "Mtriangles", "unlit triangles of 50 pixels", "unlit triangles of 5000 pixels");
-    }
-    return scenes;
-}
-std::vector<Scene> plainQuadScenes() {
-    std::vector<Scene> scenes;
-    addScenes<plainQuad>(scenes, "Mquads", "quads of 100 pixels", "quads of 10000 pixels");
-    return scenes;
-}
 
-std::vector<Argument> polygonArguments(int count, bool isLit) {
-    std::vector<Argument> arguments;
-    const auto add = [&](const auto &names, auto make) {
-        for (int i = 0; i < count; ++i)
-            arguments.push_back(make(names[i]));
-    };
-    if (isLit)
-        arguments.push_back(ownBlock("dst"));
-    arguments.push_back(destination());
-    add(pointNames, corner);
-    arguments.push_back(source("tex"));
-    add(texelNames, [](std::string_view name) { return texelOf(name); });
-    arguments.insert(arguments.end(), {clip("clip", "dst"), pitch("dstPitch", "dst"), pitch("texPitch", "tex")});
-    if (isLit) {
-        add(addNames, light);
-        add(mulNames, light);
-        arguments.push_back(choice("flags", anyWord, 0x200));
-    }
-    return arguments;
+Arguments first(std::size_t count, const std::string_view (&names)[4], const Argument &argument) {
+    Arguments all = each({names[0], names[1], names[2], names[3]}, argument);
+    all.resize(count, argument);
+    return all;
+}
+/// Corners, texture and their positions there, clip and pitches.
+Arguments polygonArguments(std::size_t count) {
+    return Arguments{destination()} + first(count, pointNames, points("")) + source("tex") +
+           first(count, texelNames, points("", "1/16 texels")) + clipArgument + pitches;
+}
+/// A quad or a triangle; the pipeline draws with fewer modes than the older module.
+Row ofPolygon(std::size_t corners, std::size_t modes, Row row) {
+    const bool isQuad = corners == 4;
+    row.arguments = blockOf("dst") + polygonArguments(corners) +
+                    first(corners, addNames, number("", "levels", anyInt, {0, 0})) +
+                    first(corners, mulNames, number("", "1/256", anyInt, {0, 0})) + choice("flags", anyWord, 0x200);
+    row.writes = onDst + onDepths;
+    row.reads = onDst + onDepths + readsCorners<3> + readsTexels;
+    row.topByte = cleared;
+    row.sums = saturate;
+    row.arrange = arrangePolygon;
+    row.scenes = polygonScenes(std::span(isQuad ? quadKinds : triangleKinds).first(modes), isQuad);
+    return row;
 }
 
 // Quads of plain texels: the clip bounds the texture, too.
 
-Areas readsPlainQuad(const Call &call) {
-    return with(with(onDst(call), readsCorners(call, 2)), {{"tex", call["clip"].rect()}});
-}
 void arrangePlainQuad(Call &call, Random &random) {
     const Plane &dst = call["dst"].plane();
     call["tex"] = Plane::randomSurface(random, dst.width(), dst.height());
@@ -532,18 +488,26 @@ void arrangePlainQuad(Call &call, Random &random) {
         const float y = isUpright ? ends[lower] : within(dst.height());
         const int u = random.between(-reach, dst.width() + reach) + lap * right;
         const int v = random.between(-reach, dst.height() + reach) + lap * lower;
-        call[pointNames[i]] = Plane::of(_POINT3DFLOAT{x, y, 0, 0});
+        call[pointNames[i]] = Plane::of(Point{x, y, 0, 0});
         call[texelNames[i]] = Plane::of(_POINTINT{u, v});
     }
 }
 
+Row ofPlainQuad(Row row) {
+    row.arguments = polygonArguments(4);
+    row.writes = onDst;
+    row.reads = onDst + readsCorners<2> + on("tex", "clip");
+    row.topByte = copied;
+    row.sums = stayInside;
+    row.arrange = arrangePlainQuad;
+    row.scenes = polygonScenes(plainKinds, true);
+    return row;
+}
+
 // Meshes.
 
-bool hasCells(const Call &call) {
-    return call["rows"].whole() >= 2 && call["cols"].whole() >= 2;
-}
 Areas writesMesh(const Call &call) {
-    return hasCells(call) ? onDstAndDepths(call) : Areas{};
+    return hasCells(call) ? onDst(call) + onDepths(call) : Areas{};
 }
 Areas readsMesh(const Call &call) {
     if (!hasCells(call))
@@ -552,9 +516,7 @@ Areas readsMesh(const Call &call) {
     const Box read = {std::min(rect.left, rect.right), std::min(rect.top, rect.bottom),
                       std::int64_t{std::max(rect.left, rect.right)} + 2,
                       std::int64_t{std::max(rect.top, rect.bottom)} + 2};
-    Areas areas = with(onDstAndDepths(call), readsGrid(call));
-    areas.push_back(words("ambientColor", 3));
-    areas.push_back({"tex", read});
+    Areas areas = writesMesh(call) + readsGrid(call) + Areas{words("ambientColor", 3), {"tex", read}};
     if (call.row().argument("backTex"))
         areas.push_back({"backTex", read});
     return areas;
@@ -567,11 +529,8 @@ void arrangeMesh(Call &call, Random &random) {
     call["tex"] = texture;
     if (call.row().argument("backTex")) { // of the same pitch
         Copies copies;
-        Plane back = texture.copy(copies);
-        for (int y = 0; y < texels; ++y)
-            for (int x = 0; x < texels; ++x)
-                back.at(x, y) = random.pixel();
-        call["backTex"] = back;
+        const Plane back = texture.copy(copies);
+        call["backTex"] = back.fill(back.rect(), [&random](int, int) { return random.pixel(); });
     }
     const int side = random.oneIn(3) ? 2 : texels;
     call["texRect"] = random.rectInside(side, side);
@@ -584,14 +543,14 @@ void arrangeMesh(Call &call, Random &random) {
     const auto place = [&](int index, int count, int extent) {
         return static_cast<float>(index * extent / (count - 1)) + random.realBetween(-jog, jog);
     };
-    call["points"] = pointsOf<_POINT3DFLOAT>(rows * cols, [&](int i) {
+    call["points"] = Plane::array<Point>(rows * cols, [&](int i) {
         const float x = place(isMirrored ? cols - 1 - i % cols : i % cols, cols, dst.width());
         const float y = place(i / cols, rows, dst.height());
-        return _POINT3DFLOAT{x, y, random.realBetween(-3, 20), 0};
+        return Point{x, y, random.realBetween(-3, 20), 0};
     });
     const float x = random.realBetween(-1, 1);
     const float y = random.realBetween(-1, 1);
-    call["light"] = Plane::of(_POINT3DFLOAT{x, y, random.realBetween(0, 1), 0});
+    call["light"] = Plane::of(Point{x, y, random.realBetween(0, 1), 0});
     const int red = random.between(0, 150);
     const int green = random.between(-150, 150);
     call["ambientColor"] = Plane::of(_POINT3D{red, green, random.between(0, 150), 0});
@@ -599,143 +558,62 @@ void arrangeMesh(Call &call, Random &random) {
     call["shininess"] = random.between(0, 4);
 }
 
+/// A mesh before a texture of `halves` times half the stage's size, or the whole of it on a cloth.
 template <class Block>
-void setMesh(Call &call, const Stage &stage, const Plane &points, const tagRECT &texRect) {
-    call["tex"] = isKeyed(call.row()) ? stage.sprite() : stage.picture(1);
-    if (call.row().argument("backTex"))
-        call["backTex"] = stage.picture(2);
-    call["texRect"] = texRect;
-    call["points"] = points;
-    call["light"] = lightFromAbove();
-    call["ambientColor"] = Plane::of(_POINT3D{60, 60, 60, 0});
-    call["data"].get<Block>().vertexArray0 = Plane(4, 64 * 64, 1);
-    call["data"].get<Block>().vertexArray1 = Plane(4, 64 * 64, 1);
-}
-template <class Block>
-void setCloth(Call &call, const Stage &stage) {
-    setMesh<Block>(call, stage, wavingGrid(stage, 64, 64), {0, 0, stage.width, stage.height});
-}
-template <class Block, int shrink>
-void setCoveringMesh(Call &call, const Stage &stage) {
-    setMesh<Block>(call, stage, coveringGrid(stage, 64, 64),
-                   {0, 0, stage.width * shrink / 2, stage.height * shrink / 2});
-}
-
-template <class Block, int trianglesOfCell = 0>
-std::vector<Scene> meshScenes(bool alwaysFilters = false) {
-    const double figures = 63 * 63 * std::max(trianglesOfCell, 1);
-    const std::string_view figure = trianglesOfCell ? "Mtriangles" : "Mquads";
-    std::vector<Scene> scenes = {{.set = setCloth<Block>, .isRestored = true},
-                                 {.word = "filtered mesh of 64 x 64",
-                                  .set = setCoveringMesh<Block, 1>,
-                                  .figures = figures,
-                                  .figure = figure,
-                                  .isRestored = true}};
-    if (!alwaysFilters)
-        scenes.push_back({.word = "nearest mesh of 64 x 64",
-                          .set = setCoveringMesh<Block, 2>,
-                          .figures = figures,
-                          .figure = figure,
-                          .isRestored = true});
-    return scenes;
-}
-
-std::vector<Argument> meshArguments(bool hasBack = false) {
-    std::vector<Argument> arguments = {ownBlock("dst"), destination(), source("tex")};
-    if (hasBack)
-        arguments.push_back(source("backTex"));
-    const auto count = [](std::string_view name) {
-        return Argument{
-            .name = name, .kind = Kind::count, .unit = "points", .contract = {-32768, 32767}, .drawn = {64, 64}};
+auto setMesh(int halves) {
+    return [halves](Call &call, const Stage &stage) {
+        setMeshLight<Block>(call, stage);
+        call["tex"] = textureOf(stage, isKeyed(call.row()));
+        if (call.row().argument("backTex"))
+            call["backTex"] = stage.picture(2);
+        if (halves > 0) {
+            call["texRect"] = tagRECT{0, 0, stage.width * halves / 2, stage.height * halves / 2};
+            call["points"] = coveringGrid(stage, 64, 64);
+        }
+        call["ambientColor"] = Plane::of(_POINT3D{60, 60, 60, 0});
     };
-    arguments.insert(arguments.end(),
-                     {clip("clip", "dst"), rectangle("texRect", "tex"), pitch("dstPitch", "dst"),
-                      pitch("texPitch", "tex"), corner("points"), count("rows"), count("cols"), vector("light"),
-                      unused("lightColor"), Argument{.name = "ambientColor", .kind = Kind::numbers, .unit = "1/256"},
-                      number("specular", "256 levels", {-8, 8}, {0.5, 0.5}),
-                      number("shininess", "squarings", {-2147483648.0, 64}, {3, 3})});
-    return arguments;
 }
 
-// What the rows of a family have in common.
-
-Row drawn(Row row) {
-    row.overlap = Overlap::rowOrder;
-    row.topByte = TopByte::cleared;
-    row.sums = Sums::saturate;
-    return row;
-}
-Row ofBand(Row row) {
-    row.arguments = bandArguments();
-    row.writes = writesBand;
-    row.reads = readsBand;
-    row.arrange = arrangeBand;
-    row.scenes = {{.set = setBand, .isRestored = true}};
-    return drawn(row);
-}
-Row ofPolygon(int corners, const std::vector<Scene> &scenes, Row row) {
-    row.arguments = polygonArguments(corners, true);
-    row.writes = onDstAndDepths;
-    row.reads = readsPolygon;
-    row.arrange = arrangePolygon;
-    row.scenes = scenes;
-    return drawn(row);
-}
-Row ofPlainQuad(Row row) {
-    row.arguments = polygonArguments(4, false);
-    row.writes = onDst;
-    row.reads = readsPlainQuad;
-    row.overlap = Overlap::rowOrder;
-    row.topByte = TopByte::copied;
-    row.sums = Sums::stayInside;
-    row.arrange = arrangePlainQuad;
-    row.scenes = plainQuadScenes();
-    return row;
-}
-Row ofMesh(const std::vector<Scene> &scenes, Row row) {
-    row.arguments = meshArguments(row.word == "two textures");
+/// Cells are drawn as quads or as two triangles each, and from `Block`. Those of a texture with holes are filtered
+/// always.
+template <class Block>
+Row ofMesh(std::string_view figure, Row row) {
+    const double figures = 63 * 63 * (figure == "Mtriangles" ? 2 : 1);
+    row.arguments = surfaces + row.arguments + clipArgument + rectangle("texRect", "tex") + pitches + points("points") +
+                    gridSize + points("light", "1") + unused("lightColor") + numbers("ambientColor", "1/256") +
+                    specular() + shininess();
     row.writes = writesMesh;
     row.reads = readsMesh;
+    row.topByte = cleared;
+    row.sums = saturate;
     row.arrange = arrangeMesh;
-    row.scenes = scenes;
-    return drawn(row);
+    row.scenes = {{.set = setMesh<Block>(0), .isRestored = true},
+                  {"filtered mesh of 64 x 64", setMesh<Block>(1), figures, figure, 1, true}};
+    if (!isKeyed(row))
+        row.scenes.push_back({"nearest mesh of 64 x 64", setMesh<Block>(2), figures, figure, 1, true});
+    return row;
 }
 
 } // namespace
 
 std::vector<Row> texturedRows() {
-    return {
-        {
-            Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_QM3D_Data),
-            .sentence = "Allocates the private block of the older module in a slot of the host's record.",
-            .arguments = {{.name = "data", .kind = Kind::hostRecord, .unit = "", .mayBeNull = true},
-                          number("slot", "", {0, 14}, {0, 0})},
-            .without = {{"every proof", "allocates"}},
-        },
-        {
-            Q_MUR_FUNCTION(ResetZBuffer),
-            .sentence = "Empties a rectangle of the Z plane, in pairs of entries.",
-            .arguments = {ownBlock(), rectangle("rect", ""), number("pitch", "entries", {-4096, 4096}, {0, 0})},
-            .writes = writesPairs,
-            .arrange = arrangeReset<TexturedBlock>,
-            .scenes = {{.set = resetStage<TexturedBlock>}},
-        },
-        {
-            Q_MUR_FUNCTION(FindLuminenceTerm),
-            .sentence = "Lights a grid of points: a highlight and a multiplier for each of them.",
-            .arguments = lightArguments(),
-            .reads = readsGrid,
-            .arrange = arrangeLight,
-            .scenes = {{.set = setMeshLight<TexturedBlock>}},
-        },
-        {
-            Q_MUR_FUNCTION(VKD_FindLuminenceTerm),
-            .sentence = "Lights a grid of points: a highlight and a multiplier for each of them.",
-            .arguments = lightArguments(),
-            .reads = readsGrid,
-            .arrange = arrangeLight,
-            .scenes = {{.set = setMeshLight<PipelineBlock>}},
-        },
+    using Block = _PRIVATE_QMGL_DATA *;
+    using Mesh = void(Block, q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong, Point *, int, int, Point *,
+                      _POINT3D *, _POINT3D *, float, int);
+    using MeshWithBack = void(Block, q_ulong *, q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong, Point *,
+                              int, int, Point *, _POINT3D *, _POINT3D *, float, int);
+    std::vector<Row> rows = {
+        allocating("data",
+                   {Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_QM3D_Data),
+                    .sentence = "Allocates the private block of the older module in a slot of the host's record."}),
+        emptying<TexturedBlock>(
+            {Q_MUR_FUNCTION(ResetZBuffer), .sentence = "Empties a rectangle of the Z plane, in pairs of entries."}),
+        lighting<TexturedBlock>(
+            {Q_MUR_FUNCTION(FindLuminenceTerm),
+             .sentence = "Lights a grid of points: a highlight and a multiplier for each of them."}),
+        lighting<PipelineBlock>(
+            {Q_MUR_FUNCTION(VKD_FindLuminenceTerm),
+             .sentence = "Lights a grid of points: a highlight and a multiplier for each of them."}),
         ofBand({Q_MUR_FUNCTION(VKD_i3D_Mapping_Linear_HPE),
                 .sentence = "Fills the area between two edges with a filtered, lit texture, depth tested."}),
         ofBand({Q_MUR_FUNCTION(VKD_i3D_Mapping_Linear_HPE_KeySrc),
@@ -743,14 +621,12 @@ std::vector<Row> texturedRows() {
                     "Fills the area between two edges with a filtered, lit texture but for its holes, depth tested."}),
         ofBand({Q_MUR_FUNCTION(VKD_i3D_Mapping_Near_HPE),
                 .sentence = "Fills the area between two edges with a lit texture's nearest texels, depth tested."}),
-        ofPolygon(4, quadScenes(true),
-                  {Q_MUR_FUNCTION(i3D_Blt_Rect), .sentence = "Draws a textured quad in one of four modes."}),
-        ofPolygon(4, quadScenes(false),
+        ofPolygon(4, 6, {Q_MUR_FUNCTION(i3D_Blt_Rect), .sentence = "Draws a textured quad in one of four modes."}),
+        ofPolygon(4, 3,
                   {Q_MUR_FUNCTION(VKD_i3D_Blt_Rect),
                    .sentence = "Draws a textured quad, depth tested, in one of two modes."}),
-        ofPolygon(3, triangleScenes(true),
-                  {Q_MUR_FUNCTION(i3D_Blt_Tri), .sentence = "Draws a textured triangle in one of four modes."}),
-        ofPolygon(3, triangleScenes(false),
+        ofPolygon(3, 6, {Q_MUR_FUNCTION(i3D_Blt_Tri), .sentence = "Draws a textured triangle in one of four modes."}),
+        ofPolygon(3, 2,
                   {Q_MUR_FUNCTION(VKD_i3D_Blt_Tri),
                    .sentence =
                        "Draws a textured triangle, depth tested, with the mapper of its mode or of an earlier call."}),
@@ -758,37 +634,40 @@ std::vector<Row> texturedRows() {
                      .sentence = "Copies a quad out of a texture and leaves out what lies outside of it."}),
         ofPlainQuad({Q_MUR_FUNCTION(i3D_Blt_Rect_Nearest_NoLight_NoHPE_SafeBlack),
                      .sentence = "Copies a quad out of a texture and draws what lies outside of it black."}),
-        ofMesh(meshScenes<TexturedBlock>(),
-               {Q_MUR_FUNCTION(Render_Texture_3D),
-                .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested."}),
-        ofMesh(meshScenes<TexturedBlock>(true),
-               {Q_MUR_FUNCTION(Render_Texture_3D_KeySrc),
-                .sentence =
-                    "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested."}),
-        ofMesh(
-            meshScenes<TexturedBlock, 2>(),
+        ofMesh<TexturedBlock>(
+            "Mquads", {Q_MUR_FUNCTION(Render_Texture_3D),
+                       .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested."}),
+        ofMesh<TexturedBlock>(
+            "Mquads",
+            {Q_MUR_FUNCTION(Render_Texture_3D_KeySrc),
+             .sentence =
+                 "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested."}),
+        ofMesh<TexturedBlock>(
+            "Mtriangles",
             {Q_MUR_FUNCTION(Render_Texture_3D_Tri),
              .sentence = "Lights a grid of points and draws its cells as textured triangles, then a glint over all."}),
-        ofMesh(meshScenes<PipelineBlock>(),
-               {Q_MUR_OVERLOAD(VKD_Render_Texture_3D,
-                               void(_PRIVATE_QMGL_DATA *, q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong,
-                                    _POINT3DFLOAT *, int, int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int)),
-                .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested."}),
-        ofMesh(
-            meshScenes<PipelineBlock>(),
-            {Q_MUR_OVERLOAD(VKD_Render_Texture_3D, void(_PRIVATE_QMGL_DATA *, q_ulong *, q_ulong *, q_ulong *,
-                                                        tagRECT *, tagRECT *, q_ulong, q_ulong, _POINT3DFLOAT *, int,
-                                                        int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int)),
-             .word = "two textures",
-             .sentence = "Draws a lit grid with one texture where it faces the viewer and another where it does not."}),
-        ofMesh(meshScenes<PipelineBlock>(true),
-               {Q_MUR_FUNCTION(VKD_Render_Texture_3D_KeySrc),
-                .sentence =
-                    "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested."}),
-        ofMesh(meshScenes<PipelineBlock, 2>(),
-               {Q_MUR_FUNCTION(VKD_Render_Texture_3D_Tri),
-                .sentence = "Lights a grid of points and draws its cells as textured triangles, depth tested."}),
+        ofMesh<PipelineBlock>(
+            "Mquads", {Q_MUR_OVERLOAD(VKD_Render_Texture_3D, Mesh),
+                       .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested."}),
+        ofMesh<PipelineBlock>(
+            "Mquads",
+            {Q_MUR_OVERLOAD(VKD_Render_Texture_3D, MeshWithBack), .word = "two textures",
+             .sentence = "Draws a lit grid with one texture where it faces the viewer and another where it does not.",
+             .arguments = {source("backTex")}}),
+        ofMesh<PipelineBlock>(
+            "Mquads",
+            {Q_MUR_FUNCTION(VKD_Render_Texture_3D_KeySrc),
+             .sentence =
+                 "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested."}),
+        ofMesh<PipelineBlock>(
+            "Mtriangles",
+            {Q_MUR_FUNCTION(VKD_Render_Texture_3D_Tri),
+             .sentence = "Lights a grid of points and draws its cells as textured triangles, depth tested."}),
     };
+    for (Row &row : rows) // whatever draws runs rows top to bottom and pixels left to right
+        if (row.topByte != noPixels)
+            row.overlap = Overlap::rowOrder;
+    return rows;
 }
 
 } // namespace catalogue

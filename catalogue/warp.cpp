@@ -11,23 +11,13 @@
 namespace catalogue {
 namespace {
 
-constexpr double quarterTurn = 1.5707963267948966;
+using enum TopByte;
+using enum Sums;
 
-/// An angle in radians: at or beside a multiple of a quarter turn or another limit, or anywhere.
-double anyTurn(Random &random) {
-    constexpr double beside[] = {0, 0, 0x1p-40, -0x1p-40, 0x1p-20, -0x1p-20, 0x1p-8, -0x1p-8};
-    constexpr double limits[] = {1.570796, 4.712388, 6.283184, 0};
-    switch (random.between(0, 3)) {
-    case 0:
-        return random.between(-6, 6) * quarterTurn + beside[random.between(0, 7)];
-    case 1:
-        return limits[random.between(0, 3)] + beside[random.between(0, 7)];
-    case 2:
-        return random.between(-1000000, 1000000) / 16384.0;
-    default:
-        return random.between(0, 6283184) / 1000000.0;
-    }
-}
+const Arguments onePitch = {pitch("pitch", "dst")};
+const Arguments withPitches = {destination(), pitch("dstPitch", "dst"), source(), pitch("srcPitch", "src")};
+constexpr Range nearCircle = {-1e4, 1e4}; ///< for angles that are brought back into the circle step by step
+constexpr Range nearSurface = {-16000, 16000};
 
 /// Surfaces of one shape and so of one pitch.
 void makeAlike(Call &call, Random &random, std::initializer_list<std::string_view> names) {
@@ -35,10 +25,10 @@ void makeAlike(Call &call, Random &random, std::initializer_list<std::string_vie
         std::vector<Plane> made;
         for (int i = 0; i < 32; ++i) {
             Random pixels(static_cast<std::uint64_t>(1000 + i));
-            made.push_back(Plane::surface(16, 13, 0, i / 8));
-            for (int y = -Plane::usualMargin; y < 13 + Plane::usualMargin; ++y)
-                for (int x = -Plane::usualMargin; x < made.back().pitch() - Plane::usualMargin; ++x)
-                    made.back().at(x, y) = pixels.pixel();
+            constexpr int margin = Plane::usualMargin;
+            const Plane plane = Plane::surface(16, 13, 0, i / 8);
+            made.push_back(plane.fill({-margin, -margin, plane.pitch() - margin, 13 + margin},
+                                      [&pixels](int, int) { return pixels.pixel(); }));
         }
         return made;
     }();
@@ -64,39 +54,12 @@ tagRECT anyClip(const Call &call, std::string_view surface, Random &random) {
     return random.oneIn(3) ? random.rectInsideOrEmpty(plane.width(), plane.height()) : plane.rect();
 }
 
-Areas writesClip(const Call &call) {
-    return {{"dst", call["clipRect"].rect()}};
-}
-Areas readsSrcRect(const Call &call) {
-    return {{"src", call["srcRect"].rect()}};
-}
-Areas readsBoth(const Call &call) {
-    return {{"src", call["srcRect"].rect()}, {"dst", call["clipRect"].rect()}};
-}
-
-/// A width or height of frames. Rows are gone through even where they hold no pixel, which takes its time.
-Argument frameExtent(std::string_view name) {
-    return {.name = name, .kind = Kind::extent, .unit = "pixels", .contract = {-4096, 4096}, .of = "dst"};
+/// A single pixel of a rectangle.
+tagRECT pixelOf(const tagRECT &rect) {
+    return {rect.left, rect.top, rect.left + 1, rect.top + 1};
 }
 
 // About the Z axis.
-
-std::vector<Argument> zArguments(bool hasAlpha) {
-    std::vector<Argument> all = {
-        destination(),
-        pitch("dstPitch", "dst"),
-        source(),
-        pitch("srcPitch", "src"),
-        clip("clipRect", "dst"),
-        rectangle("srcRect", "src"),
-        position("centreX", "dst"),
-        position("centreY", "dst"),
-        angle(),
-        {.name = "scale", .kind = Kind::scale, .unit = "1", .contract = anyReal, .drawn = {0.4, 1.2}}};
-    if (hasAlpha)
-        all.push_back({.name = "alpha", .kind = Kind::alpha, .unit = "1", .contract = anyReal, .drawn = {0.75, 0.75}});
-    return all;
-}
 
 /// Mostly turns like those of every day, with a share of everything that is unusual in one respect.
 void arrangeZ(Call &call, Random &random) {
@@ -133,10 +96,11 @@ void arrangeZ(Call &call, Random &random) {
 }
 
 void wholeZ(Call &call) {
+    const Plane &dst = call["dst"].plane();
     call["srcRect"] = call["src"].plane().rect();
-    call["clipRect"] = call["dst"].plane().rect();
-    call["centreX"] = call["dst"].plane().width() / 2;
-    call["centreY"] = call["dst"].plane().height() / 2;
+    call["clipRect"] = dst.rect();
+    call["centreX"] = dst.width() / 2;
+    call["centreY"] = dst.height() / 2;
     call["angle"] = 0;
     call["scale"] = 1;
 }
@@ -157,96 +121,40 @@ void turnedOverAll(Call &call, const Stage &stage) {
     call["angle"] = turn;
     call["scale"] = 1.05 * std::max(across / src.width(), down / src.height());
 }
-const std::vector<Scene> zScenes = {{"", turningPart}, {"over the whole picture", turnedOverAll}};
 
 /// The six rotators about the Z axis differ in how they sample and store.
-Row aboutZ(Bound bound, std::string_view name, std::string_view sentence, TopByte topByte, bool readsDst) {
-    const bool hasAlpha = name.ends_with("_Alpha");
-    return {
-        .name = name,
-        .call = std::move(bound),
-        .sentence = sentence,
-        .arguments = zArguments(hasAlpha),
-        .writes = writesClip,
-        .reads = readsDst ? readsBoth : readsSrcRect,
-        .overlap = Overlap::rowOrder,
-        .topByte = topByte,
-        .sums = name.ends_with("_Add") ? Sums::saturate
-                : hasAlpha             ? Sums::carryOver
-                                       : Sums::stayInside,
-        .arrange = arrangeZ,
-        .pixelOnPixel = name.starts_with("iBltNear") ? wholeZ : nullptr,
-        .scenes = zScenes,
-    };
+Row aboutZ(Row row) {
+    row.arguments = withPitches + clip("clipRect", "dst") + rectangle("srcRect", "src") + position("centreX", "dst") +
+                    position("centreY", "dst") + angle() + scale("scale", anyReal, {0.4, 1.2}) + row.arguments;
+    row.writes = on("dst", "clipRect");
+    row.reads = on("src", "srcRect") + row.reads;
+    row.arrange = arrangeZ;
+    if (row.name.starts_with("iBltNear"))
+        row.pixelOnPixel = wholeZ;
+    row.scenes = {{"", turningPart}, {"over the whole picture", turnedOverAll}};
+    return row;
 }
 
 // About the X and the Y axis.
 
-Argument facePlace(std::string_view name) {
-    return {.name = name, .kind = Kind::point, .unit = "pixels", .of = "dst"};
-}
-Argument scaleOfTurn() {
-    return {.name = "scale", .kind = Kind::scale, .unit = "1", .contract = {-1e6, 1e6}, .drawn = {0.8, 0.8}};
-}
-Argument perspectiveOfTurn() {
-    return {.name = "perspective", .kind = Kind::number, .unit = "1", .contract = {-1e6, 1e6}, .drawn = {0.3, 0.3}};
-}
-/// An angle that is brought back into the circle step by step, so that it should be near to it.
-Argument angleOfTurn() {
-    return {.name = "angle", .kind = Kind::angle, .unit = "radians", .contract = {-1e4, 1e4}, .drawn = {0, 6.2831853}};
-}
-Argument optionalSource(std::string_view name) {
-    return {.name = name, .kind = Kind::source, .unit = "pixels", .mayBeNull = true};
-}
-
-std::vector<Argument> faceArguments() {
-    return {destination(),
-            source("front"),
-            optionalSource("back"),
-            optionalSource("background"),
-            angleOfTurn(),
-            scaleOfTurn(),
-            perspectiveOfTurn(),
-            rectangle("srcRect", "front"),
-            facePlace("destCentre"),
-            facePlace("sourcePivot"),
-            choice("clearOutside", anyInt, 1),
-            colour("backColour"),
-            unused("unused"),
-            pitch("pitch", "dst"),
-            frameExtent("width"),
-            frameExtent("height")};
-}
-
-Areas writesFrame(const Call &call) {
-    return {{"dst", boxOf(0, 0, call["width"].whole(), call["height"].whole())}};
-}
+const Arguments turn = {angle("angle", nearCircle), scale("scale", {-1e6, 1e6}, {0.8, 0.8}),
+                        number("perspective", "1", {-1e6, 1e6}, {0.3, 0.3})};
+/// Rows are gone through even where they hold no pixel, which takes its time.
+const Arguments frameSize = each({"width", "height"}, extent("", "dst", {-4096, 4096}));
+const Region frame = on("dst", frameOf);
 
 /// The back is read one line further, counted from the picture's own first line.
-Areas readsFaces(const Call &call) {
+template <bool aboutX>
+Box backBox(const Call &call) {
     const Box face = call["srcRect"].rect();
-    const bool rows = call.row().name == "iBltNear32_X_Roto";
-    const Box back =
-        rows ? Box{face.left, 1, face.right, face.height() + 1} : Box{1, face.top, face.width() + 1, face.bottom};
-    return {
-        {"front", face}, {"back", back}, {"background", boxOf(0, 0, call["width"].whole(), call["height"].whole())}};
-}
-
-double anyTurnScale(Random &random) {
-    constexpr double special[] = {0, 1, 1, 2, 0.5, -1, 1e-6, 1e-8, 300, 70000};
-    return random.oneIn(3) ? special[random.between(0, 9)] : random.between(1, 4096) / 1024.0;
-}
-
-double anyPerspective(Random &random) {
-    if (random.oneIn(3))
-        return 0;
-    return random.between(-1024, 1024) / (random.oneIn(3) ? 2.0 : 512.0);
+    return aboutX ? Box{face.left, 1, face.right, face.height() + 1} : Box{1, face.top, face.width() + 1, face.bottom};
 }
 
 void arrangeTurn(Call &call, Random &random) {
+    constexpr double special[] = {0, 1, 1, 2, 0.5, -1, 1e-6, 1e-8, 300, 70000};
     call["angle"] = anyTurn(random);
-    call["scale"] = anyTurnScale(random);
-    call["perspective"] = anyPerspective(random);
+    call["scale"] = random.oneIn(3) ? special[random.between(0, 9)] : random.between(1, 4096) / 1024.0;
+    call["perspective"] = random.oneIn(3) ? 0 : random.between(-1024, 1024) / (random.oneIn(3) ? 2.0 : 512.0);
     call["width"] = random.oneIn(4) ? random.between(0, 16) : 16;
     call["height"] = random.oneIn(4) ? random.between(0, 13) : 13;
 }
@@ -256,8 +164,8 @@ void arrangeFaces(Call &call, Random &random) {
     arrangeTurn(call, random);
     tagRECT &rect = call["srcRect"].rect();
     rect = random.rectInsideOrEmpty(16, 13);
-    if (random.oneIn(10)) // a single pixel
-        rect = {rect.left, rect.top, rect.left + 1, rect.top + 1};
+    if (random.oneIn(10))
+        rect = pixelOf(rect);
     const int reach = random.oneIn(8) ? 1000 : 10;
     call["destCentre"] = tagPOINT{random.between(-reach, reach) + 8, random.between(-reach, reach) + 6};
     call["sourcePivot"] = random.oneIn(2) ? tagPOINT{(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2}
@@ -275,98 +183,54 @@ void turningPage(Call &call, const Stage &stage) {
     call["front"] = stage.picture(1);
     call["back"] = stage.picture(2);
     call["background"] = stage.picture(0);
-    call["sourcePivot"] = call["destCentre"];
 }
 /// One face alone.
-void turnedOnce(Call &call, const Stage &stage) {
-    turningPage(call, stage);
+void turnedOnce(Call &call, const Stage &) {
     call["back"] = call["background"] = Plane();
     call["angle"] = 0.5;
     call["scale"] = 1.25;
     call["perspective"] = 0.25;
 }
-const std::vector<Scene> faceScenes = {{"", turningPage}, {"a front alone", turnedOnce}};
 
-Row aboutAxis(Bound bound, std::string_view name, std::string_view sentence) {
-    return {
-        .name = name,
-        .call = std::move(bound),
-        .sentence = sentence,
-        .arguments = faceArguments(),
-        .writes = writesFrame,
-        .reads = readsFaces,
-        .allows = shareOnePitch,
-        .overlap = Overlap::rowOrder,
-        .topByte = TopByte::copied,
-        .sums = Sums::stayInside,
-        .arrange = arrangeFaces,
-        .scenes = faceScenes,
-    };
+template <bool aboutX>
+Row aboutAxis(Row row) {
+    row.arguments = destination() + source("front") + orNull(source("back")) + orNull(source("background")) + turn +
+                    rectangle("srcRect", "front") + point("destCentre", "dst") + point("sourcePivot", "dst") +
+                    choice("clearOutside", anyInt, 1) + colour("backColour") + unused("unused") + onePitch + frameSize;
+    row.writes = frame;
+    row.reads = on("front", "srcRect") + on("back", backBox<aboutX>) + on("background", frameOf);
+    row.allows = shareOnePitch;
+    row.topByte = copied;
+    row.sums = stayInside;
+    row.arrange = arrangeFaces;
+    row.scenes = {{"", turningPage}, {"a front alone", inTurn(turningPage, turnedOnce)}};
+    return row;
 }
 
-Areas readsFrames(const Call &call) {
-    const Box frame = boxOf(0, 0, call["width"].whole(), call["height"].whole());
-    Areas areas = {{"src", frame}};
-    if (call.row().argument("background"))
-        areas.push_back({"background", frame});
-    return areas;
-}
-
-void arrangeFrameTurn(Call &call, Random &random) {
+void arrangeFrames(Call &call, Random &random) {
     makeAlike(call, random, {"dst", "src"});
     if (call.row().argument("background"))
         makeAlike(call, random, {"dst", "background"});
     arrangeTurn(call, random);
 }
 
-void stillFrame(Call &call, const Stage &) {
-    call["angle"] = 0.5;
-    call["scale"] = 1;
-    call["perspective"] = 0.25;
-}
-
-std::vector<Argument> frameTurnArguments(bool hasBackground) {
-    std::vector<Argument> all = {destination(), pitch("dstPitch", "dst"), source(), pitch("srcPitch", "src")};
-    if (hasBackground)
-        all.insert(all.end(), {source("background"), unused("unused")});
-    all.insert(all.end(),
-               {angleOfTurn(), scaleOfTurn(), perspectiveOfTurn(), frameExtent("width"), frameExtent("height")});
-    return all;
-}
-
-Row frameTurn(Bound bound, std::string_view name, std::string_view word, std::string_view sentence) {
-    return {
-        .name = name,
-        .call = std::move(bound),
-        .word = word,
-        .sentence = sentence,
-        .arguments = frameTurnArguments(!word.empty()),
-        .writes = writesFrame,
-        .reads = readsFrames,
-        .allows = shareOnePitch,
-        .overlap = Overlap::rowOrder,
-        .topByte = TopByte::copied,
-        .sums = Sums::stayInside,
-        .arrange = arrangeFrameTurn,
-        .scenes = {{}, {"at an angle of 0.5", stillFrame}},
-    };
+Row frameTurn(Row row) {
+    const bool hasBackground = !row.arguments.empty();
+    row.arguments = withPitches + row.arguments + turn + frameSize;
+    row.writes = frame;
+    row.reads = on("src", frameOf) + (hasBackground ? on("background", frameOf) : Region());
+    row.allows = shareOnePitch;
+    row.topByte = copied;
+    row.sums = stayInside;
+    row.arrange = arrangeFrames;
+    row.scenes = {{}, {"at an angle of 0.5", inTurn(set("angle", 0.5), set("scale", 1), set("perspective", 0.25))}};
+    return row;
 }
 
 // Quads. Corners run round the figure, those of the picture's top edge first.
 
-constexpr Range nearCorner = {-16000, 16000};
-
-std::vector<Argument> corners() {
-    std::vector<Argument> all;
-    for (const std::string_view name : {"x0", "x1", "x2", "x3", "y0", "y1", "y2", "y3"})
-        all.push_back({.name = name, .kind = Kind::position, .unit = "pixels", .contract = nearCorner, .of = "dst"});
-    return all;
-}
-
-std::vector<Argument> joined(std::vector<Argument> first, const std::vector<Argument> &second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
+const Arguments corners =
+    each({"x0", "x1", "x2", "x3", "y0", "y1", "y2", "y3"}, position("", "dst", {0, 0}, nearSurface));
 
 struct Quad {
     int x[4];
@@ -375,8 +239,8 @@ struct Quad {
 
 void setCorners(Call &call, const Quad &quad) {
     for (int i = 0; i < 4; ++i) {
-        call[std::string("x") + std::to_string(i)] = quad.x[i];
-        call[std::string("y") + std::to_string(i)] = quad.y[i];
+        call["x" + std::to_string(i)] = quad.x[i];
+        call["y" + std::to_string(i)] = quad.y[i];
     }
 }
 
@@ -414,14 +278,6 @@ void arrangeQuad(Call &call, Random &random) {
     setCorners(call, anyQuad(random));
 }
 
-Areas readsFrame(const Call &call) {
-    return {{"src", boxOf(0, 0, call["width"].whole(), call["height"].whole())}};
-}
-Areas writesFrameAndScratch(const Call &call) {
-    const Box frame = boxOf(0, 0, call["width"].whole(), call["height"].whole());
-    return {{"dst", frame}, {"scratch", frame}};
-}
-
 /// A corner swings from near the stage's own to a quarter inside.
 void swingingQuad(Call &call, const Stage &stage) {
     const int w = stage.width;
@@ -455,13 +311,12 @@ void arrangeAffine(Call &call, Random &random) {
 
 /// The left and top of the source rectangle count twice along one of the axes, and one that is turned inside out is
 /// walked backward.
-Areas readsAffine(const Call &call) {
+Box affineSource(const Call &call) {
     const tagRECT &rect = call["srcRect"].rect();
-    const bool isEmpty = rect.left >= rect.right || rect.top >= rect.bottom;
     const auto [left, right] = std::minmax({rect.left, rect.left * 2, rect.right, rect.right + rect.left});
     const auto [top, bottom] = std::minmax({rect.top, rect.top * 2, rect.bottom, rect.bottom + rect.top});
-    const int beyond = isEmpty ? 2 : 0;
-    return {{"src", Box{left - beyond, top - beyond, right + beyond, bottom + beyond}}};
+    const int beyond = Box(rect).isEmpty() ? 2 : 0;
+    return {left - beyond, top - beyond, right + beyond, bottom + beyond};
 }
 
 void trapezoid(Call &call, const Stage &stage) {
@@ -469,34 +324,19 @@ void trapezoid(Call &call, const Stage &stage) {
     const int h = stage.height;
     const int narrow = static_cast<int>(w * (0.05 + 0.25 * stage.time));
     setCorners(call, {{narrow, w - narrow, w - 5, 5}, {h / 20, h / 20, h - h / 20, h - h / 20}});
-    call["brightnessAdd"] = 10;
-    call["brightnessScale"] = 200;
 }
 
 // About a centre.
 
-std::vector<Argument> centreArguments() {
+Arguments centreArguments(const Argument &srcRect) {
     return {destination(),
             clip("clipRect", "dst"),
             pitch("dstPitch", "dst"),
             source(),
-            rectangle("srcRect", "src"),
+            srcRect,
             pitch("srcPitch", "src"),
-            {.name = "centreX",
-             .kind = Kind::position,
-             .unit = "pixels",
-             .contract = nearCorner,
-             .drawn = {0.5, 0.5},
-             .of = "dst"},
-            {.name = "centreY",
-             .kind = Kind::position,
-             .unit = "pixels",
-             .contract = nearCorner,
-             .drawn = {0.5, 0.5},
-             .of = "dst"},
-            {.name = "angle", .kind = Kind::angle, .unit = "radians", .contract = {-1e4, 1e4}, .drawn = {0, 6.2831853}},
-            {.name = "width", .kind = Kind::extent, .unit = "pixels", .contract = {-2000, 2000}},
-            {.name = "height", .kind = Kind::extent, .unit = "pixels", .contract = {-2000, 2000}}};
+            position("centreX", "dst", {0.5, 0.5}, nearSurface),
+            position("centreY", "dst", {0.5, 0.5}, nearSurface)};
 }
 
 void arrangeCentre(Call &call, Random &random) {
@@ -504,8 +344,8 @@ void arrangeCentre(Call &call, Random &random) {
     call["clipRect"] = anyClip(call, "dst", random);
     tagRECT &rect = call["srcRect"].rect();
     rect = anyClip(call, "src", random);
-    if (random.oneIn(8)) // a single pixel
-        rect = {rect.left, rect.top, rect.left + 1, rect.top + 1};
+    if (random.oneIn(8))
+        rect = pixelOf(rect);
     const int reach = random.oneIn(8) ? 200 : 12;
     call["centreX"] = 8 + random.between(-reach, reach);
     call["centreY"] = 6 + random.between(-reach, reach);
@@ -517,64 +357,36 @@ void arrangeCentre(Call &call, Random &random) {
 
 /// Taps reach a pixel beyond the source at its right and bottom, and an empty source is read as if it were turned
 /// round.
-Areas readsTraced(const Call &call) {
+Box tracedSource(const Call &call) {
     const tagRECT &rect = call["srcRect"].rect();
-    return {{"src", Box{std::min(rect.left, rect.right) - 1, std::min(rect.top, rect.bottom) - 1,
-                        std::max(rect.left, rect.right) + 2, std::max(rect.top, rect.bottom) + 2}}};
+    return {std::min(rect.left, rect.right) - 1, std::min(rect.top, rect.bottom) - 1,
+            std::max(rect.left, rect.right) + 2, std::max(rect.top, rect.bottom) + 2};
 }
-Areas readsSoftened(const Call &call) {
+Box softenedSource(const Call &call) {
     const Box rect = call["srcRect"].rect();
-    return {{"src", {rect.left - 2, rect.top - 2, rect.right + 2, rect.bottom + 2}}};
-}
-Areas writesClipAndCoverage(const Call &call) {
-    return {{"dst", call["clipRect"].rect()}, {"src", call["srcRect"].rect()}};
+    return {rect.left - 2, rect.top - 2, rect.right + 2, rect.bottom + 2};
 }
 
-void turningAroundCentre(Call &call, const Stage &stage) {
-    const Stage part = {stage.width, stage.height, stage.time};
-    call["src"] = part.picture(1);
-    call["srcRect"] = part.picture(1).rect();
-    call["width"] = stage.width * 2 / 3;
-    call["height"] = stage.height * 2 / 3;
-}
-/// Stretched over most of the stage.
-void turnedWide(Call &call, const Stage &stage) {
-    turningAroundCentre(call, stage);
-    call["angle"] = 0.4;
-    call["width"] = stage.width * 5 / 4;
-    call["height"] = stage.height * 5 / 4;
+/// A scene of the source's width and height as a part of the stage's.
+template <int over, int under>
+void sized(Call &call, const Stage &stage) {
+    call["width"] = stage.width * over / under;
+    call["height"] = stage.height * over / under;
 }
 
-Row aboutCentre(Bound bound, std::string_view name, std::string_view sentence, TopByte topByte,
-                Areas (*reads)(const Call &), Areas (*writes)(const Call &) = writesClip) {
-    return {
-        .name = name,
-        .call = std::move(bound),
-        .sentence = sentence,
-        .arguments = centreArguments(),
-        .writes = writes,
-        .reads = reads,
-        .overlap = Overlap::rowOrder,
-        .topByte = topByte,
-        .sums = Sums::stayInside,
-        .arrange = arrangeCentre,
-        .scenes = {{"", turningAroundCentre}, {"over the whole picture", turnedWide}},
-    };
-}
-
-std::vector<Argument> discArguments() {
-    std::vector<Argument> all = centreArguments();
-    all[4] = {.name = "srcRect", .kind = Kind::unused, .unit = "", .mayBeNull = true};
-    all.erase(all.end() - 3, all.end());
-    all.push_back(radius("radius", {-300, 300}, {60, 60}));
-    all.push_back(
-        {.name = "angle", .kind = Kind::angle, .unit = "radians", .contract = {-1e4, 1e4}, .drawn = {0, 6.2831853}});
-    return all;
+Row aboutCentre(Row row) {
+    row.arguments = centreArguments(rectangle("srcRect", "src")) + angle("angle", nearCircle) +
+                    each({"width", "height"}, extent("", "", {-2000, 2000}));
+    row.writes = on("dst", "clipRect") + row.writes;
+    row.sums = stayInside;
+    row.arrange = arrangeCentre;
+    row.scenes = {{"", sized<2, 3>}, {"over the whole picture", inTurn(sized<5, 4>, set("angle", 0.4))}};
+    return row;
 }
 
 /// The disc is read where it is written, and a little beside its rim.
-Areas readsDisc(const Call &call) {
-    return {{"src", around(call["centreX"].whole(), call["centreY"].whole(), std::abs(call["radius"].whole()) + 3)}};
+Box discBox(const Call &call) {
+    return around(call["centreX"].whole(), call["centreY"].whole(), std::abs(call["radius"].whole()) + 3);
 }
 
 void arrangeDisc(Call &call, Random &random) {
@@ -597,71 +409,53 @@ void turningDisc(Call &call, const Stage &stage) {
 
 // Triangles and lines.
 
-Argument corner(std::string_view name, std::string_view of) {
-    return {.name = name, .kind = Kind::points, .unit = "pixels", .of = of};
-}
+constexpr std::string_view triangleCorners[] = {"p0", "p1", "p2", "t0", "t1", "t2"};
 
 void arrangeTriangle(Call &call, Random &random) {
     makeAlike(call, random, {"dst", "src"});
     call["clip"] = anyClip(call, "dst", random);
     const int reach = random.oneIn(5) ? 200 : 20;
     const int sourceReach = random.oneIn(5) ? 5000 : 4;
-    _POINTINT p[3];
-    _POINTINT t[3];
+    _POINTINT p[6];
     for (int i = 0; i < 3; ++i) {
         p[i] = {8 + random.between(-reach, reach), 6 + random.between(-reach, reach)};
-        t[i] = {random.between(-sourceReach, 15 + sourceReach), random.between(-sourceReach, 12 + sourceReach)};
+        p[i + 3] = {random.between(-sourceReach, 15 + sourceReach), random.between(-sourceReach, 12 + sourceReach)};
     }
     if (random.oneIn(4))
         p[1].y = p[0].y;
     if (random.oneIn(4))
         p[2].y = p[random.oneIn(2) ? 1 : 0].y + random.between(0, 1);
-    constexpr std::string_view names[] = {"p0", "p1", "p2", "t0", "t1", "t2"};
     for (std::size_t i = 0; i < 6; ++i)
-        call[names[i]] = Plane::of(i < 3 ? p[i] : t[i - 3]);
+        call[triangleCorners[i]] = Plane::of(p[i]);
 }
 
-Areas writesTriangle(const Call &call) {
-    return {{"dst", call["clip"].rect()}};
-}
 /// Source positions are held to the clip.
 Areas readsTriangle(const Call &call) {
     Areas areas = {{"src", call["clip"].rect()}};
-    for (const std::string_view name : {"p0", "p1", "p2", "t0", "t1", "t2"})
-        areas.push_back({name, boxOf(0, 0, 2, 1)});
+    for (const std::string_view name : triangleCorners)
+        areas.push_back(words(name, 2));
     return areas;
 }
 
+/// The corners of the source stand, those of the destination turn.
 void spinningTriangle(Call &call, const Stage &stage) {
-    constexpr std::string_view names[] = {"p0", "p1", "p2"};
-    constexpr std::string_view sources[] = {"t0", "t1", "t2"};
-    for (int i = 0; i < 3; ++i) {
-        const auto at = [&](double turn) {
-            return _POINTINT{static_cast<int>(stage.width * (0.5 + 0.45 * std::cos(turn))),
-                             static_cast<int>(stage.height * (0.5 + 0.45 * std::sin(turn)))};
-        };
-        call[names[i]] = Plane::of(at(2.0943951 * (i + stage.time) + 0.5));
-        call[sources[i]] = Plane::of(at(2.0943951 * i + 0.5));
+    for (std::size_t i = 0; i < 6; ++i) {
+        const double angle = 2.0943951 * (static_cast<int>(i % 3) + (i < 3 ? stage.time : 0)) + 0.5;
+        call[triangleCorners[i]] =
+            Plane::of(_POINTINT{static_cast<int>(stage.width * (0.5 + 0.45 * std::cos(angle))),
+                                static_cast<int>(stage.height * (0.5 + 0.45 * std::sin(angle)))});
     }
 }
 
-Box strokeOf(const Call &call) {
-    const int x1 = call["x1"].whole(), y1 = call["y1"].whole(), x2 = call["x2"].whole(), y2 = call["y2"].whole();
+Box strokeBox(const Call &call) {
     const int width = call["width"].whole();
     if (width < 1)
         return {};
-    const bool isSteep = std::abs(std::int64_t{x2} - x1) <= std::abs(std::int64_t{y2} - y1);
+    const Box line = lineBox(call);
+    const bool isSteep = line.width() <= line.height();
     const int low = width / 2;
     const int high = (width + 1) / 2 - 1;
-    return grown(
-        Box{std::min(x1, x2), std::min(y1, y2), std::int64_t{std::max(x1, x2)} + 1, std::int64_t{std::max(y1, y2)} + 1},
-        isSteep ? low : 0, isSteep ? 0 : low, isSteep ? high : 0, isSteep ? 0 : high);
-}
-Areas writesStroke(const Call &call) {
-    return {{"dst", strokeOf(call)}};
-}
-Areas readsStroke(const Call &call) {
-    return {{"src", strokeOf(call)}};
+    return grown(line, isSteep ? low : 0, isSteep ? 0 : low, isSteep ? high : 0, isSteep ? 0 : high);
 }
 
 void arrangeStroke(Call &call, Random &random) {
@@ -673,147 +467,93 @@ void arrangeStroke(Call &call, Random &random) {
     call["width"] = random.between(-2, 14);
 }
 
-void sweepingStroke(Call &call, const Stage &stage) {
-    call["src"] = stage.picture(1);
-    call["x1"] = stage.width / 10;
-    call["y1"] = static_cast<int>(stage.height * (0.2 + 0.6 * stage.time));
-    call["x2"] = stage.width * 9 / 10;
-    call["y2"] = static_cast<int>(stage.height * (0.8 - 0.6 * stage.time));
-    call["width"] = 41;
-}
-
-Argument strokeEnd(std::string_view name) {
-    return {.name = name, .kind = Kind::position, .unit = "pixels", .contract = nearCorner, .of = "dst"};
-}
-
 } // namespace
 
 std::vector<Row> warpRows() {
-#define Q_MUR_BOUND(function) callOf(::function, plain::function), #function
-    return {
-        aboutZ(Q_MUR_BOUND(iBltNear32_Z_Roto), "Turns and scales a picture about its centre, nearest pixel.",
-               TopByte::copied, false),
-        aboutZ(Q_MUR_BOUND(iBltNear32_Z_Roto_KeySrc), "Turns and scales a picture, leaving out pixels that are 0.",
-               TopByte::copied, false),
-        aboutZ(Q_MUR_BOUND(iBltNear32_Z_Roto_KeySrc_Add),
-               "Turns and scales a picture and adds it, leaving out pixels that are 0.", TopByte::cleared, true),
-        aboutZ(Q_MUR_BOUND(iBltNear32_Z_Roto_Alpha), "Turns and scales a picture and blends it by one alpha.",
-               TopByte::cleared, true),
-        aboutZ(Q_MUR_BOUND(iBltLinear32_Z_Roto), "Turns and scales a picture about its centre, filtered.",
-               TopByte::cleared, false),
-        aboutZ(Q_MUR_BOUND(iBltLinear32_Z_Roto_Alpha),
-               "Turns and scales a picture, filtered, and blends it by one alpha.", TopByte::cleared, true),
-        aboutAxis(Q_MUR_BOUND(iBltNear32_X_Roto), "Turns a picture with two faces in depth about a horizontal axis."),
-        aboutAxis(Q_MUR_BOUND(iBltNear32_Y_Roto), "Turns a picture with two faces in depth about a vertical axis."),
-        frameTurn(callOfOverload<void(q_ulong *, int, q_ulong *, int, double, double, double, int, int)>(
-                      iBltNear32_X_Roto_Fast, plain::iBltNear32_X_Roto_Fast),
-                  "iBltNear32_X_Roto_Fast", "", "Turns a whole frame in depth about a horizontal axis."),
-        frameTurn(
-            callOfOverload<void(q_ulong *, int, q_ulong *, int, q_ulong *, int, double, double, double, int, int)>(
-                iBltNear32_X_Roto_Fast, plain::iBltNear32_X_Roto_Fast),
-            "iBltNear32_X_Roto_Fast", "background",
-            "Turns a whole frame in depth about a horizontal axis, with a picture behind it."),
-        frameTurn(Q_MUR_BOUND(iBltNear32_Y_Roto_Fast), "", "Turns a whole frame in depth about a vertical axis."),
-#undef Q_MUR_BOUND
-        {
-            Q_MUR_FUNCTION(iBilinearMapping),
-            .sentence = "Draws a picture into any four corners, the patch inverted exactly.",
-            .arguments =
-                joined({destination(), source(), pitch("pitch", "dst"), frameExtent("width"), frameExtent("height")},
-                       corners()),
-            .writes = writesFrame,
-            .reads = readsFrame,
-            .allows = shareOnePitch,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = arrangeQuad,
-            .scenes = {{"", swingingQuad}},
-        },
-        {
-            Q_MUR_FUNCTION(iPsudoBilinearMapping),
-            .sentence = "Draws a picture into four corners in two quick passes.",
-            .arguments = joined({destination(), source(), scratch(), pitch("pitch", "dst"), frameExtent("width"),
-                                 frameExtent("height"), colour("fillColour")},
-                                corners()),
-            .writes = writesFrameAndScratch,
-            .reads = readsFrame,
-            .allows = shareOnePitch,
-            .overlap = Overlap::notPromised,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = arrangeQuad,
-            .scenes = {{"", swingingQuad}},
-        },
-        {
-            Q_MUR_FUNCTION(iAffineMapping),
-            .sentence = "Draws a picture into a trapezoid and brightens or darkens it.",
-            .arguments = joined(joined({destination(), source(), pitch("pitch", "dst"), rectangle("srcRect", "src"),
-                                        clip("clipRect", "dst")},
-                                       corners()),
-                                {number("brightnessAdd", "1", {-1000, 1000}, {10, 10}),
-                                 number("brightnessScale", "1/256", {-1000, 1000}, {128, 256})}),
-            .writes = writesClip,
-            .reads = readsAffine,
-            .allows = shareOnePitch,
-            .overlap = Overlap::notPromised,
-            .topByte = TopByte::disturbsRed,
-            .sums = Sums::saturate,
-            .arrange = arrangeAffine,
-            .scenes = {{"", trapezoid}},
-        },
-        aboutCentre(callOf(::iRotateMapping, plain::iRotateMapping), "iRotateMapping",
-                    "Stretches a picture onto a turned rectangle, filtered, along its traced edges.", TopByte::cleared,
-                    readsTraced),
-        {
-            Q_MUR_FUNCTION(iRotateCircleMapping),
-            .sentence = "Turns a disc of a picture on the spot.",
-            .arguments = discArguments(),
-            .writes = writesClip,
-            .reads = readsDisc,
-            .overlap = Overlap::notPromised,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = arrangeDisc,
-            .scenes = {{"", turningDisc}},
-            .without = {{"every_place_and_size_over_a_small_surface", "larger than 4 x 4 pixels"}},
-        },
-        aboutCentre(callOf(::iRotate, plain::iRotate), "iRotate",
-                    "Stretches a picture onto a turned rectangle, nearest pixel.", TopByte::copied, readsSrcRect),
-        aboutCentre(callOf(::iRotateLinear, plain::iRotateLinear), "iRotateLinear",
-                    "Stretches a picture onto a turned rectangle, filtered.", TopByte::cleared, readsSrcRect),
-        aboutCentre(callOf(::iRotateLinearAA, plain::iRotateLinearAA), "iRotateLinearAA",
-                    "Stretches a picture onto a turned rectangle with softened edges.", TopByte::cleared, readsSoftened,
-                    writesClipAndCoverage),
-        {
-            Q_MUR_FUNCTION(Blt_Triangle),
-            .sentence = "Maps a triangle of a picture onto another triangle.",
-            .arguments = {destination(), clip("clip", "dst"), pitch("dstPitch", "dst"), corner("p0", "dst"),
-                          corner("p1", "dst"), corner("p2", "dst"), source(), pitch("srcPitch", "src"),
-                          corner("t0", "src"), corner("t1", "src"), corner("t2", "src")},
-            .writes = writesTriangle,
-            .reads = readsTriangle,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = arrangeTriangle,
-            .scenes = {{"", spinningTriangle}},
-        },
-        {
-            Q_MUR_FUNCTION(ImageLine),
-            .sentence = "Reveals another picture along a straight stroke.",
-            .arguments = {destination(), source(), pitch("pitch", "dst"), strokeEnd("x1"), strokeEnd("y1"),
-                          strokeEnd("x2"), strokeEnd("y2"), number("width", "pixels", nearCorner, {41, 41})},
-            .writes = writesStroke,
-            .reads = readsStroke,
-            .allows = shareOnePitch,
-            .overlap = Overlap::rowOrder,
-            .topByte = TopByte::copied,
-            .sums = Sums::stayInside,
-            .arrange = arrangeStroke,
-            .scenes = {{"", sweepingStroke}},
-        },
+    using FrameTurn = void(q_ulong *, int, q_ulong *, int, double, double, double, int, int);
+    using FrameTurnBefore = void(q_ulong *, int, q_ulong *, int, q_ulong *, int, double, double, double, int, int);
+    const Region mixed = on("dst", "clipRect");
+    std::vector<Row> rows = {
+        aboutZ({Q_MUR_FUNCTION(iBltNear32_Z_Roto),
+                .sentence = "Turns and scales a picture about its centre, nearest pixel.", .topByte = copied,
+                .sums = stayInside}),
+        aboutZ({Q_MUR_FUNCTION(iBltNear32_Z_Roto_KeySrc),
+                .sentence = "Turns and scales a picture, leaving out pixels that are 0.", .topByte = copied,
+                .sums = stayInside}),
+        aboutZ({Q_MUR_FUNCTION(iBltNear32_Z_Roto_KeySrc_Add),
+                .sentence = "Turns and scales a picture and adds it, leaving out pixels that are 0.", .reads = mixed,
+                .topByte = cleared, .sums = saturate}),
+        aboutZ({Q_MUR_FUNCTION(iBltNear32_Z_Roto_Alpha),
+                .sentence = "Turns and scales a picture and blends it by one alpha.",
+                .arguments = {alpha({0.75, 0.75})}, .reads = mixed, .topByte = cleared, .sums = carryOver}),
+        aboutZ({Q_MUR_FUNCTION(iBltLinear32_Z_Roto),
+                .sentence = "Turns and scales a picture about its centre, filtered.", .topByte = cleared,
+                .sums = stayInside}),
+        aboutZ({Q_MUR_FUNCTION(iBltLinear32_Z_Roto_Alpha),
+                .sentence = "Turns and scales a picture, filtered, and blends it by one alpha.",
+                .arguments = {alpha({0.75, 0.75})}, .reads = mixed, .topByte = cleared, .sums = carryOver}),
+        aboutAxis<true>({Q_MUR_FUNCTION(iBltNear32_X_Roto),
+                         .sentence = "Turns a picture with two faces in depth about a horizontal axis."}),
+        aboutAxis<false>({Q_MUR_FUNCTION(iBltNear32_Y_Roto),
+                          .sentence = "Turns a picture with two faces in depth about a vertical axis."}),
+        frameTurn({Q_MUR_OVERLOAD(iBltNear32_X_Roto_Fast, FrameTurn),
+                   .sentence = "Turns a whole frame in depth about a horizontal axis."}),
+        frameTurn({Q_MUR_OVERLOAD(iBltNear32_X_Roto_Fast, FrameTurnBefore), .word = "background",
+                   .sentence = "Turns a whole frame in depth about a horizontal axis, with a picture behind it.",
+                   .arguments = {source("background"), unused("unused")}}),
+        frameTurn({Q_MUR_FUNCTION(iBltNear32_Y_Roto_Fast),
+                   .sentence = "Turns a whole frame in depth about a vertical axis."}),
+        {Q_MUR_FUNCTION(iBilinearMapping),
+         .sentence = "Draws a picture into any four corners, the patch inverted exactly.",
+         .arguments = destination() + source() + onePitch + frameSize + corners, .writes = frame,
+         .reads = on("src", frameOf), .allows = shareOnePitch, .topByte = copied, .sums = stayInside,
+         .arrange = arrangeQuad, .scenes = {{"", swingingQuad}}},
+        {Q_MUR_FUNCTION(iPsudoBilinearMapping), .sentence = "Draws a picture into four corners in two quick passes.",
+         .arguments = destination() + source() + scratch() + onePitch + frameSize + colour("fillColour") + corners,
+         .writes = frame + on("scratch", frameOf), .reads = on("src", frameOf), .allows = shareOnePitch,
+         .overlap = Overlap::notPromised, .topByte = copied, .sums = stayInside, .arrange = arrangeQuad,
+         .scenes = {{"", swingingQuad}}},
+        {Q_MUR_FUNCTION(iAffineMapping), .sentence = "Draws a picture into a trapezoid and brightens or darkens it.",
+         .arguments = destination() + source() + onePitch + rectangle("srcRect", "src") + clip("clipRect", "dst") +
+                      corners + number("brightnessAdd", "1", {-1000, 1000}, {10, 10}) +
+                      number("brightnessScale", "1/256", {-1000, 1000}, {128, 256}),
+         .writes = on("dst", "clipRect"), .reads = on("src", affineSource), .allows = shareOnePitch,
+         .overlap = Overlap::notPromised, .topByte = disturbsRed, .sums = saturate, .arrange = arrangeAffine,
+         .scenes = {{"", trapezoid}}},
+        aboutCentre({Q_MUR_FUNCTION(iRotateMapping),
+                     .sentence = "Stretches a picture onto a turned rectangle, filtered, along its traced edges.",
+                     .reads = on("src", tracedSource), .topByte = cleared}),
+        {Q_MUR_FUNCTION(iRotateCircleMapping), .sentence = "Turns a disc of a picture on the spot.",
+         .arguments = centreArguments(orNull(unused("srcRect"))) + radius("radius", {-300, 300}, {60, 60}) +
+                      angle("angle", nearCircle),
+         .writes = on("dst", "clipRect"), .reads = on("src", discBox), .overlap = Overlap::notPromised,
+         .topByte = copied, .sums = stayInside, .arrange = arrangeDisc, .scenes = {{"", turningDisc}},
+         .without = {{"every_place_and_size_over_a_small_surface", "larger than 4 x 4 pixels"}}},
+        aboutCentre({Q_MUR_FUNCTION(iRotate), .sentence = "Stretches a picture onto a turned rectangle, nearest pixel.",
+                     .reads = on("src", "srcRect"), .topByte = copied}),
+        aboutCentre({Q_MUR_FUNCTION(iRotateLinear),
+                     .sentence = "Stretches a picture onto a turned rectangle, filtered.",
+                     .reads = on("src", "srcRect"), .topByte = cleared}),
+        aboutCentre({Q_MUR_FUNCTION(iRotateLinearAA),
+                     .sentence = "Stretches a picture onto a turned rectangle with softened edges.",
+                     .writes = on("src", "srcRect"), .reads = on("src", softenedSource), .topByte = cleared}),
+        {Q_MUR_FUNCTION(Blt_Triangle), .sentence = "Maps a triangle of a picture onto another triangle.",
+         .arguments = destination() + clip("clip", "dst") + pitch("dstPitch", "dst") +
+                      each({"p0", "p1", "p2"}, points("", "pixels", "dst")) + source() + pitch("srcPitch", "src") +
+                      each({"t0", "t1", "t2"}, points("", "pixels", "src")),
+         .writes = on("dst", "clip"), .reads = readsTriangle, .topByte = copied, .sums = stayInside,
+         .arrange = arrangeTriangle, .scenes = {{"", spinningTriangle}}},
+        {Q_MUR_FUNCTION(ImageLine), .sentence = "Reveals another picture along a straight stroke.",
+         .arguments = destination() + source() + onePitch + position("x1", "dst", {0.1, 0.1}, nearSurface) +
+                      position("y1", "dst", {0.2, 0.8}, nearSurface) + position("x2", "dst", {0.9, 0.9}, nearSurface) +
+                      position("y2", "dst", {0.8, 0.2}, nearSurface) + number("width", "pixels", nearSurface, {41, 41}),
+         .writes = on("dst", strokeBox), .reads = on("src", strokeBox), .allows = shareOnePitch, .topByte = copied,
+         .sums = stayInside, .arrange = arrangeStroke},
     };
+    for (Row &row : rows) // what else is promised runs rows top to bottom and pixels left to right
+        if (row.overlap != Overlap::notPromised)
+            row.overlap = Overlap::rowOrder;
+    return rows;
 }
 
 } // namespace catalogue

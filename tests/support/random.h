@@ -7,6 +7,7 @@
 
 namespace test {
 
+using catalogue::anyTurn;
 using catalogue::Random;
 
 } // namespace test

@@ -1,5 +1,3 @@
-#include "turning.h"
-
 #include "plain/turns.h"
 #include "support/painting.h"
 
