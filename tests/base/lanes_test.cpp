@@ -118,8 +118,8 @@ TYPED_TEST(Lanes, sums_and_products_wrap_and_shifts_bring_in_zeros) {
 template <class Kind, class Number>
 void checkMoves() {
     using Tested = typename LanesOf<Kind>::template Same<Number>;
-    constexpr int bytes = LanesOf<Kind>::bytes;
-    constexpr int count = bytes / static_cast<int>(sizeof(Number));
+    static constexpr int bytes = LanesOf<Kind>::bytes;
+    static constexpr int count = bytes / static_cast<int>(sizeof(Number));
     forEachSample<Tested>([](const auto &a, const auto &, test::Random &random) {
         const auto number = numberFrom<Number>(random);
         const auto expect = [](Tested lanes, auto numberOf) {

@@ -9,6 +9,12 @@
 
 namespace test {
 
+// Which overload of an add is meant.
+using Add = void (*)(q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong);
+using ScaledAdd = void (*)(q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong, unsigned char, unsigned char,
+                           unsigned char);
+using PlacedAdd = void (*)(q_ulong *, q_ulong *, q_ulong, q_ulong, tagRECT *, q_ulong, q_ulong);
+
 /// An area of the source at a place of the destination, pixel on pixel.
 template <class Place, class Pitch, class... More>
 void place(void (*blit)(q_ulong *, q_ulong *, Place, Place, tagRECT *, Pitch, Pitch, More...), Surface &dst, int x,

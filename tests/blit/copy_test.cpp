@@ -6,8 +6,6 @@ namespace {
 
 using namespace test;
 
-using Add = void (*)(q_ulong *, q_ulong *, q_ulong, q_ulong, tagRECT *, q_ulong, q_ulong);
-
 TEST(iBltFast32, copies_all_32_bits) {
     Surface dst(2, 1, 0x11111111);
     Surface src = rowOf({0xFF123456, 0x80000000});
@@ -42,7 +40,7 @@ TEST(PlacedBlits, positions_and_pitches_below_0_mean_what_they_say) {
         [](q_ulong *dst, q_ulong *src, q_ulong x, q_ulong y, tagRECT *rect, q_ulong dstPitch, q_ulong srcPitch) {
             iBltFast32(dst, src, x, y, rect, static_cast<int>(dstPitch), static_cast<int>(srcPitch));
         });
-    expectTurned(Add{iBltFast32_Add});
+    expectTurned(PlacedAdd{iBltFast32_Add});
     expectTurned(iBltFast32_KeySrc, q_ulong{0});
     expectTurned(iBltFast32_KeySrc_Add, q_ulong{0});
 }

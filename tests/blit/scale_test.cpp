@@ -6,10 +6,6 @@ namespace {
 
 using namespace test;
 
-using Byte = unsigned char;
-using Add = void (*)(q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong);
-using ScaledAdd = void (*)(q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong, Byte, Byte, Byte);
-
 void stretchSafe(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect, tagRECT clip) {
     iBltNear32Safe(dst.pixels(), src.pixels(), &dstRect, &srcRect, &clip, dst.pitch(), src.pitch());
 }

@@ -85,12 +85,4 @@ TEST(sortedTriangle, puts_the_later_of_equal_rows_above_and_compares_the_third_w
     EXPECT_EQ(sortedPoints(10.9F, 10.1F, 20), "bac"); // the first two as given
 }
 
-TEST(areBeyond, is_false_where_they_touch_a_boundary) {
-    const Triangle<Lettered> corners = {{{3, {}}, {5, {}}, {8, {}}}};
-    EXPECT_FALSE(areBeyond(corners, {8, 20}));
-    EXPECT_TRUE(areBeyond(corners, {9, 20}));
-    EXPECT_FALSE(areBeyond(corners, {-5, 3}));
-    EXPECT_TRUE(areBeyond(corners, {-5, 2}));
-}
-
 } // namespace
