@@ -161,53 +161,22 @@ inline void iAffineMapping(q_ulong *dst, q_ulong *src, int pitch, tagRECT *srcRe
         }
 }
 
-/// A corner on the destination and on the source.
-struct MappedCorner {
-    Number x;
-    Number y;
-    Number u;
-    Number v;
-};
-
-/// `value` of a corner at row y on the edge between two of them, which ends one row early.
-inline Number onEdge(const MappedCorner &upper, const MappedCorner &lower, Number MappedCorner::*value, Number y) {
-    const Number rows = signed32(lower.y - upper.y - 1);
-    const Number inverse = 1048576 / (rows == 0 ? 1 : rows);
-    const Number gained = signed32(signed32(lower.*value - upper.*value) * signed32(y - upper.y));
-    return signed32(flooredQuotient(signed32(gained * inverse), 1048576) + upper.*value);
-}
-
-/// Asks every pixel of the clip whether and what the triangle shows there.
 inline void Blt_Triangle(q_ulong *dst, tagRECT *clip, int dstPitch, _POINTINT *p0, _POINTINT *p1, _POINTINT *p2,
                          q_ulong *src, int srcPitch, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2) {
-    const auto sorted = fromTopToBottom<MappedCorner>(
+    const auto sorted = fromTopToBottom<TexelCorner>(
         {{{p0->x, p0->y, t0->x, t0->y}, {p1->x, p1->y, t1->x, t1->y}, {p2->x, p2->y, t2->x, t2->y}}}, p0->y, p1->y,
         p2->y);
-    const MappedCorner &top = sorted[0], &mid = sorted[1], &bottom = sorted[2];
+    const TexelCorner &top = sorted[0], &mid = sorted[1], &bottom = sorted[2];
     const bool midIsLeft =
         wrappedProduct(bottom.x, top.x, top.y, mid.y) < wrappedProduct(top.y, bottom.y, mid.x, top.x);
-    for (Number y = std::max<Number>(top.y, clip->top); y < std::min<Number>(bottom.y, clip->bottom); ++y) {
-        const bool isUpper = y < mid.y;
-        const auto onSide = [&](bool left, Number MappedCorner::*value) {
-            if (left == midIsLeft)
-                return isUpper ? onEdge(top, mid, value, y) : onEdge(mid, bottom, value, y);
-            return onEdge(top, bottom, value, y);
-        };
-        const Number xL = onSide(true, &MappedCorner::x);
-        const Number xR = onSide(false, &MappedCorner::x);
-        const Number pixels = signed32(xR - xL - 1);
-        const Number inverse = 1048576 / (pixels == 0 ? 1 : pixels);
-        for (Number x = std::max<Number>(clip->left, xL); x < std::min<Number>(clip->right, xR); ++x) {
-            const auto across = [&](Number MappedCorner::*value) {
-                const Number step = signed32(signed32(onSide(false, value) - onSide(true, value)) * inverse);
-                return signed32(flooredQuotient(signed32((x - xL) * step), 1048576) + onSide(true, value));
-            };
-            const Number u = across(&MappedCorner::u);
-            const Number v = across(&MappedCorner::v);
-            if (contains(*clip, u, v))
-                Pixels{dst, dstPitch}.at(x, y) = Pixels{src, srcPitch}.at(u, v);
-        }
-    }
+    const auto draw = [&](const TexelCorner &from, const TexelCorner &to, auto... edges) {
+        drawTexelBand({dst, dstPitch}, {src, srcPitch}, *clip, 20, from.y, to.y, edges..., [](q_ulong &) {});
+    };
+    for (std::size_t i = 0; i < 2; ++i)
+        if (midIsLeft)
+            draw(sorted[i], sorted[i + 1], sorted[i], sorted[i + 1], top, bottom);
+        else
+            draw(sorted[i], sorted[i + 1], top, bottom, sorted[i], sorted[i + 1]);
 }
 
 /// Copies a run across the line at each of its positions.

@@ -1,5 +1,5 @@
 /// \file
-/// The straight line that every figure walks, and the side of it on which a point lies.
+/// The straight line that every figure walks, the side of it on which a point lies, and polygons cut into bands.
 #ifndef Q_MUR_TESTS_PLAIN_LINES_H
 #define Q_MUR_TESTS_PLAIN_LINES_H
 
@@ -99,6 +99,48 @@ void forBandsBetween(const std::array<Corner, 3> &corners, Draw draw) {
     } else {
         draw(top, bottom, top, middle);
         draw(top, bottom, middle, bottom);
+    }
+}
+
+/// A corner on the destination and on the source.
+struct TexelCorner {
+    Number x;
+    Number y;
+    Number u;
+    Number v;
+};
+
+/// What `steps` of so many come to on the way from one number to another, by a reciprocal of one step less.
+inline Number shortenedWay(Number from, Number to, Number steps, Number length, int bits) {
+    const Number rest = signed32(length - 1);
+    const Number reciprocal = (Number{1} << bits) / (rest == 0 ? 1 : rest);
+    const Number gained = signed32(signed32(signed32(to - from) * signed32(steps)) * reciprocal);
+    return signed32(flooredQuotient(gained, Number{1} << bits) + from);
+}
+
+/// Draws the nearest texels on the rows between two edges; texels outside the clip leave the pixel to `outside`.
+template <class Outside>
+void drawTexelBand(Pixels dst, Pixels tex, const tagRECT &clip, int bits, Number firstRow, Number endRow,
+                   const TexelCorner &left0, const TexelCorner &left1, const TexelCorner &right0,
+                   const TexelCorner &right1, Outside outside) {
+    for (Number y = std::max<Number>(firstRow, clip.top); y < std::min<Number>(endRow, clip.bottom); ++y) {
+        const auto onEdge = [=](const TexelCorner &upper, const TexelCorner &lower, Number TexelCorner::*value) {
+            return shortenedWay(upper.*value, lower.*value, y - upper.y, lower.y - upper.y, bits);
+        };
+        const Number left = onEdge(left0, left1, &TexelCorner::x);
+        const Number right = onEdge(right0, right1, &TexelCorner::x);
+        for (Number x = std::max<Number>(left, clip.left); x < std::min<Number>(right, clip.right); ++x) {
+            const auto between = [&](Number TexelCorner::*value) {
+                return shortenedWay(onEdge(left0, left1, value), onEdge(right0, right1, value), x - left, right - left,
+                                    bits);
+            };
+            const Number u = between(&TexelCorner::u);
+            const Number v = between(&TexelCorner::v);
+            if (contains(clip, u, v))
+                dst.at(x, y) = tex.at(u, v);
+            else
+                outside(dst.at(x, y));
+        }
     }
 }
 
