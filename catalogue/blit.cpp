@@ -215,8 +215,7 @@ void centre(Call &call, Random &random) {
     const int before = random.oneIn(4) ? random.between(0, 6) : 0;
     const tagRECT rect = call["srcRect"].rect();
     call["srcRect"] = tagRECT{rect.left - before, rect.top - before, rect.right - before, rect.bottom - before};
-    call["centreX"] = anyPlace(random);
-    call["centreY"] = anyPlace(random);
+    call.set({{"centreX", anyPlace(random)}, {"centreY", anyPlace(random)}});
     chooseClip(call, random);
 }
 
@@ -225,8 +224,7 @@ void moveRect(Call &call, Random &random) {
     const tagRECT rect = random.rectInsideOrEmpty(widthOf(both), heightOf(both));
     const int x = random.between(-30, 30);
     const int y = random.between(-30, 30);
-    call["offsetX"] = x;
-    call["offsetY"] = y;
+    call.set({{"offsetX", x}, {"offsetY", y}});
     call["rect"] = tagRECT{rect.left - x, rect.top - y, rect.right - x, rect.bottom - y};
 }
 
@@ -261,8 +259,7 @@ void scaleLongSometimes(Call &call, Random &random) {
     const auto line = [&](int length) {
         return upright ? Plane::randomSurface(random, 1, length) : Plane::randomSurface(random, length, 1);
     };
-    call["src"] = line(random.between(1000, 2000));
-    call["dst"] = line(random.between(500, 1500));
+    call.set({{"src", line(random.between(1000, 2000))}, {"dst", line(random.between(500, 1500))}});
     for (const char *rect : {"srcRect", "dstRect", "clipRect"})
         if (call.row().argument(rect))
             call[rect] = call[rect[0] == 's' ? "src" : "dst"].plane().rect();
@@ -442,10 +439,8 @@ void chooseText(Call &call, Random &random) {
     std::string text;
     for (int count = random.between(0, 5); count > 0; --count)
         text += letters[static_cast<std::size_t>(random.between(0, static_cast<int>(letters.size()) - 1))];
-    call["text"] = characters(text);
-    call["fontName"] = characters("DejaVu Sans");
-    call["colour"] = random.pixel() & 0xFFFFFF;
-    call["fontHeight"] = random.between(6, 20);
+    call.set({{"text", characters(text)}, {"fontName", characters("DejaVu Sans")}});
+    call.set({{"colour", random.pixel() & 0xFFFFFF}, {"fontHeight", random.between(6, 20)}});
     draw({"x", "y"}, -20, 16)(call, random);
 }
 
@@ -459,8 +454,7 @@ Areas readsText(const Call &call) {
 }
 
 void writeLine(Call &call, const Stage &) {
-    call["text"] = characters("Letters on a page");
-    call["fontName"] = characters("DejaVu Sans");
+    call.set({{"text", characters("Letters on a page")}, {"fontName", characters("DejaVu Sans")}});
     call["colour"] = 0xFFFFFF;
 }
 

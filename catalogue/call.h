@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -98,6 +99,12 @@ public:
     Value &operator[](std::size_t index) { return values[index]; }
     const Value &operator[](std::size_t index) const { return values[index]; }
     std::size_t size() const { return values.size(); }
+
+    /// Gives values to several arguments.
+    void set(std::initializer_list<std::pair<std::string_view, Value>> named) {
+        for (const auto &[name, value] : named)
+            (*this)[name] = value;
+    }
 
     /// Sets every pitch from the plane that it belongs to, and fits Z planes to their destinations.
     void settle();

@@ -148,8 +148,7 @@ void arrangeEndsInside(Call &call, Random &random) {
         constexpr int margin = Plane::usualMargin;
         return random.oneIn(20) ? call[first].whole() : random.between(-margin, extent + margin - 1);
     };
-    call["x2"] = other("x1", plane.width());
-    call["y2"] = other("y1", plane.height());
+    call.set({{"x2", other("x1", plane.width())}, {"y2", other("y1", plane.height())}});
 }
 void arrangeTube(Call &call, Random &random) {
     arrangeEndsInside(call, random);
@@ -226,8 +225,7 @@ void arrangeFilledDisc(Call &call, Random &random) {
     arrangeClippedDisc(call, random);
     if (random.oneIn(16)) {
         const int radius = random.between(30000, 70000);
-        call["radius"] = radius;
-        call["cx"] = random.between(-20, 20) - radius;
+        call.set({{"radius", radius}, {"cx", random.between(-20, 20) - radius}});
     }
     if (call.row().argument("alpha"))
         call["alpha"] = random.oneIn(4) ? static_cast<int>(random.word()) : random.between(0, 256);
@@ -239,8 +237,7 @@ void arrangeOutline(Call &call, Random &random) {
 void arrangeBand(Call &call, Random &random) {
     const int reach = random.between(1, roomIn(call["surface"].plane()));
     const int thickness = random.between(1, 3);
-    call["thickness"] = thickness;
-    call["radius"] = reach - 2 * thickness;
+    call.set({{"thickness", thickness}, {"radius", reach - 2 * thickness}});
     place(call, random, {"cx", "cy"}, reach, reach);
 }
 void arrangeClippedBand(Call &call, Random &random) {
@@ -322,8 +319,7 @@ void arrangeSpikes(Call &call, Random &random) {
     const auto near = [&](int extent) {
         return random.oneIn(4) ? random.between(-10, extent + 9) : random.between(0, extent);
     };
-    call["x"] = near(plane.width());
-    call["y"] = near(plane.height());
+    call.set({{"x", near(plane.width())}, {"y", near(plane.height())}});
     call["size"] = random.between(-1, random.oneIn(8) ? 40 : 14);
     for (const auto channel : {"red", "green", "blue"})
         call[channel] = random.oneIn(10) ? random.between(-600, 900) : random.between(0, 255);
@@ -447,8 +443,7 @@ void arrangeBubble(Call &call, Random &random, Rows rows) {
                                              [&](int) { return random.word() & kept; });
     call["resourceSize"] = size;
     call["size"] = random.between(-1, random.oneIn(32) ? 60 : 24);
-    call["cx"] = random.between(-10, plane.width() + 10);
-    call["cy"] = random.between(-10, plane.height() + 10);
+    call.set({{"cx", random.between(-10, plane.width() + 10)}, {"cy", random.between(-10, plane.height() + 10)}});
     call["width"] = plane.width() - (random.oneIn(4) ? random.between(0, 3) : 0);
     call["height"] = plane.height() - (random.oneIn(4) ? random.between(0, 3) : 0);
     if (call.row().argument("scratch"))
@@ -460,10 +455,8 @@ void setResource(Call &call, const Stage &stage, Rows rows) {
     const int rowLength = rows == Rows::ofSurface ? call["surface"].plane().pitch() : size;
     Plane rendered(4, rowLength * size, 1);
     MakeBubbleResource(rendered.as<q_ulong>(), rowLength, 0, 0, size, 1);
-    call["resource"] = std::move(rendered);
-    call["resourceSize"] = size;
-    call["width"] = stage.width;
-    call["height"] = stage.height;
+    call.set({{"resource", std::move(rendered)}, {"resourceSize", size}});
+    call.set({{"width", stage.width}, {"height", stage.height}});
 }
 Row bubble(Row row, double largestSize, double largestResource, Rows rows = Rows::ofResource) {
     row.arguments = surface + row.arguments + itsPitch + centre + radius("size", {anyInt.low, largestSize}, {60, 150}) +

@@ -46,8 +46,7 @@ void arrangeStrip(Call &call, Random &random) {
         p2.x = p1.x;
     else if (random.oneIn(4))
         p2 = {p1.x + random.between(-9, 9) * 4, p1.y + random.between(-9, 9) * 3};
-    call["p1"] = p1;
-    call["p2"] = p2;
+    call.set({{"p1", p1}, {"p2", p2}});
     if (!random.oneIn(20))
         call["edgeWidth"] = random.between(-2, 40);
     call["swapImages"] = random.between(0, 1) * random.between(-3, 3);
@@ -70,8 +69,7 @@ Box discBox(const Call &call) {
 void arrangeDisc(Call &call, Random &random) {
     const int reach = random.oneIn(20) ? 300 : 22;
     call["centre"] = tagPOINT{random.between(22 - reach - 28, reach), random.between(22 - reach - 28, reach)};
-    call["radius"] = random.between(0, reach == 300 ? 450 : 20);
-    call["band"] = random.between(-2, 20);
+    call.set({{"radius", random.between(0, reach == 300 ? 450 : 20)}, {"band", random.between(-2, 20)}});
 }
 void setDisc(Call &call, const Stage &stage) {
     call["radius"] = std::floor(stage.height * stage.within({0.3, 0.7}));
@@ -121,8 +119,7 @@ template <bool alongRows>
 void arrangeBlurSize(Call &call, Random &random) {
     const Plane &src = call["src"].plane();
     call["dst"] = likeSource(call, random);
-    call["width"] = random.between(1, src.width());
-    call["height"] = random.between(1, src.height());
+    call.set({{"width", random.between(1, src.width())}, {"height", random.between(1, src.height())}});
     call["blurSize"] = random.between(0, call[alongRows ? "width" : "height"].whole() - 1);
 }
 template <bool alongRows>
@@ -137,9 +134,7 @@ void arrangeSigma(Call &call, Random &random) {
     const int height = alongRows ? lines : length;
     call["src"] = Plane::randomSurface(random, width, height);
     call["dst"] = likeSource(call, random);
-    call["sigma"] = static_cast<double>(sigma);
-    call["width"] = width;
-    call["height"] = height;
+    call.set({{"sigma", static_cast<double>(sigma)}, {"width", width}, {"height", height}});
 }
 
 /// `fits` says of a window whether anything is blurred.
@@ -188,9 +183,7 @@ void arrangeBlackSearch(Call &call, Random &random) {
     const int seldom = random.oneIn(3) ? 1000 : random.between(2, 40);
     call["block"] =
         Plane::array<q_ulong>(blockWords, [&](int) { return random.oneIn(seldom) ? 0 : anyNonZero(random); });
-    call["blockWords"] = blockWords;
-    call["index"] = random.between(-3, blockWords + 3);
-    call["pitch"] = pitch;
+    call.set({{"blockWords", blockWords}, {"index", random.between(-3, blockWords + 3)}, {"pitch", pitch}});
     call["ring"] = random.between(0, 6);
     if (call.row().argument("limit"))
         call["limit"] = random.oneIn(4) ? random.between(999999, 1000001) : random.between(-2, 40);
@@ -201,10 +194,8 @@ void arrangeColourSearch(Call &call, Random &random) {
     const int seldom = random.between(2, 40);
     call["surface"] = Plane::array<q_ulong>(
         width * height, [&](int) { return random.oneIn(seldom) ? random.pixel() : random.word() & 0xFF000000; });
-    call["width"] = width;
-    call["height"] = height;
-    call["x"] = random.between(-3, width + 2);
-    call["y"] = random.between(-3, height + 2);
+    call.set({{"width", width}, {"height", height}});
+    call.set({{"x", random.between(-3, width + 2)}, {"y", random.between(-3, height + 2)}});
     call["ring"] = random.between(0, 8);
 }
 Areas blockWordsRead(const Call &call) {
@@ -265,8 +256,7 @@ void arrangeMask(Call &call, Random &random) {
     if (!random.oneIn(8) && rect.bottom > rect.top)
         mask.at(static_cast<int>(rect.left) + random.between(0, heightOf(rect) * pitch - 1),
                 static_cast<int>(rect.top)) = 0;
-    call["surface"] = mask;
-    call["rect"] = rect;
+    call.set({{"surface", mask}, {"rect", rect}});
     if (!random.oneIn(20))
         call["heightScale"] = random.between(-4, 12);
     call["bevelSize"] = random.oneIn(20)  ? random.between(-40, 0)

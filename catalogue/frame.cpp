@@ -75,8 +75,7 @@ void arrangeInts(Call &call, Random &random) {
     const int low = random.oneIn(10) ? random.between(-2147483647, 2147483647) : random.between(-40000, 40000);
     const int extent = random.between(1, 1 << random.between(0, 16));
     const std::int64_t high = std::int64_t{low} + (random.oneIn(10) ? -extent : extent);
-    call["low"] = low;
-    call["high"] = static_cast<int>(static_cast<std::uint32_t>(high));
+    call.set({{"low", low}, {"high", static_cast<int>(static_cast<std::uint32_t>(high))}});
 }
 void arrangeIntGauss(Call &call, Random &random) {
     call["low"] = random.between(-1000, 1000);

@@ -152,8 +152,7 @@ void arrangeGrids(Call &call, Random &random) {
     const auto fewest = static_cast<int>(std::max(call.row().argument("columns")->contract.low, -1.0));
     const int columns = random.between(fewest, 5);
     const int rows = random.between(fewest, 5);
-    call["columns"] = columns;
-    call["rows"] = rows;
+    call.set({{"columns", columns}, {"rows", rows}});
     for (std::size_t i = 0; i < call.size(); ++i) {
         const Kind kind = call.row().arguments[i].kind;
         if (kind == Kind::points)

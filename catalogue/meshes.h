@@ -167,8 +167,7 @@ Row emptying(Row row) {
     };
     row.scenes = {{.set = [](Call &call, const Stage &stage) {
         const Plane shape = Plane::surface(stage.width, stage.height);
-        call["data"] = Block::fresh(shape);
-        call["pitch"] = shape.pitch();
+        call.set({{"data", Block::fresh(shape)}, {"pitch", shape.pitch()}});
     }}};
     return row;
 }

@@ -57,18 +57,14 @@ void arrangeView(Call &call, Random &random) {
     const auto at = [&call](std::string_view name) { return static_cast<float>(call[name].number()); };
     const int kind = random.between(0, 15);
     if (kind < 2) { // up along the line of sight, or nearly so
-        call["upX"] = (at("centerX") - at("eyeX")) * 2;
-        call["upY"] = (at("centerY") - at("eyeY")) * 2;
+        call.set({{"upX", (at("centerX") - at("eyeX")) * 2}, {"upY", (at("centerY") - at("eyeY")) * 2}});
         call["upZ"] = (at("centerZ") - at("eyeZ")) * 2;
     } else if (kind < 4) { // up and line of sight nearly along world Y
         call["eyeX"] = call["eyeZ"] = call["upX"] = call["upZ"] = 0;
-        call["centerX"] = random.oneIn(2) ? 0.0000002F : 0.0F;
-        call["centerY"] = at("eyeY") + 1;
+        call.set({{"centerX", random.oneIn(2) ? 0.0000002F : 0.0F}, {"centerY", at("eyeY") + 1}});
         call["centerZ"] = 0.0000001F;
     } else if (kind == 4) {
-        call["centerX"] = at("eyeX");
-        call["centerY"] = at("eyeY");
-        call["centerZ"] = at("eyeZ");
+        call.set({{"centerX", at("eyeX")}, {"centerY", at("eyeY")}, {"centerZ", at("eyeZ")}});
     }
 }
 
@@ -87,8 +83,7 @@ Areas gridColours(const Call &call) {
 void arrangeMapping(Call &call, Random &random) {
     const int rows = random.between(-1, 2);
     const int columns = random.between(-1, 3);
-    call["rows"] = rows;
-    call["columns"] = columns;
+    call.set({{"rows", rows}, {"columns", columns}});
     call["points"] = Plane::array<Point>(std::max(rows * columns, 1), [&random](int) {
         const float x = random.real();
         const float y = random.real();
@@ -272,17 +267,14 @@ Areas readsLit(const Call &call) {
 void arrangeLit(Call &call, Random &random) {
     const int rows = random.between(2, 4);
     const int columns = random.between(2, 4);
-    call["rows"] = rows;
-    call["columns"] = columns;
+    call.set({{"rows", rows}, {"columns", columns}});
     if (random.oneIn(30))
         call[random.oneIn(2) ? "rows" : "columns"] = random.between(-1, 1);
-    call["points"] = crumpledGrid(random, rows, columns, 5);
-    call["colours"] = randomColours(random, rows * columns);
+    call.set({{"points", crumpledGrid(random, rows, columns, 5)}, {"colours", randomColours(random, rows * columns)}});
     draw({"wrapRows", "wrapColumns"}, 0, 2)(call, random);
     call["light"] = Plane::of(randomLight(random));
     call["ambientVector"] = Plane::array<int>(4, [&random](int) { return random.between(-60, 60); });
-    call["specular"] = random.realBetween(0, 2);
-    call["shininess"] = random.between(-1, 5);
+    call.set({{"specular", random.realBetween(0, 2)}, {"shininess", random.between(-1, 5)}});
     drawOpacity(call, random);
 }
 void setLight(Call &call, const Stage &) {
@@ -320,8 +312,7 @@ void arrangeAlpha(Call &call, Random &random) {
         point.x /= 2;
         point.z *= 10;
     }
-    call["points"] = grid;
-    call["colours"] = randomColours(random, alphaRows * alphaColumns);
+    call.set({{"points", grid}, {"colours", randomColours(random, alphaRows * alphaColumns)}});
     draw({"wrapRows", "wrapColumns"}, 0, 2)(call, random);
 }
 
@@ -372,9 +363,7 @@ void arrangeLine(Call &call, Random &random) {
         ends[1].x = ends[0].x;
     if (random.oneIn(8))
         ends[1].y = ends[0].y;
-    call["a"] = Plane::of(ends[0]);
-    call["b"] = Plane::of(ends[1]);
-    call["colourA"] = randomColours(random, 1);
+    call.set({{"a", Plane::of(ends[0])}, {"b", Plane::of(ends[1])}, {"colourA", randomColours(random, 1)}});
     if (random.oneIn(2))
         call["colourB"] = randomColours(random, 1);
 }

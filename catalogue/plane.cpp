@@ -60,35 +60,24 @@ void forbid(void *page, std::size_t bytes) {
 #endif
 
 /// Pages with a fence that are not in use, kept since it takes the system long to make them.
-class FencedPages {
-public:
-    static std::byte *taken(std::size_t bytes, Fence fence) {
-        const std::lock_guard<std::mutex> lock(guard());
-        std::vector<std::byte *> &kept = pages()[{bytes, fence}];
-        if (kept.empty())
-            return nullptr;
-        std::byte *last = kept.back();
-        kept.pop_back();
-        return last;
-    }
-
-    static void giveBack(std::byte *mapping, std::size_t bytes, Fence fence) {
-        const std::lock_guard<std::mutex> lock(guard());
-        pages()[{bytes, fence}].push_back(mapping);
-    }
-
-private:
-    using Kept = std::map<std::pair<std::size_t, Fence>, std::vector<std::byte *>>;
-
-    static Kept &pages() {
-        static auto *all = new Kept; // outlives whatever is given back late
-        return *all;
-    }
-    static std::mutex &guard() {
-        static auto *one = new std::mutex;
-        return *one;
-    }
+struct FencedPages {
+    std::mutex guard;
+    std::map<std::pair<std::size_t, Fence>, std::vector<std::byte *>> kept;
 };
+FencedPages &fencedPages() {
+    static auto *all = new FencedPages; // outlives whatever is given back late
+    return *all;
+}
+
+std::byte *taken(std::size_t bytes, Fence fence) {
+    const std::lock_guard<std::mutex> lock(fencedPages().guard);
+    std::vector<std::byte *> &kept = fencedPages().kept[{bytes, fence}];
+    if (kept.empty())
+        return nullptr;
+    std::byte *last = kept.back();
+    kept.pop_back();
+    return last;
+}
 
 } // namespace
 
@@ -100,7 +89,7 @@ Memory::Memory(std::size_t bytes, Fence fence) : length(bytes), fencedAt(fence),
     const std::size_t page = pageSize();
     const std::size_t used = (bytes + page - 1) / page * page;
     mappedBytes = used + page;
-    auto *pages = FencedPages::taken(mappedBytes, fence);
+    auto *pages = taken(mappedBytes, fence);
     if (!pages) {
         pages = mapped(mappedBytes);
         forbid(fence == Fence::before ? pages : pages + used, page);
@@ -110,10 +99,12 @@ Memory::Memory(std::size_t bytes, Fence fence) : length(bytes), fencedAt(fence),
 }
 
 Memory::~Memory() {
-    if (mapping)
-        FencedPages::giveBack(static_cast<std::byte *>(mapping), mappedBytes, fencedAt);
-    else
+    if (!mapping) {
         ::operator delete(first);
+        return;
+    }
+    const std::lock_guard<std::mutex> lock(fencedPages().guard);
+    fencedPages().kept[{mappedBytes, fencedAt}].push_back(static_cast<std::byte *>(mapping));
 }
 
 Plane::Plane(int bytesOfElement, int width, int height, int margin, int extraPitch)

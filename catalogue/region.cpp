@@ -40,8 +40,7 @@ void makePlane(Call &call, Random &random) {
     if (!drawsBytes(call))
         return;
     const Plane plane = bytesOf(randomSurface(random));
-    call["plane"] = plane;
-    call["clip"] = random.rectInsideOrEmpty(plane.width(), plane.height());
+    call.set({{"plane", plane}, {"clip", random.rectInsideOrEmpty(plane.width(), plane.height())}});
 }
 void arrangeLine(Call &call, Random &random) {
     const int reach = random.oneIn(50) ? 5000 : 20;
@@ -83,8 +82,7 @@ void setColour(Call &call, const Stage &stage) {
 /// A fan of lines from the middle all around.
 void setLine(Call &call, const Stage &stage) {
     const double angle = stage.time * 6.2831853;
-    call["x1"] = stage.width / 2;
-    call["y1"] = stage.height / 2;
+    call.set({{"x1", stage.width / 2}, {"y1", stage.height / 2}});
     call["x2"] = std::floor(stage.width * (0.5 + 0.45 * std::cos(angle)));
     call["y2"] = std::floor(stage.height * (0.5 + 0.45 * std::sin(angle)));
 }
@@ -106,10 +104,7 @@ void setSmoothCurve(Call &call, const Stage &stage) {
             return extent * (0.5 + radius * std::cos(i * 6.2831853 / count - quarters * quarterTurn));
         });
     };
-    call["xs"] = around(stage.width, 0);
-    call["ys"] = around(stage.height, 1);
-    call["count"] = count;
-    call["openCurve"] = 0;
+    call.set({{"xs", around(stage.width, 0)}, {"ys", around(stage.height, 1)}, {"count", count}, {"openCurve", 0}});
 }
 
 /// What is drawn on, with its arguments before, between and behind those of the figure.
@@ -224,8 +219,7 @@ void arrangeScan(Call &call, Random &random) {
     const int left = random.between(-3, surface.width());
     const int right = random.between(0, surface.width() + 3);
     call["data"] = RegionBlock{.plane = bytesOf(surface), .planeRect = {left, 0, right, 0}, .testSurface = surface};
-    call["x"] = random.between(0, surface.width() - 1);
-    call["y"] = random.between(0, surface.height() - 1);
+    call.set({{"x", random.between(0, surface.width() - 1)}, {"y", random.between(0, surface.height() - 1)}});
     if (!onPlane)
         call["limit"] = call.row().name == "scan_left" ? left : right;
 }
@@ -234,11 +228,9 @@ void setScan(Call &call, const Stage &stage) {
     const Plane open = Plane::surface(stage.width, 1);
     call["data"] = RegionBlock{.plane = bytesOf(open), .planeRect = open.rect(), .testSurface = open};
     const bool toTheLeft = call.row().name.find("left") != std::string_view::npos;
-    call["x"] = toTheLeft ? stage.width - 1 : 0;
-    call["y"] = 0;
+    call.set({{"x", toTheLeft ? stage.width - 1 : 0}, {"y", 0}});
     if (call.row().argument("limit")) {
-        call["limit"] = toTheLeft ? 0 : stage.width;
-        call["border"] = 1;
+        call.set({{"limit", toTheLeft ? 0 : stage.width}, {"border", 1}});
     }
 }
 
@@ -302,11 +294,9 @@ tagRECT arrangeSeed(Call &call, Random &random, const Plane &surface) {
     const int left = static_cast<int>(limits.left);
     const int right = static_cast<int>(limits.right) - 1;
     const int x = random.between(left, right);
-    call["x"] = x;
-    call["y"] = random.between(static_cast<int>(limits.top), static_cast<int>(limits.bottom) - 1);
+    call.set({{"x", x}, {"y", random.between(static_cast<int>(limits.top), static_cast<int>(limits.bottom) - 1)}});
     call["direction"] = random.oneIn(6) ? random.between(1, 2) : 0;
-    call["parentLeft"] = random.between(left, x);
-    call["parentRight"] = random.between(x, right);
+    call.set({{"parentLeft", random.between(left, x)}, {"parentRight", random.between(x, right)}});
     return limits;
 }
 void arrangeColourFill(Call &call, Random &random) {

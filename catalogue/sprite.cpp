@@ -29,14 +29,12 @@ Row sprite(Row row) {
         } else if (random.oneIn(40)) {
             height = spriteHeight + random.between(-4, 20);
         }
-        call["width"] = width;
-        call["height"] = height;
+        call.set({{"width", width}, {"height", height}});
         call["dst"] = Plane::randomSurface(random, std::max(width, 1), std::max(height, 1));
     };
     row.scenes = {{.set = [](Call &call, const Stage &) {
         call["dst"] = Plane::surface(spriteWidth, spriteHeight, 0x203040);
-        call["width"] = spriteWidth;
-        call["height"] = spriteHeight;
+        call.set({{"width", spriteWidth}, {"height", spriteHeight}});
     }}};
     return row;
 }
@@ -60,12 +58,10 @@ Argument bytePitch(std::string_view name, std::string_view of) {
 
 void arrangeFit(Call &call, Random &random) {
     const Plane &dst = call["dst"].plane();
-    call["dstWidth"] = random.between(1, dst.width());
-    call["dstHeight"] = random.between(1, dst.height());
+    call.set({{"dstWidth", random.between(1, dst.width())}, {"dstHeight", random.between(1, dst.height())}});
     const int width = random.between(0, 24);
     const int height = random.between(0, 24);
-    call["srcWidth"] = width;
-    call["srcHeight"] = height;
+    call.set({{"srcWidth", width}, {"srcHeight", height}});
     const Plane src(1, std::max(3 * width, 3), std::max(height, 1), 0, random.between(0, 5));
     call["src"] = src.fill<unsigned char>({0, 0, src.pitch(), src.height()}, [&](int, int) { return random.word(); });
 }
@@ -76,8 +72,7 @@ void drawFit(Call &call, const Stage &stage) {
     const Plane src(1, stage.width / 2 * 3, stage.height / 2);
     call["src"] =
         src.fill<unsigned char>(src.rect(), [&](int x, int y) { return picture.at(x / 3 * 2, y * 2) >> (x % 3 * 8); });
-    call["srcWidth"] = stage.width / 2;
-    call["srcHeight"] = stage.height / 2;
+    call.set({{"srcWidth", stage.width / 2}, {"srcHeight", stage.height / 2}});
 }
 
 } // namespace

@@ -84,16 +84,13 @@ void arrangeLight(Call &call, Random &random) {
     Point light = {random.real(1), random.real(1), random.real(1), 0};
     if (light.x == 0 && light.y == 0)
         light.x = 0.5F;
-    call["light"] = Plane::of(light);
-    call["ambient"] = random.between(-100, 300);
-    call["specular"] = random.between(-50, 600);
-    call["shininess"] = random.between(-1, 6);
+    call.set({{"light", Plane::of(light)}, {"ambient", random.between(-100, 300)}});
+    call.set({{"specular", random.between(-50, 600)}, {"shininess", random.between(-1, 6)}});
 }
 
 template <class Block>
 void setMeshLight(Call &call, const Stage &stage) {
-    call["points"] = wavingGrid(stage, 64, 64);
-    call["light"] = lightFromAbove();
+    call.set({{"points", wavingGrid(stage, 64, 64)}, {"light", lightFromAbove()}});
     call["data"].get<Block>().vertexArray0 = Plane(4, 64 * 64, 1);
     call["data"].get<Block>().vertexArray1 = Plane(4, 64 * 64, 1);
 }
@@ -391,8 +388,7 @@ void setPolygonOfGrid(Call &call, const Stage &stage, int side, const Mode &mode
     if (stage.call == 0) {
         const Plane grid = coveringGrid(stage, columns, columns);
         const int beyond = mode.flags == 0 ? stage.width / 4 : 0;
-        call["tex"] = textureOf(stage, mode.flags == keyed.flags);
-        call["p0"] = grid;
+        call.set({{"tex", textureOf(stage, mode.flags == keyed.flags)}, {"p0", grid}});
         call["t0"] = Plane::array<_POINTINT>(columns * columns, [&](int i) {
             const Point &point = grid.as<Point>()[i];
             return _POINTINT{static_cast<int>(point.x) * mode.unitsOfPixel + beyond,
@@ -536,8 +532,7 @@ void arrangeMesh(Call &call, Random &random) {
     call["texRect"] = random.rectInside(side, side);
     const int rows = random.between(2, 4);
     const int cols = random.between(2, 4);
-    call["rows"] = random.oneIn(40) ? 1 : rows;
-    call["cols"] = random.oneIn(40) ? 1 : cols;
+    call.set({{"rows", random.oneIn(40) ? 1 : rows}, {"cols", random.oneIn(40) ? 1 : cols}});
     const bool isMirrored = random.oneIn(3);
     const float jog = random.oneIn(5) ? 20 : 2;
     const auto place = [&](int index, int count, int extent) {
@@ -554,8 +549,7 @@ void arrangeMesh(Call &call, Random &random) {
     const int red = random.between(0, 150);
     const int green = random.between(-150, 150);
     call["ambientColor"] = Plane::of(_POINT3D{red, green, random.between(0, 150), 0});
-    call["specular"] = random.realBetween(0, 1);
-    call["shininess"] = random.between(0, 4);
+    call.set({{"specular", random.realBetween(0, 1)}, {"shininess", random.between(0, 4)}});
 }
 
 /// A mesh before a texture of `halves` times half the stage's size, or the whole of it on a cloth.

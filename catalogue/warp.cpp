@@ -73,8 +73,7 @@ void arrangeZ(Call &call, Random &random) {
     }
     call["clipRect"] = anyClip(call, "dst", random);
     const Plane &dst = call["dst"].plane();
-    call["centreX"] = random.between(-2, dst.width() + 2);
-    call["centreY"] = random.between(-2, dst.height() + 2);
+    call.set({{"centreX", random.between(-2, dst.width() + 2)}, {"centreY", random.between(-2, dst.height() + 2)}});
     if (random.oneIn(12))
         call[random.oneIn(2) ? "centreX" : "centreY"] =
             random.oneIn(2) ? random.between(-1000, 1000) : random.between(INT_MIN, INT_MAX);
@@ -98,10 +97,7 @@ void arrangeZ(Call &call, Random &random) {
 void wholeZ(Call &call) {
     const Plane &dst = call["dst"].plane();
     call["srcRect"] = call["src"].plane().rect();
-    call["clipRect"] = dst.rect();
-    call["centreX"] = dst.width() / 2;
-    call["centreY"] = dst.height() / 2;
-    call["angle"] = 0;
+    call.set({{"clipRect", dst.rect()}, {"centreX", dst.width() / 2}, {"centreY", dst.height() / 2}, {"angle", 0}});
     call["scale"] = 1;
 }
 
@@ -118,8 +114,7 @@ void turnedOverAll(Call &call, const Stage &stage) {
     const Plane &src = call["src"].plane();
     const double across = stage.width * std::cos(turn) + stage.height * std::sin(turn);
     const double down = stage.width * std::sin(turn) + stage.height * std::cos(turn);
-    call["angle"] = turn;
-    call["scale"] = 1.05 * std::max(across / src.width(), down / src.height());
+    call.set({{"angle", turn}, {"scale", 1.05 * std::max(across / src.width(), down / src.height())}});
 }
 
 /// The six rotators about the Z axis differ in how they sample and store.
@@ -180,16 +175,12 @@ void arrangeFaces(Call &call, Random &random) {
 
 /// A picture with another on its back, turning in the middle of a third.
 void turningPage(Call &call, const Stage &stage) {
-    call["front"] = stage.picture(1);
-    call["back"] = stage.picture(2);
-    call["background"] = stage.picture(0);
+    call.set({{"front", stage.picture(1)}, {"back", stage.picture(2)}, {"background", stage.picture(0)}});
 }
 /// One face alone.
 void turnedOnce(Call &call, const Stage &) {
     call["back"] = call["background"] = Plane();
-    call["angle"] = 0.5;
-    call["scale"] = 1.25;
-    call["perspective"] = 0.25;
+    call.set({{"angle", 0.5}, {"scale", 1.25}, {"perspective", 0.25}});
 }
 
 template <bool aboutX>
@@ -347,8 +338,7 @@ void arrangeCentre(Call &call, Random &random) {
     if (random.oneIn(8))
         rect = pixelOf(rect);
     const int reach = random.oneIn(8) ? 200 : 12;
-    call["centreX"] = 8 + random.between(-reach, reach);
-    call["centreY"] = 6 + random.between(-reach, reach);
+    call.set({{"centreX", 8 + random.between(-reach, reach)}, {"centreY", 6 + random.between(-reach, reach)}});
     call["angle"] = anyTurn(random);
     const int size = random.oneIn(8) ? 150 : 25;
     call["width"] = random.between(random.oneIn(6) ? -size : 0, size);
@@ -370,8 +360,7 @@ Box softenedSource(const Call &call) {
 /// A scene of the source's width and height as a part of the stage's.
 template <int over, int under>
 void sized(Call &call, const Stage &stage) {
-    call["width"] = stage.width * over / under;
-    call["height"] = stage.height * over / under;
+    call.set({{"width", stage.width * over / under}, {"height", stage.height * over / under}});
 }
 
 Row aboutCentre(Row row) {
@@ -392,18 +381,14 @@ Box discBox(const Call &call) {
 void arrangeDisc(Call &call, Random &random) {
     constexpr int most = 20;
     makeAlike(call, random, {"dst"});
-    call["srcRect"] = Value();
-    call["src"] = Plane::randomSurface(random, 80, 80).movedBy(32, 32);
+    call.set({{"srcRect", Value()}, {"src", Plane::randomSurface(random, 80, 80).movedBy(32, 32)}});
     call["clipRect"] = anyClip(call, "dst", random);
-    call["centreX"] = 8 + random.between(-12, 12);
-    call["centreY"] = 6 + random.between(-12, 12);
-    call["radius"] = random.between(random.oneIn(8) ? -most : 0, most);
-    call["angle"] = anyTurn(random);
+    call.set({{"centreX", 8 + random.between(-12, 12)}, {"centreY", 6 + random.between(-12, 12)}});
+    call.set({{"radius", random.between(random.oneIn(8) ? -most : 0, most)}, {"angle", anyTurn(random)}});
 }
 
 void turningDisc(Call &call, const Stage &stage) {
-    call["src"] = stage.picture(0);
-    call["srcRect"] = Value();
+    call.set({{"src", stage.picture(0)}, {"srcRect", Value()}});
     call["radius"] = std::min(stage.width, stage.height) * 2 / 5;
 }
 
@@ -460,8 +445,7 @@ Box strokeBox(const Call &call) {
 
 void arrangeStroke(Call &call, Random &random) {
     makeAlike(call, random, {"dst", "src"});
-    call["x1"] = random.between(0, 15);
-    call["y1"] = random.between(0, 12);
+    call.set({{"x1", random.between(0, 15)}, {"y1", random.between(0, 12)}});
     call["x2"] = random.oneIn(6) ? call["x1"].whole() : random.between(0, 15);
     call["y2"] = random.oneIn(6) ? call["y1"].whole() : random.between(0, 12);
     call["width"] = random.between(-2, 14);

@@ -6,6 +6,7 @@
 #include "catalogue/plane.h"
 #include "random.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -68,7 +69,9 @@ private:
 /// Pixels whose last one ends where memory may no longer be read: a read beyond faults.
 class PageEndPixels {
 public:
-    explicit PageEndPixels(std::size_t count) : memory(count * sizeof(q_ulong), catalogue::Fence::behind) {}
+    explicit PageEndPixels(std::size_t count) : memory(count * sizeof(q_ulong), catalogue::Fence::behind) {
+        std::fill_n(data(), count, q_ulong{}); // pages are used again and again
+    }
 
     q_ulong *data() { return reinterpret_cast<q_ulong *>(memory.data()); }
 
