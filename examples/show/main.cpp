@@ -16,6 +16,10 @@
 #include <cstdio>
 #include <exception>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 namespace {
 
 using namespace show;
@@ -121,6 +125,9 @@ void run(Options options, const char *programName) {
 } // namespace
 
 int main(int argumentCount, char **arguments) {
+#ifdef __GLIBC__
+    mallopt(M_ARENA_MAX, 1); // a thread with an arena of its own takes 64 MB of addresses with it
+#endif
     try {
         openStandardFiles();
         const Options options = parseOptions(programArguments(argumentCount, arguments));

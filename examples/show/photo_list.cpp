@@ -62,13 +62,13 @@ std::vector<std::filesystem::path> picturesIn(const std::filesystem::path &folde
 std::vector<Candidate> candidatesFor(const std::vector<ShownPhoto> &named) {
     std::vector<Candidate> candidates;
     for (std::size_t group = 0; group < named.size(); ++group) {
-        const auto &[path, seconds] = named[group];
+        const auto &path = named[group].path;
         std::error_code ignored;
         if (!std::filesystem::is_directory(path, ignored))
-            candidates.push_back({{path, seconds}, group});
+            candidates.push_back({named[group], group});
         else
             for (const auto &picture : picturesIn(path))
-                candidates.push_back({{picture, seconds}, group});
+                candidates.push_back({{picture, named[group].seconds}, group});
     }
     return candidates;
 }
@@ -76,7 +76,9 @@ std::vector<Candidate> candidatesFor(const std::vector<ShownPhoto> &named) {
 void tryToRead(Candidate &candidate, int mostMegapixels) {
     candidate.lackedMemory = false;
     try {
-        candidate.taken = readImage(candidate.photo.path, mostMegapixels).taken;
+        ImageFile image = readImage(candidate.photo.path, mostMegapixels);
+        candidate.taken = std::move(image.taken);
+        candidate.photo.bytes = image.picture.bytes();
     } catch (const Failure &failure) {
         candidate.reason = failure.what();
     } catch (const std::bad_alloc &) {
@@ -92,7 +94,7 @@ void readAll(std::vector<Candidate> &candidates, const PhotoReading &reading) {
     std::condition_variable changed;
     const int count = static_cast<int>(std::min(static_cast<std::size_t>(reading.threads), candidates.size()));
     {
-        const Threads readers(count, [&] {
+        const Threads readers(count, 0, [&](int) {
             for (std::size_t i; !stopped && (i = next++) < candidates.size();) {
                 tryToRead(candidates[i], reading.mostMegapixels);
                 const std::lock_guard lock(mutex);

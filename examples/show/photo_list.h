@@ -3,6 +3,7 @@
 #ifndef QMUR_SHOW_PHOTO_LIST_H
 #define QMUR_SHOW_PHOTO_LIST_H
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <vector>
@@ -13,6 +14,7 @@ namespace show {
 struct ShownPhoto {
     std::filesystem::path path;
     std::optional<double> seconds = std::nullopt; ///< for each; nothing if the show's own are meant
+    std::size_t bytes = 0;                        ///< of its pixels in memory, once it has been read
 };
 
 /// Reads a playlist. Each line is the number of seconds, or "-" for the show's own, then white space, then a photograph

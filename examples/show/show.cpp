@@ -150,6 +150,16 @@ Shot Show::shotAt(int index, int frame, std::shared_ptr<const Photo> &photo) con
             .seconds = settings.rate.secondsOf(end - first)};
 }
 
+std::size_t Show::memoryToDraw() const {
+    constexpr std::size_t fixed = 16 << 20;
+    constexpr std::size_t planes = 20;           // of the frame's size, photographs that are ready included
+    constexpr std::size_t copiesToReadAFile = 5; // such as its bytes, its rows, what is turned
+    std::size_t largest = 0;
+    for (const ShownPhoto &photo : settings.photos)
+        largest = std::max(largest, photo.bytes);
+    return fixed + planes * Canvas(settings.width, settings.height).bytes() + copiesToReadAFile * largest;
+}
+
 void Show::render(Stage &stage, int frame) const {
     const auto next = std::upper_bound(firstFrames.begin(), firstFrames.end(), frame);
     const int index = static_cast<int>(next - firstFrames.begin()) - 1;

@@ -45,6 +45,9 @@ public:
     int frameCount() const { return firstFrames.back(); }
     int shotCount() const { return static_cast<int>(firstFrames.size()) - 1; }
 
+    /// What drawing takes at most in one thread, roughly.
+    std::size_t memoryToDraw() const;
+
     /// Draws a frame on the stage.
     void render(Stage &stage, int frame) const;
 

@@ -48,6 +48,7 @@ public:
 
     int width() const { return layout.width; }
     int height() const { return layout.height; }
+    std::size_t bytes() const { return static_cast<std::size_t>(layout.elements()) * sizeof(q_ulong); }
     Surface surface() const { return layout.at(plane.get() + layout.origin()); }
     operator Surface() const { return surface(); }
     tagRECT rect() const { return surface().rect(); }

@@ -15,7 +15,7 @@ import time
 import running
 from pictures import (DIFFERENCES, HEIC, QUARTERS, WEBP, Picture, bmp_bytes, chunk, exif, jpeg_bytes, png_bytes,
                       png_of, read_png, with_exif)
-from running import ShowTest, command, four_photos
+from running import ShowTest, command, four_photos, sha256
 
 GROUND = (0x17, 0x18, 0x1B)
 STILL = ("--size", "64x64", "--fps", 1, "--seconds", 1, "--effects", "pan")
@@ -562,31 +562,45 @@ class Surroundings(ShowTest):
             (self.directory / name).write_bytes(png_bytes(flat((i, i, i), 127, 4100)))
         self.assertLess(self.peak_of(names) - self.peak_of(names[:8]), 8 * 1024)
 
-    def test_little_memory_is_said_and_nothing_else(self):
-        if running.is_sanitized():
-            self.skipTest("a sanitizer needs room for its own books")
-        enough = 0
-        for megabytes in (24, 32, 40, 50, 54, 60, 70, 80, 90, 100, 130, 200, 400):
-            limit = megabytes << 20
-            result = self.run_program(
-                *four_photos()[:1], "--size", "1280x720", "--fps", 1, "--seconds", 1, "--effects", "pan", "--threads", 2,
-                "-o", "out%d.png", preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
-            if result.returncode == 0:
-                read_png(self.directory / "out0.png")
-                enough += 1
-            elif result.returncode != 127:  # the system could not even load the program
-                self.assertEqual(result.returncode, 2, f"{megabytes} MB: {result.stderr}")
-                self.assertTrue(result.stderr.splitlines()[-1].startswith("qmur-show: "), result.stderr)
-        self.assertGreater(enough, 0)
+    def run_limited(self, megabytes, *arguments):
+        limit = megabytes << 20
+        return self.run_program(*arguments, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
 
-    def test_threads_that_cannot_start_are_done_without(self):
+    def test_little_memory_is_said_and_is_never_called_damage(self):
         if running.is_sanitized():
             self.skipTest("a sanitizer needs room for its own books")
-        limit = 300 << 20  # the stacks of 64 threads take more
-        result = self.run_program(*four_photos()[:1], *STILL, "--threads", 64, "-o", "out%d.png",
-                                  preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
-        self.assertEqual(result.returncode, 0, result.stderr)
-        read_png(self.directory / "out0.png")
+        pictures = {"a.png": png_of(1600, 1200, 8, 6, [bytes(range(256)) * 25] * 1200), "a.bmp": bmp_bytes(flat((1, 2, 3))),
+                    "a.jpg": running.bundled_photos()[0].read_bytes(), "a.webp": WEBP, "a.heic": HEIC}
+        for name, data in pictures.items():
+            (self.directory / name).write_bytes(data)
+            arguments = (name, *STILL, "--threads", 2, "-o", "out%d.png")
+            if "it is no" in self.run_program(*arguments).stderr:
+                continue  # this build lacks the library
+            enough = 0
+            for megabytes in (*range(20, 132, 8), 200, 400):
+                result = self.run_limited(megabytes, *arguments)
+                if result.returncode == 0:
+                    read_png(self.directory / "out0.png")
+                    enough += 1
+                elif result.returncode != 127:  # the system could not even load the program
+                    self.assertEqual(result.returncode, 2, f"{name}, {megabytes} MB: {result.stderr}")
+                    self.assertRegex(result.stderr.splitlines()[-1],
+                                     "^qmur-show: .*(there is not enough memory for|cannot start a thread)",
+                                     f"{name}, {megabytes} MB")
+            self.assertGreater(enough, 0, name)
+
+    def test_as_many_threads_draw_as_there_is_memory_for(self):
+        if running.is_sanitized():
+            self.skipTest("a sanitizer needs room for its own books")
+        # The stacks of 64 threads alone take 512 MB.
+        arguments = (four_photos()[0], "--size", "320x180", "--fps", 32, "--seconds", 2, "--effects", "pan", "-o")
+        want = self.frames("want", *arguments[:-1])
+        self.assertEqual(len(want), 64)
+        for megabytes in range(150, 601, 50):
+            (self.directory / str(megabytes)).mkdir()
+            result = self.run_limited(megabytes, *arguments, f"{megabytes}/%d.png", "--threads", 64)
+            self.assertEqual(result.returncode, 0, f"{megabytes} MB: {result.stderr}")
+            self.assertEqual({int(file.stem): sha256(file) for file in (self.directory / str(megabytes)).iterdir()}, want)
 
 
 EVERYWHERE = [Inputs, Outputs, CommandLine]

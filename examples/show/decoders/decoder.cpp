@@ -1,6 +1,8 @@
 #include "decoder.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <new>
 #include <vector>
 
 namespace show {
@@ -33,6 +35,16 @@ std::string decoderNames() {
     for (const Decoder *const decoder : decoders())
         names += std::string(names.empty() ? "" : decoder == decoders().back() ? " or " : ", ") + decoder->name;
     return names;
+}
+
+void checkMemoryFor(PictureSize size) {
+    constexpr std::size_t fixed = 32 << 20; // a thread's stack, and much more than tables take
+    constexpr std::size_t bytesInPixel = 16;
+    const std::size_t pixels = static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height);
+    void *volatile const memory = std::malloc(fixed + bytesInPixel * pixels);
+    if (!memory)
+        throw std::bad_alloc();
+    std::free(memory);
 }
 
 } // namespace show

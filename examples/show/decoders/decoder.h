@@ -13,7 +13,7 @@ struct PictureSize {
     int height;
 };
 
-/// A kind of picture file. What the functions throw is a Failure that says why, and not which file.
+/// A kind of picture file. What the functions throw is a Failure that says why, and not which file, or std::bad_alloc.
 struct Decoder {
     const char *name;
     bool (*recognises)(Bytes start);
@@ -33,6 +33,10 @@ const Decoder *findDecoder(Bytes start);
 
 /// The names of all kinds, as in "JPEG, PNG or BMP".
 std::string decoderNames();
+
+/// For decoders that may call a lack of memory damage: throws std::bad_alloc unless there is as much memory as decoding
+/// so many pixels takes at most.
+void checkMemoryFor(PictureSize size);
 
 extern const Decoder jpegDecoder;
 extern const Decoder pngDecoder;

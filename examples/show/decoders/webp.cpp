@@ -54,6 +54,8 @@ void decode(Bytes file, const Surface &picture) {
     config.output.u.RGBA.size = static_cast<std::size_t>(picture.pitch) * 4 * static_cast<std::size_t>(picture.height);
     const VP8StatusCode status = WebPDecode(file.data(), file.size(), &config);
     WebPFreeDecBuffer(&config.output);
+    if (status == VP8_STATUS_BITSTREAM_ERROR)
+        checkMemoryFor({picture.width, picture.height});
     check(status);
 }
 
