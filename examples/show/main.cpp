@@ -119,7 +119,11 @@ void run(Options options, const char *programName) {
     std::vector<std::unique_ptr<Output>> outputs;
     for (const auto &target : options.outputs)
         outputs.push_back(openOutput(target, format, range));
-    renderShow(show, settings.width, settings.height, range, outputs, options.threads);
+    Timings timings;
+    renderShow(show, settings.width, settings.height, range, outputs, options.threads,
+               options.printsTimings ? &timings : nullptr);
+    if (options.printsTimings)
+        print(timings.table());
 }
 
 } // namespace

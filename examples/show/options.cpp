@@ -206,6 +206,8 @@ Options parseOptions(const std::vector<std::string> &arguments) {
                 [&](const std::string &value) {
                     settings.mostMegapixels = readWhole("--max-megapixels", value, 1, mostMegapixels);
                 });
+    line.flag("timings", "Print the milliseconds that a frame of each effect takes a thread to draw; needs no -o",
+              [&] { options.printsTimings = true; });
     line.flag("list", "Print the effects and end", [&] { options.listEffects = true; });
     line.flag("version", "Print the version and end", [&] { wantsVersion = true; });
     line.flag("help", "Print this and end", [&] { wantsHelp = true; }).letter('h');
@@ -228,7 +230,7 @@ Options parseOptions(const std::vector<std::string> &arguments) {
         throw Failure("--subtitle needs --title");
     if (options.lastsAsMusic && options.music.empty())
         throw Failure("--seconds music needs --music");
-    if (options.outputs.empty())
+    if (options.outputs.empty() && !options.printsTimings)
         throw Failure("nothing to write; name a file, such as -o show.mp4");
     return options;
 }

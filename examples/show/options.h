@@ -23,6 +23,7 @@ struct Options {
     std::optional<int> last;
     int threads = 1;
     bool listEffects = false;
+    bool printsTimings = false;
     std::string answer; ///< what --help or --version print; nothing else is to be done then
 };
 

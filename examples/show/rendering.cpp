@@ -130,10 +130,11 @@ struct StopAtEnd {
 } // namespace
 
 void renderShow(const Show &show, int width, int height, FrameRange range,
-                const std::vector<std::unique_ptr<Output>> &outputs, int threads) {
+                const std::vector<std::unique_ptr<Output>> &outputs, int threads, Timings *timings) {
     std::vector<int> frames;
     for (int frame = range.first; frame <= range.last; ++frame)
-        if (std::any_of(outputs.begin(), outputs.end(), [frame](const auto &output) { return output->wants(frame); }))
+        if (timings ||
+            std::any_of(outputs.begin(), outputs.end(), [frame](const auto &output) { return output->wants(frame); }))
             frames.push_back(frame);
 
     threads = static_cast<int>(std::min(static_cast<std::size_t>(threads), frames.size()));
@@ -142,7 +143,9 @@ void renderShow(const Show &show, int width, int height, FrameRange range,
         const auto paint = [&](std::size_t &place) {
             Stage stage(width, height);
             while (queue.take(place)) {
-                show.render(stage, frames[place]);
+                const Drawing drawn = show.render(stage, frames[place]);
+                if (timings)
+                    timings->add(show.nameOf(drawn.effect), drawn.seconds);
                 Encodings encodings;
                 for (const auto &output : outputs)
                     encodings.push_back(output->wants(frames[place]) ? output->encode(stage.frame()) : EncodedFrame{});
