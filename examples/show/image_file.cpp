@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -122,11 +123,11 @@ ImageFile decodeFile(const std::filesystem::path &path, int mostMegapixels) {
         static_cast<long long>(size.width) * size.height > mostPixels)
         throw Failure(std::to_string(size.width) + " x " + std::to_string(size.height) +
                       " pixels are too many; --max-megapixels raises the limit");
-    const ExifNotes notes = decoder->notes(bytes);
+    ExifNotes notes = decoder->notes(bytes);
     Canvas stored(size.width, size.height);
     decoder->decode(bytes, stored.surface());
     layOnGround(stored.surface());
-    return {upright(std::move(stored), notes.orientation), notes.taken};
+    return {upright(std::move(stored), notes.orientation), std::move(notes.comment), std::move(notes.taken)};
 }
 
 } // namespace

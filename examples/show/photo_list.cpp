@@ -24,6 +24,7 @@ constexpr double longestSeconds = 600;
 
 struct Candidate {
     ShownPhoto photo;
+    bool wasNamed;     ///< itself, and not its folder
     std::size_t group; ///< photographs of one folder have one number, all others have their own
     std::string taken = {};
     std::string reason = {}; ///< why it cannot be read; empty if it can
@@ -65,10 +66,10 @@ std::vector<Candidate> candidatesFor(const std::vector<ShownPhoto> &named) {
         const auto &path = named[group].path;
         std::error_code ignored;
         if (!std::filesystem::is_directory(path, ignored))
-            candidates.push_back({named[group], group});
+            candidates.push_back({named[group], true, group});
         else
             for (const auto &picture : picturesIn(path))
-                candidates.push_back({{picture, named[group].seconds}, group});
+                candidates.push_back({{picture, named[group].seconds}, false, group});
     }
     return candidates;
 }
@@ -78,6 +79,7 @@ void tryToRead(Candidate &candidate, int mostMegapixels) {
     try {
         ImageFile image = readImage(candidate.photo.path, mostMegapixels);
         candidate.taken = std::move(image.taken);
+        candidate.photo.comment = std::move(image.comment);
         candidate.photo.bytes = image.picture.bytes();
     } catch (const Failure &failure) {
         candidate.reason = failure.what();
@@ -168,15 +170,20 @@ std::vector<ShownPhoto> readPlaylist(const std::filesystem::path &path) {
     return photos;
 }
 
-std::vector<ShownPhoto> readablePhotos(const std::vector<ShownPhoto> &named, const PhotoReading &reading) {
+ReadPhotos readablePhotos(const std::vector<ShownPhoto> &named, const PhotoReading &reading) {
     std::vector<Candidate> candidates = candidatesFor(named);
     readAll(candidates, reading);
     std::string reasons;
+    bool isRefused = false;
+    int leftOut = 0;
     for (const Candidate &candidate : candidates)
-        if (!candidate.reason.empty())
+        if (!candidate.reason.empty()) {
             reasons += candidate.reason + '\n';
+            isRefused |= candidate.wasNamed && !reading.skipBad;
+            ++leftOut;
+        }
     std::erase_if(candidates, [](const Candidate &candidate) { return !candidate.reason.empty(); });
-    if (!reasons.empty() && !reading.skipBad)
+    if (isRefused)
         throw Failure(reasons);
     if (!reasons.empty())
         say(reasons);
@@ -189,7 +196,7 @@ std::vector<ShownPhoto> readablePhotos(const std::vector<ShownPhoto> &named, con
     std::vector<ShownPhoto> photos;
     for (Candidate &candidate : candidates)
         photos.push_back(std::move(candidate.photo));
-    return photos;
+    return {std::move(photos), leftOut};
 }
 
 } // namespace show
