@@ -159,6 +159,18 @@ class Inputs(ShowTest):
         self.assertEqual((result.returncode, result.stderr.splitlines()[-1]),
                          (2, "qmur-show: no photograph is left to show"))
 
+    def test_what_cannot_be_read_of_a_folder_is_left_out_and_named(self):
+        folder = self.directory / "holiday"
+        folder.mkdir()
+        (folder / "1.png").write_bytes(png_bytes(flat((200, 100, 50))))
+        (folder / "2.png").write_bytes(png_bytes(flat((1, 2, 3)))[:60])
+        lines = self.show("holiday", *STILL, "-o", "f%d.png").stderr.splitlines()
+        self.assertRegex(lines[0], "cannot read 'holiday.2.png': the PNG picture is cut off")
+        self.assertEqual(lines[-2:], ["qmur-show: wrote 'f0.png'",
+                                      "qmur-show: left out, since it cannot be read: 1 photograph"])
+        result = self.run_program("holiday", folder / "2.png", *STILL, "-o", "new.png")
+        self.assertEqual((result.returncode, len(result.stderr.splitlines())), (2, 2))
+
     def test_reading_many_photographs_shows_how_far_it_has_come(self):
         (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3))))
         for threads in (1, 4):
@@ -261,6 +273,20 @@ class CommandLine(ShowTest):
             self.assert_refused(["a.png", "--size", "16x16", "--seconds", seconds, "--fps", rate, "--effects", "pan", "-o",
                                  "s.png", "--first", frames], f"frames 0 to {frames - 1}")
             self.assertIn("wrote", result.stderr)
+
+    def test_timings_name_each_effect_and_count_its_frames(self):
+        (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3), 16, 16)))
+        rows = [line.split() for line in self.show("a.png", "--size", "640x360", "--fps", 10, "--seconds", 2, "--effects",
+                                                   "pan,wipe,fade-out", "--timings").stdout.splitlines()]
+        self.assertEqual(rows[0], ["effect", "frames", "ms/frame", "slowest"])
+        frames = {row[0]: int(row[1]) for row in rows[1:]}
+        # Two shots of 20 frames; of 40, a fifth of either belongs to the transition, and half of the last to the end.
+        self.assertEqual(frames, {"pan": 22, "wipe": 8, "fade-out": 10, "all": 40})
+        for row in rows[1:]:
+            self.assertTrue(0 < float(row[2]) <= float(row[3]), row)
+        times = [float(row[2]) for row in rows[1:-1]]
+        self.assertEqual(times, sorted(times, reverse=True))
+        self.assertEqual(self.contents(), ["a.png"])
 
     def test_more_frames_than_can_be_counted(self):
         (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3), 1, 1)))
