@@ -3,6 +3,8 @@
 #include "numbers.h"
 #include "text.h"
 
+#include <map>
+
 namespace show {
 
 namespace {
@@ -182,6 +184,26 @@ Bytes exifOfJpeg(Bytes file) {
     return found;
 }
 
+std::vector<unsigned char> profileOfJpeg(Bytes file) {
+    constexpr std::uint32_t applicationSegment2 = 0xE2;
+    constexpr auto profileHeading = "ICC_PROFILE\0"sv; // the part's number, and how many there are, follow
+    std::map<unsigned, Bytes> parts;
+    std::size_t count = 0;
+    visitHeader(file, [&](std::uint32_t marker, Bytes segment) {
+        const std::size_t start = profileHeading.size() + 2;
+        if (marker == applicationSegment2 && standsAt(segment, 0, profileHeading) && segment.size() > start) {
+            parts[segment[start - 2]] = segment.subspan(start);
+            count = segment[start - 1];
+        }
+        return true;
+    });
+    std::vector<unsigned char> profile;
+    if (parts.size() == count)
+        for (const auto &[number, bytes] : parts)
+            profile.insert(profile.end(), bytes.begin(), bytes.end());
+    return profile;
+}
+
 Bytes exifOfPng(Bytes file) {
     const Numbers numbers = {file, false};
     for (std::size_t place = 8; place + 12 <= file.size();) {
@@ -195,11 +217,11 @@ Bytes exifOfPng(Bytes file) {
     return {};
 }
 
-Bytes exifOfWebp(Bytes file) {
+Bytes chunkOfWebp(Bytes file, std::string_view name) {
     const Numbers numbers = {file, true};
     for (std::size_t place = 12; place + 8 <= file.size();) {
         const std::size_t length = numbers.at(place + 4, 4);
-        if (standsAt(file, place, "EXIF"))
+        if (standsAt(file, place, name))
             return part(file, place + 8, length);
         if (length > file.size() - place - 8)
             break;

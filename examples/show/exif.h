@@ -6,6 +6,7 @@
 #include "input_file.h"
 
 #include <string>
+#include <string_view>
 
 namespace show {
 
@@ -27,8 +28,11 @@ Bytes exifOfJpeg(Bytes file);
 /// A PNG file's eXIf chunk; empty if there is none.
 Bytes exifOfPng(Bytes file);
 
-/// A WebP file's EXIF chunk; empty if there is none.
-Bytes exifOfWebp(Bytes file);
+/// A WebP file's chunk of this name; empty if there is none.
+Bytes chunkOfWebp(Bytes file, std::string_view name);
+
+/// A JPEG file's ICC profile, which may be spread over segments; empty if there is none, or not all of it.
+std::vector<unsigned char> profileOfJpeg(Bytes file);
 
 } // namespace show
 

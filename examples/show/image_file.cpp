@@ -1,5 +1,6 @@
 #include "image_file.h"
 
+#include "colour_profile.h"
 #include "decoders/decoder.h"
 #include "failure.h"
 #include "input_file.h"
@@ -126,6 +127,11 @@ ImageFile decodeFile(const std::filesystem::path &path, int mostMegapixels) {
     ExifNotes notes = decoder->notes(bytes);
     Canvas stored(size.width, size.height);
     decoder->decode(bytes, stored.surface());
+#ifdef QMUR_SHOW_COLOURS
+    if (decoder->profile)
+        if (const std::vector<unsigned char> profile = decoder->profile(bytes); !profile.empty())
+            convertToScreen(stored.surface(), profile);
+#endif
     layOnGround(stored.surface());
     return {upright(std::move(stored), notes.orientation), std::move(notes.comment), std::move(notes.taken)};
 }

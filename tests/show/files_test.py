@@ -11,10 +11,11 @@ import signal
 import struct
 import subprocess
 import time
+import zlib
 
 import running
 from pictures import (DIFFERENCES, HEIC, QUARTERS, WEBP, Picture, bmp_bytes, chunk, exif, jpeg_bytes, png_bytes,
-                      png_of, read_png, with_exif)
+                      png_of, profile, read_png, segment, with_exif)
 from running import ShowTest, command, four_photos, sha256
 
 GROUND = (0x17, 0x18, 0x1B)
@@ -57,6 +58,35 @@ class Inputs(ShowTest):
         palette = chunk(b"PLTE", bytes((1, 2, 3, 200, 100, 50)))
         self.assertEqual(self.frame("few.png", png_of(64, 64, 1, 3, [b"\xff" * 8] * 64, palette)).at(32, 32),
                          (200, 100, 50))
+
+    def test_colours_that_a_profile_gives_another_meaning(self):
+        red, green, blue = (0.4361, 0.2225, 0.0139), (0.3851, 0.7169, 0.0971), (0.1431, 0.0606, 0.7139)  # sRGB's own
+        linear = round(255 * (1.055 * (60 / 255) ** (1 / 2.4) - 0.055))
+        pixels = [bytes((60, 60, 60)) * 64] * 64
+        blocks = [[(60, 128, 128)] * 8] * 8
+        even = profile((red, green, blue))
+
+        def png(*chunks):
+            return png_of(64, 64, 8, 2, pixels, *chunks)
+
+        def named(content):
+            return chunk(b"iCCP", b"x\0\0" + zlib.compress(content))
+
+        if self.frame("a.png", png(named(even))).at(32, 32) == (60, 60, 60):
+            self.skipTest("this build lacks the library")
+        parts = [segment(0xE2, b"ICC_PROFILE\0" + bytes((i, 2)) + half) for i, half in ((2, even[200:]), (1, even[:200]))]
+        for name, data in (("a.png", png(named(even))), ("a.jpg", jpeg_bytes(blocks, 3, markers=b"".join(parts)))):
+            for have in self.frame(name, data).at(32, 32):
+                self.assertLessEqual(abs(have - linear), 2, name)
+        # One channel is another, where the profile says so.
+        pixels = [bytes((200, 100, 50)) * 64] * 64
+        swapped = self.frame("b.png", png(named(profile((blue, green, red), 2.2)))).at(32, 32)
+        self.assert_near(swapped, (50, 100, 200))
+        # What is damaged, of the screen's own colours, or not whole changes nothing.
+        for content in (even[:90], profile((blue, green, red), 2.2, b"sRGB of a test")):
+            self.assertEqual(self.frame("c.png", png(named(content))).at(32, 32), (200, 100, 50))
+        for have in self.frame("c.jpg", jpeg_bytes(blocks, 3, markers=parts[0])).at(32, 32):
+            self.assertLessEqual(abs(have - 60), 2)
 
     def test_what_is_clear_shows_the_ground(self):
         for opacity, colour in ((255, (200, 100, 50)), (0, GROUND),

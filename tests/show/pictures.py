@@ -139,6 +139,27 @@ def iptc(caption):
         + struct.pack(">I", len(data)) + data + b"\0" * (len(data) % 2) for kind, name, data in blocks)
 
 
+def profile(columns, gamma=None, name=b"of a test"):
+    """An ICC profile whose channels are such columns of XYZ; straight lines lead to them, or powers of `gamma`."""
+
+    def fixed(value):
+        return struct.pack(">i", round(value * 65536))
+
+    text = struct.pack(">I", len(name) + 1) + name + bytes(1 + 8 + 3 + 67)
+    curve = b"curv" + bytes(4) + (struct.pack(">I", 0) if gamma is None else struct.pack(">IHH", 1, round(gamma * 256), 0))
+    contents = {b"desc": b"desc" + bytes(4) + text, b"wtpt": b"XYZ " + bytes(4) + b"".join(map(fixed, (0.9642, 1, 0.8249)))}
+    for channel, column in zip((b"r", b"g", b"b"), columns):
+        contents[channel + b"XYZ"] = b"XYZ " + bytes(4) + b"".join(map(fixed, column))
+        contents[channel + b"TRC"] = curve
+    table, data = struct.pack(">I", len(contents)), b""
+    for tag, content in contents.items():
+        table += tag + struct.pack(">II", 128 + 4 + 12 * len(contents) + len(data), len(content))
+        data += content + bytes(-len(content) % 4)
+    header = (struct.pack(">I4sI4s4s4s", 128 + len(table) + len(data), b"test", 0x02100000, b"mntr", b"RGB ", b"XYZ ")
+              + bytes(12) + b"acsp" + bytes(28) + b"".join(map(fixed, (0.9642, 1, 0.8249))))
+    return header + bytes(128 - len(header)) + table + data
+
+
 def png_of(width, height, depth, colour, rows, *chunks):
     """A PNG file of rows that are bytes already, with further chunks between header and picture."""
     header = struct.pack(">IIBBBBB", width, height, depth, colour, 0, 0, 0)

@@ -6,6 +6,8 @@
 #include "../exif.h"
 #include "../surface.h"
 
+#include <vector>
+
 namespace show {
 
 struct PictureSize {
@@ -23,6 +25,9 @@ struct Decoder {
     /// byte.
     void (*decode)(Bytes file, const Surface &picture);
     ExifNotes (*notes)(Bytes file);
+    /// What colours the pixels mean, as an ICC profile; empty if the file does not say. Null if such files never do, or
+    /// this build does not look.
+    std::vector<unsigned char> (*profile)(Bytes file);
 };
 
 /// How many bytes of a file's start Decoder::recognises() looks at.

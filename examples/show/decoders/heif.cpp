@@ -103,8 +103,16 @@ ExifNotes notes(Bytes file) {
     return found;
 }
 
+std::vector<unsigned char> profile(Bytes file) {
+    const Opened opened(file);
+    std::vector<unsigned char> bytes(heif_image_handle_get_raw_color_profile_size(opened.picture.get()));
+    if (!bytes.empty())
+        check(heif_image_handle_get_raw_color_profile(opened.picture.get(), bytes.data()));
+    return bytes;
+}
+
 } // namespace
 
-const Decoder heifDecoder = {"HEIC", recognises, sizeOf, decode, notes};
+const Decoder heifDecoder = {"HEIC", recognises, sizeOf, decode, notes, profile};
 
 } // namespace show

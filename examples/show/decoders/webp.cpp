@@ -60,11 +60,16 @@ void decode(Bytes file, const Surface &picture) {
 }
 
 ExifNotes notes(Bytes file) {
-    return readExif(exifOfWebp(file));
+    return readExif(chunkOfWebp(file, "EXIF"));
+}
+
+std::vector<unsigned char> profile(Bytes file) {
+    const Bytes found = chunkOfWebp(file, "ICCP");
+    return {found.begin(), found.end()};
 }
 
 } // namespace
 
-const Decoder webpDecoder = {"WebP", recognises, sizeOf, decode, notes};
+const Decoder webpDecoder = {"WebP", recognises, sizeOf, decode, notes, profile};
 
 } // namespace show
