@@ -90,20 +90,10 @@ class Mutations(ShowTest):
             for frame in frames:
                 frame.unlink()
 
-    def test_jpeg(self):
-        self.assert_read_or_refused("jpg", pictures()["jpg"])
-
-    def test_png(self):
-        self.assert_read_or_refused("png", pictures()["png"])
-
-    def test_bmp(self):
-        self.assert_read_or_refused("bmp", pictures()["bmp"])
-
-    def test_webp(self):
-        self.assert_read_or_refused("webp", pictures()["webp"])
-
-    def test_heic(self):
-        self.assert_read_or_refused("heic", pictures()["heic"])
+    def test_each_kind(self):
+        for kind, samples in pictures().items():
+            with self.subTest(kind):
+                self.assert_read_or_refused(kind, samples)
 
 
 class Interruptions(ShowTest):
