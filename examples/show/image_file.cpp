@@ -1,5 +1,6 @@
 #include "image_file.h"
 
+#include "colour_profile.h"
 #include "decoders/decoder.h"
 #include "failure.h"
 #include "input_file.h"
@@ -7,6 +8,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -122,11 +124,16 @@ ImageFile decodeFile(const std::filesystem::path &path, int mostMegapixels) {
         static_cast<long long>(size.width) * size.height > mostPixels)
         throw Failure(std::to_string(size.width) + " x " + std::to_string(size.height) +
                       " pixels are too many; --max-megapixels raises the limit");
-    const ExifNotes notes = decoder->notes(bytes);
+    ExifNotes notes = decoder->notes(bytes);
     Canvas stored(size.width, size.height);
     decoder->decode(bytes, stored.surface());
+#ifdef QMUR_SHOW_COLOURS
+    if (decoder->profile)
+        if (const std::vector<unsigned char> profile = decoder->profile(bytes); !profile.empty())
+            convertToScreen(stored.surface(), profile);
+#endif
     layOnGround(stored.surface());
-    return {upright(std::move(stored), notes.orientation), notes.taken};
+    return {upright(std::move(stored), notes.orientation), std::move(notes.comment), std::move(notes.taken)};
 }
 
 } // namespace

@@ -14,8 +14,9 @@ namespace show {
 constexpr int usualMegapixels = 400;
 
 struct ImageFile {
-    Canvas picture;    ///< upright, where the camera noted how it was held; where it is clear, on a dark ground
-    std::string taken; ///< when, as text that sorts by time; empty if that is not known
+    Canvas picture;      ///< upright, where the camera noted how it was held; where it is clear, on a dark ground
+    std::string comment; ///< what somebody wrote of it, in a line
+    std::string taken;   ///< when, as text that sorts by time; empty if that is not known
 };
 
 /// Reads a picture of any kind that this build knows, and of up to that many millions of pixels. Throws Failure.

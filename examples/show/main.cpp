@@ -12,9 +12,14 @@
 #include "text.h"
 #include "video.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <exception>
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -54,8 +59,16 @@ std::vector<ShownPhoto> namedPhotos(const Options &options, const char *programN
     return photos;
 }
 
+void captionByComments(ShowSettings &settings) {
+    settings.captions.resize(std::max(settings.captions.size(), settings.photos.size()));
+    for (std::size_t i = 0; i < settings.photos.size(); ++i)
+        if (settings.captions[i].empty())
+            settings.captions[i] = settings.photos[i].comment;
+}
+
 void warnIfLettersAreMissing(const ShowSettings &settings) {
-    if (settings.title.empty() && settings.captions.empty())
+    if (settings.title.empty() && std::all_of(settings.captions.begin(), settings.captions.end(),
+                                              [](const std::string &caption) { return caption.empty(); }))
         return;
     Canvas paper(16, 16);
     tagRECT whole = paper.rect();
@@ -94,7 +107,10 @@ void run(Options options, const char *programName) {
             checkTarget(target, format);
     }
     const double musicSeconds = options.music.empty() ? 0 : secondsOfMusic(options.music);
-    settings.photos = readablePhotos(named, {options.threads, settings.mostMegapixels, options.skipsBad});
+    ReadPhotos read = readablePhotos(named, {options.threads, settings.mostMegapixels, options.skipsBad});
+    settings.photos = std::move(read.photos);
+    if (options.showsComments)
+        captionByComments(settings);
     if (settings.effects.empty())
         settings.effects = effectsFor(settings.photos.size(), settings.seed);
 
@@ -115,12 +131,22 @@ void run(Options options, const char *programName) {
     std::vector<std::unique_ptr<Output>> outputs;
     for (const auto &target : options.outputs)
         outputs.push_back(openOutput(target, format, range));
-    renderShow(show, settings.width, settings.height, range, outputs, options.threads);
+    Timings timings;
+    renderShow(show, settings.width, settings.height, range, outputs, options.threads,
+               options.printsTimings ? &timings : nullptr);
+    if (read.leftOut > 0)
+        say("left out, since " + std::string(read.leftOut == 1 ? "it" : "they") +
+            " cannot be read: " + std::to_string(read.leftOut) + (read.leftOut == 1 ? " photograph" : " photographs"));
+    if (options.printsTimings)
+        print(timings.table());
 }
 
 } // namespace
 
 int main(int argumentCount, char **arguments) {
+#ifdef __GLIBC__
+    mallopt(M_ARENA_MAX, 1); // a thread with an arena of its own takes 64 MB of addresses with it
+#endif
     try {
         openStandardFiles();
         const Options options = parseOptions(programArguments(argumentCount, arguments));

@@ -138,8 +138,9 @@ constexpr const char *introduction = "Makes a moving picture of photographs, eve
                                      "\n";
 constexpr const char *conclusion = "\n"
                                    "Without photographs, the bundled ones are shown. Those of a folder stand in\n"
-                                   "the order in which they were taken. They come round again until every effect\n"
-                                   "that was chosen has had its turn. The same seed gives the same pictures.\n"
+                                   "the order in which they were taken; those that cannot be read are left out and\n"
+                                   "named. Photographs come round again until every effect that was chosen has had\n"
+                                   "its turn. The same seed gives the same pictures.\n"
                                    "\n"
                                    "A playlist is a text with a line for each photograph: its seconds, or - for\n"
                                    "those of --seconds, and its name, which counts from the playlist's folder.\n"
@@ -192,6 +193,9 @@ Options parseOptions(const std::vector<std::string> &arguments) {
                 [&](const std::string &value) { settings.subtitle = value; });
     line.option("caption", "FILE", "A text with a line for each photograph, shown on it; an empty one for none",
                 [&](const std::string &value) { settings.captions = readCaptions(pathOf(value)); });
+    line.flag("comments",
+              "Show as caption, where --caption has none, what somebody wrote into a photograph's Exif or IPTC",
+              [&] { options.showsComments = true; });
     line.option("seed", "N", "What is left to chance depends on this number [1]",
                 [&](const std::string &value) { settings.seed = readSeed(value); });
     line.option("first", "FRAME", "First frame to render; they count from 0",
@@ -206,6 +210,8 @@ Options parseOptions(const std::vector<std::string> &arguments) {
                 [&](const std::string &value) {
                     settings.mostMegapixels = readWhole("--max-megapixels", value, 1, mostMegapixels);
                 });
+    line.flag("timings", "Print the milliseconds that a frame of each effect takes a thread to draw; needs no -o",
+              [&] { options.printsTimings = true; });
     line.flag("list", "Print the effects and end", [&] { options.listEffects = true; });
     line.flag("version", "Print the version and end", [&] { wantsVersion = true; });
     line.flag("help", "Print this and end", [&] { wantsHelp = true; }).letter('h');
@@ -228,7 +234,7 @@ Options parseOptions(const std::vector<std::string> &arguments) {
         throw Failure("--subtitle needs --title");
     if (options.lastsAsMusic && options.music.empty())
         throw Failure("--seconds music needs --music");
-    if (options.outputs.empty())
+    if (options.outputs.empty() && !options.printsTimings)
         throw Failure("nothing to write; name a file, such as -o show.mp4");
     return options;
 }

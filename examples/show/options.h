@@ -19,10 +19,12 @@ struct Options {
     std::filesystem::path music; ///< empty for a silent film
     bool lastsAsMusic = false;   ///< the music's length is divided among the photographs
     bool skipsBad = false;
+    bool showsComments = false;
     std::optional<int> first;
     std::optional<int> last;
     int threads = 1;
     bool listEffects = false;
+    bool printsTimings = false;
     std::string answer; ///< what --help or --version print; nothing else is to be done then
 };
 

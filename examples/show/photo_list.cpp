@@ -24,6 +24,7 @@ constexpr double longestSeconds = 600;
 
 struct Candidate {
     ShownPhoto photo;
+    bool wasNamed;     ///< itself, and not its folder
     std::size_t group; ///< photographs of one folder have one number, all others have their own
     std::string taken = {};
     std::string reason = {}; ///< why it cannot be read; empty if it can
@@ -62,13 +63,13 @@ std::vector<std::filesystem::path> picturesIn(const std::filesystem::path &folde
 std::vector<Candidate> candidatesFor(const std::vector<ShownPhoto> &named) {
     std::vector<Candidate> candidates;
     for (std::size_t group = 0; group < named.size(); ++group) {
-        const auto &[path, seconds] = named[group];
+        const auto &path = named[group].path;
         std::error_code ignored;
         if (!std::filesystem::is_directory(path, ignored))
-            candidates.push_back({{path, seconds}, group});
+            candidates.push_back({named[group], true, group});
         else
             for (const auto &picture : picturesIn(path))
-                candidates.push_back({{picture, seconds}, group});
+                candidates.push_back({{picture, named[group].seconds}, false, group});
     }
     return candidates;
 }
@@ -76,7 +77,10 @@ std::vector<Candidate> candidatesFor(const std::vector<ShownPhoto> &named) {
 void tryToRead(Candidate &candidate, int mostMegapixels) {
     candidate.lackedMemory = false;
     try {
-        candidate.taken = readImage(candidate.photo.path, mostMegapixels).taken;
+        ImageFile image = readImage(candidate.photo.path, mostMegapixels);
+        candidate.taken = std::move(image.taken);
+        candidate.photo.comment = std::move(image.comment);
+        candidate.photo.bytes = image.picture.bytes();
     } catch (const Failure &failure) {
         candidate.reason = failure.what();
     } catch (const std::bad_alloc &) {
@@ -92,7 +96,7 @@ void readAll(std::vector<Candidate> &candidates, const PhotoReading &reading) {
     std::condition_variable changed;
     const int count = static_cast<int>(std::min(static_cast<std::size_t>(reading.threads), candidates.size()));
     {
-        const Threads readers(count, [&] {
+        const Threads readers(count, 0, [&](int) {
             for (std::size_t i; !stopped && (i = next++) < candidates.size();) {
                 tryToRead(candidates[i], reading.mostMegapixels);
                 const std::lock_guard lock(mutex);
@@ -166,15 +170,20 @@ std::vector<ShownPhoto> readPlaylist(const std::filesystem::path &path) {
     return photos;
 }
 
-std::vector<ShownPhoto> readablePhotos(const std::vector<ShownPhoto> &named, const PhotoReading &reading) {
+ReadPhotos readablePhotos(const std::vector<ShownPhoto> &named, const PhotoReading &reading) {
     std::vector<Candidate> candidates = candidatesFor(named);
     readAll(candidates, reading);
     std::string reasons;
+    bool isRefused = false;
+    int leftOut = 0;
     for (const Candidate &candidate : candidates)
-        if (!candidate.reason.empty())
+        if (!candidate.reason.empty()) {
             reasons += candidate.reason + '\n';
+            isRefused |= candidate.wasNamed && !reading.skipBad;
+            ++leftOut;
+        }
     std::erase_if(candidates, [](const Candidate &candidate) { return !candidate.reason.empty(); });
-    if (!reasons.empty() && !reading.skipBad)
+    if (isRefused)
         throw Failure(reasons);
     if (!reasons.empty())
         say(reasons);
@@ -187,7 +196,7 @@ std::vector<ShownPhoto> readablePhotos(const std::vector<ShownPhoto> &named, con
     std::vector<ShownPhoto> photos;
     for (Candidate &candidate : candidates)
         photos.push_back(std::move(candidate.photo));
-    return photos;
+    return {std::move(photos), leftOut};
 }
 
 } // namespace show

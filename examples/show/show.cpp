@@ -2,6 +2,7 @@
 
 #include "failure.h"
 #include "random.h"
+#include "timings.h"
 
 #include <algorithm>
 
@@ -150,7 +151,17 @@ Shot Show::shotAt(int index, int frame, std::shared_ptr<const Photo> &photo) con
             .seconds = settings.rate.secondsOf(end - first)};
 }
 
-void Show::render(Stage &stage, int frame) const {
+std::size_t Show::memoryToDraw() const {
+    constexpr std::size_t fixed = 16 << 20;
+    constexpr std::size_t planes = 20;           // of the frame's size, photographs that are ready included
+    constexpr std::size_t copiesToReadAFile = 5; // such as its bytes, its rows, what is turned
+    std::size_t largest = 0;
+    for (const ShownPhoto &photo : settings.photos)
+        largest = std::max(largest, photo.bytes);
+    return fixed + planes * Canvas(settings.width, settings.height).bytes() + copiesToReadAFile * largest;
+}
+
+Drawing Show::render(Stage &stage, int frame) const {
     const auto next = std::upper_bound(firstFrames.begin(), firstFrames.end(), frame);
     const int index = static_cast<int>(next - firstFrames.begin()) - 1;
     const int passed = frame - firstFrames[at(index)];
@@ -160,24 +171,37 @@ void Show::render(Stage &stage, int frame) const {
 
     std::shared_ptr<const Photo> first;
     std::shared_ptr<const Photo> second;
+    const Effect *effect = nullptr;
+    Moment moment = {};
+    if (left <= overlapBehind) {
+        effect = inTurn(transitions, index);
+        moment = {shotAt(index, frame, first), shotAt(index + 1, frame, second),
+                  (overlapBehind - left + 0.5) / (2 * overlapBehind)};
+    } else if (passed < overlap) {
+        effect = inTurn(transitions, index - 1);
+        moment = {shotAt(index - 1, frame, first), shotAt(index, frame, second),
+                  (overlap + passed + 0.5) / (2 * overlap)};
+    } else if (index + 1 == shotCount() && left <= endingFrames) {
+        effect = ending;
+        moment = {shotAt(index, frame, first), shotAt(index, frame, second), 1 - (left - 1.0) / endingFrames};
+    } else {
+        moment.a = shotAt(index, frame, first);
+        moment.b = moment.a;
+        moment.t = moment.a.progress;
+        effect = moment.a.scene;
+    }
+    const double start = threadSeconds();
     stage.beginFrame();
-    if (left <= overlapBehind)
-        inTurn(transitions, index)
-            ->render(stage, stage.frame(),
-                     {shotAt(index, frame, first), shotAt(index + 1, frame, second),
-                      (overlapBehind - left + 0.5) / (2 * overlapBehind)});
-    else if (passed < overlap)
-        inTurn(transitions, index - 1)
-            ->render(stage, stage.frame(),
-                     {shotAt(index - 1, frame, first), shotAt(index, frame, second),
-                      (overlap + passed + 0.5) / (2 * overlap)});
-    else if (index + 1 == shotCount() && left <= endingFrames)
-        ending->render(stage, stage.frame(),
-                       {shotAt(index, frame, first), shotAt(index, frame, second), 1 - (left - 1.0) / endingFrames});
-    else
-        drawShot(stage, stage.frame(), shotAt(index, frame, first));
+    effect->render(stage, stage.frame(), moment);
     drawCaption(stage.frame(), index, passed - overlap, left - std::max(overlapBehind, endingOf(index)));
     stage.endFrame();
+    return {effect, threadSeconds() - start};
+}
+
+const std::string &Show::nameOf(const Effect *effect) const {
+    return std::find_if(effects.begin(), effects.end(),
+                        [effect](const auto &one) { return one.second.get() == effect; })
+        ->first;
 }
 
 } // namespace show

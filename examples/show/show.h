@@ -35,6 +35,12 @@ struct ShowSettings {
 /// The effects of a show that nobody chose effects for, so many that each photograph is shown once.
 std::vector<std::string> effectsFor(std::size_t photoCount, std::uint64_t seed);
 
+/// Which effect drew a frame, and how long its thread was busy with that, once the photographs were there.
+struct Drawing {
+    const Effect *effect;
+    double seconds;
+};
+
 /// Photographs take turns, each for its seconds or those of the show. Scenes and transitions take turns likewise, in
 /// the order in which the settings name them, and the photographs come round again until every effect has had its turn.
 class Show {
@@ -45,8 +51,13 @@ public:
     int frameCount() const { return firstFrames.back(); }
     int shotCount() const { return static_cast<int>(firstFrames.size()) - 1; }
 
+    /// What drawing takes at most in one thread, roughly.
+    std::size_t memoryToDraw() const;
+
     /// Draws a frame on the stage.
-    void render(Stage &stage, int frame) const;
+    Drawing render(Stage &stage, int frame) const;
+
+    const std::string &nameOf(const Effect *effect) const;
 
 private:
     const Effect *effectNamed(const std::string &name);

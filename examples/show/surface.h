@@ -35,6 +35,7 @@ struct PlaneLayout {
 
     int pitch() const { return width + 2 * margin; }
     int elements() const { return pitch() * (height + 2 * margin); }
+    std::size_t bytes() const { return static_cast<std::size_t>(elements()) * sizeof(q_ulong); }
     int origin() const { return margin * pitch() + margin; }
     Surface at(q_ulong *origin) const { return {origin, width, height, pitch()}; }
 };
@@ -48,6 +49,7 @@ public:
 
     int width() const { return layout.width; }
     int height() const { return layout.height; }
+    std::size_t bytes() const { return layout.bytes(); }
     Surface surface() const { return layout.at(plane.get() + layout.origin()); }
     operator Surface() const { return surface(); }
     tagRECT rect() const { return surface().rect(); }

@@ -53,6 +53,29 @@ std::string printable(std::string_view text) {
     return result;
 }
 
+std::string lineOf(std::string_view bytes) {
+    bool isUtf8 = true;
+    for (std::size_t i = 0, length; isUtf8 && i < bytes.size(); i += length)
+        isUtf8 = (length = letterAt(bytes, i)) > 0;
+    std::string line;
+    bool apart = false;
+    for (const char byte : bytes) {
+        const auto code = static_cast<unsigned char>(byte);
+        if (code <= ' ' || code == 0x7F) {
+            apart = !line.empty();
+            continue;
+        }
+        if (apart)
+            line += ' ';
+        apart = false;
+        if (isUtf8 || code < 0x80)
+            line += byte;
+        else
+            (line += static_cast<char>(0xC0 | code >> 6)) += static_cast<char>(0x80 | (code & 0x3F));
+    }
+    return line;
+}
+
 std::string utf8(const std::filesystem::path &path) {
 #ifdef _WIN32
     const std::u8string text = path.u8string();

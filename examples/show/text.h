@@ -13,6 +13,10 @@ namespace show {
 /// The text with line breaks, other control characters and bytes that are no UTF-8 written as \n, \x1B and the like.
 std::string printable(std::string_view text);
 
+/// A line in UTF-8 of bytes that may be of another time: those that are no UTF-8 are taken for Latin-1. Blanks and
+/// control characters between words become one space each.
+std::string lineOf(std::string_view bytes);
+
 std::string utf8(const std::filesystem::path &path);
 std::filesystem::path pathOf(std::string_view utf8Text);
 

@@ -4,6 +4,7 @@
     files_test.py --program build/linux/bin/qmur-show --photos photos [--emulator cmake/under-wine] [name of a test ...]
 """
 
+import contextlib
 import os
 import resource
 import shutil
@@ -11,11 +12,12 @@ import signal
 import struct
 import subprocess
 import time
+import zlib
 
 import running
 from pictures import (DIFFERENCES, HEIC, QUARTERS, WEBP, Picture, bmp_bytes, chunk, exif, jpeg_bytes, png_bytes,
-                      png_of, read_png, with_exif)
-from running import ShowTest, command, four_photos
+                      png_of, profile, read_png, segment, with_exif)
+from running import ShowTest, command, four_photos, sha256
 
 GROUND = (0x17, 0x18, 0x1B)
 STILL = ("--size", "64x64", "--fps", 1, "--seconds", 1, "--effects", "pan")
@@ -57,6 +59,35 @@ class Inputs(ShowTest):
         palette = chunk(b"PLTE", bytes((1, 2, 3, 200, 100, 50)))
         self.assertEqual(self.frame("few.png", png_of(64, 64, 1, 3, [b"\xff" * 8] * 64, palette)).at(32, 32),
                          (200, 100, 50))
+
+    def test_colours_that_a_profile_gives_another_meaning(self):
+        red, green, blue = (0.4361, 0.2225, 0.0139), (0.3851, 0.7169, 0.0971), (0.1431, 0.0606, 0.7139)  # sRGB's own
+        linear = round(255 * (1.055 * (60 / 255) ** (1 / 2.4) - 0.055))
+        pixels = [bytes((60, 60, 60)) * 64] * 64
+        blocks = [[(60, 128, 128)] * 8] * 8
+        even = profile((red, green, blue))
+
+        def png(*chunks):
+            return png_of(64, 64, 8, 2, pixels, *chunks)
+
+        def named(content):
+            return chunk(b"iCCP", b"x\0\0" + zlib.compress(content))
+
+        if self.frame("a.png", png(named(even))).at(32, 32) == (60, 60, 60):
+            self.skipTest("this build lacks the library")
+        parts = [segment(0xE2, b"ICC_PROFILE\0" + bytes((i, 2)) + half) for i, half in ((2, even[200:]), (1, even[:200]))]
+        for name, data in (("a.png", png(named(even))), ("a.jpg", jpeg_bytes(blocks, 3, markers=b"".join(parts)))):
+            for have in self.frame(name, data).at(32, 32):
+                self.assertLessEqual(abs(have - linear), 2, name)
+        # One channel is another, where the profile says so.
+        pixels = [bytes((200, 100, 50)) * 64] * 64
+        swapped = self.frame("b.png", png(named(profile((blue, green, red), 2.2)))).at(32, 32)
+        self.assert_near(swapped, (50, 100, 200))
+        # What is damaged, of the screen's own colours, or not whole changes nothing.
+        for content in (even[:90], profile((blue, green, red), 2.2, b"sRGB of a test")):
+            self.assertEqual(self.frame("c.png", png(named(content))).at(32, 32), (200, 100, 50))
+        for have in self.frame("c.jpg", jpeg_bytes(blocks, 3, markers=parts[0])).at(32, 32):
+            self.assertLessEqual(abs(have - 60), 2)
 
     def test_what_is_clear_shows_the_ground(self):
         for opacity, colour in ((255, (200, 100, 50)), (0, GROUND),
@@ -159,6 +190,18 @@ class Inputs(ShowTest):
         self.assertEqual((result.returncode, result.stderr.splitlines()[-1]),
                          (2, "qmur-show: no photograph is left to show"))
 
+    def test_what_cannot_be_read_of_a_folder_is_left_out_and_named(self):
+        folder = self.directory / "holiday"
+        folder.mkdir()
+        (folder / "1.png").write_bytes(png_bytes(flat((200, 100, 50))))
+        (folder / "2.png").write_bytes(png_bytes(flat((1, 2, 3)))[:60])
+        lines = self.show("holiday", *STILL, "-o", "f%d.png").stderr.splitlines()
+        self.assertRegex(lines[0], "cannot read 'holiday.2.png': the PNG picture is cut off")
+        self.assertEqual(lines[-2:], ["qmur-show: wrote 'f0.png'",
+                                      "qmur-show: left out, since it cannot be read: 1 photograph"])
+        result = self.run_program("holiday", folder / "2.png", *STILL, "-o", "new.png")
+        self.assertEqual((result.returncode, len(result.stderr.splitlines())), (2, 2))
+
     def test_reading_many_photographs_shows_how_far_it_has_come(self):
         (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3))))
         for threads in (1, 4):
@@ -248,9 +291,13 @@ class Outputs(ShowTest):
 
 
 class CommandLine(ShowTest):
-    def test_help_fits_eighty_columns(self):
-        for line in self.show("--help").stdout.splitlines():
+    def test_help_names_every_option_and_fits_eighty_columns(self):
+        text = self.show("--help").stdout
+        for line in text.splitlines():
             self.assertLess(len(line), 80, line)
+        for option in ("output size fps seconds playlist music effects fit title subtitle caption comments seed first last "
+                       "threads skip-bad max-megapixels timings list version help").split():
+            self.assertIn(f"--{option}", text)
 
     def test_seconds_and_rates_as_people_write_them(self):
         (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3), 16, 16)))
@@ -261,6 +308,20 @@ class CommandLine(ShowTest):
             self.assert_refused(["a.png", "--size", "16x16", "--seconds", seconds, "--fps", rate, "--effects", "pan", "-o",
                                  "s.png", "--first", frames], f"frames 0 to {frames - 1}")
             self.assertIn("wrote", result.stderr)
+
+    def test_timings_name_each_effect_and_count_its_frames(self):
+        (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3), 16, 16)))
+        rows = [line.split() for line in self.show("a.png", "--size", "640x360", "--fps", 10, "--seconds", 2, "--effects",
+                                                   "pan,wipe,fade-out", "--timings").stdout.splitlines()]
+        self.assertEqual(rows[0], ["effect", "frames", "ms/frame", "slowest"])
+        frames = {row[0]: int(row[1]) for row in rows[1:]}
+        # Two shots of 20 frames; of 40, a fifth of either belongs to the transition, and half of the last to the end.
+        self.assertEqual(frames, {"pan": 22, "wipe": 8, "fade-out": 10, "all": 40})
+        for row in rows[1:]:
+            self.assertTrue(0 < float(row[2]) <= float(row[3]), row)
+        times = [float(row[2]) for row in rows[1:-1]]
+        self.assertEqual(times, sorted(times, reverse=True))
+        self.assertEqual(self.contents(), ["a.png"])
 
     def test_more_frames_than_can_be_counted(self):
         (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3), 1, 1)))
@@ -439,28 +500,30 @@ class Surroundings(ShowTest):
             self.assertEqual(result.returncode, 2)
             self.assertIn("cannot write to standard output", result.stderr)
 
-    def start(self, **options):
+    def start(self, left=frozenset(), **options):
+        """Returns once the run writes, and what was left before is gone."""
         process = subprocess.Popen(command(*four_photos(), "--size", "320x180", "--seconds", 600, "-o", "out.mp4"),
                                    cwd=self.directory, stderr=subprocess.PIPE, text=True, **options)
-        self.wait_for(lambda: list(self.directory.glob(".out.mp4.*.unfinished")))
-        time.sleep(0.3)
-        return process
 
-    def wait_for(self, condition):
-        deadline = time.monotonic() + 60
-        while not condition():
-            self.assertLess(time.monotonic(), deadline, "nothing happened for a minute")
-            time.sleep(0.02)
+        def writes():
+            with contextlib.suppress(FileNotFoundError):  # the attempt to write, which comes first, is soon gone
+                return any(path.stat().st_size and path.name not in left
+                           for path in self.directory.glob(".out.mp4.*.unfinished")) and not left & set(self.contents())
+
+        self.wait_for(writes)
+        return process
 
     def test_every_signal_that_can_be_caught_leaves_nothing(self):
         for name in ("SIGHUP", "SIGINT", "SIGQUIT", "SIGTERM", "SIGALRM", "SIGUSR1", "SIGUSR2", "SIGXCPU", "SIGVTALRM",
                      "SIGPROF"):
+            (self.directory / "out.mp4").write_text("old")
             process = self.start()
             process.send_signal(getattr(signal, name))
             _, errors = process.communicate(timeout=20)
             self.assertEqual(process.returncode, 128 + getattr(signal, name), name)
             self.assertEqual(errors.splitlines()[-1], "qmur-show: interrupted")
-            self.assertEqual(self.contents(), [], name)
+            self.assertEqual(self.contents(), ["out.mp4"], name)
+            self.assertEqual((self.directory / "out.mp4").read_text(), "old", name)
 
     def test_what_was_ignored_before_stays_ignored(self):
         process = self.start(preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_IGN))
@@ -477,7 +540,7 @@ class Surroundings(ShowTest):
         killed.communicate()
         left = set(self.contents())
         self.assertEqual(len(left), 1)
-        alive = self.start_beside(left)
+        alive = self.start(left)
         others = set(self.contents())
         self.assertTrue(left.isdisjoint(others), "what was left is gone")
         (self.directory / ".out.mp4.notes.unfinished").write_text("a person's own file")
@@ -485,13 +548,6 @@ class Surroundings(ShowTest):
         self.assertEqual(set(self.contents()), others | {"out.mp4", ".out.mp4.notes.unfinished"})
         alive.terminate()
         alive.communicate(timeout=20)
-
-    def start_beside(self, left):
-        process = subprocess.Popen(command(*four_photos(), "--size", "320x180", "--seconds", 600, "-o", "out.mp4"),
-                                   cwd=self.directory, stderr=subprocess.PIPE, text=True)
-        self.wait_for(lambda: set(self.contents()) - left and not set(self.contents()) & left)
-        time.sleep(0.3)
-        return process
 
     def test_frames_that_a_kill_left_are_removed_by_the_next_run(self):
         (self.directory / ".f%d.png.123.unfinished").write_text("half a frame")
@@ -562,31 +618,45 @@ class Surroundings(ShowTest):
             (self.directory / name).write_bytes(png_bytes(flat((i, i, i), 127, 4100)))
         self.assertLess(self.peak_of(names) - self.peak_of(names[:8]), 8 * 1024)
 
-    def test_little_memory_is_said_and_nothing_else(self):
-        if running.is_sanitized():
-            self.skipTest("a sanitizer needs room for its own books")
-        enough = 0
-        for megabytes in (24, 32, 40, 50, 54, 60, 70, 80, 90, 100, 130, 200, 400):
-            limit = megabytes << 20
-            result = self.run_program(
-                *four_photos()[:1], "--size", "1280x720", "--fps", 1, "--seconds", 1, "--effects", "pan", "--threads", 2,
-                "-o", "out%d.png", preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
-            if result.returncode == 0:
-                read_png(self.directory / "out0.png")
-                enough += 1
-            elif result.returncode != 127:  # the system could not even load the program
-                self.assertEqual(result.returncode, 2, f"{megabytes} MB: {result.stderr}")
-                self.assertTrue(result.stderr.splitlines()[-1].startswith("qmur-show: "), result.stderr)
-        self.assertGreater(enough, 0)
+    def run_limited(self, megabytes, *arguments):
+        limit = megabytes << 20
+        return self.run_program(*arguments, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
 
-    def test_threads_that_cannot_start_are_done_without(self):
+    def test_little_memory_is_said_and_is_never_called_damage(self):
         if running.is_sanitized():
             self.skipTest("a sanitizer needs room for its own books")
-        limit = 300 << 20  # the stacks of 64 threads take more
-        result = self.run_program(*four_photos()[:1], *STILL, "--threads", 64, "-o", "out%d.png",
-                                  preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
-        self.assertEqual(result.returncode, 0, result.stderr)
-        read_png(self.directory / "out0.png")
+        pictures = {"a.png": png_of(1600, 1200, 8, 6, [bytes(range(256)) * 25] * 1200), "a.bmp": bmp_bytes(flat((1, 2, 3))),
+                    "a.jpg": running.bundled_photos()[0].read_bytes(), "a.webp": WEBP, "a.heic": HEIC}
+        for name, data in pictures.items():
+            (self.directory / name).write_bytes(data)
+            arguments = (name, *STILL, "--threads", 2, "-o", "out%d.png")
+            if "it is no" in self.run_program(*arguments).stderr:
+                continue  # this build lacks the library
+            enough = 0
+            for megabytes in (*range(20, 132, 8), 200, 400):
+                result = self.run_limited(megabytes, *arguments)
+                if result.returncode == 0:
+                    read_png(self.directory / "out0.png")
+                    enough += 1
+                elif result.returncode != 127:  # the system could not even load the program
+                    self.assertEqual(result.returncode, 2, f"{name}, {megabytes} MB: {result.stderr}")
+                    self.assertRegex(result.stderr.splitlines()[-1],
+                                     "^qmur-show: .*(there is not enough memory for|cannot start a thread)",
+                                     f"{name}, {megabytes} MB")
+            self.assertGreater(enough, 0, name)
+
+    def test_as_many_threads_draw_as_there_is_memory_for(self):
+        if running.is_sanitized():
+            self.skipTest("a sanitizer needs room for its own books")
+        # The stacks of 64 threads alone take 512 MB.
+        arguments = (four_photos()[0], "--size", "320x180", "--fps", 32, "--seconds", 2, "--effects", "pan", "-o")
+        want = self.frames("want", *arguments[:-1])
+        self.assertEqual(len(want), 64)
+        for megabytes in range(150, 601, 50):
+            (self.directory / str(megabytes)).mkdir()
+            result = self.run_limited(megabytes, *arguments, f"{megabytes}/%d.png", "--threads", 64)
+            self.assertEqual(result.returncode, 0, f"{megabytes} MB: {result.stderr}")
+            self.assertEqual({int(file.stem): sha256(file) for file in (self.directory / str(megabytes)).iterdir()}, want)
 
 
 EVERYWHERE = [Inputs, Outputs, CommandLine]

@@ -102,15 +102,62 @@ def with_exif(jpeg, segment):
     return jpeg[:2] + b"\xff\xe1" + struct.pack(">H", len(segment) + 2) + segment + jpeg[2:]
 
 
-def exif(orientation=1, taken=None):
-    """An Exif structure that notes how the camera was held, and when."""
-    entries = struct.pack(">HHIHH", 0x0112, 3, 1, orientation, 0)
-    if taken is None:
-        return b"MM" + struct.pack(">HIH", 42, 8, 1) + entries + struct.pack(">I", 0)
-    behind = 8 + 2 + 2 * 12 + 4
-    entries += struct.pack(">HHII", 0x8769, 4, 1, behind)
-    inner = struct.pack(">HHHII", 1, 0x9003, 2, 20, behind + 2 + 12 + 4) + struct.pack(">I", 0) + taken.encode() + b"\0"
-    return b"MM" + struct.pack(">HIH", 42, 8, 2) + entries + struct.pack(">I", 0) + inner
+def exif(orientation=1, taken=None, description=b"", comment=b""):
+    """An Exif structure that notes how the camera was held, and when, and what somebody wrote of the picture."""
+
+    def directory(place, entries):
+        """Text stands behind the directory, unless it is short enough for its entry."""
+        entries = [entry for entry in entries if entry[2]]
+        text_place = place + 2 + 12 * len(entries) + 4
+        rows, texts = b"", b""
+        for tag, kind, value in entries:
+            if not isinstance(value, bytes):
+                rows += struct.pack(">HHI", tag, kind, 1) + (struct.pack(">HH", value, 0) if kind == 3 else struct.pack(">I", value))
+                continue
+            inline = len(value) <= 4
+            rows += struct.pack(">HHI", tag, kind, len(value))
+            rows += value.ljust(4, b"\0") if inline else struct.pack(">I", text_place + len(texts))
+            texts += b"" if inline else value
+        return struct.pack(">H", len(entries)) + rows + struct.pack(">I", 0) + texts
+
+    first = [(0x010E, 2, description), (0x0112, 3, orientation)]
+    second = [(0x9003, 2, taken and taken.encode() + b"\0"), (0x9286, 7, comment)]
+    behind = 0
+    if taken or comment:
+        behind = 8 + len(directory(8, [*first, (0x8769, 4, 1)]))
+    inner = directory(behind, second) if behind else b""
+    return b"MM" + struct.pack(">HI", 42, 8) + directory(8, [*first, (0x8769, 4, behind)]) + inner
+
+
+def iptc(caption):
+    """A JPEG segment's content with an IPTC record, as Photoshop writes it, whose caption stands behind its title."""
+    record = b"".join(b"\x1c\x02" + bytes([kind]) + struct.pack(">H", len(text)) + text
+                      for kind, text in ((5, b"a title"), (120, caption)))
+    blocks = ((0x0425, b"", b"odd"), (0x0404, b"name", record))
+    return b"Photoshop 3.0\0" + b"".join(
+        b"8BIM" + struct.pack(">HB", kind, len(name)) + name + b"\0" * ((len(name) + 1) % 2)
+        + struct.pack(">I", len(data)) + data + b"\0" * (len(data) % 2) for kind, name, data in blocks)
+
+
+def profile(columns, gamma=None, name=b"of a test"):
+    """An ICC profile whose channels are such columns of XYZ; straight lines lead to them, or powers of `gamma`."""
+
+    def fixed(value):
+        return struct.pack(">i", round(value * 65536))
+
+    text = struct.pack(">I", len(name) + 1) + name + bytes(1 + 8 + 3 + 67)
+    curve = b"curv" + bytes(4) + (struct.pack(">I", 0) if gamma is None else struct.pack(">IHH", 1, round(gamma * 256), 0))
+    contents = {b"desc": b"desc" + bytes(4) + text, b"wtpt": b"XYZ " + bytes(4) + b"".join(map(fixed, (0.9642, 1, 0.8249)))}
+    for channel, column in zip((b"r", b"g", b"b"), columns):
+        contents[channel + b"XYZ"] = b"XYZ " + bytes(4) + b"".join(map(fixed, column))
+        contents[channel + b"TRC"] = curve
+    table, data = struct.pack(">I", len(contents)), b""
+    for tag, content in contents.items():
+        table += tag + struct.pack(">II", 128 + 4 + 12 * len(contents) + len(data), len(content))
+        data += content + bytes(-len(content) % 4)
+    header = (struct.pack(">I4sI4s4s4s", 128 + len(table) + len(data), b"test", 0x02100000, b"mntr", b"RGB ", b"XYZ ")
+              + bytes(12) + b"acsp" + bytes(28) + b"".join(map(fixed, (0.9642, 1, 0.8249))))
+    return header + bytes(128 - len(header)) + table + data
 
 
 def png_of(width, height, depth, colour, rows, *chunks):

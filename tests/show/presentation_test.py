@@ -4,7 +4,7 @@
     presentation_test.py --program build/linux/bin/qmur-show --photos tests/show/photos [name of a test ...]
 """
 
-from pictures import Picture, png_bytes, read_png
+from pictures import Picture, exif, iptc, jpeg_bytes, png_bytes, read_png, segment, with_exif
 from running import ShowTest, four_photos, read_options, run_tests
 
 RED, GREEN, BLUE, WHITE = (220, 20, 20), (20, 200, 20), (20, 20, 220), (255, 255, 255)
@@ -128,6 +128,34 @@ class Letters(Presentation):
             (self.directory / "captions.txt").write_text(text, encoding="utf-8")
             captions.append(self.frame("a.png", *self.arguments, "--caption", "captions.txt", number=4))
         self.assertNotEqual(captions[0], captions[1])
+
+    def test_what_somebody_wrote_into_a_photograph_is_its_caption(self):
+        jpeg = jpeg_bytes([[(77,)] * 8] * 8, 1)
+
+        def frame(data, *arguments):
+            (self.directory / "a.jpg").write_bytes(data)
+            return self.frame("a.jpg", *self.arguments, *arguments, number=4)
+
+        def noted(**notes):
+            return with_exif(jpeg, b"Exif\0\0" + exif(**notes))
+
+        def captioned(text):
+            (self.directory / "captions.txt").write_text(text, encoding="utf-8")
+            return frame(jpeg, "--caption", "captions.txt")
+
+        by_iptc = jpeg[:2] + segment(0xED, iptc("Früh am Meer".encode("latin-1"))) + noted(description=b"less")[2:]
+        for data, text in ((noted(description=b"  At the\tsea \0"), "At the sea"), (noted(description=b"sea\0"), "sea"),
+                           (noted(description="Früh".encode()), "Früh"), (noted(description=b"Fr\xfch"), "Früh"),
+                           (noted(comment=b"ASCII\0\0\0At the sea", taken="2024:07:01 10:00:00"), "At the sea"),
+                           (noted(comment=b"UNICODE\0" + "Früh —".encode("utf-16-be")), "Früh —"),
+                           (by_iptc, "Früh am Meer")):
+            self.assertEqual(frame(data, "--comments"), captioned(text), text)
+        for data in (jpeg, noted(description=b"SONY DSC\0"), noted(comment=b"JIS\0\0\0\0\0abc"), noted(comment=b"ASCII")):
+            self.assertEqual(frame(data, "--comments"), frame(jpeg))
+        self.assertNotEqual(captioned("sea"), frame(jpeg))
+        self.assertEqual(frame(noted(description=b"sea"), "--comments", "--caption", "captions.txt"), captioned("sea"))
+        self.assertEqual(frame(noted(description=b"other"), "--comments", "--caption", "captions.txt"), captioned("sea"))
+        self.assertEqual(frame(noted(description=b"other")), frame(jpeg), "nobody asked for it")
 
     def test_captions_that_cannot_be_read_are_named(self):
         self.assert_refused(["a.png", "--caption", "none.txt", "-o", "out.png"], "none.txt")

@@ -5,6 +5,7 @@ import hashlib
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 from pathlib import Path
 
@@ -72,6 +73,12 @@ class ShowTest(unittest.TestCase):
 
     def contents(self):
         return sorted(str(path.relative_to(self.directory)) for path in self.directory.rglob("*"))
+
+    def wait_for(self, condition):
+        deadline = time.monotonic() + 60
+        while not condition():
+            self.assertLess(time.monotonic(), deadline, "nothing happened for a minute")
+            time.sleep(0.02)
 
     def assert_refused(self, arguments, reason, **options):
         before = self.contents()

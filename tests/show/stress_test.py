@@ -14,9 +14,11 @@ import resource
 import signal
 import subprocess
 import time
+import zlib
 
 import running
-from pictures import (HEIC, WEBP, Picture, bmp_bytes, chunk, exif, jpeg_bytes, png_of, read_png, with_exif)
+from pictures import (HEIC, WEBP, Picture, bmp_bytes, chunk, exif, iptc, jpeg_bytes, png_of, profile, read_png, segment,
+                      with_exif)
 from running import ShowTest, command, four_photos
 
 MUTATIONS = 200
@@ -27,13 +29,15 @@ def pictures():
     """A small picture of each kind, with all that a reader has to look at."""
     colours = [[(x * 30 + 7, y * 30, 255 - 8 * (x + y)) for x in range(8)] for y in range(8)]
     pixels = [colours[y // 8][x // 8] for y in range(64) for x in range(64)]
-    note = exif(6, "2024:07:01 10:00:00")
+    note = exif(6, "2024:07:01 10:00:00", b"At the sea", b"UNICODE\0\0a\0b")
     inks = [[(*colour, 200) for colour in row] for row in colours]
     clear = [b"".join(bytes((*pixels[64 * y + x], 4 * x)) for x in range(64)) for y in range(64)]
     palette = chunk(b"PLTE", bytes(range(3 * 64))) + chunk(b"tRNS", bytes(range(0, 256, 4)))
+    other = profile(((0.1431, 0.0606, 0.7139), (0.3851, 0.7169, 0.0971), (0.4361, 0.2225, 0.0139)), 2.2)
+    colour_segments = segment(0xE2, b"ICC_PROFILE\0\1\1" + other) + segment(0xED, iptc(b"At the sea"))
     return {
-        "jpg": [with_exif(jpeg_bytes(colours, 3), b"Exif\0\0" + note), jpeg_bytes(inks, 4)],
-        "png": [png_of(64, 64, 8, 6, clear, chunk(b"eXIf", note)),
+        "jpg": [with_exif(jpeg_bytes(colours, 3, markers=colour_segments), b"Exif\0\0" + note), jpeg_bytes(inks, 4)],
+        "png": [png_of(64, 64, 8, 6, clear, chunk(b"eXIf", note), chunk(b"iCCP", b"x\0\0" + zlib.compress(other))),
                 png_of(64, 64, 8, 3, [bytes(range(64))] * 64, palette)],
         "bmp": [bmp_bytes(Picture(64, 64, pixels))],
         "webp": [WEBP],
@@ -86,20 +90,10 @@ class Mutations(ShowTest):
             for frame in frames:
                 frame.unlink()
 
-    def test_jpeg(self):
-        self.assert_read_or_refused("jpg", pictures()["jpg"])
-
-    def test_png(self):
-        self.assert_read_or_refused("png", pictures()["png"])
-
-    def test_bmp(self):
-        self.assert_read_or_refused("bmp", pictures()["bmp"])
-
-    def test_webp(self):
-        self.assert_read_or_refused("webp", pictures()["webp"])
-
-    def test_heic(self):
-        self.assert_read_or_refused("heic", pictures()["heic"])
+    def test_each_kind(self):
+        for kind, samples in pictures().items():
+            with self.subTest(kind):
+                self.assert_read_or_refused(kind, samples)
 
 
 class Interruptions(ShowTest):

@@ -42,6 +42,6 @@ ExifNotes notes(Bytes) {
 
 } // namespace
 
-const Decoder bmpDecoder = {"BMP", recognises, sizeOf, decode, notes};
+const Decoder bmpDecoder = {"BMP", recognises, sizeOf, decode, notes, nullptr};
 
 } // namespace show

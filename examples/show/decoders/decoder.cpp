@@ -1,6 +1,10 @@
 #include "decoder.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <new>
 #include <vector>
 
 namespace show {
@@ -33,6 +37,17 @@ std::string decoderNames() {
     for (const Decoder *const decoder : decoders())
         names += std::string(names.empty() ? "" : decoder == decoders().back() ? " or " : ", ") + decoder->name;
     return names;
+}
+
+void checkMemoryFor(PictureSize size) {
+    constexpr std::uint64_t fixed = 32 << 20; // a thread's stack, and much more than tables take
+    constexpr std::uint64_t bytesInPixel = 16;
+    const std::uint64_t pixels = static_cast<std::uint64_t>(size.width) * static_cast<std::uint64_t>(size.height);
+    constexpr std::uint64_t most = std::numeric_limits<std::size_t>::max() / 2;
+    void *volatile const memory = std::malloc(static_cast<std::size_t>(std::min(fixed + bytesInPixel * pixels, most)));
+    if (!memory)
+        throw std::bad_alloc();
+    std::free(memory);
 }
 
 } // namespace show

@@ -6,6 +6,8 @@
 #include "../exif.h"
 #include "../surface.h"
 
+#include <vector>
+
 namespace show {
 
 struct PictureSize {
@@ -13,7 +15,7 @@ struct PictureSize {
     int height;
 };
 
-/// A kind of picture file. What the functions throw is a Failure that says why, and not which file.
+/// A kind of picture file. What the functions throw is a Failure that says why, and not which file, or std::bad_alloc.
 struct Decoder {
     const char *name;
     bool (*recognises)(Bytes start);
@@ -23,6 +25,9 @@ struct Decoder {
     /// byte.
     void (*decode)(Bytes file, const Surface &picture);
     ExifNotes (*notes)(Bytes file);
+    /// What colours the pixels mean, as an ICC profile; empty if the file does not say. Null if such files never do, or
+    /// this build does not look.
+    std::vector<unsigned char> (*profile)(Bytes file);
 };
 
 /// How many bytes of a file's start Decoder::recognises() looks at.
@@ -33,6 +38,10 @@ const Decoder *findDecoder(Bytes start);
 
 /// The names of all kinds, as in "JPEG, PNG or BMP".
 std::string decoderNames();
+
+/// For decoders that may call a lack of memory damage: throws std::bad_alloc unless there is as much memory as decoding
+/// so many pixels takes at most.
+void checkMemoryFor(PictureSize size);
 
 extern const Decoder jpegDecoder;
 extern const Decoder pngDecoder;

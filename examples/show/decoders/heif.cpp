@@ -23,9 +23,11 @@ using Handle = std::unique_ptr<heif_image_handle, Release<heif_image_handle_rele
 using Image = std::unique_ptr<heif_image, Release<heif_image_release>>;
 using Options = std::unique_ptr<heif_decoding_options, Release<heif_decoding_options_free>>;
 
-void check(const heif_error &error) {
+/// The decoders that the library loads pass on that they failed, and not why.
+void check(const heif_error &error, PictureSize size = {0, 0}) {
     if (error.code == heif_error_Ok)
         return;
+    checkMemoryFor(size);
     if (error.code == heif_error_Memory_allocation_error && error.subcode != heif_suberror_Security_limit_exceeded)
         throw std::bad_alloc();
     if (error.subcode == heif_suberror_End_of_data)
@@ -40,6 +42,7 @@ struct Opened {
     explicit Opened(Bytes file) : context(heif_context_alloc()) {
         if (!context)
             throw std::bad_alloc();
+        heif_context_set_max_decoding_threads(context.get(), 0); // photographs are read by threads already
         check(heif_context_read_from_memory_without_copy(context.get(), file.data(), file.size(), nullptr));
         heif_image_handle *found = nullptr;
         check(heif_context_get_primary_image_handle(context.get(), &found));
@@ -62,6 +65,8 @@ PictureSize sizeOf(Bytes file) {
 }
 
 void decode(Bytes file, const Surface &picture) {
+    // A decoder that the library loads may wait for ever for a thread that could not start.
+    checkMemoryFor({picture.width, picture.height});
     const Opened opened(file);
     const Options options(heif_decoding_options_alloc());
     if (!options)
@@ -69,7 +74,8 @@ void decode(Bytes file, const Surface &picture) {
     options->convert_hdr_to_8bit = 1;
     heif_image *decoded = nullptr;
     check(heif_decode_image(opened.picture.get(), &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA,
-                            options.get()));
+                            options.get()),
+          {picture.width, picture.height});
     const Image image(decoded);
     int stride = 0;
     const std::uint8_t *const plane = heif_image_get_plane_readonly(image.get(), heif_channel_interleaved, &stride);
@@ -97,8 +103,16 @@ ExifNotes notes(Bytes file) {
     return found;
 }
 
+std::vector<unsigned char> profile(Bytes file) {
+    const Opened opened(file);
+    std::vector<unsigned char> bytes(heif_image_handle_get_raw_color_profile_size(opened.picture.get()));
+    if (!bytes.empty())
+        check(heif_image_handle_get_raw_color_profile(opened.picture.get(), bytes.data()));
+    return bytes;
+}
+
 } // namespace
 
-const Decoder heifDecoder = {"HEIC", recognises, sizeOf, decode, notes};
+const Decoder heifDecoder = {"HEIC", recognises, sizeOf, decode, notes, profile};
 
 } // namespace show

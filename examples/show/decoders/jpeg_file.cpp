@@ -4,6 +4,7 @@
 #include "../numbers.h"
 
 #include <array>
+#include <utility>
 
 namespace show {
 
@@ -130,7 +131,10 @@ PictureSize sizeOfJpeg(Bytes file) {
 }
 
 ExifNotes notesOfJpeg(Bytes file) {
-    return readExif(exifOfJpeg(file));
+    ExifNotes notes = readExif(exifOfJpeg(file));
+    if (std::string caption = captionOfJpeg(file); !caption.empty())
+        notes.comment = std::move(caption);
+    return notes;
 }
 
 void checkJpegTables(Bytes file) {

@@ -128,7 +128,7 @@ void decode(Bytes file, const Surface &picture) {
     jpeg_destroy_decompress(&reader.decompress);
     if (decoded)
         return;
-    if (reader.failure == JERR_OUT_OF_MEMORY)
+    if (reader.failure == JERR_OUT_OF_MEMORY || reader.failure == JERR_NO_BACKING_STORE)
         throw std::bad_alloc();
     if (reader.endMissing || reader.failure == JERR_INPUT_EOF)
         throw Failure("the JPEG picture is cut off");
@@ -138,6 +138,6 @@ void decode(Bytes file, const Surface &picture) {
 
 } // namespace
 
-const Decoder jpegDecoder = {"JPEG", isJpeg, sizeOfJpeg, decode, notesOfJpeg};
+const Decoder jpegDecoder = {"JPEG", isJpeg, sizeOfJpeg, decode, notesOfJpeg, profileOfJpeg};
 
 } // namespace show

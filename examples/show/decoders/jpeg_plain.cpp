@@ -14,6 +14,6 @@ void decode(Bytes file, const Surface &picture) {
 
 } // namespace
 
-const Decoder jpegDecoder = {"JPEG", isJpeg, sizeOfJpeg, decode, notesOfJpeg};
+const Decoder jpegDecoder = {"JPEG", isJpeg, sizeOfJpeg, decode, notesOfJpeg, profileOfJpeg};
 
 } // namespace show

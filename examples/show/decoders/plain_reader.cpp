@@ -2,11 +2,28 @@
 
 #include "../failure.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
 
+namespace {
+
+/// The reader does not always say that memory is what it lacks.
+thread_local bool lackedMemory = false;
+
+void *noted(void *memory) {
+    if (!memory)
+        lackedMemory = true;
+    return memory;
+}
+
+} // namespace
+
+#define STBI_MALLOC(size) noted(std::malloc(size))
+#define STBI_REALLOC(memory, size) noted(std::realloc(memory, size))
+#define STBI_FREE(memory) std::free(memory)
 // Without vector instructions it gives the same bytes in every build.
 #define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_STATIC
@@ -23,6 +40,7 @@
 #endif
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wunused-function"
+#pragma GCC diagnostic ignored "-Wold-style-cast"
 #include <stb_image.h>
 #pragma GCC diagnostic pop
 
@@ -34,13 +52,17 @@ void readPlainly(const char *kind, Bytes file, const Surface &picture) {
     int width = 0;
     int height = 0;
     int channels = 0;
+    lackedMemory = false;
     const std::unique_ptr<stbi_uc, void (*)(void *)> image(
         stbi_load_from_memory(file.data(), static_cast<int>(file.size()), &width, &height, &channels, 4),
         stbi_image_free);
     if (!image) {
         const char *const reason = stbi_failure_reason();
-        if (reason && std::strcmp(reason, "outofmem") == 0)
+        const auto says = [reason](const char *one) { return reason && std::strcmp(reason, one) == 0; };
+        if (lackedMemory || says("outofmem"))
             throw std::bad_alloc();
+        if (says("too large"))
+            throw Failure(std::string("the ") + kind + " picture is too large for this build");
         throw Failure(std::string("the ") + kind + " picture is damaged" +
                       (reason ? std::string(" (") + reason + ")" : ""));
     }

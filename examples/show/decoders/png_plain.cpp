@@ -13,6 +13,6 @@ void decode(Bytes file, const Surface &picture) {
 
 } // namespace
 
-const Decoder pngDecoder = {"PNG", isPng, sizeOfPng, decode, notesOfPng};
+const Decoder pngDecoder = {"PNG", isPng, sizeOfPng, decode, notesOfPng, nullptr};
 
 } // namespace show

@@ -54,15 +54,22 @@ void decode(Bytes file, const Surface &picture) {
     config.output.u.RGBA.size = static_cast<std::size_t>(picture.pitch) * 4 * static_cast<std::size_t>(picture.height);
     const VP8StatusCode status = WebPDecode(file.data(), file.size(), &config);
     WebPFreeDecBuffer(&config.output);
+    if (status == VP8_STATUS_BITSTREAM_ERROR)
+        checkMemoryFor({picture.width, picture.height});
     check(status);
 }
 
 ExifNotes notes(Bytes file) {
-    return readExif(exifOfWebp(file));
+    return readExif(chunkOfWebp(file, "EXIF"));
+}
+
+std::vector<unsigned char> profile(Bytes file) {
+    const Bytes found = chunkOfWebp(file, "ICCP");
+    return {found.begin(), found.end()};
 }
 
 } // namespace
 
-const Decoder webpDecoder = {"WebP", recognises, sizeOf, decode, notes};
+const Decoder webpDecoder = {"WebP", recognises, sizeOf, decode, notes, profile};
 
 } // namespace show
