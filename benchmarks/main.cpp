@@ -2,10 +2,13 @@
 /// Times the exported functions: whole pictures beside memcpy and fill of the same bytes in the same run, everything
 /// else by what it draws.
 ///
-/// usage: q_Mur_bench [--check] [REGEX] [--benchmark_...]
+/// usage: q_Mur_bench [--check] [--set sse2|v3|v4] [REGEX] [--benchmark_...]
+///        q_Mur_bench [--set sse2|v3|v4] --info
 ///
-/// With --check the rows are checked and not timed.
+/// With --check the rows are checked and not timed. Without --set the library runs on the instruction set that it
+/// chooses itself; --info says on which, and on what machine.
 #include "rows.h"
+#include "support/chosen_set.h"
 #include "table.h"
 
 #include <q_Mur.h>
@@ -51,11 +54,24 @@ int main(int argc, char **argv) {
                                         "--benchmark_enable_random_interleaving=true"};
     bool checkOnly = false;
     std::string wanted;
+    bool infoOnly = false;
+    Init_qMur_GlobalData(nullptr, nullptr);
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
         if (argument == "--check") {
             checkOnly = true;
             options.insert(options.end(), {"--benchmark_repetitions=1", "--benchmark_min_time=0"});
+            continue;
+        }
+        if (argument == "--set") {
+            if (const std::string reason = test::runOnSet(i + 1 < argc ? argv[++i] : ""); !reason.empty()) {
+                std::fprintf(stderr, "%s\n", reason.c_str());
+                return 2;
+            }
+            continue;
+        }
+        if (argument == "--info") {
+            infoOnly = true;
             continue;
         }
         if (argument.starts_with("-"))
@@ -73,11 +89,13 @@ int main(int argc, char **argv) {
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
         return 2;
 
-    Init_qMur_GlobalData(nullptr, nullptr);
     describe("machine", machine());
+    describe("set", test::setInUse());
     describe("compiler", Q_MUR_BENCH_COMPILER);
     describe("flags", Q_MUR_BENCH_FLAGS);
     std::fflush(stdout);
+    if (infoOnly)
+        return 0;
 
     bench::addBaselines();
     bench::addRows();

@@ -5,11 +5,16 @@
 #   def      with msvc32 or msvc64: module definition for linking the DLL with MinGW, both decorations of each name
 #   lib-def  with msvc32 or msvc64: module definition for q_Mur.lib, the decoration of MSVC alone
 #   map      with long32 or lp64: version script for a shared object
+#   names    with any scheme: the names, one a line
+#   imports  with long32 or lp64 and -DPREFIX=<of symbols>: sources for linking what is compiled for the DLL's hosts with
+#            the static library: the pointers by which they call
 #
 # tools/exports explains the schemes.
 
 if(FORM STREQUAL map)
   set(text "{\n    global:\n")
+elseif(FORM MATCHES "^(names|imports)$")
+  set(text "")
 else()
   set(text "LIBRARY q_Mur.dll\nEXPORTS\n")
 endif()
@@ -26,6 +31,12 @@ foreach(line IN LISTS lines)
       set(name "${decorated_${SCHEME}}")
       if(FORM STREQUAL map)
         string(APPEND text "        ${name};\n")
+      elseif(FORM STREQUAL names)
+        string(APPEND text "${name}\n")
+      elseif(FORM STREQUAL imports)
+        string(APPEND text "extern \"C\" {\nextern char export${entries} __asm__(\"${PREFIX}${name}\");\n"
+          "extern void *const import${entries} __asm__(\"__imp_${PREFIX}${name}\");\n"
+          "void *const import${entries} = &export${entries};\n}\n")
       elseif(FORM STREQUAL def)
         string(APPEND text "    \"${name}\" = ${decorated_long32}${data}\n    ${decorated_long32}${data}\n")
       else()

@@ -15,10 +15,17 @@ else()
   set(Q_MUR_ITANIUM_SCHEME lp64)
 endif()
 
+# What the compiler puts before the names of symbols.
+set(Q_MUR_SYMBOL_PREFIX "")
+if(Q_MUR_MSVC_SCHEME STREQUAL "msvc32")
+  set(Q_MUR_SYMBOL_PREFIX _)
+endif()
+
 # Derives the file `output` from the list.
 function(q_mur_derive_from_export_list output form scheme)
   add_custom_command(OUTPUT "${output}"
-    COMMAND "${CMAKE_COMMAND}" -DFORM=${form} -DSCHEME=${scheme} "-DOUTPUT=${output}" -P "${Q_MUR_EXPORT_SCRIPT}"
+    COMMAND "${CMAKE_COMMAND}" -DFORM=${form} -DSCHEME=${scheme} -DPREFIX=${Q_MUR_SYMBOL_PREFIX} "-DOUTPUT=${output}"
+      -P "${Q_MUR_EXPORT_SCRIPT}"
     DEPENDS "${Q_MUR_EXPORT_SCRIPT}" "${Q_MUR_EXPORT_LIST}" VERBATIM)
 endfunction()
 

@@ -5,9 +5,9 @@
 /// draws, the meaning and unit of each argument, what it clips and what it trusts the caller with.
 ///
 /// A host calls Init_qMur_GlobalData() once, before any function that reads the tables #iSin, #iCos and #iSqrt. There
-/// is no other set-up, no error channel and no state beside the tables, the counter of GaussRand(), what SetSpriteDir()
-/// and SetSpriteInstance() have stored, and the blocks of the host's _TRANSFERDATA. Calls on separate surfaces may run
-/// at the same time.
+/// is no other set-up, no error channel and no state beside the tables, which vector instructions are used, the counter
+/// of GaussRand(), what SetSpriteDir() and SetSpriteInstance() have stored, and the blocks of the host's _TRANSFERDATA.
+/// Calls on separate surfaces may run at the same time.
 #ifndef Q_MUR_H
 #define Q_MUR_H
 

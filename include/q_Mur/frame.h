@@ -18,8 +18,10 @@ extern Q_MUR_API int iCos[8192];
 /// Square root of the index, 1.0 is 1024.
 extern Q_MUR_API int iSqrt[8192];
 
-/// Fills the three tables. May be called again; the result is the same. Must have run once before any function that
-/// reads a table, and before other threads use the library.
+/// Fills the three tables, and has the library run on the widest vector instructions that it holds and that processor
+/// and system allow; until then it runs on those that every processor has, and writes the same. May be called again;
+/// the result is the same. Must have run once before any function that reads a table, and before other threads use the
+/// library.
 Q_MUR_API void PrepareSinTable();
 
 /// Same as PrepareSinTable(). Both arguments are ignored and may be null.

@@ -1,4 +1,5 @@
 #include "base/wide.h"
+#include "instruction_sets.h"
 #include "q_Mur/frame.h"
 
 int iSin[8192];
@@ -20,6 +21,7 @@ void PrepareSinTable() {
             iSqrt[i] = qmur::truncateToInt(static_cast<double>(qmur::squareRoot(i) * 1024));
         }
     });
+    qmur::useWidestInstructionSet();
 }
 
 void Init_qMur_GlobalData(HINSTANCE__ *, char *) {

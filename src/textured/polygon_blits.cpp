@@ -38,9 +38,9 @@ MapperChoice<QM3DSpanMapper> olderChoice(q_ulong flags) {
 MapperChoice<QMGLSpanMapper> pipelineChoice(q_ulong flags) {
     switch (flags & modeMask) {
     case interpolatedLight:
-        return {VKD_i3D_Mapping_Linear_HPE, VKD_i3D_Mapping_Near_HPE};
+        return {shownLinearHPE, shownNearHPE};
     case keyed:
-        return {VKD_i3D_Mapping_Linear_HPE_KeySrc, nullptr};
+        return {shownLinearHPEKeySrc, nullptr};
     default:
         return {};
     }

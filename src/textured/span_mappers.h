@@ -35,6 +35,12 @@ extern const QM3DSpanMapper mapLinearNoHPE;      ///< filtered, light of the sta
 extern const QM3DSpanMapper mapNearNoHPE;        ///< nearest texel, light of the start of the left edge
 extern const QM3DSpanMapper mapNearNoLightNoHPE; ///< nearest texel as it is
 
+/// The mappers of the matrix pipeline under their exported addresses, with which hosts compare what they find in a
+/// slot.
+extern const QMGLSpanMapper shownLinearHPE;
+extern const QMGLSpanMapper shownLinearHPEKeySrc;
+extern const QMGLSpanMapper shownNearHPE;
+
 } // namespace qmur
 
 #endif

@@ -18,6 +18,7 @@ int main(int argc, char **argv) {
     test::atLoad.sinesAreZero = std::all_of(iSin, iSin + 8192, isZero);
     test::atLoad.cosinesAreZero = std::all_of(iCos, iCos + 8192, isZero);
     test::atLoad.rootsAreZero = std::all_of(iSqrt, iSqrt + 8192, isZero);
+    test::atLoad.set = qmur::instructionSetInUse();
     test::atLoad.rainbowColour = randRainbowColor();
     for (int &result : test::atLoad.gaussRand)
         result = GaussRand();
