@@ -39,6 +39,7 @@ struct Lanes {
     }
     static Lanes all(Number number) { return {Vector{} + number}; }
     static Lanes front(Number number) { return {Vector{number}}; }
+    static Lanes counted();
 
     static Lanes load(const void *from) { return {*static_cast<const Anywhere *>(from)}; }
     static Lanes loadEightBytes(const void *from) {
@@ -104,6 +105,16 @@ struct Fourth {
     static constexpr int at(int place) { return place | 3; }
 };
 
+template <int first>
+struct Doubled {
+    static constexpr int at(int place) { return place / 4 * 4 + first + place % 4 / 2; }
+};
+
+template <class Number, int... places>
+Lanes<Number, sizeof...(places)> counted(std::integer_sequence<int, places...>) {
+    return Lanes<Number, sizeof...(places)>::of(places...);
+}
+
 } // namespace detail
 
 template <int lane, class Number, int count>
@@ -114,6 +125,20 @@ Lanes<Number, count> broadcast(Lanes<Number, count> a) {
 template <class Number, int count>
 Lanes<Number, count> fourthInFours(Lanes<Number, count> a) {
     return detail::shuffled<detail::Fourth>(a);
+}
+
+template <class Number, int count>
+Lanes<Number, count> doubledLow(Lanes<Number, count> a) {
+    return detail::shuffled<detail::Doubled<0>>(a);
+}
+template <class Number, int count>
+Lanes<Number, count> doubledHigh(Lanes<Number, count> a) {
+    return detail::shuffled<detail::Doubled<2>>(a);
+}
+
+template <class Number, int count>
+Lanes<Number, count> Lanes<Number, count>::counted() {
+    return detail::counted<Number>(std::make_integer_sequence<int, count>());
 }
 
 template <int lane, class Number, int count>

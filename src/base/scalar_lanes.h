@@ -84,6 +84,11 @@ struct Lanes {
         return filled([&](int lane) { return a[lane] >> bits; });
     }
 
+    /// 0, 1, 2 and so on.
+    static Lanes counted() {
+        return filled([](int lane) { return lane; });
+    }
+
     /// The lanes that `numberOf(lane)` gives.
     template <class NumberOf>
     static Lanes filled(NumberOf numberOf) {
@@ -123,6 +128,16 @@ Lanes<Number, count> broadcast(Lanes<Number, count> a) {
 template <class Number, int count>
 Lanes<Number, count> fourthInFours(Lanes<Number, count> a) {
     return Lanes<Number, count>::filled([&](int lane) { return a[lane | 3]; });
+}
+
+/// The first two of every four lanes, each of them twice, and the last two.
+template <class Number, int count>
+Lanes<Number, count> doubledLow(Lanes<Number, count> a) {
+    return Lanes<Number, count>::filled([&](int lane) { return a[lane / 4 * 4 + lane % 4 / 2]; });
+}
+template <class Number, int count>
+Lanes<Number, count> doubledHigh(Lanes<Number, count> a) {
+    return Lanes<Number, count>::filled([&](int lane) { return a[lane / 4 * 4 + 2 + lane % 4 / 2]; });
 }
 
 /// The same lanes but for one of them.
