@@ -8,7 +8,7 @@
 /// without a clip trusts its rectangles to lie inside their surfaces.
 ///
 /// Filtered functions take four taps with weights in sixteenths, which add up to 256, and truncate: see
-/// docs/sampling.md.
+/// docs/sampling.md. Scaling uses up to 64 KB of the stack.
 #ifndef Q_MUR_BLIT_H
 #define Q_MUR_BLIT_H
 

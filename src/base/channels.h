@@ -85,6 +85,78 @@ Numbers<count> blendPixels(Numbers<count> d, Numbers<count> s, WeightsOf weights
     return as<std::uint32_t>(narrowed(low, high)) & Numbers<count>::all(0xFFFFFF);
 }
 
+/// blend256() of several pixels, `shares` being weights of the source from 1 to 255 for each channel. The destination's
+/// weight is what they lack of `total`, 255 or 256.
+template <int total, int count>
+Numbers<count> blendByShares(Numbers<count> d, Numbers<count> s, Bytes<count * 4> shares) {
+    using All = Bytes<count * 4>;
+    using Half = Words<count * 2>;
+    // Channels less 128 are numbers with a sign; the products lack 128 times the weights.
+    const auto less = [](Numbers<count> pixels) { return as<std::uint8_t>(pixels ^ Numbers<count>::all(0x80808080)); };
+    const All others = total == 256 ? All::all(0) - shares : shares ^ All::all(0xFF);
+    const auto mean = [](All weights, All channels) {
+        return (pairSums(weights, channels) + Half::all(128 * total)) >> 8;
+    };
+    const auto low = mean(interleavedLow(shares, others), interleavedLow(less(s), less(d)));
+    const auto high = mean(interleavedHigh(shares, others), interleavedHigh(less(s), less(d)));
+    return as<std::uint32_t>(narrowed(low, high)) & Numbers<count>::all(0xFFFFFF);
+}
+
+/// min(d + s, 255) in each channel of several pixels.
+template <int count>
+Numbers<count> saturatingAdd(Numbers<count> d, Numbers<count> s) {
+    return as<std::uint32_t>(saturatingSum(as<std::uint8_t>(d), as<std::uint8_t>(s))) & Numbers<count>::all(0xFFFFFF);
+}
+
+/// Leaves the destination as it is where the source is 0.
+template <class Operation>
+struct UnlessZero {
+    Operation operation;
+
+    template <int count>
+    Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
+        return selectEqual(s, Numbers<count>::all(0), d, operation(d, s));
+    }
+};
+
+/// Source over destination with the same weights from 0 to 256 for every pixel.
+struct ConstantBlend {
+    AlphaWeights weights;
+
+    template <int count>
+    Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
+        if constexpr (sumsPairs) {
+            const auto shares = Bytes<count * 4>::all(static_cast<std::uint8_t>(weights.src));
+            return blendByShares<256>(d, s, shares);
+        } else {
+            return blendPixels(d, s, [of = weights]<int words>(Words<words>) {
+                return WordWeights<words>{Words<words>::all(static_cast<std::uint16_t>(of.src)),
+                                          Words<words>::all(static_cast<std::uint16_t>(of.dst))};
+            });
+        }
+    }
+};
+
+/// The one of two surfaces' pixels alone, which is what a blend comes to at its ends.
+template <bool isSource>
+struct OnePixel {
+    template <int count>
+    Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
+        return (isSource ? s : d) & Numbers<count>::all(0xFFFFFF);
+    }
+};
+
+/// Calls `draw` with the blend of weights from 0 to 256.
+template <class Draw>
+void withBlend(AlphaWeights weights, Draw draw) {
+    if (weights.src == 0)
+        draw(OnePixel<false>());
+    else if (weights.dst == 0)
+        draw(OnePixel<true>());
+    else
+        draw(ConstantBlend{weights});
+}
+
 } // namespace qmur
 
 #endif

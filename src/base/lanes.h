@@ -9,6 +9,7 @@
 
 #include "base/scalar_lanes.h"
 
+#include <cstddef>
 #include <cstdint>
 
 // Whether the target's instructions are used; the build says 0 for the scalar twins.
@@ -26,6 +27,8 @@ namespace qmur::vector {
 template <class Number, int count>
 struct Lanes {
     using Vector __attribute__((vector_size(sizeof(Number) * count))) = Number;
+    /// A vector anywhere in memory. A copy by bytes would be made in pieces, for which the load then waits.
+    using Anywhere __attribute__((aligned(1), may_alias)) = Vector;
 
     Vector vector;
 
@@ -36,19 +39,18 @@ struct Lanes {
     }
     static Lanes all(Number number) { return {Vector{} + number}; }
     static Lanes front(Number number) { return {Vector{number}}; }
+    static Lanes counted();
 
-    static Lanes load(const void *from) {
-        Lanes result;
-        std::memcpy(&result, from, sizeof(result));
-        return result;
-    }
+    static Lanes load(const void *from) { return {*static_cast<const Anywhere *>(from)}; }
     static Lanes loadEightBytes(const void *from) {
         using Eights __attribute__((vector_size(sizeof(Vector)))) = std::uint64_t;
         std::uint64_t eight;
         std::memcpy(&eight, from, sizeof(eight));
         return {reinterpret_cast<Vector>(Eights{eight})};
     }
-    void store(void *to) const { std::memcpy(to, &vector, sizeof(vector)); }
+    static Lanes loadFirst(const void *from, int numbers);
+    void store(void *to) const { *static_cast<Anywhere *>(to) = vector; }
+    void storeFirst(void *to, int numbers) const;
     void storeEightBytes(void *to) const { std::memcpy(to, &vector, 8); }
 
     Number operator[](int lane) const { return vector[lane]; }
@@ -57,6 +59,9 @@ struct Lanes {
     friend Lanes operator-(Lanes a, Lanes b) { return {a.vector - b.vector}; }
     friend Lanes operator*(Lanes a, Lanes b) { return {a.vector * b.vector}; }
     friend Lanes operator&(Lanes a, Lanes b) { return {a.vector & b.vector}; }
+    friend Lanes operator|(Lanes a, Lanes b) { return {a.vector | b.vector}; }
+    friend Lanes operator^(Lanes a, Lanes b) { return {a.vector ^ b.vector}; }
+    friend Lanes operator<<(Lanes a, int bits) { return {a.vector << static_cast<Number>(bits)}; }
     friend Lanes operator>>(Lanes a, int bits) { return {a.vector >> static_cast<Number>(bits)}; }
 };
 
@@ -100,6 +105,16 @@ struct Fourth {
     static constexpr int at(int place) { return place | 3; }
 };
 
+template <int first>
+struct Doubled {
+    static constexpr int at(int place) { return place / 4 * 4 + first + place % 4 / 2; }
+};
+
+template <class Number, int... places>
+Lanes<Number, sizeof...(places)> counted(std::integer_sequence<int, places...>) {
+    return Lanes<Number, sizeof...(places)>::of(places...);
+}
+
 } // namespace detail
 
 template <int lane, class Number, int count>
@@ -112,15 +127,52 @@ Lanes<Number, count> fourthInFours(Lanes<Number, count> a) {
     return detail::shuffled<detail::Fourth>(a);
 }
 
+template <class Number, int count>
+Lanes<Number, count> doubledLow(Lanes<Number, count> a) {
+    return detail::shuffled<detail::Doubled<0>>(a);
+}
+template <class Number, int count>
+Lanes<Number, count> doubledHigh(Lanes<Number, count> a) {
+    return detail::shuffled<detail::Doubled<2>>(a);
+}
+
+template <class Number, int count>
+Lanes<Number, count> Lanes<Number, count>::counted() {
+    return detail::counted<Number>(std::make_integer_sequence<int, count>());
+}
+
 template <int lane, class Number, int count>
 Lanes<Number, count> withLane(Lanes<Number, count> a, Number number) {
     a.vector[lane] = number;
     return a;
 }
 
+/// Pixels and those that lie to the right of them.
+template <int count>
+struct Neighbours {
+    Lanes<std::uint32_t, count> left;
+    Lanes<std::uint32_t, count> right;
+};
+
+template <int count>
+Neighbours<count> loadNeighbours(const void *row, const std::int32_t *columns);
+
 // Per target: what no compiler makes well of plain C++.
 
 namespace detail {
+
+/// How a set of lanes loads and stores its first numbers.
+template <class Number, int count>
+struct FirstLanes {
+    static Lanes<Number, count> load(const void *from, int numbers) {
+        Lanes<Number, count> result = {};
+        std::memcpy(&result, from, static_cast<std::size_t>(numbers) * sizeof(Number));
+        return result;
+    }
+    static void store(Lanes<Number, count> a, void *to, int numbers) {
+        std::memcpy(to, &a, static_cast<std::size_t>(numbers) * sizeof(Number));
+    }
+};
 
 /// The lanes of a vector of any type.
 template <class Number, class Register>
@@ -180,6 +232,36 @@ inline Lanes<std::uint16_t, 8> narrowed(Lanes<std::uint32_t, 4> low, Lanes<std::
     return detail::lanesOf<std::uint16_t>(_mm_packs_epi32(detail::bits128(low), detail::bits128(high)));
 }
 
+inline Lanes<std::uint16_t, 8> highProduct(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    return detail::lanesOf<std::uint16_t>(_mm_mulhi_epu16(detail::bits128(a), detail::bits128(b)));
+}
+
+inline Lanes<std::uint8_t, 16> interleavedLow(Lanes<std::uint8_t, 16> a, Lanes<std::uint8_t, 16> b) {
+    return detail::lanesOf<std::uint8_t>(_mm_unpacklo_epi8(detail::bits128(a), detail::bits128(b)));
+}
+
+inline Lanes<std::uint8_t, 16> interleavedHigh(Lanes<std::uint8_t, 16> a, Lanes<std::uint8_t, 16> b) {
+    return detail::lanesOf<std::uint8_t>(_mm_unpackhi_epi8(detail::bits128(a), detail::bits128(b)));
+}
+
+namespace detail {
+
+inline __m128i twoFrom(const void *row, std::int32_t column) {
+    return bits128(
+        Lanes<std::uint32_t, 4>::loadEightBytes(static_cast<const char *>(row) + std::ptrdiff_t{4} * column));
+}
+
+} // namespace detail
+
+template <>
+inline Neighbours<4> loadNeighbours<4>(const void *row, const std::int32_t *columns) {
+    const auto at = [=](int lane) { return detail::twoFrom(row, columns[lane]); };
+    const __m128i first = _mm_unpacklo_epi32(at(0), at(1));
+    const __m128i last = _mm_unpacklo_epi32(at(2), at(3));
+    return {detail::lanesOf<std::uint32_t>(_mm_unpacklo_epi64(first, last)),
+            detail::lanesOf<std::uint32_t>(_mm_unpackhi_epi64(first, last))};
+}
+
 #endif
 
 // GCC does not align 32 bytes on the stack of 64-bit Windows.
@@ -222,14 +304,188 @@ inline Lanes<std::uint16_t, 16> narrowed(Lanes<std::uint32_t, 8> low, Lanes<std:
     return detail::lanesOf<std::uint16_t>(_mm256_packs_epi32(detail::bits256(low), detail::bits256(high)));
 }
 
+inline Lanes<std::uint16_t, 16> highProduct(Lanes<std::uint16_t, 16> a, Lanes<std::uint16_t, 16> b) {
+    return detail::lanesOf<std::uint16_t>(_mm256_mulhi_epu16(detail::bits256(a), detail::bits256(b)));
+}
+
+inline Lanes<std::uint8_t, 32> interleavedLow(Lanes<std::uint8_t, 32> a, Lanes<std::uint8_t, 32> b) {
+    return detail::lanesOf<std::uint8_t>(_mm256_unpacklo_epi8(detail::bits256(a), detail::bits256(b)));
+}
+
+inline Lanes<std::uint8_t, 32> interleavedHigh(Lanes<std::uint8_t, 32> a, Lanes<std::uint8_t, 32> b) {
+    return detail::lanesOf<std::uint8_t>(_mm256_unpackhi_epi8(detail::bits256(a), detail::bits256(b)));
+}
+
+inline Lanes<std::uint16_t, 8> pairSums(Lanes<std::uint8_t, 16> a, Lanes<std::uint8_t, 16> b) {
+    return detail::lanesOf<std::uint16_t>(_mm_maddubs_epi16(detail::bits128(a), detail::bits128(b)));
+}
+
+inline Lanes<std::uint16_t, 16> pairSums(Lanes<std::uint8_t, 32> a, Lanes<std::uint8_t, 32> b) {
+    return detail::lanesOf<std::uint16_t>(_mm256_maddubs_epi16(detail::bits256(a), detail::bits256(b)));
+}
+
+inline Lanes<std::uint32_t, 8> picked(Lanes<std::uint32_t, 8> a, Lanes<std::uint32_t, 8> places) {
+    return detail::lanesOf<std::uint32_t>(_mm256_permutevar8x32_epi32(detail::bits256(a), detail::bits256(places)));
+}
+
+inline Lanes<std::uint32_t, 8> picked(Lanes<std::uint32_t, 8> a, Lanes<std::uint32_t, 8> b,
+                                      Lanes<std::uint32_t, 8> places) {
+    const auto reals = [](__m256i bits) { return _mm256_castsi256_ps(bits); };
+    // The bit that tells the two apart becomes the sign, by which reals are selected.
+    const __m256 which = reals(_mm256_slli_epi32(detail::bits256(places), 28));
+    return detail::lanesOf<std::uint32_t>(
+        _mm256_blendv_ps(reals(detail::bits256(picked(a, places))), reals(detail::bits256(picked(b, places))), which));
+}
+
+template <>
+inline Neighbours<8> loadNeighbours<8>(const void *row, const std::int32_t *columns) {
+    const auto at = [=](int lane) { return detail::twoFrom(row, columns[lane]); };
+    const auto two = [&](int lane) { return _mm_unpacklo_epi64(at(lane), at(lane + 1)); };
+    const auto four = [&](int lane) { return _mm256_castsi256_ps(_mm256_set_m128i(two(lane + 4), two(lane))); };
+    const __m256 first = four(0);
+    const __m256 last = four(2);
+    return {detail::lanesOf<std::uint32_t>(_mm256_shuffle_ps(first, last, _MM_SHUFFLE(2, 0, 2, 0))),
+            detail::lanesOf<std::uint32_t>(_mm256_shuffle_ps(first, last, _MM_SHUFFLE(3, 1, 3, 1)))};
+}
+
+namespace detail {
+
+template <>
+struct FirstLanes<std::uint32_t, 8> {
+    static __m256i mask(int numbers) {
+        return _mm256_cmpgt_epi32(_mm256_set1_epi32(numbers), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+    }
+    static Lanes<std::uint32_t, 8> load(const void *from, int numbers) {
+        return lanesOf<std::uint32_t>(_mm256_maskload_epi32(static_cast<const int *>(from), mask(numbers)));
+    }
+    static void store(Lanes<std::uint32_t, 8> a, void *to, int numbers) {
+        _mm256_maskstore_epi32(static_cast<int *>(to), mask(numbers), bits256(a));
+    }
+};
+
+} // namespace detail
+
 /// The bytes that the target takes at once.
 constexpr int registerBytes = 32;
+constexpr bool sumsPairs = true;
 
 #else
 
 constexpr int registerBytes = 16;
+constexpr bool sumsPairs = false;
 
 #endif
+
+#if defined(__AVX512BW__) && !defined(_WIN64)
+
+namespace detail {
+
+template <class Number, int count>
+__m512i bits512(Lanes<Number, count> a) {
+    return reinterpret_cast<__m512i>(a.vector);
+}
+
+} // namespace detail
+
+inline Lanes<std::uint8_t, 64> saturatingSum(Lanes<std::uint8_t, 64> a, Lanes<std::uint8_t, 64> b) {
+    return detail::lanesOf<std::uint8_t>(_mm512_adds_epu8(detail::bits512(a), detail::bits512(b)));
+}
+
+inline Lanes<std::uint16_t, 32> widenedLow(Lanes<std::uint8_t, 64> a) {
+    return detail::lanesOf<std::uint16_t>(_mm512_unpacklo_epi8(detail::bits512(a), _mm512_setzero_si512()));
+}
+
+inline Lanes<std::uint16_t, 32> widenedHigh(Lanes<std::uint8_t, 64> a) {
+    return detail::lanesOf<std::uint16_t>(_mm512_unpackhi_epi8(detail::bits512(a), _mm512_setzero_si512()));
+}
+
+inline Lanes<std::uint32_t, 16> widenedLow(Lanes<std::uint16_t, 32> a) {
+    return detail::lanesOf<std::uint32_t>(_mm512_unpacklo_epi16(detail::bits512(a), _mm512_setzero_si512()));
+}
+
+inline Lanes<std::uint32_t, 16> widenedHigh(Lanes<std::uint16_t, 32> a) {
+    return detail::lanesOf<std::uint32_t>(_mm512_unpackhi_epi16(detail::bits512(a), _mm512_setzero_si512()));
+}
+
+inline Lanes<std::uint8_t, 64> narrowed(Lanes<std::uint16_t, 32> low, Lanes<std::uint16_t, 32> high) {
+    return detail::lanesOf<std::uint8_t>(_mm512_packus_epi16(detail::bits512(low), detail::bits512(high)));
+}
+
+inline Lanes<std::uint16_t, 32> narrowed(Lanes<std::uint32_t, 16> low, Lanes<std::uint32_t, 16> high) {
+    return detail::lanesOf<std::uint16_t>(_mm512_packs_epi32(detail::bits512(low), detail::bits512(high)));
+}
+
+inline Lanes<std::uint16_t, 32> highProduct(Lanes<std::uint16_t, 32> a, Lanes<std::uint16_t, 32> b) {
+    return detail::lanesOf<std::uint16_t>(_mm512_mulhi_epu16(detail::bits512(a), detail::bits512(b)));
+}
+
+inline Lanes<std::uint8_t, 64> interleavedLow(Lanes<std::uint8_t, 64> a, Lanes<std::uint8_t, 64> b) {
+    return detail::lanesOf<std::uint8_t>(_mm512_unpacklo_epi8(detail::bits512(a), detail::bits512(b)));
+}
+
+inline Lanes<std::uint8_t, 64> interleavedHigh(Lanes<std::uint8_t, 64> a, Lanes<std::uint8_t, 64> b) {
+    return detail::lanesOf<std::uint8_t>(_mm512_unpackhi_epi8(detail::bits512(a), detail::bits512(b)));
+}
+
+inline Lanes<std::uint16_t, 32> pairSums(Lanes<std::uint8_t, 64> a, Lanes<std::uint8_t, 64> b) {
+    return detail::lanesOf<std::uint16_t>(_mm512_maddubs_epi16(detail::bits512(a), detail::bits512(b)));
+}
+
+inline Lanes<std::uint32_t, 16> picked(Lanes<std::uint32_t, 16> a, Lanes<std::uint32_t, 16> places) {
+    return detail::lanesOf<std::uint32_t>(
+        _mm512_maskz_permutexvar_epi32(0xFFFF, detail::bits512(places), detail::bits512(a)));
+}
+
+inline Lanes<std::uint32_t, 16> picked(Lanes<std::uint32_t, 16> a, Lanes<std::uint32_t, 16> b,
+                                       Lanes<std::uint32_t, 16> places) {
+    return detail::lanesOf<std::uint32_t>(
+        _mm512_permutex2var_epi32(detail::bits512(a), detail::bits512(places), detail::bits512(b)));
+}
+
+template <>
+inline Neighbours<16> loadNeighbours<16>(const void *row, const std::int32_t *columns) {
+    const auto [firstLeft, firstRight] = loadNeighbours<8>(row, columns);
+    const auto [lastLeft, lastRight] = loadNeighbours<8>(row, columns + 8);
+    const auto both = [](Lanes<std::uint32_t, 8> first, Lanes<std::uint32_t, 8> last) {
+        return detail::lanesOf<std::uint32_t>(
+            _mm512_maskz_inserti64x4(0xFF, _mm512_castsi256_si512(detail::bits256(first)), detail::bits256(last), 1));
+    };
+    return {both(firstLeft, lastLeft), both(firstRight, lastRight)};
+}
+
+namespace detail {
+
+template <>
+struct FirstLanes<std::uint32_t, 16> {
+    static __mmask16 mask(int numbers) { return static_cast<__mmask16>((1U << numbers) - 1); }
+    static Lanes<std::uint32_t, 16> load(const void *from, int numbers) {
+        return lanesOf<std::uint32_t>(_mm512_maskz_loadu_epi32(mask(numbers), from));
+    }
+    static void store(Lanes<std::uint32_t, 16> a, void *to, int numbers) {
+        _mm512_mask_storeu_epi32(to, mask(numbers), bits512(a));
+    }
+};
+
+} // namespace detail
+
+/// The widest register, which does not serve every kernel best.
+constexpr int widestBytes = 64;
+
+#else
+
+constexpr int widestBytes = registerBytes;
+
+#endif
+
+template <class Number, int count>
+Lanes<Number, count> Lanes<Number, count>::loadFirst(const void *from, int numbers) {
+    return detail::FirstLanes<Number, count>::load(from, numbers);
+}
+
+template <class Number, int count>
+void Lanes<Number, count>::storeFirst(void *to, int numbers) const {
+    detail::FirstLanes<Number, count>::store(*this, to, numbers);
+}
 
 } // namespace qmur::vector
 
@@ -249,7 +505,10 @@ namespace qmur {
 
 using target::as;
 using target::broadcast;
+using target::loadNeighbours;
 using target::registerBytes;
+using target::sumsPairs;
+using target::widestBytes;
 using target::withLane;
 
 template <int count>
@@ -259,8 +518,17 @@ using Words = target::Lanes<std::uint16_t, count>;
 template <int count>
 using Numbers = target::Lanes<std::uint32_t, count>;
 
+/// Fetches memory that is soon to be read or written.
+inline void willRead(const void *memory) {
+    __builtin_prefetch(memory, 0);
+}
+inline void willWrite(const void *memory) {
+    __builtin_prefetch(memory, 1);
+}
+
 /// As many pixels as the target takes at once.
 using Pixels = Numbers<registerBytes / 4>;
+using MostPixels = Numbers<widestBytes / 4>;
 
 } // namespace qmur
 

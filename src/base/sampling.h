@@ -50,6 +50,52 @@ inline Words<8> mixedRows(Words<8> upper, Words<8> lower, q_ulong fy) {
 
 } // namespace detail
 
+/// Weights of pixels of which two are mixed, for the lower and the upper half of each 16 bytes: eight bytes to a pixel,
+/// those of the one and the other in turn.
+template <int count>
+struct MixWeights {
+    Bytes<count * 4> low;
+    Bytes<count * 4> high;
+
+    static MixWeights all(q_ulong fraction) {
+        const auto both = as<std::uint8_t>(Words<count * 2>::all(static_cast<std::uint16_t>(pair(fraction))));
+        return {both, both};
+    }
+    static constexpr q_ulong pair(q_ulong fraction) { return 16 - fraction + (fraction << 8); }
+};
+
+/// Channels of pixels as words, of the lower and the upper half of each 16 bytes.
+template <int count>
+struct PixelWords {
+    Words<count * 2> low;
+    Words<count * 2> high;
+};
+
+/// Pixels mixed with others by sixteenths: each channel times 16.
+template <int count>
+PixelWords<count> mixedPixels(Numbers<count> a, Numbers<count> b, MixWeights<count> weights) {
+    const auto aBytes = as<std::uint8_t>(a);
+    const auto bBytes = as<std::uint8_t>(b);
+    if constexpr (sumsPairs) {
+        return {pairSums(interleavedLow(aBytes, bBytes), weights.low),
+                pairSums(interleavedHigh(aBytes, bBytes), weights.high)};
+    } else {
+        using Half = Words<count * 2>;
+        const auto mixed = [](Half aWords, Half bWords, Bytes<count * 4> pairs) {
+            const auto words = as<std::uint16_t>(pairs);
+            return aWords * (words & Half::all(0xFF)) + bWords * (words >> 8);
+        };
+        return {mixed(widenedLow(aBytes), widenedLow(bBytes), weights.low),
+                mixed(widenedHigh(aBytes), widenedHigh(bBytes), weights.high)};
+    }
+}
+
+/// Sums of samples divided by 256, truncated; top byte 0.
+template <int count>
+Numbers<count> pixelsOf(PixelWords<count> sums) {
+    return as<std::uint32_t>(narrowed(sums.low >> 8, sums.high >> 8)) & Numbers<count>::all(0xFFFFFF);
+}
+
 /// The four taps at the start of two rows; `fx` and `fy` are the fractions in sixteenths.
 inline ChannelSums fourTaps(const q_ulong *row0, const q_ulong *row1, q_ulong fx, q_ulong fy) {
     const Words<8> rows = detail::mixedRows(channelWordsOfTwo(row0), channelWordsOfTwo(row1), fy);

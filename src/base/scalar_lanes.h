@@ -5,6 +5,7 @@
 #define Q_MUR_BASE_SCALAR_LANES_H
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
@@ -43,7 +44,17 @@ struct Lanes {
         return result;
     }
 
+    /// The first `numbers` lanes from memory, 0 in the others; nothing behind them is read.
+    static Lanes loadFirst(const void *from, int numbers) {
+        Lanes result = {};
+        std::memcpy(result.lanes, from, static_cast<std::size_t>(numbers) * sizeof(Number));
+        return result;
+    }
+
     void store(void *to) const { std::memcpy(to, lanes, sizeof(lanes)); }
+    void storeFirst(void *to, int numbers) const {
+        std::memcpy(to, lanes, static_cast<std::size_t>(numbers) * sizeof(Number));
+    }
     void storeEightBytes(void *to) const { std::memcpy(to, lanes, 8); }
 
     Number operator[](int lane) const { return lanes[lane]; }
@@ -60,8 +71,22 @@ struct Lanes {
     friend Lanes operator&(Lanes a, Lanes b) {
         return filled([&](int lane) { return a[lane] & b[lane]; });
     }
+    friend Lanes operator|(Lanes a, Lanes b) {
+        return filled([&](int lane) { return a[lane] | b[lane]; });
+    }
+    friend Lanes operator^(Lanes a, Lanes b) {
+        return filled([&](int lane) { return a[lane] ^ b[lane]; });
+    }
+    friend Lanes operator<<(Lanes a, int bits) {
+        return filled([&](int lane) { return 1U * a[lane] << bits; });
+    }
     friend Lanes operator>>(Lanes a, int bits) {
         return filled([&](int lane) { return a[lane] >> bits; });
+    }
+
+    /// 0, 1, 2 and so on.
+    static Lanes counted() {
+        return filled([](int lane) { return lane; });
     }
 
     /// The lanes that `numberOf(lane)` gives.
@@ -105,6 +130,16 @@ Lanes<Number, count> fourthInFours(Lanes<Number, count> a) {
     return Lanes<Number, count>::filled([&](int lane) { return a[lane | 3]; });
 }
 
+/// The first two of every four lanes, each of them twice, and the last two.
+template <class Number, int count>
+Lanes<Number, count> doubledLow(Lanes<Number, count> a) {
+    return Lanes<Number, count>::filled([&](int lane) { return a[lane / 4 * 4 + lane % 4 / 2]; });
+}
+template <class Number, int count>
+Lanes<Number, count> doubledHigh(Lanes<Number, count> a) {
+    return Lanes<Number, count>::filled([&](int lane) { return a[lane / 4 * 4 + 2 + lane % 4 / 2]; });
+}
+
 /// The same lanes but for one of them.
 template <int lane, class Number, int count>
 Lanes<Number, count> withLane(Lanes<Number, count> a, Number number) {
@@ -125,6 +160,52 @@ Lanes<std::uint8_t, count> saturatingSum(Lanes<std::uint8_t, count> a, Lanes<std
         [&](int lane) { return a[lane] + b[lane] > 255 ? 255 : a[lane] + b[lane]; });
 }
 
+/// The upper 16 bits of each product.
+template <int count>
+Lanes<std::uint16_t, count> highProduct(Lanes<std::uint16_t, count> a, Lanes<std::uint16_t, count> b) {
+    return Lanes<std::uint16_t, count>::filled([&](int lane) { return 1U * a[lane] * b[lane] >> 16; });
+}
+
+/// a * b of each two neighbours added up, where the numbers of `b` are signed. No sum may leave 16 bits with a sign.
+template <int count>
+Lanes<std::uint16_t, count / 2> pairSums(Lanes<std::uint8_t, count> a, Lanes<std::uint8_t, count> b) {
+    const auto product = [&](int lane) { return a[lane] * static_cast<std::int8_t>(b[lane]); };
+    return Lanes<std::uint16_t, count / 2>::filled([&](int lane) { return product(2 * lane) + product(2 * lane + 1); });
+}
+
+/// The lanes of `a` that `places` name, each counted modulo `count`.
+template <int count>
+Lanes<std::uint32_t, count> picked(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> places) {
+    return Lanes<std::uint32_t, count>::filled([&](int lane) { return a[places[lane] % count]; });
+}
+
+/// The same from the lanes of `a` and those of `b` behind them.
+template <int count>
+Lanes<std::uint32_t, count> picked(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> b,
+                                   Lanes<std::uint32_t, count> places) {
+    return Lanes<std::uint32_t, count>::filled(
+        [&](int lane) { return places[lane] / count % 2 == 0 ? a[places[lane] % count] : b[places[lane] % count]; });
+}
+
+/// Pixels and those that lie to the right of them.
+template <int count>
+struct Neighbours {
+    Lanes<std::uint32_t, count> left;
+    Lanes<std::uint32_t, count> right;
+};
+
+/// The numbers of 32 bits at `columns` of a row, and the next ones.
+template <int count>
+Neighbours<count> loadNeighbours(const void *row, const std::int32_t *columns) {
+    const auto at = [row](std::ptrdiff_t column) {
+        std::uint32_t number;
+        std::memcpy(&number, static_cast<const char *>(row) + column * 4, 4);
+        return number;
+    };
+    return {Lanes<std::uint32_t, count>::filled([=](int lane) { return at(columns[lane]); }),
+            Lanes<std::uint32_t, count>::filled([=](int lane) { return at(columns[lane] + std::ptrdiff_t{1}); })};
+}
+
 /// Bit `lane` is set where that lane, as a signed number, is negative.
 template <int count>
 unsigned negativeLanes(Lanes<std::uint32_t, count> a) {
@@ -134,8 +215,8 @@ unsigned negativeLanes(Lanes<std::uint32_t, count> a) {
     return bits;
 }
 
-// Widening and narrowing stay within each 16 bytes of lanes, as the instructions of most targets do: a half of these 16
-// bytes becomes 16 bytes of the result, and narrowed() puts both halves back into their places.
+// Widening, interleaving and narrowing stay within each 16 bytes of lanes, as the instructions of most targets do: a
+// half of these 16 bytes becomes 16 bytes of the result, and narrowed() puts both halves back into their places.
 
 namespace detail {
 
@@ -196,6 +277,18 @@ Lanes<std::uint32_t, count / 2> widenedHigh(Lanes<std::uint16_t, count> a) {
     return detail::widenedHalf<std::uint32_t, true>(a);
 }
 
+/// Of the lower or the upper half of each 16 bytes, the bytes of `a` and `b` in turn.
+template <int count>
+Lanes<std::uint8_t, count> interleavedLow(Lanes<std::uint8_t, count> a, Lanes<std::uint8_t, count> b) {
+    return Lanes<std::uint8_t, count>::filled(
+        [&](int lane) { return (lane % 2 == 0 ? a : b)[lane / 16 * 16 + lane % 16 / 2]; });
+}
+template <int count>
+Lanes<std::uint8_t, count> interleavedHigh(Lanes<std::uint8_t, count> a, Lanes<std::uint8_t, count> b) {
+    return Lanes<std::uint8_t, count>::filled(
+        [&](int lane) { return (lane % 2 == 0 ? a : b)[lane / 16 * 16 + 8 + lane % 16 / 2]; });
+}
+
 /// Taken as signed numbers and held between 0 and 255.
 template <int count>
 Lanes<std::uint8_t, count * 2> narrowed(Lanes<std::uint16_t, count> low, Lanes<std::uint16_t, count> high) {
@@ -209,6 +302,10 @@ Lanes<std::uint16_t, count * 2> narrowed(Lanes<std::uint32_t, count> low, Lanes<
 }
 
 constexpr int registerBytes = 16;
+constexpr int widestBytes = 16;
+
+/// Whether pairSums() and picked() are instructions.
+constexpr bool sumsPairs = true;
 
 } // namespace qmur::scalar
 

@@ -15,18 +15,36 @@ struct ChannelScales {
     q_ulong blue;
 };
 
-constexpr auto addPixel = [](q_ulong &d, q_ulong s) { d = saturatingAdd(d, s); };
+struct Add {
+    template <int count>
+    Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
+        return saturatingAdd(d, s);
+    }
+};
 
 /// A pixel of 0 leaves the destination as it is, its top byte included.
-constexpr auto addUnlessZero = [](q_ulong &d, q_ulong s) { d = s == 0 ? d : saturatingAdd(d, s); };
+constexpr UnlessZero<Add> addUnlessZero;
+
+/// Meant: blue is not capped, and its carry is or-ed onto the lowest bit of green.
+constexpr auto addWithCarry = []<int count>(Numbers<count> d, Numbers<count> s) {
+    const auto blue = Numbers<count>::all(blueMask);
+    return (saturatingAdd(d, s) & Numbers<count>::all(redMask | greenMask)) | ((d & blue) + (s & blue));
+};
 
 /// Adds a pixel scaled channel by channel: blue saturates, red and green lose their carry.
 constexpr auto addScaled(ChannelScales scales) {
-    return [scales](q_ulong &d, q_ulong s) {
-        const q_ulong red = (d & redMask) + ((s & redMask) * scales.red >> 8);
-        const q_ulong green = (d & greenMask) + ((s & greenMask) * scales.green >> 8);
-        const q_ulong blue = (d & blueMask) + ((s & blueMask) * scales.blue >> 8);
-        d = (red & redMask) | (green & greenMask) | (blue > blueMask ? blueMask : blue);
+    return [scales]<int count>(Numbers<count> d, Numbers<count> s) {
+        // The upper 16 bits of channel * 256 * scale; blue and red lie in words of their own, green above a byte.
+        const auto term = [](Numbers<count> channels, q_ulong wordScales) {
+            return as<std::uint32_t>(
+                highProduct(as<std::uint16_t>(channels), as<std::uint16_t>(Numbers<count>::all(wordScales))));
+        };
+        const auto redBlue = as<std::uint32_t>(as<std::uint16_t>(s) << 8);
+        const auto terms =
+            term(redBlue, scales.red << 16 | scales.blue) | term(s & Numbers<count>::all(greenMask), scales.green) << 8;
+        const auto wrapped = as<std::uint32_t>(as<std::uint8_t>(d) + as<std::uint8_t>(terms));
+        return (wrapped & Numbers<count>::all(redMask | greenMask)) |
+               (saturatingAdd(d, terms) & Numbers<count>::all(blueMask));
     };
 }
 
@@ -48,14 +66,14 @@ ScaledWalk<Position> addedOnto(q_ulong *dst, q_ulong dstPitch, const tagRECT &ds
 
 void iBltFast32_Add(q_ulong *dst, q_ulong *src, q_ulong dstX, q_ulong dstY, tagRECT *srcRect, q_ulong dstPitch,
                     q_ulong srcPitch) {
-    forEachPixel(
+    combinePixels(
         placedAt({dst, asDistance(dstPitch), src, asDistance(srcPitch)}, asDistance(dstX), asDistance(dstY), *srcRect),
-        addPixel);
+        Add());
 }
 
 void iBltFast32_Add(q_ulong *dst, q_ulong *src, q_ulong dstX, q_ulong dstY, tagRECT *srcRect, q_ulong dstPitch,
                     q_ulong srcPitch, unsigned char scaleRed, unsigned char scaleGreen, unsigned char scaleBlue) {
-    forEachPixel(
+    combinePixels(
         placedAt({dst, asDistance(dstPitch), src, asDistance(srcPitch)}, asDistance(dstX), asDistance(dstY), *srcRect),
         addScaled({scaleRed, scaleGreen, scaleBlue}));
 }
@@ -64,47 +82,56 @@ void iBltNear32_Add(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRe
                     q_ulong srcPitch) {
     if (lacksExtent(*srcRect))
         return;
-    forEachNearest(scaledOnto<Signed17_15>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect),
-                   [](q_ulong &d, q_ulong s) {
-                       // Meant: blue is not capped, and its carry is or-ed onto the lowest bit of green.
-                       d = (saturatingBytes(d, s) & (redMask | greenMask)) | (blueOf(d) + blueOf(s));
-                   });
+    combineNearest(scaledOnto<Signed17_15>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect),
+                   addWithCarry);
 }
 
 void iBltNear32_Add(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch, q_ulong srcPitch,
                     unsigned char scaleRed, unsigned char scaleGreen, unsigned char scaleBlue) {
-    forEachNearest(addedOnto<Unsigned17_15>(dst, dstPitch, *dstRect, src, srcPitch, *srcRect),
+    combineNearest(addedOnto<Unsigned17_15>(dst, dstPitch, *dstRect, src, srcPitch, *srcRect),
                    addScaled({scaleRed, scaleGreen, scaleBlue}));
 }
 
 void iBltBilinear32_Add(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
                         q_ulong srcPitch) {
-    forEachFilteredInside(addedOnto<Signed17_15>(dst, dstPitch, *dstRect, src, srcPitch, *srcRect), *srcRect,
-                          [](q_ulong &d, ChannelSums sums) { d = saturatingAdd(d, sums.pixel()); });
+    const auto walk = addedOnto<Signed17_15>(dst, dstPitch, *dstRect, src, srcPitch, *srcRect);
+    const auto operation = []<int count>(Numbers<count> d, PixelWords<count> sums) {
+        return saturatingAdd(d, pixelsOf(sums));
+    };
+    if (!drawFilteredInside(walk, *srcRect, operation))
+        forEachFilteredInside(walk, *srcRect, [](q_ulong &d, ChannelSums sums) { d = saturatingAdd(d, sums.pixel()); });
 }
 
 void iBltBilinear32_Add(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
                         q_ulong srcPitch, unsigned char scaleRed, unsigned char scaleGreen, unsigned char scaleBlue) {
     const ChannelScales scales = {scaleRed, scaleGreen, scaleBlue};
-    forEachFilteredInside(addedOnto<Unsigned17_15>(dst, dstPitch, *dstRect, src, srcPitch, *srcRect), *srcRect,
-                          [scales](q_ulong &d, ChannelSums sums) {
-                              const q_ulong red = sums.redSum() * scales.red & redMask;
-                              const q_ulong green = sums.greenSum() * scales.green >> 8 & greenMask;
-                              const q_ulong blue = sums.blueSum() * scales.blue >> 16 & blueMask;
-                              d = saturatingAdd(d, red | green | blue);
-                          });
+    const auto walk = addedOnto<Unsigned17_15>(dst, dstPitch, *dstRect, src, srcPitch, *srcRect);
+    const auto operation = [scales]<int count>(Numbers<count> d, PixelWords<count> sums) {
+        // Words of pixels lie as bytes would that are widened: blue, green, red and top byte.
+        const auto bytes = as<std::uint8_t>(Numbers<count>::all(pixelOf(scales.red, scales.green, scales.blue)));
+        const auto terms =
+            narrowed(highProduct(sums.low, widenedLow(bytes)), highProduct(sums.high, widenedHigh(bytes)));
+        return saturatingAdd(d, as<std::uint32_t>(terms));
+    };
+    if (!drawFilteredInside(walk, *srcRect, operation))
+        forEachFilteredInside(walk, *srcRect, [scales](q_ulong &d, ChannelSums sums) {
+            const q_ulong red = sums.redSum() * scales.red & redMask;
+            const q_ulong green = sums.greenSum() * scales.green >> 8 & greenMask;
+            const q_ulong blue = sums.blueSum() * scales.blue >> 16 & blueMask;
+            d = saturatingAdd(d, red | green | blue);
+        });
 }
 
 void iBltFast32_KeySrc_Add(q_ulong *dst, q_ulong *src, int dstX, int dstY, tagRECT *srcRect, int dstPitch, int srcPitch,
                            q_ulong) {
-    forEachPixel(placedAt({dst, dstPitch, src, srcPitch}, dstX, dstY, *srcRect), addUnlessZero);
+    combinePixels(placedAt({dst, dstPitch, src, srcPitch}, dstX, dstY, *srcRect), addUnlessZero);
 }
 
 void iBltNear32SafeKeySrcAdd(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, int dstPitch, int srcPitch,
                              int clipWidth, int clipHeight) {
     if (lacksExtent(*srcRect))
         return;
-    forEachNearest(
+    combineNearest(
         scaledWithin<Signed16_16>(windowOf(clipWidth, clipHeight), dst, dstPitch, *dstRect, src, srcPitch, *srcRect),
         addUnlessZero);
 }
@@ -124,7 +151,7 @@ void iBltNear32_Add_KeySrc(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitc
                            {wrapAdd(originY, srcRect->top), wrapAdd(originY, srcRect->bottom)}};
     const Window reach = {{wrapSubtract(centreX, radius), wrapAdd(centreX, radius)},
                           {wrapSubtract(centreY, radius), wrapAdd(centreY, radius)}};
-    forEachPixel(placedWithin({dst, dstPitch, src, srcPitch}, target, srcRect->left, srcRect->top,
-                              reach.within(windowOf(*clipRect))),
-                 addUnlessZero);
+    combinePixels(placedWithin({dst, dstPitch, src, srcPitch}, target, srcRect->left, srcRect->top,
+                               reach.within(windowOf(*clipRect))),
+                  addUnlessZero);
 }

@@ -7,44 +7,33 @@ namespace {
 
 using namespace qmur;
 
-/// Source over destination with the same weights for every pixel.
-struct ConstantBlend {
-    AlphaWeights weights;
+/// With weights beyond 0 to 256: the products wrap, and the masks decide.
+constexpr auto wrappedBlend(AlphaWeights weights) {
+    return [weights](q_ulong d, q_ulong s) { return blend256(d, weights.dst, s, weights.src); };
+}
 
-    explicit ConstantBlend(float alpha) : weights(alphaWeights(alpha)) {}
-
+struct HalfMix {
     template <int count>
     Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
-        return blendPixels(d, s, [of = weights]<int words>(Words<words>) {
-            return WordWeights<words>{Words<words>::all(static_cast<std::uint16_t>(of.src)),
-                                      Words<words>::all(static_cast<std::uint16_t>(of.dst))};
-        });
-    }
-
-    /// With weights beyond 0 to 256: the products wrap, and the masks decide.
-    q_ulong wrapped(q_ulong d, q_ulong s) const { return blend256(d, weights.dst, s, weights.src); }
-};
-
-/// Leaves the destination as it is where the source is 0.
-template <class Operation>
-struct UnlessZero {
-    Operation operation;
-
-    template <int count>
-    Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
-        return selectEqual(s, Numbers<count>::all(0), d, operation(d, s));
+        const auto half = [](Numbers<count> pixels) { return pixels >> 1 & Numbers<count>::all(0x7F7F7F); };
+        return half(d) + half(s);
     }
 };
 
-/// Source over destination by the top byte of each source pixel; the weights add up to `total`.
+/// Source over destination by the top byte of each source pixel; the weights add up to `total`. Where they are to add
+/// up to 256, an alpha of 0 gives no pixel.
 template <int total>
 struct ChannelBlend {
     template <int count>
     Numbers<count> operator()(Numbers<count> d, Numbers<count> s) const {
-        return blendPixels(d, s, []<int words>(Words<words> channels) {
-            const Words<words> alpha = fourthInFours(channels);
-            return WordWeights<words>{alpha, Words<words>::all(total) - alpha};
-        });
+        if constexpr (sumsPairs) {
+            return blendByShares<total>(d, s, fourthInFours(as<std::uint8_t>(s)));
+        } else {
+            return blendPixels(d, s, []<int words>(Words<words> channels) {
+                const Words<words> alpha = fourthInFours(channels);
+                return WordWeights<words>{alpha, Words<words>::all(total) - alpha};
+            });
+        }
     }
 };
 
@@ -78,12 +67,12 @@ void iBltFast32Alpha(q_ulong *dst, q_ulong *src, int offsetX, int offsetY, tagRE
                      float alpha) {
     const tagRECT moved = {wrapAdd(rect->left, offsetX), wrapAdd(rect->top, offsetY), wrapAdd(rect->right, offsetX),
                            wrapAdd(rect->bottom, offsetY)};
-    const ConstantBlend blend(alpha);
+    const AlphaWeights weights = alphaWeights(alpha);
     const Placement placement = placedAt({dst, dstPitch, src, srcPitch}, moved.left, moved.top, moved);
-    if (blend.weights.areWithinRange())
-        combinePixels(placement, blend);
+    if (weights.areWithinRange())
+        withBlend(weights, [&placement](auto blend) { combinePixels(placement, blend); });
     else
-        forEachPixel(placement, [blend](q_ulong &d, q_ulong s) { d = blend.wrapped(d, s); });
+        forEachPixel(placement, [blend = wrappedBlend(weights)](q_ulong &d, q_ulong s) { d = blend(d, s); });
 }
 
 void iBltBilinear32_Alpha(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
@@ -94,8 +83,14 @@ void iBltBilinear32_Alpha(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT 
     const auto walk =
         scaledOnto<Unsigned12_20>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect);
     if (weights.areWithinRange())
-        forEachFiltered(walk,
-                        [blend = PixelBlend(weights)](q_ulong &d, ChannelSums sums) { d = blend(d, sums.pixel()); });
+        withBlend(weights, [&](auto blend) {
+            const auto operation = [blend]<int count>(Numbers<count> d, PixelWords<count> sums) {
+                return blend(d, pixelsOf(sums));
+            };
+            if (!drawFiltered(walk, operation))
+                forEachFiltered(
+                    walk, [mix = PixelBlend(weights)](q_ulong &d, ChannelSums sums) { d = mix(d, sums.pixel()); });
+        });
     else
         forEachFiltered(walk, [weights](q_ulong &d, ChannelSums sums) {
             const q_ulong s = sums.pixel();
@@ -106,18 +101,19 @@ void iBltBilinear32_Alpha(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT 
 
 void iBltFast32_KeySrc_AlphaFast(q_ulong *dst, q_ulong *src, int dstX, int dstY, tagRECT *srcRect, int dstPitch,
                                  int srcPitch, q_ulong) {
-    forEachPixel(placedAt({dst, dstPitch, src, srcPitch}, dstX, dstY, *srcRect),
-                 [](q_ulong &d, q_ulong s) { d = s == 0 ? d : halfMix(d, s); });
+    combinePixels(placedAt({dst, dstPitch, src, srcPitch}, dstX, dstY, *srcRect), UnlessZero<HalfMix>());
 }
 
 void iBltFast32_KeySrc_Alpha(q_ulong *dst, q_ulong *src, int dstX, int dstY, tagRECT *srcRect, int dstPitch,
                              int srcPitch, q_ulong, float alpha) {
-    const ConstantBlend blend(alpha);
+    const AlphaWeights weights = alphaWeights(alpha);
     const Placement placement = placedAt({dst, dstPitch, src, srcPitch}, dstX, dstY, *srcRect);
-    if (blend.weights.areWithinRange())
-        combinePixels(placement, UnlessZero<ConstantBlend>{blend});
+    if (weights.areWithinRange())
+        withBlend(weights,
+                  [&placement]<class Blend>(Blend blend) { combinePixels(placement, UnlessZero<Blend>{blend}); });
     else
-        forEachPixel(placement, [blend](q_ulong &d, q_ulong s) { d = s == 0 ? d : blend.wrapped(d, s); });
+        forEachPixel(placement,
+                     [blend = wrappedBlend(weights)](q_ulong &d, q_ulong s) { d = s == 0 ? d : blend(d, s); });
 }
 
 void iBltFast32SafeAlpha_Channel(q_ulong *dst, q_ulong *src, int centreX, int centreY, tagRECT *srcRect, int dstPitch,

@@ -1,4 +1,4 @@
-#include "base/pixel.h"
+#include "base/channels.h"
 #include "base/wide.h"
 #include "q_Mur/blit.h"
 #include "walks/placed.h"
@@ -19,6 +19,23 @@ void forEachPixelOf(q_ulong *surface, Distance pitch, const tagRECT &rect, Store
         q_ulong *const row = first + y * pitch;
         for (Distance x = 0; x < width; ++x)
             store(row[x]);
+    }
+}
+
+/// Stores `operation(pixels)`, which works on lanes, in every pixel of a rectangle.
+template <class Operation>
+void changePixelsOf(q_ulong *surface, Distance pitch, const tagRECT &rect, Operation operation) {
+    constexpr int atOnce = sizeof(MostPixels) / sizeof(q_ulong);
+    q_ulong *const first = pixelAt(surface, pitch, rect.left, rect.top);
+    const int width = widthOf(rect);
+    const int height = heightOf(rect);
+    for (Distance y = 0; y < height; ++y) {
+        q_ulong *const row = first + y * pitch;
+        int x = 0;
+        for (; x <= width - atOnce; x += atOnce)
+            operation(MostPixels::load(row + x)).store(row + x);
+        if (x < width)
+            operation(MostPixels::loadFirst(row + x, width - x)).storeFirst(row + x, width - x);
     }
 }
 
@@ -54,5 +71,16 @@ void iFadeOut32(q_ulong *dst, tagRECT *rect, int pitch, float factor) {
         forEachPixelOf(dst, pitch, *rect, [](q_ulong &d) { d = (d >> 4 & 0x0F0F0F) * 15; });
         return;
     }
-    forEachPixelOf(dst, pitch, *rect, [scale](q_ulong &d) { d = blend256(0, 0, d, scale); });
+    if (scale > 256) {
+        forEachPixelOf(dst, pitch, *rect, [scale](q_ulong &d) { d = blend256(0, 0, d, scale); });
+        return;
+    }
+    changePixelsOf(dst, pitch, *rect, [scale]<int count>(Numbers<count> d) {
+        // The upper 16 bits of channel * 256 * scale; red and blue lie in words of their own, green above a byte.
+        const auto scaled = [scale](Words<count * 2> channels) {
+            return as<std::uint32_t>(highProduct(channels, Words<count * 2>::all(static_cast<std::uint16_t>(scale))));
+        };
+        const auto green = as<std::uint16_t>(d & Numbers<count>::all(greenMask));
+        return scaled(as<std::uint16_t>(d) << 8) | scaled(green) << 8;
+    });
 }

@@ -5,26 +5,30 @@ namespace {
 
 using namespace qmur;
 
-constexpr auto copyPixel = [](q_ulong &d, q_ulong s) { d = s; };
-
 constexpr auto storeFiltered = [](q_ulong &d, ChannelSums sums) { d = sums.pixel(); };
+
+constexpr auto filteredPixels = []<int count>(Numbers<count>, PixelWords<count> sums) { return pixelsOf(sums); };
+
+template <class Position>
+void copyFiltered(const ScaledWalk<Position> &walk) {
+    if (!drawFiltered(walk, filteredPixels))
+        forEachFiltered(walk, storeFiltered);
+}
 
 } // namespace
 
 void iBltNear32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, int dstPitch, int srcPitch) {
-    forEachNearest(scaledOnto<Unsigned12_20>(dst, dstPitch, *dstRect, src, srcPitch, *srcRect), copyPixel);
+    copyNearest(scaledOnto<Unsigned12_20>(dst, dstPitch, *dstRect, src, srcPitch, *srcRect));
 }
 
 void iBltNear32Safe(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, tagRECT *clipRect, int dstPitch,
                     int srcPitch) {
-    forEachNearest(scaledWithin<Signed12_20>(windowOf(*clipRect), dst, dstPitch, *dstRect, src, srcPitch, *srcRect),
-                   copyPixel);
+    copyNearest(scaledWithin<Signed12_20>(windowOf(*clipRect), dst, dstPitch, *dstRect, src, srcPitch, *srcRect));
 }
 
 void iBltBilinear32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
                     q_ulong srcPitch) {
-    forEachFiltered(scaledOnto<Unsigned12_20>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect),
-                    storeFiltered);
+    copyFiltered(scaledOnto<Unsigned12_20>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect));
 }
 
 void iBltBilinear32Safe(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRect, q_ulong dstPitch,
@@ -32,16 +36,26 @@ void iBltBilinear32Safe(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *s
     using Position = Unsigned12_20;
     const auto walk = scaledOnto<Position>(dst, asDistance(dstPitch), *dstRect, src, asDistance(srcPitch), *srcRect);
     const Distance areaEnd = heightOf(*srcRect) * walk.srcPitch;
-    Position positionY;
-    for (Distance y = 0; y < walk.height; ++y, positionY = positionY.plus(walk.stepY)) {
+    // In a row, the pixels whose taps would come within a pixel of the area's end are copied as they are.
+    const auto filteredIn = [&walk, areaEnd](Position positionY) {
         const Distance offset = static_cast<Distance>(positionY.whole()) * walk.srcPitch;
         const Distance lowerOffset = offset + walk.srcPitch;
-        // In a row, the pixels whose taps would come within a pixel of the area's end are copied as they are.
-        const Distance firstCopied = areaEnd - 2 - (offset < lowerOffset ? lowerOffset : offset);
-        const int filtered = countBefore(firstCopied, walk.stepX, walk.width);
-        const q_ulong *const row0 = walk.src + offset;
+        return countBefore(areaEnd - 2 - (offset < lowerOffset ? lowerOffset : offset), walk.stepX, walk.width);
+    };
+    // Most rows have none of these.
+    auto upper = walk;
+    Position positionY;
+    for (upper.height = 0; upper.height < walk.height && filteredIn(positionY) == walk.width; ++upper.height)
+        positionY = positionY.plus(walk.stepY);
+    if (!drawFiltered(upper, filteredPixels)) {
+        upper.height = 0;
+        positionY = {};
+    }
+    for (Distance y = upper.height; y < walk.height; ++y, positionY = positionY.plus(walk.stepY)) {
+        const int filtered = filteredIn(positionY);
+        const q_ulong *const row0 = walk.src + static_cast<Distance>(positionY.whole()) * walk.srcPitch;
         q_ulong *const dstRow = walk.dst + y * walk.dstPitch;
-        filterRow(dstRow, filtered, row0, walk.src + lowerOffset, positionY.sixteenths(), Position{}, walk.stepX,
+        filterRow(dstRow, filtered, row0, row0 + walk.srcPitch, positionY.sixteenths(), Position{}, walk.stepX,
                   storeFiltered);
         Position positionX = walk.stepX.times(filtered);
         for (Distance x = filtered; x < walk.width; ++x, positionX = positionX.plus(walk.stepX))
@@ -90,5 +104,5 @@ void iBltPerfect32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRec
                                        .startY = startOf(srcRect->top, dstRect->top),
                                        .stepX = Position::step(widthOf(*srcRect), dstWidth),
                                        .stepY = Position::step(heightOf(*srcRect), dstHeight)};
-    forEachFiltered(walk, storeFiltered);
+    copyFiltered(walk);
 }

@@ -86,22 +86,40 @@ void forEachPixel(const Placement &placement, Store store) {
     }
 }
 
+/// An operation on lanes done for one pixel.
+template <class Operation>
+q_ulong ofOnePixel(Operation operation, q_ulong d, q_ulong s) {
+    return operation(Numbers<4>::front(d), Numbers<4>::front(s))[0];
+}
+
+/// Stores `operation(dst pixel, src pixel)` in the pixels of a row that lies apart from the other.
+template <class Operation>
+void combineRow(q_ulong *dst, const q_ulong *src, int count, Operation operation) {
+    constexpr int atOnce = sizeof(MostPixels) / sizeof(std::uint32_t);
+    int x = 0;
+    for (; x <= count - atOnce; x += atOnce)
+        operation(MostPixels::load(dst + x), MostPixels::load(src + x)).store(dst + x);
+    if (x < count)
+        operation(MostPixels::loadFirst(dst + x, count - x), MostPixels::loadFirst(src + x, count - x))
+            .storeFirst(dst + x, count - x);
+}
+
 /// The same with `operation(d, s)` on lanes: as many pixels at once as the target takes, then two, then one in the
 /// first lanes. A row whose destination starts fewer pixels than the target takes behind its source feeds on what it
 /// has just written and is done pixel by pixel.
 template <class Operation>
 void combinePixels(const Placement &placement, Operation operation) {
     const auto [firstDst, dstPitch, firstSrc, srcPitch, width, height] = placement;
-    constexpr Distance atOnce = sizeof(Pixels) / sizeof(q_ulong);
+    constexpr Distance atOnce = sizeof(MostPixels) / sizeof(q_ulong);
     using Few = Numbers<4>;
     for (Distance y = 0; y < height; ++y) {
         q_ulong *const dst = firstDst + y * dstPitch;
         const q_ulong *const src = firstSrc + y * srcPitch;
         const auto ahead = reinterpret_cast<std::uintptr_t>(dst) - reinterpret_cast<std::uintptr_t>(src);
-        const Distance several = ahead == 0 || ahead >= sizeof(Pixels) ? width : 0;
+        const Distance several = ahead == 0 || ahead >= sizeof(MostPixels) ? width : 0;
         Distance x = 0;
         for (; x <= several - atOnce; x += atOnce)
-            operation(Pixels::load(dst + x), Pixels::load(src + x)).store(dst + x);
+            operation(MostPixels::load(dst + x), MostPixels::load(src + x)).store(dst + x);
         for (; x <= several - 2; x += 2)
             operation(Few::loadEightBytes(dst + x), Few::loadEightBytes(src + x)).storeEightBytes(dst + x);
         for (; x < width; ++x)

@@ -1,87 +1,8 @@
-#include "base/lanes.h"
-
-#include "support/random.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <cstring>
-#include <type_traits>
-#include <vector>
+#include "lane_samples.h"
 
 namespace {
 
-using namespace qmur;
-
-/// Numbers with many at the ends of their range.
-template <class Number>
-Number numberFrom(test::Random &random) {
-    constexpr auto half = static_cast<Number>(Number{1} << (sizeof(Number) * 8 - 1));
-    constexpr Number ends[] = {0, 1, 127, 128, 255, half - 1, half, half + 1, static_cast<Number>(~Number{0})};
-    return random.oneIn(3) ? ends[random.between(0, 8)] : static_cast<Number>(random.word());
-}
-
-/// A set of lanes and the numbers that it was loaded from.
-template <class Lanes>
-struct Sample;
-
-template <template <class, int> class Lanes, class Number, int count>
-struct Sample<Lanes<Number, count>> {
-    Number numbers[count];
-    Lanes<Number, count> lanes;
-
-    explicit Sample(test::Random &random) {
-        for (Number &number : numbers)
-            number = numberFrom<Number>(random);
-        lanes = Lanes<Number, count>::load(numbers);
-    }
-};
-
-/// The numbers in `lanes`, by way of memory.
-template <template <class, int> class Lanes, class Number, int count>
-std::vector<Number> stored(Lanes<Number, count> lanes) {
-    std::vector<Number> numbers(count);
-    lanes.store(numbers.data());
-    return numbers;
-}
-
-/// What `numberOf(lane)` gives for each lane.
-template <class Number, class NumberOf>
-std::vector<Number> naive(std::size_t count, NumberOf numberOf) {
-    std::vector<Number> numbers;
-    for (std::size_t lane = 0; lane < count; ++lane)
-        numbers.push_back(static_cast<Number>(numberOf(static_cast<int>(lane))));
-    return numbers;
-}
-
-/// A number as its own width's signed number.
-template <class Number>
-long long asSigned(Number number) {
-    return static_cast<std::make_signed_t<Number>>(number);
-}
-
-/// Calls `check` with two sets of lanes of many seeds, and the generator.
-template <class Lanes, class Check>
-void forEachSample(Check check) {
-    for (std::uint64_t seed = 0; seed < 2000 && !testing::Test::HasFatalFailure(); ++seed) {
-        SCOPED_TRACE(seed);
-        test::Random random(seed);
-        const Sample<Lanes> a(random);
-        const Sample<Lanes> b(random);
-        check(a, b, random);
-    }
-}
-
-/// Every kind of lanes in use: 16 bytes and what the target takes at once, and scalar twins.
-template <class Lanes>
-struct LanesOf;
-template <template <class, int> class LanesTemplate, class Number, int lanes>
-struct LanesOf<LanesTemplate<Number, lanes>> {
-    static constexpr int bytes = lanes * static_cast<int>(sizeof(Number));
-    template <class Of>
-    using Same = LanesTemplate<Of, bytes / static_cast<int>(sizeof(Of))>;
-};
+using namespace lanes;
 
 template <class Pixels>
 class Lanes : public testing::Test {};
