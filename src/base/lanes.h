@@ -274,10 +274,18 @@ inline Lanes<std::uint16_t, 8> upperProduct(Lanes<std::uint16_t, 8> a, Lanes<std
     return detail::lanesOf<std::uint16_t>(_mm_mulhi_epu16(detail::bits128(a), detail::bits128(b)));
 }
 
+inline Lanes<std::uint16_t, 8> upperSignedProduct(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    return detail::lanesOf<std::uint16_t>(_mm_mulhi_epi16(detail::bits128(a), detail::bits128(b)));
+}
+
 #if defined(__AVX2__) && !defined(_WIN64)
 
 inline Lanes<std::uint16_t, 16> upperProduct(Lanes<std::uint16_t, 16> a, Lanes<std::uint16_t, 16> b) {
     return detail::lanesOf<std::uint16_t>(_mm256_mulhi_epu16(detail::bits256(a), detail::bits256(b)));
+}
+
+inline Lanes<std::uint16_t, 16> upperSignedProduct(Lanes<std::uint16_t, 16> a, Lanes<std::uint16_t, 16> b) {
+    return detail::lanesOf<std::uint16_t>(_mm256_mulhi_epi16(detail::bits256(a), detail::bits256(b)));
 }
 
 #endif
@@ -295,6 +303,10 @@ __m512i bits512(Lanes<Number, count> a) {
 
 inline Lanes<std::uint16_t, 32> upperProduct(Lanes<std::uint16_t, 32> a, Lanes<std::uint16_t, 32> b) {
     return detail::lanesOf<std::uint16_t>(_mm512_mulhi_epu16(detail::bits512(a), detail::bits512(b)));
+}
+
+inline Lanes<std::uint16_t, 32> upperSignedProduct(Lanes<std::uint16_t, 32> a, Lanes<std::uint16_t, 32> b) {
+    return detail::lanesOf<std::uint16_t>(_mm512_mulhi_epi16(detail::bits512(a), detail::bits512(b)));
 }
 
 constexpr int widestBytes = 64;

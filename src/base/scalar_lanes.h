@@ -231,6 +231,13 @@ Lanes<std::uint16_t, count> upperProduct(Lanes<std::uint16_t, count> a, Lanes<st
     return Lanes<std::uint16_t, count>::filled([&](int lane) { return 1U * a[lane] * b[lane] >> 16; });
 }
 
+/// The same of signed numbers, rounded down.
+template <int count>
+Lanes<std::uint16_t, count> upperSignedProduct(Lanes<std::uint16_t, count> a, Lanes<std::uint16_t, count> b) {
+    return Lanes<std::uint16_t, count>::filled(
+        [&](int lane) { return static_cast<std::int16_t>(a[lane]) * static_cast<std::int16_t>(b[lane]) >> 16; });
+}
+
 /// The lower halves of each 16 bytes of `a` and `b`, a lane of either in turn.
 template <class Number, int count>
 Lanes<Number, count> interleavedLow(Lanes<Number, count> a, Lanes<Number, count> b) {

@@ -345,6 +345,10 @@ TYPED_TEST(LanesAbreast, upper_halves_of_products) {
         ASSERT_EQ(stored(upperProduct(a.lanes, b.lanes)), naive<std::uint16_t>(std::size(a.numbers), [&](int i) {
                       return static_cast<unsigned long long>(a.numbers[i]) * b.numbers[i] / 65536;
                   }));
+        const auto floored = [](long long number) { return (number - (number % 65536 + 65536) % 65536) / 65536; };
+        ASSERT_EQ(stored(upperSignedProduct(a.lanes, b.lanes)), naive<std::uint16_t>(std::size(a.numbers), [&](int i) {
+                      return floored(asSigned(a.numbers[i]) * asSigned(b.numbers[i]));
+                  }));
     });
 }
 
