@@ -103,7 +103,8 @@ Q_MUR_API void Ver_GaussBlur(q_ulong *dst, q_ulong *src, float sigma, int width,
 /// A light map turns a flat mask into the lighting of a raised shape: what is not 0 in a rectangle is the shape, the
 /// distance to its outside becomes a height, heights become slopes, and each pixel of the shape is overwritten by a
 /// word that holds the light on that spot of the relief. Pixels outside stay 0. A rectangle wider than the pitch is
-/// left as it is.
+/// left as it is. A map takes memory while it is made: up to 24 bytes for each word from the first row of the rectangle
+/// to the last, and some rows more; without it the rectangle is left as it is.
 ///
 /// **Light.** It comes from the upper left, 35 degrees above the picture, and the viewer looks straight down. With a
 /// negative `heightScale` the shape is a hollow, whose lower right side is the bright one.
