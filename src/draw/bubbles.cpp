@@ -211,7 +211,7 @@ inline double quickCosine(double angle) {
     return sum;
 }
 
-/// The first of a spot's places in a row, and the one behind the last, among those from `start` on.
+/// The spots of a resource, their light found in doubles.
 struct SpottedResource {
     Spot first;
     Spot second;
