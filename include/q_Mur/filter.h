@@ -53,8 +53,9 @@ Q_MUR_API void CrossBlur_Rect(_PRIVATE_LUT_DATA *lut, q_ulong *surface, tagRECT 
 
 /// Box blur over windows of 2 `radius` + 1 pixels in both directions; windows shrink at the edges of `rect`. The cost
 /// does not depend on the radius. Inside, means are taken by a reciprocal and come out up to 1 low in each direction;
-/// along the edges they are exact divisions.
-/// \param radius 0 to 128, and at most half of `rect` in either direction; otherwise nothing is drawn (a radius above
+/// along the edges they are exact divisions. It takes memory for at most 288 rows and one more of double length;
+/// without it, as much as the rectangle has, and without that nothing is drawn. \param radius 0 to 128, and at most
+/// half of `rect` in either direction; otherwise nothing is drawn (a radius above
 ///        128 overflows red)
 Q_MUR_API void Blur_Rect(q_ulong *surface, tagRECT *rect, int pitch, int radius);
 
@@ -102,7 +103,8 @@ Q_MUR_API void Ver_GaussBlur(q_ulong *dst, q_ulong *src, float sigma, int width,
 /// A light map turns a flat mask into the lighting of a raised shape: what is not 0 in a rectangle is the shape, the
 /// distance to its outside becomes a height, heights become slopes, and each pixel of the shape is overwritten by a
 /// word that holds the light on that spot of the relief. Pixels outside stay 0. A rectangle wider than the pitch is
-/// left as it is.
+/// left as it is. A map takes memory while it is made: up to 24 bytes for each word from the first row of the rectangle
+/// to the last, and some rows more; without it the rectangle is left as it is.
 ///
 /// **Light.** It comes from the upper left, 35 degrees above the picture, and the viewer looks straight down. With a
 /// negative `heightScale` the shape is a hollow, whose lower right side is the bright one.

@@ -236,14 +236,6 @@ inline Lanes<std::uint16_t, 8> highProduct(Lanes<std::uint16_t, 8> a, Lanes<std:
     return detail::lanesOf<std::uint16_t>(_mm_mulhi_epu16(detail::bits128(a), detail::bits128(b)));
 }
 
-inline Lanes<std::uint8_t, 16> interleavedLow(Lanes<std::uint8_t, 16> a, Lanes<std::uint8_t, 16> b) {
-    return detail::lanesOf<std::uint8_t>(_mm_unpacklo_epi8(detail::bits128(a), detail::bits128(b)));
-}
-
-inline Lanes<std::uint8_t, 16> interleavedHigh(Lanes<std::uint8_t, 16> a, Lanes<std::uint8_t, 16> b) {
-    return detail::lanesOf<std::uint8_t>(_mm_unpackhi_epi8(detail::bits128(a), detail::bits128(b)));
-}
-
 namespace detail {
 
 inline __m128i twoFrom(const void *row, std::int32_t column) {
@@ -308,14 +300,6 @@ inline Lanes<std::uint16_t, 16> highProduct(Lanes<std::uint16_t, 16> a, Lanes<st
     return detail::lanesOf<std::uint16_t>(_mm256_mulhi_epu16(detail::bits256(a), detail::bits256(b)));
 }
 
-inline Lanes<std::uint8_t, 32> interleavedLow(Lanes<std::uint8_t, 32> a, Lanes<std::uint8_t, 32> b) {
-    return detail::lanesOf<std::uint8_t>(_mm256_unpacklo_epi8(detail::bits256(a), detail::bits256(b)));
-}
-
-inline Lanes<std::uint8_t, 32> interleavedHigh(Lanes<std::uint8_t, 32> a, Lanes<std::uint8_t, 32> b) {
-    return detail::lanesOf<std::uint8_t>(_mm256_unpackhi_epi8(detail::bits256(a), detail::bits256(b)));
-}
-
 inline Lanes<std::uint16_t, 8> pairSums(Lanes<std::uint8_t, 16> a, Lanes<std::uint8_t, 16> b) {
     return detail::lanesOf<std::uint16_t>(_mm_maddubs_epi16(detail::bits128(a), detail::bits128(b)));
 }
@@ -376,6 +360,59 @@ constexpr bool sumsPairs = false;
 
 #endif
 
+// For kernels that take lines of a picture side by side, in every width up to `widestBytes`.
+
+template <class Number, int count>
+Lanes<Number, count> eitherOf(Lanes<Number, count> a, Lanes<Number, count> b) {
+    return {a.vector | b.vector};
+}
+
+template <class Number, int count>
+Lanes<Number, count> raised(Lanes<Number, count> a, int bits) {
+    return {a.vector << static_cast<Number>(bits)};
+}
+
+namespace detail {
+
+/// Where in `a` and then `b` the lanes come from that are taken of either in turn, within each 16 bytes.
+template <class Number, int count, bool high>
+struct InTurn {
+    static constexpr int block = 16 / sizeof(Number);
+    static constexpr int at(int place) {
+        return place / block * block + (place % block + (high ? block : 0)) / 2 + (place % 2 == 0 ? 0 : count);
+    }
+};
+
+template <class IndexOf, class Number, int... places>
+Lanes<Number, sizeof...(places)> merged(Lanes<Number, sizeof...(places)> a, Lanes<Number, sizeof...(places)> b,
+                                        std::integer_sequence<int, places...>) {
+    return {__builtin_shufflevector(a.vector, b.vector, IndexOf::at(places)...)};
+}
+
+} // namespace detail
+
+template <class Number, int count>
+Lanes<Number, count> interleavedLow(Lanes<Number, count> a, Lanes<Number, count> b) {
+    return detail::merged<detail::InTurn<Number, count, false>>(a, b, std::make_integer_sequence<int, count>());
+}
+
+template <class Number, int count>
+Lanes<Number, count> interleavedHigh(Lanes<Number, count> a, Lanes<Number, count> b) {
+    return detail::merged<detail::InTurn<Number, count, true>>(a, b, std::make_integer_sequence<int, count>());
+}
+
+inline Lanes<std::uint16_t, 8> highSignedProduct(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    return detail::lanesOf<std::uint16_t>(_mm_mulhi_epi16(detail::bits128(a), detail::bits128(b)));
+}
+
+#if defined(__AVX2__) && !defined(_WIN64)
+
+inline Lanes<std::uint16_t, 16> highSignedProduct(Lanes<std::uint16_t, 16> a, Lanes<std::uint16_t, 16> b) {
+    return detail::lanesOf<std::uint16_t>(_mm256_mulhi_epi16(detail::bits256(a), detail::bits256(b)));
+}
+
+#endif
+
 #if defined(__AVX512BW__) && !defined(_WIN64)
 
 namespace detail {
@@ -419,14 +456,6 @@ inline Lanes<std::uint16_t, 32> highProduct(Lanes<std::uint16_t, 32> a, Lanes<st
     return detail::lanesOf<std::uint16_t>(_mm512_mulhi_epu16(detail::bits512(a), detail::bits512(b)));
 }
 
-inline Lanes<std::uint8_t, 64> interleavedLow(Lanes<std::uint8_t, 64> a, Lanes<std::uint8_t, 64> b) {
-    return detail::lanesOf<std::uint8_t>(_mm512_unpacklo_epi8(detail::bits512(a), detail::bits512(b)));
-}
-
-inline Lanes<std::uint8_t, 64> interleavedHigh(Lanes<std::uint8_t, 64> a, Lanes<std::uint8_t, 64> b) {
-    return detail::lanesOf<std::uint8_t>(_mm512_unpackhi_epi8(detail::bits512(a), detail::bits512(b)));
-}
-
 inline Lanes<std::uint16_t, 32> pairSums(Lanes<std::uint8_t, 64> a, Lanes<std::uint8_t, 64> b) {
     return detail::lanesOf<std::uint16_t>(_mm512_maddubs_epi16(detail::bits512(a), detail::bits512(b)));
 }
@@ -468,6 +497,10 @@ struct FirstLanes<std::uint32_t, 16> {
 
 } // namespace detail
 
+inline Lanes<std::uint16_t, 32> highSignedProduct(Lanes<std::uint16_t, 32> a, Lanes<std::uint16_t, 32> b) {
+    return detail::lanesOf<std::uint16_t>(_mm512_mulhi_epi16(detail::bits512(a), detail::bits512(b)));
+}
+
 /// The widest register, which does not serve every kernel best.
 constexpr int widestBytes = 64;
 
@@ -485,6 +518,59 @@ Lanes<Number, count> Lanes<Number, count>::loadFirst(const void *from, int numbe
 template <class Number, int count>
 void Lanes<Number, count>::storeFirst(void *to, int numbers) const {
     detail::FirstLanes<Number, count>::store(*this, to, numbers);
+}
+
+namespace detail {
+
+template <int bytes>
+using Longs __attribute__((vector_size(bytes))) = std::uint64_t;
+
+inline Longs<16> sixteenAt(const void *first, std::ptrdiff_t stride, int block) {
+    Longs<16> sixteen;
+    std::memcpy(&sixteen, static_cast<const char *>(first) + block * stride, sizeof(sixteen));
+    return sixteen;
+}
+
+template <class Vector>
+auto joined(Vector low, Vector high) {
+    if constexpr (sizeof(Vector) == 16)
+        return __builtin_shufflevector(low, high, 0, 1, 2, 3);
+    else
+        return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+
+template <int bytes>
+auto sixteensAt(const void *first, std::ptrdiff_t stride, int block) {
+    if constexpr (bytes == 16)
+        return sixteenAt(first, stride, block);
+    else
+        return joined(sixteensAt<bytes / 2>(first, stride, block),
+                      sixteensAt<bytes / 2>(first, stride, block + bytes / 32));
+}
+
+template <int block, class Vector>
+void storeSixteenAt(void *first, std::ptrdiff_t stride, Vector vector) {
+    const Longs<16> sixteen = __builtin_shufflevector(vector, vector, 2 * block, 2 * block + 1);
+    std::memcpy(static_cast<char *>(first) + block * stride, &sixteen, sizeof(sixteen));
+}
+
+} // namespace detail
+
+template <class Result>
+Result loadSixteens(const void *first, std::ptrdiff_t stride) {
+    return {reinterpret_cast<decltype(Result::vector)>(detail::sixteensAt<sizeof(Result)>(first, stride, 0))};
+}
+
+template <class Number, int count>
+void storeSixteens(void *first, std::ptrdiff_t stride, Lanes<Number, count> a) {
+    const auto bits = reinterpret_cast<detail::Longs<sizeof(a)>>(a.vector);
+    detail::storeSixteenAt<0>(first, stride, bits);
+    if constexpr (sizeof(a) > 16)
+        detail::storeSixteenAt<1>(first, stride, bits);
+    if constexpr (sizeof(a) > 32) {
+        detail::storeSixteenAt<2>(first, stride, bits);
+        detail::storeSixteenAt<3>(first, stride, bits);
+    }
 }
 
 } // namespace qmur::vector
@@ -506,6 +592,7 @@ namespace qmur {
 using target::as;
 using target::broadcast;
 using target::loadNeighbours;
+using target::loadSixteens;
 using target::registerBytes;
 using target::sumsPairs;
 using target::widestBytes;

@@ -277,18 +277,6 @@ Lanes<std::uint32_t, count / 2> widenedHigh(Lanes<std::uint16_t, count> a) {
     return detail::widenedHalf<std::uint32_t, true>(a);
 }
 
-/// Of the lower or the upper half of each 16 bytes, the bytes of `a` and `b` in turn.
-template <int count>
-Lanes<std::uint8_t, count> interleavedLow(Lanes<std::uint8_t, count> a, Lanes<std::uint8_t, count> b) {
-    return Lanes<std::uint8_t, count>::filled(
-        [&](int lane) { return (lane % 2 == 0 ? a : b)[lane / 16 * 16 + lane % 16 / 2]; });
-}
-template <int count>
-Lanes<std::uint8_t, count> interleavedHigh(Lanes<std::uint8_t, count> a, Lanes<std::uint8_t, count> b) {
-    return Lanes<std::uint8_t, count>::filled(
-        [&](int lane) { return (lane % 2 == 0 ? a : b)[lane / 16 * 16 + 8 + lane % 16 / 2]; });
-}
-
 /// Taken as signed numbers and held between 0 and 255.
 template <int count>
 Lanes<std::uint8_t, count * 2> narrowed(Lanes<std::uint16_t, count> low, Lanes<std::uint16_t, count> high) {
@@ -306,6 +294,64 @@ constexpr int widestBytes = 16;
 
 /// Whether pairSums() and picked() are instructions.
 constexpr bool sumsPairs = true;
+
+// For kernels that take lines of a picture side by side.
+
+/// Every bit that is set in either.
+template <class Number, int count>
+Lanes<Number, count> eitherOf(Lanes<Number, count> a, Lanes<Number, count> b) {
+    return Lanes<Number, count>::filled([&](int lane) { return a[lane] | b[lane]; });
+}
+
+/// Shifted to the left; what leaves a lane is lost.
+template <class Number, int count>
+Lanes<Number, count> raised(Lanes<Number, count> a, int bits) {
+    return Lanes<Number, count>::filled([&](int lane) { return static_cast<unsigned>(a[lane]) << bits; });
+}
+
+/// The same of signed numbers, rounded down.
+template <int count>
+Lanes<std::uint16_t, count> highSignedProduct(Lanes<std::uint16_t, count> a, Lanes<std::uint16_t, count> b) {
+    return Lanes<std::uint16_t, count>::filled(
+        [&](int lane) { return static_cast<std::int16_t>(a[lane]) * static_cast<std::int16_t>(b[lane]) >> 16; });
+}
+
+/// The lower halves of each 16 bytes of `a` and `b`, a lane of either in turn.
+template <class Number, int count>
+Lanes<Number, count> interleavedLow(Lanes<Number, count> a, Lanes<Number, count> b) {
+    constexpr int block = 16 / sizeof(Number);
+    return Lanes<Number, count>::filled(
+        [&](int lane) { return (lane % 2 == 0 ? a : b)[lane / block * block + lane % block / 2]; });
+}
+
+/// The same with the upper halves.
+template <class Number, int count>
+Lanes<Number, count> interleavedHigh(Lanes<Number, count> a, Lanes<Number, count> b) {
+    constexpr int block = 16 / sizeof(Number);
+    return Lanes<Number, count>::filled(
+        [&](int lane) { return (lane % 2 == 0 ? a : b)[lane / block * block + (lane % block + block) / 2]; });
+}
+
+/// Lanes whose every 16 bytes come from a place of their own, `stride` bytes behind that of the 16 before.
+template <class Result>
+Result loadSixteens(const void *first, std::ptrdiff_t stride) {
+    Result result;
+    for (std::size_t block = 0; block < sizeof(Result) / 16; ++block)
+        std::memcpy(reinterpret_cast<char *>(&result) + block * 16,
+                    static_cast<const char *>(first) + static_cast<std::ptrdiff_t>(block) * stride, 16);
+    return result;
+}
+
+/// The same the other way round.
+template <class Number, int count>
+void storeSixteens(void *first, std::ptrdiff_t stride, Lanes<Number, count> a) {
+    for (std::size_t block = 0; block < sizeof(a) / 16; ++block)
+        std::memcpy(static_cast<char *>(first) + static_cast<std::ptrdiff_t>(block) * stride,
+                    reinterpret_cast<const char *>(&a) + block * 16, 16);
+}
+
+/// The bytes that kernels of this kind take at once at most.
+constexpr int widestBytes = 16;
 
 } // namespace qmur::scalar
 

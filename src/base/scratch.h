@@ -10,25 +10,29 @@
 
 namespace qmur {
 
-/// Elements from the heap, uninitialised. There are none if the heap has no room for them, or if fewer
-/// than one were asked for.
+/// Elements from the heap, aligned as they ask for, uninitialised. There are none if the heap has no room for them, or
+/// if fewer than one were asked for.
 template <class Element>
 class Scratch {
 public:
     Scratch() = default;
     explicit Scratch(long long count)
-        : elements(canBeHad(count) ? std::malloc(static_cast<std::size_t>(count) * sizeof(Element)) : nullptr) {}
+        : elements(canBeHad(count) ? std::malloc(static_cast<std::size_t>(count) * sizeof(Element) + slack) : nullptr) {
+    }
 
     /// The same, all zero.
     static Scratch zeroed(long long count) {
         Scratch scratch;
         if (canBeHad(count))
-            scratch.elements.reset(std::calloc(static_cast<std::size_t>(count), sizeof(Element)));
+            scratch.elements.reset(std::calloc(static_cast<std::size_t>(count) * sizeof(Element) + slack, 1));
         return scratch;
     }
 
     explicit operator bool() const { return elements != nullptr; }
-    Element *data() const { return static_cast<Element *>(elements.get()); }
+    Element *data() const {
+        const auto address = reinterpret_cast<std::uintptr_t>(elements.get());
+        return reinterpret_cast<Element *>((address + slack) & ~static_cast<std::uintptr_t>(slack));
+    }
     Element &operator[](long long index) const { return data()[index]; }
 
 private:
@@ -36,8 +40,12 @@ private:
         void operator()(void *memory) const { std::free(memory); }
     };
 
+    /// What the heap's own alignment, 8 on every system, may leave missing.
+    static constexpr std::size_t slack = alignof(Element) > 8 ? alignof(Element) - 1 : 0;
+
     static constexpr bool canBeHad(long long count) {
-        return count > 0 && count <= PTRDIFF_MAX / static_cast<long long>(sizeof(Element));
+        return count > 0 &&
+               count <= (PTRDIFF_MAX - static_cast<long long>(slack)) / static_cast<long long>(sizeof(Element));
     }
 
     std::unique_ptr<void, Free> elements;

@@ -1,9 +1,14 @@
+#include "base/channels.h"
+#include "base/doubled.h"
+#include "base/extent.h"
 #include "base/pixel.h"
-#include "base/surface.h"
 #include "base/vector.h"
 #include "base/wide.h"
 #include "q_Mur/draw.h"
 #include "q_Mur/frame.h"
+
+#include <cmath>
+#include <cstring>
 
 namespace {
 
@@ -83,19 +88,212 @@ struct Spot {
     }
 };
 
-/// Writes `word(i, j, tint)` to every place of a resource.
-template <class Word>
-void renderResource(q_ulong *surface, int pitch, int x, int y, int size, Word word) {
+/// Places of a row whose words are found together.
+constexpr int stretch = 32;
+
+/// The light and the highlight on a stretch, and whether they are known.
+struct Shading {
+    int light[stretch];
+    int highlight[stretch];
+    int open[stretch]; ///< 0 where they are
+};
+
+/// What doubles may be off by, and full width with them, before they are truncated: far less than this.
+constexpr double doubt = 0x1p-30;
+
+/// 0 if every number within the doubt truncates to the same int.
+inline int openAround(double value) {
+    return static_cast<int>(value - doubt) ^ static_cast<int>(value + doubt);
+}
+
+/// LitSphere in floats and doubles.
+class QuickSphere {
+public:
+    QuickSphere(int sphereRadius, bool withSecondHighlight)
+        : radius(sphereRadius), hasSecondHighlight(withSecondHighlight) {
+        const LitSphere sphere(radius);
+        const _POINT3DFLOAT flat = sphere.normalAt(4 * radius, 4 * radius);
+        flatLight = LitSphere::light(flat);
+        flatHighlight = LitSphere::highlight(flat, 200);
+        flatMirrored = LitSphere::highlight(flat, 50);
+    }
+
+    /// Whether no square wraps and all positions are floats.
+    static bool serves(int sphereRadius) { return sphereRadius >= 1 && sphereRadius < 8192; }
+
+    /// Shades the places (i, j) from `start` on.
+    void shade(int start, int j, int count, Shading &shading) const {
+        const int dy = j - radius;
+        float heights[stretch + 1];
+        float above[stretch];
+        float doubts[stretch + 1];
+        float doubtsAbove[stretch];
+        for (int i = 0; i <= count; ++i)
+            heights[i] = heightOver(start + i - 1 - radius, dy, doubts[i]);
+        for (int i = 0; i < count; ++i)
+            above[i] = heightOver(start + i - radius, dy - 1, doubtsAbove[i]);
+        // The normals of the facets; differences of floats are the same rounded from any wider format.
+        float normalsX[stretch];
+        float normalsY[stretch];
+        float normalsZ[stretch];
+        for (int i = 0; i < count; ++i) {
+            const double x = -(heights[i + 1] - heights[i]);
+            const double y = -(heights[i + 1] - above[i]);
+            const double factor = 1 / std::sqrt(1 + y * y + x * x);
+            const Doubled normalX(x * factor);
+            const Doubled normalY(y * factor);
+            const Doubled normalZ(factor);
+            doubts[i] += doubts[i + 1] + doubtsAbove[i] + normalX.doubt() + normalY.doubt() + normalZ.doubt();
+            normalsX[i] = normalX.nearest();
+            normalsY[i] = normalY.nearest();
+            normalsZ[i] = normalZ.nearest();
+        }
+        // From the first mirrored column on.
+        const int mirrored = hasSecondHighlight && j > radius ? larger(smaller(radius + 1 - start, count), 0) : count;
+        const auto light = [&](int from, int to, double sign, double strength) {
+            const double root = std::sqrt(6.0);
+            for (int i = from; i < to; ++i) {
+                const double slope = static_cast<double>(normalsY[i]) + normalsX[i];
+                const double z = normalsZ[i];
+                const double fallen = 80 * positive(z - slope);
+                double shine = positive(2 * z - sign * slope) / root;
+                shine *= shine;
+                shine *= shine;
+                shine *= shine;
+                shine *= shine;
+                shine *= shine;
+                shine *= shine;
+                shine *= shine;
+                shine *= strength;
+                shading.light[i] = 80 + static_cast<int>(fallen);
+                shading.highlight[i] = static_cast<int>(shine);
+                shading.open[i] = openAround(fallen) | openAround(shine);
+            }
+        };
+        light(0, mirrored, 1, 200);
+        light(mirrored, count, -1, 50);
+        for (int i = 0; i < count; ++i) {
+            if (normalsX[i] == 0 && normalsY[i] == 0) {
+                shading.light[i] = flatLight;
+                shading.highlight[i] = i < mirrored ? flatHighlight : flatMirrored;
+                shading.open[i] = 0;
+            }
+            shading.open[i] |= doubts[i] != 0;
+        }
+    }
+
+private:
+    static double positive(double value) { return 0.5 * (value + std::fabs(value)); }
+
+    float heightOver(int dx, int dy, float &unsettled) const {
+        const int left = radius * radius - dx * dx - dy * dy;
+        const Doubled height(std::sqrt(static_cast<double>(left > 0 ? left : 0)));
+        unsettled = height.doubt();
+        return height.nearest();
+    }
+
+    int radius;
+    bool hasSecondHighlight;
+    int flatLight;
+    int flatHighlight;
+    int flatMirrored;
+};
+
+/// The cosine of an angle from 0 to a quarter turn, within 2^-48.
+inline double quickCosine(double angle) {
+    // The series up to the 22nd power; the next of its terms is below 2^-63.
+    constexpr double reciprocals[] = {-1.0 / 462, -1.0 / 380, -1.0 / 306, -1.0 / 240, -1.0 / 182, -1.0 / 132,
+                                      -1.0 / 90,  -1.0 / 56,  -1.0 / 30,  -1.0 / 12,  -1.0 / 2};
+    const double square = angle * angle;
+    double sum = 1;
+    for (const double reciprocal : reciprocals)
+        sum = 1 + sum * square * reciprocal;
+    return sum;
+}
+
+/// The spots of a resource, their light found in doubles.
+struct SpottedResource {
+    Spot first;
+    Spot second;
+    Spot glow;
+    bool hasSecond;
+
+    void shade(int start, int j, int count, Shading &shading) const {
+        const auto squareTo = [=](const Spot &spot, int i) {
+            const int dx = start + i - spot.x;
+            const int dy = j - spot.y;
+            return dx * dx + dy * dy;
+        };
+        bool anyFirst = false;
+        bool anySecond = false;
+        for (int i = 0; i < count; ++i) {
+            const int squared = squareTo(glow, i);
+            const bool isReached = glow.reaches(squared);
+            const double fallen =
+                200 * quickCosine((isReached ? squared : glow.darkFrom) * static_cast<double>(glow.angle));
+            const int light = static_cast<int>(fallen);
+            shading.light[i] = 55 + (isReached ? light : 0);
+            shading.open[i] = isReached ? openAround(fallen) : 0;
+            shading.highlight[i] = 0;
+            anyFirst |= first.reaches(squareTo(first, i));
+            anySecond |= second.reaches(squareTo(second, i));
+        }
+        if (anyFirst)
+            addSpot(first, 200, start, j, count, shading);
+        if (anySecond && hasSecond)
+            addSpot(second, 64, start, j, count, shading);
+    }
+
+private:
+    static void addSpot(const Spot &spot, int strength, int start, int j, int count, Shading &shading) {
+        for (int i = 0; i < count; ++i) {
+            const int dx = start + i - spot.x;
+            const int dy = j - spot.y;
+            const int squared = dx * dx + dy * dy;
+            const bool isReached = spot.reaches(squared);
+            double power = quickCosine((isReached ? squared : 0) * static_cast<double>(spot.angle));
+            power *= power;
+            power *= power;
+            power *= power;
+            power *= power;
+            power *= strength;
+            const int highlight = static_cast<int>(power);
+            const int open = openAround(power);
+            shading.highlight[i] = isReached ? highlight : shading.highlight[i];
+            shading.open[i] |= isReached ? open : 0;
+        }
+    }
+};
+
+/// Writes `word(i, j, tint)` to every place of a resource, or what `quick` finds, where that serves and knows it.
+template <class Word, class Quick>
+void renderResource(q_ulong *surface, int pitch, int x, int y, int size, Word word, bool quickServes,
+                    const Quick &quick) {
     const int radius = size >> 1;
     const int squaredRadius = wrapMultiply(radius, radius);
     if (squaredRadius == 0)
         return;
     q_ulong *const first = pixelAt(surface, Distance{pitch}, Distance{x}, Distance{y});
+    const auto tintAt = [=](int i, int j) { return (squaredDistance(i - radius, j - radius) << 7) / squaredRadius; };
     for (int j = 0; j < size; ++j) {
         q_ulong *const row = first + j * Distance{pitch};
-        for (int i = 0; i < size; ++i) {
-            const int tint = (squaredDistance(i - radius, j - radius) << 7) / squaredRadius;
-            row[i] = word(i, j, tint);
+        if (!quickServes) {
+            for (int i = 0; i < size; ++i)
+                row[i] = word(i, j, tintAt(i, j));
+            continue;
+        }
+        for (int start = 0; start < size; start += stretch) {
+            const int count = smaller(size - start, stretch);
+            Shading shading;
+            quick.shade(start, j, count, shading);
+            int tints[stretch];
+            // Quotients of ints that doubles hold never round up to the next whole number.
+            for (int i = 0; i < count; ++i)
+                tints[i] = static_cast<int>(static_cast<double>(squaredDistance(start + i - radius, j - radius) << 7) /
+                                            squaredRadius);
+            for (int i = 0; i < count; ++i)
+                row[start + i] = shading.open[i] == 0 ? resourceWord(shading.light[i], tints[i], shading.highlight[i])
+                                                      : word(start + i, j, tints[i]);
         }
     }
 }
@@ -205,13 +403,97 @@ void refract(const Scene &scene, const StretchedResource<fraction> &resource, in
     });
 }
 
+/// Works out the same pixels a stretch at a time: where they show the background, and then their colours side by side.
+template <int fraction>
+void refractAbreast(const Scene &scene, const StretchedResource<fraction> &resource, int size, q_ulong color,
+                    q_ulong *scratch) {
+    constexpr int lanes = registerBytes / 4;
+    using Bytes = qmur::Bytes<registerBytes>;
+    using Words = qmur::Words<registerBytes / 2>;
+    const int squaredSize = wrapMultiply(size, size);
+    const int unit = squaredSize == 0 ? 0 : 65536 / squaredSize;
+    const Words colorWords = widenedLow(as<std::uint8_t>(Pixels::all(color & 0xFFFFFF)));
+    scene.forEachRow([=, next = scratch](int y, Span columns) mutable {
+        const auto [surface, pitch, width, height, disc] = scene;
+        const int cx = disc.centreX();
+        const int cy = disc.centreY();
+        const int dy = y - cy;
+        const q_ulong *const words = resource.row(y - disc.top);
+        for (int start = columns.begin; start < columns.end; start += stretch) {
+            const int count = smaller(columns.end - start, stretch);
+            int seenX[stretch];
+            int seenY[stretch];
+            int texels[stretch];
+            q_ulong backgrounds[stretch];
+            q_ulong texelWords[stretch];
+            for (int i = 0; i < stretch; ++i) {
+                const int dx = wrapSubtract(wrapAdd(start, i), cx);
+                const int bend = 48 - (wrapMultiply(-29, wrapMultiply(squaredDistance(dx, dy), unit)) >> 12);
+                seenX[i] = wrapAdd(cx, wrapMultiply(dx, bend) >> 7);
+                seenY[i] = wrapAdd(cy, wrapMultiply(dy, bend) >> 7);
+                texels[i] = resource.column(wrapSubtract(wrapAdd(start, i), disc.left));
+            }
+            for (int i = 0; i < count; ++i) {
+                const bool onSurface = static_cast<unsigned>(seenX[i]) < static_cast<unsigned>(width) &&
+                                       static_cast<unsigned>(seenY[i]) < static_cast<unsigned>(height);
+                backgrounds[i] = onSurface ? *pixelAt(surface, pitch, seenX[i], seenY[i]) : 0;
+                texelWords[i] = words[texels[i]];
+            }
+            const auto mixed = [&](int i) {
+                const Pixels word = Pixels::load(texelWords + i);
+                const Pixels background = Pixels::load(backgrounds + i);
+                const auto inPairs = [](Pixels number) { return eitherOf(number, raised(number, 16)); };
+                const Pixels lights = inPairs(word & Pixels::all(0xFF));
+                const Pixels tints = inPairs(word >> 8 & Pixels::all(0xFF));
+                const Bytes tinted = narrowed(colorWords * as<std::uint16_t>(interleavedLow(lights, lights)) >> 7,
+                                              colorWords * as<std::uint16_t>(interleavedHigh(lights, lights)) >> 7);
+                const auto mean = [](Words d, Words s, Words tint) {
+                    return (d * (Words::all(256) - tint) + s * tint) >> 8;
+                };
+                const Bytes behind = as<std::uint8_t>(background);
+                const Bytes glass = narrowed(
+                    mean(widenedLow(behind), widenedLow(tinted), as<std::uint16_t>(interleavedLow(tints, tints))),
+                    mean(widenedHigh(behind), widenedHigh(tinted), as<std::uint16_t>(interleavedHigh(tints, tints))));
+                const Pixels highlight = word >> 16 & Pixels::all(0xFF);
+                const Pixels highlights = eitherOf(inPairs(highlight), raised(highlight, 8));
+                return as<std::uint32_t>(saturatingSum(glass, as<std::uint8_t>(highlights))) & Pixels::all(0xFFFFFF);
+            };
+            int i = 0;
+            for (; i + lanes <= count; i += lanes)
+                mixed(i).store(next + i);
+            if (i < count) {
+                for (int behind = count; behind < i + lanes; ++behind)
+                    backgrounds[behind] = texelWords[behind] = 0;
+                q_ulong rest[lanes];
+                mixed(i).store(rest);
+                std::memcpy(next + i, rest, static_cast<std::size_t>(count - i) * sizeof(q_ulong));
+            }
+            next += count;
+        }
+    });
+}
+
+/// Whether nothing that is read shares memory with the scratch, which has a pixel for each of the window's at most.
+bool scratchIsApart(const Scene &scene, const q_ulong *scratch, const q_ulong *resource, Distance resourcePitch,
+                    int resourceSize) {
+    const Window &window = scene.disc.window;
+    if (window.empty() || scene.width < 1 || scene.height < 1 || resourceSize < 1 || scene.disc.radius > 16384)
+        return false;
+    const long long pixels = static_cast<long long>(window.columns.length()) * window.rows.length();
+    const Extent first = extentOf(scratch, 0, {{0, 1}, {0, 1}});
+    const Extent written = {first.begin, first.end + pixels};
+    return written.isApartFrom(extentOf(scene.surface, scene.pitch, windowOf(scene.width, scene.height))) &&
+           written.isApartFrom(extentOf(resource, resourcePitch, windowOf(resourceSize, resourceSize)));
+}
+
 } // namespace
 
 void MakeBubbleResource(q_ulong *surface, int pitch, int x, int y, int size, int secondHighlight) {
     atFullWidth([=] {
         const int radius = size >> 1;
         const LitSphere sphere(radius);
-        renderResource(surface, pitch, x, y, size, [&](int i, int j, int tint) {
+        const QuickSphere quick(QuickSphere::serves(radius) ? radius : 1, secondHighlight != 0);
+        const auto word = [&](int i, int j, int tint) {
             _POINT3DFLOAT normal = sphere.normalAt(i - radius, j - radius);
             const int light = LitSphere::light(normal);
             int strength = 200;
@@ -222,7 +504,8 @@ void MakeBubbleResource(q_ulong *surface, int pitch, int x, int y, int size, int
                 strength = 50;
             }
             return resourceWord(light, tint, LitSphere::highlight(normal, strength));
-        });
+        };
+        renderResource(surface, pitch, x, y, size, word, QuickSphere::serves(radius), quick);
     });
 }
 
@@ -237,7 +520,7 @@ void MakeBubbleResource2(q_ulong *surface, int pitch, int x, int y, int size, in
         const Spot first = {radius + third, radius - third, 512, quarterTurnOver512};
         const Spot second = {radius - third, radius + third, 512, quarterTurnOver512};
         const Spot glow = {radius + twoThirds, radius - twoThirds, 8192, quarterTurnOver8192};
-        renderResource(surface, pitch, x, y, size, [&](int i, int j, int tint) {
+        const auto word = [&](int i, int j, int tint) {
             const auto from = [i, j](const Spot &spot) { return squaredDistance(i - spot.x, j - spot.y); };
             int highlight = 0;
             if (second.reaches(from(second)) && secondHighlight != 0)
@@ -246,7 +529,9 @@ void MakeBubbleResource2(q_ulong *surface, int pitch, int x, int y, int size, in
                 highlight = first.brightness(from(first), 200, 4);
             const int light = glow.reaches(from(glow)) ? larger(0, glow.brightness(from(glow), 200, 0)) : 0;
             return resourceWord(55 + light, tint, highlight);
-        });
+        };
+        renderResource(surface, pitch, x, y, size, word, radius < 8192,
+                       SpottedResource{first, second, glow, secondHighlight != 0});
     });
 }
 
@@ -259,19 +544,40 @@ void DrawRealBubble(q_ulong *surface, q_ulong *scratch, int pitch, int cx, int c
                          .width = width,
                          .height = height,
                          .disc = discAround(cx, cy, size, width, height)};
-    refract(scene, StretchedResource<18>(resource, resourceSize, resourceSize, size), size, color, scratch);
+    const StretchedResource<18> stretched(resource, resourceSize, resourceSize, size);
+    const bool isApart = scratchIsApart(scene, scratch, resource, resourceSize, resourceSize);
+    if (isApart)
+        refractAbreast(scene, stretched, size, color, scratch);
+    else
+        refract(scene, stretched, size, color, scratch);
     scene.forEachRow([=, next = scratch](int y, Span columns) mutable {
         q_ulong *const row = surface + y * scene.pitch;
         const int *const roots = iSqrt;
         const int dy = y - scene.disc.centreY();
         const int centreX = scene.disc.centreX();
         const int rim = scene.disc.radius << 8;
-        for (int x = columns.begin; x < columns.end; ++x) {
-            const q_ulong word = *next++;
-            const int fromRim = rim - (roots[squaredDistance(x - centreX, dy)] >> 2);
+        const auto fromRimAt = [=](int x) { return rim - (roots[squaredDistance(x - centreX, dy)] >> 2); };
+        const auto draw = [=](int x, int fromRim, q_ulong word) {
             const auto cover = static_cast<q_ulong>(fromRim);
             row[x] = fromRim < 256 ? blend256(row[x], 256 - cover, word, cover) : word;
+        };
+        const q_ulong *const line = next;
+        const int first = columns.begin;
+        next += larger(columns.end - first, 0);
+        int x = first;
+        if (isApart) {
+            // Distances from the rim grow up to the middle of the row: where both ends are inside, all between them is.
+            for (; x < columns.end && fromRimAt(x) < 256; ++x)
+                draw(x, fromRimAt(x), line[x - first]);
+            int end = columns.end;
+            for (; end > x && fromRimAt(end - 1) < 256; --end)
+                draw(end - 1, fromRimAt(end - 1), line[end - 1 - first]);
+            if (end > x)
+                std::memcpy(row + x, line + (x - first), static_cast<std::size_t>(end - x) * sizeof(q_ulong));
+            return;
         }
+        for (; x < columns.end; ++x)
+            draw(x, fromRimAt(x), line[x - first]);
     });
 }
 
@@ -285,7 +591,11 @@ void DrawRealBubbleOld(q_ulong *surface, q_ulong *scratch, int pitch, int cx, in
                          .height = height,
                          .disc = discAround(cx, cy, size, width, height)};
     // Meant: the resource's rows are as long as the surface's.
-    refract(scene, StretchedResource<16>(resource, pitch, resourceSize, size), size, color, scratch);
+    const StretchedResource<16> stretched(resource, pitch, resourceSize, size);
+    if (scratchIsApart(scene, scratch, resource, pitch, resourceSize))
+        refractAbreast(scene, stretched, size, color, scratch);
+    else
+        refract(scene, stretched, size, color, scratch);
     scene.forEachRow([=, next = scratch](int y, Span columns) mutable {
         q_ulong *const row = surface + y * scene.pitch;
         for (int x = columns.begin; x < columns.end; ++x)

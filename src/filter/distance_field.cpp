@@ -24,6 +24,32 @@ public:
         return changed;
     }
 
+    /// The same where all of the neighbours are in the block.
+    bool fromInside(Distance index, int direction) {
+        int *const ring = rings + index;
+        const int *const row = ring - direction * pitch;
+        const int least = smaller(smaller(row[-1], row[0]), smaller(row[1], ring[-direction])) + 1;
+        const int before = *ring;
+        *ring = smaller(before, least);
+        return least < before;
+    }
+
+    /// Down and then up over the whole block; true if anything has changed.
+    bool everywhere() {
+        const Distance margin = pitch + 1 < count ? pitch + 1 : count;
+        bool changed = false;
+        Distance i = 0;
+        for (; i < margin; ++i)
+            changed |= from(i, 1);
+        for (; i < count; ++i)
+            changed |= fromInside(i, 1);
+        for (i = count - 1; i >= count - margin; --i)
+            changed |= from(i, -1);
+        for (; i >= 0; --i)
+            changed |= fromInside(i, -1);
+        return changed;
+    }
+
 private:
     int *rings;
     Distance count;
@@ -37,14 +63,66 @@ void findRings(const LinearBlock &block, int *rings) {
     for (Distance i = 0; i < block.count; ++i)
         rings[i] = block.words[i] == 0 ? 0 : unreached;
     Spread spread(rings, block);
-    bool changed;
-    do {
-        changed = false;
-        for (Distance i = 0; i < block.count; ++i)
-            changed |= spread.from(i, 1);
-        for (Distance i = block.count - 1; i >= 0; --i)
-            changed |= spread.from(i, -1);
-    } while (changed);
+    while (spread.everywhere()) {
+    }
+}
+
+namespace {
+
+/// Farther than any ring is looked at.
+constexpr int outOfReach = 1 << 29;
+
+/// The distance to the nearest black word on either side, counted in steps of `stride` words.
+void findNearest(const LinearBlock &block, Distance stride, int *distances) {
+    for (Distance i = 0; i < block.count; ++i) {
+        const int before = i >= stride ? distances[i - stride] + 1 : outOfReach;
+        distances[i] = block.words[i] == 0 ? 0 : smaller(before, outOfReach);
+    }
+    for (Distance i = block.count - stride; --i >= 0;)
+        distances[i] = smaller(distances[i], distances[i + stride] + 1);
+}
+
+} // namespace
+
+NearestOnRings::NearestOnRings(const LinearBlock &searched)
+    : block(searched), alongRow(searched.count), alongColumn(searched.count) {
+    if (!alongRow || !alongColumn)
+        return;
+    findNearest(block, 1, alongRow.data());
+    findNearest(block, block.pitch, alongColumn.data());
+}
+
+/// The nearest black word before or behind any index.
+int NearestOnRings::fromRow(Distance index) const {
+    if (index < 0)
+        return alongRow[0] - static_cast<int>(index);
+    if (index >= block.count)
+        return alongRow[block.count - 1] + static_cast<int>(index - (block.count - 1));
+    return alongRow[index];
+}
+
+/// The nearest black word above or below any index.
+int NearestOnRings::fromColumn(Distance index) const {
+    const Distance last = block.count - 1;
+    const Distance rows = index < 0      ? (-index + block.pitch - 1) / block.pitch
+                          : index > last ? -((index - last + block.pitch - 1) / block.pitch)
+                                         : 0;
+    const Distance inside = index + rows * block.pitch;
+    if (inside < 0 || inside > last)
+        return outOfReach;
+    return alongColumn[inside] + static_cast<int>(rows < 0 ? -rows : rows);
+}
+
+int NearestOnRings::squaredDistance(Distance index, int ring) const {
+    int least = outOfReach;
+    for (const Distance side : {-static_cast<Distance>(ring), static_cast<Distance>(ring)}) {
+        least = smaller(least, fromRow(index + side * block.pitch));
+        least = smaller(least, fromColumn(index + side));
+    }
+    if (ring >= noDistance || least > ring)
+        return noDistance;
+    const long long square = static_cast<long long>(ring) * ring + static_cast<long long>(least) * least;
+    return square < noDistance ? static_cast<int>(square) : noDistance;
 }
 
 } // namespace qmur

@@ -3,6 +3,7 @@
 #ifndef Q_MUR_FILTER_DISTANCE_FIELD_H
 #define Q_MUR_FILTER_DISTANCE_FIELD_H
 
+#include "base/scratch.h"
 #include "base/surface.h"
 
 namespace qmur {
@@ -28,6 +29,27 @@ struct LinearBlock {
 /// The ring number is the chessboard distance on the index. It spreads from word to neighbouring word; two passes, down
 /// and up, settle nearly all of it, and they are repeated while anything changes.
 void findRings(const LinearBlock &block, int *rings);
+
+/// Where black lies before and behind every word of a block, along its row and its column: the nearest black word of a
+/// ring is found on its four sides without walking along them.
+class NearestOnRings {
+public:
+    explicit NearestOnRings(const LinearBlock &searched);
+
+    /// False without memory.
+    explicit operator bool() const { return alongRow && alongColumn; }
+
+    /// What FindNearBlackDistanceSquare() with a limit of #noDistance and above finds on this ring.
+    int squaredDistance(Distance index, int ring) const;
+
+private:
+    int fromRow(Distance index) const;
+    int fromColumn(Distance index) const;
+
+    LinearBlock block;
+    Scratch<int> alongRow;    ///< how many words away
+    Scratch<int> alongColumn; ///< how many rows away
+};
 
 } // namespace qmur
 

@@ -1,10 +1,12 @@
 #include "base/extent.h"
+#include "base/lanes.h"
 #include "base/pixel.h"
 #include "base/wide.h"
 #include "q_Mur/filter.h"
 #include "walks/stretch.h"
 
 #include <cmath>
+#include <cstring>
 
 namespace {
 
@@ -93,6 +95,120 @@ bool mixByRows(const Pictures &pictures, const Strip &strip, tagPOINT fixedPoint
     return true;
 }
 
+/// mix4096() of several pixels whose top bytes are the same in both pictures: low + (high - low) * t / 4096, rounded
+/// down, in each channel.
+Numbers<widestBytes / 4> mixAbreast(Numbers<widestBytes / 4> low, Numbers<widestBytes / 4> high,
+                                    Numbers<widestBytes / 4> t) {
+    const auto mean = [](auto lowWords, auto highWords, auto weights) {
+        return lowWords + highSignedProduct(raised(highWords - lowWords, 4), as<std::uint16_t>(weights));
+    };
+    const auto lowChannels = [](Numbers<widestBytes / 4> pixels) {
+        return as<std::uint16_t>(pixels & Numbers<widestBytes / 4>::all(redBlueMask));
+    };
+    const auto green = [](Numbers<widestBytes / 4> pixels) {
+        return as<std::uint16_t>(pixels >> 8 & Numbers<widestBytes / 4>::all(0xFF));
+    };
+    const auto inPairs = eitherOf(t, raised(t, 16));
+    const auto blueAndRed = as<std::uint32_t>(mean(lowChannels(low), lowChannels(high), inPairs));
+    return eitherOf(blueAndRed, raised(as<std::uint32_t>(mean(green(low), green(high), t)), 8));
+}
+
+/// A ring in which one picture fades into another.
+struct FadingRing {
+    int centreX;
+    int centreY;
+    int outer;
+    int scale;
+
+    /// How much of the inner picture is seen at a squared distance inside the ring, in 1/4096.
+    q_ulong mixAt(int square) const {
+        // The double root of a 32-bit number truncates as the exact root does.
+        const int distance = truncateToInt(std::sqrt(static_cast<double>(square)));
+        return static_cast<q_ulong>(wrapMultiply(wrapSubtract(outer, distance), scale)) >> 15;
+    }
+};
+
+/// Mixes the columns of a row that lie in the ring, a stretch at a time.
+void mixRing(q_ulong *out, const q_ulong *inside, const q_ulong *outside, const FadingRing &ring, int dy,
+             Span columns) {
+    constexpr int stretch = 32;
+    constexpr int lanes = widestBytes / 4;
+    for (int start = columns.begin; start < columns.end; start += stretch) {
+        const int count = smaller(columns.end - start, stretch);
+        const int firstX = start - ring.centreX;
+        q_ulong tops = 0;
+        for (int i = 0; i < count; ++i)
+            tops |= inside[start + i] ^ outside[start + i];
+        q_ulong mixes[stretch];
+        for (int i = 0; i < stretch; ++i) {
+            const int square = (firstX + i) * (firstX + i) + dy * dy;
+            // The root of a float is less than 1 off.
+            int root = static_cast<int>(std::sqrt(static_cast<float>(square)));
+            root -= root * root > square ? 1 : 0;
+            root += root * root + 2 * root < square ? 1 : 0;
+            mixes[i] = static_cast<q_ulong>(wrapMultiply(ring.outer - root, ring.scale)) >> 15;
+        }
+        if (topByteOf(tops) != 0) {
+            for (int i = 0; i < count; ++i)
+                out[start + i] = mix4096(outside[start + i], inside[start + i], mixes[i]);
+            continue;
+        }
+        using Pixels = Numbers<lanes>;
+        const auto mixed = [&](const q_ulong *low, const q_ulong *high, int i) {
+            return mixAbreast(Pixels::load(low), Pixels::load(high), Pixels::load(mixes + i));
+        };
+        int i = 0;
+        for (; i + lanes <= count; i += lanes)
+            mixed(outside + start + i, inside + start + i, i).store(out + start + i);
+        if (i < count) {
+            q_ulong low[lanes] = {};
+            q_ulong high[lanes] = {};
+            const std::size_t rest = static_cast<std::size_t>(count - i) * sizeof(q_ulong);
+            std::memcpy(low, outside + start + i, rest);
+            std::memcpy(high, inside + start + i, rest);
+            mixed(low, high, i).store(low);
+            std::memcpy(out + start + i, low, rest);
+        }
+    }
+}
+
+/// The largest root of a number whose square is not above it; below 0 there is none, which is -1.
+int wholeRoot(int square) {
+    return square < 0 ? -1 : truncateToInt(std::sqrt(static_cast<double>(square)));
+}
+
+/// Draws row by row what lies outside the ring, in it, and inside, all in its place.
+void drawRing(const Pictures &pictures, const FadingRing &ring, int inner, int width, int height) {
+    const auto [out, outside, inside, pitch] = pictures;
+    const Span all = {0, width};
+    for (int y = 0; y < height; ++y) {
+        const Distance row = y * pitch;
+        const auto copy = [=, to = out](const q_ulong *from, Span columns) {
+            if (!columns.empty() && from != to)
+                std::memcpy(to + row + columns.begin, from + row + columns.begin,
+                            static_cast<std::size_t>(columns.length()) * sizeof(q_ulong));
+        };
+        const int dy = y - ring.centreY;
+        const int outerReach = wholeRoot(ring.outer * ring.outer - 1 - dy * dy);
+        const int innerReach = wholeRoot(inner * inner - dy * dy);
+        // Without a reach the spans meet in the middle.
+        const Span faded = intersection({ring.centreX - outerReach, ring.centreX + outerReach + 1}, all);
+        const int fadedEnd = larger(faded.begin, faded.end);
+        if (faded.empty()) {
+            copy(outside, all);
+            continue;
+        }
+        Span whole = intersection({ring.centreX - innerReach, ring.centreX + innerReach + 1}, faded);
+        if (whole.empty())
+            whole = {fadedEnd, fadedEnd};
+        copy(outside, {0, faded.begin});
+        mixRing(out + row, inside + row, outside + row, ring, dy, {faded.begin, whole.begin});
+        copy(inside, whole);
+        mixRing(out + row, inside + row, outside + row, ring, dy, {whole.end, faded.end});
+        copy(outside, {faded.end, width});
+    }
+}
+
 } // namespace
 
 void Edge_Transparency(q_ulong *out, q_ulong *imageA, q_ulong *imageB, tagPOINT *p1, tagPOINT *p2, int edgeWidth,
@@ -170,6 +286,16 @@ void Edge_Transparency_Circle(q_ulong *out, q_ulong *imageA, q_ulong *imageB, ta
     if (bandWidth == 0)
         return;
     const int scale = 134217728 / bandWidth;
+    const FadingRing ring = {centreX, centreY, outer, scale};
+    // Where no square leaves 32 bits, what lies where is known row by row.
+    constexpr Bounds plain = {-16383, 16383};
+    const Pictures pictures = {out, imageB, imageA, pitch};
+    if (plain.contain(centreX) && plain.contain(centreY) && plain.contain(width) && plain.contain(height) &&
+        plain.contain(outer) && radius >= 0 && band > 0 && width > 0 && height > 0 &&
+        pictures.leaveOrderOpen(windowOf(width, height))) {
+        drawRing(pictures, ring, inner, width, height);
+        return;
+    }
     for (int y = 0; y < height; ++y) {
         const int dy = wrapSubtract(y, centreY);
         const int dySquare = wrapMultiply(dy, dy);
@@ -185,10 +311,7 @@ void Edge_Transparency_Circle(q_ulong *out, q_ulong *imageA, q_ulong *imageB, ta
             } else if (square <= innerSquare) {
                 d = a;
             } else {
-                // The double root of a 32-bit number truncates as the exact root does.
-                const int distance = truncateToInt(std::sqrt(static_cast<double>(square)));
-                const auto t = static_cast<q_ulong>(wrapMultiply(wrapSubtract(outer, distance), scale)) >> 15;
-                d = mix4096(b, a, t);
+                d = mix4096(b, a, ring.mixAt(square));
             }
         }
     }

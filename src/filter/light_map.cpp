@@ -1,8 +1,11 @@
+#include "base/doubled.h"
 #include "base/scratch.h"
 #include "base/vector.h"
 #include "base/wide.h"
 #include "distance_field.h"
 #include "q_Mur/filter.h"
+
+#include <cmath>
 
 namespace {
 
@@ -50,27 +53,45 @@ private:
     float *first;
 };
 
+/// Whether sums of as many heights are exact in double: none has a bit below 2^-27 or is so large that they reach 2^26.
+class PlainHeights {
+public:
+    void take(float height) {
+        if (!(height >= 0.0625F && height <= 0x1p20F) && height != 0)
+            arePlain = false;
+        largest = height > largest ? height : largest;
+    }
+    bool allowSumsOf(double count) const { return arePlain && largest * count < 0x1p26; }
+
+private:
+    bool arePlain = true;
+    float largest = 0;
+};
+
 /// The ring numbers of the shape's pixels; see findRings().
 class Rings {
 public:
-    explicit Rings(const Shape &shape) : numbers(Scratch<int>::zeroed(shape.wordCount())) {
+    explicit Rings(const Shape &shape) : block(shape.block()), numbers(Scratch<int>::zeroed(shape.wordCount())) {
         if (!numbers)
             return;
         // A block that starts inside a row ends inside the row behind the rectangle, which need not exist: it is read
         // only if a search would have come there.
-        LinearBlock block = shape.block();
         block.count -= shape.left > 0 ? shape.left : 0;
         if (block.count < 1)
             block.count = shape.wordCount();
         findRings(block, numbers.data());
-        if (block.count < shape.wordCount() && searchesReach(shape, block.count))
-            findRings(shape.block(), numbers.data());
+        if (block.count < shape.wordCount() && searchesReach(shape, block.count)) {
+            block = shape.block();
+            findRings(block, numbers.data());
+        }
         found = largestOf(shape) <= shape.wordCount();
     }
 
     /// False if there is no memory, or no black word from which a ring could be counted.
     explicit operator bool() const { return numbers && found; }
     int operator[](Distance index) const { return numbers[index]; }
+    /// The words that any search comes to.
+    const LinearBlock &searched() const { return block; }
 
     int largestOf(const Shape &shape) const {
         int largest = 0;
@@ -94,6 +115,7 @@ private:
         return reached;
     }
 
+    LinearBlock block;
     Scratch<int> numbers;
     bool found = false;
 };
@@ -108,7 +130,7 @@ float roundedHeight(int distanceSquare, int half) {
 
 /// Sets the height of every pixel of the shape to `heightOf(squared ring number)`. False if rings cannot be counted.
 template <class HeightOf>
-bool raiseByRings(const Shape &shape, const HeightPlane &heights, HeightOf heightOf) {
+bool raiseByRings(const Shape &shape, const HeightPlane &heights, PlainHeights &plain, HeightOf heightOf) {
     const Rings rings(shape);
     if (!rings)
         return false;
@@ -117,75 +139,139 @@ bool raiseByRings(const Shape &shape, const HeightPlane &heights, HeightOf heigh
     if (!heightOfRing)
         return false;
     for (int ring = 1; ring <= largest; ++ring)
-        heightOfRing[ring] = heightOf(wrapMultiply(ring, ring));
+        plain.take(heightOfRing[ring] = heightOf(wrapMultiply(ring, ring)));
     shape.forEachPixel([&](Distance index) { heights[index] = heightOfRing[rings[index]]; });
     return true;
 }
 
+/// roundedHeight(), in double where that is known to come out the same.
+float quickRoundedHeight(int distanceSquare, int half) {
+    if (half < 1 || distanceSquare < 1 || distanceSquare >= wrapMultiply(half, half))
+        return roundedHeight(distanceSquare, half);
+    const double distance = std::sqrt(static_cast<double>(distanceSquare));
+    const Doubled height(std::sqrt((2.0 * half - distance) * distance));
+    return height.isSettled() ? height.nearest() : roundedHeight(distanceSquare, half);
+}
+
 /// Sets the height of every pixel of the shape by the true distance on the first ring that is not empty. A limit that a
 /// search can report ends it at the first ring; above, the ring is known beforehand. False if rings cannot be counted.
-bool raiseByLimitedSearch(const Shape &shape, const HeightPlane &heights, int half, int limit) {
-    const auto raise = [&](Distance index, int ring) {
-        int distanceSquare;
-        FindNearBlackDistanceSquare(shape.words, static_cast<int>(shape.wordCount()), static_cast<int>(index),
-                                    static_cast<int>(shape.pitch), ring, &distanceSquare, limit);
-        heights[index] = roundedHeight(distanceSquare, half);
-    };
+bool raiseByLimitedSearch(const Shape &shape, const HeightPlane &heights, PlainHeights &plain, int half, int limit) {
     if (limit < noDistance) {
-        shape.forEachPixel([&](Distance index) { raise(index, 1); });
+        const auto heightOf = [=](int best) { return roundedHeight(smaller(best, limit), half); };
+        const float beside = heightOf(1);
+        const float acrossCorner = heightOf(2);
+        const float inside = heightOf(noDistance);
+        for (const float height : {beside, acrossCorner, inside})
+            plain.take(height);
+        const LinearBlock block = shape.block();
+        shape.forEachPixel([&](Distance index) {
+            const auto anyBlack = [&](Distance first, Distance second) {
+                return block.isBlack(index - first) || block.isBlack(index + first) || block.isBlack(index - second) ||
+                       block.isBlack(index + second);
+            };
+            heights[index] = anyBlack(1, block.pitch)                     ? beside
+                             : anyBlack(block.pitch - 1, block.pitch + 1) ? acrossCorner
+                                                                          : inside;
+        });
         return true;
     }
     const Rings rings(shape);
     if (!rings)
         return false;
-    shape.forEachPixel([&](Distance index) { raise(index, rings[index]); });
+    const auto raise = [&](Distance index, int distanceSquare) {
+        plain.take(heights[index] = quickRoundedHeight(distanceSquare, half));
+    };
+    const NearestOnRings nearest(rings.searched());
+    if (nearest) {
+        shape.forEachPixel([&](Distance index) { raise(index, nearest.squaredDistance(index, rings[index])); });
+        return true;
+    }
+    shape.forEachPixel([&](Distance index) {
+        int distanceSquare;
+        FindNearBlackDistanceSquare(shape.words, static_cast<int>(shape.wordCount()), static_cast<int>(index),
+                                    static_cast<int>(shape.pitch), rings[index], &distanceSquare, limit);
+        raise(index, distanceSquare);
+    });
     return true;
 }
 
+/// The sum times a factor as full width rounds it to a float, for a sum that is exact.
+float scaledSum(Wide sum, Wide factor) {
+    return static_cast<float>(sum * factor);
+}
+float scaledSum(double sum, double factor) {
+    const Doubled product(sum * factor);
+    return product.isSettled() ? product.nearest() : scaledSum(static_cast<Wide>(sum), static_cast<Wide>(factor));
+}
+
 /// Replaces each height of the shape by the mean over the 5 by 5 square around it, wherever that lies in the block.
-/// Always succeeds.
-bool smoothBlock(const Shape &shape, const HeightPlane &heights, const HeightPlane &smoothed) {
+/// Where sums are exact in double, those of columns serve neighbours as well. Always succeeds.
+bool smoothBlock(const Shape &shape, const HeightPlane &heights, const PlainHeights &plain,
+                 const HeightPlane &smoothed) {
+    constexpr int reach = 2;
     const Distance count = shape.wordCount();
+    const Scratch<double> columns(shape.width + 2 * reach);
+    if (columns && plain.allowSumsOf(25)) {
+        for (Distance y = 0; y < shape.height; ++y) {
+            double *const sums = columns.data() + reach;
+            for (int x = -reach; x < shape.width + reach; ++x)
+                sums[x] = 0;
+            for (Distance dy = -reach; dy <= reach; ++dy) {
+                const Distance row = (y + dy) * shape.pitch;
+                const Distance begin = row < reach ? -row : -reach;
+                const Distance end = count - row < shape.width + reach ? count - row : shape.width + reach;
+                for (Distance x = begin; x < end; ++x)
+                    sums[x] += heights[row + x];
+            }
+            const Distance row = y * shape.pitch;
+            for (Distance x = 0; x < shape.width; ++x)
+                if (shape.words[row + x] != 0)
+                    smoothed[row + x] =
+                        scaledSum(sums[x - 2] + sums[x - 1] + sums[x] + sums[x + 1] + sums[x + 2], 0.04);
+        }
+        return true;
+    }
     shape.forEachPixel([&](Distance index) {
         Wide sum = 0;
-        for (Distance dy = -2; dy <= 2; ++dy)
-            for (Distance dx = -2; dx <= 2; ++dx) {
+        for (Distance dy = -reach; dy <= reach; ++dy)
+            for (Distance dx = -reach; dx <= reach; ++dx) {
                 const Distance neighbour = index + dy * shape.pitch + dx;
                 if (neighbour >= 0 && neighbour < count)
                     sum += heights[neighbour];
             }
-        smoothed[index] = static_cast<float>(sum * 0.04);
+        smoothed[index] = scaledSum(sum, static_cast<Wide>(0.04));
     });
     return true;
 }
 
 /// The same over a square of 2 `reach` + 1 on a side, with running sums, which are exact: heights are floats of 1 and
-/// above or halves, and sums of as many as a surface holds fit the wide format's mantissa.
+/// above or halves, and sums of as many as a surface holds fit the wide format's mantissa. False without memory.
+template <class Sum>
 bool smoothSource(const Shape &shape, const HeightPlane &heights, const HeightPlane &smoothed, int reach) {
-    if (reach < 0)
-        return true; // a square without pixels
     const Distance count = shape.wordCount();
     const Distance rowSumCount = count + 2 * static_cast<Distance>(reach);
-    const Scratch<Wide> rowSums(rowSumCount);
-    const auto columnSums = Scratch<Wide>::zeroed(shape.pitch);
+    const Scratch<Sum> rowSums(rowSumCount);
+    const auto columnSums = Scratch<Sum>::zeroed(shape.pitch);
     if (!rowSums || !columnSums)
         return false;
     const int side = wrapAdd(wrapMultiply(2, reach), 1);
     const auto scale = static_cast<float>(static_cast<Wide>(1) / wrapMultiply(side, side));
 
-    const auto heightAt = [&](Distance index) -> Wide { return index >= 0 && index < count ? heights[index] : 0; };
-    Wide running = 0;
+    const auto heightAt = [&](Distance index) -> Sum { return index >= 0 && index < count ? heights[index] : 0; };
+    Sum running = 0;
     for (Distance i = 0; i < rowSumCount; ++i) { // the sum around index i - reach
         running += heightAt(i);
         rowSums[i] = running;
         running -= heightAt(i - 2 * static_cast<Distance>(reach));
     }
-    const auto addRow = [&](Distance y, Wide sign) {
-        for (Distance x = 0; x < shape.pitch; ++x) {
-            const Distance i = y * shape.pitch + x + reach;
-            if (i >= 0 && i < rowSumCount)
-                columnSums[x] += sign * rowSums[i];
-        }
+    const auto addRow = [&](Distance y, Sum sign) {
+        const Distance first = y * shape.pitch + reach;
+        const Distance begin = first < 0 ? -first : 0;
+        const Distance end = rowSumCount - first < shape.pitch ? rowSumCount - first : shape.pitch;
+        Sum *const sums = columnSums.data();
+        const Sum *const all = rowSums.data();
+        for (Distance x = begin; x < end; ++x)
+            sums[x] += sign * all[first + x];
     };
     // Rows above the block reach into it with their windows as well.
     for (Distance y = -static_cast<Distance>(reach); y < reach; ++y)
@@ -194,10 +280,19 @@ bool smoothSource(const Shape &shape, const HeightPlane &heights, const HeightPl
         addRow(y + reach, 1);
         for (Distance x = 0; x < shape.width; ++x)
             if (shape.words[y * shape.pitch + x] != 0)
-                smoothed[y * shape.pitch + x] = static_cast<float>(columnSums[x] * scale);
+                smoothed[y * shape.pitch + x] = scaledSum(columnSums[x], static_cast<Sum>(scale));
         addRow(y - reach, -1);
     }
     return true;
+}
+
+bool smoothSource(const Shape &shape, const HeightPlane &heights, const PlainHeights &plain,
+                  const HeightPlane &smoothed, int reach) {
+    if (reach < 0)
+        return true; // a square without pixels
+    const double side = 2.0 * reach + 1;
+    return plain.allowSumsOf(side * side) ? smoothSource<double>(shape, heights, smoothed, reach)
+                                          : smoothSource<Wide>(shape, heights, smoothed, reach);
 }
 
 /// A point of the relief, and the light that falls there.
@@ -258,6 +353,41 @@ struct Light {
     }
 };
 
+/// The same light in double.
+class DoubledLight {
+public:
+    explicit DoubledLight(const Light &light)
+        : direction(light.direction), half(light.half), brightness(static_cast<double>(light.brightness)) {}
+
+    /// Returns 0 if it is clear what full width truncates to. Products of floats are exact; what sums and powers lose,
+    /// and full width with them, is far below the doubt.
+    int find(float x, float y, float z, int &diffuse, int &specular) const {
+        constexpr double doubt = 0x1p-32;
+        const auto dot = [=](const _POINT3DFLOAT &to) {
+            return static_cast<double>(to.z) * z + static_cast<double>(to.y) * y + static_cast<double>(to.x) * x;
+        };
+        const double fallen = 256 * dot(direction);
+        double shine = dot(half);
+        shine = 0.5 * (shine + std::fabs(shine)); // 0 instead of what is negative
+        shine *= shine;
+        shine *= shine;
+        shine *= shine;
+        shine *= shine;
+        shine *= shine;
+        shine *= brightness;
+        const int least = static_cast<int>(fallen - doubt);
+        const int leastShine = static_cast<int>(shine - doubt);
+        diffuse = least > 0 ? least : 0;
+        specular = leastShine;
+        return (least ^ static_cast<int>(fallen + doubt)) | (leastShine ^ static_cast<int>(shine + doubt));
+    }
+
+private:
+    _POINT3DFLOAT direction;
+    _POINT3DFLOAT half;
+    double brightness;
+};
+
 /// Overwrites the shape with `wordOf(x, y)`.
 template <class WordOf>
 void storeLight(const Shape &shape, WordOf wordOf) {
@@ -274,7 +404,10 @@ struct BlockForm {
     static Light light() { return {0.7F, 0.7F, -0.7F, 256}; }
 
     static q_ulong word(const Light &light, const _POINT3DFLOAT &normal) {
-        return static_cast<q_ulong>(light.specular(normal)) << 16 | static_cast<q_ulong>(light.diffuse(normal) + 100);
+        return word(normal.x, normal.y, light.specular(normal), light.diffuse(normal));
+    }
+    static q_ulong word(float, float, int specular, int diffuse) {
+        return static_cast<q_ulong>(specular) << 16 | static_cast<q_ulong>(diffuse + 100);
     }
 };
 
@@ -284,17 +417,149 @@ struct SourceForm {
     static Light light() { return {1, 1, -1, 512}; }
 
     static q_ulong word(const Light &light, const _POINT3DFLOAT &normal) {
-        int word = truncateToInt(64 * static_cast<Wide>(normal.x));
-        word = word << 8 | truncateToInt(64 * static_cast<Wide>(normal.y));
-        word = word << 8 | smaller(light.specular(normal), 255);
-        word = word << 8 | smaller(light.diffuse(normal) + 100, 255);
+        return word(normal.x, normal.y, light.specular(normal), light.diffuse(normal));
+    }
+    static q_ulong word(float normalX, float normalY, int specular, int diffuse) {
+        int word = truncateToInt(64 * normalX);
+        word = word << 8 | truncateToInt(64 * normalY);
+        word = word << 8 | smaller(specular, 255);
+        word = word << 8 | smaller(diffuse + 100, 255);
         return static_cast<q_ulong>(word);
     }
 };
 
-/// Turns the shape in a rectangle into light. `raise(shape, heights)` sets its heights and `smooth(shape, heights,
-/// smoothed)` takes their means; either may say that it could not, and the picture stays as it is.
-template <class Form, auto normalAt, class Raise, class Smooth>
+/// The light on a row, a stretch of pixels at a time, in floats and doubles. Where the doubles leave open what full
+/// width rounds or truncates to, and beside the shape, the word is not known.
+class QuickLight {
+public:
+    static constexpr int length = 32;
+
+    QuickLight(const HeightPlane &plane, Distance planePitch, int verticalScale)
+        : heights(plane), pitch(planePitch), heightScale(static_cast<float>(verticalScale)) {}
+
+    /// Whether scale and positions are floats, so that products and differences are exact but for their rounding.
+    static bool serves(const Shape &shape, int verticalScale) {
+        constexpr int limit = 1 << 24;
+        return verticalScale >= -limit && verticalScale <= limit && shape.width < limit && shape.height < limit;
+    }
+
+    struct Normals {
+        float x[length], y[length], z[length];
+        float doubt[length]; ///< 0 where they are known
+    };
+
+    /// Relief::edgeNormal() of the pixels from `index` on. Differences of floats, and their products with 1, are the
+    /// same rounded from any wider format.
+    void findEdgeNormals(Distance index, int count, Normals &normals) const {
+        const float *const row = &heights[index];
+        const float *const above = row - pitch;
+        const float *const below = row + pitch;
+        for (int i = 0; i < count; ++i) {
+            const float up = heightScale * above[i];
+            const float left = heightScale * row[i - 1];
+            const float centre = heightScale * row[i];
+            const float right = heightScale * row[i + 1];
+            const float down = heightScale * below[i];
+            setMean(normals, i, {(up - left) - (up - centre), -(up - centre)},
+                    {(down - centre) - (down - right), down - centre}, 1);
+        }
+    }
+
+    /// Relief::diagonalNormal() of them.
+    void findDiagonalNormals(Distance index, int count, Normals &normals) const {
+        const float *const above = &heights[index] - pitch;
+        const float *const below = &heights[index] + pitch;
+        for (int i = 0; i < count; ++i) {
+            const float upperLeft = heightScale * above[i - 1];
+            const float upperRight = heightScale * above[i + 1];
+            const float lowerLeft = heightScale * below[i - 1];
+            const float lowerRight = heightScale * below[i + 1];
+            setMean(normals, i, {-2 * (upperLeft - upperRight), -2 * (upperLeft - lowerLeft)},
+                    {2 * ((upperRight - lowerLeft) - (upperRight - lowerRight)), -2 * (upperRight - lowerRight)}, 4);
+        }
+    }
+
+private:
+    /// A normal's x and y, its z being that of all.
+    struct Slope {
+        float x, y;
+    };
+
+    static void setMean(Normals &normals, int i, Slope a, Slope b, double depth) {
+        const auto lengthOf = [depth](Slope slope) {
+            const double x = slope.x;
+            const double y = slope.y;
+            return std::sqrt(depth * depth + y * y + x * x);
+        };
+        const double aFactor = 1 / lengthOf(a);
+        const double bFactor = 1 / lengthOf(b);
+        const Doubled ax(a.x * aFactor), ay(a.y * aFactor), az(-depth * aFactor);
+        const Doubled bx(b.x * bFactor), by(b.y * bFactor), bz(-depth * bFactor);
+        normals.x[i] = (ax.nearest() + bx.nearest()) * 0.5F;
+        normals.y[i] = (ay.nearest() + by.nearest()) * 0.5F;
+        normals.z[i] = (az.nearest() + bz.nearest()) * 0.5F;
+        normals.doubt[i] = ax.doubt() + ay.doubt() + az.doubt() + bx.doubt() + by.doubt() + bz.doubt();
+    }
+
+    const HeightPlane &heights;
+    Distance pitch;
+    float heightScale;
+};
+
+/// How a relief's normals are found: at full width, and quickly.
+struct EdgeNormals {
+    static _POINT3DFLOAT at(const Relief &relief, Distance x, Distance y) { return relief.edgeNormal(x, y); }
+    static void find(const QuickLight &light, Distance index, int count, QuickLight::Normals &normals) {
+        light.findEdgeNormals(index, count, normals);
+    }
+};
+struct DiagonalNormals {
+    static _POINT3DFLOAT at(const Relief &relief, Distance x, Distance y) { return relief.diagonalNormal(x, y); }
+    static void find(const QuickLight &light, Distance index, int count, QuickLight::Normals &normals) {
+        light.findDiagonalNormals(index, count, normals);
+    }
+};
+
+/// storeLight() a stretch at a time. Words that stay open are found at full width; that of a flat spot, once.
+template <class Form, class NormalsAre>
+void storeLightQuickly(const Shape &shape, const HeightPlane &heights, int heightScale, const Relief &relief,
+                       const Light &light) {
+    constexpr int length = QuickLight::length;
+    const QuickLight quick(heights, shape.pitch, heightScale);
+    const q_ulong flat = Form::word(light, {0, 0, -1, 0});
+    QuickLight::Normals normals;
+    int diffuse[length];
+    int specular[length];
+    int open[length];
+    const DoubledLight lit(light);
+    for (Distance y = 0; y < shape.height; ++y)
+        for (int start = 0; start < shape.width; start += length) {
+            const int count = smaller(shape.width - start, length);
+            q_ulong *const words = shape.words + y * shape.pitch + start;
+            bool anyShape = false;
+            for (int i = 0; i < count; ++i)
+                anyShape |= words[i] != 0;
+            if (!anyShape)
+                continue;
+            NormalsAre::find(quick, y * shape.pitch + start, count, normals);
+            for (int i = 0; i < count; ++i)
+                open[i] = lit.find(normals.x[i], normals.y[i], normals.z[i], diffuse[i], specular[i]);
+            for (int i = 0; i < count; ++i) {
+                if (words[i] == 0)
+                    continue;
+                if (normals.x[i] == 0 && normals.y[i] == 0 && normals.z[i] == -1 && normals.doubt[i] == 0)
+                    words[i] = flat;
+                else if (open[i] == 0 && normals.doubt[i] == 0)
+                    words[i] = Form::word(normals.x[i], normals.y[i], specular[i], diffuse[i]);
+                else
+                    words[i] = Form::word(light, NormalsAre::at(relief, start + i, y));
+            }
+        }
+}
+
+/// Turns the shape in a rectangle into light. `raise(shape, heights, plain)` sets its heights and `smooth(shape,
+/// heights, plain, smoothed)` takes their means; either may say that it could not, and the picture stays as it is.
+template <class Form, class NormalsAre, class Raise, class Smooth>
 void convert(q_ulong *surface, const tagRECT &rect, int pitch, int heightScale, Raise raise, Smooth smooth) {
     const Shape shape(surface, rect, pitch);
     if (shape.empty())
@@ -304,11 +569,15 @@ void convert(q_ulong *surface, const tagRECT &rect, int pitch, int heightScale, 
     if (!heights || !smoothed)
         return;
     atFullWidth([&] {
-        if (!raise(shape, heights) || !smooth(shape, heights, smoothed))
+        PlainHeights plain;
+        if (!raise(shape, heights, plain) || !smooth(shape, heights, plain, smoothed))
             return;
         const Relief relief(shape, smoothed, heightScale);
         const Light light = Form::light();
-        storeLight(shape, [&](Distance x, Distance y) { return Form::word(light, (relief.*normalAt)(x, y)); });
+        if (plain.allowSumsOf(1) && QuickLight::serves(shape, heightScale))
+            storeLightQuickly<Form, NormalsAre>(shape, smoothed, heightScale, relief, light);
+        else
+            storeLight(shape, [&](Distance x, Distance y) { return Form::word(light, NormalsAre::at(relief, x, y)); });
     });
 }
 
@@ -334,20 +603,20 @@ float profileHeight(int distanceSquare, int profile, int half) {
 void ConvertBlock2LightInfom(q_ulong *surface, tagRECT *rect, int pitch, int heightScale, int bevelSize, int,
                              int limit) {
     const int half = bevelSize >> 1;
-    convert<BlockForm, &Relief::edgeNormal>(
+    convert<BlockForm, EdgeNormals>(
         surface, *rect, pitch, heightScale,
-        [=](const Shape &shape, const HeightPlane &heights) {
-            return raiseByLimitedSearch(shape, heights, half, limit);
+        [=](const Shape &shape, const HeightPlane &heights, PlainHeights &plain) {
+            return raiseByLimitedSearch(shape, heights, plain, half, limit);
         },
         smoothBlock);
 }
 
 void ConvertBlock2LightInfom(q_ulong *surface, tagRECT *rect, int pitch, int heightScale, int bevelSize, int) {
     const int half = bevelSize >> 1;
-    convert<BlockForm, &Relief::diagonalNormal>(
+    convert<BlockForm, DiagonalNormals>(
         surface, *rect, pitch, heightScale,
-        [=](const Shape &shape, const HeightPlane &heights) {
-            return raiseByRings(shape, heights, [half](int square) { return roundedHeight(square, half); });
+        [=](const Shape &shape, const HeightPlane &heights, PlainHeights &plain) {
+            return raiseByRings(shape, heights, plain, [half](int square) { return roundedHeight(square, half); });
         },
         smoothBlock);
 }
@@ -355,12 +624,12 @@ void ConvertBlock2LightInfom(q_ulong *surface, tagRECT *rect, int pitch, int hei
 void ConvertSrc2LightInfom(q_ulong *surface, tagRECT *rect, int pitch, int heightScale, int bevelSize, int profile) {
     const int half = bevelSize >> 1;
     const int reach = bevelSize / 8;
-    convert<SourceForm, &Relief::edgeNormal>(
+    convert<SourceForm, EdgeNormals>(
         surface, *rect, pitch, heightScale,
-        [=](const Shape &shape, const HeightPlane &heights) {
-            return raiseByRings(shape, heights, [=](int square) { return profileHeight(square, profile, half); });
+        [=](const Shape &shape, const HeightPlane &heights, PlainHeights &plain) {
+            return raiseByRings(shape, heights, plain,
+                                [=](int square) { return profileHeight(square, profile, half); });
         },
-        [reach](const Shape &shape, const HeightPlane &heights, const HeightPlane &smoothed) {
-            return smoothSource(shape, heights, smoothed, reach);
-        });
+        [reach](const Shape &shape, const HeightPlane &heights, const PlainHeights &plain,
+                const HeightPlane &smoothed) { return smoothSource(shape, heights, plain, smoothed, reach); });
 }

@@ -5,16 +5,51 @@ namespace {
 
 using namespace qmur;
 
+/// As many elements as are compared at once, with a border that none of them may be.
+template <class Element>
+constexpr int comparedAtOnce = 64 / sizeof(Element);
+
+template <class Element>
+bool isOpen(const Element *first, Element border) {
+    Element found = 0;
+    for (int i = 0; i < comparedAtOnce<Element>; ++i)
+        found |= static_cast<Element>(first[i] == border);
+    return found == 0;
+}
+
+/// How far spans go element by element; most of those that end soon have ended by then.
+constexpr int fewColumns = 16;
+
+/// The rest of spanBegin() and spanEnd() for spans that go on.
+template <class Element>
+[[gnu::noinline]] int farBegin(const Element *row, int x, Element border, int limit) {
+    while (x - static_cast<long long>(limit) >= comparedAtOnce<Element> &&
+           isOpen(row + (x - comparedAtOnce<Element> + 1), border))
+        x -= comparedAtOnce<Element>;
+    while (x >= limit && row[x] != border)
+        --x;
+    return x + 1;
+}
+template <class Element>
+[[gnu::noinline]] int farEnd(const Element *row, int x, Element border, int limit) {
+    while (static_cast<long long>(limit) - x >= comparedAtOnce<Element> && isOpen(row + x, border))
+        x += comparedAtOnce<Element>;
+    while (x < limit && row[x] != border)
+        ++x;
+    return x;
+}
+
 /// The first column of the span that reaches `x` from the left; behind `x` if the span's row has the boundary there.
 template <class Element>
 int spanBegin(const Element *row, int x, Element border, int limit) {
     if (row[x] == border)
         return x + 1;
+    const int nearLimit = larger(limit, wrapSubtract(x, fewColumns));
     // Meant: where `x` lies beyond the limit already, the first step is taken all the same.
     do
         --x;
-    while (x >= limit && row[x] != border);
-    return x + 1;
+    while (x >= nearLimit && row[x] != border);
+    return x < limit || x >= nearLimit ? x + 1 : farBegin(row, x, border, limit);
 }
 
 /// The column behind the span that reaches `x` from the right; `x` itself if the row has the boundary there.
@@ -22,10 +57,11 @@ template <class Element>
 int spanEnd(const Element *row, int x, Element border, int limit) {
     if (row[x] == border)
         return x;
+    const int nearLimit = smaller(limit, wrapAdd(x, fewColumns));
     do
         ++x;
-    while (x < limit && row[x] != border);
-    return x;
+    while (x < nearLimit && row[x] != border);
+    return x >= limit || x < nearLimit ? x : farEnd(row, x, border, limit);
 }
 
 template <class Element>

@@ -65,11 +65,11 @@ TYPED_TEST(LanesAbreast, upper_halves_of_products) {
     forEachSeed([](test::Random &random) {
         const Sample<Words> a(random);
         const Sample<Words> b(random);
-        ASSERT_EQ(stored(upperProduct(a.lanes, b.lanes)), naive<std::uint16_t>(std::size(a.numbers), [&](int i) {
+        ASSERT_EQ(stored(highProduct(a.lanes, b.lanes)), naive<std::uint16_t>(std::size(a.numbers), [&](int i) {
                       return static_cast<unsigned long long>(a.numbers[i]) * b.numbers[i] / 65536;
                   }));
         const auto floored = [](long long number) { return (number - (number % 65536 + 65536) % 65536) / 65536; };
-        ASSERT_EQ(stored(upperSignedProduct(a.lanes, b.lanes)), naive<std::uint16_t>(std::size(a.numbers), [&](int i) {
+        ASSERT_EQ(stored(highSignedProduct(a.lanes, b.lanes)), naive<std::uint16_t>(std::size(a.numbers), [&](int i) {
                       return floored(asSigned(a.numbers[i]) * asSigned(b.numbers[i]));
                   }));
     });

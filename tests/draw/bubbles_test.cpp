@@ -1,3 +1,4 @@
+#include "plain/bubbles.h"
 #include "support/pictures.h"
 
 #include <algorithm>
@@ -254,6 +255,53 @@ TEST(DrawReal3DBall, the_whole_resource_lies_over_the_whole_ball) {
     // x and y from -4 to 3: a row of distance 4 has one pixel, one of 3 reaches 2 to either side.
     EXPECT_EQ(rowsOf(dst, letters),
               (Rows{"....C...", "..BBCCD.", ".EFFGGHH", ".EFFGGHH", "IIJJKKLL", ".IJJKKLL", ".MNNOOPP", "..NNOOP."}));
+}
+
+// Both against naive computations
+
+TEST(MakeBubbleResource, resources_of_every_size_agree_with_a_naive_one_in_every_bit) {
+    using Make = void (*)(q_ulong *, int, int, int, int, int);
+    const auto check = [](Make make, Make makePlainly) {
+        for (int size = 2; size < 300; size += size < 40 ? 1 : 13)
+            for (const int secondHighlight : {0, 1}) {
+                Surface resource(size + 3, size + 2, 0x12345678);
+                Surface expected = resource;
+                make(resource.pixels(), resource.pitch(), 2, 1, size, secondHighlight);
+                makePlainly(expected.pixels(), expected.pitch(), 2, 1, size, secondHighlight);
+                ASSERT_EQ(resource.differenceFrom(expected), "") << size;
+            }
+    };
+    check(MakeBubbleResource, plain::MakeBubbleResource);
+    check(MakeBubbleResource2, plain::MakeBubbleResource2);
+}
+
+TEST(DrawRealBubble, bubbles_of_every_size_agree_with_a_naive_one_over_the_edges_too) {
+    PrepareSinTable();
+    test::Random random(41);
+    for (int size = 1; size <= 180; ++size) {
+        const int width = random.between(1, 150);
+        const int height = random.between(1, 120);
+        const int resourceSize = random.between(1, 60);
+        Surface surface = Surface::randomOfSize(random, width, height);
+        std::vector<q_ulong> resource(static_cast<std::size_t>(surface.pitch() + 60) * 61);
+        for (q_ulong &word : resource)
+            word = random.word();
+        const q_ulong color = random.word();
+        const int cx = random.between(-40, width + 40);
+        const int cy = random.between(-40, height + 40);
+        const auto check = [&](auto draw, auto drawPlainly) {
+            Surface drawn = surface;
+            Surface expected = surface;
+            std::vector<q_ulong> scratch(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+            draw(drawn.pixels(), scratch.data(), drawn.pitch(), cx, cy, size, resource.data(), resourceSize, color,
+                 width, height);
+            drawPlainly(expected.pixels(), scratch.data(), expected.pitch(), cx, cy, size, resource.data(),
+                        resourceSize, color, width, height);
+            ASSERT_EQ(drawn.differenceFrom(expected), "") << size;
+        };
+        check(DrawRealBubble, plain::DrawRealBubble);
+        check(DrawRealBubbleOld, plain::DrawRealBubbleOld);
+    }
 }
 
 } // namespace

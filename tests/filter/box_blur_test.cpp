@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 namespace {
 
 using test::another;
@@ -159,6 +162,99 @@ TEST(Hor_Blur, lines_without_pixels_still_get_their_first_edge) {
                                                          : blur.blurred(before, src, blurSize, length, 3);
                 ASSERT_EQ(result.differenceFrom(expected), "") << blur.name << ", size " << blurSize;
             }
+}
+
+TEST(Hor_Blur, means_of_every_sum_of_every_window) {
+    // Each value as often as the window is wide: from one pixel to the next a sum grows by 1, from 0 to 255 each.
+    for (int count = 1; count <= 256; ++count) {
+        const int length = count * 256;
+        const int blurSize = count - 1;
+        // Four lines and more, so that they can be taken together; the last of them are the same upside down.
+        constexpr int lines = 17;
+        Surface src(length, lines);
+        for (int y = 0; y < lines; ++y)
+            for (int x = 0; x < length; ++x) {
+                const q_ulong value = static_cast<q_ulong>((y < 8 ? x : length - 1 - x) / count);
+                src.at(x, y) = value * 0x10101 | (255 - value) << 24;
+            }
+        Surface dst(length, lines);
+        Hor_Blur32(dst.pixels(), src.pixels(), blurSize, length, lines, src.pitch());
+        const q_ulong reciprocal = 65536 / static_cast<q_ulong>(count);
+        for (const int y : {0, 7, 15, 16})
+            for (int x = blurSize / 2; x < length - (blurSize + 1) / 2; ++x) {
+                const int first = x - blurSize / 2;
+                const q_ulong sum = static_cast<q_ulong>(y < 8 ? first : length - count - first);
+                const q_ulong mean = sum * reciprocal >> 16;
+                const q_ulong rest = 255 * static_cast<q_ulong>(count) - sum;
+                ASSERT_EQ(dst.at(x, y), mean * 0x10101 | (rest * reciprocal >> 16) << 24) << count << ' ' << sum;
+            }
+    }
+}
+
+TEST(Blur_Rect, means_of_every_sum_of_every_window) {
+    // The sizes that Hor_Blur32() has not been asked for, and some that it has.
+    for (const int radius : {1, 2, 15, 127, 128}) {
+        const int count = 2 * radius + 1;
+        const int length = count * 256;
+        // All rows are the same: along the columns each sum is its mean times the rows that there are.
+        const int lines = 2 * radius;
+        const auto value = [count](int x) { return static_cast<q_ulong>(x / count); };
+        std::vector<q_ulong> pixels(static_cast<std::size_t>(length) * static_cast<std::size_t>(lines));
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            pixels[i] = value(static_cast<int>(i % static_cast<std::size_t>(length))) * 0x10101;
+        tagRECT rect = {0, 0, length, lines};
+        Blur_Rect(pixels.data(), &rect, length, radius);
+        for (const int y : {0, radius, lines - 1})
+            for (int x = radius; x < length - radius; ++x) {
+                const q_ulong sum = static_cast<q_ulong>(x - radius);
+                const q_ulong mean = sum * (65536 / static_cast<q_ulong>(count)) >> 16;
+                ASSERT_EQ(pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(length) +
+                                 static_cast<std::size_t>(x)],
+                          mean * 0x10101)
+                    << radius << ' ' << sum;
+            }
+    }
+}
+
+TEST(Blur_Rect, true_means_of_every_sum_at_the_edges) {
+    // Under a window of `radius` + 1 to 2 `radius` pixels, which is all that a picture twice the radius wide has.
+    for (int radius = 1; radius <= 128; ++radius) {
+        const int width = 2 * radius;
+        constexpr int lines = 256;
+        for (int start = 0; start < 2; ++start) {
+            Surface surface(width, lines);
+            for (int y = 0; y < lines; ++y)
+                for (int x = 0; x < width; ++x)
+                    surface.at(x, y) = static_cast<q_ulong>((x + start) % 2 == 0 ? y : (y * 7 + x) % 256) * 0x10101;
+            Surface expected = surface;
+            tagRECT rect = surface.rect();
+            plain::Blur_Rect(expected.pixels(), &rect, expected.pitch(), radius);
+            Blur_Rect(surface.pixels(), &rect, surface.pitch(), radius);
+            ASSERT_EQ(surface.differenceFrom(expected), "") << "radius " << radius;
+        }
+    }
+}
+
+TEST(Blur_Rect, every_size_up_to_more_than_two_registers) {
+    test::Random random(75);
+    for (int width = 1; width <= 37; ++width)
+        for (int height = 1; height <= 37; ++height) {
+            const int radius = random.between(0, std::min(width, height) / 2);
+            Surface surface = Surface::randomOfSize(random, width, height);
+            Surface expected = surface;
+            tagRECT rect = surface.rect();
+            plain::Blur_Rect(expected.pixels(), &rect, expected.pitch(), radius);
+            Blur_Rect(surface.pixels(), &rect, surface.pitch(), radius);
+            ASSERT_EQ(surface.differenceFrom(expected), "") << width << ' ' << height << ' ' << radius;
+            for (const Variant &variant : {rows, columns, rows32, columns32}) {
+                const int blurSize = random.between(0, (variant.alongColumns ? height : width) - 1);
+                Surface dst = another(random, surface);
+                Surface wanted = dst;
+                variant.plainBlur(wanted.pixels(), surface.pixels(), blurSize, width, height, surface.pitch());
+                variant.blur(dst.pixels(), surface.pixels(), blurSize, width, height, surface.pitch());
+                ASSERT_EQ(dst.differenceFrom(wanted), "") << width << ' ' << height << ' ' << blurSize;
+            }
+        }
 }
 
 } // namespace

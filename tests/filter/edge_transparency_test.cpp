@@ -370,4 +370,34 @@ TEST(Edge_Transparency_Circle, a_band_of_0_draws_nothing) {
         EXPECT_EQ(whiteDisc(9, 9, 3, band).differenceFrom(blank(9, 9)), "");
 }
 
+TEST(Edge_Transparency_Circle, circles_of_every_size_agree_with_a_naive_mix_on_whichever_picture_they_are_drawn) {
+    test::Random random(57);
+    for (int number = 0; number < 3000; ++number) {
+        const int width = random.between(1, number % 10 == 0 ? 300 : 75);
+        const int height = random.between(1, 40);
+        // The top bytes of all pixels the same, or each its own.
+        const q_ulong mask = number % 3 == 0 ? 0xFFFFFFFF : 0xFFFFFF;
+        const q_ulong top = number % 3 == 1 ? 0xFF000000 : 0;
+        Surface pictures[3] = {Surface(width, height), Surface(width, height), Surface(width, height)};
+        for (Surface &picture : pictures)
+            for (int y = 0; y < height; ++y)
+                for (int x = 0; x < width; ++x)
+                    picture.at(x, y) = (random.word() & mask) | top;
+        const bool isFar = number % 20 == 0;
+        tagPOINT centre = {random.between(-60, width + 60), random.between(-60, height + 60)};
+        if (isFar)
+            centre.x = random.between(-17000, 17000);
+        const int radius = isFar ? random.between(0, 17000) : random.between(0, 120);
+        const int band = isFar ? random.between(1, 17000) : random.between(1, 90);
+        const int drawnOn = number % 4 == 0 ? 1 : number % 4 == 1 ? 2 : 0;
+        Surface expected[3] = {pictures[0], pictures[1], pictures[2]};
+        plain::Edge_Transparency_Circle(expected[drawnOn].pixels(), expected[1].pixels(), expected[2].pixels(), &centre,
+                                        radius, band, width, height, expected[0].pitch());
+        Edge_Transparency_Circle(pictures[drawnOn].pixels(), pictures[1].pixels(), pictures[2].pixels(), &centre,
+                                 radius, band, width, height, pictures[0].pitch());
+        for (int i = 0; i < 3; ++i)
+            ASSERT_EQ(pictures[i].differenceFrom(expected[i]), "") << number;
+    }
+}
+
 } // namespace

@@ -71,6 +71,31 @@ TEST(LightMaps, a_larger_shape_agrees_with_a_naive_map) {
     }
 }
 
+TEST(LightMaps, shapes_of_every_kind_agree_with_a_naive_map_in_every_bit) {
+    test::Random random(93);
+    for (int number = 0; number < 400; ++number) {
+        const Form form = forms[number % 3];
+        const int width = random.between(1, 60);
+        const int height = random.between(1, 40);
+        Surface surface(width, height);
+        const int seldom = random.between(2, 200);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                surface.at(x, y) = random.oneIn(seldom) ? 0 : random.word() | 1;
+        surface.at(random.between(0, width - 1), random.between(0, height - 1)) = 0;
+        Surface expected = surface;
+        Settings settings = {form, random.between(-8, 8), random.between(-10, 120), random.between(0, 2)};
+        if (number % 5 == 0)
+            settings.heightScale = random.between(-0x7FFFFFFF, 0x7FFFFFFF);
+        if (form == Form::blockWithLimit)
+            settings.limitOrProfile = random.oneIn(2) ? random.between(-3, 90) : random.between(999990, 1000010);
+        const tagRECT rect = surface.rect();
+        convertPlainly(expected.pixels(), rect, surface.pitch(), settings);
+        convert(surface.pixels(), rect, surface.pitch(), settings);
+        ASSERT_EQ(surface.differenceFrom(expected), "") << number;
+    }
+}
+
 TEST(LightMaps, a_rectangle_of_zeros_stays) {
     const tagRECT rect = {1, 2, 7, 8};
     const Surface before = painted(Surface(9, 9, 5), rect, 0);
