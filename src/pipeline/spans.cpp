@@ -52,7 +52,7 @@ Distance drawGroups(Distance begin, Distance end, Distance readable, const Runni
 }
 
 /// From how many pixels on a row is worth groups, where a group cannot leave out some of what it reads.
-constexpr int groupedFrom = 2 * sizeof(SpanPixels) / 4;
+constexpr int groupedFrom = 8;
 
 /// Calls `draw(index, lanes, shades)` for groups of pixels until every pixel of a band inside the clip was in one.
 template <int fractionBits, class Draw>
