@@ -129,7 +129,7 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
     constexpr bool testsDepth = mapping.depth != Depth::untested;
     constexpr bool walksLight = mapping.light == Light::interpolated;
 
-    const auto corner = [](int x, int y, int u, int v, int z, int add, int mul) -> Corner<WalkedColumn> {
+    const auto corner = [=](int x, int y, int u, int v, int z, int add, int mul) -> Corner<WalkedColumn> {
         return {y, {x, testsDepth ? z : 0, Numbers<4>::of(u, v, walksLight ? mul : 0, walksLight ? add : 0)}};
     };
     Scene scene = {.tex = tex,
