@@ -8,6 +8,7 @@
 #define Q_MUR_BASE_LANES_H
 
 #include "base/scalar_lanes.h"
+#include "q_Mur/types.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -362,16 +363,6 @@ constexpr bool sumsPairs = false;
 
 // For kernels that take lines of a picture side by side, in every width up to `widestBytes`.
 
-template <class Number, int count>
-Lanes<Number, count> eitherOf(Lanes<Number, count> a, Lanes<Number, count> b) {
-    return {a.vector | b.vector};
-}
-
-template <class Number, int count>
-Lanes<Number, count> raised(Lanes<Number, count> a, int bits) {
-    return {a.vector << static_cast<Number>(bits)};
-}
-
 namespace detail {
 
 /// Where in `a` and then `b` the lanes come from that are taken of either in turn, within each 16 bytes.
@@ -573,6 +564,151 @@ void storeSixteens(void *first, std::ptrdiff_t stride, Lanes<Number, count> a) {
     }
 }
 
+// Spans of pixels.
+
+namespace detail {
+
+template <int... lanes>
+Lanes<std::uint32_t, sizeof...(lanes)> indices(std::integer_sequence<int, lanes...>) {
+    return Lanes<std::uint32_t, sizeof...(lanes)>::of(lanes...);
+}
+
+template <int count>
+using SignedHalves __attribute__((vector_size(2 * count))) = short;
+template <int count>
+using SignedNumbers __attribute__((vector_size(4 * count))) = std::int32_t;
+
+} // namespace detail
+
+template <int count>
+Lanes<std::uint32_t, count> timesIndex(Lanes<std::uint32_t, count> a) {
+    return a * detail::indices(std::make_integer_sequence<int, count>());
+}
+
+template <int count>
+Lanes<std::uint32_t, count> cappedAt255(Lanes<std::uint32_t, count> a) {
+    const auto most = Lanes<std::uint32_t, count>::all(255);
+    return {a.vector > most.vector ? most.vector : a.vector};
+}
+
+inline unsigned lanesBelow(Lanes<std::uint32_t, 4> a, Lanes<std::uint32_t, 4> b) {
+    return static_cast<unsigned>(
+        _mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(detail::bits128(a), detail::bits128(b)))));
+}
+
+template <int count>
+void loadWhere(unsigned, const void *from, Lanes<std::uint32_t, count> &to) {
+    to = Lanes<std::uint32_t, count>::load(from);
+}
+
+template <int count>
+void loadSignedWhere(unsigned, const short *from, Lanes<std::uint32_t, count> &to) {
+    detail::SignedHalves<count> halves;
+    std::memcpy(&halves, from, sizeof(halves));
+    to = detail::lanesOf<std::uint32_t>(__builtin_convertvector(halves, detail::SignedNumbers<count>));
+}
+
+namespace detail {
+
+/// Writes a set of lanes, each as a `Number`.
+template <class Number, int count, class Vector>
+void storeWhere(unsigned lanes, Vector a, Number *to) {
+    constexpr unsigned all = (1U << count) - 1;
+    if (lanes == all) {
+        using Unaligned __attribute__((vector_size(sizeof(Vector)), aligned(1), may_alias)) = Number;
+        *reinterpret_cast<Unaligned *>(to) = reinterpret_cast<Unaligned>(a);
+        return;
+    }
+    Number numbers[count];
+    std::memcpy(numbers, &a, sizeof(a));
+    for (; lanes != 0; lanes &= lanes - 1) {
+        const int lane = __builtin_ctz(lanes);
+        to[lane] = numbers[lane];
+    }
+}
+
+} // namespace detail
+
+template <int count>
+void storeWhere(unsigned lanes, Lanes<std::uint32_t, count> a, q_ulong *to) {
+    detail::storeWhere<q_ulong, count>(lanes, a.vector, to);
+}
+
+template <int count>
+void storeLowWhere(unsigned lanes, Lanes<std::uint32_t, count> a, short *to) {
+    detail::storeWhere<short, count>(lanes, __builtin_convertvector(a.vector, detail::SignedHalves<count>), to);
+}
+
+#if defined(__AVX2__) && !defined(_WIN64)
+
+inline void loadWhere(unsigned, const void *from, Lanes<std::uint32_t, 8> &to) {
+    to = detail::lanesOf<std::uint32_t>(_mm256_loadu_si256(static_cast<const __m256i *>(from)));
+}
+
+inline unsigned lanesBelow(Lanes<std::uint32_t, 8> a, Lanes<std::uint32_t, 8> b) {
+    return static_cast<unsigned>(
+        _mm256_movemask_ps(_mm256_castsi256_ps(_mm256_cmpgt_epi32(detail::bits256(b), detail::bits256(a)))));
+}
+
+inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, double factor) {
+    const __m256d numbers = _mm256_cvtepi32_pd(detail::bits128(a));
+    const __m256d half = _mm256_or_pd(_mm256_and_pd(numbers, _mm256_set1_pd(-0.0)), _mm256_set1_pd(0.5));
+    __m256d products = _mm256_mul_pd(_mm256_add_pd(numbers, half), _mm256_set1_pd(factor));
+    asm("" : "+x"(products)); // a compiler that knows them would fold those beyond 32 bits its own way
+    return detail::lanesOf<std::uint32_t>(_mm256_cvttpd_epi32(products));
+}
+
+#else
+
+inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, double factor) {
+    const auto scaled = [factor](__m128i pair) {
+        const __m128d numbers = _mm_cvtepi32_pd(pair);
+        const __m128d half = _mm_or_pd(_mm_and_pd(numbers, _mm_set1_pd(-0.0)), _mm_set1_pd(0.5));
+        __m128d products = _mm_mul_pd(_mm_add_pd(numbers, half), _mm_set1_pd(factor));
+        asm("" : "+x"(products)); // a compiler that knows them would fold those beyond 32 bits its own way
+        return _mm_cvttpd_epi32(products);
+    };
+    return detail::lanesOf<std::uint32_t>(
+        _mm_unpacklo_epi64(scaled(detail::bits128(a)), scaled(detail::bits128(swappedHalves(a)))));
+}
+
+#endif
+
+#if defined(__AVX512BW__) && defined(__AVX512VL__) && !defined(_WIN64)
+
+inline unsigned lanesBelow(Lanes<std::uint32_t, 16> a, Lanes<std::uint32_t, 16> b) {
+    return _mm512_cmplt_epi32_mask(detail::bits512(a), detail::bits512(b));
+}
+
+inline void loadWhere(unsigned lanes, const void *from, Lanes<std::uint32_t, 16> &to) {
+    to = detail::lanesOf<std::uint32_t>(_mm512_maskz_loadu_epi32(static_cast<__mmask16>(lanes), from));
+}
+
+inline void loadSignedWhere(unsigned lanes, const short *from, Lanes<std::uint32_t, 16> &to) {
+    const auto halves =
+        reinterpret_cast<detail::SignedHalves<16>>(_mm256_maskz_loadu_epi16(static_cast<__mmask16>(lanes), from));
+    to = detail::lanesOf<std::uint32_t>(__builtin_convertvector(halves, detail::SignedNumbers<16>));
+}
+
+inline void storeWhere(unsigned lanes, Lanes<std::uint32_t, 16> a, q_ulong *to) {
+    _mm512_mask_storeu_epi32(to, static_cast<__mmask16>(lanes), detail::bits512(a));
+}
+
+inline void storeLowWhere(unsigned lanes, Lanes<std::uint32_t, 16> a, short *to) {
+    const auto low = __builtin_convertvector(a.vector, detail::SignedHalves<16>);
+    _mm256_mask_storeu_epi16(to, static_cast<__mmask16>(lanes), reinterpret_cast<__m256i>(low));
+}
+
+constexpr int spanLanes = 16;
+constexpr bool masksMemory = true;
+
+#else
+
+constexpr int spanLanes = registerBytes / 4;
+constexpr bool masksMemory = false;
+
+#endif
+
 } // namespace qmur::vector
 
 namespace qmur {
@@ -616,6 +752,14 @@ inline void willWrite(const void *memory) {
 /// As many pixels as the target takes at once.
 using Pixels = Numbers<registerBytes / 4>;
 using MostPixels = Numbers<widestBytes / 4>;
+
+/// As many pixels of a span as the target takes at once, some of which may be left out, and one pixel alone.
+using SpanPixels = Numbers<target::spanLanes>;
+using SinglePixel = scalar::Lanes<std::uint32_t, 1>;
+
+/// Whether loadWhere() and loadSignedWhere() read only the lanes that they are asked for.
+template <class Lanes>
+constexpr bool readsSomeLanes = sizeof(Lanes) == sizeof(SinglePixel) || target::masksMemory;
 
 } // namespace qmur
 

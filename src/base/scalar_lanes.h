@@ -297,18 +297,6 @@ constexpr bool sumsPairs = true;
 
 // For kernels that take lines of a picture side by side.
 
-/// Every bit that is set in either.
-template <class Number, int count>
-Lanes<Number, count> eitherOf(Lanes<Number, count> a, Lanes<Number, count> b) {
-    return Lanes<Number, count>::filled([&](int lane) { return a[lane] | b[lane]; });
-}
-
-/// Shifted to the left; what leaves a lane is lost.
-template <class Number, int count>
-Lanes<Number, count> raised(Lanes<Number, count> a, int bits) {
-    return Lanes<Number, count>::filled([&](int lane) { return static_cast<unsigned>(a[lane]) << bits; });
-}
-
 /// The same of signed numbers, rounded down.
 template <int count>
 Lanes<std::uint16_t, count> highSignedProduct(Lanes<std::uint16_t, count> a, Lanes<std::uint16_t, count> b) {
@@ -350,8 +338,70 @@ void storeSixteens(void *first, std::ptrdiff_t stride, Lanes<Number, count> a) {
                     reinterpret_cast<const char *>(&a) + block * 16, 16);
 }
 
-/// The bytes that kernels of this kind take at once at most.
-constexpr int widestBytes = 16;
+// Spans of pixels: groups of lanes of which a span may use some. Bit `lane` of a set of lanes stands for that lane.
+
+/// Each lane times its index.
+template <int count>
+Lanes<std::uint32_t, count> timesIndex(Lanes<std::uint32_t, count> a) {
+    return Lanes<std::uint32_t, count>::filled([&](int lane) { return a[lane] * static_cast<unsigned>(lane); });
+}
+
+/// The lanes where `a`, as a signed number, is below `b`.
+template <int count>
+unsigned lanesBelow(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> b) {
+    return negativeLanes(Lanes<std::uint32_t, count>::filled(
+        [&](int lane) { return static_cast<std::int32_t>(a[lane]) < static_cast<std::int32_t>(b[lane]) ? ~0U : 0U; }));
+}
+
+/// 255 where a lane is greater.
+template <int count>
+Lanes<std::uint32_t, count> cappedAt255(Lanes<std::uint32_t, count> a) {
+    return Lanes<std::uint32_t, count>::filled([&](int lane) { return a[lane] > 255 ? 255 : a[lane]; });
+}
+
+/// Numbers from memory in a set of lanes; what is in the other lanes is not said. Where readsSomeLanes is false, these
+/// are read as well.
+template <int count>
+void loadWhere(unsigned, const void *from, Lanes<std::uint32_t, count> &to) {
+    to = Lanes<std::uint32_t, count>::load(from);
+}
+
+/// The same from numbers of 16 bits, with their sign.
+template <int count>
+void loadSignedWhere(unsigned, const short *from, Lanes<std::uint32_t, count> &to) {
+    to = Lanes<std::uint32_t, count>::filled([from](int lane) { return from[lane]; });
+}
+
+/// Writes a set of lanes, and nothing to the places of the others.
+template <int count>
+void storeWhere(unsigned lanes, Lanes<std::uint32_t, count> a, void *to) {
+    for (int lane = 0; lane < count; ++lane)
+        if (lanes >> lane & 1)
+            std::memcpy(static_cast<char *>(to) + 4 * lane, &a.lanes[lane], 4);
+}
+
+/// The same with the low 16 bits of each lane.
+template <int count>
+void storeLowWhere(unsigned lanes, Lanes<std::uint32_t, count> a, short *to) {
+    for (int lane = 0; lane < count; ++lane)
+        if (lanes >> lane & 1)
+            to[lane] = static_cast<short>(a[lane]);
+}
+
+/// a * factor truncated toward zero, each signed lane moved away from 0 by a half before. What 32 bits cannot hold
+/// gives the least number.
+inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, double factor) {
+    return Lanes<std::uint32_t, 4>::filled([&](int lane) {
+        const auto number = static_cast<std::int32_t>(a[lane]);
+        const double product = (number + (number < 0 ? -0.5 : 0.5)) * factor;
+        return product > -2147483649.0 && product < 2147483648.0 ? static_cast<std::int32_t>(product)
+                                                                 : std::int32_t{-2147483647 - 1};
+    });
+}
+
+/// How many pixels of a span are taken at once.
+constexpr int spanLanes = 4;
+constexpr bool masksMemory = false;
 
 } // namespace qmur::scalar
 

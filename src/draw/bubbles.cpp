@@ -442,7 +442,7 @@ void refractAbreast(const Scene &scene, const StretchedResource<fraction> &resou
             const auto mixed = [&](int i) {
                 const Pixels word = Pixels::load(texelWords + i);
                 const Pixels background = Pixels::load(backgrounds + i);
-                const auto inPairs = [](Pixels number) { return eitherOf(number, raised(number, 16)); };
+                const auto inPairs = [](Pixels number) { return number | number << 16; };
                 const Pixels lights = inPairs(word & Pixels::all(0xFF));
                 const Pixels tints = inPairs(word >> 8 & Pixels::all(0xFF));
                 const Bytes tinted = narrowed(colorWords * as<std::uint16_t>(interleavedLow(lights, lights)) >> 7,
@@ -455,7 +455,7 @@ void refractAbreast(const Scene &scene, const StretchedResource<fraction> &resou
                     mean(widenedLow(behind), widenedLow(tinted), as<std::uint16_t>(interleavedLow(tints, tints))),
                     mean(widenedHigh(behind), widenedHigh(tinted), as<std::uint16_t>(interleavedHigh(tints, tints))));
                 const Pixels highlight = word >> 16 & Pixels::all(0xFF);
-                const Pixels highlights = eitherOf(inPairs(highlight), raised(highlight, 8));
+                const Pixels highlights = inPairs(highlight) | highlight << 8;
                 return as<std::uint32_t>(saturatingSum(glass, as<std::uint8_t>(highlights))) & Pixels::all(0xFFFFFF);
             };
             int i = 0;

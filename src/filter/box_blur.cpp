@@ -140,7 +140,7 @@ private:
     static Channels blueAndRedOf(Pixels pixels) { return as<std::uint16_t>(pixels & Pixels::all(redBlueMask)); }
     static Channels greenAndTopOf(Pixels pixels) { return as<std::uint16_t>(pixels) >> 8; }
     static Pixels pixelsOf(Channels means, Channels otherMeans) {
-        return as<std::uint32_t>(eitherOf(means, raised(otherMeans, 8))) & Pixels::all(Sums::kept);
+        return as<std::uint32_t>(means | otherMeans << 8) & Pixels::all(Sums::kept);
     }
 
     Channels blueAndRed = Channels::all(0);

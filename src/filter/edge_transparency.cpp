@@ -100,7 +100,7 @@ bool mixByRows(const Pictures &pictures, const Strip &strip, tagPOINT fixedPoint
 Numbers<widestBytes / 4> mixAbreast(Numbers<widestBytes / 4> low, Numbers<widestBytes / 4> high,
                                     Numbers<widestBytes / 4> t) {
     const auto mean = [](auto lowWords, auto highWords, auto weights) {
-        return lowWords + highSignedProduct(raised(highWords - lowWords, 4), as<std::uint16_t>(weights));
+        return lowWords + highSignedProduct((highWords - lowWords) << 4, as<std::uint16_t>(weights));
     };
     const auto lowChannels = [](Numbers<widestBytes / 4> pixels) {
         return as<std::uint16_t>(pixels & Numbers<widestBytes / 4>::all(redBlueMask));
@@ -108,9 +108,9 @@ Numbers<widestBytes / 4> mixAbreast(Numbers<widestBytes / 4> low, Numbers<widest
     const auto green = [](Numbers<widestBytes / 4> pixels) {
         return as<std::uint16_t>(pixels >> 8 & Numbers<widestBytes / 4>::all(0xFF));
     };
-    const auto inPairs = eitherOf(t, raised(t, 16));
+    const auto inPairs = t | t << 16;
     const auto blueAndRed = as<std::uint32_t>(mean(lowChannels(low), lowChannels(high), inPairs));
-    return eitherOf(blueAndRed, raised(as<std::uint32_t>(mean(green(low), green(high), t)), 8));
+    return blueAndRed | as<std::uint32_t>(mean(green(low), green(high), t)) << 8;
 }
 
 /// A ring in which one picture fades into another.

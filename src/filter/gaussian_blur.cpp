@@ -168,7 +168,7 @@ public:
 
 private:
     static Pixels pixelsOf(Words blueAndRed, Words green) {
-        return eitherOf(as<std::uint32_t>(blueAndRed >> 8), as<std::uint32_t>(green) & Pixels::all(greenMask));
+        return as<std::uint32_t>(blueAndRed >> 8) | (as<std::uint32_t>(green) & Pixels::all(greenMask));
     }
 
     void addSides(const Channels *here, Distance stride, Words &blueAndRed, Words &green) const {

@@ -6,130 +6,230 @@
 namespace qmur {
 namespace {
 
-/// Calls `pixel(index, shade)` for every pixel of a band inside the clip.
-template <int fractionBits, class Pixel>
-void forEachPixel(const tagRECT &clip, q_ulong pitch, const ShadedEdge &left, const ShadedEdge &right, Pixel pixel) {
+/// Shades side by side in a row, in fixed point.
+template <class Lanes>
+struct Shades {
+    Lanes red;
+    Lanes green;
+    Lanes blue;
+    Lanes depth;
+
+    Shades advanced(const Shades &by) const {
+        return {red + by.red, green + by.green, blue + by.blue, depth + by.depth};
+    }
+};
+
+/// All lanes of a group.
+template <int count>
+struct EveryLane {
+    constexpr operator unsigned() const { return (1U << count) - 1; }
+};
+
+/// Draws the pixels of a row from `begin` on in groups while one fits before `end`, or before `readable` where it is
+/// the last. Returns where it stopped.
+///
+/// `draw(index, lanes, shades)` draws a set of lanes of the group that begins at a pixel.
+template <class Lanes, class Draw>
+Distance drawGroups(Distance begin, Distance end, Distance readable, const Running<ShadedColumn> &from, Draw draw) {
+    constexpr int count = sizeof(Lanes) / 4;
+    const auto spread = [](Numbers<4> shade, auto laneOf) {
+        return Shades<Lanes>{laneOf(shade[0]), laneOf(shade[1]), laneOf(shade[2]), laneOf(shade[3])};
+    };
+    const auto constant = [](std::uint32_t number) { return Lanes::all(number); };
+    Shades<Lanes> shades = spread(from.value.shade, constant).advanced(spread(from.step.shade, [](std::uint32_t step) {
+        return timesIndex(Lanes::all(step));
+    }));
+    Distance i = begin;
+    if (end - i >= count) {
+        const Shades<Lanes> step = spread(from.step.shade * Numbers<4>::all(count), constant);
+        for (; end - i >= count; i += count, shades = shades.advanced(step))
+            draw(i, EveryLane<count>(), shades);
+    }
+    if (count == 1 || i == end || (!readsSomeLanes<Lanes> && readable - i < count))
+        return i;
+    draw(i, (1U << (end - i)) - 1, shades);
+    return end;
+}
+
+/// From how many pixels on a row is worth groups, where a group cannot leave out some of what it reads.
+constexpr int groupedFrom = 8;
+
+/// Calls `draw(index, lanes, shades)` for groups of pixels until every pixel of a band inside the clip was in one.
+template <int fractionBits, class Draw>
+void forEachGroup(const tagRECT &clip, q_ulong pitch, const SteppedEdge<fractionBits, ShadedColumn> &left,
+                  const SteppedEdge<fractionBits, ShadedColumn> &right, Draw draw) {
     const Distance rowStep = asDistance(pitch);
-    forEachSteppedRow<fractionBits>(left, right, windowOf(clip), [=](int y, Span columns, Running<ShadedColumn> shade) {
+    const Window window = windowOf(clip);
+    forEachSteppedRow<fractionBits>(left, right, window, [=](int y, Span columns, const Running<ShadedColumn> &shade) {
         const Distance row = y * rowStep;
-        for (Distance i = row + columns.begin; i < row + columns.end; ++i, shade.advance())
-            pixel(i, shade.value);
+        const Distance begin = row + columns.begin;
+        const Distance end = row + columns.end;
+        Distance drawn = begin;
+        Running<ShadedColumn> rest = shade;
+        if (readsSomeLanes<SpanPixels> || columns.length() >= groupedFrom) {
+            drawn = drawGroups<SpanPixels>(begin, end, row + window.columns.end, shade, draw);
+            rest.advance(static_cast<int>(drawn - begin));
+        }
+        if (!readsSomeLanes<SpanPixels>)
+            drawGroups<SinglePixel>(drawn, end, end, rest, draw);
     });
 }
 
-/// Bits of fixed point with and without a depth. The ways with a depth reach 524288 pixels far, the other 8192.
-constexpr int depthFractionBits = 12;
-constexpr int additiveFractionBits = 18;
-
 /// Not masked: a channel outside 0 to 255 runs into its neighbours.
-q_ulong packed(const ShadedColumn &shade, int bits) {
-    const auto channel = [bits](int value) { return static_cast<q_ulong>(value >> bits); };
-    return ((channel(shade.red) << 8 | channel(shade.green)) << 8) | channel(shade.blue);
+template <class Lanes>
+Lanes packed(const Shades<Lanes> &shades, int bits) {
+    return shiftedSigned(shades.red, bits) << 16 | shiftedSigned(shades.green, bits) << 8 |
+           shiftedSigned(shades.blue, bits);
 }
 
 /// Half of the pixel and half of the shade, each halved before the sum.
-q_ulong halfMixed(q_ulong d, const ShadedColumn &shade) {
-    return (d >> 1 & 0x7F7F7F) + packed(shade, depthFractionBits + 1);
+template <class Lanes>
+Lanes halfMixed(Lanes d, const Shades<Lanes> &shades) {
+    return (d >> 1 & Lanes::all(0x7F7F7F)) + packed(shades, depthFractionBits + 1);
 }
 
-/// What draws with a depth: `store(dst pixel, shade)` for each pixel that passes both tests.
-template <class Store>
-void drawNearest(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch,
-                 const ShadedEdge &left, const ShadedEdge &right, Store store) {
+/// Replaces a set of lanes by `colourOf(dst pixels)`.
+template <class Lanes, class ColourOf>
+void change(q_ulong *dst, unsigned lanes, ColourOf colourOf) {
+    Lanes d;
+    loadWhere(lanes, dst, d);
+    storeWhere(lanes, colourOf(d), dst);
+}
+
+/// What draws with a depth: `draw(first dst pixel, lanes, shades)` for the pixels that pass both tests.
+template <class Draw>
+void drawNearest(const _PRIVATE_QMGL_DATA &data, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,
+                 const ShadedEdge &right, Draw draw) {
     short *const zBuffer = data.zBuffer;
-    const int nearLimit = data.nearLimit;
-    forEachPixel<depthFractionBits>(clip, pitch, left, right, [=](Distance i, const ShadedColumn &shade) {
-        const int z = shade.depth >> depthFractionBits;
-        if (z > nearLimit && z < zBuffer[i]) {
-            store(dst[i], shade);
-            zBuffer[i] = static_cast<short>(z);
-        }
-    });
+    const auto nearLimit = static_cast<std::uint32_t>(data.nearLimit);
+    forEachGroup<depthFractionBits>(
+        clip, pitch, left, right, [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+            const Lanes z = shiftedSigned(shades.depth, depthFractionBits);
+            Lanes depths;
+            loadSignedWhere(lanes, zBuffer + i, depths);
+            const unsigned nearest = lanes & lanesBelow(Lanes::all(nearLimit), z) & lanesBelow(z, depths);
+            if (nearest == 0)
+                return;
+            draw(i, nearest, shades);
+            storeLowWhere(nearest, z, zBuffer + i);
+        });
 }
 
 } // namespace
 
 void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,
               const ShadedEdge &right) {
-    drawNearest(data, dst, clip, pitch, left, right,
-                [](q_ulong &d, const ShadedColumn &shade) { d = packed(shade, depthFractionBits); });
+    drawNearest(data, clip, pitch, left, right,
+                [dst]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+                    storeWhere(lanes, packed(shades, depthFractionBits), dst + i);
+                });
 }
 
 void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,
               const ShadedEdge &right, int opacity) {
     if (opacity == 128) {
-        forEachPixel<depthFractionBits>(clip, pitch, left, right, [dst](Distance i, const ShadedColumn &shade) {
-            dst[i] = halfMixed(dst[i], shade);
-        });
+        forEachGroup<depthFractionBits>(
+            clip, pitch, left, right, [dst]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+                change<Lanes>(dst + i, lanes, [&](Lanes d) { return halfMixed(d, shades); });
+            });
         return;
     }
-    const auto shadeWeight = static_cast<q_ulong>(opacity);
-    const q_ulong dstWeight = 256 - shadeWeight;
-    drawNearest(data, dst, clip, pitch, left, right, [=](q_ulong &d, const ShadedColumn &shade) {
-        const auto weighted = [shadeWeight](int value) {
-            return static_cast<q_ulong>(value >> depthFractionBits) * shadeWeight;
+    const auto shadeWeight = static_cast<std::uint32_t>(opacity);
+    const std::uint32_t dstWeight = 256 - shadeWeight;
+    drawNearest(data, clip, pitch, left, right, [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+        const auto weighted = [shadeWeight](Lanes value) {
+            return shiftedSigned(value, depthFractionBits) * Lanes::all(shadeWeight);
         };
-        // Meant: red takes the destination's top byte along.
-        const q_ulong red = (weighted(shade.red) << 8) + (d >> 8 & 0xFFFF00) * dstWeight;
-        const q_ulong green = weighted(shade.green) + greenOf(d) * dstWeight;
-        const q_ulong blue = weighted(shade.blue) + blueOf(d) * dstWeight;
-        d = (red & 0xFFFF00FF) | (green & 0xFFFFFF00) | blue >> 8;
+        const auto part = [dstWeight](Lanes d, int bits, std::uint32_t mask) {
+            return (d >> bits & Lanes::all(mask)) * Lanes::all(dstWeight);
+        };
+        change<Lanes>(dst + i, lanes, [&](Lanes d) {
+            // Meant: red takes the destination's top byte along.
+            const Lanes red = (weighted(shades.red) << 8) + part(d, 8, 0xFFFF00);
+            const Lanes green = weighted(shades.green) + part(d, 8, 0xFF);
+            const Lanes blue = weighted(shades.blue) + part(d, 0, 0xFF);
+            return (red & Lanes::all(0xFFFF00FF)) | (green & Lanes::all(0xFFFFFF00)) | blue >> 8;
+        });
     });
 }
 
 void mixBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,
              const ShadedEdge &right) {
-    const int nearLimit = data.nearLimit;
-    forEachPixel<depthFractionBits>(clip, pitch, left, right, [=](Distance i, const ShadedColumn &shade) {
-        if (shade.depth >> depthFractionBits > nearLimit)
-            dst[i] = halfMixed(dst[i], shade);
-    });
+    const auto nearLimit = static_cast<std::uint32_t>(data.nearLimit);
+    forEachGroup<depthFractionBits>(
+        clip, pitch, left, right, [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+            const unsigned visible =
+                lanes & lanesBelow(Lanes::all(nearLimit), shiftedSigned(shades.depth, depthFractionBits));
+            if (visible != 0)
+                change<Lanes>(dst + i, visible, [&](Lanes d) { return halfMixed(d, shades); });
+        });
 }
 
-void addBand(q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left, const ShadedEdge &right) {
-    forEachPixel<additiveFractionBits>(clip, pitch, left, right, [dst](Distance i, const ShadedColumn &shade) {
-        // Meant: a sum below 0 reads as a large one and saturates, and red is taken with the top byte.
-        const auto sum = [](int value, q_ulong d) {
-            return cappedAt255(static_cast<q_ulong>(value >> additiveFractionBits) + d);
-        };
-        const q_ulong d = dst[i];
-        dst[i] = pixelOf(sum(shade.red, upperHalfOf(d)), sum(shade.green, greenOf(d)), sum(shade.blue, blueOf(d)));
-    });
+void addBand(q_ulong *dst, const tagRECT &clip, q_ulong pitch, const AdditiveEdge &left, const AdditiveEdge &right) {
+    forEachGroup<additiveFractionBits>(
+        clip, pitch, left, right, [dst]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+            // Meant: a sum below 0 reads as a large one and saturates, and red is taken with the top byte.
+            const auto sum = [](Lanes value, Lanes d) {
+                return cappedAt255(shiftedSigned(value, additiveFractionBits) + d);
+            };
+            change<Lanes>(dst + i, lanes, [&](Lanes d) {
+                const Lanes byte = Lanes::all(0xFF);
+                return sum(shades.red, d >> 16) << 16 | sum(shades.green, d >> 8 & byte) << 8 |
+                       sum(shades.blue, d & byte);
+            });
+        });
 }
 
 } // namespace qmur
 
 using namespace qmur;
 
+namespace {
+
+template <class Stepped>
+Stepped edgeBetween(const Corner<ShadedColumn> &upper, const Corner<ShadedColumn> &lower) {
+    return Stepped(Edge<ShadedColumn>{upper, lower});
+}
+
+} // namespace
+
 void VKD_3D_Render(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, int xA0, int xA1, int xB0,
                    int xB1, int yA0, int yA1, int yB0, int yB1, int rA0, int rA1, int rB0, int rB1, int gA0, int gA1,
                    int gB0, int gB1, int bA0, int bA1, int bB0, int bB1, int zA0, int zA1, int zB0, int zB1) {
-    drawBand(*data, dst, *clip, pitch,
-             {shadedCorner(xA0, yA0, rA0, gA0, bA0, zA0), shadedCorner(xA1, yA1, rA1, gA1, bA1, zA1)},
-             {shadedCorner(xB0, yB0, rB0, gB0, bB0, zB0), shadedCorner(xB1, yB1, rB1, gB1, bB1, zB1)});
+    drawBand(
+        *data, dst, *clip, pitch,
+        edgeBetween<ShadedEdge>(shadedCorner(xA0, yA0, rA0, gA0, bA0, zA0), shadedCorner(xA1, yA1, rA1, gA1, bA1, zA1)),
+        edgeBetween<ShadedEdge>(shadedCorner(xB0, yB0, rB0, gB0, bB0, zB0),
+                                shadedCorner(xB1, yB1, rB1, gB1, bB1, zB1)));
 }
 
 void VKD_3D_Render(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, int xA0, int xA1, int xB0,
                    int xB1, int yA0, int yA1, int yB0, int yB1, int rA0, int rA1, int rB0, int rB1, int gA0, int gA1,
                    int gB0, int gB1, int bA0, int bA1, int bB0, int bB1, int zA0, int zA1, int zB0, int zB1,
                    int opacity) {
-    drawBand(*data, dst, *clip, pitch,
-             {shadedCorner(xA0, yA0, rA0, gA0, bA0, zA0), shadedCorner(xA1, yA1, rA1, gA1, bA1, zA1)},
-             {shadedCorner(xB0, yB0, rB0, gB0, bB0, zB0), shadedCorner(xB1, yB1, rB1, gB1, bB1, zB1)}, opacity);
+    drawBand(
+        *data, dst, *clip, pitch,
+        edgeBetween<ShadedEdge>(shadedCorner(xA0, yA0, rA0, gA0, bA0, zA0), shadedCorner(xA1, yA1, rA1, gA1, bA1, zA1)),
+        edgeBetween<ShadedEdge>(shadedCorner(xB0, yB0, rB0, gB0, bB0, zB0), shadedCorner(xB1, yB1, rB1, gB1, bB1, zB1)),
+        opacity);
 }
 
 void VKD_3D_Render_Alpha(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, int xA0, int xA1,
                          int xB0, int xB1, int yA0, int yA1, int yB0, int yB1, int rA0, int rA1, int rB0, int rB1,
                          int gA0, int gA1, int gB0, int gB1, int bA0, int bA1, int bB0, int bB1, int zA0, int zA1,
                          int zB0, int zB1) {
-    mixBand(*data, dst, *clip, pitch,
-            {shadedCorner(xA0, yA0, rA0, gA0, bA0, zA0), shadedCorner(xA1, yA1, rA1, gA1, bA1, zA1)},
-            {shadedCorner(xB0, yB0, rB0, gB0, bB0, zB0), shadedCorner(xB1, yB1, rB1, gB1, bB1, zB1)});
+    mixBand(
+        *data, dst, *clip, pitch,
+        edgeBetween<ShadedEdge>(shadedCorner(xA0, yA0, rA0, gA0, bA0, zA0), shadedCorner(xA1, yA1, rA1, gA1, bA1, zA1)),
+        edgeBetween<ShadedEdge>(shadedCorner(xB0, yB0, rB0, gB0, bB0, zB0),
+                                shadedCorner(xB1, yB1, rB1, gB1, bB1, zB1)));
 }
 
 void VKD_3D_Render_Add(q_ulong *dst, tagRECT *clip, q_ulong pitch, int xA0, int xA1, int xB0, int xB1, int yA0, int yA1,
                        int yB0, int yB1, int rA0, int rA1, int rB0, int rB1, int gA0, int gA1, int gB0, int gB1,
                        int bA0, int bA1, int bB0, int bB1) {
-    addBand(dst, *clip, pitch, {shadedCorner(xA0, yA0, rA0, gA0, bA0, 0), shadedCorner(xA1, yA1, rA1, gA1, bA1, 0)},
-            {shadedCorner(xB0, yB0, rB0, gB0, bB0, 0), shadedCorner(xB1, yB1, rB1, gB1, bB1, 0)});
+    addBand(
+        dst, *clip, pitch,
+        edgeBetween<AdditiveEdge>(shadedCorner(xA0, yA0, rA0, gA0, bA0, 0), shadedCorner(xA1, yA1, rA1, gA1, bA1, 0)),
+        edgeBetween<AdditiveEdge>(shadedCorner(xB0, yB0, rB0, gB0, bB0, 0), shadedCorner(xB1, yB1, rB1, gB1, bB1, 0)));
 }

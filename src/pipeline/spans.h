@@ -7,29 +7,28 @@
 
 namespace qmur {
 
-/// A column with its colour and depth. Whole numbers at the ends of an edge, fixed point between them.
+/// A column with, side by side, red, green, blue and depth. Whole numbers at the ends of an edge, fixed point between
+/// them.
 struct ShadedColumn {
     int x;
-    int red;
-    int green;
-    int blue;
-    int depth;
+    Numbers<4> shade;
 
     template <class Operation, class... Columns>
-    static constexpr ShadedColumn each(Operation operation, const Columns &...c) {
-        return {.x = operation(c.x...),
-                .red = operation(c.red...),
-                .green = operation(c.green...),
-                .blue = operation(c.blue...),
-                .depth = operation(c.depth...)};
+    static ShadedColumn each(Operation operation, const Columns &...c) {
+        return {operation(c.x...), operation(c.shade...)};
     }
 };
 
-constexpr Corner<ShadedColumn> shadedCorner(int x, int y, int red, int green, int blue, int depth) {
-    return {y, {.x = x, .red = red, .green = green, .blue = blue, .depth = depth}};
+inline Corner<ShadedColumn> shadedCorner(int x, int y, int red, int green, int blue, int depth) {
+    return {y, {x, Numbers<4>::of(red, green, blue, depth)}};
 }
 
-using ShadedEdge = Edge<ShadedColumn>;
+/// Bits of fixed point with and without a depth. The ways with a depth reach 524288 pixels far, the other 8192.
+constexpr int depthFractionBits = 12;
+constexpr int additiveFractionBits = 18;
+
+using ShadedEdge = SteppedEdge<depthFractionBits, ShadedColumn>;
+using AdditiveEdge = SteppedEdge<additiveFractionBits, ShadedColumn>;
 
 /// Replaces pixels that are nearer than the Z plane and beyond the near limit.
 void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,
@@ -44,7 +43,7 @@ void mixBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, 
              const ShadedEdge &right);
 
 /// Adds to the pixels, saturating. Knows no depth.
-void addBand(q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left, const ShadedEdge &right);
+void addBand(q_ulong *dst, const tagRECT &clip, q_ulong pitch, const AdditiveEdge &left, const AdditiveEdge &right);
 
 } // namespace qmur
 

@@ -15,7 +15,9 @@ Corner<ShadedColumn> cornerOf(const _POINT3DFLOAT &point, q_ulong colour) {
 /// Meant: the rows are compared as they are given, and the third with what has become of the others in whole pixels.
 Triangle<ShadedColumn> cornersOf(const _POINT3DFLOAT &p1, const _POINT3DFLOAT &p2, const _POINT3DFLOAT &p3, q_ulong c1,
                                  q_ulong c2, q_ulong c3) {
-    return sortedTriangle(p1.y, p2.y, p3.y, cornerOf(p1, c1), cornerOf(p2, c2), cornerOf(p3, c3));
+    const _POINT3DFLOAT *const points[] = {&p1, &p2, &p3};
+    const q_ulong colours[] = {c1, c2, c3};
+    return sortedTriangle(p1.y, p2.y, p3.y, [&](int i) { return cornerOf(*points[i], colours[i]); });
 }
 
 } // namespace
@@ -25,7 +27,7 @@ void VKD_Render_Tri(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, int p
     const Triangle<ShadedColumn> corners = cornersOf(*p1, *p2, *p3, *c1, *c2, *c3);
     if (areBeyond(corners, rowsOf(*clip)))
         return;
-    forEachBand(corners, isLeftOfLine, [=](const ShadedEdge &left, const ShadedEdge &right) {
+    forEachSteppedBand<depthFractionBits>(corners, isLeftOfLine, [=](const ShadedEdge &left, const ShadedEdge &right) {
         drawBand(*data, dst, *clip, static_cast<q_ulong>(pitch), left, right);
     });
 }
@@ -35,7 +37,7 @@ void VKD_Render_Tri(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, int p
     const Triangle<ShadedColumn> corners = cornersOf(*p1, *p2, *p3, *c1, *c2, *c3);
     if (areBeyond(corners, rowsOf(*clip)))
         return;
-    forEachBand(corners, isLeftOfLine, [=](const ShadedEdge &left, const ShadedEdge &right) {
+    forEachSteppedBand<depthFractionBits>(corners, isLeftOfLine, [=](const ShadedEdge &left, const ShadedEdge &right) {
         drawBand(*data, dst, *clip, static_cast<q_ulong>(pitch), left, right, opacity);
     });
 }
@@ -45,13 +47,14 @@ void VKD_Render_Tri_Alpha(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip,
     const Triangle<ShadedColumn> corners = cornersOf(*p1, *p2, *p3, *c1, *c2, *c3);
     if (areBeyond(corners, rowsOf(*clip)))
         return;
-    forEachBand(corners, isLeftOfLine, [=](const ShadedEdge &left, const ShadedEdge &right) {
+    forEachSteppedBand<depthFractionBits>(corners, isLeftOfLine, [=](const ShadedEdge &left, const ShadedEdge &right) {
         mixBand(*data, dst, *clip, static_cast<q_ulong>(pitch), left, right);
     });
 }
 
 void VKD_Render_Tri_Add(q_ulong *dst, tagRECT *clip, q_ulong pitch, _POINT3DFLOAT *p1, _POINT3DFLOAT *p2,
                         _POINT3DFLOAT *p3, q_ulong *c1, q_ulong *c2, q_ulong *c3) {
-    forEachBand(cornersOf(*p1, *p2, *p3, *c1, *c2, *c3), isLeftOfLine,
-                [=](const ShadedEdge &left, const ShadedEdge &right) { addBand(dst, *clip, pitch, left, right); });
+    forEachSteppedBand<additiveFractionBits>(
+        cornersOf(*p1, *p2, *p3, *c1, *c2, *c3), isLeftOfLine,
+        [=](const AdditiveEdge &left, const AdditiveEdge &right) { addBand(dst, *clip, pitch, left, right); });
 }

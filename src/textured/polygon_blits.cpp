@@ -154,8 +154,12 @@ void i3D_Blt_Tri(_PRIVATE_QM3D_DATA *data, q_ulong *dst, _POINT3DFLOAT *p0, _POI
                  q_ulong *tex, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2, tagRECT *clip, q_ulong dstPitch,
                  q_ulong texPitch, int add0, int add1, int add2, int mul0, int mul1, int mul2, q_ulong flags) {
     // Meant: the rows are compared as they are given, and the third with what the others are in whole pixels.
-    Triangle<MappedColumn> corners = sortedTriangle(p0->y, p1->y, p2->y, cornerOf(*p0, *t0, add0, mul0),
-                                                    cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2));
+    const _POINT3DFLOAT *const points[] = {p0, p1, p2};
+    const _POINTINT *const texels[] = {t0, t1, t2};
+    const int adds[] = {add0, add1, add2};
+    const int muls[] = {mul0, mul1, mul2};
+    Triangle<MappedColumn> corners =
+        sortedTriangle(p0->y, p1->y, p2->y, [&](int i) { return cornerOf(*points[i], *texels[i], adds[i], muls[i]); });
     if (selectMapper(data->spanMapper, olderChoice(flags), corners))
         mapBands(*data, {.dst = dst, .tex = tex, .clip = clip, .dstPitch = dstPitch, .texPitch = texPitch}, corners);
 }
@@ -164,8 +168,12 @@ void VKD_i3D_Blt_Tri(_PRIVATE_QMGL_DATA *data, q_ulong *dst, _POINT3DFLOAT *p0, 
                      q_ulong *tex, _POINTINT *t0, _POINTINT *t1, _POINTINT *t2, tagRECT *clip, q_ulong dstPitch,
                      q_ulong texPitch, int add0, int add1, int add2, int mul0, int mul1, int mul2, q_ulong flags) {
     // Meant: the rows are compared as they are given, and the third with what the others are in whole pixels.
-    Triangle<MappedColumn> corners = sortedTriangle(p0->y, p1->y, p2->y, cornerOf(*p0, *t0, add0, mul0),
-                                                    cornerOf(*p1, *t1, add1, mul1), cornerOf(*p2, *t2, add2, mul2));
+    const _POINT3DFLOAT *const points[] = {p0, p1, p2};
+    const _POINTINT *const texels[] = {t0, t1, t2};
+    const int adds[] = {add0, add1, add2};
+    const int muls[] = {mul0, mul1, mul2};
+    Triangle<MappedColumn> corners =
+        sortedTriangle(p0->y, p1->y, p2->y, [&](int i) { return cornerOf(*points[i], *texels[i], adds[i], muls[i]); });
     // Meant: in any other mode the mapper of an earlier call draws.
     if ((flags & modeMask) == interpolatedLight)
         selectMapper(data->spanMapper, pipelineChoice(flags), corners);

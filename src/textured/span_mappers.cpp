@@ -46,23 +46,16 @@ constexpr Mapping pipelineNearHPE = {.fractionBits = 12,
                                      .depth = Depth::testedBehindNearLimit,
                                      .red = Red::upperHalf};
 
-/// What runs along a row but the column: the depth, and side by side u, v, the multiplier and the highlight.
-struct PixelWalk {
+/// A column with its depth and, side by side, u, v, the multiplier and the highlight.
+struct WalkedColumn {
+    int x;
     int z;
-    int stepZ;
     Numbers<4> values;
-    Numbers<4> steps;
 
-    explicit PixelWalk(const Running<MappedColumn> &from)
-        : z(from.value.z), stepZ(from.step.z), values(lanesOfColumn(from.value)), steps(lanesOfColumn(from.step)) {}
-
-    void advance() {
-        z = wrapAdd(z, stepZ);
-        values = values + steps;
+    template <class Operation, class... Columns>
+    static WalkedColumn each(Operation operation, const Columns &...c) {
+        return {operation(c.x...), operation(c.z...), operation(c.values...)};
     }
-
-private:
-    static Numbers<4> lanesOfColumn(const MappedColumn &c) { return Numbers<4>::of(c.u, c.v, c.mul, c.add); }
 };
 
 /// A filtered colour, lit with signed products.
@@ -91,10 +84,10 @@ struct Scene {
 
 /// Draws the pixels of a row. A pixel that is left out keeps its colour and its depth.
 template <Mapping mapping>
-void drawRow(q_ulong *dst, short *depths, Span pixels, PixelWalk walk, Scene scene) {
+void drawRow(q_ulong *dst, short *depths, Span pixels, Running<WalkedColumn> walk, Scene scene) {
     constexpr int fractionBits = mapping.fractionBits;
     for (int x = pixels.begin; x < pixels.end; ++x, walk.advance()) {
-        const int depth = walk.z >> fractionBits;
+        const int depth = walk.value.z >> fractionBits;
         if constexpr (mapping.depth == Depth::testedBehindNearLimit) {
             if (depth <= scene.nearLimit)
                 continue;
@@ -104,7 +97,7 @@ void drawRow(q_ulong *dst, short *depths, Span pixels, PixelWalk walk, Scene sce
                 continue;
         }
 
-        const Numbers<4> whole = shiftedSigned(walk.values, fractionBits);
+        const Numbers<4> whole = shiftedSigned(walk.value.values, fractionBits);
         const auto u = static_cast<int>(whole[0]);
         const auto v = static_cast<int>(whole[1]);
         const Numbers<4> mul = mapping.light == Light::flat ? scene.flatMul : broadcast<2>(whole);
@@ -136,14 +129,8 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
     constexpr bool testsDepth = mapping.depth != Depth::untested;
     constexpr bool walksLight = mapping.light == Light::interpolated;
 
-    const auto corner = [](int x, int y, int u, int v, int z, int add, int mul) -> Corner<MappedColumn> {
-        return {y,
-                {.x = x,
-                 .u = u,
-                 .v = v,
-                 .z = testsDepth ? z : 0,
-                 .add = walksLight ? add : 0,
-                 .mul = walksLight ? mul : 0}};
+    const auto corner = [=](int x, int y, int u, int v, int z, int add, int mul) -> Corner<WalkedColumn> {
+        return {y, {x, testsDepth ? z : 0, Numbers<4>::of(u, v, walksLight ? mul : 0, walksLight ? add : 0)}};
     };
     Scene scene = {.tex = tex,
                    .texPitch = asDistance(texPitch),
@@ -155,13 +142,14 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
     const Distance step = asDistance(dstPitch);
     short *const depths = testsDepth ? data->zBuffer : nullptr;
 
+    using Stepped = SteppedEdge<mapping.fractionBits, WalkedColumn>;
     forEachSteppedRow<mapping.fractionBits>(
-        Edge<MappedColumn>{corner(xL0, yL0, uL0, vL0, zL0, addL0, mulL0),
-                           corner(xL1, yL1, uL1, vL1, zL1, addL1, mulL1)},
-        Edge<MappedColumn>{corner(xR0, yR0, uR0, vR0, zR0, addR0, mulR0),
-                           corner(xR1, yR1, uR1, vR1, zR1, addR1, mulR1)},
-        windowOf(*clip), [=](int y, Span columns, const Running<MappedColumn> &walk) {
-            drawRow<mapping>(dst + y * step, testsDepth ? depths + y * step : nullptr, columns, PixelWalk(walk), scene);
+        Stepped(Edge<WalkedColumn>{corner(xL0, yL0, uL0, vL0, zL0, addL0, mulL0),
+                                   corner(xL1, yL1, uL1, vL1, zL1, addL1, mulL1)}),
+        Stepped(Edge<WalkedColumn>{corner(xR0, yR0, uR0, vR0, zR0, addR0, mulR0),
+                                   corner(xR1, yR1, uR1, vR1, zR1, addR1, mulR1)}),
+        windowOf(*clip), [=](int y, Span columns, const Running<WalkedColumn> &walk) {
+            drawRow<mapping>(dst + y * step, testsDepth ? depths + y * step : nullptr, columns, walk, scene);
         });
 }
 

@@ -2,11 +2,12 @@
 /// Convex polygons, band by band: between the rows of one corner and of the next lower one, a polygon is what lies
 /// between two straight edges.
 ///
-/// Corners carry what their family likes: a struct of ints with a column `x` among them, and a static function
-/// `each(operation, carried...)` that makes such a struct of what the operation makes of each member.
+/// Corners carry what their family likes: a struct of ints, a column `x` among them, and lanes of ints, and a static
+/// function `each(operation, carried...)` that makes such a struct of what the operation makes of each member.
 #ifndef Q_MUR_WALKS_BANDS_H
 #define Q_MUR_WALKS_BANDS_H
 
+#include "base/divisor.h"
 #include "base/surface.h"
 
 #include <array>
@@ -16,35 +17,56 @@
 
 namespace qmur {
 
+namespace detail {
+
+/// Wrapping sums and differences of what is carried, number by number and lanes by lanes.
+struct Sum {
+    constexpr int operator()(int a, int b) const { return wrapAdd(a, b); }
+    Numbers<4> operator()(Numbers<4> a, Numbers<4> b) const { return a + b; }
+};
+struct Difference {
+    constexpr int operator()(int a, int b) const { return wrapSubtract(a, b); }
+    Numbers<4> operator()(Numbers<4> a, Numbers<4> b) const { return a - b; }
+};
+struct Product {
+    int factor;
+    constexpr int operator()(int value) const { return wrapMultiply(value, factor); }
+    Numbers<4> operator()(Numbers<4> values) const {
+        return values * Numbers<4>::all(static_cast<std::uint32_t>(factor));
+    }
+};
+
+} // namespace detail
+
 template <class Type>
 concept Carried = requires(const Type &carried) {
     { carried.x } -> std::same_as<const int &>;
-    { Type::each(wrapAdd, carried, carried) } -> std::same_as<Type>;
+    { Type::each(detail::Sum(), carried, carried) } -> std::same_as<Type>;
 };
 
 template <Carried Type>
 constexpr Type operator+(const Type &a, const Type &b) {
-    return Type::each(wrapAdd, a, b);
+    return Type::each(detail::Sum(), a, b);
 }
 
 template <Carried Type>
 constexpr Type operator-(const Type &a, const Type &b) {
-    return Type::each(wrapSubtract, a, b);
+    return Type::each(detail::Difference(), a, b);
 }
 
 template <Carried Type>
 constexpr Type operator*(const Type &a, int factor) {
-    return Type::each([factor](int value) { return wrapMultiply(value, factor); }, a);
+    return Type::each(detail::Product{factor}, a);
 }
 
 template <Carried Type>
-constexpr Type operator/(const Type &a, int divisor) {
-    return Type::each([divisor](int value) { return wrapDivide(value, divisor); }, a);
+Type operator/(const Type &a, const Divisor &divisor) {
+    return Type::each([&divisor](auto value) { return value / divisor; }, a);
 }
 
 template <Carried Type>
 constexpr Type operator<<(const Type &a, int bits) {
-    return Type::each([bits](int value) { return value << bits; }, a);
+    return Type::each([bits](auto value) { return value << bits; }, a);
 }
 
 template <Carried Type>
@@ -94,19 +116,18 @@ Quad<Type> sortedQuad(Quad<Type> corners) {
     return corners;
 }
 
-/// From top to bottom; of one row, the later stands above. The first two are compared by the rows `y0` and `y1` as they
-/// are given, the third's `y2` with the rows as they stand in the other two corners.
-template <class Row, Carried Type>
-Triangle<Type> sortedTriangle(Row y0, Row y1, Row y2, const Corner<Type> &c0, const Corner<Type> &c1,
-                              const Corner<Type> &c2) {
-    const bool inOrder = y0 < y1;
-    const Corner<Type> &first = inOrder ? c0 : c1;
-    const Corner<Type> &second = inOrder ? c1 : c0;
-    if (static_cast<Row>(second.y) < y2)
-        return {first, second, c2};
-    if (static_cast<Row>(first.y) < y2)
-        return {first, c2, second};
-    return {c2, first, second};
+/// Three corners from top to bottom, made by `cornerOf(index)`; of one row, the later stands above. The first two are
+/// compared by the rows `y0` and `y1` as they are given, the third's `y2` with the rows as they stand in the other two
+/// corners.
+///
+/// Corners are made in the places where they stay: copies of what was just written in parts would wait for it.
+template <class Row, class CornerOf>
+auto sortedTriangle(Row y0, Row y1, Row y2, CornerOf cornerOf) -> Triangle<decltype(cornerOf(0).at)> {
+    const int first = y0 < y1 ? 0 : 1;
+    const int second = 1 - first;
+    const bool isLast = static_cast<Row>(cornerOf(second).y) < y2;
+    const bool isTop = !isLast && !(static_cast<Row>(cornerOf(first).y) < y2);
+    return {cornerOf(isTop ? 2 : first), cornerOf(isLast ? second : isTop ? first : 2), cornerOf(isLast ? 2 : second)};
 }
 
 /// Whether sorted corners lie wholly above or below, not so much as touching a boundary.
@@ -158,36 +179,75 @@ struct Running {
     Type step;
 
     constexpr void advance() { value = value + step; }
+    constexpr void advance(int times) { value = value + step * times; }
 };
 
-/// An edge at a row, wherever its walk begins: it starts from its own upper corner, so that it passes through the same
-/// values under every clip.
+/// An edge that tells where it stands at any row: it starts from its own upper corner, so that it passes through the
+/// same values under every clip and in every band.
 template <int fractionBits, Carried Type>
-constexpr Running<Type> steppedFrom(const Edge<Type> &edge, int row) {
-    const auto &[upper, lower] = edge;
-    const Type step = ((lower.at - upper.at) << fractionBits) / oneIfZero(heightOf(edge));
-    return {(upper.at << fractionBits) + step * wrapSubtract(row, upper.y), step};
+class SteppedEdge {
+public:
+    explicit SteppedEdge(const Edge<Type> &edge)
+        : rows{edge.upper.y, edge.lower.y}, start(edge.upper.at << fractionBits),
+          step(((edge.lower.at - edge.upper.at) << fractionBits) / Divisor(oneIfZero(heightOf(edge)))) {}
+
+    Running<Type> from(int row) const { return {start + step * wrapSubtract(row, rows.begin), step}; }
+    Span covered() const { return rows; }
+
+private:
+    Span rows;
+    Type start;
+    Type step;
+};
+
+/// Calls `band(left, right)` as forEachBand() does for a triangle, with edges that are set up once.
+template <int fractionBits, Carried Type, class IsLeft, class Band>
+void forEachSteppedBand(const Triangle<Type> &corners, IsLeft isLeftOf, Band band) {
+    using Stepped = SteppedEdge<fractionBits, Type>;
+    const auto &[top, middle, bottom] = corners;
+    const Stepped whole(Edge<Type>{top, bottom});
+    const Stepped parts[] = {Stepped(Edge<Type>{top, middle}), Stepped(Edge<Type>{middle, bottom})};
+    const bool isLeft = isLeftOf({middle.at.x, middle.y}, {top.at.x, top.y}, {bottom.at.x, bottom.y});
+    for (const Stepped &part : parts)
+        band(isLeft ? part : whole, isLeft ? whole : part);
 }
 
 /// Calls `row(y, columns, running)` for the rows of a band inside the window: `running` stands at the first column.
 /// Columns are floors, from the left edge's up to, not including, the right edge's, so that bands which share an edge
 /// meet without a gap or an overlap.
 template <int fractionBits, Carried Type, class Row>
-void forEachSteppedRow(const Edge<Type> &leftEdge, const Edge<Type> &rightEdge, Window window, Row row) {
-    const Span rows = intersection(rowsOf(leftEdge, rightEdge), window.rows);
+void forEachSteppedRow(const SteppedEdge<fractionBits, Type> &leftEdge,
+                       const SteppedEdge<fractionBits, Type> &rightEdge, Window window, Row row) {
+    const Span rows = intersection(intersection(leftEdge.covered(), rightEdge.covered()), window.rows);
     if (rows.empty())
         return;
-    Running<Type> left = steppedFrom<fractionBits>(leftEdge, rows.begin);
-    Running<Type> right = steppedFrom<fractionBits>(rightEdge, rows.begin);
-    for (int y = rows.begin; y < rows.end; ++y, left.advance(), right.advance()) {
-        const int first = left.value.x >> fractionBits;
-        const Span columns = intersection({first, right.value.x >> fractionBits}, window.columns);
-        if (columns.empty())
-            continue;
-        // The width is that of the fixed-point numbers; it may differ from that of the columns by one.
-        const int width = oneIfZero(wrapSubtract(right.value.x, left.value.x) >> fractionBits);
-        const Type step = (right.value - left.value) / width;
-        row(y, columns, Running<Type>{left.value + step * wrapSubtract(columns.begin, first), step});
+    Running<Type> left = leftEdge.from(rows.begin);
+    Running<Type> right = rightEdge.from(rows.begin);
+    // Several rows are set up before the first of them is drawn: the divisions of one then do not wait for the
+    // branches of another.
+    struct Start {
+        int y;
+        Span columns;
+        Running<Type> running;
+    };
+    constexpr int atOnce = 8;
+    std::array<Start, atOnce> starts;
+    for (int y = rows.begin; y < rows.end;) {
+        int count = 0;
+        for (const int end = rows.end - y > atOnce ? y + atOnce : rows.end; y < end;
+             ++y, left.advance(), right.advance()) {
+            const int first = left.value.x >> fractionBits;
+            const Span columns = intersection({first, right.value.x >> fractionBits}, window.columns);
+            // The width is that of the fixed-point numbers; it may differ from that of the columns by one.
+            const Divisor width(oneIfZero(wrapSubtract(right.value.x, left.value.x) >> fractionBits));
+            Running<Type> running = {left.value, (right.value - left.value) / width};
+            if (columns.begin != first)
+                running.advance(wrapSubtract(columns.begin, first));
+            starts[count] = {y, columns, running};
+            count += columns.empty() ? 0 : 1;
+        }
+        for (int i = 0; i < count; ++i)
+            row(starts[i].y, starts[i].columns, starts[i].running);
     }
 }
 

@@ -20,10 +20,10 @@ void checkBitsAndOrder() {
         const Sample<Tested> a(random);
         const Sample<Tested> b(random);
         const auto expected = [](auto numberOf) { return naive<Number>(count, numberOf); };
-        ASSERT_EQ(stored(eitherOf(a.lanes, b.lanes)), expected([&](int i) { return a.numbers[i] | b.numbers[i]; }));
+        ASSERT_EQ(stored(a.lanes | b.lanes), expected([&](int i) { return a.numbers[i] | b.numbers[i]; }));
         if constexpr (sizeof(Number) > 1) {
             const int bits = random.between(0, sizeof(Number) * 8 - 1);
-            ASSERT_EQ(stored(raised(a.lanes, bits)),
+            ASSERT_EQ(stored(a.lanes << bits),
                       expected([&](int i) { return static_cast<unsigned long long>(a.numbers[i]) << bits; }));
         }
         std::vector<Number> low;

@@ -7,7 +7,7 @@ using namespace lanes;
 template <class Pixels>
 class SpanLanes : public testing::Test {};
 
-using SpanKinds = testing::Types<Numbers<4>, Pixels, SpanPixels, OnePixel, scalar::Lanes<std::uint32_t, 4>>;
+using SpanKinds = testing::Types<Numbers<4>, Pixels, SpanPixels, SinglePixel, scalar::Lanes<std::uint32_t, 4>>;
 TYPED_TEST_SUITE(SpanLanes, SpanKinds);
 
 TYPED_TEST(SpanLanes, are_joined_shifted_up_counted_and_capped) {

@@ -71,8 +71,9 @@ TEST(sortedQuad, exchanges_the_pairs_in_their_order) {
 }
 
 std::string sortedPoints(float a, float b, float c) {
-    const auto corner = [](float y, char letter) { return Corner<Lettered>{static_cast<int>(y), {0, letter}}; };
-    return lettersOf(sortedTriangle(a, b, c, corner(a, 'a'), corner(b, 'b'), corner(c, 'c')));
+    const float rows[] = {a, b, c};
+    const auto corner = [&rows](int i) { return Corner<Lettered>{static_cast<int>(rows[i]), {0, 'a' + i}}; };
+    return lettersOf(sortedTriangle(a, b, c, corner));
 }
 
 TEST(sortedTriangle, puts_the_later_of_equal_rows_above_and_compares_the_third_with_whole_rows) {
