@@ -134,18 +134,16 @@ TEST(Hor_GaussBlur, every_kernel_on_lines_enough_to_be_taken_together) {
     test::Random random(83);
     for (int step = 1; step <= 425; ++step) {
         const float sigma = static_cast<float>(step) / 10;
-        const Variant &variant = step % 2 == 0 ? alongRows : alongColumns;
+        const Blur &blur = blurs[step % 2];
         const int length = random.between(1, 300);
         const int lines = random.between(32, 70);
-        Surface src = variant.alongColumns ? Surface::randomOfSize(random, lines, length)
-                                           : Surface::randomOfSize(random, length, lines);
+        Surface src = blur.alongColumns ? Surface::randomOfSize(random, lines, length)
+                                        : Surface::randomOfSize(random, length, lines);
         if (step % 3 == 0)
             src = Surface(src.width(), src.height(), 0xFFFFFFFF);
-        Surface dst = another(random, src);
-        Surface expected = dst;
-        variant.plainBlur(expected.pixels(), src.pixels(), sigma, src.width(), src.height(), src.pitch());
-        variant.blur(dst.pixels(), src.pixels(), sigma, src.width(), src.height(), src.pitch());
-        ASSERT_EQ(dst.differenceFrom(expected), "") << "sigma " << sigma;
+        const Surface dst = another(random, src);
+        ASSERT_EQ(blur.blurred(dst, src, sigma).differenceFrom(blur.blurredPlainly(dst, src, sigma)), "")
+            << blur.name << ", sigma " << sigma;
     }
 }
 
@@ -153,14 +151,12 @@ TEST(Hor_GaussBlur, every_size_up_to_more_than_two_registers) {
     test::Random random(84);
     for (int width = 1; width <= 37; ++width)
         for (int height = 1; height <= 37; ++height)
-            for (const Variant &variant : {alongRows, alongColumns}) {
+            for (const Blur &blur : blurs) {
                 const float sigma = random.realBetween(0.1F, 12);
-                Surface src = Surface::randomOfSize(random, width, height);
-                Surface dst = another(random, src);
-                Surface expected = dst;
-                variant.plainBlur(expected.pixels(), src.pixels(), sigma, width, height, src.pitch());
-                variant.blur(dst.pixels(), src.pixels(), sigma, width, height, src.pitch());
-                ASSERT_EQ(dst.differenceFrom(expected), "") << width << ' ' << height << ' ' << sigma;
+                const Surface src = Surface::randomOfSize(random, width, height);
+                const Surface dst = another(random, src);
+                ASSERT_EQ(blur.blurred(dst, src, sigma).differenceFrom(blur.blurredPlainly(dst, src, sigma)), "")
+                    << blur.name << ' ' << width << ' ' << height << ' ' << sigma;
             }
 }
 
