@@ -26,6 +26,8 @@ void forEachPixelOf(q_ulong *surface, Distance pitch, const tagRECT &rect, Store
 template <class Operation>
 void changePixelsOf(q_ulong *surface, Distance pitch, const tagRECT &rect, Operation operation) {
     constexpr int atOnce = sizeof(MostPixels) / sizeof(q_ulong);
+    if (isEmpty(rect))
+        return;
     q_ulong *const first = pixelAt(surface, pitch, rect.left, rect.top);
     const int width = widthOf(rect);
     const int height = heightOf(rect);

@@ -399,10 +399,12 @@ bool drawFiltered(const ScaledWalk<Position> &walk, Operation operation) {
 /// them. Positions start at 0.
 template <class Position, class Operation>
 bool drawFilteredInside(const ScaledWalk<Position> &walk, const tagRECT &srcRect, Operation operation) {
+    if (isEmpty(srcRect))
+        return false;
     const int lastColumn = widthOf(srcRect) - 1;
     const int lastRow = heightOf(srcRect) - 1;
     Window seen = {stoodOn(walk.startX, walk.stepX, walk.width), stoodOn(walk.startY, walk.stepY, walk.height)};
-    if (seen.empty() || lastColumn < 1 || lastRow < 0)
+    if (seen.empty() || lastColumn < 1)
         return false;
     seen.columns.end = smaller(seen.columns.end, lastColumn) + 1;
     seen.rows.end = smaller(seen.rows.end, lastRow) + 1;

@@ -170,9 +170,9 @@ struct Scene {
 /// which works on lanes.
 template <class Store, class Operation>
 void rotateNearest(const Scene &scene, Store store, Operation operation) {
-    if (scene.empty())
-        return;
     const tagRECT &srcRect = scene.srcRect;
+    if (scene.empty() || windowOf(srcRect).empty())
+        return;
     const Distance srcPitch = scene.srcPitch;
     const int centreX = scene.srcCentreX();
     const int centreY = scene.srcCentreY();
@@ -198,10 +198,10 @@ void rotateNearest(const Scene &scene, Store store, Operation operation) {
 /// lanes.
 template <class Store, class Operation>
 void rotateFiltered(const Scene &scene, Store store, Operation operation) {
-    if (scene.empty())
-        return;
     constexpr int sixteenthBits = fractionBits - 4;
     const tagRECT &srcRect = scene.srcRect;
+    if (scene.empty() || windowOf(srcRect).empty())
+        return;
     const Distance srcPitch = scene.srcPitch;
     const int centreX = wrapMultiply(scene.srcCentreX(), 16);
     const int centreY = wrapMultiply(scene.srcCentreY(), 16);

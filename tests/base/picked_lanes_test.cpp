@@ -59,7 +59,7 @@ TYPED_TEST(PickedLanes, are_counted_and_doubled_in_fours) {
 }
 
 TYPED_TEST(PickedLanes, are_loaded_and_stored_in_part) {
-    constexpr int count = sizeof(TypeParam) / 4;
+    static constexpr int count = sizeof(TypeParam) / 4;
     forEachSeed([](test::Random &random) {
         const Sample<TypeParam> a(random);
         const int part = random.between(0, count - 1);

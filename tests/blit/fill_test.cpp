@@ -1,5 +1,6 @@
 #include "support/pictures.h"
 
+#include <climits>
 #include <limits>
 
 namespace {
@@ -15,7 +16,7 @@ TEST(iFillRect, bottom_up_surfaces_have_a_negative_pitch) {
 
 TEST(iFillRect, an_empty_rectangle_keeps_all_pixels_and_so_does_a_faded_one) {
     const Surface before(4, 4, 0xAABBCCDD);
-    for (const tagRECT empty : {tagRECT{1, 1, 1, 3}, {1, 1, 3, 1}, {3, 1, 1, 3}, {1, 3, 3, 1}}) {
+    for (const tagRECT empty : {tagRECT{1, 1, 1, 3}, {1, 1, 3, 1}, {3, 1, 1, 3}, {1, 3, 3, 1}, {INT_MAX, 0, 0, 4}}) {
         Surface dst = before;
         tagRECT rect = empty;
         iFillRect(dst.pixels(), &rect, dst.pitch(), 0xFE112233);
