@@ -9,6 +9,7 @@
 cmake_minimum_required(VERSION 3.25)
 
 set(joined "${OUTPUT}.joined")
+set(ENV{LC_ALL} C) # symbols are listed in one order everywhere
 set(renames "${OUTPUT}.renames")
 set(kept "${OUTPUT}.kept")
 

@@ -40,24 +40,35 @@ template <class Compute>
 }
 
 #if Q_MUR_X87
-/// The state of the unit that the format is made for: 64 bits, rounded to nearest, no exception taken.
+/// The state of the unit that the format is made for: 64 bits, rounded to nearest, no exception taken. The same of the
+/// vector unit, whose doubles stand in for the format where they are known to lead to the same.
 class FullPrecision {
 public:
-    FullPrecision() {
+    FullPrecision() : vectorsBefore(__builtin_ia32_stmxcsr()) {
         asm volatile("fnstcw %0" : "=m"(before));
         if (before != full)
             asm volatile("fldcw %0" : : "m"(full) : "memory");
+        if (changesVectors())
+            __builtin_ia32_ldmxcsr(fullVectors);
     }
     ~FullPrecision() {
         if (before != full) // a host that takes exceptions must not be handed ours
             asm volatile("fnclex\n\tfldcw %0" : : "m"(before) : "memory");
+        if (changesVectors())
+            __builtin_ia32_ldmxcsr(vectorsBefore);
     }
     FullPrecision(const FullPrecision &) = delete;
     FullPrecision &operator=(const FullPrecision &) = delete;
 
 private:
     static constexpr unsigned short full = 0x37F;
+    static constexpr unsigned fullVectors = 0x1F80;
+    static constexpr unsigned vectorFlags = 0x3F;
+
+    bool changesVectors() const { return (vectorsBefore & ~vectorFlags) != fullVectors; }
+
     unsigned short before;
+    unsigned vectorsBefore;
 };
 #endif
 

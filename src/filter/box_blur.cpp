@@ -238,6 +238,9 @@ struct Columns {
     }
 };
 
+/// The largest window whose sums of bytes fit 16 bits: 257 * 255 is 65535.
+constexpr int largestAbreast = 257;
+
 /// A picture to read, one to write, and their common size.
 struct Pictures {
     q_ulong *dst;
@@ -248,11 +251,12 @@ struct Pictures {
     int height;
 };
 
-/// Whether rows and columns may be taken side by side: windows fit the lines, and whatever is written can be read by
-/// nothing that is still to come.
+/// Whether rows and columns may be taken side by side: windows fit the lines and their sums 16 bits, and whatever is
+/// written can be read by nothing that is still to come.
 bool canGoAbreast(const Pictures &pictures, SlidingWindow window, int length) {
     const auto [dst, dstPitch, src, srcPitch, width, height] = pictures;
-    if (width < 1 || height < 1 || length < window.size() - 1 || !keepsPixelsApart(dstPitch, width))
+    if (width < 1 || height < 1 || length < window.size() - 1 || window.size() > largestAbreast ||
+        !keepsPixelsApart(dstPitch, width))
         return false;
     const Window whole = windowOf(width, height);
     return extentOf(dst, dstPitch, whole).isApartFrom(extentOf(src, srcPitch, whole));
@@ -519,7 +523,8 @@ void Blur_Rect(q_ulong *surface, tagRECT *rect, int pitch, int radius) {
         return [divisor = static_cast<q_ulong>(count)](const auto &sums) { return sums.dividedBy(divisor); };
     };
     const SlidingWindow window = {radius, radius};
-    if (radius <= 128 && blurInPlace<ColourSums, widestBytes>(first, pitch, width, height, window, edgeMean))
+    if (window.size() <= largestAbreast &&
+        blurInPlace<ColourSums, widestBytes>(first, pitch, width, height, window, edgeMean))
         return;
     const Scratch<q_ulong> blurred(static_cast<long long>(width) * height);
     if (!blurred)

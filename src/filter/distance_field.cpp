@@ -94,6 +94,8 @@ NearestOnRings::NearestOnRings(const LinearBlock &searched)
 
 /// The nearest black word before or behind any index.
 int NearestOnRings::fromRow(Distance index) const {
+    if (index < -outOfReach || index - block.count > outOfReach)
+        return outOfReach;
     if (index < 0)
         return alongRow[0] - static_cast<int>(index);
     if (index >= block.count)

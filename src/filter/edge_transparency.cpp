@@ -291,7 +291,7 @@ void Edge_Transparency_Circle(q_ulong *out, q_ulong *imageA, q_ulong *imageB, ta
     constexpr Bounds plain = {-16383, 16383};
     const Pictures pictures = {out, imageB, imageA, pitch};
     if (plain.contain(centreX) && plain.contain(centreY) && plain.contain(width) && plain.contain(height) &&
-        plain.contain(outer) && radius >= 0 && band > 0 && width > 0 && height > 0 &&
+        plain.contain(outer) && outer > 0 && radius >= 0 && band > 0 && width > 0 && height > 0 &&
         pictures.leaveOrderOpen(windowOf(width, height))) {
         drawRing(pictures, ring, inner, width, height);
         return;

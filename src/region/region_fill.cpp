@@ -1,6 +1,8 @@
 #include "base/surface.h"
 #include "q_Mur/region.h"
 
+#include <cstdint>
+
 namespace {
 
 using namespace qmur;
@@ -20,9 +22,18 @@ bool isOpen(const Element *first, Element border) {
 /// How far spans go element by element; most of those that end soon have ended by then.
 constexpr int fewColumns = 16;
 
+/// Whether as many elements as are compared at once would be read from one line of the cache, and so from no page but
+/// that of the first: behind a border there may be nothing that can be read.
+template <class Element>
+bool beginsLine(const Element *first) {
+    return reinterpret_cast<std::uintptr_t>(first) % (comparedAtOnce<Element> * sizeof(Element)) == 0;
+}
+
 /// The rest of spanBegin() and spanEnd() for spans that go on.
 template <class Element>
 [[gnu::noinline]] int farBegin(const Element *row, int x, Element border, int limit) {
+    while (x >= limit && row[x] != border && !beginsLine(row + x + 1))
+        --x;
     while (x - static_cast<long long>(limit) >= comparedAtOnce<Element> &&
            isOpen(row + (x - comparedAtOnce<Element> + 1), border))
         x -= comparedAtOnce<Element>;
@@ -32,6 +43,8 @@ template <class Element>
 }
 template <class Element>
 [[gnu::noinline]] int farEnd(const Element *row, int x, Element border, int limit) {
+    while (x < limit && row[x] != border && !beginsLine(row + x))
+        ++x;
     while (static_cast<long long>(limit) - x >= comparedAtOnce<Element> && isOpen(row + x, border))
         x += comparedAtOnce<Element>;
     while (x < limit && row[x] != border)

@@ -234,8 +234,7 @@ void forEachSteppedRow(const SteppedEdge<fractionBits, Type> &leftEdge,
     std::array<Start, atOnce> starts;
     for (int y = rows.begin; y < rows.end;) {
         int count = 0;
-        for (const int end = rows.end - y > atOnce ? y + atOnce : rows.end; y < end;
-             ++y, left.advance(), right.advance()) {
+        for (int taken = 0; taken < atOnce && y < rows.end; ++taken, ++y, left.advance(), right.advance()) {
             const int first = left.value.x >> fractionBits;
             const Span columns = intersection({first, right.value.x >> fractionBits}, window.columns);
             // The width is that of the fixed-point numbers; it may differ from that of the columns by one.

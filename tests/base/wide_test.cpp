@@ -1,11 +1,15 @@
 #include "base/wide.h"
 
+#include <q_Mur.h>
+
 #include "support/precision.h"
 
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <cstdint>
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -55,5 +59,26 @@ TEST(AtFullWidth, computes_with_64_bits_rounds_once_and_restores_what_it_found) 
     }
 }
 #endif
+
+TEST(AtFullWidth, draws_the_same_under_every_rounding_of_the_host) {
+    constexpr int side = 80;
+    const auto drawn = [](int rounding) {
+        std::vector<q_ulong> bubble(side * side);
+        std::vector<q_ulong> shape(side * side);
+        for (int i = 0; i < side * side; ++i)
+            shape[static_cast<std::size_t>(i)] =
+                (i % side - 40) * (i % side - 40) + (i / side - 40) * (i / side - 40) < 1400;
+        tagRECT rect = {0, 0, side, side};
+        std::fesetround(rounding);
+        MakeBubbleResource(bubble.data(), side, 0, 0, side, 1);
+        ConvertBlock2LightInfom(shape.data(), &rect, side, 64, 40, 0, 1000000);
+        std::fesetround(FE_TONEAREST);
+        bubble.insert(bubble.end(), shape.begin(), shape.end());
+        return bubble;
+    };
+    const std::vector<q_ulong> expected = drawn(FE_TONEAREST);
+    for (const int rounding : {FE_DOWNWARD, FE_UPWARD, FE_TOWARDZERO})
+        EXPECT_EQ(drawn(rounding), expected) << rounding;
+}
 
 } // namespace
