@@ -316,10 +316,10 @@ Areas spikes(const Call &call) {
 }
 void arrangeSpikes(Call &call, Random &random) {
     const Plane &plane = call["surface"].plane();
-    const auto near = [&](int extent) {
+    const auto about = [&](int extent) {
         return random.oneIn(4) ? random.between(-10, extent + 9) : random.between(0, extent);
     };
-    call.set({{"x", near(plane.width())}, {"y", near(plane.height())}});
+    call.set({{"x", about(plane.width())}, {"y", about(plane.height())}});
     call["size"] = random.between(-1, random.oneIn(8) ? 40 : 14);
     for (const auto channel : {"red", "green", "blue"})
         call[channel] = random.oneIn(10) ? random.between(-600, 900) : random.between(0, 255);
