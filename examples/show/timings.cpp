@@ -10,7 +10,7 @@
 namespace show {
 
 double threadSeconds() {
-#ifdef CLOCK_THREAD_CPUTIME_ID
+#if defined(CLOCK_THREAD_CPUTIME_ID) && !defined(_WIN32) // Windows counts a thread's time in steps of 15 ms.
     timespec time = {};
     if (clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time) == 0)
         return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
