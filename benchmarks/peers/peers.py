@@ -88,7 +88,6 @@ def measure(workers, names, rounds, seconds):
             able = [worker for worker in workers if name in worker.jobs]
             for worker in able:
                 worker.ask("prepare", name)
-                worker.ask("time", seconds / 2)
             for _ in range(TURNS):
                 for worker in random.sample(able, len(able)):
                     taken[name][worker.name].append(float(worker.ask("time", seconds)))
@@ -210,7 +209,7 @@ def main():
     parser.add_argument("regex", nargs="?", default="")
     parser.add_argument("--set", action="append", default=[], dest="sets")
     parser.add_argument("--check", action="store_true")
-    parser.add_argument("--rounds", type=int, default=7)
+    parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--seconds", type=float, default=0.02)
     parser.add_argument("--compiler", default="unknown")
     parser.add_argument("--json", type=pathlib.Path)
