@@ -3,11 +3,12 @@
 
 usage: peers.py [--set sse2|v3|v4]... [--check] [--rounds N] [--seconds S] [--picture FILE] DIRECTORY [REGEX]
 
-DIRECTORY holds the workers, a program for each library. A REGEX selects workloads. With --set this library runs on those
-instruction sets, with several on each of them, the first being the one that others are compared with. First every
-worker's picture is compared with ours; --check stops there. Then each round takes the workloads in a random order, and in
-each the libraries in a random order several times. What is counted is the time on a processor of all threads of a worker,
-so that what else runs does little harm. Written are JSON (--json) and bars (--picture).
+DIRECTORY holds the workers, a program for each library; one that does not run is left out. A REGEX selects workloads.
+With --set this library runs on those instruction sets, the first being the one that others are compared with. First
+every worker's picture is compared with ours; --check stops there. Then each round takes the workloads in a random
+order, and in each the libraries in a random order several times, each time after as long a time that is not counted.
+What is counted is the time on a processor, of all threads of a worker, so that what else runs does little harm. Written
+are JSON (--json) and bars (--picture).
 """
 
 import argparse
@@ -32,10 +33,10 @@ class Worker:
         self.process = subprocess.Popen(
             [program, *arguments], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1
         )
-        self.name = self.process.stdout.readline().strip()
-        if not self.name:
-            sys.exit(f"{program.name} {' '.join(arguments)} does not run")
+        self.name = self.process.stdout.readline().strip()  # empty if it does not run
         self.jobs = {}
+        if not self.name:
+            return
         self.process.stdin.write("jobs\n")
         for line in iter(self.process.stdout.readline, "\n"):
             name, unit, count, tolerance, functions, note = line.rstrip("\n").split("\t")
@@ -131,10 +132,9 @@ def print_table(rows, sets):
             off = f"{library['mean']:8.2f}{library['percentile99']:6}" if "mean" in library else f"{'':14}"
             note = f"  {library['note']}" if library["note"] else ""
             functions = library["functions"]
-            print(
-                f"    {functions:<39.39} {library['name']:<16}{library['nanoseconds']:10.3f}{ratios}{off}{note}".rstrip()
-            )
-    print("\nns is for one of the units. Then follows how many times our time it is, on each set: above 1 we are faster.")
+            head = f"    {functions:<39.39} {library['name']:<16}{library['nanoseconds']:10.3f}"
+            print(f"{head}{ratios}{off}{note}".rstrip())
+    print("\nns is for one of the units. Then follows how many times our time it is: above 1 we are faster.")
     print("mean and 99th percentile are of the differences between the channels of its picture and ours.")
 
 
@@ -145,8 +145,9 @@ def best_peer(row):
 
 def print_losses(rows, which):
     pairs = [(row, best_peer(row)) for row in rows]
-    lost = [(row, best) for row, best in pairs if best and best["ratios"][which] < 1]
-    print(f"{which} leads in {sum(1 for _, best in pairs if best) - len(lost)} of {sum(1 for _, b in pairs if b)}; lost:")
+    pairs = [(row, best) for row, best in pairs if best]
+    lost = [(row, best) for row, best in pairs if best["ratios"][which] < 1]
+    print(f"{which} leads in {len(pairs) - len(lost)} of {len(pairs)}; lost:")
     for row, best in lost:
         print(f"    {row['workload']}: {best['ratios'][which]:.2f} x {best['name']} {best['note']}".rstrip())
 
@@ -175,8 +176,8 @@ def write_picture(path, rows, sets, about):
     ]
     x = 16
     for index, name in enumerate(sets):
-        swatch = f'<rect x="{x}" y="56" width="12" height="12" fill="#2f7d5b"/>' if index == 0 else dot(x + 6, 62, index)
-        parts += [swatch, text(x + 18, 67, name, grey)]
+        bar = f'<rect x="{x}" y="56" width="12" height="12" fill="#2f7d5b"/>'
+        parts += [dot(x + 6, 62, index) if index else bar, text(x + 18, 67, name, grey)]
         x += 110
     for power in range(lowest, math.floor(highest) + 1):
         x = along(2**power)
@@ -216,11 +217,19 @@ def main():
     parser.add_argument("--picture", type=pathlib.Path)
     options = parser.parse_intermixed_args()
 
-    prefix = "q_Mur_peer_"
-    workers = [Worker(options.directory / f"{prefix}ours", *([which] if which else [])) for which in options.sets or [""]]
+    programs = sorted(options.directory.glob("q_Mur_peer_*"))
+    workers = [Worker(options.directory / "q_Mur_peer_ours", which) for which in options.sets or [""]]
+    if not all(worker.name for worker in workers):
+        sys.exit("q_Mur_peer_ours does not run")
     sets = [worker.name for worker in workers]
-    programs = sorted(options.directory.glob(f"{prefix}*"))
-    workers += [Worker(program) for program in programs if program.name != f"{prefix}ours"]
+    for program in programs:
+        if program.name == "q_Mur_peer_ours":
+            continue
+        worker = Worker(program)
+        if worker.name:
+            workers.append(worker)
+        else:
+            print(f"{program.name} does not run and is left out")
     names = [name for name in workers[0].jobs if re.search(options.regex, name)]
     if not names:
         sys.exit(f"no workload is called {options.regex}")
@@ -244,7 +253,8 @@ def main():
 
     rows = results(workers, names, differences, measure(workers, names, options.rounds, options.seconds))
     print_table(rows, sets)
-    print_losses(rows, sets[0])
+    for which in sets:
+        print_losses(rows, which)
     if options.json:
         options.json.write_text(json.dumps({"about": about, "workloads": rows}, indent=1) + "\n")
     if options.picture:

@@ -15,8 +15,7 @@
 //   picture NAME FILE prepares the workload, does it once and writes its pixels
 //   compare NAME FILE does the same and answers how far its channels are from those in the file: mean, 99th percentile
 //   prepare NAME      prepares it to be timed
-//   time SECONDS      does it for about as long twice and answers the nanoseconds that it took on a processor in the
-//   end
+//   time SECONDS      does it for about as long, twice, and answers how many nanoseconds it took the second time
 
 namespace peers {
 namespace {
@@ -99,7 +98,7 @@ private:
         std::cout << sum / channels << '\t' << percentile;
     }
 
-    /// Of all threads of this process, and of no other one.
+    /// What all threads of this process have taken on processors, and no other one.
     static double processorSeconds() {
         timespec now;
         clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);

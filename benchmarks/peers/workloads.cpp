@@ -10,7 +10,7 @@ namespace peers {
 namespace {
 
 /// The largest picture, with room for what filters read behind it.
-constexpr std::size_t planeBytes = std::size_t{48} << 20;
+constexpr std::size_t planeBytes = std::size_t{16} << 20;
 
 /// The planes of every process, on large pages, so that nobody is lucky with the ones that he gets, and a little apart
 /// from each other in the caches.
