@@ -543,6 +543,7 @@ std::vector<Row> copyRows() {
 }
 
 std::vector<Row> scalingRows() {
+    const Exception unfilteredBottomUp = {"pictures_stored_bottom_up", "a source stored bottom-up is not filtered"};
     return {
         scaled({Q_MUR_FUNCTION(iBltNear32), .sentence = "Scales a rectangle onto another, nearest pixel.",
                 .reads = nearest(unsigned12_20), .topByte = copied, .sums = stayInside, .arrange = turnSourceOut}),
@@ -559,11 +560,12 @@ std::vector<Row> scalingRows() {
                 .sentence =
                     "Scales a rectangle onto another, filtered but for the last source row, which is copied whole.",
                 .reads = on("src", filteredAbove), .topByte = cleared, .sums = stayInside,
-                .arrange = inTurn(turnSourceOut, tightenSometimes)}),
+                .arrange = inTurn(turnSourceOut, tightenSometimes), .without = {unfilteredBottomUp}}),
         scaled({Q_MUR_FUNCTION(iBltAdaptive32),
                 .sentence = "Scales a rectangle onto another: filtered where it grows by half, else nearest pixel.",
                 .reads = on("src", adaptively), .topByte = copied, .sums = stayInside,
-                .arrange = inTurn(turnSourceOut, tightenSometimes, matchSizesSometimes)}),
+                .arrange = inTurn(turnSourceOut, tightenSometimes, matchSizesSometimes),
+                .without = {unfilteredBottomUp}}),
         {Q_MUR_FUNCTION(iBltPerfect32),
          .sentence = "Copies or scales a rectangle that is placed in sixteenths of a pixel, filtered.",
          .arguments = surfaces + dstRect + srcRect + pitches, .writes = on("dst", drawnSixteenths),

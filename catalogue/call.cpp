@@ -95,21 +95,37 @@ void Value::fitTo(const Plane &destination) {
         content);
 }
 
-Value Value::copy(Copies &copies) const {
+template <class Own>
+Value Value::copyWith(Own own) const {
     Value copied = *this;
-    const auto own = [&copies](const char *, auto &part) {
+    const auto pass = [&own](const char *, auto &part) {
         if constexpr (std::is_same_v<std::decay_t<decltype(part)>, Plane>)
-            part = part.copy(copies);
+            part = own(part);
     };
     std::visit(
         [&]<class Held>(Held &held) {
             if constexpr (IsBlock<Held>)
-                Held::eachPart(held, own);
+                Held::eachPart(held, pass);
             else
-                own("", held);
+                pass("", held);
         },
         copied.content);
     return copied;
+}
+
+Value Value::copy(Copies &copies) const {
+    return copyWith([&copies](const Plane &plane) { return plane.copy(copies); });
+}
+
+Value Value::turnedOver(Copies &copies) const {
+    Value turned = copyWith([&copies](const Plane &plane) { return plane.turnedOver(copies); });
+    std::visit(
+        []<class Held>(Held &held) {
+            if constexpr (IsBlock<Held>)
+                held.settled();
+        },
+        turned.content);
+    return turned;
 }
 
 void Value::restore(const Value &earlier) {
@@ -172,6 +188,16 @@ Call::Call(const Call &other) : description(other.description), result(other.res
     values.reserve(other.values.size());
     for (const Value &value : other.values)
         values.push_back(value.copy(copies));
+}
+
+Call Call::turnedOver() const {
+    Call call(*description);
+    call.result = result;
+    Copies copies;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        call.values[i] = values[i].turnedOver(copies);
+    call.settle();
+    return call;
 }
 
 Call Call::sharingMemory() const {

@@ -177,12 +177,12 @@ bool keepsToContract(const Call &call) {
     return true;
 }
 
-Call randomCall(const Row &row, Random &random) {
+Call randomCall(const Row &row, Random &random, tagPOINT size) {
     Call call(row);
     fill(call, [&](std::size_t i) -> Value {
         if (isSurface(row.arguments[i].kind)) {
-            const int width = random.between(1, 16);
-            const int height = random.between(1, 16);
+            const int width = size.x > 0 ? static_cast<int>(size.x) : random.between(1, 16);
+            const int height = size.y > 0 ? static_cast<int>(size.y) : random.between(1, 16);
             return Plane::randomSurface(random, width, height);
         }
         return randomValue(call, i, random);

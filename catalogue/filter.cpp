@@ -289,7 +289,8 @@ Row lightMap(Row row) {
     row.reads = readsSearched;
     row.arrange = arrangeMask;
     row.scenes = {{.set = setShape, .figures = 1, .figure = "maps"}};
-    row.without = {{"every_place_and_size_over_a_small_surface", "rows are searched to the ends of their pitch"}};
+    row.without = {{"every_place_and_size_over_a_small_surface", "rows are searched to the ends of their pitch"},
+                   {"pictures_stored_bottom_up", "rows are searched to the ends of their pitch"}};
     return row;
 }
 
@@ -325,7 +326,8 @@ std::vector<Row> filterRows() {
          .arguments = inPlace, .writes = on("surface", interior), .reads = nextToInterior, .topByte = cleared,
          .sums = stayInside,
          .without = {{"reads_nothing_outside_its_region", "each call draws its direction"},
-                     {"two_threads_on_separate_surfaces", "each call draws its direction"}}},
+                     {"two_threads_on_separate_surfaces", "each call draws its direction"},
+                     {"pictures_stored_bottom_up", "each call draws its direction"}}},
         {Q_MUR_FUNCTION(CrossBlur_Rect),
          .sentence = "Averages the four neighbours of each pixel, beside it and at its corners in turn.",
          .arguments = privateBlock("lut", "_PRIVATE_LUT_DATA") + inPlace, .writes = on("surface", interior),

@@ -125,12 +125,15 @@ Row figure(const Target &target, std::string_view called, double figures, Row ro
     row.scenes.front().figure = called;
     return row;
 }
+constexpr std::string_view farAwayTakesSeconds =
+    "a line is walked outside of its clip too, so that ends far away take seconds";
+
 /// A row of lines or curves through the places of the names.
 Row stroke(const Target &target, std::initializer_list<std::string_view> names, Row row) {
     const std::string_view of = target.on.name;
     row.arguments = target.on + each(names, position("", of)) + target.value + clip("clip", of) + pitch("pitch", of);
-    row.without = {
-        {"numbers_at_their_ends", "a line is walked outside of its clip too, so that ends far away take seconds"}};
+    row.without = {{"numbers_at_their_ends", farAwayTakesSeconds},
+                   {"clips_hold_at_the_ends_of_numbers", farAwayTakesSeconds}};
     return row;
 }
 Row line(const Target &target, Row row) {
@@ -156,6 +159,7 @@ Row smoothCurve(const Target &target, Row row) {
     };
     row.arrange = arrangeSmoothCurve;
     row.scenes = {{.set = setSmoothCurve}};
+    row.without = {{"clips_hold_at_the_ends_of_numbers", farAwayTakesSeconds}};
     return figure(target, "curves", 24, std::move(row));
 }
 

@@ -206,8 +206,8 @@ void forEachRow(const std::function<void(const Row &)> &visit);
 /// Whether a call keeps to the contract: numbers within their ranges, nothing read or written outside of its planes.
 bool keepsToContract(const Call &call);
 
-/// A call with arguments drawn from `random`, inside the contract.
-Call randomCall(const Row &row, Random &random);
+/// A call with arguments drawn from `random`, inside the contract, on small surfaces or on those of a size.
+Call randomCall(const Row &row, Random &random, tagPOINT size = {0, 0});
 
 /// A call as a scene sets it.
 Call sceneCall(const Row &row, const Scene &scene, const Stage &stage);

@@ -8,9 +8,10 @@
 namespace proofs {
 
 const std::vector<Proof> &allProofs() {
-    static const std::vector<Proof> all = {agreesWithTwin,       overlappingSurfaces, everyPlaceAndSize,
-                                           writesNothingOutside, readsNothingOutside, endsOfNumbers,
-                                           channelPairs,         twoThreads};
+    static const std::vector<Proof> all = {
+        agreesWithTwin,      overlappingSurfaces, everyPlaceAndSize, writesNothingOutside,
+        readsNothingOutside, endsOfNumbers,       channelPairs,      twoThreads,
+        storedBottomUp,      clipsHold,           largeSizes};
     return all;
 }
 
@@ -63,6 +64,18 @@ std::string described(const Call &call) {
 bool isInside(const Areas &areas, std::string_view argument, const tagPOINT &place) {
     return std::any_of(areas.begin(), areas.end(),
                        [&](const Area &area) { return area.argument == argument && area.part.contains(place); });
+}
+
+std::string writtenOutside(const Plane &before, const Plane &after, const Areas &areas, std::string_view argument) {
+    const auto was = before.bytes();
+    const auto is = after.bytes();
+    for (auto at = std::mismatch(is.begin(), is.end(), was.begin()); at.first != is.end();
+         at = std::mismatch(at.first + 1, is.end(), at.second + 1)) {
+        const tagPOINT place = after.placeOf(static_cast<std::size_t>(at.first - is.begin()));
+        if (!isInside(areas, argument, place))
+            return std::string(argument) + " (" + std::to_string(place.x) + ", " + std::to_string(place.y) + ")";
+    }
+    return {};
 }
 
 namespace {
