@@ -15,9 +15,9 @@ std::string_view reason(const Row &row) {
 /// Surfaces of every width up to several vector registers, and long and high ones: the call gives what the twin gives.
 void prove(const Row &row) {
     int tried = 0;
-    for (int number = 0; number < 72; ++number) {
+    for (int number = 0; number < 200; ++number) {
         Random random(static_cast<std::uint64_t>(number));
-        const int length = number < 48 ? 17 + number : random.between(65, 520);
+        const int length = number < 48 ? 17 + number : random.between(65, 700);
         const int other = number < 48 ? random.between(1, 40) : random.between(1, 12);
         const bool isHigh = number % 6 == 0;
         const Call call =

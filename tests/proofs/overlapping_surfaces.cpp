@@ -38,7 +38,7 @@ void overlap(Call &call, int dx, int dy, Random &random) {
 }
 
 /// Lays the surfaces of a call on one sheet: the destination in its middle, each source beside it by a little, or above
-/// or below it by about its height, under a pitch that may be below the width, so that rows lie over each other, too.
+/// or below it by about its height, or on another sheet. A pitch below the width lays rows over each other, too.
 void layOnSheet(Call &call, Random &random) {
     const int pitch = random.between(1, 48);
     const Plane sheet = Plane(4, pitch, 1600 / pitch + 64).movedBy(0, 800 / pitch + 32);
@@ -50,7 +50,9 @@ void layOnSheet(Call &call, Random &random) {
             continue;
         const int dy = random.between(-6, 6);
         const int beyond = random.oneIn(2) ? dy < 0 ? -8 : 8 : 0;
-        call[i] = argument.kind == Kind::source ? sheet.movedBy(random.between(-6, 6), dy + beyond) : sheet;
+        const Plane moved = sheet.movedBy(random.between(-6, 6), dy + beyond);
+        Copies copies;
+        call[i] = argument.kind == Kind::destination ? sheet : random.oneIn(2) ? moved : moved.copy(copies);
     }
     call.settle();
 }

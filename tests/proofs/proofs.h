@@ -20,6 +20,7 @@ using catalogue::Areas;
 using catalogue::Argument;
 using catalogue::Box;
 using catalogue::Call;
+using catalogue::Copies;
 using catalogue::Fence;
 using catalogue::isNumber;
 using catalogue::isSurface;
