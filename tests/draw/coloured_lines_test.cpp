@@ -1,7 +1,6 @@
 #include "support/pictures.h"
 
 #include <array>
-#include <limits>
 
 namespace {
 
@@ -27,7 +26,7 @@ const Colours shades = {{'.', old}, {'w', 0xFFFFFF}, {'b', 0}};
 
 TEST(DDLine_Fat, half_width_0_is_a_black_line_and_below_0_there_is_none) {
     EXPECT_EQ(rowsOf(fatOn(Surface(5, 3, old), 1, 1, 3, 1, 0xFFFFFF, 0), shades), (Rows{".....", ".bbb.", "....."}));
-    for (const int halfWidth : {-1, -100, std::numeric_limits<int>::min()})
+    for (const int halfWidth : {-1, -100, leastInt})
         EXPECT_EQ(rowsOf(fatOn(Surface(5, 3, old), 1, 1, 3, 1, 0xFFFFFF, halfWidth), shades), Rows(3, "....."));
 }
 

@@ -1,11 +1,13 @@
 #include "proofs.h"
+#include "support/numbers.h"
 
 #include <algorithm>
-#include <climits>
 #include <iterator>
 
 namespace proofs {
 namespace {
+
+using test::greatestInt, test::leastInt;
 
 /// The argument that says where the clip is, its width where it begins at (0, 0).
 const Argument *clipOf(const Row &row) {
@@ -49,7 +51,7 @@ bool leavesItsClip(const Row &row) {
 void sendFarAway(Call &call, Random &random) {
     const auto far = [&random] {
         const int distance = random.between(0, random.oneIn(2) ? 2 : 20);
-        return random.oneIn(2) ? INT_MIN + distance : INT_MAX - distance;
+        return random.oneIn(2) ? leastInt + distance : greatestInt - distance;
     };
     for (std::size_t i = 0; i < call.size(); ++i) {
         const Argument &argument = call.row().arguments[i];
@@ -92,14 +94,14 @@ bool staysInside(const Call &before) {
 /// Empty clips at the ends of numbers draw what the twin draws. Figures that begin or end there, whether
 /// they keep to the contract or not, draw nothing outside of their clip.
 void prove(const Row &row) {
-    constexpr tagRECT empty[] = {{INT_MAX, 0, 9, 9},
-                                 {0, INT_MAX, 9, 9},
-                                 {0, 0, INT_MIN, 9},
-                                 {0, 0, 9, INT_MIN},
-                                 {INT_MAX, 0, INT_MAX, 9},
-                                 {0, INT_MAX, 9, INT_MAX},
-                                 {INT_MAX, INT_MAX, INT_MIN, INT_MIN},
-                                 {INT_MIN, INT_MIN, INT_MIN, INT_MIN}};
+    constexpr tagRECT empty[] = {{greatestInt, 0, 9, 9},
+                                 {0, greatestInt, 9, 9},
+                                 {0, 0, leastInt, 9},
+                                 {0, 0, 9, leastInt},
+                                 {greatestInt, 0, greatestInt, 9},
+                                 {0, greatestInt, 9, greatestInt},
+                                 {greatestInt, greatestInt, leastInt, leastInt},
+                                 {leastInt, leastInt, leastInt, leastInt}};
     const bool isHeld = !leavesItsClip(row);
     for (int number = 0; number < 1000; ++number) {
         Random random(static_cast<std::uint64_t>(number));

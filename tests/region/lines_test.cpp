@@ -51,13 +51,4 @@ TEST(iLine, the_part_inside_the_clip_has_the_pixels_of_the_whole_line) {
         }
 }
 
-TEST(iLine, a_picture_stored_bottom_up_is_drawn_by_a_negative_pitch) {
-    Surface dst(8, 8);
-    tagRECT clip = dst.rect();
-    iLine(&dst.at(0, 7), 1, 0, 5, 7, colour, &clip, -dst.pitch());
-    EXPECT_EQ(dst.at(1, 7), colour);
-    EXPECT_EQ(dst.at(5, 0), colour);
-    EXPECT_EQ(dst.at(1, 0), 0u);
-}
-
 } // namespace

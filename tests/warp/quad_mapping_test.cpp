@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <climits>
 
 namespace {
 
 using test::blank;
+using test::greatestInt, test::leastInt;
 using test::painted;
 using test::place;
 using test::placesOf;
@@ -139,7 +139,8 @@ TEST(iPsudoBilinearMapping, a_figure_beyond_column_1024_is_drawn_from_there) {
 
 TEST(iPsudoBilinearMapping, a_figure_as_high_as_the_numbers_reads_nothing_beside_the_scratch_surface) {
     Surface src = placesOf(8, 6);
-    const Surface dst = pseudo(src, upright(0, INT_MIN, 8, INT_MAX));
+    const Surface dst = pseudo(src, upright(0, leastInt, 8, greatestInt));
+    EXPECT_EQ(dst.at(3, 0), place(3, 0));
     for (int y = 1; y < 6; ++y)
         for (int x = 0; x < 8; ++x)
             EXPECT_EQ(dst.at(x, y), dst.at(x, 0)) << "a step of 0 stays on the first row";
@@ -229,8 +230,8 @@ TEST(iAffineMapping, the_first_source_line_counts_twice) {
 
 TEST(iAffineMapping, a_figure_as_wide_as_the_numbers_shows_its_source_and_nothing_beside_it) {
     Surface src = placesOf(8, 8);
-    const Surface wide = affine(src, {{{INT_MIN, 0}, {INT_MAX, 0}, {INT_MAX, 8}, {INT_MIN, 8}}});
-    const Surface high = affine(src, {{{0, INT_MIN}, {8, INT_MIN + 1}, {8, INT_MAX}, {0, INT_MAX}}});
+    const Surface wide = affine(src, {{{leastInt, 0}, {greatestInt, 0}, {greatestInt, 8}, {leastInt, 8}}});
+    const Surface high = affine(src, {{{0, leastInt}, {8, leastInt + 1}, {8, greatestInt}, {0, greatestInt}}});
     for (int i = 0; i < 8; ++i) {
         EXPECT_EQ(wide.at(i, 5), brightPlace(0, 5)) << "a step of 0 stays on the first source pixel";
         EXPECT_EQ(high.at(5, i), brightPlace(5, 0));
