@@ -60,23 +60,6 @@ TEST(iBltNear32_KeySrc, the_step_is_truncated_to_15_fraction_bits) {
 
 // Clipped
 
-TEST(iBltNear32Safe, shows_inside_the_clip_what_stands_there_unclipped_and_nothing_where_they_lie_apart) {
-    Surface src = numbered(5, 7);
-    const tagRECT dstRect = {1, 2, 9, 8};
-    Surface whole(10, 10);
-    stretch(iBltNear32, whole, dstRect, src, src.rect());
-    for (int top = -1; top <= 10; ++top)
-        for (int bottom = -1; bottom <= 11; ++bottom)
-            for (int left = -1; left <= 10; ++left)
-                for (int right = -1; right <= 11; ++right) {
-                    Surface dst(10, 10);
-                    const tagRECT clip = {left, top, right, bottom};
-                    stretchSafe(dst, dstRect, src, src.rect(), clip);
-                    ASSERT_EQ(dst.differenceFrom(showing(Surface(10, 10), left, top, whole, clip)), "")
-                        << left << ", " << top << ", " << right << ", " << bottom;
-                }
-}
-
 TEST(iBltNear32Safe, a_source_turned_inside_out_is_walked_to_the_left) {
     EXPECT_EQ(overSafe(Surface(4, 1), numbered(8, 1), {5, 0, 1, 1}), (Pixels{6, 5, 4, 3}));
 }

@@ -75,21 +75,6 @@ TEST(iLine_AntiAliasing, major_axis_reaches_its_limit_while_the_minor_position_s
     EXPECT_EQ(drawn({-5, 4, 15, 4}), Rows(6, "......"));
 }
 
-TEST(iLine_AntiAliasing, clipping_does_not_bend_a_line) {
-    for (const Ends ends : {Ends{-17, 3, 40, 19}, {40, 2, -17, 22}, {5, -21, 18, 50}, {20, 44, 3, -13}}) {
-        const Ends moved = {ends.x1 + 40, ends.y1 + 40, ends.x2 + 40, ends.y2 + 40};
-        const Surface clipped = lineOn(Surface(24, 24), plainLine, ends, 0xFFEEDD, 3);
-        const Surface whole = lineOn(Surface(120, 120), plainLine, moved, 0xFFEEDD, 3);
-        int drawn = 0;
-        for (int y = 4; y < 20; ++y)
-            for (int x = 4; x < 20; ++x) {
-                ASSERT_EQ(clipped.at(x, y), whole.at(x + 40, y + 40)) << x << ", " << y;
-                drawn += clipped.at(x, y) != 0;
-            }
-        EXPECT_GT(drawn, 16);
-    }
-}
-
 TEST(iLine_AntiAliasing, width_spreads_the_edges_around_the_core) {
     // Width 4: edges at -2 and +2, core -1 to 1, stored whole.
     const Surface surface = lineOn(Surface(9, 8, 0xFF112233), plainLine, {4, 3, 4, 4}, 0x77ABCDEF, 4);

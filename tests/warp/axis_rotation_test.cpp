@@ -8,13 +8,7 @@
 
 namespace {
 
-using test::blank;
-using test::greatestInt, test::leastInt;
-using test::painted;
-using test::place;
-using test::placesOf;
-using test::Surface;
-using test::untouched;
+using namespace test;
 
 constexpr double pi = std::numbers::pi;
 

@@ -8,12 +8,7 @@
 
 namespace {
 
-using test::blank;
-using test::painted;
-using test::place;
-using test::placesOf;
-using test::Surface;
-using test::untouched;
+using namespace test;
 
 /// The arguments that four of the five functions share; the rectangles are all that there is, unless they are others.
 struct Scene {
@@ -131,7 +126,7 @@ TEST(iRotateLinear, mixes_neighbours_at_half_steps) {
 }
 
 TEST(iRotateLinearAA, sets_the_top_byte_of_its_source_even_where_it_draws_nothing) {
-    test::Random random(1);
+    Random random(1);
     const Surface src = Surface::randomOfSize(random, 16, 13);
     const tagRECT rect = {2, 3, 9, 11};
     for (const int width : {0, 1}) {
@@ -214,8 +209,7 @@ TEST(iRotateCircleMapping, an_enormous_radius_stays_inside_its_table) {
     const int radius = sizeof(std::size_t) == 4 ? 0x10000000 + 5 : 100005;
     iRotateCircleMapping(dst.pixels(), &clip, dst.pitch(), src.pixels(), nullptr, src.pitch(), 2, 2, radius, 0.3);
     clip = dst.rect();
-    iRotateCircleMapping(dst.pixels(), &clip, dst.pitch(), src.pixels(), nullptr, src.pitch(), 2, 2, test::leastInt,
-                         0.3);
+    iRotateCircleMapping(dst.pixels(), &clip, dst.pitch(), src.pixels(), nullptr, src.pitch(), 2, 2, leastInt, 0.3);
     EXPECT_EQ(dst.differenceFrom(blank(4, 4)), "");
 }
 

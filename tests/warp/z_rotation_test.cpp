@@ -7,13 +7,7 @@
 
 namespace {
 
-using test::blank;
-using test::greatestInt, test::leastInt;
-using test::painted;
-using test::place;
-using test::placesOf;
-using test::Surface;
-using test::untouched;
+using namespace test;
 
 /// A turn and its arguments; the clip is all that is drawn on, unless it is another.
 struct Scene {
