@@ -49,7 +49,7 @@ bool leavesItsClip(const Row &row) {
 
 /// What is drawn may begin and end anywhere, beyond what the contract allows; where it is read from is trusted.
 void sendFarAway(Call &call, Random &random) {
-    const auto far = [&random] {
+    const auto anEnd = [&random] {
         const int distance = random.between(0, random.oneIn(2) ? 2 : 20);
         return random.oneIn(2) ? leastInt + distance : greatestInt - distance;
     };
@@ -59,13 +59,13 @@ void sendFarAway(Call &call, Random &random) {
         if (random.oneIn(2))
             continue;
         if (argument.kind == Kind::position || argument.kind == Kind::radius)
-            call[i] = far();
+            call[i] = anEnd();
         if (argument.kind != Kind::rectangle || !surface)
             continue;
         tagRECT &rect = call[i].rect();
         q_long *const sides[] = {&rect.left, &rect.top, &rect.right, &rect.bottom};
         if (surface->kind == Kind::destination)
-            *sides[random.between(0, 3)] = far();
+            *sides[random.between(0, 3)] = anEnd();
         else // an extent below 0 may lead from the one end of the numbers to the other
             (random.oneIn(2) ? rect.right : rect.bottom) -= random.between(0, 14);
     }
@@ -91,8 +91,8 @@ bool staysInside(const Call &before) {
     return true;
 }
 
-/// Empty clips at the ends of numbers draw what the twin draws. Figures that begin or end there, whether
-/// they keep to the contract or not, draw nothing outside of their clip.
+/// Figures that begin or end at the ends of numbers, whether they keep to the contract or not, draw nothing outside of
+/// their clip. Empty clips there draw what the twin draws.
 void prove(const Row &row) {
     constexpr tagRECT empty[] = {{greatestInt, 0, 9, 9},
                                  {0, greatestInt, 9, 9},

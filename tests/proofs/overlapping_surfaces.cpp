@@ -57,8 +57,8 @@ void layOnSheet(Call &call, Random &random) {
     call.settle();
 }
 
-/// Source and destination in one surface, up to three pixels apart each way: what is drawn is what rows from
-/// top to bottom and pixels from left to right give. So it is where they begin anywhere on one sheet.
+/// Source and destination in one surface, up to three pixels apart each way: what is drawn is what rows from top to
+/// bottom and pixels from left to right give. So it is where they begin anywhere on one sheet.
 void prove(const Row &row) {
     int tried = 0;
     for (int number = 0; number < 20; ++number)
