@@ -28,25 +28,36 @@ struct PipelineBlock {
     /// The record with its pointers set.
     Data *settled();
 
-    /// Calls `visit(name, part)` for what the functions of the module change, and for what only has to stay.
+    /// Calls `visit(name, part)` for what the module's functions change.
     template <class Block, class Visit>
     static void eachPart(Block &block, Visit visit) {
         auto &data = block.data;
-        visit("workMatrix", data.workMatrix), visit("workAxis", data.workAxis);
-        visit("modelDepth", data.modelDepth), visit("viewDepth", data.viewDepth);
+        visit("workMatrix", data.workMatrix);
+        visit("workAxis", data.workAxis);
+        visit("modelDepth", data.modelDepth);
+        visit("viewDepth", data.viewDepth);
         visit("matrixMode", data.matrixMode);
-        visit("viewportLeft", data.viewportLeft), visit("viewportRight", data.viewportRight);
-        visit("viewportTop", data.viewportTop), visit("viewportBottom", data.viewportBottom);
-        visit("nearLimit", data.nearLimit), visit("farLimit", data.farLimit);
+        visit("viewportLeft", data.viewportLeft);
+        visit("viewportRight", data.viewportRight);
+        visit("viewportTop", data.viewportTop);
+        visit("viewportBottom", data.viewportBottom);
+        visit("nearLimit", data.nearLimit);
+        visit("farLimit", data.farLimit);
         visit("focalLength", data.focalLength);
-        visit("modelStack", block.modelStack), visit("viewStack", block.viewStack);
-        visit("vertexArray0", block.vertexArray0), visit("vertexArray1", block.vertexArray1);
+        visit("modelStack", block.modelStack);
+        visit("viewStack", block.viewStack);
+        visit("vertexArray0", block.vertexArray0);
+        visit("vertexArray1", block.vertexArray1);
         visit("zPlane", block.depths);
     }
+
+    /// The same for what must stay as it was.
     template <class Block, class Visit>
     static void eachKept(Block &block, Visit visit) {
-        visit("limitValue0", block.data.limitValue0), visit("limitValue1", block.data.limitValue1);
-        visit("vertexArrayEntries", block.data.vertexArrayEntries), visit("spanMapper", block.data.spanMapper);
+        visit("limitValue0", block.data.limitValue0);
+        visit("limitValue1", block.data.limitValue1);
+        visit("vertexArrayEntries", block.data.vertexArrayEntries);
+        visit("spanMapper", block.data.spanMapper);
     }
 };
 
@@ -65,12 +76,14 @@ struct TexturedBlock {
 
     template <class Block, class Visit>
     static void eachPart(Block &block, Visit visit) {
-        visit("vertexArray0", block.vertexArray0), visit("vertexArray1", block.vertexArray1);
+        visit("vertexArray0", block.vertexArray0);
+        visit("vertexArray1", block.vertexArray1);
         visit("zPlane", block.depths);
     }
     template <class Block, class Visit>
     static void eachKept(Block &block, Visit visit) {
-        visit("limitValue0", block.data.limitValue0), visit("limitValue1", block.data.limitValue1);
+        visit("limitValue0", block.data.limitValue0);
+        visit("limitValue1", block.data.limitValue1);
         visit("vertexArrayEntries", block.data.vertexArrayEntries);
     }
 };
@@ -89,9 +102,12 @@ struct RegionBlock {
 
     template <class Block, class Visit>
     static void eachPart(Block &block, Visit visit) {
-        visit("planePitch", block.data.planePitch), visit("destPitch", block.data.destPitch);
+        visit("planePitch", block.data.planePitch);
+        visit("destPitch", block.data.destPitch);
         visit("testPitch", block.data.testPitch);
-        visit("plane", block.plane), visit("destSurface", block.destSurface), visit("testSurface", block.testSurface);
+        visit("plane", block.plane);
+        visit("destSurface", block.destSurface);
+        visit("testSurface", block.testSurface);
     }
     template <class Block, class Visit>
     static void eachKept(Block &block, Visit visit) {

@@ -10,7 +10,8 @@
 namespace catalogue {
 namespace {
 
-/// Folds bytes in, eight at a time in the manner of FNV-1a, and turns what is multiplied into the lower bits.
+/// Folds bytes in, eight at a time in the manner of FNV-1a, and brings a product's upper bits down, which a
+/// multiplication never does.
 void addBytes(std::uint64_t &checksum, const void *bytes, std::size_t count) {
     const auto *byte = static_cast<const unsigned char *>(bytes);
     while (count > 0) {

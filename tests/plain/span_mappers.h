@@ -8,6 +8,16 @@
 
 namespace plain {
 
+// The modes of the polygons that draw with span mappers; further bits of their flags are ignored.
+
+constexpr q_ulong litMode = 0x200;
+constexpr q_ulong keyedMode = 0x10100;
+constexpr q_ulong unlitMode = 0x1010;
+constexpr q_ulong flatMode = 0x2210;
+constexpr q_ulong modeOf(q_ulong flags) {
+    return flags & 0xFFFF0;
+}
+
 enum class MappedLight { none, flat, interpolated };
 
 /// What sets one mapper apart from the others.

@@ -19,7 +19,7 @@ const Argument *clipOf(const Row &row) {
 }
 
 std::string_view reason(const Row &row) {
-    if (!row.call.twin)
+    if (!row.functions.twin)
         return "no twin";
     return clipOf(row) ? "" : "no clip";
 }
@@ -76,7 +76,7 @@ bool staysInside(const Call &before) {
     const Row &row = before.row();
     const Argument &clip = *clipOf(row);
     Call after = before;
-    row.call.library(after)();
+    row.functions.library(after)();
     for (std::size_t i = 0; i < after.size(); ++i) {
         const std::string_view name = row.arguments[i].name;
         const Plane *plane = after[i].surface();

@@ -23,7 +23,7 @@ bool isPlace(const Argument &argument) {
 }
 
 std::string_view reason(const Row &row) {
-    if (!row.call.twin)
+    if (!row.functions.twin)
         return "no twin";
     for (const Argument &argument : row.arguments)
         if (isPlace(argument))

@@ -6,7 +6,7 @@ namespace proofs {
 namespace {
 
 std::string_view reason(const Row &row) {
-    if (!row.call.twin)
+    if (!row.functions.twin)
         return "no twin";
     const auto isPicture = [](const Argument &argument) { return isSurface(argument.kind); };
     return std::any_of(row.arguments.begin(), row.arguments.end(), isPicture) ? "" : "no surface";

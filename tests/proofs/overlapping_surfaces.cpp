@@ -8,7 +8,7 @@ namespace {
 constexpr int reach = 3;
 
 std::string_view reason(const Row &row) {
-    if (!row.call.twin)
+    if (!row.functions.twin)
         return "no twin";
     if (row.overlap == Overlap::none)
         return "one surface";

@@ -16,9 +16,9 @@ const std::vector<Proof> &allProofs() {
 }
 
 std::string_view reasonAgainst(const Proof &proof, const Row &row) {
-    for (const catalogue::Exception &exception : row.without)
-        if (exception.proof == proof.name || exception.proof == "every proof")
-            return exception.reason;
+    for (const catalogue::Waiver &waiver : row.waived)
+        if (waiver.proof == proof.name || waiver.proof == "every proof")
+            return waiver.reason;
     return proof.reasonAgainst(row);
 }
 
@@ -31,8 +31,8 @@ void runSeeded(const std::function<catalogue::Run(Call &)> &function, Call &call
 bool agree(const Call &call, const std::string &what) {
     Call result = call;
     Call expected = call;
-    runSeeded(call.row().call.library, result, 1);
-    runSeeded(call.row().call.twin, expected, 1);
+    runSeeded(call.row().functions.library, result, 1);
+    runSeeded(call.row().functions.twin, expected, 1);
     const std::string difference = result.differenceFrom(expected);
     if (!difference.empty())
         ADD_FAILURE() << what << ": " << difference << "\n" << described(call);

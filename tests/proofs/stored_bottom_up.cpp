@@ -20,8 +20,8 @@ void prove(const Row &row) {
         Random random(static_cast<std::uint64_t>(number));
         Call expected = catalogue::randomCall(row, random);
         Call turned = expected.turnedOver();
-        runSeeded(row.call.library, expected, 1);
-        runSeeded(row.call.library, turned, 1);
+        runSeeded(row.functions.library, expected, 1);
+        runSeeded(row.functions.library, turned, 1);
         ASSERT_EQ(turned.turnedOver().differenceFrom(expected), "") << "case " << number << ": " << described(expected);
     }
 }

@@ -14,7 +14,7 @@ void prove(const Row &row) {
         const Call before = catalogue::randomCall(row, random);
         const Areas areas = row.writes(before);
         Call after = before;
-        row.call.library(after)();
+        row.functions.library(after)();
         for (std::size_t i = 0; i < after.size(); ++i) {
             if (const Plane *plane = after[i].surface()) {
                 const Plane &was = *before[i].surface();

@@ -46,13 +46,14 @@ struct Mapper {
 };
 
 const Mapper mappers[] = {
-    {"i3D_Mapping_Linear_HPE", plain::linearHPE, olderMapper(0x200, false), plain::i3D_Mapping_Linear_HPE},
-    {"i3D_Mapping_Linear_HPE_KeySrc", plain::linearHPEKeySrc, olderMapper(0x10100, false),
+    {"i3D_Mapping_Linear_HPE", plain::linearHPE, olderMapper(plain::litMode, false), plain::i3D_Mapping_Linear_HPE},
+    {"i3D_Mapping_Linear_HPE_KeySrc", plain::linearHPEKeySrc, olderMapper(plain::keyedMode, false),
      plain::i3D_Mapping_Linear_HPE_KeySrc},
-    {"i3D_Mapping_Near_HPE", plain::nearHPE, olderMapper(0x200, true), plain::i3D_Mapping_Near_HPE},
-    {"i3D_Mapping_Linear_NoHPE", plain::linearNoHPE, olderMapper(0x2210, false), plain::i3D_Mapping_Linear_NoHPE},
-    {"i3D_Mapping_Near_NoHPE", plain::nearNoHPE, olderMapper(0x2210, true), plain::i3D_Mapping_Near_NoHPE},
-    {"i3D_Mapping_Near_NoLight_NoHPE", plain::nearNoLightNoHPE, olderMapper(0x1010, false),
+    {"i3D_Mapping_Near_HPE", plain::nearHPE, olderMapper(plain::litMode, true), plain::i3D_Mapping_Near_HPE},
+    {"i3D_Mapping_Linear_NoHPE", plain::linearNoHPE, olderMapper(plain::flatMode, false),
+     plain::i3D_Mapping_Linear_NoHPE},
+    {"i3D_Mapping_Near_NoHPE", plain::nearNoHPE, olderMapper(plain::flatMode, true), plain::i3D_Mapping_Near_NoHPE},
+    {"i3D_Mapping_Near_NoLight_NoHPE", plain::nearNoLightNoHPE, olderMapper(plain::unlitMode, false),
      plain::i3D_Mapping_Near_NoLight_NoHPE},
     {"VKD_i3D_Mapping_Linear_HPE", plain::pipelineLinearHPE, VKD_i3D_Mapping_Linear_HPE,
      plain::VKD_i3D_Mapping_Linear_HPE},
@@ -171,7 +172,7 @@ catalogue::Row rowOf(const Mapper &mapper) {
             row = each;
     });
     row.name = mapper.name;
-    row.call = catalogue::callOf(mapper.older, mapper.plainOlder);
+    row.functions = catalogue::callOf(mapper.older, mapper.plainOlder);
     return row;
 }
 
