@@ -559,7 +559,7 @@ std::vector<Row> scalingRows() {
         scaled({Q_MUR_FUNCTION(iBltBilinear32Safe),
                 .sentence =
                     "Scales a rectangle onto another, filtered but for the last source row, which is copied whole.",
-                .reads = on("src", filteredAbove), .topByte = cleared, .sums = stayInside,
+                .reads = on("src", filteredAbove), .topByte = copied, .sums = stayInside,
                 .arrange = inTurn(keepUpright, tightenSometimes), .waived = {unfilteredBottomUp}}),
         scaled({Q_MUR_FUNCTION(iBltAdaptive32),
                 .sentence = "Scales a rectangle onto another: filtered where it grows by half, else nearest pixel.",

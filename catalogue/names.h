@@ -26,8 +26,8 @@ constexpr std::string_view nameOf(Overlap overlap) {
 }
 
 constexpr std::string_view nameOf(TopByte topByte) {
-    constexpr std::string_view names[] = {"cleared",           "copied",       "blended",
-                                          "set by the colour", "disturbs red", "no pixels"};
+    constexpr std::string_view names[] = {"cleared",           "cleared by light", "copied",   "blended",
+                                          "set by the colour", "disturbs red",     "no pixels"};
     static_assert(std::size(names) == static_cast<std::size_t>(TopByte::noPixels) + 1);
     return names[static_cast<std::size_t>(topByte)];
 }

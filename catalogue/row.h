@@ -108,11 +108,12 @@ enum class Overlap {
 
 /// What becomes of the top byte of a pixel that is written.
 enum class TopByte {
-    cleared,     ///< it is 0
-    copied,      ///< it is that of a source, or 0 where nothing is shown
-    blended,     ///< it is computed as the channels are
-    setByColour, ///< it is that of the colour
-    disturbsRed, ///< top bytes that are read count as upper bits of red
+    cleared,        ///< it is 0
+    clearedByLight, ///< it is 0, or full where light leaves a channel below 0; without light it is copied
+    copied,         ///< it is that of a source or a colour, or 0 where pixels are computed
+    blended,        ///< it is computed as the channels are
+    setByColour,    ///< it is that of the colour, or 0 where pixels are computed
+    disturbsRed,    ///< top bytes that are read count as upper bits of red
     noPixels,
 };
 

@@ -221,7 +221,7 @@ Row ofBand(Row row) {
                     each({"zL0", "zL1", "zR0", "zR1"}, number("", "depths", anyInt, {0, 0}));
     row.writes = writesBand;
     row.reads = Region(writesBand) + readsTexture;
-    row.topByte = cleared;
+    row.topByte = clearedByLight;
     row.sums = saturate;
     row.arrange = arrangeBand;
     row.scenes = {{.set = setBand, .isRestored = true}};
@@ -436,7 +436,7 @@ Row ofPolygon(std::size_t corners, std::size_t modeCount, Row row) {
         first(corners, mulNames, number("", "1/256", anyInt, {0, 0})) + choice("flags", anyWord, plain::litMode);
     row.writes = onDst + onDepths;
     row.reads = onDst + onDepths + readsCorners<3> + readsTexels;
-    row.topByte = cleared;
+    row.topByte = clearedByLight;
     row.sums = saturate;
     row.arrange = arrangePolygon;
     row.scenes = polygonScenes(std::span(modes).first(modeCount), isQuad);

@@ -518,7 +518,7 @@ std::vector<Row> warpRows() {
                      .sentence = "Stretches a picture onto a turned rectangle, filtered, along its traced edges.",
                      .reads = on("src", tracedSource), .topByte = cleared}),
         {Q_MUR_FUNCTION(iRotateCircleMapping), .sentence = "Turns a disc of a picture on the spot.",
-         .arguments = centreArguments(orNull(unused("srcRect"))) + radius("radius", {-300, 300}, {60, 60}) +
+         .arguments = centreArguments(orNull(unused("srcRect"))) + radius("radius", {-50, 300}, {60, 60}) +
                       angle("angle", nearCircle),
          .writes = on("dst", "clipRect"), .reads = on("src", discBox), .overlap = Overlap::notPromised,
          .topByte = copied, .sums = stayInside, .arrange = arrangeDisc, .scenes = {{"", turningDisc}},

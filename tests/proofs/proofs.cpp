@@ -8,10 +8,10 @@
 namespace proofs {
 
 const std::vector<Proof> &allProofs() {
-    static const std::vector<Proof> all = {
-        agreesWithTwin,      overlappingSurfaces, everyPlaceAndSize, writesNothingOutside,
-        readsNothingOutside, endsOfNumbers,       channelPairs,      twoThreads,
-        storedBottomUp,      clipsHold,           largeSizes};
+    static const std::vector<Proof> all = {agreesWithTwin,       overlappingSurfaces, everyPlaceAndSize,
+                                           writesNothingOutside, readsNothingOutside, endsOfNumbers,
+                                           channelPairs,         topBytesAndSums,     twoThreads,
+                                           storedBottomUp,       clipsHold,           largeSizes};
     return all;
 }
 

@@ -47,6 +47,7 @@ extern const Proof writesNothingOutside;
 extern const Proof readsNothingOutside;
 extern const Proof endsOfNumbers;
 extern const Proof channelPairs;
+extern const Proof topBytesAndSums;
 extern const Proof twoThreads;
 extern const Proof storedBottomUp;
 extern const Proof clipsHold;
