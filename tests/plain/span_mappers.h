@@ -100,9 +100,8 @@ template <const MapperKind &kind, class Block, class... Numbers>
 void mapSpans(Block *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstPitch, q_ulong texPitch,
               Numbers... numbers) {
     const int n[] = {numbers...};
-    const auto ends = [&n](int i) { return Ends{n[4 * i], n[4 * i + 1], n[4 * i + 2], n[4 * i + 3]}; };
     drawTexturedBand(kind, *data, {dst, signed32(dstPitch)}, {tex, signed32(texPitch)}, *clip,
-                     {ends(0), ends(1), ends(2), ends(3), ends(4), ends(5), ends(6)});
+                     bandOf<TexturedBand>(n, std::make_index_sequence<7>()));
 }
 
 inline constexpr MapperKind linearHPE = {.fractionBits = 16, .isFiltered = true};
