@@ -164,12 +164,12 @@ void arrangeGrids(Call &call, Random &random) {
 
 void setGrids(Call &call, const Stage &) {
     int made = 3;
-    for (std::size_t i = 0; i < call.size(); ++i)
-        if (call.row().arguments[i].kind == Kind::points) {
-            call[i] =
-                Plane::array<float>(4 * 64 * 64, [made](int word) { return static_cast<float>(word * made % 211); });
-            ++made;
-        }
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        if (call.row().arguments[i].kind != Kind::points)
+            continue;
+        call[i] = Plane::array<float>(4 * 64 * 64, [made](int word) { return static_cast<float>(word * made % 211); });
+        ++made;
+    }
 }
 
 Row grid(Row row) {

@@ -116,7 +116,7 @@ struct Target {
 const Target onPixels = {destination("surface"), colour("color"), setByColour};
 const Target onBytes = {plane("plane"), number("value", "", anyByte, {255, 255}), noPixels};
 
-Row figure(const Target &target, std::string_view unit, double figures, Row row) {
+Row strokes(const Target &target, std::string_view unit, double figures, Row row) {
     row.writes = row.writes ? row.writes : on(target.on.name, "clip");
     row.topByte = target.topByte;
     row.arrange = inTurn(makePlane, row.arrange);
@@ -141,13 +141,13 @@ Row line(const Target &target, Row row) {
     row.allows = lineIsNoLongerThanItsFormat;
     row.arrange = arrangeLine;
     row.scenes = {{.set = setLine, .calls = 720}};
-    return figure(target, "lines", 720, stroke(target, {"x1", "y1", "x2", "y2"}, std::move(row)));
+    return strokes(target, "lines", 720, stroke(target, {"x1", "y1", "x2", "y2"}, std::move(row)));
 }
 Row curve(const Target &target, Row row) {
     row.arrange = arrangeCurve;
     row.scenes = {{.set = setCurve, .calls = 100}};
-    return figure(target, "curves", 100,
-                  stroke(target, {"x0", "y0", "x1", "y1", "x2", "y2", "x3", "y3"}, std::move(row)));
+    return strokes(target, "curves", 100,
+                   stroke(target, {"x0", "y0", "x1", "y1", "x2", "y2", "x3", "y3"}, std::move(row)));
 }
 Row smoothCurve(const Target &target, Row row) {
     const std::string_view of = target.on.name;
@@ -160,7 +160,7 @@ Row smoothCurve(const Target &target, Row row) {
     row.arrange = arrangeSmoothCurve;
     row.scenes = {{.set = setSmoothCurve}};
     row.waived = {{"clips_hold_at_the_ends_of_numbers", farAwayTakesSeconds}};
-    return figure(target, "curves", 24, std::move(row));
+    return strokes(target, "curves", 24, std::move(row));
 }
 
 // Region fills: what they work on stands in the private block.

@@ -21,7 +21,6 @@ enum class Kind {
     source,       ///< pixels that are read
     scratch,      ///< pixels whose content is lost
     plane,        ///< bytes, a plane of 8 bits
-    depths,       ///< shorts, a Z plane
     rectangle,    ///< an area of a surface
     clip,         ///< a rectangle beyond which nothing is drawn
     point,        ///< a place on a surface
