@@ -126,7 +126,7 @@ void setPoint(Call &call, const Stage &stage) {
 /// What most rows have in common: they change or measure single points.
 void describePoint(Row &row) {
     if (row.scenes.empty())
-        row.scenes = {{.set = setPoint, .figure = "Mpoints", .calls = 1000}};
+        row.scenes = {{.set = setPoint, .figures = 1000, .figure = "Mpoints", .calls = 1000}};
     if (!row.arrange)
         row.arrange = arrange;
     const bool isGrid = row.argument("columns");
