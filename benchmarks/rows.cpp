@@ -60,7 +60,7 @@ public:
     Work(const Row &row, const Scene &drawn, const Stage &stage)
         : scene(drawn), calls(catalogue::sceneCalls(row, scene, stage)) {
         for (Call &call : calls)
-            runs.push_back(row.call.library(call));
+            runs.push_back(row.functions.library(call));
         if (scene.isRestored)
             before.emplace(calls.front());
     }
@@ -112,12 +112,12 @@ Outcome checked(const Row &row, const Scene &scene, const Stage &stage) {
     };
     seed();
     for (Call &call : drawn)
-        row.call.library(call)();
-    if (row.call.twin) {
+        row.functions.library(call)();
+    if (row.functions.twin) {
         std::vector<Call> expected = catalogue::sceneCalls(row, scene, stage);
         seed();
         for (Call &call : expected)
-            row.call.twin(call)();
+            row.functions.twin(call)();
         for (const std::size_t i : {std::size_t{0}, drawn.size() - 1}) {
             const std::string wrong = drawn[i].differenceFrom(expected[i]);
             if (!wrong.empty())
@@ -199,14 +199,14 @@ void addRows() {
         for (const Scene &scene : catalogue::scenesOf(row)) {
             const Measure by = measureOf(row, scene);
             const std::string name = row.fullName();
-            const std::string word(scene.word);
             if (by == Measure::pictures)
                 for (const Stage &stage : pictureStages)
-                    add(name + (word.empty() ? "" : " " + word) + "/" + sizeOf(stage), row, scene, stage, by);
+                    add(name + (scene.label.empty() ? "" : " " + scene.label) + "/" + sizeOf(stage), row, scene, stage,
+                        by);
             else if (by == Measure::figures)
-                add(name + "/" + (word.empty() ? "scene" : word), row, scene, figureStage, by);
+                add(name + "/" + (scene.label.empty() ? "scene" : scene.label), row, scene, figureStage, by);
             else
-                add(name + (word.empty() ? "" : " " + word) + "/call", row, scene, figureStage, by);
+                add(name + (scene.label.empty() ? "" : " " + scene.label) + "/call", row, scene, figureStage, by);
         }
     });
 }

@@ -115,8 +115,8 @@ inline auto set(std::string_view name, const Value &value) {
     return [=](Call &call, auto &) { call[name] = value; };
 }
 
-/// A step that draws whole numbers.
-inline auto draw(std::initializer_list<std::string_view> names, int low, int high) {
+/// A step that chooses whole numbers.
+inline auto chooseWhole(std::initializer_list<std::string_view> names, int low, int high) {
     return [names = std::vector<std::string_view>(names), low, high](Call &call, Random &random) {
         for (const std::string_view name : names)
             call[name] = random.between(low, high);

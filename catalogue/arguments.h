@@ -29,19 +29,19 @@ inline Argument clip(std::string_view name, std::string_view of) {
 inline Argument point(std::string_view name, std::string_view of) {
     return {.name = name, .kind = Kind::point, .unit = "pixels", .of = of};
 }
-/// A column or row, `drawn` from one place of the stage to another, both as a part of its width or height.
-inline Argument position(std::string_view name, std::string_view of, Range drawn = {0.5, 0.5},
+/// A column or row; its way is a share of the stage's width or height.
+inline Argument position(std::string_view name, std::string_view of, Way inScene = {0.5, 0.5},
                          Range contract = anyInt) {
-    return {.name = name, .kind = Kind::position, .unit = "pixels", .contract = contract, .drawn = drawn, .of = of};
+    return {.name = name, .kind = Kind::position, .unit = "pixels", .contract = contract, .inScene = inScene, .of = of};
 }
 inline Argument extent(std::string_view name, std::string_view of, Range contract = anyInt) {
     return {.name = name, .kind = Kind::extent, .unit = "pixels", .contract = contract, .of = of};
 }
-inline Argument radius(std::string_view name, Range contract, Range drawn) {
-    return {.name = name, .kind = Kind::radius, .unit = "pixels", .contract = contract, .drawn = drawn};
+inline Argument radius(std::string_view name, Range contract, Way inScene) {
+    return {.name = name, .kind = Kind::radius, .unit = "pixels", .contract = contract, .inScene = inScene};
 }
-inline Argument count(std::string_view name, std::string_view unit, Range contract = anyInt, Range drawn = {0, 0}) {
-    return {.name = name, .kind = Kind::count, .unit = unit, .contract = contract, .drawn = drawn};
+inline Argument count(std::string_view name, std::string_view unit, Range contract = anyInt, Way inScene = {0, 0}) {
+    return {.name = name, .kind = Kind::count, .unit = unit, .contract = contract, .inScene = inScene};
 }
 inline Argument colour(std::string_view name = "colour") {
     return {.name = name, .kind = Kind::colour, .unit = "0x00RRGGBB", .contract = anyWord};
@@ -51,24 +51,24 @@ inline Argument key(std::string_view name = "key") {
 }
 /// A factor of a channel in 1/256.
 inline Argument channelWeight(std::string_view name) {
-    return {.name = name, .kind = Kind::weight, .unit = "1/256", .contract = anyByte, .drawn = {64, 255}};
+    return {.name = name, .kind = Kind::weight, .unit = "1/256", .contract = anyByte, .inScene = {64, 255}};
 }
 /// An alpha that is not clamped.
-inline Argument alpha(Range drawn = {0.1, 0.9}) {
-    return {.name = "alpha", .kind = Kind::alpha, .unit = "1", .contract = anyReal, .drawn = drawn};
+inline Argument alpha(Way inScene = {0.1, 0.9}) {
+    return {.name = "alpha", .kind = Kind::alpha, .unit = "1", .contract = anyReal, .inScene = inScene};
 }
-inline Argument angle(std::string_view name = "angle", Range contract = anyReal, Range drawn = {0, 6.2831853}) {
-    return {.name = name, .kind = Kind::angle, .unit = "radians", .contract = contract, .drawn = drawn};
+inline Argument angle(std::string_view name = "angle", Range contract = anyReal, Way inScene = {0, fullTurn}) {
+    return {.name = name, .kind = Kind::angle, .unit = "radians", .contract = contract, .inScene = inScene};
 }
-inline Argument scale(std::string_view name, Range contract, Range drawn) {
-    return {.name = name, .kind = Kind::scale, .unit = "1", .contract = contract, .drawn = drawn};
+inline Argument scale(std::string_view name, Range contract, Way inScene) {
+    return {.name = name, .kind = Kind::scale, .unit = "1", .contract = contract, .inScene = inScene};
 }
 /// Any other number.
-inline Argument number(std::string_view name, std::string_view unit, Range contract, Range drawn) {
-    return {.name = name, .kind = Kind::number, .unit = unit, .contract = contract, .drawn = drawn};
+inline Argument number(std::string_view name, std::string_view unit, Range contract, Way inScene) {
+    return {.name = name, .kind = Kind::number, .unit = unit, .contract = contract, .inScene = inScene};
 }
-inline Argument choice(std::string_view name, Range contract = anyInt, double drawn = 0) {
-    return {.name = name, .kind = Kind::choice, .unit = "", .contract = contract, .drawn = {drawn, drawn}};
+inline Argument choice(std::string_view name, Range contract = anyInt, double inScene = 0) {
+    return {.name = name, .kind = Kind::choice, .unit = "", .contract = contract, .inScene = {inScene, inScene}};
 }
 inline Argument unused(std::string_view name) {
     return {.name = name, .kind = Kind::unused, .unit = ""};

@@ -25,7 +25,7 @@ Box clipOf(const Call &call, const Box &otherwise) {
 
 // Unscaled blits: an area of the source lies somewhere in the destination, pixel on pixel.
 
-/// The part of the destination that is drawn, and how far from it the source's pixels lie.
+/// A source as it lies on the destination: the part that is drawn, and how far from it the source's pixels lie.
 struct Laid {
     Box part;
     std::int64_t dx;
@@ -269,8 +269,8 @@ void scaleLongSometimes(Call &call, Random &random) {
     }
 }
 
-/// A source turned inside out counts as huge: it is none.
-void turnSourceOut(Call &call, Random &) {
+/// A source turned inside out counts as huge, so the contract has none.
+void keepUpright(Call &call, Random &) {
     tagRECT &rect = call["srcRect"].rect();
     rect.right = std::max(rect.left, rect.right);
     rect.bottom = std::max(rect.top, rect.bottom);
@@ -385,19 +385,19 @@ void drawWholeSixteenths(Call &call) {
 
 /// The source comes in from the left as far as the stage has room for it.
 void slide(Call &call, const Stage &stage) {
-    const int shift = static_cast<int>(stage.width * stage.within({0, 0.25}));
+    const int shift = static_cast<int>(stage.width * stage.along({0, 0.25}));
     call["dstX"] = shift;
     call["srcRect"] = tagRECT{0, 0, stage.width - shift, stage.height};
 }
 
 void shrink(Call &call, const Stage &stage) {
-    const auto margin = static_cast<int>(stage.height * stage.within({0, 0.3}));
+    const auto margin = static_cast<int>(stage.height * stage.along({0, 0.3}));
     call["rect"] = tagRECT{margin, margin, stage.width - margin, stage.height - margin};
 }
 
 /// An ever smaller part of the source's middle over the whole stage.
 void zoom(Call &call, const Stage &stage) {
-    const double share = stage.within({0.75, 0.25});
+    const double share = stage.along({0.75, 0.25});
     const int width = static_cast<int>(stage.width * share);
     const int height = static_cast<int>(stage.height * share);
     const int left = (stage.width - width) / 2;
@@ -409,7 +409,7 @@ void zoom(Call &call, const Stage &stage) {
 void drift(Call &call, const Stage &stage) {
     const int columns = std::min(stage.width, 1000) - 4;
     const int rows = std::min(stage.height, 1000) - 4;
-    const int left = 23 + static_cast<int>(stage.within({0, 32}));
+    const int left = 23 + static_cast<int>(stage.along({0, 32}));
     call["dstRect"] = tagRECT{3, 5, 3 + columns * 16, 5 + rows * 16};
     call["srcRect"] = tagRECT{left, 41, left + columns * 16, 41 + rows * 16};
 }
@@ -441,7 +441,7 @@ void chooseText(Call &call, Random &random) {
         text += letters[static_cast<std::size_t>(random.between(0, static_cast<int>(letters.size()) - 1))];
     call.set({{"text", characters(text)}, {"fontName", characters("DejaVu Sans")}});
     call.set({{"colour", random.pixel() & 0xFFFFFF}, {"fontHeight", random.between(6, 20)}});
-    draw({"x", "y"}, -20, 16)(call, random);
+    chooseWhole({"x", "y"}, -20, 16)(call, random);
 }
 
 /// Of the clip only the size counts.
@@ -524,7 +524,7 @@ std::vector<Row> mixing(std::vector<Row> rows) {
 std::vector<Row> copyRows() {
     const Arguments filled = {destination(), rectangle("rect", "dst"), pitch("pitch", "dst")};
     const Argument factor = {
-        .name = "factor", .kind = Kind::weight, .unit = "1", .contract = anyReal, .drawn = {0.75, 0.25}};
+        .name = "factor", .kind = Kind::weight, .unit = "1", .contract = anyReal, .inScene = {0.75, 0.25}};
     return {
         placed({Q_MUR_FUNCTION(iBltFast32), .sentence = "Copies a rectangle.", .topByte = copied, .sums = stayInside,
                 .arrange = packSometimes, .scenes = {{}, packed}}),
@@ -543,9 +543,10 @@ std::vector<Row> copyRows() {
 }
 
 std::vector<Row> scalingRows() {
+    const Waiver unfilteredBottomUp = {"pictures_stored_bottom_up", "a source stored bottom-up is not filtered"};
     return {
         scaled({Q_MUR_FUNCTION(iBltNear32), .sentence = "Scales a rectangle onto another, nearest pixel.",
-                .reads = nearest(unsigned12_20), .topByte = copied, .sums = stayInside, .arrange = turnSourceOut}),
+                .reads = nearest(unsigned12_20), .topByte = copied, .sums = stayInside, .arrange = keepUpright}),
         moving({Q_MUR_FUNCTION(iBltNear32Safe),
                 .sentence = "Scales a rectangle onto another, nearest pixel, inside a clip.",
                 .arguments = surfaces + dstRect + srcRect + clip("clipRect", "dst") + pitches, .writes = stretched(),
@@ -554,16 +555,16 @@ std::vector<Row> scalingRows() {
                zoom),
         scaled({Q_MUR_FUNCTION(iBltBilinear32),
                 .sentence = "Scales a rectangle onto another, filtered; what lies beyond its edges bleeds in.",
-                .reads = filtered(unsigned12_20), .topByte = cleared, .sums = stayInside, .arrange = turnSourceOut}),
+                .reads = filtered(unsigned12_20), .topByte = cleared, .sums = stayInside, .arrange = keepUpright}),
         scaled({Q_MUR_FUNCTION(iBltBilinear32Safe),
                 .sentence =
                     "Scales a rectangle onto another, filtered but for the last source row, which is copied whole.",
-                .reads = on("src", filteredAbove), .topByte = cleared, .sums = stayInside,
-                .arrange = inTurn(turnSourceOut, tightenSometimes)}),
+                .reads = on("src", filteredAbove), .topByte = copied, .sums = stayInside,
+                .arrange = inTurn(keepUpright, tightenSometimes), .waived = {unfilteredBottomUp}}),
         scaled({Q_MUR_FUNCTION(iBltAdaptive32),
                 .sentence = "Scales a rectangle onto another: filtered where it grows by half, else nearest pixel.",
                 .reads = on("src", adaptively), .topByte = copied, .sums = stayInside,
-                .arrange = inTurn(turnSourceOut, tightenSometimes, matchSizesSometimes)}),
+                .arrange = inTurn(keepUpright, tightenSometimes, matchSizesSometimes), .waived = {unfilteredBottomUp}}),
         {Q_MUR_FUNCTION(iBltPerfect32),
          .sentence = "Copies or scales a rectangle that is placed in sixteenths of a pixel, filtered.",
          .arguments = surfaces + dstRect + srcRect + pitches, .writes = on("dst", drawnSixteenths),
@@ -583,7 +584,7 @@ std::vector<Row> additiveRows() {
     return mixing({
         placed({Q_MUR_OVERLOAD(iBltFast32_Add, Placed<>), .sentence = "Adds a rectangle.", .topByte = cleared,
                 .sums = saturate}),
-        placed({Q_MUR_OVERLOAD(iBltFast32_Add, Placed<Byte, Byte, Byte>), .word = "scaled",
+        placed({Q_MUR_OVERLOAD(iBltFast32_Add, Placed<Byte, Byte, Byte>), .label = "scaled",
                 .sentence = "Adds a rectangle scaled in brightness; red and green wrap, blue saturates.",
                 .arguments = scales, .topByte = cleared, .sums = wrap}),
         scaled({Q_MUR_OVERLOAD(iBltNear32_Add, Scaled<>),
@@ -591,16 +592,17 @@ std::vector<Row> additiveRows() {
                     "Adds a rectangle scaled onto another, nearest pixel; a carry of blue sets green's lowest bit.",
                 .reads = nearest(signed17_15, hasExtent), .topByte = cleared, .sums = carryOver},
                hasExtent),
-        scaled({Q_MUR_OVERLOAD(iBltNear32_Add, Scaled<Byte, Byte, Byte>), .word = "scaled",
-                .sentence = "The same scaled in brightness; red and green wrap, blue saturates.", .arguments = scales,
-                .reads = nearest(unsigned17_15, hasPixels), .topByte = cleared, .sums = wrap},
+        scaled({Q_MUR_OVERLOAD(iBltNear32_Add, Scaled<Byte, Byte, Byte>), .label = "scaled",
+                .sentence = "Adds a rectangle scaled onto another and in brightness, nearest pixel; red and green "
+                            "wrap, blue saturates.",
+                .arguments = scales, .reads = nearest(unsigned17_15, hasPixels), .topByte = cleared, .sums = wrap},
                hasPixels),
         scaled({Q_MUR_OVERLOAD(iBltBilinear32_Add, Scaled<>),
                 .sentence = "Adds a rectangle scaled onto another, filtered.",
                 .reads = filteredInside(signed17_15, hasPixels), .topByte = cleared, .sums = saturate},
                hasPixels),
-        scaled({Q_MUR_OVERLOAD(iBltBilinear32_Add, Scaled<Byte, Byte, Byte>), .word = "scaled",
-                .sentence = "The same scaled in brightness.", .arguments = scales,
+        scaled({Q_MUR_OVERLOAD(iBltBilinear32_Add, Scaled<Byte, Byte, Byte>), .label = "scaled",
+                .sentence = "Adds a rectangle scaled onto another and in brightness, filtered.", .arguments = scales,
                 .reads = filteredInside(unsigned17_15, hasPixels), .topByte = cleared, .sums = saturate},
                hasPixels),
         placed({Q_MUR_FUNCTION(iBltFast32_KeySrc_Add), .sentence = "Adds the pixels of a rectangle that are not 0.",
@@ -630,11 +632,11 @@ std::vector<Row> colourKeyRows() {
         scaled({Q_MUR_FUNCTION(iBltNear32_KeySrc),
                 .sentence = "Scales a rectangle onto another, nearest pixel, without the pixels that equal a key.",
                 .arguments = {key()}, .reads = nearest(unsigned17_15), .topByte = copied, .sums = stayInside,
-                .arrange = inTurn(turnSourceOut, meetKey), .scenes = {ofSprite}}),
+                .arrange = inTurn(keepUpright, meetKey), .scenes = {ofSprite}}),
         scaled({Q_MUR_FUNCTION(iBltBilinear32_KeySrc),
                 .sentence = "Scales a rectangle onto another, filtered, without what filters to exactly a key.",
                 .arguments = {key()}, .reads = filteredInside(unsigned17_15), .topByte = cleared, .sums = stayInside,
-                .arrange = inTurn(turnSourceOut, meetKey), .scenes = {ofSprite}}),
+                .arrange = inTurn(keepUpright, meetKey), .scenes = {ofSprite}}),
         centred({Q_MUR_FUNCTION(iBltFast32SafeKeySrc),
                  .sentence = "Copies a rectangle around a centre without the pixels that are 0, clipped.",
                  .topByte = copied, .sums = stayInside, .pixelOnPixel = drawWhole}),

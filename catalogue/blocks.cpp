@@ -33,18 +33,6 @@ short anyDepth(Random &random) {
     }
 }
 
-Plane randomDepths(Random &random, const Plane &surface) {
-    return filledDepths(surface, [&random](int, int) { return anyDepth(random); });
-}
-
-Plane emptyDepths(const Plane &surface) {
-    return filledDepths(surface, [](int, int) { return emptyDepth; });
-}
-
-Plane randomNumbers(Random &random) {
-    return Plane::array<int>(vertexEntries, [&random](int) { return random.between(-50, 300); });
-}
-
 Plane randomStack(Random &random) {
     return Plane::array<float>(16 * stackDepth, [&random](int) { return random.real(4); });
 }
@@ -53,17 +41,48 @@ Plane stackOfIdentities() {
     return Plane::array<float>(16 * stackDepth, [](int i) { return i % 16 % 5 == 0 ? 1.0F : 0.0F; });
 }
 
-/// The pointers that both modules which draw in three dimensions have.
-template <class Block>
-void settleArrays(Block &block) {
-    block.data.vertexArray0 = block.vertexArray0.template as<int>();
-    block.data.vertexArray1 = block.vertexArray1.template as<int>();
-    void *first = const_cast<std::byte *>(block.depths.bytes().data());
-    block.data.zPlane = static_cast<short *>(first);
-    block.data.zBuffer = block.depths.template as<short>();
+} // namespace
+
+template <class Record>
+void DrawingBlock<Record>::makeRandom(Random &random, const Plane &surface) {
+    data.vertexArrayEntries = vertexEntries;
+    for (Plane *array : {&vertexArray0, &vertexArray1})
+        *array = Plane::array<int>(vertexEntries, [&random](int) { return random.between(-50, 300); });
+    depths = filledDepths(surface, [&random](int, int) { return anyDepth(random); });
 }
 
-} // namespace
+template <class Record>
+void DrawingBlock<Record>::makeFresh(const Plane &surface) {
+    data.vertexArrayEntries = vertexEntries;
+    vertexArray0 = Plane(4, vertexEntries, 1);
+    vertexArray1 = Plane(4, vertexEntries, 1);
+    depths = filledDepths(surface, [](int, int) { return emptyDepth; });
+}
+
+template <class Record>
+Record *DrawingBlock<Record>::settled() {
+    data.vertexArray0 = vertexArray0.as<int>();
+    data.vertexArray1 = vertexArray1.as<int>();
+    void *first = depths.bytes().data();
+    data.zPlane = static_cast<short *>(first);
+    data.zBuffer = depths.as<short>();
+    return &data;
+}
+
+template struct DrawingBlock<_PRIVATE_QM3D_DATA>;
+template struct DrawingBlock<_PRIVATE_QMGL_DATA>;
+
+TexturedBlock TexturedBlock::random(Random &random, const Plane &surface) {
+    TexturedBlock block;
+    block.makeRandom(random, surface);
+    return block;
+}
+
+TexturedBlock TexturedBlock::fresh(const Plane &surface) {
+    TexturedBlock block;
+    block.makeFresh(surface);
+    return block;
+}
 
 PipelineBlock PipelineBlock::random(Random &random, const Plane &surface) {
     PipelineBlock block;
@@ -79,12 +98,9 @@ PipelineBlock PipelineBlock::random(Random &random, const Plane &surface) {
     block.data.nearLimit = random.between(-100, 100);
     block.data.farLimit = random.between(-999, 999);
     block.data.focalLength = random.between(-100, 1000);
-    block.data.vertexArrayEntries = vertexEntries;
     block.modelStack = randomStack(random);
     block.viewStack = randomStack(random);
-    block.vertexArray0 = randomNumbers(random);
-    block.vertexArray1 = randomNumbers(random);
-    block.depths = randomDepths(random, surface);
+    block.makeRandom(random, surface);
     return block;
 }
 
@@ -95,43 +111,16 @@ PipelineBlock PipelineBlock::fresh(const Plane &surface) {
     block.data.viewportBottom = surface.height();
     block.data.nearLimit = -surface.height();
     block.data.focalLength = surface.height();
-    block.data.vertexArrayEntries = vertexEntries;
     block.modelStack = stackOfIdentities();
     block.viewStack = stackOfIdentities();
-    block.vertexArray0 = Plane(4, vertexEntries, 1);
-    block.vertexArray1 = Plane(4, vertexEntries, 1);
-    block.depths = emptyDepths(surface);
+    block.makeFresh(surface);
     return block;
 }
 
 PipelineBlock::Data *PipelineBlock::settled() {
     data.modelStack = modelStack.as<_I3DMATRIX>();
     data.viewStack = viewStack.as<_I3DMATRIX>();
-    settleArrays(*this);
-    return &data;
-}
-
-TexturedBlock TexturedBlock::random(Random &random, const Plane &surface) {
-    TexturedBlock block;
-    block.data.vertexArrayEntries = vertexEntries;
-    block.vertexArray0 = randomNumbers(random);
-    block.vertexArray1 = randomNumbers(random);
-    block.depths = randomDepths(random, surface);
-    return block;
-}
-
-TexturedBlock TexturedBlock::fresh(const Plane &surface) {
-    TexturedBlock block;
-    block.data.vertexArrayEntries = vertexEntries;
-    block.vertexArray0 = Plane(4, vertexEntries, 1);
-    block.vertexArray1 = Plane(4, vertexEntries, 1);
-    block.depths = emptyDepths(surface);
-    return block;
-}
-
-TexturedBlock::Data *TexturedBlock::settled() {
-    settleArrays(*this);
-    return &data;
+    return DrawingBlock::settled();
 }
 
 RegionBlock::Data *RegionBlock::settled() {

@@ -7,71 +7,84 @@
 
 namespace catalogue {
 
-/// #_PRIVATE_QMGL_DATA: matrix stacks, arrays of vertices and the Z plane of one destination.
-struct PipelineBlock {
-    using Data = _PRIVATE_QMGL_DATA;
+/// What the modules that draw in three dimensions both have: arrays of vertices and the Z plane of one destination.
+template <class Record>
+struct DrawingBlock {
+    using Data = Record;
 
     Data data{};
-    Plane modelStack;   ///< matrices of 16 floats
-    Plane viewStack;    ///< likewise
     Plane vertexArray0; ///< ints
     Plane vertexArray1; ///< ints
     Plane depths;       ///< shorts; a null plane where the block has none
 
-    /// Stacks of three matrices each, anything in all of them, and a Z plane of the shape of a surface with depths of
-    /// all kinds.
-    static PipelineBlock random(Random &random, const Plane &surface);
+    /// Anything in the arrays, and depths of all kinds in a Z plane of the shape of a surface.
+    void makeRandom(Random &random, const Plane &surface);
 
-    /// Identities, an empty Z plane and a viewport that is the surface.
-    static PipelineBlock fresh(const Plane &surface);
+    /// Zeros, and an empty Z plane.
+    void makeFresh(const Plane &surface);
 
     /// The record with its pointers set.
     Data *settled();
 
-    /// Calls `visit(name, part)` for what the functions of the module change, and for what only has to stay.
+    /// Calls `visit(name, part)` for what the module's functions change.
     template <class Block, class Visit>
     static void eachPart(Block &block, Visit visit) {
-        auto &data = block.data;
-        visit("workMatrix", data.workMatrix), visit("workAxis", data.workAxis);
-        visit("modelDepth", data.modelDepth), visit("viewDepth", data.viewDepth);
-        visit("matrixMode", data.matrixMode);
-        visit("viewportLeft", data.viewportLeft), visit("viewportRight", data.viewportRight);
-        visit("viewportTop", data.viewportTop), visit("viewportBottom", data.viewportBottom);
-        visit("nearLimit", data.nearLimit), visit("farLimit", data.farLimit);
-        visit("focalLength", data.focalLength);
-        visit("modelStack", block.modelStack), visit("viewStack", block.viewStack);
-        visit("vertexArray0", block.vertexArray0), visit("vertexArray1", block.vertexArray1);
+        visit("vertexArray0", block.vertexArray0);
+        visit("vertexArray1", block.vertexArray1);
         visit("zPlane", block.depths);
     }
+
+    /// The same for what must stay as it was.
     template <class Block, class Visit>
     static void eachKept(Block &block, Visit visit) {
-        visit("limitValue0", block.data.limitValue0), visit("limitValue1", block.data.limitValue1);
-        visit("vertexArrayEntries", block.data.vertexArrayEntries), visit("spanMapper", block.data.spanMapper);
+        visit("limitValue0", block.data.limitValue0);
+        visit("limitValue1", block.data.limitValue1);
+        visit("vertexArrayEntries", block.data.vertexArrayEntries);
     }
 };
 
-/// #_PRIVATE_QM3D_DATA: arrays of vertices and the Z plane of one destination.
-struct TexturedBlock {
-    using Data = _PRIVATE_QM3D_DATA;
-
-    Data data{};
-    Plane vertexArray0;
-    Plane vertexArray1;
-    Plane depths;
-
+/// #_PRIVATE_QM3D_DATA.
+struct TexturedBlock : DrawingBlock<_PRIVATE_QM3D_DATA> {
     static TexturedBlock random(Random &random, const Plane &surface);
     static TexturedBlock fresh(const Plane &surface);
+};
+
+/// #_PRIVATE_QMGL_DATA: matrix stacks besides.
+struct PipelineBlock : DrawingBlock<_PRIVATE_QMGL_DATA> {
+    Plane modelStack; ///< matrices of 16 floats
+    Plane viewStack;  ///< likewise
+
+    /// Stacks of three matrices each, anything in all of them.
+    static PipelineBlock random(Random &random, const Plane &surface);
+
+    /// Identities, and a viewport that is the surface.
+    static PipelineBlock fresh(const Plane &surface);
+
     Data *settled();
 
     template <class Block, class Visit>
     static void eachPart(Block &block, Visit visit) {
-        visit("vertexArray0", block.vertexArray0), visit("vertexArray1", block.vertexArray1);
-        visit("zPlane", block.depths);
+        auto &data = block.data;
+        visit("workMatrix", data.workMatrix);
+        visit("workAxis", data.workAxis);
+        visit("modelDepth", data.modelDepth);
+        visit("viewDepth", data.viewDepth);
+        visit("matrixMode", data.matrixMode);
+        visit("viewportLeft", data.viewportLeft);
+        visit("viewportRight", data.viewportRight);
+        visit("viewportTop", data.viewportTop);
+        visit("viewportBottom", data.viewportBottom);
+        visit("nearLimit", data.nearLimit);
+        visit("farLimit", data.farLimit);
+        visit("focalLength", data.focalLength);
+        visit("modelStack", block.modelStack);
+        visit("viewStack", block.viewStack);
+        DrawingBlock::eachPart(block, visit);
     }
     template <class Block, class Visit>
     static void eachKept(Block &block, Visit visit) {
-        visit("limitValue0", block.data.limitValue0), visit("limitValue1", block.data.limitValue1);
-        visit("vertexArrayEntries", block.data.vertexArrayEntries);
+        DrawingBlock::eachKept(block, visit);
+        visit("spanMapper", block.data.spanMapper);
     }
 };
 
@@ -89,9 +102,12 @@ struct RegionBlock {
 
     template <class Block, class Visit>
     static void eachPart(Block &block, Visit visit) {
-        visit("planePitch", block.data.planePitch), visit("destPitch", block.data.destPitch);
+        visit("planePitch", block.data.planePitch);
+        visit("destPitch", block.data.destPitch);
         visit("testPitch", block.data.testPitch);
-        visit("plane", block.plane), visit("destSurface", block.destSurface), visit("testSurface", block.testSurface);
+        visit("plane", block.plane);
+        visit("destSurface", block.destSurface);
+        visit("testSurface", block.testSurface);
     }
     template <class Block, class Visit>
     static void eachKept(Block &block, Visit visit) {

@@ -16,7 +16,7 @@ namespace catalogue {
 namespace detail {
 
 template <class>
-inline constexpr bool always = true;
+inline constexpr bool isKnown = false;
 
 template <class T>
 T passed(Value &value) {
@@ -42,27 +42,34 @@ T passed(Value &value) {
     else if constexpr (std::is_pointer_v<T>)
         return value.is<Plane>() ? value.plane().as<Target>() : nullptr;
     else
-        static_assert(always<T> && false, "no value of a call passes as this type");
-}
-
-/// How a type is written in a call's declaration.
-template <class T>
-std::string_view nameOfType() {
-    const std::string_view name = __PRETTY_FUNCTION__;
-    const std::size_t begin = name.find("T = ") + 4;
-    return name.substr(begin, name.find_first_of(";]", begin) - begin);
+        static_assert(isKnown<T>, "no value of a call passes as this type");
 }
 
 } // namespace detail
 
-/// Ready to run as often as wanted on the values of one call.
+/// What a parameter takes, as far as it matters to those who choose a value.
+enum class Type { real, reals, pipelineBlock, texturedBlock, other };
+
+template <class T>
+constexpr Type typeOf() {
+    using Target = std::remove_cv_t<std::remove_pointer_t<std::remove_reference_t<T>>>;
+    if (std::is_floating_point_v<T>)
+        return Type::real;
+    if (std::is_floating_point_v<Target> || std::is_same_v<Target, _POINT3DFLOAT> || std::is_same_v<Target, _I3DVECTOR>)
+        return Type::reals;
+    if (std::is_same_v<Target, _PRIVATE_QMGL_DATA>)
+        return Type::pipelineBlock;
+    return std::is_same_v<Target, _PRIVATE_QM3D_DATA> ? Type::texturedBlock : Type::other;
+}
+
+/// Ready to run as often as wanted on the values of one call, which must stay where it is.
 using Run = std::function<void()>;
 
 struct Bound {
     std::function<Run(Call &)> library;
     std::function<Run(Call &)> twin; ///< empty where there is none
-    std::vector<std::string_view> types;
-    std::string_view resultType;
+    std::vector<Type> types;         ///< of the parameters
+    bool hasResult;
 };
 
 template <class Result, class... Parameters>
@@ -71,7 +78,7 @@ std::function<Run(Call &)> bound(Result (*function)(Parameters...)) {
         return [&]<std::size_t... index>(std::index_sequence<index...>)->Run {
             return [function, &call,
                     arguments = std::tuple<Parameters...>(detail::passed<Parameters>(call[index])...)]() mutable {
-                static_cast<void>(call); // which nothing is kept in where there is no result
+                static_cast<void>(call); // unused where nothing is returned
                 if constexpr (std::is_void_v<Result>)
                     std::apply(function, arguments);
                 else
@@ -84,10 +91,7 @@ std::function<Run(Call &)> bound(Result (*function)(Parameters...)) {
 
 template <class Result, class... Parameters>
 Bound callOf(Result (*function)(Parameters...), Result (*twin)(Parameters...)) {
-    return {bound(function),
-            twin ? bound(twin) : nullptr,
-            {detail::nameOfType<Parameters>()...},
-            detail::nameOfType<Result>()};
+    return {bound(function), twin ? bound(twin) : nullptr, {typeOf<Parameters>()...}, !std::is_void_v<Result>};
 }
 
 template <class Result, class... Parameters>
@@ -104,12 +108,13 @@ Bound callOfOverload(Signature *function, Signature *twin) {
 } // namespace catalogue
 
 /// The beginning of a row: the function's name, itself and its twin of the same name.
-#define Q_MUR_FUNCTION(function) .name = #function, .call = callOf(function, plain::function)
+#define Q_MUR_FUNCTION(function) .name = #function, .functions = callOf(function, plain::function)
 
 /// The same for the overload of a signature, which begins with the type of the result.
-#define Q_MUR_OVERLOAD(function, ...) .name = #function, .call = callOfOverload<__VA_ARGS__>(function, plain::function)
+#define Q_MUR_OVERLOAD(function, ...)                                                                                  \
+    .name = #function, .functions = callOfOverload<__VA_ARGS__>(function, plain::function)
 
 /// The same for a function that has no twin, since what it does is nothing that could be computed again.
-#define Q_MUR_FUNCTION_WITHOUT_TWIN(function) .name = #function, .call = callOf(function, nullptr)
+#define Q_MUR_FUNCTION_WITHOUT_TWIN(function) .name = #function, .functions = callOf(function, nullptr)
 
 #endif

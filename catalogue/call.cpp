@@ -10,7 +10,8 @@
 namespace catalogue {
 namespace {
 
-/// Folds bytes in, eight at a time in the manner of FNV-1a, and turns what is multiplied into the lower bits.
+/// Folds bytes in, eight at a time in the manner of FNV-1a, and brings a product's upper bits down, which a
+/// multiplication never does.
 void addBytes(std::uint64_t &checksum, const void *bytes, std::size_t count) {
     const auto *byte = static_cast<const unsigned char *>(bytes);
     while (count > 0) {
@@ -95,21 +96,37 @@ void Value::fitTo(const Plane &destination) {
         content);
 }
 
-Value Value::copy(Copies &copies) const {
+template <class Own>
+Value Value::copyWith(Own own) const {
     Value copied = *this;
-    const auto own = [&copies](const char *, auto &part) {
+    const auto pass = [&own](const char *, auto &part) {
         if constexpr (std::is_same_v<std::decay_t<decltype(part)>, Plane>)
-            part = part.copy(copies);
+            part = own(part);
     };
     std::visit(
         [&]<class Held>(Held &held) {
             if constexpr (IsBlock<Held>)
-                Held::eachPart(held, own);
+                Held::eachPart(held, pass);
             else
-                own("", held);
+                pass("", held);
         },
         copied.content);
     return copied;
+}
+
+Value Value::copy(Copies &copies) const {
+    return copyWith([&copies](const Plane &plane) { return plane.copy(copies); });
+}
+
+Value Value::turnedOver(Copies &copies) const {
+    Value turned = copyWith([&copies](const Plane &plane) { return plane.turnedOver(copies); });
+    std::visit(
+        []<class Held>(Held &held) {
+            if constexpr (IsBlock<Held>)
+                held.settled();
+        },
+        turned.content);
+    return turned;
 }
 
 void Value::restore(const Value &earlier) {
@@ -172,6 +189,16 @@ Call::Call(const Call &other) : description(other.description), result(other.res
     values.reserve(other.values.size());
     for (const Value &value : other.values)
         values.push_back(value.copy(copies));
+}
+
+Call Call::turnedOver() const {
+    Call call(*description);
+    call.result = result;
+    Copies copies;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        call.values[i] = values[i].turnedOver(copies);
+    call.settle();
+    return call;
 }
 
 Call Call::sharingMemory() const {

@@ -64,6 +64,7 @@ public:
     }
 
     Value copy(Copies &copies) const;
+    Value turnedOver(Copies &copies) const;
     std::string differenceFrom(const Value &expected) const;
 
     /// Takes over the content of a value of the same shape, in place.
@@ -73,6 +74,10 @@ public:
     void addTo(std::uint64_t &checksum) const;
 
 private:
+    /// A copy with `own(plane)` in place of each plane.
+    template <class Own>
+    Value copyWith(Own own) const;
+
     std::variant<std::monostate, double, tagRECT, tagPOINT, Plane, PipelineBlock, TexturedBlock, RegionBlock,
                  PhaseBlock>
         content;
@@ -87,6 +92,9 @@ public:
 
     /// A call whose planes are the very same memory.
     Call sharingMemory() const;
+
+    /// A copy whose planes are stored bottom-up, or top-down where they are that now, with pitches to match.
+    Call turnedOver() const;
 
     /// Puts the content of everything but surfaces back to what it is in a copy of this call made earlier.
     void restore(const Call &earlier);

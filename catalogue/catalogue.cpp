@@ -8,10 +8,6 @@
 namespace catalogue {
 namespace {
 
-bool isReal(const Row &row, std::size_t index) {
-    return row.call.types[index] == "float" || row.call.types[index] == "double";
-}
-
 /// A number of the contract, at times at one of its ends.
 double randomNumber(const Argument &argument, bool real, Random &random) {
     const Range &range = argument.contract;
@@ -22,7 +18,7 @@ double randomNumber(const Argument &argument, bool real, Random &random) {
     }
     if (random.oneIn(8))
         return random.oneIn(2) ? range.low : range.high;
-    if (range.high > anyInt.high)
+    if (range.high > anyInt.high) // then it is anyWord
         return random.word();
     return random.between(static_cast<int>(range.low), static_cast<int>(range.high));
 }
@@ -38,11 +34,11 @@ tagRECT surroundings(const Call &call, const Argument &argument) {
 template <class Make>
 Value privateBlock(const Call &call, std::size_t index, Make make) {
     const Argument &argument = call.row().arguments[index];
-    const std::string_view type = call.row().call.types[index];
+    const Type type = call.row().functions.types[index];
     const Plane destination = argument.of.empty() ? Plane::surface(16, 16) : call[argument.of].plane();
-    if (type.find("_PRIVATE_QMGL_DATA") != std::string_view::npos)
+    if (type == Type::pipelineBlock)
         return make(std::type_identity<PipelineBlock>(), destination);
-    if (type.find("_PRIVATE_QM3D_DATA") != std::string_view::npos)
+    if (type == Type::texturedBlock)
         return make(std::type_identity<TexturedBlock>(), destination);
     return {};
 }
@@ -66,8 +62,8 @@ Value randomValue(const Call &call, std::size_t index, Random &random) {
     case Kind::key:
         return static_cast<double>(random.pixel());
     case Kind::angle:
-        if (isReal(call.row(), index) && random.oneIn(4))
-            return random.between(-8, 8) * 1.5707963267948966;
+        if (call.row().isReal(index) && random.oneIn(4))
+            return random.between(-8, 8) * quarterTurn;
         break;
     case Kind::matrix:
         return Plane::array<float>(16, [&random](int) { return random.real(); });
@@ -87,12 +83,12 @@ Value randomValue(const Call &call, std::size_t index, Random &random) {
     default:
         return {};
     }
-    return randomNumber(argument, isReal(call.row(), index), random);
+    return randomNumber(argument, call.row().isReal(index), random);
 }
 
 Value sceneValue(const Call &call, std::size_t index, const Stage &stage) {
     const Argument &argument = call.row().arguments[index];
-    const double drawn = stage.within(argument.drawn);
+    const double number = stage.along(argument.inScene);
     switch (argument.kind) {
     case Kind::rectangle:
     case Kind::clip:
@@ -101,10 +97,10 @@ Value sceneValue(const Call &call, std::size_t index, const Stage &stage) {
         return tagPOINT{stage.width / 2, stage.height / 2};
     case Kind::position:
         // A name ends in X or Y, or begins so.
-        return std::floor(drawn *
+        return std::floor(number *
                           (argument.name.find_first_of("yY") == std::string_view::npos ? stage.width : stage.height));
     case Kind::extent:
-        return argument.name.find_first_of("hH") == argument.name.size() - 1 ? stage.width : stage.height;
+        return argument.name.ends_with("idth") ? stage.width : stage.height;
     case Kind::colour:
         return 0xFFB060;
     case Kind::key:
@@ -116,7 +112,7 @@ Value sceneValue(const Call &call, std::size_t index, const Stage &stage) {
             return Block::fresh(surface);
         });
     default:
-        return isReal(call.row(), index) ? drawn : std::floor(drawn);
+        return call.row().isReal(index) ? number : std::floor(number);
     }
 }
 
@@ -132,7 +128,7 @@ void fill(Call &call, Make make) {
 } // namespace
 
 std::string Row::fullName() const {
-    return word.empty() ? std::string(name) : std::string(name) + " " + std::string(word);
+    return label.empty() ? std::string(name) : std::string(name) + " " + std::string(label);
 }
 
 const Argument *Row::argument(std::string_view wanted) const {
@@ -177,12 +173,12 @@ bool keepsToContract(const Call &call) {
     return true;
 }
 
-Call randomCall(const Row &row, Random &random) {
+Call randomCall(const Row &row, Random &random, tagPOINT size) {
     Call call(row);
     fill(call, [&](std::size_t i) -> Value {
         if (isSurface(row.arguments[i].kind)) {
-            const int width = random.between(1, 16);
-            const int height = random.between(1, 16);
+            const int width = size.x > 0 ? static_cast<int>(size.x) : random.between(1, 16);
+            const int height = size.y > 0 ? static_cast<int>(size.y) : random.between(1, 16);
             return Plane::randomSurface(random, width, height);
         }
         return randomValue(call, i, random);

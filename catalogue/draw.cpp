@@ -22,12 +22,12 @@ const Arguments itsPitch = {pitch("pitch", "surface")};
 const Arguments itsClip = {clip("clip", "surface")};
 
 /// Completes a row by what its scenes draw.
-Row figure(std::string_view called, Row row) {
+Row figure(std::string_view unit, Row row) {
     if (row.scenes.empty())
         row.scenes = {{}};
     for (Scene &scene : row.scenes) {
         scene.figures = 1;
-        scene.figure = called;
+        scene.figure = unit;
     }
     return row;
 }
@@ -69,7 +69,7 @@ Row dotted(Row row, int reach) {
     row.sums = saturate;
     row.arrange = [reach](Call &call, Random &random) { place(call, random, {"x", "y"}, reach, reach); };
     if (reach > 0)
-        row.without = {{"every_place_and_size_over_a_small_surface", "larger than the surface"}};
+        row.waived = {{"every_place_and_size_over_a_small_surface", "larger than the surface"}};
     return figure(reach > 0 ? "crosses" : "pixels", std::move(row));
 }
 
@@ -86,12 +86,12 @@ constexpr Range walkedEnds = {-16383, 16383};
 const Arguments blendedLine = surface + itsClip + itsPitch + ends(fixedPointEnds) + colour();
 
 void setEnds(Call &call, int x1, int y1, int x2, int y2) {
-    call["x1"] = x1, call["y1"] = y1, call["x2"] = x2, call["y2"] = y2;
+    call.set({{"x1", x1}, {"y1", y1}, {"x2", x2}, {"y2", y2}});
 }
 /// Ends around the surface, and some far away.
 void scatterEnds(Call &call, Random &random, int farthest) {
     const int reach = random.oneIn(16) ? farthest : 28;
-    draw({"x1", "y1", "x2", "y2"}, 8 - reach, 8 + reach)(call, random);
+    chooseWhole({"x1", "y1", "x2", "y2"}, 8 - reach, 8 + reach)(call, random);
 }
 void arrangeBlended(Call &call, Random &random) {
     scatterEnds(call, random, 70000);
@@ -101,7 +101,7 @@ void arrangeBlended(Call &call, Random &random) {
 }
 /// A line through the middle that turns once.
 void turningLine(Call &call, const Stage &stage) {
-    const double angle = 6.2831853 * stage.time + 0.4;
+    const double angle = fullTurn * stage.time + 0.4;
     const int dx = static_cast<int>(0.4 * stage.height * std::cos(angle));
     const int dy = static_cast<int>(0.4 * stage.height * std::sin(angle));
     setEnds(call, stage.width / 2 - dx, stage.height / 2 - dy, stage.width / 2 + dx, stage.height / 2 + dy);
@@ -245,32 +245,32 @@ void arrangeClippedBand(Call &call, Random &random) {
     call["radius"] = std::min(call["radius"].whole(), 141);
     call["thickness"] = random.between(1, random.oneIn(4) ? 20 : 4);
 }
-void drawIntensity(Call &call, Random &random) {
+void chooseIntensity(Call &call, Random &random) {
     call["intensity"] = random.oneIn(4) ? random.word() : static_cast<double>(random.between(0, 300));
 }
 
 /// What glows: its largest radius, and the intensity that is the full colour.
-Row glowing(std::string_view called, Row row, double largest, double full) {
+Row glowing(std::string_view unit, Row row, double largest, double full) {
     const bool isClipped = row.name.ends_with("_Safe");
     const Arguments light = {radiusUpTo(largest), colour(), number("intensity", "1", anyWord, {full, 2 * full})};
     row.arguments = (isClipped ? clippedStar : centred) + light;
     row.topByte = cleared;
     row.sums = saturate;
-    row.arrange = inTurn(isClipped ? arrangeClippedDisc : arrangeDisc, drawIntensity);
-    return figure(called, mixed(std::move(row)));
+    row.arrange = inTurn(isClipped ? arrangeClippedDisc : arrangeDisc, chooseIntensity);
+    return figure(unit, mixed(std::move(row)));
 }
 /// Without its last column and row.
-Row spot(std::string_view called, Row row, double largest, double full) {
+Row spot(std::string_view unit, Row row, double largest, double full) {
     row.writes = on("surface", [](const Call &call) {
         const std::int64_t reach = radiusOf(call);
         return boxOf(call["cx"].whole() - reach, call["cy"].whole() - reach, 2 * reach, 2 * reach);
     });
-    return glowing(called, std::move(row), largest, full);
+    return glowing(unit, std::move(row), largest, full);
 }
-Row clippedSpot(std::string_view called, Row row, double full) {
+Row clippedSpot(std::string_view unit, Row row, double full) {
     row.writes =
         betweenSides(aroundCentre([](const Call &call) { return std::min<std::int64_t>(radiusOf(call), 256); }));
-    return glowing(called, std::move(row), anyInt.high, full);
+    return glowing(unit, std::move(row), anyInt.high, full);
 }
 
 // Ellipses around a box
@@ -346,7 +346,7 @@ void arrangeQuad(Call &call, Random &random) {
 }
 void turningQuad(Call &call, const Stage &stage) {
     for (std::size_t i = 0; i < 4; ++i) {
-        const double angle = 1.5707963 * (stage.time + static_cast<double>(i));
+        const double angle = quarterTurn * (stage.time + static_cast<double>(i));
         call[corners[i]] = tagPOINT{stage.width / 2 + static_cast<int>(0.45 * stage.height * std::cos(angle)),
                                     stage.height / 2 + static_cast<int>(0.3 * stage.height * std::sin(angle))};
     }
@@ -434,7 +434,7 @@ Box refracted(const Call &call) {
 /// A bubble's resource has rows as long as it is wide, or as those of the surface.
 enum class Rows { ofResource, ofSurface };
 
-/// Words as they are rendered, or any.
+/// Words up to the largest highlight, tint and light that are rendered, or any.
 void arrangeBubble(Call &call, Random &random, Rows rows) {
     const Plane &plane = call["surface"].plane();
     const int size = random.between(1, 12);
@@ -490,7 +490,7 @@ std::vector<Row> drawRows() {
         mixed(line({Q_MUR_OVERLOAD(iLine_AntiAliasing, Line), .sentence = "Draws an anti-aliased line, one pixel wide.",
                     .arguments = blendedLine, .writes = lineInClip([](const Call &) { return 1; }), .topByte = cleared,
                     .sums = stayInside, .arrange = arrangeBlended})),
-        wideLine({Q_MUR_OVERLOAD(iLine_AntiAliasing, WideLine), .word = "wide",
+        wideLine({Q_MUR_OVERLOAD(iLine_AntiAliasing, WideLine), .label = "wide",
                   .sentence = "Draws an anti-aliased line of any width.", .topByte = setByColour, .sums = stayInside}),
         wideLine({Q_MUR_FUNCTION(iLine_AntiAliasing_Alpha),
                   .sentence = "Draws an anti-aliased line at one eighth of full strength.", .topByte = cleared,
@@ -541,10 +541,10 @@ std::vector<Row> drawRows() {
         figure("circles", {Q_MUR_FUNCTION(Draw_Metal_Circle),
                            .sentence = "Fills a disc that goes from white at its centre to the colour at its rim.",
                            .arguments = centred + radiusUpTo(32767) + colour(), .writes = disc, .topByte = disturbsRed,
-                           .sums = carryOver, .arrange = arrangeDisc}),
+                           .arrange = arrangeDisc}),
         figure("circles", mixed({Q_MUR_FUNCTION(Draw_Anti_Aliasing_Circle_NoFillInside),
                                  .sentence = "Blends a soft band around a circle.", .arguments = centred + softBand,
-                                 .writes = on("surface", aroundCentre(reachOfBand)), .topByte = blended,
+                                 .writes = on("surface", aroundCentre(reachOfBand)), .topByte = disturbsRed,
                                  .sums = stayInside, .arrange = arrangeBand})),
         spot("rings", {Q_MUR_FUNCTION(Draw_Ring), .sentence = "Adds a soft ring inside a circle."}, 32767, 128),
         figure("rings",
@@ -555,7 +555,7 @@ std::vector<Row> drawRows() {
         ellipse({Q_MUR_FUNCTION(Draw_Outer_Ellipse_NoFillInside),
                  .sentence = "Draws the outline of the ellipse through the corners of a box.",
                  .arguments = {thicknessWithin(anyInt), colour()}, .writes = on("surface", "clip"),
-                 .topByte = setByColour, .arrange = draw({"thickness"}, -1, 20)}),
+                 .topByte = setByColour, .arrange = chooseWhole({"thickness"}, -1, 20)}),
         mixed(ellipse({Q_MUR_FUNCTION(Draw_Outer_Ellipse_AlphaFast),
                        .sentence = "Fills the ellipse through the corners of a box at half strength.",
                        .arguments = {unused("unused"), colour()}, .writes = clipAndColumn, .topByte = cleared,
@@ -621,7 +621,8 @@ std::vector<Row> drawRows() {
                181, 8191),
         bubble({Q_MUR_FUNCTION(DrawRealBubbleOld),
                 .sentence = "Draws a glass bubble with a hard rim from a resource in an image as wide as the surface.",
-                .arguments = {scratch()}},
+                .arguments = {scratch()},
+                .waived = {{"pictures_stored_bottom_up", "its resource has the surface's pitch"}}},
                65535, 32767, Rows::ofSurface),
         bubble({Q_MUR_FUNCTION(DrawReal3DBall), .sentence = "Draws a solid ball from a bubble's resource."}, 65535,
                2047),

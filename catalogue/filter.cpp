@@ -55,7 +55,7 @@ template <bool isSteep>
 void setStrip(Call &call, const Stage &stage) {
     const int width = stage.width;
     const int height = stage.height;
-    const auto part = [&stage](int extent, Range range) { return static_cast<int>(extent * stage.within(range)); };
+    const auto part = [&stage](int extent, const Way &way) { return static_cast<int>(extent * stage.along(way)); };
     call["p1"] = isSteep ? tagPOINT{part(width, {0.4, 0.85}), 0} : tagPOINT{0, part(height, {0.2, 0.55})};
     call["p2"] = isSteep ? tagPOINT{part(width, {0.15, 0.6}), height} : tagPOINT{width, part(height, {0.45, 0.8})};
     call["edgeWidth"] = height / 2;
@@ -63,16 +63,17 @@ void setStrip(Call &call, const Stage &stage) {
     call["swapImages"] = 0;
 }
 
+/// Twice the band divides, in 32 bits.
 Box discBox(const Call &call) {
     return call["band"].whole() % (1LL << 31) != 0 ? frameOf(call) : Box();
 }
 void arrangeDisc(Call &call, Random &random) {
     const int reach = random.oneIn(20) ? 300 : 22;
-    call["centre"] = tagPOINT{random.between(22 - reach - 28, reach), random.between(22 - reach - 28, reach)};
+    call["centre"] = tagPOINT{random.between(-6 - reach, reach), random.between(-6 - reach, reach)};
     call.set({{"radius", random.between(0, reach == 300 ? 450 : 20)}, {"band", random.between(-2, 20)}});
 }
 void setDisc(Call &call, const Stage &stage) {
-    call["radius"] = std::floor(stage.height * stage.within({0.3, 0.7}));
+    call["radius"] = std::floor(stage.height * stage.along({0.3, 0.7}));
     call["band"] = stage.height / 4;
 }
 
@@ -208,10 +209,9 @@ Areas surfaceWordsRead(const Call &call) {
 constexpr int side = 201; ///< of the field in a scene
 
 /// From the middle of a field on to its only spot.
-Row search(std::string_view field, Row row, std::function<void(Call &, const Stage &)> place) {
+Row search(Row row, std::function<void(Call &, const Stage &)> place) {
+    const std::string_view field = row.arguments.front().name;
     const bool forBlack = field == "block";
-    row.arguments = source(field) + row.arguments;
-    row.arguments.insert(row.arguments.begin() + (forBlack ? 5 : 6), numbers("distanceSquare", "pixels squared"));
     row.writes = always({words("distanceSquare", 1)});
     row.arrange = inTurn(forBlack ? arrangeBlackSearch : arrangeColourSearch, set("distanceSquare", Plane(4, 1, 1)));
     const auto begin = [=](Call &call, const Stage &stage) {
@@ -274,7 +274,7 @@ void setShape(Call &call, const Stage &stage) {
     const Stage small = {std::min(stage.width, 320), std::min(stage.height, 160), stage.time};
     call["surface"] = small.sprite();
     call["rect"] = call["surface"].plane().rect();
-    call["heightScale"] = std::floor(stage.within({1, 5}));
+    call["heightScale"] = std::floor(stage.along({1, 5}));
     call["bevelSize"] = 40;
     if (call.row().argument("limit"))
         call["limit"] = 2000000;
@@ -289,7 +289,8 @@ Row lightMap(Row row) {
     row.reads = readsSearched;
     row.arrange = arrangeMask;
     row.scenes = {{.set = setShape, .figures = 1, .figure = "maps"}};
-    row.without = {{"every_place_and_size_over_a_small_surface", "rows are searched to the ends of their pitch"}};
+    row.waived = {{"every_place_and_size_over_a_small_surface", "rows are searched to the ends of their pitch"},
+                  {"pictures_stored_bottom_up", "rows are searched to the ends of their pitch"}};
     return row;
 }
 
@@ -302,9 +303,10 @@ std::vector<Row> filterRows() {
     using LightMapWithin = void(q_ulong *, tagRECT *, int, int, int, int, int);
     constexpr Range onPictures = {-(1 << 20), 1 << 20}; // numbers that a picture in memory may have
     const Arguments limit = {number("limit", "pixels squared", anyInt, {})};
-    const Argument ring = number("ring", "pixels", {0, 46340}, {});
-    const Arguments inBlock = {count("blockWords", "words"), number("index", "words", {-(1 << 29), 1 << 29}, {}),
-                               number("pitch", "words", {1, 46340}, {}), ring};
+    const Arguments ring = {number("ring", "pixels", {0, 46340}, {}), numbers("distanceSquare", "pixels squared")};
+    const Arguments inBlock = source("block") + count("blockWords", "words") +
+                              number("index", "words", {-(1 << 29), 1 << 29}, {}) +
+                              number("pitch", "words", {1, 46340}, {}) + ring;
     const auto inMiddle = inTurn(set("blockWords", side * side), set("index", side * side / 2), set("pitch", side));
     const Region nextToInterior = on("surface", [](const Call &call) { return grown(interior(call), 1, 1, 1, 1); });
     return {
@@ -324,8 +326,9 @@ std::vector<Row> filterRows() {
          .sentence = "Averages the neighbours on either side of each pixel, in a direction drawn anew at each call.",
          .arguments = inPlace, .writes = on("surface", interior), .reads = nextToInterior, .topByte = cleared,
          .sums = stayInside,
-         .without = {{"reads_nothing_outside_its_region", "each call draws its direction"},
-                     {"two_threads_on_separate_surfaces", "each call draws its direction"}}},
+         .waived = {{"reads_nothing_outside_its_region", "each call draws its direction"},
+                    {"two_threads_on_separate_surfaces", "each call draws its direction"},
+                    {"pictures_stored_bottom_up", "each call draws its direction"}}},
         {Q_MUR_FUNCTION(CrossBlur_Rect),
          .sentence = "Averages the four neighbours of each pixel, beside it and at its corners in turn.",
          .arguments = privateBlock("lut", "_PRIVATE_LUT_DATA") + inPlace, .writes = on("surface", interior),
@@ -352,24 +355,21 @@ std::vector<Row> filterRows() {
                         .sentence = "Blurs columns, top bytes included, by the means of windows.", .topByte = blended}),
         gaussBlur<true>({Q_MUR_FUNCTION(Hor_GaussBlur), .sentence = "Blurs rows by a normal distribution."}),
         gaussBlur<false>({Q_MUR_FUNCTION(Ver_GaussBlur), .sentence = "Blurs columns by a normal distribution."}),
-        search("block",
-               {Q_MUR_OVERLOAD(FindNearBlackDistanceSquare, BlackSearchWithin), .word = "limit",
+        search({Q_MUR_OVERLOAD(FindNearBlackDistanceSquare, BlackSearchWithin), .label = "limit",
                 .sentence = "Searches a square ring around a word for black, within a limit.",
                 .arguments = inBlock + limit, .reads = blockWordsRead},
                inMiddle),
-        search("block",
-               {Q_MUR_OVERLOAD(FindNearBlackDistanceSquare, BlackSearch),
+        search({Q_MUR_OVERLOAD(FindNearBlackDistanceSquare, BlackSearch),
                 .sentence = "Searches a square ring around a word for black.", .arguments = inBlock,
                 .reads = blockWordsRead},
                inMiddle),
-        search("surface",
-               {Q_MUR_FUNCTION(FindNearSrcDistanceSquare),
+        search({Q_MUR_FUNCTION(FindNearSrcDistanceSquare),
                 .sentence = "Searches a square ring around a pixel for a colour other than black.",
-                .arguments = each({"width", "height"}, extent("", "", onPictures)) +
+                .arguments = source("surface") + each({"width", "height"}, extent("", "", onPictures)) +
                              each({"x", "y"}, position("", "", {0, 0}, onPictures)) + ring,
                 .reads = surfaceWordsRead},
                inTurn(set("width", side), set("height", side), set("x", side / 2), set("y", side / 2))),
-        lightMap({Q_MUR_OVERLOAD(ConvertBlock2LightInfom, LightMapWithin), .word = "limit",
+        lightMap({Q_MUR_OVERLOAD(ConvertBlock2LightInfom, LightMapWithin), .label = "limit",
                   .sentence = "Makes a light map of a shape with a bevel by true distance.",
                   .arguments = unused("unused") + limit}),
         lightMap({Q_MUR_OVERLOAD(ConvertBlock2LightInfom, LightMap),

@@ -46,23 +46,23 @@ void arrangeRecordOrNull(Call &call, Random &random) {
         call["data"] = Plane();
 }
 
-void drawRecord(Call &call, const Stage &) {
+void setRecord(Call &call, const Stage &) {
     call["data"] = Plane::of(_TRANSFERDATA{});
 }
 /// A record with a block as large as a picture.
-void drawRecordWithBlock(Call &call, const Stage &stage) {
-    drawRecord(call, stage);
+void setRecordWithBlock(Call &call, const Stage &stage) {
+    setRecord(call, stage);
     FindNotUsedMemory(call["data"].plane().as<_TRANSFERDATA>(), 0, stage.width * stage.height * 4);
 }
-const std::vector<Scene> emptyRecord = {{.set = drawRecord}};
+const std::vector<Scene> emptyRecord = {{.set = setRecord}};
 
-const std::vector<Exception> onTheHeap = {{"every proof", "blocks of the heap"}};
-const std::vector<Exception> globalTables = {{"two_threads_on_separate_surfaces", "fills what all threads read"}};
+const std::vector<Waiver> onTheHeap = {{"every proof", "blocks of the heap"}};
+const std::vector<Waiver> globalTables = {{"two_threads_on_separate_surfaces", "fills what all threads read"}};
 
 // Random numbers
 
-Argument bound(std::string_view name, Range contract, double drawn) {
-    return number(name, "", contract, {drawn, drawn});
+Argument bound(std::string_view name, Range contract, double inScene) {
+    return number(name, "", contract, {inScene, inScene});
 }
 /// More draws are allowed, but nobody waits for them. No draw at all divides by zero.
 const Argument draws = count("count", "draws", {1, 1000}, {8, 8});
@@ -95,9 +95,9 @@ void arrangeReals(Call &call, Random &random) {
 std::vector<Row> frameRows() {
     return {
         {Q_MUR_FUNCTION_WITHOUT_TWIN(PrepareSinTable), .sentence = "Fills the tables of sines, cosines and roots.",
-         .without = globalTables},
+         .waived = globalTables},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(Init_qMur_GlobalData), .sentence = "Fills the tables.",
-         .arguments = {unused("module"), unused("path")}, .without = globalTables},
+         .arguments = {unused("module"), unused("path")}, .waived = globalTables},
         {Q_MUR_FUNCTION(BeginMemoryManager), .sentence = "Starts a frame in which nobody has given notice yet.",
          .arguments = {record}, .writes = usedFlagOf, .arrange = arrangeRecord, .scenes = emptyRecord},
         {Q_MUR_FUNCTION(NoticeMemUsed), .sentence = "Gives notice that blocks are used.", .arguments = {record},
@@ -107,9 +107,9 @@ std::vector<Row> frameRows() {
          .scenes = emptyRecord},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(FindNotUsedMemory), .sentence = "Allocates the block of a slot.",
          .arguments = {record, slot, number("size", "bytes", {-3, anyInt.high}, {65536, 65536})}, .scenes = emptyRecord,
-         .without = onTheHeap},
+         .waived = onTheHeap},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(ClearMemory), .sentence = "Zeroes the block of a slot.",
-         .arguments = {record, slot}, .scenes = {{.set = drawRecordWithBlock}}, .without = onTheHeap},
+         .arguments = {record, slot}, .scenes = {{.set = setRecordWithBlock}}, .waived = onTheHeap},
         {Q_MUR_FUNCTION(FreeMemoryBlocks), .sentence = "Frees all blocks.", .arguments = {orNull(record)},
          .writes = present(blockCount), .reads = present(firstSlot), .arrange = arrangeRecordOrNull,
          .scenes = emptyRecord},
@@ -117,14 +117,14 @@ std::vector<Row> frameRows() {
          .arguments = {orNull(record)}, .writes = present(blockCount), .reads = present(firstSlot),
          .arrange = arrangeRecordOrNull, .scenes = emptyRecord},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_QMGP_Data), .sentence = "Allocates the private block of region fills.",
-         .arguments = {record, slot}, .scenes = emptyRecord, .without = onTheHeap},
+         .arguments = {record, slot}, .scenes = emptyRecord, .waived = onTheHeap},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_LUT_Data), .sentence = "Allocates the private block of the cross blur.",
-         .arguments = {record, slot}, .scenes = emptyRecord, .without = onTheHeap},
+         .arguments = {record, slot}, .scenes = emptyRecord, .waived = onTheHeap},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(GaussRand), .sentence = "Gives the next of 16 small numbers.",
-         .without = {{"two_threads_on_separate_surfaces", "one counter"}}},
+         .waived = {{"two_threads_on_separate_surfaces", "one counter"}}},
         {Q_MUR_FUNCTION(randInt), .sentence = "Draws a whole number below a bound.",
          .arguments = {bound("low", anyInt, 0), bound("high", anyInt, 100)}, .drawsRandomNumbers = true,
-         .arrange = arrangeInts, .without = {{"numbers_at_their_ends", "equal bounds never return"}}},
+         .arrange = arrangeInts, .waived = {{"numbers_at_their_ends", "equal bounds never return"}}},
         {Q_MUR_FUNCTION(randFloat), .sentence = "Draws a number between two others.",
          .arguments = {bound("low", finite<float>, 0), bound("high", finite<float>, 1)}, .drawsRandomNumbers = true,
          .arrange = arrangeReals},

@@ -12,14 +12,14 @@ constexpr Range finite = {-std::numeric_limits<float>::max(), std::numeric_limit
 
 // Arguments
 
-Argument whole(std::string_view name, Range drawn = {0, 0}) {
-    return number(name, "units", anyInt, drawn);
+Argument whole(std::string_view name, Way inScene = {0, 0}) {
+    return number(name, "units", anyInt, inScene);
 }
 Argument radians(std::string_view name) {
     return angle(name, finite);
 }
 Argument tableAngle(std::string_view name) {
-    return {.name = name, .kind = Kind::angle, .unit = "1/65536 turn", .contract = anyShort, .drawn = {0, 65535}};
+    return {.name = name, .kind = Kind::angle, .unit = "1/65536 turn", .contract = anyShort, .inScene = {0, 65535}};
 }
 Argument distance() {
     return whole("distance", {240, 240});
@@ -67,10 +67,8 @@ const Region xAndYOfPoints = always({words("p1", 2), words("p2", 2), words("p3",
 
 // Random calls
 
-bool isReal(const Call &call, std::size_t index) {
-    const std::string_view type = call.row().call.types[index];
-    return type.find("int") == std::string_view::npos && type.find("short") == std::string_view::npos &&
-           type.find("_POINT3D ") == std::string_view::npos && type.find("_POINT3D*") == std::string_view::npos;
+bool isFloatMemory(const Call &call, std::size_t index) {
+    return call.row().functions.types[index] == Type::reals;
 }
 
 /// Fills memory with random floats up to about `2^reach` or ints up to `bound`.
@@ -87,11 +85,11 @@ void arrangeUpTo(Call &call, Random &random) {
     for (std::size_t i = 0; i < call.size(); ++i) {
         const Kind kind = call.row().arguments[i].kind;
         if (kind == Kind::points || kind == Kind::numbers)
-            call[i] = randomWords(random, kind == Kind::points ? Plane(4, 4, 1) : Plane(4, 1, 1, 1), isReal(call, i),
-                                  reach, bound);
+            call[i] = randomWords(random, kind == Kind::points ? Plane(4, 4, 1) : Plane(4, 1, 1, 1),
+                                  isFloatMemory(call, i), reach, bound);
         else if (kind == Kind::number)
             call[i] = random.between(-bound, bound);
-        else if (kind == Kind::angle && isReal(call, i) && !random.oneIn(4))
+        else if (kind == Kind::angle && call.row().isReal(i) && !random.oneIn(4))
             call[i] = random.real(4);
     }
 }
@@ -111,7 +109,7 @@ void arrangeLine(Call &call, Random &random) {
 
 // Scenes: one point that is moved again and again, a thousand times.
 
-void drawPoint(Call &call, const Stage &stage) {
+void setPoint(Call &call, const Stage &stage) {
     if (stage.call > 0)
         return;
     for (std::size_t i = 0; i < call.size(); ++i) {
@@ -120,21 +118,21 @@ void drawPoint(Call &call, const Stage &stage) {
             continue;
         const int from = static_cast<int>(i) * 37 % 101;
         const int wholes[] = {from + 60, from * from % 89 - 40, 25 - from, 0};
-        call[i] = isReal(call, i) ? Plane::array<float>(4, [&](int k) { return static_cast<float>(wholes[k]); })
-                                  : Plane::of(wholes);
+        call[i] = isFloatMemory(call, i) ? Plane::array<float>(4, [&](int k) { return static_cast<float>(wholes[k]); })
+                                         : Plane::of(wholes);
     }
 }
 
 /// What most rows have in common: they change or measure single points.
 void describePoint(Row &row) {
     if (row.scenes.empty())
-        row.scenes = {{.set = drawPoint, .figures = 0.001, .figure = "Mpoints", .calls = 1000}};
+        row.scenes = {{.set = setPoint, .figures = 1000, .figure = "Mpoints", .calls = 1000}};
     if (!row.arrange)
         row.arrange = arrange;
     const bool isGrid = row.argument("columns");
     if (!row.reads && !isGrid)
         row.reads = read;
-    if (!row.writes && row.call.resultType == "void")
+    if (!row.writes && !row.functions.hasResult)
         row.writes = written;
 }
 
@@ -164,19 +162,19 @@ void arrangeGrids(Call &call, Random &random) {
     }
 }
 
-void drawGrids(Call &call, const Stage &) {
+void setGrids(Call &call, const Stage &) {
     int made = 3;
-    for (std::size_t i = 0; i < call.size(); ++i)
-        if (call.row().arguments[i].kind == Kind::points) {
-            call[i] =
-                Plane::array<float>(4 * 64 * 64, [made](int word) { return static_cast<float>(word * made % 211); });
-            ++made;
-        }
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        if (call.row().arguments[i].kind != Kind::points)
+            continue;
+        call[i] = Plane::array<float>(4 * 64 * 64, [made](int word) { return static_cast<float>(word * made % 211); });
+        ++made;
+    }
 }
 
 Row grid(Row row) {
     row.arrange = arrangeGrids;
-    row.scenes = {{.set = drawGrids, .figures = 64 * 64 * 1e-6, .figure = "Mpoints"}};
+    row.scenes = {{.set = setGrids, .figures = 64 * 64, .figure = "Mpoints"}};
     return row;
 }
 /// A grid on the screen, whose width means something or nothing.
@@ -199,49 +197,49 @@ std::vector<Row> math3dRows() {
     std::vector<Row> rows = {
         {Q_MUR_OVERLOAD(fRotate3DByX, Turn<float, float>), .sentence = "Turns (y, z) about X.",
          .arguments = ab + radians("angle")},
-        {Q_MUR_OVERLOAD(fRotate3DByX, Turn<float, float, int>), .word = "centre",
+        {Q_MUR_OVERLOAD(fRotate3DByX, Turn<float, float, int>), .label = "centre",
          .sentence = "Turns (y, z) about an axis along X.", .arguments = ab + radians("angle") + whole("centre")},
         {Q_MUR_OVERLOAD(fRotate3DByY, Turn<float, float>), .sentence = "Turns (x, z) about Y.",
          .arguments = ab + radians("angle")},
-        {Q_MUR_OVERLOAD(fRotate3DByY, Turn<float, float, int>), .word = "centre",
+        {Q_MUR_OVERLOAD(fRotate3DByY, Turn<float, float, int>), .label = "centre",
          .sentence = "Turns (x, z) about an axis along Y.", .arguments = ab + radians("angle") + whole("centre")},
         {Q_MUR_OVERLOAD(fRotate3DByZ, Turn<float, float>), .sentence = "Turns (x, y) about Z.",
          .arguments = ab + radians("angle")},
-        {Q_MUR_OVERLOAD(fRotate3DByZ, Turn<float, float, int, int>), .word = "centre",
+        {Q_MUR_OVERLOAD(fRotate3DByZ, Turn<float, float, int, int>), .label = "centre",
          .sentence = "Turns (x, y) about an axis along Z.",
          .arguments = ab + radians("angle") + whole("centreA") + whole("centreB")},
         {Q_MUR_OVERLOAD(iRotate3DByX, Turn<int, unsigned short>), .sentence = "Turns (y, z) about X.",
          .arguments = ab + tableAngle("angle")},
-        {Q_MUR_OVERLOAD(iRotate3DByX, Turn<int, unsigned short, int>), .word = "centre",
+        {Q_MUR_OVERLOAD(iRotate3DByX, Turn<int, unsigned short, int>), .label = "centre",
          .sentence = "Turns (y, z) about an axis along X.", .arguments = ab + tableAngle("angle") + whole("centre")},
         {Q_MUR_OVERLOAD(iRotate3DByY, Turn<int, unsigned short>), .sentence = "Turns (x, z) about Y.",
          .arguments = ab + tableAngle("angle")},
-        {Q_MUR_OVERLOAD(iRotate3DByY, Turn<int, unsigned short, int>), .word = "centre",
+        {Q_MUR_OVERLOAD(iRotate3DByY, Turn<int, unsigned short, int>), .label = "centre",
          .sentence = "Turns (x, z) about an axis along Y.", .arguments = ab + tableAngle("angle") + whole("centre")},
         {Q_MUR_OVERLOAD(iRotate3DByZ, Turn<int, unsigned short>), .sentence = "Turns (x, y) about Z.",
          .arguments = ab + tableAngle("angle")},
-        {Q_MUR_OVERLOAD(iRotate3DByZ, Turn<int, unsigned short, int, int>), .word = "centre",
+        {Q_MUR_OVERLOAD(iRotate3DByZ, Turn<int, unsigned short, int, int>), .label = "centre",
          .sentence = "Turns (x, y) about an axis along Z.",
          .arguments = ab + tableAngle("angle") + whole("centreA") + whole("centreB")},
         {Q_MUR_OVERLOAD(fRotate3D, void(float *, float *, float *, float, float, float)),
          .sentence = "Turns a point about X, then Y, then Z.", .arguments = xyz + radiansOfAxes},
         {Q_MUR_OVERLOAD(iRotate3D, void(int *, int *, int *, unsigned short, unsigned short, unsigned short)),
          .sentence = "Turns a point about X, then Y, then Z.", .arguments = xyz + tableAnglesOfAxes},
-        {Q_MUR_OVERLOAD(fRotate3D, void(_POINT3DFLOAT *, _POINT3DFLOAT *, _POINT3DFLOAT *, float)), .word = "line",
+        {Q_MUR_OVERLOAD(fRotate3D, void(_POINT3DFLOAT *, _POINT3DFLOAT *, _POINT3DFLOAT *, float)), .label = "line",
          .sentence = "Turns a point about the line through two others.",
          .arguments = {point("p"), point("a"), point("q"), radians("angle")}, .arrange = arrangeLine},
-        {Q_MUR_OVERLOAD(iRotate3D, void(_POINT3D *, _POINT3D *, _POINT3D *, unsigned short)), .word = "line",
+        {Q_MUR_OVERLOAD(iRotate3D, void(_POINT3D *, _POINT3D *, _POINT3D *, unsigned short)), .label = "line",
          .sentence = "Turns a point about the line through two others.",
          .arguments = {point("p"), point("a"), point("q"), tableAngle("angle")}, .arrange = arrangeLine},
         {Q_MUR_FUNCTION(fMove3D), .sentence = "Adds three ints to a point.", .arguments = xyz + steps},
         {Q_MUR_FUNCTION(iMove3D), .sentence = "Adds three ints to a point.", .arguments = xyz + steps},
         {Q_MUR_OVERLOAD(fConvertReal2Viewport, Projection<float>), .sentence = "Projects a point.",
          .arguments = xyz + distance(), .writes = xAndY},
-        {Q_MUR_OVERLOAD(fConvertReal2Viewport, Projection<float, int, int>), .word = "centre",
+        {Q_MUR_OVERLOAD(fConvertReal2Viewport, Projection<float, int, int>), .label = "centre",
          .sentence = "Projects a point about a centre.", .arguments = xyz + centre + distance(), .writes = xAndY},
         {Q_MUR_OVERLOAD(iConvertReal2Viewport, Projection<int>), .sentence = "Projects a point.",
          .arguments = xyz + distance(), .writes = xAndY},
-        {Q_MUR_OVERLOAD(iConvertReal2Viewport, Projection<int, int, int>), .word = "centre",
+        {Q_MUR_OVERLOAD(iConvertReal2Viewport, Projection<int, int, int>), .label = "centre",
          .sentence = "Projects a point about a centre.", .arguments = xyz + centre + distance(), .writes = xAndY},
         {Q_MUR_FUNCTION(fMapping3D), .sentence = "Brings a point to the screen: turns, moves and projects it.",
          .arguments = xyz + radiansOfAxes + offsets + distance()},
@@ -259,14 +257,14 @@ std::vector<Row> math3dRows() {
          .arguments = point("out") + vectors, .sums = Sums::wrap},
         {Q_MUR_OVERLOAD(Magnitude, float(_I3DVECTOR &)), .sentence = "Gives the length of a vector.",
          .arguments = {point("v")}, .arrange = arrangeUpTo<100>},
-        {Q_MUR_OVERLOAD(Magnitude, float(_POINT3DFLOAT *)), .word = "point",
-         .sentence = "Gives the length of a vector, with the same body.", .arguments = {point("v")},
-         .arrange = arrangeUpTo<100>},
+        {Q_MUR_OVERLOAD(Magnitude, float(_POINT3DFLOAT *)), .label = "point",
+         .sentence = "Gives the length of a vector, under the same body as the other Magnitude.",
+         .arguments = {point("v")}, .arrange = arrangeUpTo<100>},
         {Q_MUR_OVERLOAD(Normalize, _I3DVECTOR(_I3DVECTOR &)), .sentence = "Brings a vector to length 1.",
          .arguments = {point("v")}, .arrange = arrangeUpTo<100>},
-        {Q_MUR_OVERLOAD(Normalize, _POINT3DFLOAT(_POINT3DFLOAT *)), .word = "point",
-         .sentence = "Brings a vector to length 1, with the same body.", .arguments = {point("v")},
-         .arrange = arrangeUpTo<100>},
+        {Q_MUR_OVERLOAD(Normalize, _POINT3DFLOAT(_POINT3DFLOAT *)), .label = "point",
+         .sentence = "Brings a vector to length 1, under the same body as the other Normalize.",
+         .arguments = {point("v")}, .arrange = arrangeUpTo<100>},
         {Q_MUR_FUNCTION(fBubSun), .sentence = "Gives the unit normal of a face.", .arguments = point("out") + face,
          .arrange = arrangeFace},
         {Q_MUR_FUNCTION(iBubSun), .sentence = "Gives the normal of a face, of length 256.",

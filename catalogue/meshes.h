@@ -68,7 +68,7 @@ inline Plane wavingGrid(const Stage &stage, int rows, int columns) {
     return Plane::array<Point>(rows * columns, [&](int i) {
         const double u = static_cast<double>(i % columns) / (columns - 1);
         const double v = static_cast<double>(i / columns) / (rows - 1);
-        const double wave = std::sin(9 * u + 3 * v - 6.2831853 * stage.time);
+        const double wave = std::sin(9 * u + 3 * v - fullTurn * stage.time);
         return Point{static_cast<float>(stage.width * (0.1 + 0.8 * u)),
                      static_cast<float>(stage.height * (0.15 + 0.7 * v + 0.05 * wave * u)),
                      static_cast<float>(stage.height * 0.1 * wave * u), 0};
@@ -97,10 +97,12 @@ inline std::array<int, 4> cornersInGrid(int polygon, int side, bool isQuad) {
                             : std::array{first + 1, first + columns, first + columns + 1, 0};
 }
 
-/// A scene of all polygons of such a grid, each set by a step of its own.
+/// A scene of all polygons of such a grid, each set by a step of its own. Grids of 7 and of 70 cells have quads of
+/// about 10000 and 100 pixels.
 template <class SetPolygon>
-Scene polygonsOfGrid(std::string_view word, int side, bool isQuad, SetPolygon setPolygon) {
-    return {.word = word,
+Scene polygonsOfGrid(const std::string &kind, int side, bool isQuad, SetPolygon setPolygon) {
+    const int pixels = (side == 7 ? 10000 : 100) / (isQuad ? 1 : 2);
+    return {.label = kind + (isQuad ? "quads of " : "triangles of ") + std::to_string(pixels) + " pixels",
             .set = [=](Call &call, const Stage &stage) { setPolygon(call, stage, side); },
             .figure = isQuad ? "Mquads" : "Mtriangles",
             .calls = (isQuad ? 1 : 2) * side * side,
@@ -127,7 +129,7 @@ inline const Region onDepths = on("data", "clip");
 /// Allocates a private block.
 inline Row allocating(std::string_view record, Row row) {
     row.arguments = {orNull(hostRecord(record, "")), number("slot", "", {0, 14}, {0, 0})};
-    row.without = {{"every proof", "allocates"}};
+    row.waived = {{"every proof", "allocates"}};
     return row;
 }
 

@@ -11,10 +11,10 @@ namespace catalogue {
 
 constexpr std::string_view nameOf(Kind kind) {
     constexpr std::string_view names[] = {
-        "destination", "source", "scratch",       "plane",       "depths", "rectangle", "clip",   "point",
-        "position",    "pitch",  "extent",        "radius",      "count",  "colour",    "key",    "weight",
-        "alpha",       "angle",  "scale",         "number",      "choice", "unused",    "points", "colours",
-        "numbers",     "matrix", "private block", "host record", "text"};
+        "destination", "source",  "scratch", "plane",  "rectangle",     "clip",        "point",
+        "position",    "pitch",   "extent",  "radius", "count",         "colour",      "key",
+        "weight",      "alpha",   "angle",   "scale",  "number",        "choice",      "unused",
+        "points",      "colours", "numbers", "matrix", "private block", "host record", "text"};
     static_assert(std::size(names) == static_cast<std::size_t>(Kind::text) + 1);
     return names[static_cast<std::size_t>(kind)];
 }
@@ -26,8 +26,8 @@ constexpr std::string_view nameOf(Overlap overlap) {
 }
 
 constexpr std::string_view nameOf(TopByte topByte) {
-    constexpr std::string_view names[] = {"cleared",           "copied",       "kept",     "blended",
-                                          "set by the colour", "disturbs red", "no pixels"};
+    constexpr std::string_view names[] = {"cleared",           "cleared by light", "copied",   "blended",
+                                          "set by the colour", "disturbs red",     "no pixels"};
     static_assert(std::size(names) == static_cast<std::size_t>(TopByte::noPixels) + 1);
     return names[static_cast<std::size_t>(topByte)];
 }

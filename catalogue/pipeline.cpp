@@ -20,21 +20,21 @@ constexpr Range anyLength = {-1e9, 1e9};
 Argument matrix(std::string_view name) {
     return {.name = name, .kind = Kind::matrix, .unit = "1"};
 }
-Argument real(std::string_view name, Range drawn = {1, 2}, std::string_view unit = "1") {
-    return number(name, unit, anyLength, drawn);
+Argument real(std::string_view name, Way inScene = {1, 2}, std::string_view unit = "1") {
+    return number(name, unit, anyLength, inScene);
 }
 Argument degrees(std::string_view name) {
-    return {.name = name, .kind = Kind::angle, .unit = "degrees", .contract = anyLength, .drawn = {10, 80}};
+    return {.name = name, .kind = Kind::angle, .unit = "degrees", .contract = anyLength, .inScene = {10, 80}};
 }
 
 /// Numbers of all sizes for what is a float.
-void drawReals(Call &call, Random &random, int reach = 10) {
+void chooseReals(Call &call, Random &random, int reach = 10) {
     for (std::size_t i = 0; i < call.size(); ++i)
-        if (call.row().call.types[i] == "float" && !(call.row().arguments[i].kind == Kind::angle && random.oneIn(4)))
+        if (call.row().isReal(i) && !(call.row().arguments[i].kind == Kind::angle && random.oneIn(4)))
             call[i] = random.real(reach);
 }
 void arrangeReals(Call &call, Random &random) {
-    drawReals(call, random);
+    chooseReals(call, random);
 }
 void arrangeRotation(Call &call, Random &random) {
     call["axis"] = Plane::array<float>(4, [&](int) { return random.real(); });
@@ -53,7 +53,7 @@ auto arrangeDepths(int low) {
 
 /// Cameras of all kinds, but for those that look along world Y under a like up vector: nothing they make is finite.
 void arrangeView(Call &call, Random &random) {
-    drawReals(call, random, 5);
+    chooseReals(call, random, 5);
     const auto at = [&call](std::string_view name) { return static_cast<float>(call[name].number()); };
     const int kind = random.between(0, 15);
     if (kind < 2) { // up along the line of sight, or nearly so
@@ -132,8 +132,8 @@ Arguments bandArguments(bool hasDepths) {
     const auto places = [](std::string_view name, double begin, double end) {
         return position(name, "dst", {begin, end});
     };
-    const auto level = [](std::string_view name, double drawn) {
-        return number(name, "levels", anyInt, {drawn, drawn});
+    const auto level = [](std::string_view name, double inScene) {
+        return number(name, "levels", anyInt, {inScene, inScene});
     };
     const Arguments colours = {
         places("xA0", 0.1, 0.3), places("xA1", 0.3, 0.1), places("xB0", 0.7, 0.9), places("xB1", 0.9, 0.7),
@@ -145,7 +145,7 @@ Arguments bandArguments(bool hasDepths) {
 }
 
 /// At times half opacity, which knows no depth.
-void drawOpacity(Call &call, Random &random) {
+void chooseOpacity(Call &call, Random &random) {
     if (call.row().argument("opacity"))
         call["opacity"] = random.oneIn(4) ? 128 : random.between(0, 256);
 }
@@ -154,7 +154,7 @@ void drawOpacity(Call &call, Random &random) {
 void arrangeBand(Call &call, Random &random) {
     const bool isWild = random.oneIn(20);
     const int reach = random.oneIn(4) ? 2000 : 15;
-    const auto draw = [&](char name, int low, int high, bool wild) {
+    const auto choose = [&](char name, int low, int high, bool wild) {
         const auto number = [&] { return wild ? static_cast<int>(random.word()) : random.between(low, high); };
         const int a0 = number();
         const int a1 = random.oneIn(4) ? a0 : number();
@@ -165,14 +165,14 @@ void arrangeBand(Call &call, Random &random) {
         call[begin + "B0"] = b0;
         call[begin + "B1"] = number();
     };
-    draw('x', -reach, reach, isWild);
-    draw('y', -5, 15, random.oneIn(40));
-    draw('r', 0, 255, isWild);
-    draw('g', 0, 255, isWild);
-    draw('b', random.oneIn(4) ? -300 : 0, 255, isWild);
+    choose('x', -reach, reach, isWild);
+    choose('y', -5, 15, random.oneIn(40));
+    choose('r', 0, 255, isWild);
+    choose('g', 0, 255, isWild);
+    choose('b', random.oneIn(4) ? -300 : 0, 255, isWild);
     if (call.row().argument("zA0"))
-        draw('z', -100, random.oneIn(4) ? 40000 : 400, isWild);
-    drawOpacity(call, random);
+        choose('z', -100, random.oneIn(4) ? 40000 : 400, isWild);
+    chooseOpacity(call, random);
 }
 
 // Triangles.
@@ -197,14 +197,14 @@ void arrangeTriangle(Call &call, Random &random) {
         call[pointNames[i]] = Plane::of(corners[i]);
     for (const std::string_view name : colourNames)
         call[name] = randomColours(random, 1);
-    drawOpacity(call, random);
+    chooseOpacity(call, random);
 }
 
 /// One triangle that turns.
 void setTriangle(Call &call, const Stage &stage) {
     constexpr q_ulong colours[] = {0xFF4020, 0x20E040, 0x3050FF};
     for (std::size_t i = 0; i < 3; ++i) {
-        const double angle = 6.2831853 * (stage.time + static_cast<double>(i) / 3);
+        const double angle = fullTurn * (stage.time + static_cast<double>(i) / 3);
         call[pointNames[i]] = Plane::of(Point{static_cast<float>(stage.width * (0.5 + 0.3 * std::cos(angle))),
                                               static_cast<float>(stage.height * (0.5 + 0.45 * std::sin(angle))), 0, 0});
         call[colourNames[i]] = Plane::of(colours[i]);
@@ -237,12 +237,11 @@ Row triangle(Row row) {
     row.topByte = disturbsRed;
     row.arrange = arrangeTriangle;
     row.scenes = {{.set = setTriangle},
-                  polygonsOfGrid("triangles of 50 pixels", 70, false, setTriangleOfGrid),
-                  polygonsOfGrid("triangles of 5000 pixels", 7, false, setTriangleOfGrid)};
-    if (row.argument("opacity")) {
-        row.scenes.push_back(polygonsOfGrid("half opaque triangles of 50 pixels", 70, false, setHalfOpaqueTriangle));
-        row.scenes.push_back(polygonsOfGrid("half opaque triangles of 5000 pixels", 7, false, setHalfOpaqueTriangle));
-    }
+                  polygonsOfGrid("", 70, false, setTriangleOfGrid),
+                  polygonsOfGrid("", 7, false, setTriangleOfGrid)};
+    if (row.argument("opacity"))
+        for (const int side : {70, 7})
+            row.scenes.push_back(polygonsOfGrid("half opaque ", side, false, setHalfOpaqueTriangle));
     return row;
 }
 
@@ -271,11 +270,11 @@ void arrangeLit(Call &call, Random &random) {
     if (random.oneIn(30))
         call[random.oneIn(2) ? "rows" : "columns"] = random.between(-1, 1);
     call.set({{"points", crumpledGrid(random, rows, columns, 5)}, {"colours", randomColours(random, rows * columns)}});
-    draw({"wrapRows", "wrapColumns"}, 0, 2)(call, random);
+    chooseWhole({"wrapRows", "wrapColumns"}, 0, 2)(call, random);
     call["light"] = Plane::of(randomLight(random));
     call["ambientVector"] = Plane::array<int>(4, [&random](int) { return random.between(-60, 60); });
     call.set({{"specular", random.realBetween(0, 2)}, {"shininess", random.between(-1, 5)}});
-    drawOpacity(call, random);
+    chooseOpacity(call, random);
 }
 void setLight(Call &call, const Stage &) {
     call["light"] = lightFromAbove();
@@ -287,8 +286,12 @@ constexpr auto setLit = [](Call &call, const Stage &stage) {
     setLight(call, stage);
 };
 
-Scene mesh(std::string_view word, std::function<void(Call &, const Stage &)> setting) {
-    return {word, inTurn(setLit<>, crumple<64, 64>, std::move(setting)), 2 * 63 * 63, "Mtriangles", 1, true};
+Scene mesh(std::string label, std::function<void(Call &, const Stage &)> setting) {
+    return {.label = std::move(label),
+            .set = inTurn(setLit<>, crumple<64, 64>, std::move(setting)),
+            .figures = 2 * 63 * 63,
+            .figure = "Mtriangles",
+            .isRestored = true};
 }
 Row lit(Row row) {
     row.arguments = surfaceWithDepths + gridArguments + wrapping + gridSize + points("light", "1") +
@@ -313,7 +316,7 @@ void arrangeAlpha(Call &call, Random &random) {
         point.z *= 10;
     }
     call.set({{"points", grid}, {"colours", randomColours(random, alphaRows * alphaColumns)}});
-    draw({"wrapRows", "wrapColumns"}, 0, 2)(call, random);
+    chooseWhole({"wrapRows", "wrapColumns"}, 0, 2)(call, random);
 }
 
 // Dots and lines.
@@ -372,7 +375,7 @@ void setLines(Call &call, const Stage &stage) {
     constexpr int lines = 500;
     if (stage.call == 0) {
         call["a"] = Plane::array<_POINT3D>(2 * lines, [&stage](int i) {
-            const double angle = 6.2831853 * (i / 2) / lines;
+            const double angle = fullTurn * (i / 2) / lines;
             const double radius = stage.height * (i % 2 ? 0.48 : 0.1);
             return _POINT3D{static_cast<int>(stage.width / 2 + radius * std::cos(angle)),
                             static_cast<int>(stage.height / 2 + radius * std::sin(angle)), i % 100, 0};
@@ -460,7 +463,7 @@ std::vector<Row> pipelineRows() {
         {Q_MUR_OVERLOAD(VKD_3D_Render, Band), .sentence = "Draws a shaded band between two edges, depth tested.",
          .arguments = surfaceWithDepths + bandArguments(true), .writes = onDst + onDepths, .reads = onDepths,
          .topByte = cleared, .sums = carryOver, .arrange = arrangeBand, .scenes = {{.isRestored = true}}},
-        {Q_MUR_OVERLOAD(VKD_3D_Render, BandWithOpacity), .word = "opacity",
+        {Q_MUR_OVERLOAD(VKD_3D_Render, BandWithOpacity), .label = "opacity",
          .sentence = "Blends a shaded band over the destination, depth tested.",
          .arguments = surfaceWithDepths + bandArguments(true) + opacity, .writes = onDst + onDepths,
          .reads = onDst + onDepths, .topByte = disturbsRed, .sums = carryOver, .arrange = arrangeBand,
@@ -474,22 +477,22 @@ std::vector<Row> pipelineRows() {
          .sums = saturate, .arrange = arrangeBand},
         triangle({Q_MUR_OVERLOAD(VKD_Render_Tri, Triangle), .sentence = "Draws a shaded triangle, depth tested.",
                   .arguments = surfaceWithDepths + triangleArguments, .writes = onDst + onDepths,
-                  .reads = readsTriangle + onDepths, .sums = carryOver}),
-        triangle({Q_MUR_OVERLOAD(VKD_Render_Tri, TriangleWithOpacity), .word = "opacity",
+                  .reads = readsTriangle + onDepths, .sums = stayInside}),
+        triangle({Q_MUR_OVERLOAD(VKD_Render_Tri, TriangleWithOpacity), .label = "opacity",
                   .sentence = "Blends a shaded triangle over the destination, depth tested.",
                   .arguments = surfaceWithDepths + triangleArguments + opacity, .writes = onDst + onDepths,
-                  .reads = readsTriangle, .sums = carryOver}),
+                  .reads = readsTriangle + onDst + onDepths, .sums = carryOver}),
         triangle({Q_MUR_FUNCTION(VKD_Render_Tri_Alpha),
                   .sentence = "Mixes a shaded triangle half and half with the destination, beyond the near limit.",
-                  .arguments = surfaceWithDepths + triangleArguments, .writes = onDst, .reads = readsTriangle,
-                  .sums = carryOver}),
+                  .arguments = surfaceWithDepths + triangleArguments, .writes = onDst, .reads = readsTriangle + onDst,
+                  .sums = stayInside}),
         triangle({Q_MUR_FUNCTION(VKD_Render_Tri_Add), .sentence = "Adds a shaded triangle to the destination.",
-                  .arguments = surfaceAlone + triangleArguments, .writes = onDst, .reads = readsTriangle,
+                  .arguments = surfaceAlone + triangleArguments, .writes = onDst, .reads = readsTriangle + onDst,
                   .sums = saturate}),
         lit({Q_MUR_OVERLOAD(VKD_Render_3D_Surface, Lit),
              .sentence = "Lights a grid of points and draws it as triangles, depth tested.", .topByte = cleared,
              .scenes = {{.set = setLit<>, .isRestored = true}, mesh("mesh of 64 x 64", {})}}),
-        lit({Q_MUR_OVERLOAD(VKD_Render_3D_Surface, LitWithOpacity), .word = "opacity",
+        lit({Q_MUR_OVERLOAD(VKD_Render_3D_Surface, LitWithOpacity), .label = "opacity",
              .sentence = "Lights a grid of points and blends it over the destination, depth tested.",
              .arguments = opacity, .topByte = disturbsRed,
              .scenes = {{.set = inTurn(setLit<>, set("opacity", 180)), .isRestored = true},
@@ -501,7 +504,7 @@ std::vector<Row> pipelineRows() {
          .writes = onDst,
          .reads =
              onDst + always({records("points", alphaRows * alphaColumns), words("colours", alphaRows * alphaColumns)}),
-         .topByte = disturbsRed, .sums = carryOver, .arrange = arrangeAlpha,
+         .topByte = disturbsRed, .sums = stayInside, .arrange = arrangeAlpha,
          .scenes = {{.set = setGrid<alphaRows, alphaColumns>},
                     {"mesh of 20 x 64", inTurn(setGrid<alphaRows, alphaColumns>, crumple<alphaRows, alphaColumns>),
                      2 * 19 * 63, "Mtriangles"}},
@@ -523,7 +526,11 @@ std::vector<Row> pipelineRows() {
         lit({Q_MUR_FUNCTION(VKD_Render_3D_Line),
              .sentence = "Lights a grid of points and draws its lines, depth tested.", .topByte = cleared,
              .scenes = {{.set = setLit<14, 24>, .isRestored = true},
-                        {"mesh of 64 x 64", setLit<>, 64 * 63 * 2, "lines", 1, true}}}),
+                        {.label = "mesh of 64 x 64",
+                         .set = setLit<>,
+                         .figures = 64 * 63 * 2,
+                         .figure = "lines",
+                         .isRestored = true}}}),
     };
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <new>
@@ -146,6 +147,21 @@ Plane Plane::copy(Copies &copies) const {
     }
     plane.memory = own;
     plane.start = own->data() + (start - memory->data());
+    return plane;
+}
+
+Plane Plane::turnedOver(Copies &copies) const {
+    Plane plane = copy(copies);
+    const std::ptrdiff_t rowBytes = static_cast<std::ptrdiff_t>(std::abs(stride)) * bytesEach;
+    if (!memory || rowBytes == 0)
+        return plane;
+    const std::ptrdiff_t lastRow = static_cast<std::ptrdiff_t>(memory->size()) / rowBytes - 1;
+    for (std::ptrdiff_t row = 0; row <= lastRow; ++row)
+        std::memcpy(plane.memory->data() + (lastRow - row) * rowBytes, memory->data() + row * rowBytes,
+                    static_cast<std::size_t>(rowBytes));
+    const std::ptrdiff_t before = start - memory->data();
+    plane.start = plane.memory->data() + (lastRow - before / rowBytes) * rowBytes + before % rowBytes;
+    plane.stride = -stride;
     return plane;
 }
 

@@ -130,6 +130,9 @@ public:
     /// A plane of its own with the same content; one block is copied once.
     Plane copy(Copies &copies) const;
 
+    /// Such a copy whose rows stand in memory in the other order, so that its pitch has the other sign.
+    Plane turnedOver(Copies &copies) const;
+
     /// Takes over the content of a plane of the same shape, in place.
     void restore(const Plane &earlier);
 

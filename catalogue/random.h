@@ -90,6 +90,7 @@ private:
 };
 
 constexpr double quarterTurn = 1.5707963267948966;
+constexpr double fullTurn = 4 * quarterTurn;
 
 /// An angle in radians: at or beside a multiple of a quarter turn or another limit, or anywhere.
 inline double anyTurn(Random &random) {

@@ -44,7 +44,7 @@ void makePlane(Call &call, Random &random) {
 }
 void arrangeLine(Call &call, Random &random) {
     const int reach = random.oneIn(50) ? 5000 : 20;
-    draw({"x1", "y1", "x2", "y2"}, -reach, reach + 16)(call, random);
+    chooseWhole({"x1", "y1", "x2", "y2"}, -reach, reach + 16)(call, random);
 }
 constexpr const char *columnNames[] = {"x0", "x1", "x2", "x3"};
 constexpr const char *rowNames[] = {"y0", "y1", "y2", "y3"};
@@ -81,18 +81,18 @@ void setColour(Call &call, const Stage &stage) {
 }
 /// A fan of lines from the middle all around.
 void setLine(Call &call, const Stage &stage) {
-    const double angle = stage.time * 6.2831853;
+    const double angle = stage.time * fullTurn;
     call.set({{"x1", stage.width / 2}, {"y1", stage.height / 2}});
     call["x2"] = std::floor(stage.width * (0.5 + 0.45 * std::cos(angle)));
     call["y2"] = std::floor(stage.height * (0.5 + 0.45 * std::sin(angle)));
 }
 /// A ribbon of curves.
 void setCurve(Call &call, const Stage &stage) {
-    constexpr Range columns[] = {{0, 0.1}, {0.5, 0.2}, {0.3, 1.1}, {1, 0.9}};
-    constexpr Range rows[] = {{0.8, 0.1}, {-0.3, 0.4}, {1.3, 0.8}, {0.1, 0.9}};
+    constexpr Way columns[] = {{0, 0.1}, {0.5, 0.2}, {0.3, 1.1}, {1, 0.9}};
+    constexpr Way rows[] = {{0.8, 0.1}, {-0.3, 0.4}, {1.3, 0.8}, {0.1, 0.9}};
     for (int i = 0; i < 4; ++i) {
-        call[columnNames[i]] = std::floor(stage.width * stage.within(columns[i]));
-        call[rowNames[i]] = std::floor(stage.height * stage.within(rows[i]));
+        call[columnNames[i]] = std::floor(stage.width * stage.along(columns[i]));
+        call[rowNames[i]] = std::floor(stage.height * stage.along(rows[i]));
     }
 }
 /// A blossom.
@@ -101,7 +101,7 @@ void setSmoothCurve(Call &call, const Stage &stage) {
     const auto around = [&stage](int extent, double quarters) {
         return Plane(2, count, 1).fill<short>({0, 0, count, 1}, [=](int i, int) {
             const double radius = i % 2 == 0 ? 0.45 : 0.15 + 0.15 * stage.time;
-            return extent * (0.5 + radius * std::cos(i * 6.2831853 / count - quarters * quarterTurn));
+            return extent * (0.5 + radius * std::cos(i * fullTurn / count - quarters * quarterTurn));
         });
     };
     call.set({{"xs", around(stage.width, 0)}, {"ys", around(stage.height, 1)}, {"count", count}, {"openCurve", 0}});
@@ -116,21 +116,24 @@ struct Target {
 const Target onPixels = {destination("surface"), colour("color"), setByColour};
 const Target onBytes = {plane("plane"), number("value", "", anyByte, {255, 255}), noPixels};
 
-Row figure(const Target &target, std::string_view called, double figures, Row row) {
+Row strokes(const Target &target, std::string_view unit, double figures, Row row) {
     row.writes = row.writes ? row.writes : on(target.on.name, "clip");
     row.topByte = target.topByte;
     row.arrange = inTurn(makePlane, row.arrange);
     row.scenes.front().set = inTurn(setColour, row.scenes.front().set);
     row.scenes.front().figures = figures;
-    row.scenes.front().figure = called;
+    row.scenes.front().figure = unit;
     return row;
 }
+constexpr std::string_view farAwayTakesSeconds =
+    "a line is walked outside of its clip too, so that ends far away take seconds";
+
 /// A row of lines or curves through the places of the names.
 Row stroke(const Target &target, std::initializer_list<std::string_view> names, Row row) {
     const std::string_view of = target.on.name;
     row.arguments = target.on + each(names, position("", of)) + target.value + clip("clip", of) + pitch("pitch", of);
-    row.without = {
-        {"numbers_at_their_ends", "a line is walked outside of its clip too, so that ends far away take seconds"}};
+    row.waived = {{"numbers_at_their_ends", farAwayTakesSeconds},
+                  {"clips_hold_at_the_ends_of_numbers", farAwayTakesSeconds}};
     return row;
 }
 Row line(const Target &target, Row row) {
@@ -138,13 +141,13 @@ Row line(const Target &target, Row row) {
     row.allows = lineIsNoLongerThanItsFormat;
     row.arrange = arrangeLine;
     row.scenes = {{.set = setLine, .calls = 720}};
-    return figure(target, "lines", 720, stroke(target, {"x1", "y1", "x2", "y2"}, std::move(row)));
+    return strokes(target, "lines", 720, stroke(target, {"x1", "y1", "x2", "y2"}, std::move(row)));
 }
 Row curve(const Target &target, Row row) {
     row.arrange = arrangeCurve;
     row.scenes = {{.set = setCurve, .calls = 100}};
-    return figure(target, "curves", 100,
-                  stroke(target, {"x0", "y0", "x1", "y1", "x2", "y2", "x3", "y3"}, std::move(row)));
+    return strokes(target, "curves", 100,
+                   stroke(target, {"x0", "y0", "x1", "y1", "x2", "y2", "x3", "y3"}, std::move(row)));
 }
 Row smoothCurve(const Target &target, Row row) {
     const std::string_view of = target.on.name;
@@ -156,7 +159,8 @@ Row smoothCurve(const Target &target, Row row) {
     };
     row.arrange = arrangeSmoothCurve;
     row.scenes = {{.set = setSmoothCurve}};
-    return figure(target, "curves", 24, std::move(row));
+    row.waived = {{"clips_hold_at_the_ends_of_numbers", farAwayTakesSeconds}};
+    return strokes(target, "curves", 24, std::move(row));
 }
 
 // Region fills: what they work on stands in the private block.
@@ -383,8 +387,9 @@ void setFill(Call &call, const Stage &stage) {
 Row fill(const Arguments &what, Row row, bool isRestored = false) {
     row.arguments = block + each({"x", "y"}, place) + what + each({"parentLeft", "parentRight"}, place) +
                     choice("direction", {0, 2}) + row.arguments;
-    row.scenes = {{"", setFill<maze>, 1, "fills", 1, isRestored},
-                  {"open", setFill<openField>, 1, "fills", 1, isRestored}};
+    row.scenes = {
+        {.set = setFill<maze>, .figures = 1, .figure = "fills", .isRestored = isRestored},
+        {.label = "open", .set = setFill<openField>, .figures = 1, .figure = "fills", .isRestored = isRestored}};
     return row;
 }
 

@@ -21,7 +21,6 @@ enum class Kind {
     source,       ///< pixels that are read
     scratch,      ///< pixels whose content is lost
     plane,        ///< bytes, a plane of 8 bits
-    depths,       ///< shorts, a Z plane
     rectangle,    ///< an area of a surface
     clip,         ///< a rectangle beyond which nothing is drawn
     point,        ///< a place on a surface
@@ -72,12 +71,18 @@ inline constexpr Range anyShort = {0, 65535};
 inline constexpr Range anyByte = {0, 255};
 inline constexpr Range anyReal = {-std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()};
 
+/// A number's way through a scene, from its beginning to its end; it may fall.
+struct Way {
+    double begin;
+    double end;
+};
+
 struct Argument {
     std::string_view name;
     Kind kind;
     std::string_view unit;
     Range contract = anyInt; ///< what the caller may pass, other arguments aside
-    Range drawn = {0, 0};    ///< what is worth drawing, from the beginning of a scene to its end
+    Way inScene = {0, 0};    ///< what is worth drawing; a position's is a share of the stage's width or height
     std::string_view of;     ///< the surface that a pitch, a place or an area belongs to
     bool mayBeNull = false;
 };
@@ -101,10 +106,24 @@ enum class Overlap {
 };
 
 /// What becomes of the top byte of a pixel that is written.
-enum class TopByte { cleared, copied, kept, blended, setByColour, disturbsRed, noPixels };
+enum class TopByte {
+    cleared,        ///< it is 0
+    clearedByLight, ///< it is 0, or full where light leaves a channel below 0; without light it is copied
+    copied,         ///< it is that of a source or a colour, or 0 where pixels are computed
+    blended,        ///< it is computed as the channels are
+    setByColour,    ///< it is that of the colour, or 0 where pixels are computed
+    disturbsRed,    ///< top bytes that are read count as upper bits of red
+    noPixels,
+};
 
 /// What becomes of a sum that leaves a channel.
-enum class Sums { stayInside, saturate, wrap, carryOver, none };
+enum class Sums {
+    stayInside, ///< none does
+    saturate,   ///< the channel is full
+    wrap,       ///< the channel keeps its low bits
+    carryOver,  ///< it changes the next channel
+    none,
+};
 
 /// The stage on which a scene is set.
 struct Stage {
@@ -113,8 +132,8 @@ struct Stage {
     double time;  ///< from 0 to 1
     int call = 0; ///< which of a scene's calls is being set
 
-    /// A number on its way from the beginning of a range to its end.
-    double within(Range range) const { return range.low + (range.high - range.low) * time; }
+    /// A number as far on its way as the time is.
+    double along(const Way &way) const { return way.begin + (way.end - way.begin) * time; }
 
     Plane picture(int number = 0) const; ///< a photograph-like picture, the same for the same number
     Plane sprite() const;                ///< a figure on pixels that are 0, its alphas in the top byte
@@ -122,10 +141,10 @@ struct Stage {
 
 /// A set of arguments that makes a good picture, or a piece of work worth timing.
 struct Scene {
-    std::string_view word = {}; ///< what tells it from the function's other scenes; empty for the first
-    std::function<void(Call &, const Stage &)> set = {}; ///< empty where the arguments as they are drawn do
-    double figures = 0;                                  ///< how many figures are drawn, where they count beside pixels
-    std::string_view figure = {};                        ///< "lines", or "Mtriangles" in millions
+    std::string label = {}; ///< what tells it from the function's other scenes; empty for the first
+    std::function<void(Call &, const Stage &)> set = {}; ///< empty where each argument's own way does
+    double figures = 0;                                  ///< how many figures one run draws, where they count
+    std::string_view figure = {}; ///< their name, "lines"; one that begins with M is shown in millions
 
     /// So many calls, set at times from 0 up to, not including, 1, make one run. All but the first are set on the
     /// memory of the first, so that they change numbers only.
@@ -136,15 +155,15 @@ struct Scene {
 };
 
 /// Why a proof has nothing to say of a row, in a word.
-struct Exception {
+struct Waiver {
     std::string_view proof;
     std::string_view reason;
 };
 
 struct Row {
     std::string_view name;     ///< the exported name
-    Bound call;                ///< the function and its plain twin
-    std::string_view word;     ///< what tells an overload from the others
+    Bound functions;           ///< the function and its plain twin
+    std::string_view label;    ///< what tells an overload from the others
     std::string_view sentence; ///< what the function does
     Arguments arguments;
     std::vector<std::string_view> aliases;
@@ -162,7 +181,7 @@ struct Row {
     /// draw differently, its results have no checksum.
     bool drawsRandomNumbers = false;
 
-    /// Turns arguments that were drawn one by one into a call inside the contract.
+    /// Turns arguments that were chosen one by one into a call inside the contract.
     std::function<void(Call &, Random &)> arrange;
 
     /// Draws the whole of the sources over the whole destination, pixel on pixel; null where a pixel does not depend on
@@ -170,14 +189,15 @@ struct Row {
     std::function<void(Call &)> pixelOnPixel;
 
     std::vector<Scene> scenes;
-    std::vector<Exception> without;
+    std::vector<Waiver> waived;
 
     /// How many seeded cases are compared with the twin; fewer where a call takes long.
     int cases = 20000;
 
-    /// The name with the word behind it.
+    /// The name with the label behind it.
     std::string fullName() const;
     const Argument *argument(std::string_view name) const;
+    bool isReal(std::size_t index) const { return functions.types[index] == Type::real; }
 };
 
 /// Each subsystem's rows, in the order of its header.
@@ -206,8 +226,8 @@ void forEachRow(const std::function<void(const Row &)> &visit);
 /// Whether a call keeps to the contract: numbers within their ranges, nothing read or written outside of its planes.
 bool keepsToContract(const Call &call);
 
-/// A call with arguments drawn from `random`, inside the contract.
-Call randomCall(const Row &row, Random &random);
+/// A call with arguments chosen by `random`, inside the contract, on small surfaces or on those of a size.
+Call randomCall(const Row &row, Random &random, tagPOINT size = {0, 0});
 
 /// A call as a scene sets it.
 Call sceneCall(const Row &row, const Scene &scene, const Stage &stage);
@@ -215,7 +235,7 @@ Call sceneCall(const Row &row, const Scene &scene, const Stage &stage);
 /// All calls of a scene, on the same memory.
 std::vector<Call> sceneCalls(const Row &row, const Scene &scene, Stage stage);
 
-/// The scenes of a row: where it names none, the arguments as they are drawn.
+/// The scenes of a row: where it names none, one of its arguments' own ways.
 std::vector<Scene> scenesOf(const Row &row);
 
 } // namespace catalogue

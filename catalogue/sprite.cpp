@@ -67,7 +67,7 @@ void arrangeFit(Call &call, Random &random) {
 }
 
 /// A picture of half the size.
-void drawFit(Call &call, const Stage &stage) {
+void setFit(Call &call, const Stage &stage) {
     const Plane picture = stage.picture();
     const Plane src(1, stage.width / 2 * 3, stage.height / 2);
     call["src"] =
@@ -85,21 +85,21 @@ std::vector<Row> spriteRows() {
         sprite<128, 128>({Q_MUR_FUNCTION(LoadResourceMusicSymbol), .sentence = "Writes two beamed notes."}),
         sprite<330, 360>({Q_MUR_FUNCTION(LoadResourceRedFires), .sentence = "Writes red flames."}),
         {Q_MUR_FUNCTION_WITHOUT_TWIN(SetSpriteInstance), .sentence = "Takes the module handle down.",
-         .arguments = {unused("module")}, .without = {{"every proof", "nothing reads it"}}},
+         .arguments = {unused("module")}, .waived = {{"every proof", "nothing reads it"}}},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(SetSpriteDir), .sentence = "Sets what stands before the name of a bitmap file.",
          .arguments = {text("path", "path")}, .scenes = {{.set = set("path", Plane(1, 1, 1))}},
-         .without = {{"every proof", "a global"}}},
+         .waived = {{"every proof", "a global"}}},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(LoadBitmap24), .sentence = "Reads a bitmap file of 24 bits.",
          .arguments = destination() + text("name", "path") + each({"width", "height"}, extent("", "dst")),
          .topByte = TopByte::cleared, .scenes = {{.set = set("name", Plane(1, 1, 1))}},
-         .without = {{"every proof", "a file"}}},
+         .waived = {{"every proof", "a file"}}},
         // The sizes of a source may be 0, where its first column or row is repeated.
         {Q_MUR_FUNCTION(_FitOn32RAW_24RAW_Nearest), .sentence = "Fits raw 24-bit pixels onto a surface.",
          .arguments = destination() + each({"dstWidth", "dstHeight"}, extent("", "dst", {1, anyInt.high})) +
                       bytePitch("dstPitchBytes", "dst") + plane("src") +
                       each({"srcWidth", "srcHeight"}, extent("", "", {0, 65535})) + bytePitch("srcPitchBytes", "src"),
          .writes = on("dst", fittedBox), .reads = on("src", readBox), .overlap = Overlap::notPromised,
-         .topByte = TopByte::cleared, .sums = Sums::stayInside, .arrange = arrangeFit, .scenes = {{.set = drawFit}}},
+         .topByte = TopByte::cleared, .sums = Sums::stayInside, .arrange = arrangeFit, .scenes = {{.set = setFit}}},
     };
 }
 

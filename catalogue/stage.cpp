@@ -71,7 +71,8 @@ Plane flower(int width, int height) {
     return plane;
 }
 
-/// Makes a plane once for each size and number, and copies it from then on.
+/// Makes a plane once for each size and number, and copies it from then on. Each `make` has a map of its own, since its
+/// type is its own.
 template <class Make>
 Plane madeOnce(int width, int height, int number, Make make) {
     static std::map<std::tuple<int, int, int>, Plane> made;

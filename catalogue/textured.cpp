@@ -11,6 +11,7 @@ using enum Sums;
 /// What no texture holds: the texels of positions that leave the format wrap.
 constexpr Box everything = {-plain::two32, -plain::two32, plain::two32, plain::two32};
 
+/// From the least to the greatest of some numbers.
 struct Reach {
     std::int64_t least = 0;
     std::int64_t greatest = 0;
@@ -106,7 +107,9 @@ Row lighting(Row row) {
     return row;
 }
 
-// Span mappers: 28 numbers, the ends of 7 on both edges.
+// Span mappers: 28 numbers, the ends of 7 on both edges. Those whose names have HPE test depths and write them, those
+// with NoHPE do neither. Also the older module's, which have no row, are asked for here: tests give them rows under
+// their names.
 
 bool isFilteredMapper(const Row &row) {
     return row.name.find("Linear") != std::string_view::npos;
@@ -218,7 +221,7 @@ Row ofBand(Row row) {
                     each({"zL0", "zL1", "zR0", "zR1"}, number("", "depths", anyInt, {0, 0}));
     row.writes = writesBand;
     row.reads = Region(writesBand) + readsTexture;
-    row.topByte = cleared;
+    row.topByte = clearedByLight;
     row.sums = saturate;
     row.arrange = arrangeBand;
     row.scenes = {{.set = setBand, .isRestored = true}};
@@ -252,7 +255,7 @@ Reach reachOf(const Call &call, Number number) {
 }
 
 q_ulong modeOf(const Call &call) {
-    return call["flags"].word() & 0xFFFF0;
+    return plain::modeOf(call["flags"].word());
 }
 bool isPipeline(const Call &call) {
     return call["data"].is<PipelineBlock>();
@@ -263,7 +266,7 @@ enum class Sampling { none, filtered, nearest, wholeTexels };
 /// How a call takes its texels: by its mode, or by what an earlier call has left in the pipeline's slot.
 Sampling samplingOf(const Call &call, const Box &screen, const Reach &u, const Reach &v) {
     const q_ulong mode = modeOf(call);
-    if (mode == 0x200 || (mode == 0x2210 && !isPipeline(call))) {
+    if (mode == plain::litMode || (mode == plain::flatMode && !isPipeline(call))) {
         const bool isShrunk = (u.greatest - u.least) * (v.greatest - v.least) > screen.width() * screen.height() * 128;
         return isShrunk ? Sampling::nearest : Sampling::filtered;
     }
@@ -271,9 +274,9 @@ Sampling samplingOf(const Call &call, const Box &screen, const Reach &u, const R
         const QMGLSpanMapper slot = call["data"].get<PipelineBlock>().data.spanMapper;
         return !slot ? Sampling::none : slot == VKD_i3D_Mapping_Near_HPE ? Sampling::wholeTexels : Sampling::filtered;
     }
-    if (mode == 0x10100)
+    if (mode == plain::keyedMode)
         return Sampling::filtered;
-    return mode == 0x1010 && !isPipeline(call) ? Sampling::wholeTexels : Sampling::none;
+    return mode == plain::unlitMode && !isPipeline(call) ? Sampling::wholeTexels : Sampling::none;
 }
 
 template <int wordsOfPoint>
@@ -302,25 +305,25 @@ Areas readsTexels(const Call &call) {
 }
 
 q_ulong randomFlags(Random &random) {
-    constexpr q_ulong modes[] = {0x200, 0x10100, 0x1010, 0x2210};
+    constexpr q_ulong known[] = {plain::litMode, plain::keyedMode, plain::unlitMode, plain::flatMode};
     if (random.oneIn(20))
         return random.word();
     const q_ulong ignored = random.oneIn(2) ? random.word() & 0xFFF0000F : 0;
-    return modes[random.between(0, 3)] | ignored;
+    return known[random.between(0, 3)] | ignored;
 }
 
 void arrangePolygon(Call &call, Random &random) {
     const Plane &dst = call["dst"].plane();
     const bool isSmall = random.oneIn(3);
     call["tex"] = randomTexture(random, random.oneIn(3));
-    call["flags"] = random.oneIn(2) ? q_ulong{0x200} : randomFlags(random);
-    bool isNearest = modeOf(call) == 0x1010;
+    call["flags"] = random.oneIn(2) ? plain::litMode : randomFlags(random);
+    bool isNearest = modeOf(call) == plain::unlitMode;
     if (isPipeline(call)) {
         constexpr QMGLSpanMapper slots[] = {nullptr, VKD_i3D_Mapping_Linear_HPE, VKD_i3D_Mapping_Near_HPE,
                                             VKD_i3D_Mapping_Linear_HPE_KeySrc};
         const QMGLSpanMapper slot = slots[random.between(0, 3)];
         call["data"].get<PipelineBlock>().data.spanMapper = slot;
-        isNearest = slot == VKD_i3D_Mapping_Near_HPE && modeOf(call) != 0x200 && cornersOf(call.row()) == 3;
+        isNearest = slot == VKD_i3D_Mapping_Near_HPE && modeOf(call) != plain::litMode && cornersOf(call.row()) == 3;
     }
     const int last = (isSmall ? 2 : texels - 1) * (isNearest ? 1 : 16);
     const bool isOneTexel = random.oneIn(4); // never shrunk, unless the polygon has no area either
@@ -340,19 +343,17 @@ void arrangePolygon(Call &call, Random &random) {
     }
 }
 
-/// What a scene draws with: a mode, and the texture units to a pixel. At half a texel or below it is filtered where
-/// the mode has a choice.
+/// What a scene draws with: a mode, the texture units to a pixel, and what its polygons are called. At half a texel or
+/// below it is filtered where the mode has a choice.
 struct Mode {
     q_ulong flags;
     int unitsOfPixel;
+    const char *name;
 };
-constexpr Mode filtered = {0x200, 8};
-constexpr Mode nearest = {0x200, 16};
-constexpr Mode keyed = {0x10100, 8};
-constexpr Mode filteredFlat = {0x2210, 8};
-constexpr Mode nearestFlat = {0x2210, 16};
-constexpr Mode unlit = {0x1010, 1};
-constexpr Mode plainQuad = {0, 1}; ///< without a mode, a fourth reaching beyond the texture
+constexpr Mode modes[] = {{plain::litMode, 8, "filtered "},       {plain::litMode, 16, "nearest "},
+                          {plain::keyedMode, 8, "keyed "},        {plain::flatMode, 8, "filtered flat "},
+                          {plain::flatMode, 16, "nearest flat "}, {plain::unlitMode, 1, "unlit "}};
+constexpr Mode plainQuad[] = {{0, 1, ""}}; ///< without a mode, a fourth reaching beyond the texture
 
 void setCorner(Call &call, std::size_t corner, const Plane &points, const Plane &positions, int index) {
     call[pointNames[corner]] = points.movedBy(4 * index, 0);
@@ -367,7 +368,7 @@ void setCorner(Call &call, std::size_t corner, const Plane &points, const Plane 
 void setPolygon(Call &call, const Stage &stage, const Mode &mode) {
     const double turn = 0.6 * stage.time;
     const Plane points = Plane::array<Point>(4, [&](int i) {
-        const double angle = turn + 1.5707963 * i + 3.9269908;
+        const double angle = turn + quarterTurn * i + 3.9269908;
         return Point{static_cast<float>(stage.width * (0.5 + 0.55 * std::cos(angle))),
                      static_cast<float>(stage.height * (0.5 + 0.6 * std::sin(angle))), 0, 0};
     });
@@ -376,7 +377,7 @@ void setPolygon(Call &call, const Stage &stage, const Mode &mode) {
     const _POINTINT positions[] = {{0, 0}, {right, 0}, {right, bottom}, {0, bottom}};
     if (mode.flags != 0)
         call["flags"] = mode.flags;
-    call["tex"] = textureOf(stage, mode.flags == keyed.flags);
+    call["tex"] = textureOf(stage, mode.flags == plain::keyedMode);
     for (std::size_t i = 0; i < cornersOf(call.row()); ++i)
         setCorner(call, i, points, Plane::of(positions), static_cast<int>(i));
 }
@@ -388,7 +389,7 @@ void setPolygonOfGrid(Call &call, const Stage &stage, int side, const Mode &mode
     if (stage.call == 0) {
         const Plane grid = coveringGrid(stage, columns, columns);
         const int beyond = mode.flags == 0 ? stage.width / 4 : 0;
-        call.set({{"tex", textureOf(stage, mode.flags == keyed.flags)}, {"p0", grid}});
+        call.set({{"tex", textureOf(stage, mode.flags == plain::keyedMode)}, {"p0", grid}});
         call["t0"] = Plane::array<_POINTINT>(columns * columns, [&](int i) {
             const Point &point = grid.as<Point>()[i];
             return _POINTINT{static_cast<int>(point.x) * mode.unitsOfPixel + beyond,
@@ -405,38 +406,15 @@ void setPolygonOfGrid(Call &call, const Stage &stage, int side, const Mode &mode
         setCorner(call, i, grid, positions, corners[i]);
 }
 
-/// What the scenes of a polygon draw, in words and by their modes: first one polygon, then grids of each mode.
-struct Kinds {
-    const Mode *mode;
-    std::string_view small;
-    std::string_view large;
-};
-constexpr Kinds quadKinds[] = {
-    {&filtered, "filtered quads of 100 pixels", "filtered quads of 10000 pixels"},
-    {&nearest, "nearest quads of 100 pixels", "nearest quads of 10000 pixels"},
-    {&keyed, "keyed quads of 100 pixels", "keyed quads of 10000 pixels"},
-    {&filteredFlat, "filtered flat quads of 100 pixels", "filtered flat quads of 10000 pixels"},
-    {&nearestFlat, "nearest flat quads of 100 pixels", "nearest flat quads of 10000 pixels"},
-    {&unlit, "unlit quads of 100 pixels", "unlit quads of 10000 pixels"}};
-constexpr Kinds triangleKinds[] = {
-    {&filtered, "filtered triangles of 50 pixels", "filtered triangles of 5000 pixels"},
-    {&nearest, "nearest triangles of 50 pixels", "nearest triangles of 5000 pixels"},
-    {&keyed, "keyed triangles of 50 pixels", "keyed triangles of 5000 pixels"},
-    {&filteredFlat, "filtered flat triangles of 50 pixels", "filtered flat triangles of 5000 pixels"},
-    {&nearestFlat, "nearest flat triangles of 50 pixels", "nearest flat triangles of 5000 pixels"},
-    {&unlit, "unlit triangles of 50 pixels", "unlit triangles of 5000 pixels"}};
-constexpr Kinds plainKinds[] = {{&plainQuad, "quads of 100 pixels", "quads of 10000 pixels"}};
-
-std::vector<Scene> polygonScenes(std::span<const Kinds> kinds, bool isQuad) {
-    const auto one = [mode = *kinds.front().mode](Call &call, const Stage &stage) { setPolygon(call, stage, mode); };
+/// First one polygon, then grids of small and of large ones in each mode.
+std::vector<Scene> polygonScenes(std::span<const Mode> kinds, bool isQuad) {
+    const auto one = [mode = kinds.front()](Call &call, const Stage &stage) { setPolygon(call, stage, mode); };
     std::vector<Scene> scenes = {{.set = one, .isRestored = true}};
-    for (const Kinds &kind : kinds) {
-        const auto ofGrid = [mode = *kind.mode](Call &call, const Stage &stage, int side) {
-            setPolygonOfGrid(call, stage, side, mode);
-        };
-        scenes.push_back(polygonsOfGrid(kind.small, 70, isQuad, ofGrid));
-        scenes.push_back(polygonsOfGrid(kind.large, 7, isQuad, ofGrid));
-    }
+    for (const Mode &mode : kinds)
+        for (const int side : {70, 7})
+            scenes.push_back(polygonsOfGrid(mode.name, side, isQuad, [mode](Call &call, const Stage &stage, int cells) {
+                setPolygonOfGrid(call, stage, cells, mode);
+            }));
     return scenes;
 }
 
@@ -451,17 +429,17 @@ Arguments polygonArguments(std::size_t count) {
            first(count, texelNames, points("", "1/16 texels")) + clipArgument + pitches;
 }
 /// A quad or a triangle; the pipeline draws with fewer modes than the older module.
-Row ofPolygon(std::size_t corners, std::size_t modes, Row row) {
+Row ofPolygon(std::size_t corners, std::size_t modeCount, Row row) {
     const bool isQuad = corners == 4;
-    row.arguments = blockOf("dst") + polygonArguments(corners) +
-                    first(corners, addNames, number("", "levels", anyInt, {0, 0})) +
-                    first(corners, mulNames, number("", "1/256", anyInt, {0, 0})) + choice("flags", anyWord, 0x200);
+    row.arguments =
+        blockOf("dst") + polygonArguments(corners) + first(corners, addNames, number("", "levels", anyInt, {0, 0})) +
+        first(corners, mulNames, number("", "1/256", anyInt, {0, 0})) + choice("flags", anyWord, plain::litMode);
     row.writes = onDst + onDepths;
     row.reads = onDst + onDepths + readsCorners<3> + readsTexels;
-    row.topByte = cleared;
+    row.topByte = clearedByLight;
     row.sums = saturate;
     row.arrange = arrangePolygon;
-    row.scenes = polygonScenes(std::span(isQuad ? quadKinds : triangleKinds).first(modes), isQuad);
+    row.scenes = polygonScenes(std::span(modes).first(modeCount), isQuad);
     return row;
 }
 
@@ -492,11 +470,11 @@ void arrangePlainQuad(Call &call, Random &random) {
 Row ofPlainQuad(Row row) {
     row.arguments = polygonArguments(4);
     row.writes = onDst;
-    row.reads = onDst + readsCorners<2> + on("tex", "clip");
+    row.reads = readsCorners<2> + on("tex", "clip");
     row.topByte = copied;
     row.sums = stayInside;
     row.arrange = arrangePlainQuad;
-    row.scenes = polygonScenes(plainKinds, true);
+    row.scenes = polygonScenes(plainQuad, true);
     return row;
 }
 
@@ -572,7 +550,13 @@ auto setMesh(int halves) {
 /// always.
 template <class Block>
 Row ofMesh(std::string_view figure, Row row) {
-    const double figures = 63 * 63 * (figure == "Mtriangles" ? 2 : 1);
+    const auto ofGrid = [figure](const char *label, int halves) -> Scene {
+        return {.label = label,
+                .set = setMesh<Block>(halves),
+                .figures = 63.0 * 63 * (figure == "Mtriangles" ? 2 : 1),
+                .figure = figure,
+                .isRestored = true};
+    };
     row.arguments = surfaces + row.arguments + clipArgument + rectangle("texRect", "tex") + pitches + points("points") +
                     gridSize + points("light", "1") + unused("lightColor") + numbers("ambientColor", "1/256") +
                     specular() + shininess();
@@ -581,10 +565,9 @@ Row ofMesh(std::string_view figure, Row row) {
     row.topByte = cleared;
     row.sums = saturate;
     row.arrange = arrangeMesh;
-    row.scenes = {{.set = setMesh<Block>(0), .isRestored = true},
-                  {"filtered mesh of 64 x 64", setMesh<Block>(1), figures, figure, 1, true}};
+    row.scenes = {{.set = setMesh<Block>(0), .isRestored = true}, ofGrid("filtered mesh of 64 x 64", 1)};
     if (!isKeyed(row))
-        row.scenes.push_back({"nearest mesh of 64 x 64", setMesh<Block>(2), figures, figure, 1, true});
+        row.scenes.push_back(ofGrid("nearest mesh of 64 x 64", 2));
     return row;
 }
 
@@ -645,7 +628,7 @@ std::vector<Row> texturedRows() {
                        .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested."}),
         ofMesh<PipelineBlock>(
             "Mquads",
-            {Q_MUR_OVERLOAD(VKD_Render_Texture_3D, MeshWithBack), .word = "two textures",
+            {Q_MUR_OVERLOAD(VKD_Render_Texture_3D, MeshWithBack), .label = "two textures",
              .sentence = "Draws a lit grid with one texture where it faces the viewer and another where it does not.",
              .arguments = {source("backTex")}}),
         ofMesh<PipelineBlock>(

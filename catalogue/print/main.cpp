@@ -28,8 +28,8 @@ Json limit(double number) {
                                                                            : Json(number);
 }
 
-Json rangeOf(const Range &range) {
-    return {limit(range.low), limit(range.high)};
+Json pairOf(double first, double second) {
+    return {limit(first), limit(second)};
 }
 
 Json argumentOf(const Row &row, std::size_t index, const std::string &type) {
@@ -40,9 +40,9 @@ Json argumentOf(const Row &row, std::size_t index, const std::string &type) {
     if (!argument.of.empty())
         json["of"] = argument.of;
     if (isNumber(argument.kind))
-        json["contract"] = rangeOf(argument.contract);
-    if (argument.drawn.low != 0 || argument.drawn.high != 0)
-        json["drawn"] = rangeOf(argument.drawn);
+        json["contract"] = pairOf(argument.contract.low, argument.contract.high);
+    if (argument.inScene.begin != 0 || argument.inScene.end != 0)
+        json["inScene"] = pairOf(argument.inScene.begin, argument.inScene.end);
     if (argument.mayBeNull)
         json["mayBeNull"] = true;
     return json;
@@ -60,8 +60,8 @@ Json areasOf(const Call &call, const Region &areas) {
 
 Json rowOf(const Row &row, const HeaderText &header) {
     Json json = {{"name", row.name}};
-    if (!row.word.empty())
-        json["overload"] = row.word;
+    if (!row.label.empty())
+        json["overload"] = row.label;
     json["sentence"] = row.sentence;
     json["declaration"] = header.declaration;
     json["text"] = header.text;
@@ -78,10 +78,10 @@ Json rowOf(const Row &row, const HeaderText &header) {
     json["sums"] = nameOf(row.sums);
     json["drawsRandomNumbers"] = row.drawsRandomNumbers;
     json["pixelOnPixel"] = bool(row.pixelOnPixel);
-    json["hasTwin"] = row.call.twin != nullptr;
+    json["hasTwin"] = row.functions.twin != nullptr;
     json["scenes"] = Json::array();
     for (const Scene &scene : scenesOf(row)) {
-        Json described = {{"word", scene.word}};
+        Json described = {{"label", scene.label}};
         const Call call = sceneCall(row, scene, smallStage);
         described["writes"] = areasOf(call, row.writes);
         described["reads"] = areasOf(call, row.reads);

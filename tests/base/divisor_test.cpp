@@ -1,14 +1,15 @@
 #include "base/divisor.h"
+#include "support/numbers.h"
 
 #include "support/random.h"
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <cstdint>
 
 namespace {
 
+using test::greatestInt, test::leastInt;
 using namespace qmur;
 
 /// The quotient in 64 bits, of which the low 32 are kept.
@@ -34,12 +35,12 @@ TEST(Divisor, divides_multiples_and_their_neighbours_exactly) {
         const int divisor = word >> bits == 0 ? 1 : word >> bits;
         const auto multiple = [&] {
             const int most =
-                static_cast<int>(INT_MAX / (static_cast<long long>(divisor) < 0 ? -1LL * divisor : divisor));
+                static_cast<int>(greatestInt / (static_cast<long long>(divisor) < 0 ? -1LL * divisor : divisor));
             const int times = most == 0 ? 0 : static_cast<int>(random.word()) % most;
             return divisor * times;
         };
         const int exact = multiple();
-        check({exact, exact == INT_MIN ? exact : exact - 1, exact == INT_MAX ? exact : exact + 1,
+        check({exact, exact == leastInt ? exact : exact - 1, exact == greatestInt ? exact : exact + 1,
                static_cast<int>(random.word())},
               divisor);
         if (HasFatalFailure())
@@ -48,17 +49,17 @@ TEST(Divisor, divides_multiples_and_their_neighbours_exactly) {
 }
 
 TEST(Divisor, divides_the_ends_of_numbers_by_each_other) {
-    const int ends[] = {INT_MIN, INT_MIN + 1, -65537, -2, -1, 1, 2, 3, 65537, INT_MAX - 1, INT_MAX};
+    const int ends[] = {leastInt, leastInt + 1, -65537, -2, -1, 1, 2, 3, 65537, greatestInt - 1, greatestInt};
     for (const int divisor : ends)
         for (const int number : ends) {
-            check({number, 0, number == INT_MIN ? 7 : -number, number / 2}, divisor);
+            check({number, 0, number == leastInt ? 7 : -number, number / 2}, divisor);
             if (HasFatalFailure())
                 return;
         }
 }
 
 TEST(Divisor, wraps_the_least_number_over_minus_1) {
-    EXPECT_EQ(INT_MIN / Divisor(-1), INT_MIN);
+    EXPECT_EQ(leastInt / Divisor(-1), leastInt);
 }
 
 } // namespace

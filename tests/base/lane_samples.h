@@ -86,7 +86,7 @@ void forEachSample(Check check) {
     });
 }
 
-/// Every kind of lanes in use: 16 bytes and what the target takes at once, and scalar twins.
+/// Lanes of as many bytes whose numbers are of another type.
 template <class Lanes>
 struct LanesOf;
 template <template <class, int> class LanesTemplate, class Number, int lanes>

@@ -16,11 +16,10 @@ void checkBitsAndOrder() {
     using Tested = typename LanesOf<Kind>::template Same<Number>;
     constexpr int count = LanesOf<Kind>::bytes / static_cast<int>(sizeof(Number));
     constexpr int block = 16 / static_cast<int>(sizeof(Number));
-    forEachSeed([](test::Random &random) {
-        const Sample<Tested> a(random);
-        const Sample<Tested> b(random);
+    forEachSample<Tested>([](const auto &a, const auto &b, [[maybe_unused]] test::Random &random) {
         const auto expected = [](auto numberOf) { return naive<Number>(count, numberOf); };
         ASSERT_EQ(stored(a.lanes | b.lanes), expected([&](int i) { return a.numbers[i] | b.numbers[i]; }));
+        ASSERT_EQ(stored(a.lanes ^ b.lanes), expected([&](int i) { return a.numbers[i] ^ b.numbers[i]; }));
         if constexpr (sizeof(Number) > 1) {
             const int bits = random.between(0, sizeof(Number) * 8 - 1);
             ASSERT_EQ(stored(a.lanes << bits),
@@ -46,9 +45,7 @@ TYPED_TEST(LanesAbreast, are_joined_shifted_and_taken_in_turn) {
 
 TYPED_TEST(LanesAbreast, of_8_bytes_are_taken_in_turn) {
     using Longs = typename LanesOf<TypeParam>::template Same<std::uint64_t>;
-    forEachSeed([](test::Random &random) {
-        const Sample<Longs> a(random);
-        const Sample<Longs> b(random);
+    forEachSample<Longs>([](const auto &a, const auto &b, test::Random &) {
         std::vector<std::uint64_t> low;
         std::vector<std::uint64_t> high;
         for (std::size_t i = 0; i < std::size(a.numbers); i += 2) {
@@ -62,9 +59,7 @@ TYPED_TEST(LanesAbreast, of_8_bytes_are_taken_in_turn) {
 
 TYPED_TEST(LanesAbreast, upper_halves_of_products) {
     using Words = typename LanesOf<TypeParam>::template Same<std::uint16_t>;
-    forEachSeed([](test::Random &random) {
-        const Sample<Words> a(random);
-        const Sample<Words> b(random);
+    forEachSample<Words>([](const auto &a, const auto &b, test::Random &) {
         ASSERT_EQ(stored(highProduct(a.lanes, b.lanes)), naive<std::uint16_t>(std::size(a.numbers), [&](int i) {
                       return static_cast<unsigned long long>(a.numbers[i]) * b.numbers[i] / 65536;
                   }));
@@ -77,8 +72,7 @@ TYPED_TEST(LanesAbreast, upper_halves_of_products) {
 
 TYPED_TEST(LanesAbreast, every_16_bytes_have_a_place_of_their_own) {
     constexpr int blocks = LanesOf<TypeParam>::bytes / 16;
-    forEachSeed([](test::Random &random) {
-        const Sample<TypeParam> a(random);
+    forEachSample<TypeParam>([](const auto &a, const auto &, test::Random &random) {
         const int stride = random.between(16, 40) * (random.oneIn(2) ? 1 : -1);
         std::vector<unsigned char> memory(40 * 4 + 16, 0xA5);
         const int first = stride > 0 ? 0 : -stride * (blocks - 1);

@@ -7,6 +7,7 @@ using namespace lanes;
 template <class Pixels>
 class Lanes : public testing::Test {};
 
+/// Every kind of lanes in use: 16 bytes and what the target takes at once, and scalar twins.
 using Kinds = testing::Types<Numbers<4>, Pixels, scalar::Lanes<std::uint32_t, 4>, scalar::Lanes<std::uint32_t, 8>>;
 TYPED_TEST_SUITE(Lanes, Kinds);
 

@@ -1,10 +1,9 @@
 #include "base/surface.h"
+#include "support/numbers.h"
 
 #include "base/extent.h"
 
 #include <gtest/gtest.h>
-
-#include <limits>
 
 namespace {
 
@@ -22,7 +21,7 @@ TEST(Rectangles, have_the_size_of_their_exclusive_edges) {
     EXPECT_EQ(widthOf({-3, 5, 7, 6}), 10);
     EXPECT_EQ(heightOf({-3, 5, 7, 6}), 1);
     // Wider than an int counts.
-    EXPECT_EQ(widthOf({std::numeric_limits<int>::min(), 0, std::numeric_limits<int>::max(), 1}), -1);
+    EXPECT_EQ(widthOf({test::leastInt, 0, test::greatestInt, 1}), -1);
 }
 
 TEST(Extents, reach_from_the_first_to_behind_the_last_pixel_with_either_sign_of_the_pitch) {

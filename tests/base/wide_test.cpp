@@ -1,4 +1,5 @@
 #include "base/wide.h"
+#include "support/numbers.h"
 
 #include <q_Mur.h>
 
@@ -13,20 +14,14 @@
 
 namespace {
 
+using test::leastInt;
 using namespace qmur;
 
 template <class Real>
 void expectTruncation() {
-    const std::pair<double, int> truncations[] = {{1.75, 1},
-                                                  {-1.75, -1},
-                                                  {-0.75, 0},
-                                                  {0x1p31, std::numeric_limits<int>::min()},
-                                                  {-0x1p31, std::numeric_limits<int>::min()},
-                                                  {0x1p32, 0},
-                                                  {0x1.8p33, 0},
-                                                  {0x1p62, 0},
-                                                  {0x1.000002p32, 512},
-                                                  {-0x1.000002p32, -512}};
+    const std::pair<double, int> truncations[] = {
+        {1.75, 1},   {-1.75, -1},   {-0.75, 0},  {0x1p31, leastInt},   {-0x1p31, leastInt},
+        {0x1p32, 0}, {0x1.8p33, 0}, {0x1p62, 0}, {0x1.000002p32, 512}, {-0x1.000002p32, -512}};
     for (const auto &[value, truncated] : truncations)
         EXPECT_EQ(truncateToInt(static_cast<Real>(value)), truncated) << value;
     using Limits = std::numeric_limits<Real>;
@@ -41,7 +36,7 @@ TEST(TruncateToInt, cuts_toward_zero_to_64_bits_and_keeps_the_low_32_or_is_0_whe
     expectTruncation<Wide>();
     EXPECT_EQ(truncateToInt(4294967301.9), 5);
     EXPECT_EQ(truncateToInt(-4294967301.9), -5);
-    EXPECT_EQ(truncateToInt(2147483648.5), std::numeric_limits<int>::min());
+    EXPECT_EQ(truncateToInt(2147483648.5), leastInt);
 }
 
 #if Q_MUR_TESTS_X87

@@ -1,7 +1,5 @@
 #include "blits.h"
 
-#include <limits>
-
 namespace {
 
 using namespace test;
@@ -50,26 +48,6 @@ TEST(iBltFast32_Advanced, starting_left_of_the_surface_leaves_out_source_columns
     Surface src = numbered(8, 1);
     place(iBltFast32_Advanced, dst, -5, 0, src, src.rect(), 8, 1);
     EXPECT_EQ(dst.differenceFrom(showing(Surface(8, 1, 0xAAAAAAAA), 0, 0, src, {5, 0, 8, 1})), "");
-}
-
-/// The ends of the numbers are one another's neighbours: a negative extent may come round from one to the other.
-TEST(ClippedBlits, places_at_the_ends_of_the_numbers_draw_nothing) {
-    constexpr int least = std::numeric_limits<int>::min();
-    constexpr int largest = std::numeric_limits<int>::max();
-    Surface src(7, 7, 0x55555555);
-    Surface dst(4, 4, 0xAAAAAAAA);
-    tagRECT clip = dst.rect();
-    for (int i = 0; i < 10 * 15 * 15; ++i)
-        for (const int end : {least + i / 225, largest - i / 225})
-            for (const auto &[x, y] : {std::pair{end, 2}, {2, end}, {end, end}}) {
-                tagRECT rect = {0, 0, i % 15 - 7, i / 15 % 15 - 7};
-                for (const auto blit : {iBltFast32_Advanced, iBltFast32SafeKeySrc, iBltFast32SafeAlpha_Channel,
-                                        iBltFast32SafeKeySrcAntiAliasing})
-                    place(blit, dst, x, y, src, rect, 4, 4);
-                iBltFast32AlphaChannelSafe(dst.pixels(), src.pixels(), x, y, &rect, &clip, dst.pitch(), src.pitch());
-                iBltNear32_Add_KeySrc(dst.pixels(), dst.pitch(), src.pixels(), src.pitch(), &clip, &rect, x, y);
-                ASSERT_EQ(dst.differenceFrom(Surface(4, 4, 0xAAAAAAAA)), "") << i << " at " << end;
-            }
 }
 
 } // namespace

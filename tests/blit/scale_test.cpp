@@ -1,7 +1,5 @@
 #include "blits.h"
 
-#include <limits>
-
 namespace {
 
 using namespace test;
@@ -60,33 +58,7 @@ TEST(iBltNear32_KeySrc, the_step_is_truncated_to_15_fraction_bits) {
     EXPECT_EQ(pixels[65535], 2u);
 }
 
-TEST(iBltNear32, bottom_up_surfaces_have_a_negative_pitch) {
-    Surface src = numbered(2, 2);
-    Surface dst(2, 4);
-    tagRECT dstRect = dst.rect();
-    tagRECT srcRect = src.rect();
-    iBltNear32(&dst.at(0, 3), &src.at(0, 1), &dstRect, &srcRect, -dst.pitch(), -src.pitch());
-    EXPECT_EQ(pixelsOf(dst), (Pixels{1, 2, 1, 2, 3, 4, 3, 4}));
-}
-
 // Clipped
-
-TEST(iBltNear32Safe, shows_inside_the_clip_what_stands_there_unclipped_and_nothing_where_they_lie_apart) {
-    Surface src = numbered(5, 7);
-    const tagRECT dstRect = {1, 2, 9, 8};
-    Surface whole(10, 10);
-    stretch(iBltNear32, whole, dstRect, src, src.rect());
-    for (int top = -1; top <= 10; ++top)
-        for (int bottom = -1; bottom <= 11; ++bottom)
-            for (int left = -1; left <= 10; ++left)
-                for (int right = -1; right <= 11; ++right) {
-                    Surface dst(10, 10);
-                    const tagRECT clip = {left, top, right, bottom};
-                    stretchSafe(dst, dstRect, src, src.rect(), clip);
-                    ASSERT_EQ(dst.differenceFrom(showing(Surface(10, 10), left, top, whole, clip)), "")
-                        << left << ", " << top << ", " << right << ", " << bottom;
-                }
-}
 
 TEST(iBltNear32Safe, a_source_turned_inside_out_is_walked_to_the_left) {
     EXPECT_EQ(overSafe(Surface(4, 1), numbered(8, 1), {5, 0, 1, 1}), (Pixels{6, 5, 4, 3}));
@@ -110,22 +82,6 @@ TEST(iBltNear32Safe, destinations_far_beyond_the_surface_show_their_part_of_the_
     EXPECT_EQ(added.differenceFrom(expected), "");
 }
 
-TEST(iBltNear32Safe, coordinates_at_the_end_of_the_numbers_write_nothing_outside_the_clip) {
-    // What spans the whole of the numbers has no width that an int counts.
-    constexpr int least = std::numeric_limits<int>::min();
-    constexpr int largest = std::numeric_limits<int>::max();
-    const int ends[] = {least, least + 1, least + 5, largest - 5, largest - 1, largest};
-    Surface src(4, 4, 0x00123456);
-    Surface dst(4, 4, 0xAAAAAAAA);
-    for (const int low : ends)
-        for (const int high : ends)
-            for (const tagRECT dstRect : {tagRECT{low, 0, high, 4}, {0, low, 4, high}, {low, low, high, high}}) {
-                stretchSafe(dst, dstRect, src, src.rect(), dst.rect());
-                stretch(iBltNear32SafeKeySrcAdd, dst, dstRect, src, src.rect(), 4, 4);
-                ASSERT_EQ(dst.differenceFrom(Surface(4, 4, 0xAAAAAAAA)), "") << low << " to " << high;
-            }
-}
-
 // Filtered
 
 TEST(iBltBilinear32, the_last_column_and_row_read_one_pixel_beyond_the_source_and_the_safe_form_the_column) {
@@ -145,19 +101,6 @@ TEST(iBltBilinear32, only_four_bits_of_the_fraction_count) {
     const Pixels pixels = over(Surface(64, 1), src, iBltBilinear32);
     for (q_ulong x = 0; x < 64; ++x)
         EXPECT_EQ(pixels[x], 255 * (x / 4) / 16) << x;
-}
-
-TEST(iBltBilinear32, bottom_up_surfaces_have_a_negative_pitch_though_it_is_unsigned) {
-    Surface src(3, 3);
-    Surface turned(3, 3);
-    for (int y = -1; y <= 3; ++y)
-        for (int x = -1; x <= 3; ++x)
-            turned.at(x, 2 - y) = src.at(x, y) = static_cast<q_ulong>((x + 1) * 0x30003 + (y + 1) * 0x3355);
-    Surface dst(6, 6);
-    tagRECT dstRect = dst.rect();
-    tagRECT srcRect = src.rect();
-    iBltBilinear32(dst.pixels(), &turned.at(0, 2), &dstRect, &srcRect, pitchOf(dst), unsignedOf(-turned.pitch()));
-    EXPECT_EQ(pixelsOf(dst), over(Surface(6, 6), src, iBltBilinear32));
 }
 
 TEST(iBltBilinear32Safe, a_uniform_colour_loses_its_top_byte_except_on_the_last_source_row_wherever_that_lies) {

@@ -1,9 +1,9 @@
 #include "blit/text.h"
 #include "support/cases.h"
 #include "support/pictures.h"
+#include "support/sanitizer.h"
 
 #include <algorithm>
-#include <limits>
 #include <thread>
 #include <tuple>
 
@@ -14,19 +14,15 @@
 #include <windows.h>
 #endif
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
+#if defined(Q_MUR_TESTS_ADDRESS_SANITIZER) && defined(__clang__)
 #define Q_MUR_TESTS_DETECT_LEAKS
 #include <sanitizer/lsan_interface.h>
-#endif
 #endif
 
 namespace {
 
 using namespace test;
 
-constexpr int lowest = std::numeric_limits<int>::min();
-constexpr int highest = std::numeric_limits<int>::max();
 constexpr q_ulong ground = 0x5A102030;
 constexpr q_ulong white = 0xFFFFFF;
 
@@ -82,7 +78,7 @@ TEST(iTextOut_placing, odd_width_loses_last_column_and_odd_height_last_row) {
 TEST(iTextOut_placing, positions_at_the_ends_of_the_numbers_draw_nothing) {
     for (int width = 1; width <= 5; ++width)
         for (int distance = 0; distance < 8; ++distance)
-            for (const int end : {lowest + distance, highest - distance}) {
+            for (const int end : {leastInt + distance, greatestInt - distance}) {
                 Surface dst(4, 4, ground);
                 const Pixels letters(static_cast<std::size_t>(width * (6 - width)), white);
                 for (const auto &[x, y] : {std::pair{end, 0}, {0, end}, {end, end}})
@@ -305,8 +301,13 @@ TEST(iTextOut, empty_text_answers_0_beyond_the_clip_1_and_both_write_nothing) {
     char face[] = "";
     EXPECT_EQ(iTextOut(surface.pixels(), &clip, surface.pitch(), nullptr, white, 0, 0, 16, face), 0);
     EXPECT_EQ(surface.differenceFrom(Surface(60, 40, ground)), "");
-    for (const auto &[x, y] :
-         {std::pair{60, 0}, {0, 40}, {-2000, 0}, {0, -2000}, {lowest, lowest}, {highest, highest}, {highest - 5, 3}}) {
+    for (const auto &[x, y] : {std::pair{60, 0},
+                               {0, 40},
+                               {-2000, 0},
+                               {0, -2000},
+                               {leastInt, leastInt},
+                               {greatestInt, greatestInt},
+                               {greatestInt - 5, 3}}) {
         EXPECT_EQ(write(surface, "HHH", white, x, y, 16, sans), 1);
         EXPECT_EQ(surface.differenceFrom(Surface(60, 40, ground)), "") << x << ", " << y;
     }
@@ -439,7 +440,8 @@ void expectInside(const std::string &text, q_ulong colour, int x, int y, int fon
 }
 
 TEST(iTextOut, sizes_beyond_reason_write_inside_the_clip_or_nothing) {
-    for (const int height : {lowest, lowest + 1, -1000000, -70000, -30000, -1, 1, 2, 30000, 70000, 1000000, highest}) {
+    for (const int height :
+         {leastInt, leastInt + 1, -1000000, -70000, -30000, -1, 1, 2, 30000, 70000, 1000000, greatestInt}) {
         SCOPED_TRACE(height);
         expectInside("AgW.", white, -4, -3, height, sans);
     }

@@ -1,7 +1,5 @@
 #include "support/pictures.h"
 
-#include <limits>
-
 namespace {
 
 using namespace test;
@@ -28,20 +26,6 @@ Surface lineOn(const Surface &surface, Draw member, Ends ends, q_ulong colour, i
 /// One pixel of a core or an edge at full weight: a vertical line across a surface of one colour.
 q_ulong drawnOver(Draw member, q_ulong old, q_ulong colour, int width) {
     return lineOn(Surface(12, 8, old), member, {5, 0, 5, 7}, colour, width).at(5, 4);
-}
-
-TEST(iLine_AntiAliasing, ends_beyond_the_contract_write_nothing_outside_the_clip) {
-    constexpr int least = std::numeric_limits<int>::min();
-    constexpr int greatest = std::numeric_limits<int>::max();
-    constexpr int places[] = {least, -8388608, 5, 8388607, greatest};
-    const Surface fresh(9, 9, 0x80112233);
-    for (const Draw member : members)
-        for (const int width : {least, -100, 0, 1, 3, greatest})
-            for (int i = 0; i < 5 * 5 * 5 * 5; ++i) {
-                const Surface surface = drawnOn(fresh, member, {1, 2, 8, 7}, places[i % 5], places[i / 5 % 5],
-                                                places[i / 25 % 5], places[i / 125], 0xFFFFFF, width);
-                ASSERT_EQ(showing(surface, 1, 2, fresh, {0, 0, 7, 5}).differenceFrom(fresh), "") << width << ": " << i;
-            }
 }
 
 TEST(iLine_AntiAliasing, ends_that_coincide_draw_nothing_in_any_member) {
@@ -89,21 +73,6 @@ TEST(iLine_AntiAliasing, major_axis_reaches_its_limit_while_the_minor_position_s
     EXPECT_EQ(drawn({-5, 1, 15, 1}), (Rows{"......", ".####.", ".oooo.", "......", "......", "......"}));
     EXPECT_EQ(drawn({-5, 3, 15, 3}), (Rows{"......", "......", "......", ".####.", ".oooo.", "......"}));
     EXPECT_EQ(drawn({-5, 4, 15, 4}), Rows(6, "......"));
-}
-
-TEST(iLine_AntiAliasing, clipping_does_not_bend_a_line) {
-    for (const Ends ends : {Ends{-17, 3, 40, 19}, {40, 2, -17, 22}, {5, -21, 18, 50}, {20, 44, 3, -13}}) {
-        const Ends moved = {ends.x1 + 40, ends.y1 + 40, ends.x2 + 40, ends.y2 + 40};
-        const Surface clipped = lineOn(Surface(24, 24), plainLine, ends, 0xFFEEDD, 3);
-        const Surface whole = lineOn(Surface(120, 120), plainLine, moved, 0xFFEEDD, 3);
-        int drawn = 0;
-        for (int y = 4; y < 20; ++y)
-            for (int x = 4; x < 20; ++x) {
-                ASSERT_EQ(clipped.at(x, y), whole.at(x + 40, y + 40)) << x << ", " << y;
-                drawn += clipped.at(x, y) != 0;
-            }
-        EXPECT_GT(drawn, 16);
-    }
 }
 
 TEST(iLine_AntiAliasing, width_spreads_the_edges_around_the_core) {

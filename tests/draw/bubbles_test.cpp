@@ -1,8 +1,5 @@
-#include "plain/bubbles.h"
+#include "support/painting.h"
 #include "support/pictures.h"
-
-#include <algorithm>
-#include <climits>
 
 namespace {
 
@@ -106,15 +103,6 @@ constexpr q_ulong resourceWord(q_ulong light, q_ulong tint, q_ulong highlight) {
     return light | tint << 8 | highlight << 16;
 }
 
-/// A picture whose pixels tell where they stand.
-Surface positions(int width, int height) {
-    Surface surface(width, height);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            surface.at(x, y) = static_cast<q_ulong>(y << 8 | x);
-    return surface;
-}
-
 using DrawBubble = void (*)(q_ulong *, q_ulong *, int, int, int, int, q_ulong *, int, q_ulong, int, int);
 
 /// A surface with a bubble whose resource is the same word all over.
@@ -130,7 +118,7 @@ const DrawBubble bubbles[] = {DrawRealBubble, DrawRealBubbleOld};
 
 TEST(DrawRealBubble, refracts_by_hand_worked_values) {
     for (const DrawBubble draw : bubbles) {
-        const Surface dst = bubbleOn(positions(200, 200), draw, 100, 100, 64, resourceWord(128, 0, 0), 0);
+        const Surface dst = bubbleOn(placesOf(200, 200), draw, 100, 100, 64, resourceWord(128, 0, 0), 0);
         EXPECT_EQ(dst.at(100, 100), 100u << 8 | 100u); // the centre shows what lies under it
         // unit = 65536 / 4096 = 16. At (16, 0): s = 4096, k = 48 + 29 = 77, 16 * 77 / 128 = 9.6.
         EXPECT_EQ(dst.at(116, 100), 100u << 8 | 109u);
@@ -163,8 +151,8 @@ TEST(DrawRealBubble, light_tint_and_highlight_by_hand_without_which_the_colour_d
     const q_ulong word = resourceWord(192, 64, 200) | 0xEE000000;
     for (const DrawBubble draw : bubbles)
         EXPECT_EQ(bubbleOn(Surface(60, 60, 0xAB0A141E), draw, 30, 30, 16, word, 0x77C86432).at(30, 30), 0x00FFFCF1u);
-    const Surface black = bubbleOn(positions(100, 100), DrawRealBubble, 50, 50, 40, resourceWord(255, 0, 0), 0);
-    const Surface white = bubbleOn(positions(100, 100), DrawRealBubble, 50, 50, 40, resourceWord(255, 0, 0), 0xFFFFFF);
+    const Surface black = bubbleOn(placesOf(100, 100), DrawRealBubble, 50, 50, 40, resourceWord(255, 0, 0), 0);
+    const Surface white = bubbleOn(placesOf(100, 100), DrawRealBubble, 50, 50, 40, resourceWord(255, 0, 0), 0xFFFFFF);
     EXPECT_EQ(black.differenceFrom(white), "");
     EXPECT_EQ(black.at(50, 50), 50u << 8 | 50u);
 }
@@ -255,53 +243,6 @@ TEST(DrawReal3DBall, the_whole_resource_lies_over_the_whole_ball) {
     // x and y from -4 to 3: a row of distance 4 has one pixel, one of 3 reaches 2 to either side.
     EXPECT_EQ(rowsOf(dst, letters),
               (Rows{"....C...", "..BBCCD.", ".EFFGGHH", ".EFFGGHH", "IIJJKKLL", ".IJJKKLL", ".MNNOOPP", "..NNOOP."}));
-}
-
-// Both against naive computations
-
-TEST(MakeBubbleResource, resources_of_every_size_agree_with_a_naive_one_in_every_bit) {
-    using Make = void (*)(q_ulong *, int, int, int, int, int);
-    const auto check = [](Make make, Make makePlainly) {
-        for (int size = 2; size < 300; size += size < 40 ? 1 : 13)
-            for (const int secondHighlight : {0, 1}) {
-                Surface resource(size + 3, size + 2, 0x12345678);
-                Surface expected = resource;
-                make(resource.pixels(), resource.pitch(), 2, 1, size, secondHighlight);
-                makePlainly(expected.pixels(), expected.pitch(), 2, 1, size, secondHighlight);
-                ASSERT_EQ(resource.differenceFrom(expected), "") << size;
-            }
-    };
-    check(MakeBubbleResource, plain::MakeBubbleResource);
-    check(MakeBubbleResource2, plain::MakeBubbleResource2);
-}
-
-TEST(DrawRealBubble, bubbles_of_every_size_agree_with_a_naive_one_over_the_edges_too) {
-    PrepareSinTable();
-    test::Random random(41);
-    for (int size = 1; size <= 180; ++size) {
-        const int width = random.between(1, 150);
-        const int height = random.between(1, 120);
-        const int resourceSize = random.between(1, 60);
-        Surface surface = Surface::randomOfSize(random, width, height);
-        std::vector<q_ulong> resource(static_cast<std::size_t>(surface.pitch() + 60) * 61);
-        for (q_ulong &word : resource)
-            word = random.word();
-        const q_ulong color = random.word();
-        const int cx = random.between(-40, width + 40);
-        const int cy = random.between(-40, height + 40);
-        const auto check = [&](auto draw, auto drawPlainly) {
-            Surface drawn = surface;
-            Surface expected = surface;
-            std::vector<q_ulong> scratch(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-            draw(drawn.pixels(), scratch.data(), drawn.pitch(), cx, cy, size, resource.data(), resourceSize, color,
-                 width, height);
-            drawPlainly(expected.pixels(), scratch.data(), expected.pitch(), cx, cy, size, resource.data(),
-                        resourceSize, color, width, height);
-            ASSERT_EQ(drawn.differenceFrom(expected), "") << size;
-        };
-        check(DrawRealBubble, plain::DrawRealBubble);
-        check(DrawRealBubbleOld, plain::DrawRealBubbleOld);
-    }
 }
 
 } // namespace

@@ -10,18 +10,18 @@ TEST(Draw_Circle_FillInside, radius_0_is_one_pixel_with_its_top_byte) {
         (Rows{"...", ".#.", "..."}));
 }
 
-Surface ring(int radius, int thickness) {
+Surface circle(int radius, int thickness) {
     return drawnOn(Surface(25, 25), Draw_Circle_NoFillInside, 12, 12, radius, thickness, 1);
 }
 
 TEST(Draw_Circle_NoFillInside, rows_run_up_to_and_including_the_first_pixel_of_the_hole) {
     // Radius 5, thickness 2: the middle row has 5, 4 and, at the hole's edge, 3.
-    EXPECT_EQ(rowsOf(ring(5, 2), {{'.', 0}, {'#', 1}})[12], ".......###.....###.......");
+    EXPECT_EQ(rowsOf(circle(5, 2), {{'.', 0}, {'#', 1}})[12], ".......###.....###.......");
 }
 
 TEST(Draw_Circle_NoFillInside, thickness_of_the_radius_leaves_no_hole_and_beyond_it_widens_the_hole_again) {
-    EXPECT_EQ(ring(5, 5).differenceFrom(drawnOn(Surface(25, 25), Draw_Circle_FillInside, 12, 12, 5, 1)), "");
-    EXPECT_EQ(ring(10, 16).differenceFrom(ring(10, 4)), ""); // 10 - 16 squares as 10 - 4
+    EXPECT_EQ(circle(5, 5).differenceFrom(drawnOn(Surface(25, 25), Draw_Circle_FillInside, 12, 12, 5, 1)), "");
+    EXPECT_EQ(circle(10, 16).differenceFrom(circle(10, 4)), ""); // 10 - 16 squares as 10 - 4
 }
 
 TEST(iFill_Circle_Safe, radius_0_writes_its_pixel_if_that_is_inside_the_clip) {

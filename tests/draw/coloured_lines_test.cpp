@@ -1,7 +1,6 @@
 #include "support/pictures.h"
 
 #include <array>
-#include <limits>
 
 namespace {
 
@@ -27,7 +26,7 @@ const Colours shades = {{'.', old}, {'w', 0xFFFFFF}, {'b', 0}};
 
 TEST(DDLine_Fat, half_width_0_is_a_black_line_and_below_0_there_is_none) {
     EXPECT_EQ(rowsOf(fatOn(Surface(5, 3, old), 1, 1, 3, 1, 0xFFFFFF, 0), shades), (Rows{".....", ".bbb.", "....."}));
-    for (const int halfWidth : {-1, -100, std::numeric_limits<int>::min()})
+    for (const int halfWidth : {-1, -100, leastInt})
         EXPECT_EQ(rowsOf(fatOn(Surface(5, 3, old), 1, 1, 3, 1, 0xFFFFFF, halfWidth), shades), Rows(3, "....."));
 }
 
@@ -40,12 +39,10 @@ TEST(DDLine_Fat, a_first_end_outside_along_the_major_axis_draws_nothing_and_a_se
 }
 
 TEST(DDLine_Fat, near_the_clip_outer_shades_are_lost_on_both_sides_at_once) {
-    // In column 1 a shade at distance 2 would lie at -1.
-    const Pixels row = rowIn(fatOn(Surface(12, 3, old), 1, 1, 1, 1, 0x808080, 2), 1);
-    EXPECT_EQ(row[0], row[2]);
-    EXPECT_NE(row[0], old);
-    EXPECT_EQ(row[1], 0xFFFFFFu);
-    EXPECT_EQ(row[3], old);
+    // In column 1 a shade at distance 2 would lie at -1. The one beside the centre is the second of three with steps of
+    // 2048 / 3, one step before black: 0x80 * 682 / 1024.
+    EXPECT_EQ(rowIn(fatOn(Surface(4, 3, old), 1, 1, 1, 1, 0x808080, 2), 1),
+              (Pixels{0x555555, 0xFFFFFF, 0x555555, old}));
 }
 
 TEST(DDLine_Fat, the_centre_is_not_clipped_along_the_minor_axis) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
 
 namespace {
 
@@ -30,12 +29,15 @@ Rows rowsOfQuad(const Corners &corners) {
     return rowsOf(quad(corners), {{'.', 0}, {'#', 0xFF123456}});
 }
 
-TEST(DecisionLine2, is_1_to_the_left_of_a_line_that_goes_down_and_wraps_otherwise_than_DecisionLine) {
+TEST(DecisionLine2, is_1_to_the_left_of_a_line_that_goes_down) {
     EXPECT_EQ(decide(2, 5, 3, 0, 3, 10), 1);
     EXPECT_EQ(decide(4, 5, 3, 0, 3, 10), 0);
     EXPECT_EQ(decide(3, 5, 3, 0, 3, 10), 0);
     EXPECT_EQ(decide(4, 5, 3, 10, 3, 0), 1);
     EXPECT_EQ(decide(-1, 0, 0, 0, 0, 10), 1);
+}
+
+TEST(DecisionLine2, wraps_otherwise_than_DecisionLine) {
     // 65536 * 32768 wraps to the least number of all, and so does its negation.
     EXPECT_EQ(decide(1, 65536, 0, 0, 32768, 1), 0);       // INT_MIN > 1
     EXPECT_EQ(decideTurned(1, 65536, 0, 0, 32768, 1), 1); // INT_MIN < -1
@@ -91,11 +93,10 @@ TEST(Rect_Safe, corners_on_equal_rows_keep_the_order_that_the_exchanges_give) {
     EXPECT_EQ(rightLast[1], "..########..");
 }
 
-TEST(Rect_Safe, a_clip_at_the_ends_of_the_number_range_draws_nothing_and_ends) {
+TEST(Rect_Safe, a_figure_and_a_clip_at_the_end_of_the_numbers_draw_nothing_and_end) {
     const Surface nothing(12, 10);
-    EXPECT_EQ(quad({{{0, 0}, {3, 0}, {3, 3}, {0, 3}}}, {INT_MIN, INT_MIN, INT_MIN, INT_MIN}).differenceFrom(nothing),
-              "");
-    EXPECT_EQ(quad({{{0, 0}, {3, 0}, {3, INT_MAX}, {0, INT_MAX}}}, {0, INT_MAX, 4, INT_MAX}).differenceFrom(nothing),
+    EXPECT_EQ(quad({{{0, 0}, {3, 0}, {3, greatestInt}, {0, greatestInt}}}, {0, greatestInt, 4, greatestInt})
+                  .differenceFrom(nothing),
               "");
 }
 

@@ -1,7 +1,5 @@
 #include "support/pictures.h"
 
-#include <limits>
-
 namespace {
 
 using namespace test;
@@ -36,7 +34,7 @@ TEST(ClippedSpots, of_a_radius_above_256_are_cut_to_256) {
     const std::pair<ClippedSpot, Spot> pairs[] = {{Draw_Star_Type1_Safe, Draw_Star_Type1},
                                                   {Draw_Light_Safe, Draw_Light}};
     for (const auto &[clipped, whole] : pairs)
-        for (const int radius : {257, 300, 65536, std::numeric_limits<int>::max()}) {
+        for (const int radius : {257, 300, 65536, greatestInt}) {
             const Surface surface =
                 drawnOn(Surface(530, 530), clipped, tagRECT{0, 0, 530, 530}, 265, 265, radius, 0x80FF40, 64);
             const Surface expected = drawnOn(Surface(530, 530), whole, 265, 265, 256, 0x80FF40, 64);

@@ -1,3 +1,6 @@
+#include "support/numbers.h"
+#include "support/sanitizer.h"
+
 #include <q_Mur.h>
 
 #include <gtest/gtest.h>
@@ -6,16 +9,6 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <limits>
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define Q_MUR_TESTS_ADDRESS_SANITIZER 1
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__)
-#define Q_MUR_TESTS_ADDRESS_SANITIZER 1
-#endif
 
 #if defined(Q_MUR_TESTS_ADDRESS_SANITIZER)
 // Requests that no heap can meet return null here too, as they do elsewhere.
@@ -29,7 +22,7 @@ namespace {
 constexpr q_ulong hostPattern = 0xABCD1234;
 
 /// Sizes that no heap has.
-constexpr int impossibleSizes[] = {-4, -5, -1000, std::numeric_limits<int>::min(), std::numeric_limits<int>::min() + 1};
+constexpr int impossibleSizes[] = {-4, -5, -1000, test::leastInt, test::leastInt + 1};
 
 class BlockManager : public testing::Test {
 protected:

@@ -1,11 +1,9 @@
 #include "frame/at_load.h"
-#include "support/cases.h"
+#include "support/run.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <string_view>
 
 namespace test {
 
@@ -25,10 +23,5 @@ int main(int argc, char **argv) {
     Init_qMur_GlobalData(nullptr, nullptr);
 
     testing::InitGoogleTest(&argc, argv);
-    for (int i = 1; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        if (argument.starts_with("--case="))
-            test::replayCase(std::atoi(argv[i] + 7));
-    }
-    return RUN_ALL_TESTS();
+    return test::takesArguments(argc, argv) ? RUN_ALL_TESTS() : 2;
 }

@@ -2,24 +2,22 @@
 #include "frame/generator.h"
 #include "plain/frame.h"
 #include "support/cases.h"
+#include "support/numbers.h"
 #include "support/precision.h"
 
 #include <gtest/gtest.h>
 
 #include <bit>
 #include <cmath>
-#include <limits>
 #include <tuple>
 
 namespace {
 
 using test::Case;
 using test::drawsTaken;
+using test::greatestInt, test::leastInt;
 using test::scriptDraws;
 using test::seedDraws;
-
-constexpr int least = std::numeric_limits<int>::min();
-constexpr int largest = std::numeric_limits<int>::max();
 
 /// What a function returns for these draws; all of them must be taken.
 template <class Result, class... Parameters>
@@ -96,7 +94,7 @@ TEST(randInt, spans_above_32768_are_not_covered_and_bounds_exchanged_are_such) {
     EXPECT_EQ(with({32767}, randInt, -1000000, 1000000), -967233);
     EXPECT_EQ(with({32767}, randInt, 10, 5), 32777);
     EXPECT_EQ(with({0}, randInt, 10, 5), 10);
-    EXPECT_EQ(with({1}, randInt, largest, largest - 1), least);
+    EXPECT_EQ(with({1}, randInt, greatestInt, greatestInt - 1), leastInt);
 }
 
 TEST(randIntGauss, is_the_truncated_mean_of_its_draws_reaches_both_ends_and_wraps_at_32_bits) {
@@ -175,14 +173,14 @@ TEST(randFloatGauss, is_the_scaled_mean_of_its_draws) {
 
 TEST(randIntGauss, and_its_kin_with_a_count_below_0_are_the_lower_bound_without_a_draw) {
     EXPECT_EQ(with({}, randIntGauss, 10, 20, -1), 10);
-    EXPECT_EQ(with({}, randIntGauss, 10, 20, least), 10);
+    EXPECT_EQ(with({}, randIntGauss, 10, 20, leastInt), 10);
     EXPECT_EQ(with({}, randFloatGauss, 10, 20, -1), 10.0F);
     EXPECT_EQ(with({}, randDoubleGauss, 10, 20, -1), 10.0);
 }
 
 /// A number of any sign and of moderate size, with all its bits.
 double anyReal(test::Random &random) {
-    const double upper = random.between(least, largest);
+    const double upper = random.between(leastInt, greatestInt);
     const double mantissa = upper + std::ldexp(random.between(0, 0x1FFFFF), -21);
     return std::ldexp(mantissa, random.between(-40, -20));
 }
@@ -251,14 +249,14 @@ void agree(const char *name, Result (*function)(Parameters...), Result (*twin)(P
 TEST(random_numbers, agree_with_their_twins_under_a_known_generator) {
     using test::Random;
     agree("randInt", randInt, plain::randInt, [](Random &random) {
-        const int low = random.oneIn(10) ? random.between(least, largest) : random.between(-40000, 40000);
+        const int low = random.oneIn(10) ? random.between(leastInt, greatestInt) : random.between(-40000, 40000);
         const int bits = random.between(0, 16);
         const std::int64_t extent = random.between(1, 1 << bits);
         return std::pair{low, plain::int32(random.oneIn(10) ? low - extent : low + extent)};
     });
     agree("randIntGauss", randIntGauss, plain::randIntGauss, [](Random &random) {
         const int low = random.between(-1000, 1000);
-        const int high = random.oneIn(5) ? random.between(least, largest) : random.between(-5000, 5000);
+        const int high = random.oneIn(5) ? random.between(leastInt, greatestInt) : random.between(-5000, 5000);
         return std::tuple{low, high, random.oneIn(20) ? random.between(-3, -1) : random.between(1, 12)};
     });
     const auto twoFloats = [](Random &random) {

@@ -5,28 +5,39 @@
 
 #include "support/painting.h"
 
+#include <cstdint>
 #include <utility>
 
 namespace test {
 
-/// A host's record with one private block.
-struct Host {
+/// A host's record with a frame and limits of its own.
+struct HostRecord {
     TransferFrameGeometry geometry = {};
-    TransferLimits3D limits = {};
+    TransferLimits3D limits;
     _TRANSFERDATA record = {};
-    _PRIVATE_QMGL_DATA *data = nullptr;
 
-    explicit Host(int planeElements = 64, int originElement = 0, int stackDepth = 4, int vertexEntries = 4) {
+    HostRecord(int planeElements, int originElement, int stackDepth, int vertexEntries)
+        : limits{11, 22, vertexEntries, stackDepth} {
         geometry.planeElements = planeElements;
         geometry.originElement = originElement;
-        limits = {11, 22, vertexEntries, stackDepth};
         record.frameGeometry = &geometry;
         record.limits3D = &limits;
-        data = GetPrivate_QMGL_Data(&record, 0);
     }
-    ~Host() { DeleteMemoryBlocks(&record); }
-    Host(const Host &) = delete;
-    Host &operator=(const Host &) = delete;
+    ~HostRecord() { DeleteMemoryBlocks(&record); }
+    HostRecord(const HostRecord &) = delete;
+    HostRecord &operator=(const HostRecord &) = delete;
+};
+
+inline std::uintptr_t addressOf(const void *pointer) {
+    return reinterpret_cast<std::uintptr_t>(pointer);
+}
+
+/// The same with one private block.
+struct Host : HostRecord {
+    _PRIVATE_QMGL_DATA *data;
+
+    explicit Host(int planeElements = 64, int originElement = 0, int stackDepth = 4, int vertexEntries = 4)
+        : HostRecord(planeElements, originElement, stackDepth, vertexEntries), data(GetPrivate_QMGL_Data(&record, 0)) {}
 };
 
 /// What a band or a triangle does to a pixel.

@@ -1,9 +1,9 @@
 /// \file
-/// Grids of points with colours and a light, for the tests of the surface and line renderers.
+/// Grids of points with colours and a light, for the tests of renderers.
 #ifndef Q_MUR_TESTS_PIPELINE_MESH_H
 #define Q_MUR_TESTS_PIPELINE_MESH_H
 
-#include <q_Mur.h>
+#include "host.h"
 
 #include <cstddef>
 #include <vector>
@@ -22,12 +22,17 @@ struct Mesh {
     int wrapRows = 0;
     int wrapColumns = 0;
 
-    /// Flat and upright, facing the viewer, with points `cell` pixels apart.
-    Mesh(int columnCount, int rowCount, int cell = 10, q_ulong colour = 0x804020)
+    /// Flat and upright, facing the viewer, in cells of so many pixels from a place on.
+    Mesh(int columnCount, int rowCount, const tagPOINT &cell, const tagPOINT &first)
         : columns(columnCount), rows(rowCount) {
         for (int row = 0; row < rows; ++row)
             for (int column = 0; column < columns; ++column)
-                points.push_back({static_cast<float>(column * cell), static_cast<float>(row * cell), 0, 0});
+                points.push_back(
+                    {static_cast<float>(first.x + column * cell.x), static_cast<float>(first.y + row * cell.y), 0, 0});
+    }
+    /// In squares and in one colour.
+    Mesh(int columnCount, int rowCount, int cell = 10, q_ulong colour = 0x804020)
+        : Mesh(columnCount, rowCount, {cell, cell}, {0, 0}) {
         colours.assign(points.size(), colour);
     }
 
@@ -35,6 +40,16 @@ struct Mesh {
     _POINT3DFLOAT &point(int row, int column) { return points.at(index(row, column)); }
     q_ulong &colour(int row, int column) { return colours.at(index(row, column)); }
 };
+
+/// Calls a renderer of lit grids, with an opacity where it takes one.
+template <class... Opacity>
+void renderLit(void (*render)(_PRIVATE_QMGL_DATA *, q_ulong *, tagRECT *, q_ulong, _POINT3DFLOAT *, q_ulong *, int, int,
+                              int, int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int, int, Opacity...),
+               Canvas &canvas, tagRECT clip, Mesh &mesh, Opacity... opacity) {
+    render(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(), mesh.colours.data(), mesh.wrapRows,
+           mesh.wrapColumns, mesh.columns, mesh.rows, &mesh.light, nullptr, &mesh.ambient, mesh.specular,
+           mesh.shininess, 0, opacity...);
+}
 
 } // namespace test
 

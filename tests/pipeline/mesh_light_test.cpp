@@ -13,10 +13,7 @@ using test::Mesh;
 /// Lights the colours in place; what is drawn does not matter here.
 void light(Mesh &mesh) {
     Canvas canvas(1, 1);
-    tagRECT clip = {0, 0, 0, 0};
-    VKD_Render_3D_Surface(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(), mesh.colours.data(),
-                          mesh.wrapRows, mesh.wrapColumns, mesh.columns, mesh.rows, &mesh.light, nullptr, &mesh.ambient,
-                          mesh.specular, mesh.shininess, 0);
+    test::renderLit<>(VKD_Render_3D_Surface, canvas, {0, 0, 0, 0}, mesh);
 }
 
 TEST(VKD_Render_3D_Surface, light_straight_on_a_flat_grid_leaves_its_colours) {

@@ -2,17 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstring>
 #include <vector>
 
 namespace {
 
+using test::addressOf;
 using test::Host;
-
-std::uintptr_t addressOf(const void *pointer) {
-    return reinterpret_cast<std::uintptr_t>(pointer);
-}
 
 bool isIdentity(const _I3DMATRIX &matrix) {
     for (int i = 0; i < 16; ++i)

@@ -249,21 +249,4 @@ TEST(VKD_3D_Render, the_least_number_over_minus_1_wraps) {
         }
 }
 
-TEST(VKD_3D_Render, pictures_stored_bottom_up_have_a_negative_pitch) {
-    Canvas canvas(2, 2);
-    Canvas expected(2, 2);
-    const Band band = {{0, 0, 2, 2}, {0, 2, 0, 2}, {1, 3, 1, 3}, {}, {}, {7, 9, 7, 9}};
-    render(expected, band);
-    tagRECT clip = canvas.picture.rect();
-    canvas.data->zBuffer += canvas.picture.pitch();
-    VKD_3D_Render(canvas.data, &canvas.picture.at(0, 1), &clip, static_cast<q_ulong>(-canvas.picture.pitch()), 0, 0, 2,
-                  2, 0, 2, 0, 2, 1, 3, 1, 3, 0, 0, 0, 0, 0, 0, 0, 0, 7, 9, 7, 9);
-    canvas.data->zBuffer -= canvas.picture.pitch();
-    for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 2; ++x) {
-            EXPECT_EQ(canvas.picture.at(x, y), expected.picture.at(x, 1 - y));
-            EXPECT_EQ(canvas.depth(x, y), expected.depth(x, 1 - y));
-        }
-}
-
 } // namespace

@@ -11,16 +11,9 @@ namespace {
 using test::Canvas;
 using test::Mesh;
 
-void render(Canvas &canvas, tagRECT clip, Mesh &mesh) {
-    VKD_Render_3D_Surface(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(), mesh.colours.data(),
-                          mesh.wrapRows, mesh.wrapColumns, mesh.columns, mesh.rows, &mesh.light, nullptr, &mesh.ambient,
-                          mesh.specular, mesh.shininess, 0);
-}
-
-void render(Canvas &canvas, tagRECT clip, Mesh &mesh, int opacity) {
-    VKD_Render_3D_Surface(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(), mesh.colours.data(),
-                          mesh.wrapRows, mesh.wrapColumns, mesh.columns, mesh.rows, &mesh.light, nullptr, &mesh.ambient,
-                          mesh.specular, mesh.shininess, 0, opacity);
+template <class... Opacity>
+void render(Canvas &canvas, Mesh &mesh, Opacity... opacity) {
+    test::renderLit<Opacity...>(VKD_Render_3D_Surface, canvas, canvas.picture.rect(), mesh, opacity...);
 }
 
 void renderAlpha(Canvas &canvas, tagRECT clip, Mesh &mesh) {
@@ -31,7 +24,7 @@ void renderAlpha(Canvas &canvas, tagRECT clip, Mesh &mesh) {
 TEST(VKD_Render_3D_Surface, two_triangles_make_the_smallest_grid) {
     Mesh mesh(2, 2);
     Canvas canvas(12, 12);
-    render(canvas, canvas.picture.rect(), mesh);
+    render(canvas, mesh);
     for (int y = 0; y < 12; ++y)
         for (int x = 0; x < 12; ++x)
             EXPECT_EQ(canvas.picture.at(x, y), x < 10 && y < 10 ? 0x804020u : 0u) << x << ", " << y;
@@ -46,7 +39,7 @@ TEST(VKD_Render_3D_Surface, a_wrap_flag_counts_only_if_it_is_1) {
             mesh.wrapRows = wrapRows;
             mesh.wrapColumns = wrapColumns;
             Canvas canvas(20, 20);
-            render(canvas, canvas.picture.rect(), mesh);
+            render(canvas, mesh);
             EXPECT_EQ(canvas.depth(8, 8), wrapRows == 1 || wrapColumns == 1 ? 0 : 100)
                 << wrapRows << ", " << wrapColumns;
         }
@@ -68,7 +61,7 @@ TEST(VKD_Render_3D_Surface, the_corner_is_closed_only_if_both_flags_are_1) {
         copy.wrapColumns = flags >> 1;
         Canvas canvas(10, 10);
         Mesh lit = copy;
-        render(canvas, canvas.picture.rect(), lit);
+        render(canvas, lit);
         if (canvas.picture.at(6, 6) != 0 && canvas.picture.at(1, 6) != 0 && canvas.picture.at(6, 1) != 0)
             drawn.insert({copy.wrapRows, copy.wrapColumns});
     }
@@ -80,7 +73,7 @@ TEST(VKD_Render_3D_Surface, half_opacity_draws_through_the_Z_plane) {
         Mesh mesh(2, 2);
         Canvas canvas(10, 10);
         canvas.depth(3, 3) = -1;
-        render(canvas, canvas.picture.rect(), mesh, opacity);
+        render(canvas, mesh, opacity);
         EXPECT_EQ(canvas.picture.at(3, 3) != 0, opacity == 128);
         EXPECT_EQ(canvas.depth(4, 4), opacity == 128 ? 0x7FFF : 0);
     }

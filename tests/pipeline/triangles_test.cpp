@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -63,15 +64,17 @@ TEST(VKD_Render_Tri, covers_from_the_floor_of_the_left_edge_up_to_that_of_the_ri
 TEST(VKD_Render_Tri, the_order_of_points_does_not_matter) {
     const Triangle flatTop = {{{2, 1, 5, 0}, {10, 1, 9, 0}, {6, 7, 0, 0}}, {0x100000, 0x001000, 0x000010}};
     const Triangle slanted = {{{1, 2, 10, 0}, {14, 5, 90, 0}, {6, 15, 40, 0}}, {0xFF0000, 0x00FF00, 0x0000FF}};
-    for (Triangle triangle : {flatTop, slanted}) {
+    for (const auto &[points, colours] : {flatTop, slanted}) {
         Canvas canvas(16, 16);
-        draw(canvas, triangle);
-        std::swap(triangle.points[0], triangle.points[1]);
-        std::swap(triangle.colours[0], triangle.colours[1]);
-        Canvas swapped(16, 16);
-        draw(swapped, triangle);
-        EXPECT_EQ(swapped.picture.differenceFrom(canvas.picture), "");
-        EXPECT_EQ(swapped.depths().differenceFrom(canvas.depths()), "");
+        draw(canvas, {{points[0], points[1], points[2]}, {colours[0], colours[1], colours[2]}});
+        int order[] = {0, 1, 2};
+        while (std::next_permutation(order, order + 3)) {
+            const auto [a, b, c] = order;
+            Canvas shuffled(16, 16);
+            draw(shuffled, {{points[a], points[b], points[c]}, {colours[a], colours[b], colours[c]}});
+            EXPECT_EQ(shuffled.picture.differenceFrom(canvas.picture), "");
+            EXPECT_EQ(shuffled.depths().differenceFrom(canvas.depths()), "");
+        }
     }
     Canvas canvas(16, 16);
     draw(canvas, flatTop);

@@ -133,10 +133,13 @@ inline void addBand(Pixels dst, const tagRECT &clip, const Band &band) {
     });
 }
 
-/// Of numbers in the order of the arguments.
+/// Of numbers in the order of the arguments: those of four after four make `Band`.
+template <class Band, std::size_t... index>
+Band bandOf(const int *n, std::index_sequence<index...>) {
+    return {Ends{n[4 * index], n[4 * index + 1], n[4 * index + 2], n[4 * index + 3]}...};
+}
 inline Band bandOf(const int *n) {
-    const auto ends = [n](int i) { return Ends{n[4 * i], n[4 * i + 1], n[4 * i + 2], n[4 * i + 3]}; };
-    return {ends(0), ends(1), ends(2), ends(3), ends(4), ends(5)};
+    return bandOf<Band>(n, std::make_index_sequence<6>());
 }
 
 /// All but the last of these end with the 24 numbers of a band, a number behind them being the opacity.

@@ -30,33 +30,19 @@ inline int DecisionLine(int *px, int *py, int *ax, int *ay, int *bx, int *by) {
 
 inline void Rect_Safe(q_ulong *surface, tagRECT *clip, int pitch, tagPOINT *p0, tagPOINT *p1, tagPOINT *p2,
                       tagPOINT *p3, q_ulong *color) {
-    std::array<tagPOINT, 4> p = {*p0, *p1, *p2, *p3};
-    for (std::size_t i = 0; i < 3; ++i)
-        for (std::size_t j = i + 1; j < 4; ++j)
-            if (p[i].y > p[j].y)
-                std::swap(p[i], p[j]);
-    // The corners that the left and the right side of each band run between, by which of the middle corners lie left.
-    struct Sides {
-        std::size_t leftFrom, leftTo, rightFrom, rightTo;
-    };
-    constexpr Sides sides[2][2][3] = {
-        {{{0, 3, 0, 1}, {0, 3, 1, 2}, {0, 3, 2, 3}}, {{0, 2, 0, 1}, {0, 2, 1, 3}, {2, 3, 1, 3}}},
-        {{{0, 1, 0, 2}, {1, 3, 0, 2}, {1, 3, 2, 3}}, {{0, 1, 0, 3}, {1, 2, 0, 3}, {2, 3, 0, 3}}},
-    };
-    const bool first = isLeftOfLine(p[1], p[0], p[3]);
-    const bool second = isLeftOfLine(p[2], p[0], p[3]);
-    for (std::size_t band = 0; band < 3; ++band) {
-        const Sides &side = sides[first][second][band];
-        const bool stopsShort = first && second && band > 0;
-        const Number lastRow = std::min<Number>(p[band + 1].y, Number{clip->bottom} - 1);
-        for (Number y = std::max(p[band].y, clip->top); y <= lastRow; ++y) {
-            const Number left = draw::edgeAt(p[side.leftFrom], p[side.leftTo], y);
-            const Number right = draw::edgeAt(p[side.rightFrom], p[side.rightTo], y);
-            for (Number x = left; x <= (stopsShort ? right - 1 : right); ++x)
+    const auto corners = fromTopToBottom<tagPOINT>({*p0, *p1, *p2, *p3});
+    const bool areBothLeft =
+        isLeftOfLine(corners[1], corners[0], corners[3]) && isLeftOfLine(corners[2], corners[0], corners[3]);
+    std::size_t band = 0;
+    forBandsBetween(corners, [&](const auto &left0, const auto &left1, const auto &right0, const auto &right1) {
+        const Number end = areBothLeft && band > 0 ? 0 : 1; // behind the right side, which may stop short
+        const Number lastRow = std::min<Number>(corners[band + 1].y, Number{clip->bottom} - 1);
+        for (Number y = std::max(corners[band].y, clip->top); y <= lastRow; ++y)
+            for (Number x = draw::edgeAt(left0, left1, y); x < draw::edgeAt(right0, right1, y) + end; ++x)
                 if (x >= clip->left && x < clip->right)
                     Pixels{surface, pitch}.at(x, y) = *color;
-        }
-    }
+        ++band;
+    });
 }
 
 } // namespace plain

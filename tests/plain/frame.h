@@ -31,10 +31,7 @@ inline void FreeMemoryBlocks(_TRANSFERDATA *data) {
         data->blockCount = 0;
 }
 
-inline void DeleteMemoryBlocks(_TRANSFERDATA *data) {
-    if (data)
-        data->blockCount = 0;
-}
+inline constexpr auto DeleteMemoryBlocks = FreeMemoryBlocks;
 
 // Random numbers, from the platform's generator
 

@@ -21,23 +21,12 @@ inline void SetRotationMatrix(_I3DMATRIX &m, _I3DVECTOR &axis, float radians) {
     const Real x = u.x;
     const Real y = u.y;
     const Real z = u.z;
-    const Real elements[16] = {t * x * x + c,
-                               t * x * y + s * z,
-                               t * x * z - s * y,
-                               0,
-                               t * x * y - s * z,
-                               t * y * y + c,
-                               t * y * z + s * x,
-                               0,
-                               t * x * z + s * y,
-                               t * y * z - s * x,
-                               t * z * z + c,
-                               0,
-                               0,
-                               0,
-                               0,
-                               1};
-    std::transform(elements, elements + 16, m.m, [](Real element) { return static_cast<float>(element); });
+    const Real elements[4][4] = {{t * x * x + c, t * x * y + s * z, t * x * z - s * y, 0},
+                                 {t * x * y - s * z, t * y * y + c, t * y * z + s * x, 0},
+                                 {t * x * z + s * y, t * y * z - s * x, t * z * z + c, 0},
+                                 {0, 0, 0, 1}};
+    for (int i = 0; i < 16; ++i)
+        m.m[i] = static_cast<float>(elements[i / 4][i % 4]);
 }
 
 inline void MatrixMultiply(_I3DMATRIX &out, _I3DMATRIX &a, _I3DMATRIX &b) {

@@ -134,10 +134,10 @@ inline void VKD_3D_Line(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q
     const Number depthStep = slope(a->z, b->z);
     const _POINT3D *begin = along(b) > along(a) ? a : b;
     const _POINT3D *end = begin == a ? b : a;
-    const Number lowX = signed32(Number{clip->left} + 1);
-    const Number highX = signed32(Number{clip->right} - 2);
-    const Number lowY = signed32(Number{clip->top} + 1);
-    const Number highY = signed32(Number{clip->bottom} - 2);
+    const Number lowX = Number{clip->left} + 1;
+    const Number highX = Number{clip->right} - 2;
+    const Number lowY = Number{clip->top} + 1;
+    const Number highY = Number{clip->bottom} - 2;
     const Number first = std::max(isSteep ? lowY : lowX, along(begin));
     const Number last = std::min(isSteep ? highY : highX, along(end));
     for (Number step = first; step < last; ++step) {

@@ -8,6 +8,16 @@
 
 namespace plain {
 
+// The modes of the polygons that draw with span mappers; further bits of their flags are ignored.
+
+constexpr q_ulong litMode = 0x200;
+constexpr q_ulong keyedMode = 0x10100;
+constexpr q_ulong unlitMode = 0x1010;
+constexpr q_ulong flatMode = 0x2210;
+constexpr q_ulong modeOf(q_ulong flags) {
+    return flags & 0xFFFF0;
+}
+
 enum class MappedLight { none, flat, interpolated };
 
 /// What sets one mapper apart from the others.
@@ -90,9 +100,8 @@ template <const MapperKind &kind, class Block, class... Numbers>
 void mapSpans(Block *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstPitch, q_ulong texPitch,
               Numbers... numbers) {
     const int n[] = {numbers...};
-    const auto ends = [&n](int i) { return Ends{n[4 * i], n[4 * i + 1], n[4 * i + 2], n[4 * i + 3]}; };
     drawTexturedBand(kind, *data, {dst, signed32(dstPitch)}, {tex, signed32(texPitch)}, *clip,
-                     {ends(0), ends(1), ends(2), ends(3), ends(4), ends(5), ends(6)});
+                     bandOf<TexturedBand>(n, std::make_index_sequence<7>()));
 }
 
 inline constexpr MapperKind linearHPE = {.fractionBits = 16, .isFiltered = true};

@@ -51,10 +51,10 @@ inline void addLight(Pixels surface, const Bounds &bounds, int cx, int cy, Numbe
     });
 }
 
-inline void drawBall(Pixels surface, const Bounds &bounds, int cx, int cy, int radius, q_ulong colour) {
+inline void drawBall(Pixels surface, const Bounds &bounds, int cx, int cy, Number radius, q_ulong colour, q_ulong) {
     if (radius < 0)
         return;
-    const Number r = std::clamp(radius, 1, 256);
+    const Number r = std::clamp<Number>(radius, 1, 256);
     const Number q = 3 * r / 2;
     const Number h = r / 2;
     forOffsets(surface, common(bounds, around(cx, cy, r)), cx, cy, [=](q_ulong &d, Number dx, Number dy) {
@@ -68,17 +68,26 @@ inline void drawBall(Pixels surface, const Bounds &bounds, int cx, int cy, int r
 constexpr Number farthest = Number{1} << 40;
 constexpr Bounds anywhere = {-farthest, -farthest, farthest, farthest};
 
+using Glow = void(Pixels, const Bounds &, int cx, int cy, Number radius, q_ulong colour, q_ulong intensity);
+
+template <Glow glow>
+void withoutClip(q_ulong *surface, int pitch, int cx, int cy, int radius, q_ulong colour, q_ulong intensity) {
+    glow({surface, pitch}, anywhere, cx, cy, radius, colour, intensity);
+}
+template <Glow glow>
+void betweenSides(q_ulong *surface, int pitch, tagRECT *clip, int cx, int cy, int radius, q_ulong colour,
+                  q_ulong intensity) {
+    glow({surface, pitch}, strictlyInside(*clip), cx, cy, std::min(radius, 256), colour, intensity);
+}
+
 } // namespace draw
 
-inline void Draw_Star_Type1(q_ulong *surface, int pitch, int cx, int cy, int radius, q_ulong colour,
-                            q_ulong intensity) {
-    draw::addStar({surface, pitch}, draw::anywhere, cx, cy, radius, colour, intensity);
-}
-
-inline void Draw_Star_Type1_Safe(q_ulong *surface, int pitch, tagRECT *clip, int cx, int cy, int radius, q_ulong colour,
-                                 q_ulong intensity) {
-    draw::addStar({surface, pitch}, draw::strictlyInside(*clip), cx, cy, std::min(radius, 256), colour, intensity);
-}
+inline constexpr auto Draw_Star_Type1 = draw::withoutClip<draw::addStar>;
+inline constexpr auto Draw_Star_Type1_Safe = draw::betweenSides<draw::addStar>;
+inline constexpr auto Draw_Light = draw::withoutClip<draw::addLight>;
+inline constexpr auto Draw_Light_Safe = draw::betweenSides<draw::addLight>;
+inline constexpr auto Draw_3DBall = draw::withoutClip<draw::drawBall>;
+inline constexpr auto Draw_3DBall_Safe = draw::betweenSides<draw::drawBall>;
 
 inline void Draw_Star_Type2(q_ulong *surface, int pitch, int cx, int cy, int radius, q_ulong colour,
                             q_ulong intensity) {
@@ -110,24 +119,6 @@ inline void Draw_Star_Type3(q_ulong *surface, int pitch, int cx, int cy, int rad
                                  : unsigned32((r - b) * f * inverse) / 256,
                         11);
     });
-}
-
-inline void Draw_Light(q_ulong *surface, int pitch, int cx, int cy, int radius, q_ulong colour, q_ulong intensity) {
-    draw::addLight({surface, pitch}, draw::anywhere, cx, cy, radius, colour, intensity);
-}
-
-inline void Draw_Light_Safe(q_ulong *surface, int pitch, tagRECT *clip, int cx, int cy, int radius, q_ulong colour,
-                            q_ulong intensity) {
-    draw::addLight({surface, pitch}, draw::strictlyInside(*clip), cx, cy, std::min(radius, 256), colour, intensity);
-}
-
-inline void Draw_3DBall(q_ulong *surface, int pitch, int cx, int cy, int radius, q_ulong colour, q_ulong) {
-    draw::drawBall({surface, pitch}, draw::anywhere, cx, cy, radius, colour);
-}
-
-inline void Draw_3DBall_Safe(q_ulong *surface, int pitch, tagRECT *clip, int cx, int cy, int radius, q_ulong colour,
-                             q_ulong) {
-    draw::drawBall({surface, pitch}, draw::strictlyInside(*clip), cx, cy, radius, colour);
 }
 
 inline void Draw_Circle_Light(q_ulong *surface, int pitch, int cx, int cy, int radius, unsigned char red,
@@ -163,21 +154,12 @@ inline void Draw_One_Star_Add(q_ulong *surface, int pitch, tagRECT *clip, int x,
         add(x, j, j - y);
 }
 
-namespace draw {
-
-struct Offset {
-    int x;
-    int y;
-};
-
-/// The pixels of a cross.
-constexpr Offset cross[] = {{0, -2}, {0, -1}, {-2, 0}, {-1, 0}, {0, 0}, {1, 0}, {2, 0}, {0, 1}, {0, 2}};
-
-} // namespace draw
+/// Columns and rows of the pixels of a cross, from its centre.
+constexpr int crossed[][2] = {{0, -2}, {0, -1}, {-2, 0}, {-1, 0}, {0, 0}, {1, 0}, {2, 0}, {0, 1}, {0, 2}};
 
 inline void Draw_Cross(q_ulong *surface, int pitch, int x, int y, q_ulong colour) {
-    for (const draw::Offset arm : draw::cross) {
-        q_ulong &d = Pixels{surface, pitch}.at(Number{x} + arm.x, Number{y} + arm.y);
+    for (const auto &[dx, dy] : crossed) {
+        q_ulong &d = Pixels{surface, pitch}.at(Number{x} + dx, Number{y} + dy);
         d = saturatedSum(d, colour);
     }
 }
@@ -185,9 +167,9 @@ inline void Draw_Cross(q_ulong *surface, int pitch, int x, int y, q_ulong colour
 inline void Draw_Cross_Fast(q_ulong *surface, int pitch, int x, int y, q_ulong colour) {
     const Pixels pixels = {surface, pitch};
     const q_ulong sum = saturatedSum(pixels.at(x, y), colour);
-    for (const draw::Offset arm : draw::cross)
-        if (arm.x != 2)
-            pixels.at(Number{x} + arm.x, Number{y} + arm.y) = sum;
+    for (const auto &[dx, dy] : crossed)
+        if (dx != 2)
+            pixels.at(Number{x} + dx, Number{y} + dy) = sum;
 }
 
 } // namespace plain

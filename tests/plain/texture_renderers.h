@@ -136,19 +136,19 @@ void renderTexture(Block *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, tagRE
         addGlint({dst, signed32(dstPitch)}, *clip, truncated(points[best].x), truncated(points[best].y), highlight);
 }
 
-inline constexpr auto Render_Texture_3D = renderTexture<_PRIVATE_QM3D_DATA, Cells::quads, 0x200>;
-inline constexpr auto Render_Texture_3D_KeySrc = renderTexture<_PRIVATE_QM3D_DATA, Cells::quads, 0x10100>;
-inline constexpr auto Render_Texture_3D_Tri = renderTexture<_PRIVATE_QM3D_DATA, Cells::triangles, 0x200, true>;
-inline constexpr auto VKD_Render_Texture_3D_KeySrc = renderTexture<_PRIVATE_QMGL_DATA, Cells::quads, 0x10100>;
-inline constexpr auto VKD_Render_Texture_3D_Tri = renderTexture<_PRIVATE_QMGL_DATA, Cells::triangles, 0x200>;
+inline constexpr auto Render_Texture_3D = renderTexture<_PRIVATE_QM3D_DATA, Cells::quads, litMode>;
+inline constexpr auto Render_Texture_3D_KeySrc = renderTexture<_PRIVATE_QM3D_DATA, Cells::quads, keyedMode>;
+inline constexpr auto Render_Texture_3D_Tri = renderTexture<_PRIVATE_QM3D_DATA, Cells::triangles, litMode, true>;
+inline constexpr auto VKD_Render_Texture_3D_KeySrc = renderTexture<_PRIVATE_QMGL_DATA, Cells::quads, keyedMode>;
+inline constexpr auto VKD_Render_Texture_3D_Tri = renderTexture<_PRIVATE_QMGL_DATA, Cells::triangles, litMode>;
 
 inline void VKD_Render_Texture_3D(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, tagRECT *texRect,
                                   q_ulong dstPitch, q_ulong texPitch, _POINT3DFLOAT *points, int rows, int cols,
                                   _POINT3DFLOAT *light, _POINT3D *lightColor, _POINT3D *ambientColor, float specular,
                                   int shininess) {
-    renderTexture<_PRIVATE_QMGL_DATA, Cells::quads, 0x200>(data, dst, tex, clip, texRect, dstPitch, texPitch, points,
-                                                           rows, cols, light, lightColor, ambientColor, specular,
-                                                           shininess);
+    renderTexture<_PRIVATE_QMGL_DATA, Cells::quads, litMode>(data, dst, tex, clip, texRect, dstPitch, texPitch, points,
+                                                             rows, cols, light, lightColor, ambientColor, specular,
+                                                             shininess);
 }
 
 inline void VKD_Render_Texture_3D(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *tex, q_ulong *backTex, tagRECT *clip,
@@ -157,7 +157,7 @@ inline void VKD_Render_Texture_3D(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulon
                                   int shininess) {
     const TexturedMesh mesh = {points, rows, cols};
     if (lightMesh(data, mesh, light, *ambientColor, specular, shininess))
-        drawCells<Cells::quads>(data, {dst, tex, clip, dstPitch, texPitch}, backTex, *texRect, mesh, 0x200);
+        drawCells<Cells::quads>(data, {dst, tex, clip, dstPitch, texPitch}, backTex, *texRect, mesh, litMode);
 }
 
 } // namespace plain

@@ -53,14 +53,14 @@ struct MapperPair {
 };
 
 inline MapperPair<QM3DSpanMapper> mappersOf(const _PRIVATE_QM3D_DATA &, q_ulong flags) {
-    switch (flags & 0xFFFF0) {
-    case 0x200:
+    switch (modeOf(flags)) {
+    case litMode:
         return {i3D_Mapping_Linear_HPE, i3D_Mapping_Near_HPE};
-    case 0x10100:
+    case keyedMode:
         return {i3D_Mapping_Linear_HPE_KeySrc};
-    case 0x1010:
+    case unlitMode:
         return {i3D_Mapping_Near_NoLight_NoHPE};
-    case 0x2210:
+    case flatMode:
         return {i3D_Mapping_Linear_NoHPE, i3D_Mapping_Near_NoHPE};
     default:
         return {};
@@ -69,10 +69,10 @@ inline MapperPair<QM3DSpanMapper> mappersOf(const _PRIVATE_QM3D_DATA &, q_ulong 
 
 /// The slot of a host holds the library's mappers, which have names in this module.
 inline MapperPair<QMGLSpanMapper> mappersOf(const _PRIVATE_QMGL_DATA &, q_ulong flags) {
-    switch (flags & 0xFFFF0) {
-    case 0x200:
+    switch (modeOf(flags)) {
+    case litMode:
         return {::VKD_i3D_Mapping_Linear_HPE, ::VKD_i3D_Mapping_Near_HPE};
-    case 0x10100:
+    case keyedMode:
         return {::VKD_i3D_Mapping_Linear_HPE_KeySrc};
     default:
         return {};
@@ -143,7 +143,7 @@ template <class Block>
 void drawTexturedTriangle(Block &block, const TexturedScene &scene, const TexturedCorners<3> &sorted, q_ulong flags) {
     TexturedCorners<3> corners = sorted;
     constexpr bool isPipeline = std::is_same_v<Block, _PRIVATE_QMGL_DATA>;
-    if (isPipeline && (flags & 0xFFFF0) != 0x200)
+    if (isPipeline && modeOf(flags) != litMode)
         drawBands(block, scene, corners);
     else if (selectMapper(block, flags, corners))
         drawBands(block, scene, corners);

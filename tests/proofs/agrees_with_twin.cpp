@@ -10,7 +10,7 @@ namespace proofs {
 namespace {
 
 std::string_view reason(const Row &row) {
-    return row.call.twin ? "" : "no twin";
+    return row.functions.twin ? "" : "no twin";
 }
 
 /// 20,000 calls, or as many as the row says, drawn from the case's number give the same bytes as the plain twin; every
@@ -25,10 +25,10 @@ void prove(const Row &row) {
             std::optional<test::ReducedPrecision> precision;
             if (c.number % 2 == 1)
                 precision.emplace();
-            runSeeded(row.call.library, result, seed);
+            runSeeded(row.functions.library, result, seed);
         }
         Call expected = call;
-        runSeeded(row.call.twin, expected, seed);
+        runSeeded(row.functions.twin, expected, seed);
         result.addTo(c.sum());
         const std::string difference = result.differenceFrom(expected);
         if (!difference.empty())

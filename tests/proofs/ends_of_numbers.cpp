@@ -6,17 +6,12 @@
 namespace proofs {
 namespace {
 
-bool isWhole(const Row &row, std::size_t index) {
-    const std::string_view type = row.call.types[index];
-    return type != "float" && type != "double";
-}
-
 /// The numbers around the ends of what an argument may be; those that it may not are left out by the contract.
 std::vector<double> ends(const Row &row, std::size_t index) {
     const catalogue::Range &range = row.arguments[index].contract;
-    if (isWhole(row, index))
-        return {range.low, range.low + 1, -65536, -1, 0, 1, 65535, range.high - 1, range.high};
-    return {range.low, -1e30, -1, -1e-30, 0, 1e-30, 1, 1e30, range.high};
+    if (row.isReal(index))
+        return {range.low, -1e30, -1, -1e-30, 0, 1e-30, 1, 1e30, range.high};
+    return {range.low, range.low + 1, -65536, -1, 0, 1, 65535, range.high - 1, range.high};
 }
 
 std::vector<std::size_t> numbersOf(const Row &row) {
@@ -29,7 +24,7 @@ std::vector<std::size_t> numbersOf(const Row &row) {
 }
 
 std::string_view reason(const Row &row) {
-    if (!row.call.twin)
+    if (!row.functions.twin)
         return "no twin";
     return numbersOf(row).empty() ? "no numbers" : "";
 }

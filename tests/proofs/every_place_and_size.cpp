@@ -23,7 +23,7 @@ bool isPlace(const Argument &argument) {
 }
 
 std::string_view reason(const Row &row) {
-    if (!row.call.twin)
+    if (!row.functions.twin)
         return "no twin";
     for (const Argument &argument : row.arguments)
         if (isPlace(argument))
@@ -31,9 +31,8 @@ std::string_view reason(const Row &row) {
     return "no places";
 }
 
-/// What a place may be over a surface of 4 x 4: all rectangles on it, the empty ones and those
-/// inverted by one included, and all
-/// numbers from before its beginning to behind its end.
+/// What a place may be over a surface of 4 x 4: all rectangles on it, the empty ones and those inverted by one
+/// included, and all numbers from before its beginning to behind its end.
 std::vector<Value> places(const Argument &argument) {
     std::vector<Value> all;
     constexpr int low = -2;
@@ -61,12 +60,8 @@ std::vector<Value> places(const Argument &argument) {
 
 /// The pitch exceeds the width by as much as before, so that surfaces which must share a pitch still do.
 Plane smallSurface(const Plane &drawn, Random &random) {
-    const int extraPitch = drawn.pitch() - drawn.width() - 2 * Plane::usualMargin;
-    const Plane plane = Plane::surface(side, side, 0, std::max(extraPitch, 0));
-    for (int y = 0; y < side; ++y)
-        for (int x = 0; x < side; ++x)
-            plane.at(x, y) = random.pixel();
-    return plane.cutTo({0, 0, side, side}, Fence::behind);
+    const Plane plane = Plane::surface(side, side, 0, std::max(drawn.extraPitch(), 0));
+    return plane.fill(plane.rect(), [&](int, int) { return random.pixel(); }).cutTo(plane.rect(), Fence::behind);
 }
 
 /// Surfaces of 4 x 4 that end where memory ends, with every combination of places and sizes, or 20,000 of them where

@@ -21,7 +21,7 @@ TEST(matrix, every_row_with_a_twin_is_compared_with_it) {
             const std::string_view reason = reasonAgainst(proof, row);
             out << "\t" << (reason.empty() ? "tested" : reason);
             // A row that can be computed again is computed again: no proof is waived for it but by its own nature.
-            if (proof.name == agreesWithTwin.name && row.call.twin) {
+            if (proof.name == agreesWithTwin.name && row.functions.twin) {
                 EXPECT_EQ(reason, "") << row.fullName();
             }
         }
@@ -31,15 +31,15 @@ TEST(matrix, every_row_with_a_twin_is_compared_with_it) {
 
 TEST(matrix, every_waived_proof_exists_and_would_apply) {
     catalogue::forEachRow([](const Row &row) {
-        for (const catalogue::Exception &exception : row.without) {
-            bool found = exception.proof == "every proof";
+        for (const catalogue::Waiver &waiver : row.waived) {
+            bool found = waiver.proof == "every proof";
             for (const Proof &proof : allProofs())
-                if (proof.name == exception.proof) {
+                if (proof.name == waiver.proof) {
                     found = true;
                     EXPECT_EQ(proof.reasonAgainst(row), "") << row.fullName() << " waives " << proof.name << " idly";
                 }
-            EXPECT_TRUE(found) << row.fullName() << " waives " << exception.proof;
-            EXPECT_NE(exception.reason, "") << row.fullName();
+            EXPECT_TRUE(found) << row.fullName() << " waives " << waiver.proof;
+            EXPECT_NE(waiver.reason, "") << row.fullName();
         }
     });
 }
@@ -47,7 +47,7 @@ TEST(matrix, every_waived_proof_exists_and_would_apply) {
 TEST(matrix, every_row_describes_each_parameter) {
     std::set<std::string> names;
     catalogue::forEachRow([&names](const Row &row) {
-        EXPECT_EQ(row.call.types.size(), row.arguments.size()) << row.fullName();
+        EXPECT_EQ(row.functions.types.size(), row.arguments.size()) << row.fullName();
         EXPECT_FALSE(row.sentence.empty()) << row.fullName();
         EXPECT_TRUE(names.insert(row.fullName()).second) << row.fullName() << " stands twice";
         for (const Argument &argument : row.arguments) {

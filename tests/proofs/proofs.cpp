@@ -10,14 +10,15 @@ namespace proofs {
 const std::vector<Proof> &allProofs() {
     static const std::vector<Proof> all = {agreesWithTwin,       overlappingSurfaces, everyPlaceAndSize,
                                            writesNothingOutside, readsNothingOutside, endsOfNumbers,
-                                           channelPairs,         twoThreads};
+                                           channelPairs,         topBytesAndSums,     twoThreads,
+                                           storedBottomUp,       clipsHold,           largeSizes};
     return all;
 }
 
 std::string_view reasonAgainst(const Proof &proof, const Row &row) {
-    for (const catalogue::Exception &exception : row.without)
-        if (exception.proof == proof.name || exception.proof == "every proof")
-            return exception.reason;
+    for (const catalogue::Waiver &waiver : row.waived)
+        if (waiver.proof == proof.name || waiver.proof == "every proof")
+            return waiver.reason;
     return proof.reasonAgainst(row);
 }
 
@@ -30,8 +31,8 @@ void runSeeded(const std::function<catalogue::Run(Call &)> &function, Call &call
 bool agree(const Call &call, const std::string &what) {
     Call result = call;
     Call expected = call;
-    runSeeded(call.row().call.library, result, 1);
-    runSeeded(call.row().call.twin, expected, 1);
+    runSeeded(call.row().functions.library, result, 1);
+    runSeeded(call.row().functions.twin, expected, 1);
     const std::string difference = result.differenceFrom(expected);
     if (!difference.empty())
         ADD_FAILURE() << what << ": " << difference << "\n" << described(call);
@@ -63,6 +64,18 @@ std::string described(const Call &call) {
 bool isInside(const Areas &areas, std::string_view argument, const tagPOINT &place) {
     return std::any_of(areas.begin(), areas.end(),
                        [&](const Area &area) { return area.argument == argument && area.part.contains(place); });
+}
+
+std::string writtenOutside(const Plane &before, const Plane &after, const Areas &areas, std::string_view argument) {
+    const auto was = before.bytes();
+    const auto is = after.bytes();
+    for (auto at = std::mismatch(is.begin(), is.end(), was.begin()); at.first != is.end();
+         at = std::mismatch(at.first + 1, is.end(), at.second + 1)) {
+        const tagPOINT place = after.placeOf(static_cast<std::size_t>(at.first - is.begin()));
+        if (!isInside(areas, argument, place))
+            return std::string(argument) + " (" + std::to_string(place.x) + ", " + std::to_string(place.y) + ")";
+    }
+    return {};
 }
 
 namespace {

@@ -20,6 +20,7 @@ using catalogue::Areas;
 using catalogue::Argument;
 using catalogue::Box;
 using catalogue::Call;
+using catalogue::Copies;
 using catalogue::Fence;
 using catalogue::isNumber;
 using catalogue::isSurface;
@@ -46,7 +47,11 @@ extern const Proof writesNothingOutside;
 extern const Proof readsNothingOutside;
 extern const Proof endsOfNumbers;
 extern const Proof channelPairs;
+extern const Proof topBytesAndSums;
 extern const Proof twoThreads;
+extern const Proof storedBottomUp;
+extern const Proof clipsHold;
+extern const Proof largeSizes;
 
 const std::vector<Proof> &allProofs();
 
@@ -65,6 +70,10 @@ std::string described(const Call &call);
 
 /// Whether one of the areas has the element at a place of an argument's memory.
 bool isInside(const Areas &areas, std::string_view argument, const tagPOINT &place);
+
+/// The first place of an argument's memory that has changed though none of the areas has it, in words; empty if none
+/// has.
+std::string writtenOutside(const Plane &before, const Plane &after, const Areas &areas, std::string_view argument);
 
 /// Makes each cell of the matrix that has an answer of its own a test; called before the tests run.
 void registerTests();

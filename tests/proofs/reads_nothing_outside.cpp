@@ -68,7 +68,7 @@ void proveFenced(const Call &call, const Call &expected, const Areas &areas) {
                 *fenced[i].surface() = plane->cutTo(part, fence);
                 *wanted[i].surface() = expected[i].surface()->cutTo(part, Fence::none);
             }
-        call.row().call.library(fenced)();
+        call.row().functions.library(fenced)();
         ASSERT_EQ(fenced.differenceFrom(wanted), "") << described(call);
     }
 }
@@ -92,7 +92,7 @@ void proveWithOtherSurroundings(const Call &call, const Call &expected, const Ar
         for (std::size_t byte = 0; byte < bytes; ++byte)
             other[argument].surface()->bytes()[at + byte] = static_cast<std::byte>(random.word());
     });
-    call.row().call.library(other)();
+    call.row().functions.library(other)();
     forEachElementOutside([&](std::size_t argument, std::size_t at, std::size_t bytes) {
         const auto from = expected[argument].surface()->bytes().subspan(at, bytes);
         std::copy(from.begin(), from.end(), other[argument].surface()->bytes().begin() + static_cast<long>(at));
@@ -110,7 +110,7 @@ void prove(const Row &row) {
         ++tried;
         const Areas areas = touched(call);
         Call expected = call;
-        row.call.library(expected)();
+        row.functions.library(expected)();
         proveFenced(call, expected, areas);
         if (number < 60)
             proveWithOtherSurroundings(call, expected, areas, random);

@@ -27,7 +27,7 @@ void prove(const Row &row) {
     std::vector<Call> second = calls(row, count);
     const auto runAll = [&row](std::vector<Call> &all) {
         for (Call &call : all)
-            row.call.library(call)();
+            row.functions.library(call)();
     };
     runAll(expected);
     std::barrier begin(2); // a thread takes longer to start than many of the calls take

@@ -137,16 +137,4 @@ TEST(iPolyBesier, handles_wrap_at_16_bits) {
                   {{32760, 32760 + 15356 - 65536, 32760, 32760}, {10, 17, 33, 40}}});
 }
 
-TEST(bPolyBesier, draws_the_pixels_that_iPolyBesier_draws) {
-    Points xs = {8, 72, 40, 100, -9};
-    Points ys = {8, 8, 56, 30, 70};
-    tagRECT clip = {3, 4, 90, 60};
-    for (const int openCurve : {0, 1}) {
-        std::vector<unsigned char> plane(96 * 64);
-        bPolyBesier(plane.data(), &clip, 96, xs.data(), ys.data(), 5, 0xAB, openCurve);
-        const Surface shape = drawnOn(Surface(96, 64), iPolyBesier, clip, xs.data(), ys.data(), 5, 0xAB, openCurve);
-        EXPECT_EQ(Pixels(plane.begin(), plane.end()), pixelsOf(shape));
-    }
-}
-
 } // namespace

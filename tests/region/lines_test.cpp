@@ -42,22 +42,4 @@ TEST(iLine, straight_and_diagonal_lines_have_both_ends_and_equal_ends_are_one_pi
     EXPECT_EQ(drawn(3, -1, 3, -1), Rows());
 }
 
-TEST(iLine, the_part_inside_the_clip_has_the_pixels_of_the_whole_line) {
-    for (int y2 = -4; y2 < 14; ++y2)
-        for (int x2 = -4; x2 < 14; ++x2) {
-            const Surface whole = line(1, 7, x2, y2, {-8, -8, 16, 16});
-            const Surface expected = showing(Surface(8, 8), 3, 2, whole, {3, 2, 7, 6});
-            ASSERT_EQ(line(1, 7, x2, y2, {3, 2, 7, 6}).differenceFrom(expected), "") << x2 << ", " << y2;
-        }
-}
-
-TEST(iLine, a_picture_stored_bottom_up_is_drawn_by_a_negative_pitch) {
-    Surface dst(8, 8);
-    tagRECT clip = dst.rect();
-    iLine(&dst.at(0, 7), 1, 0, 5, 7, colour, &clip, -dst.pitch());
-    EXPECT_EQ(dst.at(1, 7), colour);
-    EXPECT_EQ(dst.at(5, 0), colour);
-    EXPECT_EQ(dst.at(1, 0), 0u);
-}
-
 } // namespace

@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <limits>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -24,6 +23,7 @@
 
 namespace {
 
+using test::greatestInt;
 using namespace test;
 
 constexpr q_ulong untouched = 0xAA5533CC;
@@ -197,7 +197,7 @@ TEST_F(LoadBitmap24Files, other_sizes_than_the_file_has_negative_ones_and_pictur
 
 TEST_F(LoadBitmap24Files, rows_without_pixels_are_a_picture_and_take_no_time_however_many) {
     Bitmap bitmap = Bitmap::ofSize(0, 1, 4);
-    bitmap.height = std::numeric_limits<int>::max();
+    bitmap.height = greatestInt;
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(loadOf(bitmap).answer, 1);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)); // a seek for each takes minutes
@@ -256,14 +256,13 @@ TEST_F(LoadBitmap24Files, the_data_may_begin_anywhere_even_in_the_header_and_nee
 TEST_F(LoadBitmap24Files, sizes_whose_product_passes_every_number_are_answered_0) {
     Bitmap bitmap = Bitmap::ofSize(3, 2, 12);
     bitmap.fileSize = 0xFFFFFFFF;
-    constexpr int largest = std::numeric_limits<int>::max();
     // Products that are small again in 32 or 64 bits, and those that are as large as can be.
-    for (const auto &[width, height] : {std::pair{largest, largest},
+    for (const auto &[width, height] : {std::pair{greatestInt, greatestInt},
                                         {0x40000000, 4},
                                         {0x55555556, 1},
                                         {0x10000, 0x10000},
-                                        {1, largest},
-                                        {largest, 1},
+                                        {1, greatestInt},
+                                        {greatestInt, 1},
                                         {0x55555555, 3}}) {
         bitmap.width = static_cast<std::uint32_t>(width);
         bitmap.height = static_cast<std::uint32_t>(height);

@@ -1,7 +1,5 @@
 #include "support/pictures.h"
 
-#include <limits>
-
 namespace {
 
 using namespace test;
@@ -32,10 +30,10 @@ TEST(FitOn32RAW_24RAW_Nearest, pitches_count_bytes_and_may_be_negative) {
 }
 
 TEST(FitOn32RAW_24RAW_Nearest, negative_sizes_write_nothing) {
-    constexpr int least = std::numeric_limits<int>::min();
     unsigned char src[3] = {};
     Pixels dst(4, 0xAAAAAAAA);
-    for (const auto &[width, height] : {std::pair{least, 2}, {2, least}, {-1, 2}, {2, -1}, {least, least}, {-1, -1}})
+    for (const auto &[width, height] :
+         {std::pair{leastInt, 2}, {2, leastInt}, {-1, 2}, {2, -1}, {leastInt, leastInt}, {-1, -1}})
         // 65536 shifted by 15 is the least number, which 32 bits cannot divide by -1.
         _FitOn32RAW_24RAW_Nearest(reinterpret_cast<unsigned char *>(dst.data()), width, height, 8, src, 65536, 65536,
                                   3);

@@ -1,3 +1,4 @@
+#include "plain/span_mappers.h"
 #include "screen.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 
 namespace {
 
+using plain::flatMode, plain::keyedMode, plain::litMode, plain::unlitMode;
 using test::Screen;
 using test::Surface;
 
@@ -70,7 +72,7 @@ TriangleCorners triangleOf(const QuadCorners &corners, std::size_t a, std::size_
     return {corners[a], corners[b], corners[c]};
 }
 
-constexpr q_ulong allModes[] = {0x200, 0x10100, 0x1010, 0x2210};
+constexpr q_ulong allModes[] = {litMode, keyedMode, unlitMode, flatMode};
 
 /// Expects the same of all orders of a polygon's corners.
 template <class Corners, class Draw>
@@ -95,7 +97,7 @@ TEST(i3D_Blt_Rect, corners_in_any_order_draw_the_same_polygon) {
     test::Random random(1);
     Surface texels = Surface::randomOfSize(random, 16, 16);
     for (const q_ulong flags : allModes) {
-        const int unit = flags == 0x1010 ? 1 : 16;
+        const int unit = flags == unlitMode ? 1 : 16;
         QuadCorners corners = cornersOf(0, 0, 0, 0, 12 * unit, 12 * unit);
         constexpr float places[4][2] = {{7, 1}, {14, 6}, {9, 15}, {1, 8}}; // no two of one height
         for (std::size_t i = 0; i < 4; ++i) {
@@ -129,7 +131,7 @@ TEST(i3D_Blt_Rect, a_quad_rejected_by_its_rows_leaves_the_slot_as_it_was) {
     for (const Module module : {Module::older, Module::pipeline}) {
         const auto fillsSlot = [&](float top, float bottom) {
             Screen screen;
-            drawQuad(module, screen, texels, cornersOf(2, top, 6, bottom), 0x200, {0, 4, 16, 8});
+            drawQuad(module, screen, texels, cornersOf(2, top, 6, bottom), litMode, {0, 4, 16, 8});
             EXPECT_TRUE(screen.untouched());
             return screen.older.spanMapper || screen.pipeline.spanMapper;
         };
@@ -144,8 +146,8 @@ TEST(i3D_Blt_Tri, triangles_are_not_rejected_by_their_rows) {
     Surface texels(4, 4, 0x123456);
     const TriangleCorners above = triangleOf(cornersOf(2, -9, 6, -3), 0, 1, 2);
     Screen screen;
-    drawTriangle(Module::older, screen, texels, above, 0x200);
-    drawTriangle(Module::pipeline, screen, texels, above, 0x200);
+    drawTriangle(Module::older, screen, texels, above, litMode);
+    drawTriangle(Module::pipeline, screen, texels, above, litMode);
     EXPECT_TRUE(screen.older.spanMapper != nullptr);
     EXPECT_TRUE(screen.pipeline.spanMapper != nullptr);
     EXPECT_TRUE(screen.untouched());
@@ -160,14 +162,14 @@ TEST(i3D_Blt_Rect, a_corner_on_the_line_from_top_to_bottom_lies_to_the_right) {
     corners[2].point = {4, 12, 0, 0};
     corners[3].point = {0, 8, 0, 0}; // left of it
     Screen screen;
-    drawQuad(Module::older, screen, texels, corners, 0x200);
+    drawQuad(Module::older, screen, texels, corners, litMode);
     EXPECT_EQ(screen.surface.at(3, 2), 0x123456u);
     EXPECT_EQ(screen.surface.at(3, 8), 0x123456u);
     EXPECT_EQ(screen.surface.at(4, 4), test::background);
     // Without the left corner there is nothing between the edges: both chains stand on the line.
     corners[3].point = {4, 8, 0, 0};
     Screen flat;
-    drawQuad(Module::older, flat, texels, corners, 0x200);
+    drawQuad(Module::older, flat, texels, corners, litMode);
     EXPECT_TRUE(flat.untouched());
 }
 
@@ -191,23 +193,23 @@ TEST(i3D_Blt_Rect, more_than_a_texel_for_two_pixels_is_sampled_nearest) {
     // 16 x 8 pixels: 64 texels are the most that is filtered, that is 16384 units of texture.
     const QuadCorners just = cornersOf(0, 0, 16, 8, 128, 128);
     const QuadCorners over = cornersOf(0, 0, 16, 8, 129, 128);
-    EXPECT_TRUE(drawsFiltered(Module::older, just, 0x200));
-    EXPECT_FALSE(drawsFiltered(Module::older, over, 0x200));
-    EXPECT_FALSE(drawsFiltered(Module::older, cornersOf(0, 0, 16.5F, 8.9F, 129, 128), 0x200)) << "in whole pixels";
-    EXPECT_TRUE(drawsFiltered(Module::older, just, 0x2210));
-    EXPECT_FALSE(drawsFiltered(Module::older, over, 0x2210));
-    EXPECT_TRUE(drawsFiltered(Module::pipeline, just, 0x200));
-    EXPECT_FALSE(drawsFiltered(Module::pipeline, over, 0x200));
+    EXPECT_TRUE(drawsFiltered(Module::older, just, litMode));
+    EXPECT_FALSE(drawsFiltered(Module::older, over, litMode));
+    EXPECT_FALSE(drawsFiltered(Module::older, cornersOf(0, 0, 16.5F, 8.9F, 129, 128), litMode)) << "in whole pixels";
+    EXPECT_TRUE(drawsFiltered(Module::older, just, flatMode));
+    EXPECT_FALSE(drawsFiltered(Module::older, over, flatMode));
+    EXPECT_TRUE(drawsFiltered(Module::pipeline, just, litMode));
+    EXPECT_FALSE(drawsFiltered(Module::pipeline, over, litMode));
     // The other modes do not look at the shrink.
-    EXPECT_TRUE(drawsFiltered(Module::older, over, 0x10100));
-    EXPECT_TRUE(drawsFiltered(Module::pipeline, over, 0x10100));
+    EXPECT_TRUE(drawsFiltered(Module::older, over, keyedMode));
+    EXPECT_TRUE(drawsFiltered(Module::pipeline, over, keyedMode));
 }
 
 TEST(i3D_Blt_Rect, a_polygon_without_area_goes_nearest_unless_its_texture_has_none_either) {
     const auto slotOf = [](const QuadCorners &corners) {
         Screen screen;
         Surface texels(70, 70);
-        drawQuad(Module::older, screen, texels, corners, 0x200);
+        drawQuad(Module::older, screen, texels, corners, litMode);
         return screen.older.spanMapper;
     };
     const QM3DSpanMapper nearest = slotOf(cornersOf(0, 0, 4, 4, 1000, 1000));
@@ -229,9 +231,9 @@ TEST(i3D_Blt_Rect, shrunk_positions_are_rounded_down) {
     for (PolygonCorner &corner : corners)
         corner.tex.x -= 1;
     Screen screen;
-    drawQuad(Module::older, screen, texels, corners, 0x200, everywhere, {2, 0});
+    drawQuad(Module::older, screen, texels, corners, litMode, everywhere, {2, 0});
     EXPECT_EQ(screen.surface.at(5, 5), 2u);
-    drawQuad(Module::pipeline, screen, texels, cornersOf(8, 8, 9, 9, 16, 64), 0x200, everywhere, {2, 0});
+    drawQuad(Module::pipeline, screen, texels, cornersOf(8, 8, 9, 9, 16, 64), litMode, everywhere, {2, 0});
     EXPECT_EQ(screen.surface.at(8, 8), 3u);
 }
 
@@ -240,7 +242,7 @@ TEST(i3D_Blt_Rect, plain_texels_take_positions_in_whole_texels) {
     test::Random random(1);
     Surface texels = Surface::randomOfSize(random, 40, 4);
     Screen screen;
-    drawQuad(Module::older, screen, texels, cornersOf(0, 0, 2, 2, 32, 2), 0x1010);
+    drawQuad(Module::older, screen, texels, cornersOf(0, 0, 2, 2, 32, 2), unlitMode);
     EXPECT_EQ(screen.surface.at(1, 1), texels.at(16, 1));
 }
 
@@ -250,7 +252,7 @@ TEST(i3D_Blt_Rect, every_other_mode_draws_nothing_and_leaves_the_slot_as_it_was)
     Screen screen;
     for (q_ulong mode = 0; mode <= 0xFFFF0; mode += 0x10) {
         const bool known = std::count(std::begin(allModes), std::end(allModes), mode) != 0;
-        const bool knownToPipeline = mode == 0x200 || mode == 0x10100;
+        const bool knownToPipeline = mode == litMode || mode == keyedMode;
         if (!known) {
             drawQuad(Module::older, screen, texels, corners, mode);
             drawTriangle(Module::older, screen, texels, triangleOf(corners, 0, 1, 2), mode);
@@ -261,7 +263,7 @@ TEST(i3D_Blt_Rect, every_other_mode_draws_nothing_and_leaves_the_slot_as_it_was)
     EXPECT_TRUE(screen.untouched());
     EXPECT_TRUE(screen.older.spanMapper == nullptr);
     EXPECT_TRUE(screen.pipeline.spanMapper == nullptr);
-    drawQuad(Module::older, screen, texels, corners, 0x1010);
+    drawQuad(Module::older, screen, texels, corners, unlitMode);
     const QM3DSpanMapper before = screen.older.spanMapper;
     drawQuad(Module::older, screen, texels, corners, 0);
     EXPECT_TRUE(before != nullptr && screen.older.spanMapper == before);
@@ -296,29 +298,29 @@ TEST(VKD_i3D_Blt_Tri, any_mode_but_one_calls_what_is_in_the_slot) {
     QuadCorners corners = cornersOf(2, 3, 6, 8, 4000, 4000);
     for (PolygonCorner &corner : corners)
         corner.tex.x += 160;
-    for (const q_ulong mode : {0x0u, 0x10100u, 0x1010u, 0x2210u, 0x100u, 0xFFFF0u}) {
+    for (const q_ulong mode : {0x0u, keyedMode, unlitMode, flatMode, 0x100u, 0xFFFF0u}) {
         EXPECT_TRUE(drawRecorded(triangleOf(corners, 0, 1, 2), mode) == &recordingMapper);
         ASSERT_EQ(recordedCalls.size(), 2u);
         EXPECT_EQ(recordedCalls[1].u, 160); // not shifted, however small the triangle
     }
     // The one mode replaces it.
-    EXPECT_TRUE(drawRecorded(triangleOf(cornersOf(2, 3, 6, 8), 0, 1, 2), 0x200) == &VKD_i3D_Mapping_Linear_HPE);
+    EXPECT_TRUE(drawRecorded(triangleOf(cornersOf(2, 3, 6, 8), 0, 1, 2), litMode) == &VKD_i3D_Mapping_Linear_HPE);
     EXPECT_TRUE(recordedCalls.empty());
     // And an empty slot draws nothing.
     Surface texels(4, 4, 0x123456);
     Screen screen;
-    drawTriangle(Module::pipeline, screen, texels, triangleOf(cornersOf(2, 3, 6, 8), 0, 1, 2), 0x10100);
+    drawTriangle(Module::pipeline, screen, texels, triangleOf(cornersOf(2, 3, 6, 8), 0, 1, 2), keyedMode);
     EXPECT_TRUE(screen.untouched());
 }
 
 TEST(VKD_i3D_Blt_Rect, the_slot_holds_the_mapper_that_drew) {
     Surface texels(70, 70, 0x123456);
     Screen screen;
-    drawQuad(Module::pipeline, screen, texels, cornersOf(2, 3, 6, 8), 0x200);
+    drawQuad(Module::pipeline, screen, texels, cornersOf(2, 3, 6, 8), litMode);
     EXPECT_TRUE(screen.pipeline.spanMapper == &VKD_i3D_Mapping_Linear_HPE);
-    drawQuad(Module::pipeline, screen, texels, cornersOf(2, 3, 6, 8, 1000, 1000), 0x200);
+    drawQuad(Module::pipeline, screen, texels, cornersOf(2, 3, 6, 8, 1000, 1000), litMode);
     EXPECT_TRUE(screen.pipeline.spanMapper == &VKD_i3D_Mapping_Near_HPE);
-    drawQuad(Module::pipeline, screen, texels, cornersOf(2, 3, 6, 8, 1000, 1000), 0x10100);
+    drawQuad(Module::pipeline, screen, texels, cornersOf(2, 3, 6, 8, 1000, 1000), keyedMode);
     EXPECT_TRUE(screen.pipeline.spanMapper == &VKD_i3D_Mapping_Linear_HPE_KeySrc);
 }
 
@@ -363,7 +365,7 @@ TEST(i3D_Blt_Tri, polygons_that_share_edges_leave_no_gap_and_do_not_overlap) {
                 const float dy = i % cells == 0 ? 0 : random.realBetween(-1.8F, 1.8F);
                 grid[i][j] = {{static_cast<float>(9 * j) + dx, static_cast<float>(9 * i) + dy, 100, 0}, {0, 0}, 0, 256};
             }
-        for (const q_ulong flags : {0x200u, 0x2210u}) {
+        for (const q_ulong flags : {litMode, flatMode}) {
             Surface counts(size, size);
             const auto count = [&](const Screen &screen) {
                 counts = painted(counts, whole, [&](int x, int y) {
@@ -378,7 +380,7 @@ TEST(i3D_Blt_Tri, polygons_that_share_edges_leave_no_gap_and_do_not_overlap) {
                     Screen quad(size, size, 0);
                     drawTriangle(Module::older, upper, texels, triangleOf(cell, 0, 1, 3), flags, whole);
                     drawTriangle(Module::older, lower, texels, triangleOf(cell, 3, 1, 2), flags, whole);
-                    drawQuad(Module::pipeline, quad, texels, cell, 0x200, whole);
+                    drawQuad(Module::pipeline, quad, texels, cell, litMode, whole);
                     count(upper);
                     count(lower);
                     count(quad);

@@ -1,30 +1,14 @@
-#include <q_Mur.h>
+#include "pipeline/host.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-
 namespace {
 
-/// A host's record with frame and limits of its own.
-class Host {
-public:
-    Host() {
-        data.frameGeometry = &frame;
-        data.limits3D = &limits;
-    }
-    ~Host() { DeleteMemoryBlocks(&data); }
-    Host(const Host &) = delete;
-    Host &operator=(const Host &) = delete;
+using test::addressOf;
 
-    _TRANSFERDATA data = {};
-    TransferFrameGeometry frame = {{0, 0, 0}, 1000, 50};
-    TransferLimits3D limits = {11, 22, 300, 0};
+struct Host : test::HostRecord {
+    Host() : HostRecord(1000, 50, 0, 300) {}
 };
-
-std::uintptr_t addressOf(const void *pointer) {
-    return reinterpret_cast<std::uintptr_t>(pointer);
-}
 
 TEST(GetPrivate_QM3D_Data, null_record_gives_null) {
     EXPECT_EQ(GetPrivate_QM3D_Data(nullptr, 0), nullptr);
@@ -32,11 +16,11 @@ TEST(GetPrivate_QM3D_Data, null_record_gives_null) {
 
 TEST(GetPrivate_QM3D_Data, one_block_holds_record_arrays_and_plane_in_order) {
     Host host;
-    const _PRIVATE_QM3D_DATA *block = GetPrivate_QM3D_Data(&host.data, 0);
+    const _PRIVATE_QM3D_DATA *block = GetPrivate_QM3D_Data(&host.record, 0);
     ASSERT_NE(block, nullptr);
-    EXPECT_EQ(host.data.blockCount, 1);
-    EXPECT_EQ(host.data.blocks[0]->work, block);
-    EXPECT_EQ(host.data.blocks[0]->size, sizeof(_PRIVATE_QM3D_DATA) + 2 * 300 * 4 + 1000 * 2);
+    EXPECT_EQ(host.record.blockCount, 1);
+    EXPECT_EQ(host.record.blocks[0]->work, block);
+    EXPECT_EQ(host.record.blocks[0]->size, sizeof(_PRIVATE_QM3D_DATA) + 2 * 300 * 4 + 1000 * 2);
     EXPECT_EQ(addressOf(block->vertexArray0), addressOf(block) + sizeof(_PRIVATE_QM3D_DATA));
     EXPECT_EQ(addressOf(block->vertexArray1), addressOf(block->vertexArray0) + 300 * 4);
     EXPECT_EQ(addressOf(block->zPlane), addressOf(block->vertexArray1) + 300 * 4);
@@ -49,12 +33,12 @@ TEST(GetPrivate_QM3D_Data, one_block_holds_record_arrays_and_plane_in_order) {
 
 TEST(GetPrivate_QM3D_Data, a_block_that_cannot_be_had_gives_null_and_drops_all) {
     Host host;
-    ASSERT_NE(FindNotUsedMemory(&host.data, 0, 16), nullptr);
+    ASSERT_NE(FindNotUsedMemory(&host.record, 0, 16), nullptr);
     host.limits.vertexArrayEntries = 0x30000000; // more than 2 GB, and less than nothing in 32 bits
-    EXPECT_EQ(GetPrivate_QM3D_Data(&host.data, 1), nullptr);
-    EXPECT_EQ(host.data.blockCount, 0);
-    EXPECT_EQ(host.data.blocks[0], nullptr);
-    EXPECT_EQ(host.data.blocks[1], nullptr);
+    EXPECT_EQ(GetPrivate_QM3D_Data(&host.record, 1), nullptr);
+    EXPECT_EQ(host.record.blockCount, 0);
+    EXPECT_EQ(host.record.blocks[0], nullptr);
+    EXPECT_EQ(host.record.blocks[1], nullptr);
 }
 
 } // namespace

@@ -1,16 +1,14 @@
+#include "support/numbers.h"
 #include "walks/stretch.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <limits>
 #include <string>
 
 namespace {
 
 using namespace qmur;
-
-constexpr int largest = std::numeric_limits<int>::max();
 
 TEST(stretchInside, is_what_a_test_at_each_position_finds) {
     for (int start = -6; start <= 6; ++start)
@@ -53,7 +51,9 @@ TEST(forEachInside, calls_one_of_the_two_for_each_position_in_order_where_a_wrap
     EXPECT_EQ(walked({0, 10, {5, 5}}, everywhere, 3), "abc");
     EXPECT_EQ(walked(everywhere, everywhere, 0), "");
     EXPECT_EQ(walked(everywhere, everywhere, -1), "");
-    EXPECT_EQ(walked({largest - 1, 1, {-1LL - largest, -1LL - largest + 2}}, everywhere, 5), "abCDe");
+    EXPECT_EQ(
+        walked({test::greatestInt - 1, 1, {-1LL - test::greatestInt, -1LL - test::greatestInt + 2}}, everywhere, 5),
+        "abCDe");
 }
 
 } // namespace

@@ -4,14 +4,11 @@
 
 namespace {
 
-using test::blank;
-using test::painted;
-using test::place;
-using test::Surface;
+using namespace test;
 
 /// A stroke over nothing that reveals pixels which tell their place.
 Surface stroke(int x1, int y1, int x2, int y2, int width) {
-    Surface src = test::placesOf(12, 12);
+    Surface src = placesOf(12, 12);
     Surface dst = blank(12, 12);
     ImageLine(dst.pixels(), src.pixels(), dst.pitch(), x1, y1, x2, y2, width);
     return dst;

@@ -7,12 +7,7 @@
 
 namespace {
 
-using test::blank;
-using test::painted;
-using test::place;
-using test::placesOf;
-using test::Surface;
-using test::untouched;
+using namespace test;
 
 /// A corner on the destination and on the source.
 struct Corner {

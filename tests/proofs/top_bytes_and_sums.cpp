@@ -1,0 +1,258 @@
+#include "proofs.h"
+
+#include <algorithm>
+
+namespace proofs {
+namespace {
+
+using catalogue::Sums;
+using catalogue::TopByte;
+
+bool has(const Row &row, std::initializer_list<Kind> kinds) {
+    return std::any_of(row.arguments.begin(), row.arguments.end(), [kinds](const Argument &argument) {
+        return std::find(kinds.begin(), kinds.end(), argument.kind) != kinds.end();
+    });
+}
+
+std::string_view reason(const Row &row) {
+    if (row.topByte == TopByte::noPixels)
+        return "draws no pixels";
+    return has(row, {Kind::destination}) ? "" : "draws on what a private block names";
+}
+
+/// The pixel that an argument's pixel becomes.
+using Change = q_ulong (*)(Kind kind, q_ulong pixel);
+
+/// Changes all pixels and colours that a call gets. The levels of single channels go through as if they were grey.
+void change(Call &call, Change changed) {
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        const Argument &argument = call.row().arguments[i];
+        switch (argument.kind) {
+        case Kind::destination:
+        case Kind::source:
+        case Kind::scratch:
+        case Kind::colours:
+            if (call[i].is<Plane>()) {
+                const std::span<std::byte> bytes = call[i].plane().bytes();
+                auto *words = static_cast<q_ulong *>(static_cast<void *>(bytes.data()));
+                for (q_ulong &word : std::span(words, bytes.size() / 4))
+                    word = changed(argument.kind, word);
+            }
+            break;
+        case Kind::plane:
+            for (std::byte &byte : call[i].plane().bytes())
+                byte = static_cast<std::byte>(changed(argument.kind, static_cast<q_ulong>(byte)));
+            break;
+        case Kind::colour:
+        case Kind::key:
+            call[i] = changed(argument.kind, call[i].word()) & static_cast<q_ulong>(argument.contract.high);
+            break;
+        default:
+            if (argument.unit == "1/255")
+                call[i] = changed(argument.kind, call[i].word() & 0xFF) & 0xFF;
+        }
+    }
+}
+
+/// A seeded call whose pixels and colours have been changed.
+Call changedCall(const Row &row, int number, Change changed) {
+    Random random(static_cast<std::uint64_t>(number));
+    Call call = catalogue::randomCall(row, random);
+    change(call, changed);
+    return call;
+}
+
+/// Runs a call and passes on each pixel of its destinations, as it was and as it is.
+template <class Visit>
+void forResults(const Call &before, Visit visit) {
+    Call after = before;
+    runSeeded(after.row().functions.library, after, 1);
+    for (std::size_t i = 0; i < after.size(); ++i) {
+        if (after.row().arguments[i].kind != Kind::destination || !after[i].is<Plane>())
+            continue;
+        const auto pixelsOf = [i](const Call &call) {
+            return static_cast<const q_ulong *>(static_cast<const void *>(call[i].plane().bytes().data()));
+        };
+        for (std::size_t k = 0; k < after[i].plane().bytes().size() / 4; ++k)
+            visit(pixelsOf(before)[k], pixelsOf(after)[k]);
+    }
+}
+
+/// Runs a call and passes on the pixels that it changes.
+template <class Visit>
+void forDrawn(const Call &before, Visit visit) {
+    forResults(before, [&visit](q_ulong was, q_ulong is) {
+        if (is != was)
+            visit(is);
+    });
+}
+
+constexpr int cases = 400;
+
+/// Whether `shows` of some pixel that some case draws.
+template <class Shows>
+bool isShown(const Row &row, Change changed, Shows shows) {
+    bool found = false;
+    for (int number = 0; number < row.cases && !found; ++number)
+        forDrawn(changedCall(row, number, changed), [&](q_ulong pixel) { found = found || shows(pixel); });
+    return found;
+}
+
+/// Expects `holds` of every pixel that is drawn.
+template <class Holds>
+void expectOfAll(const Row &row, Change changed, const char *what, Holds holds) {
+    for (int number = 0; number < cases; ++number) {
+        const Call call = changedCall(row, number, changed);
+        bool stays = true;
+        q_ulong last = 0;
+        forDrawn(call, [&](q_ulong pixel) {
+            if (stays)
+                last = pixel;
+            stays = stays && holds(pixel);
+        });
+        ASSERT_TRUE(stays) << what << ", case " << number << ": " << std::hex << last << "\n" << described(call);
+    }
+}
+
+/// Whether what two changes lead to ever differs in the bits of `mask`, in which they do not differ themselves.
+bool differ(const Row &row, Change one, Change other, q_ulong mask, void (*prepare)(Call &)) {
+    const auto resultsOf = [mask](const Call &call) {
+        std::vector<q_ulong> all;
+        forResults(call, [&](q_ulong, q_ulong is) { all.push_back(is & mask); });
+        return all;
+    };
+    for (int number = 0; number < row.cases; ++number) {
+        Call calls[] = {changedCall(row, number, one), changedCall(row, number, other)};
+        for (Call &call : calls)
+            prepare(call);
+        if (resultsOf(calls[0]) != resultsOf(calls[1]))
+            return true;
+    }
+    return false;
+}
+
+// Top bytes that tell where they come from.
+
+constexpr q_ulong ofDestination = 0x5A;
+constexpr q_ulong ofSource = 0xA5;
+constexpr q_ulong ofColour = 0x3C;
+
+q_ulong marked(Kind kind, q_ulong pixel) {
+    const q_ulong mark = kind == Kind::destination                       ? ofDestination
+                         : kind == Kind::source || kind == Kind::scratch ? ofSource
+                                                                         : ofColour;
+    return mark << 24 | (pixel & 0xFFFFFF);
+}
+
+q_ulong unchanged(Kind, q_ulong pixel) {
+    return pixel;
+}
+q_ulong withoutTopByte(Kind, q_ulong pixel) {
+    return pixel & 0xFFFFFF;
+}
+
+void proveTopByte(const Row &row) {
+    const auto isFrom = [](q_ulong origin) { return [origin](q_ulong pixel) { return pixel >> 24 == origin; }; };
+    switch (row.topByte) {
+    case TopByte::cleared:
+        expectOfAll(row, marked, "the top byte is not cleared", isFrom(0));
+        break;
+    case TopByte::clearedByLight:
+        expectOfAll(row, marked, "the top byte is neither cleared nor full nor copied",
+                    [](q_ulong pixel) { return pixel >> 24 == 0 || pixel >> 24 == 0xFF || pixel >> 24 == ofSource; });
+        EXPECT_TRUE(isShown(row, marked, isFrom(0)));
+        break;
+    case TopByte::copied:
+        expectOfAll(row, marked, "the top byte is not copied", [](q_ulong pixel) {
+            return pixel >> 24 == ofSource || pixel >> 24 == ofColour || pixel >> 24 == 0;
+        });
+        EXPECT_TRUE(isShown(row, marked, isFrom(ofSource)));
+        break;
+    case TopByte::blended:
+        expectOfAll(row, marked, "the top byte is not blended",
+                    [](q_ulong pixel) { return pixel >> 24 >= ofColour - 2 && pixel >> 24 <= ofSource; });
+        break;
+    case TopByte::setByColour:
+        expectOfAll(row, marked, "the top byte is not the colour's",
+                    [](q_ulong pixel) { return pixel >> 24 == ofColour || pixel >> 24 == 0; });
+        EXPECT_TRUE(isShown(row, marked, isFrom(ofColour)));
+        break;
+    case TopByte::disturbsRed:
+        EXPECT_TRUE(differ(row, unchanged, withoutTopByte, 0xFF0000, [](Call &) {}))
+            << "the top byte does not disturb red";
+        break;
+    case TopByte::noPixels:
+        break;
+    }
+}
+
+// Channels that a sum keeps to, or leaves.
+
+/// Below 64, and so is whatever is mixed of such.
+q_ulong dark(Kind kind, q_ulong pixel) {
+    return pixel & (kind == Kind::plane ? 0x3F : 0xFF3F3F3F);
+}
+q_ulong darkWithoutTopByte(Kind, q_ulong pixel) {
+    return pixel & 0x3F3F3F;
+}
+/// From 240 to 254, so that only a sum is 255.
+q_ulong bright(Kind, q_ulong pixel) {
+    return (pixel | 0xF0F0F0) & 0xFFFEFEFE;
+}
+/// What is not 0, as keys are, stays so without blue.
+q_ulong withRed(Kind, q_ulong pixel) {
+    return pixel == 0 ? 0 : pixel | 0x010000;
+}
+q_ulong withRedWithoutBlue(Kind kind, q_ulong pixel) {
+    return withRed(kind, pixel) & 0xFFFFFF00;
+}
+/// Opacities beyond 256, where they are allowed.
+void strengthen(Call &call) {
+    for (std::size_t i = 0; i < call.size(); ++i)
+        if (call.row().arguments[i].kind == Kind::number && call.row().arguments[i].unit == "1/256")
+            call[i] = std::min(400.0, call.row().arguments[i].contract.high);
+}
+
+/// Whether a predicate holds of one of the channels.
+template <class Holds>
+bool anyChannel(q_ulong pixel, Holds holds) {
+    return holds(pixel >> 16 & 0xFF) || holds(pixel >> 8 & 0xFF) || holds(pixel & 0xFF);
+}
+
+void proveSums(const Row &row) {
+    switch (row.sums) {
+    case Sums::stayInside:
+        expectOfAll(row, row.topByte == TopByte::disturbsRed ? darkWithoutTopByte : dark, "a sum leaves its channel",
+                    [](q_ulong pixel) { return !anyChannel(pixel, [](q_ulong channel) { return channel > 63; }); });
+        break;
+    case Sums::saturate:
+        EXPECT_TRUE(isShown(row, bright, [](q_ulong pixel) {
+            return anyChannel(pixel, [](q_ulong channel) { return channel == 255; });
+        })) << "no sum is cut at 255";
+        break;
+    case Sums::wrap:
+        EXPECT_TRUE(isShown(row, bright, [](q_ulong pixel) {
+            return anyChannel(pixel, [](q_ulong channel) { return channel < 128; });
+        })) << "no sum wraps";
+        break;
+    case Sums::carryOver:
+        EXPECT_TRUE(differ(row, withRed, withRedWithoutBlue, 0xFFFFFF00, strengthen))
+            << "no carry comes into the next channel";
+        break;
+    case Sums::none:
+        break;
+    }
+}
+
+/// What a row says of the top byte and of sums is so in seeded cases.
+void prove(const Row &row) {
+    proveTopByte(row);
+    if (has(row, {Kind::source, Kind::colour, Kind::colours, Kind::plane}))
+        proveSums(row);
+}
+
+} // namespace
+
+const Proof topBytesAndSums = {"top_bytes_and_sums_are_as_the_row_says", reason, prove};
+
+} // namespace proofs
