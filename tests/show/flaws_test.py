@@ -161,6 +161,15 @@ class Specks(FlawTest):
                 with self.subTest(effect, frame=number):
                     self.assertEqual(specks(self.frame(effect, number), bound), [])
 
+    def test_the_inside_of_a_cylinder_does_not_show_beside_its_outside(self):
+        """A warm photograph is wound around a cool one: no pixel across is cooler than those beside it."""
+        for number in (112, 114, 116):
+            with self.subTest(frame=number):
+                picture = self.frame("cylinder", number)
+                for y in range(50, 130):
+                    cool = [blue - red for red, _, blue in picture.cut(0, y, picture.width, 1).pixels]
+                    self.assertFalse([x for x in range(1, 319) if cool[x] > max(cool[x - 1], cool[x + 1]) + 5])
+
     def test_no_seam_runs_through_the_frame(self):
         for effect in EVEN:
             for number in SCENE_MOMENTS if effect in SCENES else (106, 112, 115):
