@@ -3,6 +3,7 @@
 #include "painting.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 
 namespace show {
@@ -12,6 +13,10 @@ namespace {
 constexpr float openingDegrees = 36;
 /// As near as a mesh may come, in canvas heights before the plane of the picture.
 constexpr float nearest = 1.2F;
+/// By how much depths differ that must not be taken for each other.
+constexpr int nearer = 2;
+/// How many pixels of the canvas wide cells are at most that are seen from the side.
+constexpr double thin = 3;
 
 /// iBltNear32() holds sources of fewer than 4096 pixels.
 constexpr int widestTile = 2048;
@@ -31,9 +36,9 @@ _POINT3D ambientOf(const MeshLight &light) {
 
 } // namespace
 
-Mesh Mesh::over(double width, double height, double cellSize) {
-    const int rows = cells(height, cellSize) + 1;
-    const int columns = cells(width, cellSize) + 1;
+Mesh Mesh::over(double width, double height, double cellWidth, double cellHeight) {
+    const int rows = cells(height, cellHeight) + 1;
+    const int columns = cells(width, cellWidth) + 1;
     return {rows, columns, std::vector<_POINT3DFLOAT>(static_cast<std::size_t>(rows * columns))};
 }
 
@@ -91,6 +96,57 @@ void MeshCanvas::draw(Mesh &mesh, const Surface &front, const Surface &back, con
     VKD_Render_Texture_3D(data, canvas.pixels, front.pixels, back.pixels, &clip, &picture, canvas.unsignedPitch(),
                           front.unsignedPitch(), mesh.data(), mesh.rows, mesh.columns, &direction, nullptr, &ambient,
                           static_cast<float>(light.specular), light.shininess);
+    drawOutline(mesh, front);
+}
+
+void MeshCanvas::drawOutline(const Mesh &mesh, const Surface &front) const {
+    const int rows = mesh.rows - 1;
+    const int columns = mesh.columns - 1;
+    for (int row = 0; row < rows; ++row) {
+        // Positive where the front is seen.
+        const auto widthOf = [&](int column) {
+            const _POINT3DFLOAT &a = mesh.at(row, column);
+            const _POINT3DFLOAT &b = mesh.at(row, column + 1);
+            const _POINT3DFLOAT &c = mesh.at(row + 1, column + 1);
+            const double x = c.x - b.x;
+            const double y = c.y - b.y;
+            return ((b.x - a.x) * y - (b.y - a.y) * x) / (std::sqrt(x * x + y * y) + 1);
+        };
+        for (int column = 0; column < columns; ++column) {
+            const double width = widthOf(column);
+            const bool isFront = width > 0;
+            const bool bordersOther = (column > 0 && (widthOf(column - 1) > 0) != isFront) ||
+                                      (column + 1 < columns && (widthOf(column + 1) > 0) != isFront);
+            if (bordersOther && width > -thin)
+                drawCell(mesh, front, row, column);
+        }
+    }
+}
+
+void MeshCanvas::drawCell(const Mesh &mesh, const Surface &picture, int row, int column) const {
+    const int rows = mesh.rows - 1;
+    const int columns = mesh.columns - 1;
+    const int left = column * picture.width / columns * 16;
+    const int right = (column + 1) * picture.width / columns * 16;
+    const int top = row * picture.height / rows * 16;
+    const int bottom = (row + 1) * picture.height / rows * 16;
+    _POINTINT texels[] = {{left, top}, {right, top}, {right, bottom}, {left, bottom}};
+    const int first = row * mesh.columns + column;
+    const int vertices[] = {first, first + 1, first + 1 + mesh.columns, first + mesh.columns};
+    _POINT3DFLOAT points[4];
+    int add[4];
+    int mul[4];
+    for (int i = 0; i < 4; ++i) {
+        points[i] = mesh.points[static_cast<std::size_t>(vertices[i])];
+        points[i].z -= nearer;
+        add[i] = data->vertexArray0[vertices[i]];
+        mul[i] = data->vertexArray1[vertices[i]];
+    }
+    tagRECT clip = canvas.rect();
+    constexpr q_ulong filtered = 0x200;
+    VKD_i3D_Blt_Rect(data, canvas.pixels, &points[0], &points[1], &points[2], &points[3], picture.pixels, &texels[0],
+                     &texels[1], &texels[2], &texels[3], &clip, canvas.unsignedPitch(), picture.unsignedPitch(), add[0],
+                     add[1], add[2], add[3], mul[0], mul[1], mul[2], mul[3], filtered);
 }
 
 void MeshCanvas::drawRim(const Mesh &mesh, q_ulong colour) const {
@@ -104,7 +160,8 @@ void MeshCanvas::drawRim(const Mesh &mesh, q_ulong colour) const {
         const auto end = [&](int vertex) {
             const _POINT3DFLOAT &point = mesh.points[static_cast<std::size_t>(vertex)];
             // Before the picture, which has the same depth.
-            return _POINT3D{static_cast<int>(point.x), static_cast<int>(point.y), static_cast<int>(point.z) - 2, 0};
+            return _POINT3D{static_cast<int>(point.x), static_cast<int>(point.y),
+                            static_cast<int>(point.z) - 2 * nearer, 0};
         };
         _POINT3D a = end(from);
         _POINT3D b = end(to);

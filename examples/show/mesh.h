@@ -13,8 +13,8 @@ namespace show {
 
 /// A grid of points, row after row.
 struct Mesh {
-    /// With cells of about `cellSize`, of a picture of `width` by `height`, but at least a few.
-    static Mesh over(double width, double height, double cellSize);
+    /// With cells of about `cellWidth` by `cellHeight`, of a picture of `width` by `height`, but at least a few.
+    static Mesh over(double width, double height, double cellWidth, double cellHeight);
 
     _POINT3DFLOAT *data() { return points.data(); }
     _POINT3DFLOAT &at(int row, int column) { return points[static_cast<std::size_t>(row * columns + column)]; }
@@ -85,6 +85,11 @@ public:
     void finish(const Surface &out) const { drawHalved(out, canvas); }
 
 private:
+    /// Draws again, a little nearer to the viewer, the cells beside which the mesh turns its back: where both sides
+    /// have the same depth, the front is to be seen.
+    void drawOutline(const Mesh &mesh, const Surface &front) const;
+    void drawCell(const Mesh &mesh, const Surface &picture, int row, int column) const;
+
     PlaneLayout layout;
     TransferFrameGeometry geometry = {};
     TransferLimits3D limits = {};

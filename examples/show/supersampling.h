@@ -13,12 +13,13 @@ namespace show {
 /// Fills `out`, of the stage's size, with the means of four pixels each, or of 16 with a `factor` of 4. The picture
 /// that is so many times as large is drawn in parts, of which each fits on a plane: `draw(part, left, top)` is to fill
 /// `part`, whose first pixel is the large picture's pixel (`left`, `top`). The parts overlap by a rim, since many
-/// drawings leave out the end of what they are clipped by. So the large picture begins before (0, 0).
-template <int factor = 2, class Draw>
-void drawSupersampled(Stage &stage, const Surface &out, const Draw &draw) {
+/// drawings leave out the end of what they are clipped by. So the large picture begins before (0, 0). A part of `out`
+/// is left to `isFilled(area)` if that answers true; it must fill it then, since its neighbours write over its edges.
+template <int factor = 2, class Draw, class IsFilled>
+void drawSupersampled(Stage &stage, const Surface &out, const Draw &draw, const IsFilled &isFilled) {
     static_assert(factor == 2 || factor == 4);
     constexpr int rim = factor;
-    constexpr int parts = factor == 2 ? 2 : 5; // small enough for a plane, with the rim and what filters read beyond
+    constexpr int parts = factor == 2 ? 2 : 8; // small enough for a plane, with the rim and what filters read beyond
     const Stage::Plane plane = stage.plane();
     const Stage::Plane between = stage.plane();
     const auto start = [](int extent, int part) { return static_cast<int>((extent + parts - 1LL) * part / parts); };
@@ -28,7 +29,7 @@ void drawSupersampled(Stage &stage, const Surface &out, const Draw &draw) {
             const int top = start(out.height, row);
             const int width = std::min(start(out.width, column + 1), out.width) - left;
             const int height = std::min(start(out.height, row + 1), out.height) - top;
-            if (width <= 0 || height <= 0)
+            if (width <= 0 || height <= 0 || isFilled(tagRECT{left, top, left + width, top + height}))
                 continue;
             const Surface wide = {plane->at(-rim, -rim), factor * width + 2 * rim, factor * height + 2 * rim,
                                   plane->pitch};
@@ -42,6 +43,11 @@ void drawSupersampled(Stage &stage, const Surface &out, const Draw &draw) {
             }
             drawView({out.at(left, top), width, height, out.pitch}, large, {0.5, 0.5, 2.0 * width, 2.0 * height});
         }
+}
+
+template <int factor = 2, class Draw>
+void drawSupersampled(Stage &stage, const Surface &out, const Draw &draw) {
+    drawSupersampled<factor>(stage, out, draw, [](const tagRECT &) { return false; });
 }
 
 /// Fills a part of the picture `factor` times as large with `picture`, each of its pixels so often. Around the edges of

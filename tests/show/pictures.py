@@ -28,25 +28,16 @@ def chunk(kind, data):
 
 
 def png_bytes(picture):
-    rows = b"".join(
-        b"\0" + b"".join(bytes(picture.at(x, y)) for x in range(picture.width)) for y in range(picture.height)
-    )
-    header = struct.pack(">IIBBBBB", picture.width, picture.height, 8, 2, 0, 0, 0)
-    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b"")
+    rows = [b"".join(map(bytes, picture.cut(0, y, picture.width, 1).pixels)) for y in range(picture.height)]
+    return png_of(picture.width, picture.height, 8, 2, rows)
 
 
 def bmp_bytes(picture):
     padding = b"\0" * (-3 * picture.width % 4)
-    rows = b"".join(
-        b"".join(bytes(reversed(picture.at(x, y))) for x in range(picture.width)) + padding
-        for y in reversed(range(picture.height))
-    )
-    return (
-        b"BM"
-        + struct.pack("<IHHI", 54 + len(rows), 0, 0, 54)
-        + struct.pack("<IiiHHIIiiII", 40, picture.width, picture.height, 1, 24, 0, len(rows), 2835, 2835, 0, 0)
-        + rows
-    )
+    rows = b"".join(b"".join(bytes(reversed(picture.at(x, y))) for x in range(picture.width)) + padding
+                    for y in reversed(range(picture.height)))
+    sizes = (40, picture.width, picture.height, 1, 24, 0, len(rows), 2835, 2835, 0, 0)
+    return b"BM" + struct.pack("<IHHI", 54 + len(rows), 0, 0, 54) + struct.pack("<IiiHHIIiiII", *sizes) + rows
 
 
 def paeth(left, above, corner):
@@ -56,8 +47,7 @@ def paeth(left, above, corner):
 
 
 def read_png(path):
-    with open(path, "rb") as file:
-        data = file.read()
+    data = path.read_bytes()
     assert data[:8] == b"\x89PNG\r\n\x1a\n", f"{path} is no PNG file"
     place = 8
     compressed = b""
@@ -91,11 +81,6 @@ def read_png(path):
         pixels += [tuple(row[i : i + 3]) for i in range(0, size, 3)]
         previous = row
     return Picture(width, height, pixels)
-
-
-def with_orientation(jpeg, orientation):
-    """The JPEG file with an Exif segment that notes how the camera was held."""
-    return with_exif(jpeg, b"Exif\0\0" + exif(orientation))
 
 
 def with_exif(jpeg, segment):

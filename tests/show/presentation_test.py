@@ -1,11 +1,8 @@
 #!/usr/bin/env python3
-"""What people ask of a show: photographs whole or filling the frame, a title, captions, and effects without choosing.
-
-    presentation_test.py --program build/linux/bin/qmur-show --photos tests/show/photos [name of a test ...]
-"""
+"""What people ask of a show: photographs whole or filling the frame, a title, captions, and effects without choosing."""
 
 from pictures import Picture, exif, iptc, jpeg_bytes, png_bytes, read_png, segment, with_exif
-from running import ShowTest, four_photos, read_options, run_tests
+from running import ShowTest, four_photos, run_tests
 
 RED, GREEN, BLUE, WHITE = (220, 20, 20), (20, 200, 20), (20, 20, 220), (255, 255, 255)
 
@@ -72,9 +69,6 @@ class Fit(Presentation):
         self.assertTrue(self.shows_all(self.frame(self.photograph("landscape.png", 300, 200), *arguments)))
         self.assertFalse(self.shows_all(self.frame(self.photograph("portrait.png", 200, 300), *arguments)))
 
-    def test_another_word_is_refused(self):
-        self.assert_refused([four_photos()[0], "--fit", "stretch", "-o", "out.png"], "--fit stretch")
-
 
 class Letters(Presentation):
     arguments = ("--size", "320x180", "--fps", 2, "--seconds", 4, "--effects", "pan,cross-fade")
@@ -106,14 +100,9 @@ class Letters(Presentation):
         arguments = ("--title", "Holidays", "--subtitle", "by the sea")
         self.assertGreater(sum(self.lettering(*arguments, number=4)), 500)
         self.assertEqual(sum(self.lettering(*arguments, number=12)), 0)
-
-    def test_another_title_looks_different(self):
         arguments = ("a.png", *self.arguments)
         self.assertNotEqual(self.frame(*arguments, "--title", "Holidays", number=4),
                             self.frame(*arguments, "--title", "Weekend", number=4))
-
-    def test_a_subtitle_without_a_title_is_refused(self):
-        self.assert_refused(["a.png", "--subtitle", "x", "-o", "out.png"], "--subtitle")
 
     def test_captions_stand_below_their_own_photographs(self):
         (self.directory / "captions.txt").write_text("\nAt the sea\n", encoding="utf-8")
@@ -157,11 +146,13 @@ class Letters(Presentation):
         self.assertEqual(frame(noted(description=b"other"), "--comments", "--caption", "captions.txt"), captioned("sea"))
         self.assertEqual(frame(noted(description=b"other")), frame(jpeg), "nobody asked for it")
 
-    def test_captions_that_cannot_be_read_are_named(self):
-        self.assert_refused(["a.png", "--caption", "none.txt", "-o", "out.png"], "none.txt")
-
 
 class Defaults(Presentation):
+    def test_what_makes_no_sense_is_refused(self):
+        for option, value, reason in (("--fit", "stretch", "--fit stretch"), ("--subtitle", "x", "--subtitle"),
+                                      ("--caption", "none.txt", "none.txt")):
+            self.assert_refused([four_photos()[0], option, value, "-o", "out.png"], reason)
+
     def test_each_photograph_is_shown_once(self):
         for count in (1, 2, 5, 23):
             names = [self.photograph(f"{i}.png", 32, 18) for i in range(count)]
@@ -175,5 +166,4 @@ class Defaults(Presentation):
 
 
 if __name__ == "__main__":
-    options = read_options()
-    run_tests([Fit, Letters, Defaults], options.names)
+    run_tests([Fit, Letters, Defaults])

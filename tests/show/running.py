@@ -1,7 +1,14 @@
-"""How the tests of qmur-show run it: as a person would, in an empty directory."""
+"""How the tests of qmur-show run it: as a person would, in an empty directory. Each of them is called so:
+
+    files_test.py --program build/linux/bin/qmur-show --photos photos [--emulator cmake/under-wine] [name of a test ...]
+"""
 
 import argparse
 import hashlib
+import os
+import re
+import resource
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -36,6 +43,11 @@ def is_for_windows():
 
 def is_sanitized():
     return b"__asan_init" in program.read_bytes()
+
+
+def limited(kind, size):
+    """What lets run_program() run the program under a limit."""
+    return {"preexec_fn": lambda: resource.setrlimit(kind, (size, size))}
 
 
 def sha256(path):
@@ -80,16 +92,48 @@ class ShowTest(unittest.TestCase):
             self.assertLess(time.monotonic(), deadline, "nothing happened for a minute")
             time.sleep(0.02)
 
-    def assert_refused(self, arguments, reason, **options):
+    def assert_fails(self, arguments, reason, **options):
+        """The last line says why, and all files are as before."""
         before = self.contents()
+        data = {path: path.read_bytes() for path in self.directory.iterdir() if path.is_file()}
         result = self.run_program(*arguments, **options)
         self.assertEqual(result.returncode, 2, f"{arguments}: {result.stderr}")
-        lines = result.stderr.splitlines()
-        self.assertEqual(len(lines), 1, result.stderr)
-        self.assertTrue(lines[0].startswith("qmur-show: "), lines[0])
-        self.assertIn(reason, lines[0])
+        self.assertRegex(result.stderr.splitlines()[-1], f"^qmur-show: .*{re.escape(reason)}")
         self.assertEqual(result.stdout, "")
         self.assertEqual(self.contents(), before)
+        for path, content in data.items():
+            self.assertEqual(path.read_bytes(), content, path)
+        return result
+
+    def assert_refused(self, arguments, reason, **options):
+        """As early as that, and in one line."""
+        result = self.assert_fails(arguments, reason, **options)
+        self.assertEqual(len(result.stderr.splitlines()), 1, result.stderr)
+
+    def probe(self, name):
+        """What ffprobe finds in a film, as pairs of a name and a value."""
+        fields = "codec_type,codec_name,width,height,r_frame_rate,nb_read_packets,duration"
+        text = subprocess.run(["ffprobe", "-loglevel", "error", "-count_packets", "-show_entries",
+                               f"stream={fields}:format=duration", "-of", "default=noprint_wrappers=1", name],
+                              cwd=self.directory, capture_output=True, text=True, check=True).stdout
+        return [tuple(line.split("=")) for line in text.splitlines()]
+
+    def fake_ffmpeg(self, script, otherwise='exec "$real" "$@"'):
+        """The environment with a program of the real one's name that does something else when it is fed with frames."""
+        tools = self.directory / "tools"
+        tools.mkdir(exist_ok=True)
+        (tools / "ffmpeg").write_text(f'#!/bin/sh\nfor file; do :; done; file=${{file#file:}}; real="{shutil.which("ffmpeg")}"\n'
+                                      f'case "$*" in *pipe:0*) {script} ;; *) {otherwise} ;; esac\n')
+        (tools / "ffmpeg").chmod(0o755)
+        return {**os.environ, "PATH": f"{tools}:{os.environ['PATH']}"}
+
+    def peak(self, *arguments, **options):
+        """The most memory that a run takes, in KiB."""
+        process = subprocess.Popen(command(*arguments), cwd=self.directory, stderr=subprocess.DEVNULL, **options)
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        self.assertEqual(process.returncode, 0)
+        return usage.ru_maxrss
 
 
 def read_options(**flags):
@@ -109,7 +153,10 @@ def read_options(**flags):
     return options
 
 
-def run_tests(classes, names):
+def run_tests(everywhere, elsewhere=(), on_windows=(), options=None):
+    """Runs the tests of classes, some of which are for builds for other systems than Windows, or for Windows alone."""
+    names = (options or read_options()).names
+    classes = [*everywhere, *(on_windows if is_for_windows() else elsewhere)]
     suite = unittest.TestSuite()
     for tests in map(unittest.defaultTestLoader.loadTestsFromTestCase, classes):
         suite.addTests(test for test in tests if not names or any(name in test.id() for name in names))

@@ -2,8 +2,9 @@
 // fills the frame.
 //
 // Uses Post3D (the cylinder), fRotate3DByY (the sheet on its way), VKD_glScalef, VKD_glRotatef, VKD_glTranslatef and
-// VKD_Mapping3Dto2D (its place in space), VKD_Render_Texture_3D with two textures, VKD_3D_Line (its rim); Blur_Rect,
-// iFadeOut32, Rect_Safe, Hor_Blur32, Ver_Blur32 and iBltFast32AlphaChannelSafe (the ground and the shadow on it).
+// VKD_Mapping3Dto2D (its place in space), VKD_Render_Texture_3D with two textures, VKD_i3D_Blt_Rect (its outline),
+// VKD_3D_Line (its rim); Blur_Rect, iFadeOut32, Rect_Safe, Hor_Blur32, Ver_Blur32 and iBltFast32AlphaChannelSafe (the
+// ground and the shadow on it).
 
 #include "../angle.h"
 #include "../effect.h"
@@ -16,7 +17,9 @@ namespace {
 constexpr double circle = radiansIn(1);
 
 class Cylinder : public Effect {
-    static constexpr double cellSize = 14;
+    // Across it is bent, and straight otherwise: longer cells have straighter edges.
+    static constexpr double cellWidth = 14;
+    static constexpr double cellHeight = 72;
 
     void render(Stage &stage, const Surface &out, const Moment &moment) const override {
         const Stage::Plane before = stage.plane();
@@ -28,7 +31,8 @@ class Cylinder : public Effect {
 
         const double t = moment.t;
         const double curl = easeGently(stretch(t, 0.0, 0.40)) * (1 - easeGently(stretch(t, 0.60, 1.0)));
-        Mesh mesh = Mesh::over(out.width, out.height, cellSize * out.height / 720);
+        const double size = out.height / 720.0;
+        Mesh mesh = Mesh::over(out.width, out.height, cellWidth * size, cellHeight * size);
         const MeshCanvas canvas(out.width, out.height, mesh.points.size());
         wind(mesh, curl, out.width, out.height);
         place(canvas, t, out.width, out.height);

@@ -34,7 +34,8 @@ class Roll : public Effect {
         copy(picture, before, {0, come, out.width, out.height});
         extendEdges(picture);
 
-        Mesh mesh = Mesh::over(out.width, out.height, cellSize * out.height / 720);
+        const double size = cellSize * out.height / 720;
+        Mesh mesh = Mesh::over(out.width, out.height, size, size);
         const MeshCanvas canvas(out.width, out.height, mesh.points.size());
         shape(mesh, bend, out.width, out.height);
         place(canvas, bend, turn, t, out.height);

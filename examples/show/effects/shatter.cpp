@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <type_traits>
 #include <vector>
 
 namespace show {
@@ -126,17 +127,19 @@ class Shatter : public Effect {
         dim(ground, mix(0.55, 1, easeInOut(stretch(moment.t, 0.15, 0.95))));
         castShadows(stage, ground, flights, space.scale());
 
-        // The pane in every gloss, and the colour of its broken edges.
+        // The pane in every gloss, where shards have it, and the colour of its broken edges.
         const Stage::Plane plane = stage.plane();
         drawShot(stage, plane, moment.a);
         const std::array<Stage::Plane, glosses.size()> panes = {
             stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane()};
         const Stage::Plane edges = stage.plane();
         fill(edges, 0xFFFFFF);
-        for (std::size_t i = 0; i < glosses.size(); ++i) {
-            copy(panes[i], plane);
-            dim(panes[i], glosses[i].brightness);
-            blend(panes[i], edges, glosses[i].glare);
+        for (const Flight &flight : flights) {
+            const Surface &pane = panes[flight.gloss];
+            const tagRECT area = boundsOf(flight.texels, out);
+            copy(pane, plane, area);
+            dim(pane, area, glosses[flight.gloss].brightness);
+            blend(pane, edges, area, glosses[flight.gloss].glare);
         }
         fill(edges, glassEdge);
         blend(edges, plane, 0.4);
@@ -154,11 +157,14 @@ class Shatter : public Effect {
         // Cracks are thin, and shards that are seen edge-on thinner still: the finer, the less they break up into dots.
         const auto drawPart = [&]<int factor>(const Surface &part, int left, int top) {
             drawEnlarged<factor>(part, ground, left, top);
+            // Onto whole pixels, by the same rule in every part.
             const auto placed = [&](const Corners &corners) {
                 Corners moved = corners;
                 for (_POINT3DFLOAT &corner : moved) {
-                    corner.x = corner.x * factor / static_cast<float>(space.scale()) - static_cast<float>(left);
-                    corner.y = corner.y * factor / static_cast<float>(space.scale()) - static_cast<float>(top);
+                    corner.x =
+                        std::floor(corner.x * factor / static_cast<float>(space.scale())) - static_cast<float>(left);
+                    corner.y =
+                        std::floor(corner.y * factor / static_cast<float>(space.scale())) - static_cast<float>(top);
                 }
                 return moved;
             };
@@ -169,10 +175,22 @@ class Shatter : public Effect {
                 draw(part, panes[flight.gloss], placed(flight.face), flight.texels);
             }
         };
+        const auto isWhole = [&](const tagRECT &area) {
+            const auto scale = static_cast<float>(space.scale());
+            for (const Flight &flight : flights)
+                if (flight.isCracked && (meets(flight.face, area, scale) || meets(flight.edge, area, scale)))
+                    return false;
+            copy(out, ground, area);
+            return true;
+        };
+        const auto draw = [&]<int factor>(std::integral_constant<int, factor>) {
+            drawSupersampled<factor>(
+                stage, out, [&](auto &&...place) { drawPart.template operator()<factor>(place...); }, isWhole);
+        };
         if (space.scale() > 1)
-            drawSupersampled<4>(stage, out, [&](auto &&...place) { drawPart.template operator()<4>(place...); });
+            draw(std::integral_constant<int, 4>());
         else
-            drawSupersampled<2>(stage, out, [&](auto &&...place) { drawPart.template operator()<2>(place...); });
+            draw(std::integral_constant<int, 2>());
     }
 
     /// A shard at one moment, on the screen.
@@ -185,6 +203,20 @@ class Shatter : public Effect {
         std::size_t gloss;
         bool isCracked;
     };
+
+    static tagRECT boundsOf(const std::array<_POINTINT, 4> &texels, const Surface &frame) {
+        const auto [left, right] = std::minmax({texels[0].x, texels[1].x, texels[2].x, texels[3].x});
+        const auto [top, bottom] = std::minmax({texels[0].y, texels[1].y, texels[2].y, texels[3].y});
+        return {left, top, std::min(right + 1, frame.width), std::min(bottom + 1, frame.height)};
+    }
+
+    /// Whether some of the quad, of points `scale` times as far apart as pixels, may show in an area or just beside it.
+    static bool meets(const Corners &quad, const tagRECT &area, float scale) {
+        const auto [left, right] = std::minmax({quad[0].x, quad[1].x, quad[2].x, quad[3].x});
+        const auto [top, bottom] = std::minmax({quad[0].y, quad[1].y, quad[2].y, quad[3].y});
+        return right / scale > static_cast<float>(area.left - 1) && left / scale < static_cast<float>(area.right + 1) &&
+               bottom / scale > static_cast<float>(area.top - 1) && top / scale < static_cast<float>(area.bottom + 1);
+    }
 
     static Flight flightOf(Space &space, const Shard &shard, const Surface &frame, double t) {
         _PRIVATE_QMGL_DATA *const data = space.pipeline();
@@ -275,14 +307,13 @@ class Shatter : public Effect {
         const Surface ink = planes[1]->cropped(width, height);
         fill(mask, 0);
         fill(ink, shadow);
-        std::array<_POINTINT, 4> anyTexels = {};
         for (Flight &flight : flights) {
             Corners shade = flight.shade;
             for (_POINT3DFLOAT &corner : shade) {
                 corner.x /= static_cast<float>(2 * scale);
                 corner.y /= static_cast<float>(2 * scale);
             }
-            draw(mask, ink, shade, anyTexels);
+            draw(mask, ink, shade, {});
         }
         blurWithOpacity(mask, ink, std::max(std::min(width, height) / 16, 1), 2);
         tagRECT area = mask.rect();
@@ -291,16 +322,21 @@ class Shatter : public Effect {
         lay(out, planes[2], 0, 0);
     }
 
-    static void draw(const Surface &to, const Surface &texture, Corners points, std::array<_POINTINT, 4> &texels) {
+    static void draw(const Surface &to, const Surface &texture, Corners points, std::array<_POINTINT, 4> texels) {
         const auto [leftmost, rightmost] = std::minmax({points[0].x, points[1].x, points[2].x, points[3].x});
         const auto [topmost, lowest] = std::minmax({points[0].y, points[1].y, points[2].y, points[3].y});
         if (rightmost < 0 || lowest < 0 || leftmost > static_cast<float>(to.width) ||
             topmost > static_cast<float>(to.height))
             return;
-        // The clip bounds the texels as well. Surfaces that are smaller than their texture lie on planes of its size.
-        tagRECT clip = {0, 0, std::max(to.width, texture.width), std::max(to.height, texture.height)};
+        // The clip bounds the texels as well: they are counted from the corner of those that are shown.
+        const tagRECT shown = boundsOf(texels, texture);
+        for (_POINTINT &texel : texels)
+            texel = {texel.x - static_cast<int>(shown.left), texel.y - static_cast<int>(shown.top)};
+        tagRECT clip = {0, 0, std::max<q_long>(to.width, shown.right - shown.left),
+                        std::max<q_long>(to.height, shown.bottom - shown.top)};
         i3D_Blt_Rect_Nearest_NoLight_NoHPE_Safe(to.pixels, &points[0], &points[1], &points[2], &points[3],
-                                                texture.pixels, &texels[0], &texels[1], &texels[2], &texels[3], &clip,
+                                                texture.at(static_cast<int>(shown.left), static_cast<int>(shown.top)),
+                                                &texels[0], &texels[1], &texels[2], &texels[3], &clip,
                                                 to.unsignedPitch(), texture.unsignedPitch());
     }
 };

@@ -185,16 +185,23 @@ class Triangles : public Effect {
             home[i] = {static_cast<int>(shard.home[i].x), static_cast<int>(shard.home[i].y)};
             corners[i] = {rounded(factor * shard.corners[i].x) - left, rounded(factor * shard.corners[i].y) - top};
         }
-        // The clip bounds what is read of the photograph as well. A part that is smaller lies on a plane of its size.
-        blit(part, {0, 0, std::max(part.width, photo.width), std::max(part.height, photo.height)}, photo, corners,
-             home);
+        // The clip bounds what is read of the photograph as well: that is counted from a little before the shard.
+        constexpr int before = PlaneLayout::margin;
+        const auto [first, last] = std::minmax({home[0].x, home[1].x, home[2].x});
+        const auto [highest, lowest] = std::minmax({home[0].y, home[1].y, home[2].y});
+        const Surface shown = {photo.at(first - before, highest - before), 0, 0, photo.pitch};
+        const tagRECT clip = {0, 0, std::max(part.width, last - first + 2 * before),
+                              std::max(part.height, lowest - highest + 2 * before)};
+        for (_POINTINT &point : home)
+            point = {point.x - first + before, point.y - highest + before};
+        blit(part, clip, shown, corners, home);
         // The edges catch the light.
-        tagRECT clip = part.rect();
+        tagRECT whole = part.rect();
         const q_ulong gleam = greyOf(90 * clampUnit(shard.height * 7));
         for (std::size_t i = 0; i < 3; ++i) {
             const _POINTINT &from = corners[i];
             const _POINTINT &to = corners[(i + 1) % 3];
-            iLine_AntiAliasing_Add(part.pixels, &clip, part.pitch, from.x, from.y, to.x, to.y, gleam, factor);
+            iLine_AntiAliasing_Add(part.pixels, &whole, part.pitch, from.x, from.y, to.x, to.y, gleam, factor);
         }
     }
 

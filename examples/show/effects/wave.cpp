@@ -48,7 +48,8 @@ class Wave : public Effect {
         copy(picture, out);
         extendEdges(picture);
 
-        Mesh mesh = Mesh::over(out.width, out.height, cellSize * out.height / 720);
+        const double size = cellSize * out.height / 720;
+        Mesh mesh = Mesh::over(out.width, out.height, size, size);
         const MeshCanvas canvas(out.width, out.height, mesh.points.size());
         const double seconds = shot.progress * shot.seconds;
         hang(mesh, out.width, out.height, aloft, seconds);
