@@ -148,6 +148,17 @@ Lanes<Number, count> withLane(Lanes<Number, count> a, Number number) {
     return a;
 }
 
+template <int count>
+struct Spilled {
+    std::int32_t numbers[count];
+
+    explicit Spilled(Lanes<std::uint32_t, count> a) {
+        a.store(numbers);
+        asm("" : "+m"(numbers)); // or the compiler fetches them out of the register all the same
+    }
+    std::int32_t operator[](int lane) const { return numbers[lane]; }
+};
+
 /// Pixels and those that lie to the right of them.
 template <int count>
 struct Neighbours {
@@ -237,6 +248,10 @@ inline Lanes<std::uint16_t, 8> highProduct(Lanes<std::uint16_t, 8> a, Lanes<std:
     return detail::lanesOf<std::uint16_t>(_mm_mulhi_epu16(detail::bits128(a), detail::bits128(b)));
 }
 
+inline Lanes<std::uint32_t, 4> pairSums(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    return detail::lanesOf<std::uint32_t>(_mm_madd_epi16(detail::bits128(a), detail::bits128(b)));
+}
+
 namespace detail {
 
 inline __m128i twoFrom(const void *row, std::int32_t column) {
@@ -307,6 +322,10 @@ inline Lanes<std::uint16_t, 8> pairSums(Lanes<std::uint8_t, 16> a, Lanes<std::ui
 
 inline Lanes<std::uint16_t, 16> pairSums(Lanes<std::uint8_t, 32> a, Lanes<std::uint8_t, 32> b) {
     return detail::lanesOf<std::uint16_t>(_mm256_maddubs_epi16(detail::bits256(a), detail::bits256(b)));
+}
+
+inline Lanes<std::uint32_t, 8> pairSums(Lanes<std::uint16_t, 16> a, Lanes<std::uint16_t, 16> b) {
+    return detail::lanesOf<std::uint32_t>(_mm256_madd_epi16(detail::bits256(a), detail::bits256(b)));
 }
 
 inline Lanes<std::uint32_t, 8> picked(Lanes<std::uint32_t, 8> a, Lanes<std::uint32_t, 8> places) {
@@ -740,6 +759,8 @@ template <int count>
 using Words = target::Lanes<std::uint16_t, count>;
 template <int count>
 using Numbers = target::Lanes<std::uint32_t, count>;
+template <int count>
+using Spilled = target::Spilled<count>;
 
 /// Fetches memory that is soon to be read or written.
 inline void willRead(const void *memory) {

@@ -173,6 +173,15 @@ Lanes<std::uint16_t, count / 2> pairSums(Lanes<std::uint8_t, count> a, Lanes<std
     return Lanes<std::uint16_t, count / 2>::filled([&](int lane) { return product(2 * lane) + product(2 * lane + 1); });
 }
 
+/// a * b of each two neighbours added up, all numbers signed. No sum may leave 32 bits with a sign.
+template <int count>
+Lanes<std::uint32_t, count / 2> pairSums(Lanes<std::uint16_t, count> a, Lanes<std::uint16_t, count> b) {
+    const auto product = [&](int lane) {
+        return static_cast<std::int16_t>(a[lane]) * static_cast<std::int16_t>(b[lane]);
+    };
+    return Lanes<std::uint32_t, count / 2>::filled([&](int lane) { return product(2 * lane) + product(2 * lane + 1); });
+}
+
 /// The lanes of `a` that `places` name, each counted modulo `count`.
 template <int count>
 Lanes<std::uint32_t, count> picked(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> places) {
@@ -186,6 +195,15 @@ Lanes<std::uint32_t, count> picked(Lanes<std::uint32_t, count> a, Lanes<std::uin
     return Lanes<std::uint32_t, count>::filled(
         [&](int lane) { return places[lane] / count % 2 == 0 ? a[places[lane] % count] : b[places[lane] % count]; });
 }
+
+/// Signed numbers in memory, where each is at hand by itself: fetched out of a register one by one they are slow.
+template <int count>
+struct Spilled {
+    std::int32_t numbers[count];
+
+    explicit Spilled(Lanes<std::uint32_t, count> a) { a.store(numbers); }
+    std::int32_t operator[](int lane) const { return numbers[lane]; }
+};
 
 /// Pixels and those that lie to the right of them.
 template <int count>
