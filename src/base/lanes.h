@@ -59,6 +59,7 @@ struct Lanes {
     friend Lanes operator+(Lanes a, Lanes b) { return {a.vector + b.vector}; }
     friend Lanes operator-(Lanes a, Lanes b) { return {a.vector - b.vector}; }
     friend Lanes operator*(Lanes a, Lanes b) { return {a.vector * b.vector}; }
+    friend Lanes operator/(Lanes a, Lanes b) { return {a.vector / b.vector}; }
     friend Lanes operator&(Lanes a, Lanes b) { return {a.vector & b.vector}; }
     friend Lanes operator|(Lanes a, Lanes b) { return {a.vector | b.vector}; }
     friend Lanes operator^(Lanes a, Lanes b) { return {a.vector ^ b.vector}; }
@@ -76,6 +77,12 @@ template <class Number, int count>
 Lanes<Number, count> selectEqual(Lanes<Number, count> a, Lanes<Number, count> b, Lanes<Number, count> ifSo,
                                  Lanes<Number, count> ifNot) {
     return {a.vector == b.vector ? ifSo.vector : ifNot.vector};
+}
+
+template <int count>
+Lanes<double, count> selectBelow(Lanes<double, count> a, Lanes<double, count> b, Lanes<double, count> ifSo,
+                                 Lanes<double, count> ifNot) {
+    return {a.vector < b.vector ? ifSo.vector : ifNot.vector};
 }
 
 template <int count>
@@ -248,6 +255,10 @@ inline Lanes<std::uint16_t, 8> highProduct(Lanes<std::uint16_t, 8> a, Lanes<std:
     return detail::lanesOf<std::uint16_t>(_mm_mulhi_epu16(detail::bits128(a), detail::bits128(b)));
 }
 
+inline Lanes<double, 2> squareRoot(Lanes<double, 2> a) {
+    return {_mm_sqrt_pd(a.vector)};
+}
+
 inline Lanes<std::uint32_t, 4> pairSums(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
     return detail::lanesOf<std::uint32_t>(_mm_madd_epi16(detail::bits128(a), detail::bits128(b)));
 }
@@ -322,6 +333,10 @@ inline Lanes<std::uint16_t, 8> pairSums(Lanes<std::uint8_t, 16> a, Lanes<std::ui
 
 inline Lanes<std::uint16_t, 16> pairSums(Lanes<std::uint8_t, 32> a, Lanes<std::uint8_t, 32> b) {
     return detail::lanesOf<std::uint16_t>(_mm256_maddubs_epi16(detail::bits256(a), detail::bits256(b)));
+}
+
+inline Lanes<double, 4> squareRoot(Lanes<double, 4> a) {
+    return {_mm256_sqrt_pd(a.vector)};
 }
 
 inline Lanes<std::uint32_t, 8> pairSums(Lanes<std::uint16_t, 16> a, Lanes<std::uint16_t, 16> b) {
@@ -761,6 +776,9 @@ template <int count>
 using Numbers = target::Lanes<std::uint32_t, count>;
 template <int count>
 using Spilled = target::Spilled<count>;
+
+/// As many doubles as the target takes at once.
+using Doubles = target::Lanes<double, target::registerBytes / 8>;
 
 /// Fetches memory that is soon to be read or written.
 inline void willRead(const void *memory) {

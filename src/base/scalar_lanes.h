@@ -5,6 +5,7 @@
 #define Q_MUR_BASE_SCALAR_LANES_H
 
 #include <bit>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -12,7 +13,7 @@
 
 namespace qmur::scalar {
 
-/// `count` numbers side by side: std::uint8_t, std::uint16_t or std::uint32_t. Sums and products wrap.
+/// `count` numbers side by side: std::uint8_t, std::uint16_t or std::uint32_t, whose sums and products wrap, or double.
 template <class Number, int count>
 struct Lanes {
     Number lanes[count];
@@ -68,6 +69,9 @@ struct Lanes {
     friend Lanes operator*(Lanes a, Lanes b) {
         return filled([&](int lane) { return 1U * a[lane] * b[lane]; });
     }
+    friend Lanes operator/(Lanes a, Lanes b) {
+        return filled([&](int lane) { return a[lane] / b[lane]; });
+    }
     friend Lanes operator&(Lanes a, Lanes b) {
         return filled([&](int lane) { return a[lane] & b[lane]; });
     }
@@ -110,6 +114,19 @@ template <class Number, int count>
 Lanes<Number, count> selectEqual(Lanes<Number, count> a, Lanes<Number, count> b, Lanes<Number, count> ifSo,
                                  Lanes<Number, count> ifNot) {
     return Lanes<Number, count>::filled([&](int lane) { return a[lane] == b[lane] ? ifSo[lane] : ifNot[lane]; });
+}
+
+/// `ifSo` in the lanes where `a` is below `b`, `ifNot` in the others, also where either is no number.
+template <int count>
+Lanes<double, count> selectBelow(Lanes<double, count> a, Lanes<double, count> b, Lanes<double, count> ifSo,
+                                 Lanes<double, count> ifNot) {
+    return Lanes<double, count>::filled([&](int lane) { return a[lane] < b[lane] ? ifSo[lane] : ifNot[lane]; });
+}
+
+/// The square roots.
+template <int count>
+Lanes<double, count> squareRoot(Lanes<double, count> a) {
+    return Lanes<double, count>::filled([&](int lane) { return std::sqrt(a[lane]); });
 }
 
 /// Shifted to the right as signed numbers.
