@@ -222,7 +222,8 @@ Q_MUR_API void iBltFast32AlphaChannelSafe(q_ulong *dst, q_ulong *src, int dstX, 
 /// \return 1 if the text was drawn, also where the clip left nothing of it; 0 if it could not be had: it is empty or
 /// null or too large, there is no font, or the library was built without a way to draw letters
 ///
-/// The letters are the platform's: their bytes and sizes differ from system to system. The font is made on each call.
+/// The letters are the platform's: their bytes and sizes differ from system to system. The font is made on each call,
+/// which keeps a picture of each character of the text, and of the whole text, until it returns.
 Q_MUR_API int iTextOut(q_ulong *dst, tagRECT *clipRect, int pitch, char *text, q_ulong colour, int x, int y,
                        int fontHeight, char *fontName);
 

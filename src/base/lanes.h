@@ -59,6 +59,7 @@ struct Lanes {
     friend Lanes operator+(Lanes a, Lanes b) { return {a.vector + b.vector}; }
     friend Lanes operator-(Lanes a, Lanes b) { return {a.vector - b.vector}; }
     friend Lanes operator*(Lanes a, Lanes b) { return {a.vector * b.vector}; }
+    friend Lanes operator/(Lanes a, Lanes b) { return {a.vector / b.vector}; }
     friend Lanes operator&(Lanes a, Lanes b) { return {a.vector & b.vector}; }
     friend Lanes operator|(Lanes a, Lanes b) { return {a.vector | b.vector}; }
     friend Lanes operator^(Lanes a, Lanes b) { return {a.vector ^ b.vector}; }
@@ -76,6 +77,12 @@ template <class Number, int count>
 Lanes<Number, count> selectEqual(Lanes<Number, count> a, Lanes<Number, count> b, Lanes<Number, count> ifSo,
                                  Lanes<Number, count> ifNot) {
     return {a.vector == b.vector ? ifSo.vector : ifNot.vector};
+}
+
+template <int count>
+Lanes<double, count> selectBelow(Lanes<double, count> a, Lanes<double, count> b, Lanes<double, count> ifSo,
+                                 Lanes<double, count> ifNot) {
+    return {a.vector < b.vector ? ifSo.vector : ifNot.vector};
 }
 
 template <int count>
@@ -147,6 +154,17 @@ Lanes<Number, count> withLane(Lanes<Number, count> a, Number number) {
     a.vector[lane] = number;
     return a;
 }
+
+template <int count>
+struct Spilled {
+    std::int32_t numbers[count];
+
+    explicit Spilled(Lanes<std::uint32_t, count> a) {
+        a.store(numbers);
+        asm("" : "+m"(numbers)); // or the compiler fetches them out of the register all the same
+    }
+    std::int32_t operator[](int lane) const { return numbers[lane]; }
+};
 
 /// Pixels and those that lie to the right of them.
 template <int count>
@@ -237,6 +255,14 @@ inline Lanes<std::uint16_t, 8> highProduct(Lanes<std::uint16_t, 8> a, Lanes<std:
     return detail::lanesOf<std::uint16_t>(_mm_mulhi_epu16(detail::bits128(a), detail::bits128(b)));
 }
 
+inline Lanes<double, 2> squareRoot(Lanes<double, 2> a) {
+    return {_mm_sqrt_pd(a.vector)};
+}
+
+inline Lanes<std::uint32_t, 4> pairSums(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    return detail::lanesOf<std::uint32_t>(_mm_madd_epi16(detail::bits128(a), detail::bits128(b)));
+}
+
 namespace detail {
 
 inline __m128i twoFrom(const void *row, std::int32_t column) {
@@ -307,6 +333,14 @@ inline Lanes<std::uint16_t, 8> pairSums(Lanes<std::uint8_t, 16> a, Lanes<std::ui
 
 inline Lanes<std::uint16_t, 16> pairSums(Lanes<std::uint8_t, 32> a, Lanes<std::uint8_t, 32> b) {
     return detail::lanesOf<std::uint16_t>(_mm256_maddubs_epi16(detail::bits256(a), detail::bits256(b)));
+}
+
+inline Lanes<double, 4> squareRoot(Lanes<double, 4> a) {
+    return {_mm256_sqrt_pd(a.vector)};
+}
+
+inline Lanes<std::uint32_t, 8> pairSums(Lanes<std::uint16_t, 16> a, Lanes<std::uint16_t, 16> b) {
+    return detail::lanesOf<std::uint32_t>(_mm256_madd_epi16(detail::bits256(a), detail::bits256(b)));
 }
 
 inline Lanes<std::uint32_t, 8> picked(Lanes<std::uint32_t, 8> a, Lanes<std::uint32_t, 8> places) {
@@ -740,6 +774,11 @@ template <int count>
 using Words = target::Lanes<std::uint16_t, count>;
 template <int count>
 using Numbers = target::Lanes<std::uint32_t, count>;
+template <int count>
+using Spilled = target::Spilled<count>;
+
+/// As many doubles as the target takes at once.
+using Doubles = target::Lanes<double, target::registerBytes / 8>;
 
 /// Fetches memory that is soon to be read or written.
 inline void willRead(const void *memory) {

@@ -5,6 +5,7 @@
 #define Q_MUR_BASE_SAMPLING_H
 
 #include "base/channels.h"
+#include "base/surface.h"
 
 namespace qmur {
 
@@ -14,6 +15,7 @@ public:
     /// The sums are the first four lanes: blue, green, red and the top byte.
     explicit ChannelSums(Words<8> sums) : lanes(sums) {}
 
+    q_ulong topByteSum() const { return lanes[3]; }
     q_ulong redSum() const { return lanes[2]; }
     q_ulong greenSum() const { return lanes[1]; }
     q_ulong blueSum() const { return lanes[0]; }
@@ -29,23 +31,55 @@ namespace detail {
 
 /// The weights 16 - f and f of two pixels side by side.
 struct PairWeights {
-    alignas(16) std::uint16_t lanes[16][8];
+    alignas(16) std::uint16_t lanes[16 * 8];
 
     constexpr PairWeights() : lanes() {
         for (unsigned f = 0; f < 16; ++f)
-            for (int lane = 0; lane < 8; ++lane)
-                lanes[f][lane] = static_cast<std::uint16_t>(lane < 4 ? 16 - f : f);
+            for (unsigned lane = 0; lane < 8; ++lane)
+                lanes[f * 8 + lane] = static_cast<std::uint16_t>(lane < 4 ? 16 - f : f);
     }
 
-    Words<8> of(q_ulong f) const { return Words<8>::load(lanes[f]); }
+    Words<8> of(q_ulong f) const { return Words<8>::load(lanes + f * 8); }
 };
 
 inline constexpr PairWeights pairWeights;
+
+/// The weights of two rows of pixels, as mixedRows() of two pixels side by side takes them.
+struct RowWeights {
+    alignas(16) std::uint16_t lanes[16 * 8];
+
+    constexpr RowWeights() : lanes() {
+        for (unsigned f = 0; f < 16; ++f)
+            for (unsigned lane = 0; lane < 8; ++lane)
+                lanes[f * 8 + lane] = static_cast<std::uint16_t>(sumsPairs ? 16 - f + (f << 8) : f);
+    }
+};
+
+inline constexpr RowWeights rowWeights;
+
+/// The weights of a fraction that is given as the place of its first lane among all of a table's.
+template <class Table>
+Words<8> weightsAt(const Table &table, std::int32_t place) {
+    return Words<8>::load(table.lanes + place);
+}
 
 /// upper * (16 - fy) + lower * fy in every lane.
 inline Words<8> mixedRows(Words<8> upper, Words<8> lower, q_ulong fy) {
     const auto weight = static_cast<std::uint16_t>(fy);
     return upper * Words<8>::all(static_cast<std::uint16_t>(16 - weight)) + lower * Words<8>::all(weight);
+}
+
+/// Two pixels side by side mixed with those of the row below, which is a template for targets without pairSums().
+template <int count>
+Words<count> mixedRows(const q_ulong *upper, const q_ulong *lower, Words<count> weights) {
+    using Two = Bytes<count * 2>;
+    if constexpr (sumsPairs) {
+        return pairSums(interleavedLow(Two::loadEightBytes(upper), Two::loadEightBytes(lower)),
+                        as<std::uint8_t>(weights));
+    } else {
+        const Words<count> above = channelWordsOfTwo(upper);
+        return (above << 4) + (channelWordsOfTwo(lower) - above) * weights;
+    }
 }
 
 } // namespace detail
@@ -101,6 +135,27 @@ inline ChannelSums fourTaps(const q_ulong *row0, const q_ulong *row1, q_ulong fx
     const Words<8> rows = detail::mixedRows(channelWordsOfTwo(row0), channelWordsOfTwo(row1), fy);
     const Words<8> products = rows * detail::pairWeights.of(fx);
     return ChannelSums(products + swappedHalves(products));
+}
+
+/// Of four samples the one whose taps start at `first + distances[lane]` and `pitch` further on, each channel of each
+/// divided by 256, truncated, the top byte as well. Fractions are given eight times as large as sixteenths.
+[[gnu::always_inline]] inline Numbers<4> fourSamples(const q_ulong *first, Distance pitch, Numbers<4> distances,
+                                                     Numbers<4> fx, Numbers<4> fy) {
+    const Spilled<4> places(distances);
+    const Spilled<4> across(fx);
+    const Spilled<4> down(fy);
+    const auto products = [&](int lane) {
+        const q_ulong *const taps = first + places[lane];
+        const auto rows = detail::mixedRows(taps, taps + pitch, detail::weightsAt(detail::rowWeights, down[lane]));
+        return as<std::uint64_t>(rows * detail::weightsAt(detail::pairWeights, across[lane]));
+    };
+    // What the two pixels of a sample contribute lies in the two halves.
+    const auto twoSums = [&](int lane) {
+        const auto a = products(lane);
+        const auto b = products(lane + 1);
+        return as<std::uint16_t>(interleavedLow(a, b)) + as<std::uint16_t>(interleavedHigh(a, b));
+    };
+    return as<std::uint32_t>(narrowed(twoSums(0) >> 8, twoSums(2) >> 8));
 }
 
 /// The two taps of one column, where there is no column to the right.

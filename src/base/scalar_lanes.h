@@ -5,6 +5,7 @@
 #define Q_MUR_BASE_SCALAR_LANES_H
 
 #include <bit>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -12,7 +13,7 @@
 
 namespace qmur::scalar {
 
-/// `count` numbers side by side: std::uint8_t, std::uint16_t or std::uint32_t. Sums and products wrap.
+/// `count` numbers side by side: std::uint8_t, std::uint16_t or std::uint32_t, whose sums and products wrap, or double.
 template <class Number, int count>
 struct Lanes {
     Number lanes[count];
@@ -68,6 +69,9 @@ struct Lanes {
     friend Lanes operator*(Lanes a, Lanes b) {
         return filled([&](int lane) { return 1U * a[lane] * b[lane]; });
     }
+    friend Lanes operator/(Lanes a, Lanes b) {
+        return filled([&](int lane) { return a[lane] / b[lane]; });
+    }
     friend Lanes operator&(Lanes a, Lanes b) {
         return filled([&](int lane) { return a[lane] & b[lane]; });
     }
@@ -110,6 +114,19 @@ template <class Number, int count>
 Lanes<Number, count> selectEqual(Lanes<Number, count> a, Lanes<Number, count> b, Lanes<Number, count> ifSo,
                                  Lanes<Number, count> ifNot) {
     return Lanes<Number, count>::filled([&](int lane) { return a[lane] == b[lane] ? ifSo[lane] : ifNot[lane]; });
+}
+
+/// `ifSo` in the lanes where `a` is below `b`, `ifNot` in the others, also where either is no number.
+template <int count>
+Lanes<double, count> selectBelow(Lanes<double, count> a, Lanes<double, count> b, Lanes<double, count> ifSo,
+                                 Lanes<double, count> ifNot) {
+    return Lanes<double, count>::filled([&](int lane) { return a[lane] < b[lane] ? ifSo[lane] : ifNot[lane]; });
+}
+
+/// The square roots.
+template <int count>
+Lanes<double, count> squareRoot(Lanes<double, count> a) {
+    return Lanes<double, count>::filled([&](int lane) { return std::sqrt(a[lane]); });
 }
 
 /// Shifted to the right as signed numbers.
@@ -173,6 +190,15 @@ Lanes<std::uint16_t, count / 2> pairSums(Lanes<std::uint8_t, count> a, Lanes<std
     return Lanes<std::uint16_t, count / 2>::filled([&](int lane) { return product(2 * lane) + product(2 * lane + 1); });
 }
 
+/// a * b of each two neighbours added up, all numbers signed. No sum may leave 32 bits with a sign.
+template <int count>
+Lanes<std::uint32_t, count / 2> pairSums(Lanes<std::uint16_t, count> a, Lanes<std::uint16_t, count> b) {
+    const auto product = [&](int lane) {
+        return static_cast<std::int16_t>(a[lane]) * static_cast<std::int16_t>(b[lane]);
+    };
+    return Lanes<std::uint32_t, count / 2>::filled([&](int lane) { return product(2 * lane) + product(2 * lane + 1); });
+}
+
 /// The lanes of `a` that `places` name, each counted modulo `count`.
 template <int count>
 Lanes<std::uint32_t, count> picked(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> places) {
@@ -186,6 +212,15 @@ Lanes<std::uint32_t, count> picked(Lanes<std::uint32_t, count> a, Lanes<std::uin
     return Lanes<std::uint32_t, count>::filled(
         [&](int lane) { return places[lane] / count % 2 == 0 ? a[places[lane] % count] : b[places[lane] % count]; });
 }
+
+/// Signed numbers in memory, where each is at hand by itself: fetched out of a register one by one they are slow.
+template <int count>
+struct Spilled {
+    std::int32_t numbers[count];
+
+    explicit Spilled(Lanes<std::uint32_t, count> a) { a.store(numbers); }
+    std::int32_t operator[](int lane) const { return numbers[lane]; }
+};
 
 /// Pixels and those that lie to the right of them.
 template <int count>

@@ -5,6 +5,7 @@
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
 #include FT_FREETYPE_H
+#include FT_GLYPH_H
 #include FT_SYNTHESIS_H
 #include FT_TRUETYPE_TABLES_H
 
@@ -16,6 +17,7 @@ using namespace qmur;
 
 using Library = std::unique_ptr<FT_LibraryRec_, FT_Error (*)(FT_Library)>;
 using Face = std::unique_ptr<FT_FaceRec_, FT_Error (*)(FT_Face)>;
+using Glyph = std::unique_ptr<FT_GlyphRec_, void (*)(FT_Glyph)>;
 using Pattern = std::unique_ptr<FcPattern, void (*)(FcPattern *)>;
 
 // Characters are bytes, read as the text drawing of Windows reads them.
@@ -69,8 +71,7 @@ const char *underlinedIn(const char *line) {
 /// The bold face of the system that comes nearest to a name. Null or empty, the name leaves the choice to the system.
 class Font {
 public:
-    explicit Font(const char *name)
-        : library(nullptr, FT_Done_FreeType), face(nullptr, FT_Done_Face), advances(), isKnown() {
+    explicit Font(const char *name) : library(nullptr, FT_Done_FreeType), face(nullptr, FT_Done_Face) {
         FT_Library newLibrary = nullptr;
         if (FT_Init_FreeType(&newLibrary) != 0)
             return;
@@ -106,37 +107,61 @@ public:
         return lineHeight > 0;
     }
 
-    /// Makes a character the current glyph. False if the font cannot draw it.
-    bool load(unsigned char character) {
-        const FT_UInt index = FT_Get_Char_Index(face.get(), unicodeOf(character));
-        if (FT_Load_Glyph(face.get(), index, FT_LOAD_NO_BITMAP) != 0)
-            return false;
-        if (mustBeEmboldened)
-            FT_GlyphSlot_Embolden(face->glyph);
-        return true;
-    }
+    /// The pixels from a character to the next.
+    int advanceOf(unsigned char character) { return letterOf(character).advance; }
 
-    /// The current glyph as coverages from 0 to 255; null if it has no picture.
-    FT_GlyphSlot rendered() {
-        const FT_GlyphSlot glyph = face->glyph;
-        if (FT_Render_Glyph(glyph, FT_RENDER_MODE_NORMAL) != 0)
+    /// A character's picture as coverages from 0 to 255; null if it has none.
+    const FT_BitmapGlyphRec_ *pictureOf(unsigned char character) {
+        Letter &letter = letterOf(character);
+        if (!letter.glyph)
             return nullptr;
-        return glyph->bitmap.pixel_mode == FT_PIXEL_MODE_GRAY && glyph->bitmap.pitch >= 0 ? glyph : nullptr;
-    }
-
-    /// The pixels from a character to the next. There are no more than 256 characters: each is asked for once.
-    int advanceOf(unsigned char character) {
-        if (!isKnown[character]) {
-            advances[character] = load(character) ? static_cast<int>((face->glyph->advance.x + 32) >> 6) : 0;
-            isKnown[character] = true;
+        if (!letter.isDrawn) {
+            FT_Glyph glyph = letter.glyph.release();
+            const bool isDrawn = FT_Glyph_To_Bitmap(&glyph, FT_RENDER_MODE_NORMAL, nullptr, 1) == 0;
+            letter.glyph.reset(glyph);
+            const FT_Bitmap *const bitmap = isDrawn ? &bitmapOf(letter).bitmap : nullptr;
+            if (!bitmap || bitmap->pixel_mode != FT_PIXEL_MODE_GRAY || bitmap->pitch < 0) {
+                letter.glyph.reset();
+                return nullptr;
+            }
+            letter.isDrawn = true;
         }
-        return advances[character];
+        return &bitmapOf(letter);
     }
 
     int ascent = 0;
     int lineHeight = 0;
 
 private:
+    /// A character of the font. Each that a text has is loaded and drawn once, whatever the text's length.
+    struct Letter {
+        Glyph glyph = {nullptr, FT_Done_Glyph}; ///< null if the font cannot draw the character
+        int advance = 0;
+        bool isKnown = false;
+        bool isDrawn = false;
+    };
+
+    static const FT_BitmapGlyphRec_ &bitmapOf(const Letter &letter) {
+        return *reinterpret_cast<FT_BitmapGlyph>(letter.glyph.get());
+    }
+
+    Letter &letterOf(unsigned char character) {
+        Letter &letter = letters[character];
+        if (letter.isKnown)
+            return letter;
+        letter.isKnown = true;
+        const FT_UInt index = FT_Get_Char_Index(face.get(), unicodeOf(character));
+        if (FT_Load_Glyph(face.get(), index, FT_LOAD_NO_BITMAP) != 0)
+            return letter;
+        if (mustBeEmboldened)
+            FT_GlyphSlot_Embolden(face->glyph);
+        letter.advance = static_cast<int>((face->glyph->advance.x + 32) >> 6);
+        FT_Glyph glyph = nullptr;
+        if (FT_Get_Glyph(face->glyph, &glyph) == 0)
+            letter.glyph.reset(glyph);
+        return letter;
+    }
+
     static constexpr long long rounded(long long dividend, long long divisor) {
         return (dividend + divisor / 2) / divisor;
     }
@@ -176,8 +201,7 @@ private:
     Library library;
     Face face;
     bool mustBeEmboldened = false;
-    int advances[256];
-    bool isKnown[256];
+    Letter letters[256];
 };
 
 /// A text drawn by FreeType into pixels of just its size, its lines centred.
@@ -222,22 +246,22 @@ private:
         const char *const underlined = underlinedIn(line);
         return forEachInLine(line, [&](const char &character, bool) {
             const int advance = font.advanceOf(byteOf(character));
-            if (font.load(byteOf(character))) {
-                if (const FT_GlyphSlot glyph = font.rendered())
-                    drawGlyph(*glyph, x, baseLine);
-            }
+            if (const FT_BitmapGlyphRec_ *const picture = font.pictureOf(byteOf(character)))
+                drawPicture(*picture, x, baseLine);
             for (int column = 0; &character == underlined && column < advance; ++column)
                 ink(x + column, baseLine + 1, 255);
             x += advance;
         });
     }
 
-    void drawGlyph(const FT_GlyphSlotRec_ &glyph, int x, int baseLine) {
-        const FT_Bitmap &bitmap = glyph.bitmap;
-        for (int row = 0; row < static_cast<int>(bitmap.rows); ++row)
+    void drawPicture(const FT_BitmapGlyphRec_ &picture, int x, int baseLine) {
+        const FT_Bitmap &bitmap = picture.bitmap;
+        for (int row = 0; row < static_cast<int>(bitmap.rows); ++row) {
+            const unsigned char *const coverages = bitmap.buffer + static_cast<std::ptrdiff_t>(row) * bitmap.pitch;
             for (int column = 0; column < static_cast<int>(bitmap.width); ++column)
-                ink(x + glyph.bitmap_left + column, baseLine - glyph.bitmap_top + row,
-                    bitmap.buffer[static_cast<std::ptrdiff_t>(row) * bitmap.pitch + column]);
+                if (coverages[column] != 0)
+                    ink(x + picture.left + column, baseLine - picture.top + row, coverages[column]);
+        }
     }
 
     /// Brings a pixel nearer to the text's colour, all the way with a coverage of 255.

@@ -5,6 +5,8 @@
 
 #include "base/surface.h"
 
+#include <limits>
+
 namespace qmur {
 
 /// Values from `low` up to, not including, `high`.
@@ -15,6 +17,8 @@ struct Bounds {
     constexpr bool empty() const { return low >= high; }
     constexpr bool contain(int value) const { return low <= value && value < high; }
 };
+
+constexpr Bounds everyInt = {std::numeric_limits<int>::min(), std::numeric_limits<int>::max() + 1LL};
 
 /// Whether `start + x * step` stays within 32 bits for x from 0 up to, not including, `count`.
 constexpr bool staysIn32Bits(long long start, long long step, int count) {
@@ -49,6 +53,8 @@ struct Track {
     int start;
     int step;
     Bounds bounds;
+
+    constexpr int at(int x) const { return wrapAdd(start, wrapMultiply(step, x)); }
 };
 
 /// Calls `pixel(x, u, v)` for x from 0 up to, not including, `count` wherever both values lie within their bounds, and

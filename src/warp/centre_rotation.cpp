@@ -1,9 +1,9 @@
+#include "base/channels.h"
 #include "base/rotation.h"
-#include "base/sampling.h"
 #include "base/scratch.h"
 #include "base/wide.h"
 #include "q_Mur/warp.h"
-#include "walks/stretch.h"
+#include "walks/turned.h"
 
 #include <algorithm>
 
@@ -137,28 +137,48 @@ private:
     long long count = 0;
 };
 
-/// Draws a span from one crossing to another, both columns included but for the clip. Source values are shifted left by
-/// `shift`; `pixel(dst pixel, u, v)` stores one.
-template <class Pixel>
+/// Draws a span from one crossing to another, both columns included but for the clip. Source values are those of
+/// positions shifted right by `shift`; `sampling` is as forEachTurned() asks for it.
+template <class Sampling>
 void drawSpan(q_ulong *dst, Distance dstPitch, const tagRECT &clip, const EdgeCrossing &a, const EdgeCrossing &b,
-              int shift, Pixel pixel) {
+              int shift, const Sampling &sampling) {
     if (a.destY < clip.top || a.destY >= clip.bottom)
         return;
     const int extent = wrapSubtract(b.destX, a.destX);
-    const auto step = [extent, shift](int from, int to) {
-        return wrapDivide(wrapSubtract(to, from) << shift, oneIfZero(extent));
-    };
-    const int stepU = step(a.sourceU, b.sourceU);
-    const int stepV = step(a.sourceV, b.sourceV);
     const int start = larger(a.destX, static_cast<int>(clip.left));
     const int end = b.destX < clip.right ? b.destX + 1 : static_cast<int>(clip.right);
-    const int skipped = wrapSubtract(start, a.destX);
-    int u = wrapAdd(a.sourceU << shift, wrapMultiply(skipped, stepU));
-    int v = wrapAdd(a.sourceV << shift, wrapMultiply(skipped, stepV));
-    q_ulong *const row = pixelAt(dst, dstPitch, 0, a.destY);
-    for (int x = start; x < end; ++x, u = wrapAdd(u, stepU), v = wrapAdd(v, stepV))
-        pixel(row[x], u, v);
+    const auto trackOf = [=, skipped = wrapSubtract(start, a.destX)](int from, int to) {
+        const int step = wrapDivide(wrapSubtract(to, from) << shift, oneIfZero(extent));
+        return Track{wrapAdd(from << shift, wrapMultiply(skipped, step)), step, everyInt};
+    };
+    if (start < end)
+        forEachTurned(pixelAt(dst, dstPitch, start, a.destY), trackOf(a.sourceU, b.sourceU),
+                      trackOf(a.sourceV, b.sourceV), wrapSubtract(end, start), sampling);
 }
+
+using WholePositions = TurnedSource<16, 0>;
+using DiscPositions = TurnedSource<18, 0>;
+using FilteredPositions = TurnedSource<20, 1>;
+
+/// What the samplings do to a pixel and to several side by side, for forEachTurned().
+template <class Source>
+struct Nearest {
+    static constexpr int count = nearestCount;
+    Source source;
+
+    void operator()(q_ulong &d, int u, int v) const { d = *source.pixelOf(u, v); }
+    void operator()(q_ulong *first, Numbers<count> u, Numbers<count> v) const { copyTurned(first, source, u, v); }
+};
+
+struct Filtered {
+    static constexpr int count = 4;
+    FilteredPositions source;
+
+    void operator()(q_ulong &d, int u, int v) const { d = filteredTurned(source, u, v).pixel(); }
+    void operator()(q_ulong *first, Numbers<4> u, Numbers<4> v) const {
+        (filteredTurned(source, u, v) & Numbers<4>::all(0xFFFFFF)).store(first);
+    }
+};
 
 } // namespace
 
@@ -184,13 +204,9 @@ void iRotateMapping(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src,
     }
 
     const tagRECT clip = *clipRect;
-    edges.forEachSpan([=](const EdgeCrossing &a, const EdgeCrossing &b) {
-        drawSpan(dst, dstPitch, clip, a, b, 16, [src, srcPitch](q_ulong &d, int u, int v) {
-            const q_ulong *const tap = pixelAt(src, srcPitch, u >> 20, v >> 20);
-            d = fourTaps(tap, tap + srcPitch, static_cast<q_ulong>(u >> 16 & 15), static_cast<q_ulong>(v >> 16 & 15))
-                    .pixel();
-        });
-    });
+    const Filtered sampling = {{src, srcPitch}};
+    edges.forEachSpan(
+        [=](const EdgeCrossing &a, const EdgeCrossing &b) { drawSpan(dst, dstPitch, clip, a, b, 16, sampling); });
 }
 
 void iRotateCircleMapping(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *, int srcPitch,
@@ -208,10 +224,9 @@ void iRotateCircleMapping(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong
     }
 
     const tagRECT clip = *clipRect;
-    edges.forEachSpan([=](const EdgeCrossing &a, const EdgeCrossing &b) {
-        drawSpan(dst, dstPitch, clip, a, b, 18,
-                 [src, srcPitch](q_ulong &d, int u, int v) { d = *pixelAt(src, srcPitch, u >> 18, v >> 18); });
-    });
+    const Nearest<DiscPositions> sampling = {{src, srcPitch}};
+    edges.forEachSpan(
+        [=](const EdgeCrossing &a, const EdgeCrossing &b) { drawSpan(dst, dstPitch, clip, a, b, 18, sampling); });
 }
 
 namespace {
@@ -229,11 +244,11 @@ struct Scene {
     int height;
 };
 
-/// Maps every pixel of the turned rectangle's bounding box back into the source and calls `pixel(dst pixel, u, v)`
-/// where the position, of `fractionBits`, lies from `before` pixels in front of the source rectangle up to `beyond`
-/// pixels behind it.
-template <class Pixel>
-void mapBack(const Scene &scene, int fractionBits, int before, int beyond, Pixel pixel) {
+/// Maps every pixel of the turned rectangle's bounding box back into the source and draws it, as forEachTurned() does,
+/// where the position lies from `before` pixels in front of the source rectangle up to `behind` pixels behind it.
+template <class Sampling>
+void mapBack(const Scene &scene, int before, int behind, const Sampling &sampling) {
+    constexpr int fractionBits = decltype(sampling.source)::fractionBits;
     const auto &[dst, clipRect, dstPitch, srcRect, centreX, centreY, angle, width, height] = scene;
     if (width == 0 || height == 0)
         return;
@@ -273,7 +288,7 @@ void mapBack(const Scene &scene, int fractionBits, int before, int beyond, Pixel
     const int baseU = wrapAdd(widthOf(clipRect) << (fractionBits - 1), wrapMultiply(fromCentre, steps.a));
     const int baseV = wrapSubtract(heightOf(clipRect) << (fractionBits - 1), wrapMultiply(fromCentre, steps.e));
     const auto boundsOf = [=](Span span) {
-        return Bounds{wrapSubtract(span.begin, before) << fractionBits, wrapAdd(span.end, beyond) << fractionBits};
+        return Bounds{wrapSubtract(span.begin, before) << fractionBits, wrapAdd(span.end, behind) << fractionBits};
     };
     const Bounds boundsU = boundsOf(columnsOf(srcRect));
     const Bounds boundsV = boundsOf(rowsOf(srcRect));
@@ -283,36 +298,38 @@ void mapBack(const Scene &scene, int fractionBits, int before, int beyond, Pixel
         const Track u = {wrapAdd(wrapAdd(baseU, wrapMultiply(fromCentreY, steps.b)), steps.a), steps.a, boundsU};
         const Track v = {wrapSubtract(wrapAdd(baseV, wrapMultiply(fromCentreY, steps.d)), steps.e),
                          wrapSubtract(0, steps.e), boundsV};
-        q_ulong *const row = pixelAt(dst, dstPitch, columns.begin, y);
-        forEachInside(u, v, columns.length(),
-                      [row, pixel](int x, int uHere, int vHere) { pixel(row[x], uHere, vHere); });
+        forEachTurned(pixelAt(dst, dstPitch, columns.begin, y), u, v, columns.length(), sampling);
     }
 }
 
-/// The four source pixels around a position of 20 fraction bits, and its fractions in sixteenths.
-struct Taps {
-    const q_ulong *upper;
-    const q_ulong *lower;
-    q_ulong fx;
-    q_ulong fy;
+/// A source whose top bytes say how much of each pixel there is: the plain filtered colour where there is all of it.
+struct Covered {
+    static constexpr int count = 4;
+    FilteredPositions source;
 
-    Taps(const q_ulong *src, Distance pitch, int u, int v)
-        : upper(pixelAt(src, pitch, u >> 20, v >> 20)), lower(upper + pitch), fx(static_cast<q_ulong>(u >> 16 & 15)),
-          fy(static_cast<q_ulong>(v >> 16 & 15)) {}
-
-    q_ulong colour() const { return fourTaps(upper, lower, fx, fy).pixel(); }
-
-    q_ulong coverage() const {
-        const q_ulong ix = 16 - fx;
-        const q_ulong iy = 16 - fy;
-        return (topByteOf(upper[0]) * ix * iy + topByteOf(upper[1]) * fx * iy + topByteOf(lower[0]) * ix * fy +
-                topByteOf(lower[1]) * fx * fy) >>
-               8;
+    void operator()(q_ulong &d, int u, int v) const {
+        const ChannelSums filtered = filteredTurned(source, u, v);
+        const q_ulong coverage = filtered.topByteSum() >> 8;
+        const q_ulong *const tap = source.pixelOf(u, v);
+        const q_ulong largest = largestOf(tap, redMask) | largestOf(tap, greenMask) | largestOf(tap, blueMask);
+        d = coverage == 255 ? filtered.pixel() : blend256(d, 255 - coverage, largest, coverage);
     }
 
-    /// The largest of the four bytes under a mask, so that dark border pixels do not dim an edge.
-    q_ulong largest(q_ulong mask) const {
-        return std::max(std::max(upper[0] & mask, upper[1] & mask), std::max(lower[0] & mask, lower[1] & mask));
+    void operator()(q_ulong *first, Numbers<4> u, Numbers<4> v) const {
+        const Numbers<4> filtered = filteredTurned(source, u, v);
+        const auto signBit = Numbers<4>::all(0x80000000);
+        const bool isWhole = lanesBelow(filtered ^ signBit, Numbers<4>::all(0xFF000000) ^ signBit) == 0;
+        if (isWhole)
+            (filtered & Numbers<4>::all(0xFFFFFF)).store(first);
+        for (int lane = 0; !isWhole && lane < count; ++lane)
+            (*this)(first[lane], static_cast<int>(u[lane]), static_cast<int>(v[lane]));
+    }
+
+private:
+    /// The largest byte of the four taps under a mask, so that dark border pixels do not dim an edge.
+    q_ulong largestOf(const q_ulong *tap, q_ulong mask) const {
+        const q_ulong *const below = tap + source.pitch;
+        return std::max(std::max(tap[0] & mask, tap[1] & mask), std::max(below[0] & mask, below[1] & mask));
     }
 };
 
@@ -329,7 +346,7 @@ void iRotate(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagREC
              .angle = angle,
              .width = width,
              .height = height},
-            16, 0, 0, [src, srcPitch](q_ulong &d, int u, int v) { d = *pixelAt(src, srcPitch, u >> 16, v >> 16); });
+            0, 0, Nearest<WholePositions>{{src, srcPitch}});
 }
 
 void iRotateLinear(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch,
@@ -343,7 +360,7 @@ void iRotateLinear(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, 
              .angle = angle,
              .width = width,
              .height = height},
-            20, 0, -1, [src, srcPitch](q_ulong &d, int u, int v) { d = Taps(src, srcPitch, u, v).colour(); });
+            0, -1, Filtered{{src, srcPitch}});
 }
 
 void iRotateLinearAA(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch,
@@ -364,10 +381,5 @@ void iRotateLinearAA(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src
              .angle = angle,
              .width = width,
              .height = height},
-            20, 2, 1, [src, srcPitch](q_ulong &d, int u, int v) {
-                const Taps taps(src, srcPitch, u, v);
-                const q_ulong coverage = taps.coverage();
-                const q_ulong largest = taps.largest(redMask) | taps.largest(greenMask) | taps.largest(blueMask);
-                d = coverage == 255 ? taps.colour() : blend256(d, 255 - coverage, largest, coverage);
-            });
+            2, 1, Covered{{src, srcPitch}});
 }

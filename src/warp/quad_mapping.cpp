@@ -1,3 +1,4 @@
+#include "base/lanes.h"
 #include "base/pixel.h"
 #include "base/surface.h"
 #include "base/wide.h"
@@ -5,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace {
 
@@ -21,48 +23,224 @@ constexpr long long lengthOf(Span span) {
 
 } // namespace
 
+namespace {
+
+/// A source pixel, which may lie outside the source.
+struct SourcePlace {
+    int x;
+    int y;
+};
+
+/// The patch P0 + s (P1 - P0) + t (P3 - P0) + s t (P0 - P1 - P3 + P2), which is a quadratic in s.
+struct Patch {
+    int width;
+    int height;
+    Wide a, b, g, startX;
+    Wide d, e, f, startY;
+    Wide q, k1, k2;
+
+    Patch(int sourceWidth, int sourceHeight, const int (&x)[4], const int (&y)[4])
+        : width(sourceWidth), height(sourceHeight) {
+        // The small addition keeps the leading term from vanishing for a parallelogram or an upright edge.
+        constexpr Wide offset = 0.0001;
+        const auto twist = [](const int(&p)[4]) {
+            return wrapAdd(wrapSubtract(wrapSubtract(p[0], p[1]), p[3]), p[2]) + offset;
+        };
+        a = twist(x);
+        b = wrapSubtract(x[1], x[0]) + offset;
+        g = wrapSubtract(x[3], x[0]) + offset;
+        d = twist(y);
+        e = wrapSubtract(y[1], y[0]) + offset;
+        f = wrapSubtract(y[3], y[0]) + offset;
+        startX = x[0] + offset;
+        startY = y[0] + offset;
+        q = e * a - d * b;
+        k1 = e * g + startY * a - d * startX - f * b;
+        k2 = startY * g - f * startX;
+    }
+
+    /// The source pixel that a destination pixel shows.
+    SourcePlace placeOf(int column, int row) const {
+        const Wide twoQ = 2 * q;
+        const Wide linear = column * d + k1 - row * a;
+        const Wide constant = column * f + k2 - row * g;
+        const Wide square = linear * linear;
+        const Wide product = constant * (4 * q);
+        const Wide middle = -linear / twoQ;
+        const Wide root = product <= square ? squareRoot(square - product) / twoQ : 0;
+        Wide s = middle + root;
+        if ((s <= 0 || s >= 1) && product < square)
+            s = middle - root;
+        Wide denominator = s * a + g;
+        if (denominator == 0)
+            denominator = 1e-09;
+        return {truncateToInt(width * s + 0.5L),
+                truncateToInt(height * (column - s * b - startX) / denominator + 0.5L)};
+    }
+
+    bool contains(SourcePlace place) const {
+        return place.x >= 0 && place.x < width && place.y >= 0 && place.y < height;
+    }
+};
+
+/// A patch in doubles, with bounds on how far these may lie from what full width makes of the same formulas. Each is
+/// counted in units of rounding errors and somewhat too large, so that full width's own errors are within. A result
+/// that lies nearer than that to where it would become another is left open, as is all that is no number.
+class DoubledPatch {
+public:
+    explicit DoubledPatch(const Patch &patch)
+        : width(patch.width), height(patch.height), a(doubled(patch.a)), b(doubled(patch.b)), g(doubled(patch.g)),
+          startX(doubled(patch.startX)), d(doubled(patch.d)), f(doubled(patch.f)), k1(doubled(patch.k1)),
+          k2(doubled(patch.k2)), fourQ(doubled(4 * patch.q)), perTwoQ(doubled(1 / (2 * patch.q))) {
+        const auto largest = [this](double perColumn, double first, double perRow) {
+            return width * std::fabs(perColumn) + std::fabs(first) + height * std::fabs(perRow);
+        };
+        const double linear = largest(d, k1, a);
+        const double squares = linear * linear + std::fabs(fourQ) * largest(f, k2, g);
+        const double scale = std::fabs(perTwoQ);
+        discriminantDoubt = 20 * unit * squares;
+        plainDoubt = 24 * unit * ((linear + std::sqrt(squares)) * scale + 1);
+        rootDoubt = discriminantDoubt * scale;
+        numeratorDoubt = 8 * unit * (width + mostS * std::fabs(b) + std::fabs(startX));
+        denominatorDoubt = 16 * unit * (mostS * std::fabs(a) + std::fabs(g));
+    }
+
+    /// So many columns are worked out side by side: what is known of them stays in the nearest cache.
+    static constexpr int mostColumns = 64;
+
+    /// What is known of the source pixels of some columns of a row: positions, which truncate to those of pixels, and
+    /// for each whether it is far enough from those that truncate otherwise, as a number above 0.
+    struct Places {
+        double x[mostColumns];
+        double y[mostColumns];
+        double spareX[mostColumns];
+        double spareY[mostColumns]; ///< means something only if x lies within the source
+    };
+
+    /// Works out the columns from `first` on, `count` of them and some more up to a whole number of lanes.
+    void find(Places &places, int first, int count, int row) const {
+        constexpr int lanes = sizeof(Doubles) / sizeof(double);
+        const auto all = [](double number) { return Doubles::all(number); };
+        const Doubles zero = all(0);
+        const Doubles open = all(-1);
+        const Doubles firstLinear = all(k1 - row * a);
+        const Doubles firstConstant = all(k2 - row * g);
+        Doubles column = all(first) + Doubles::counted();
+        for (int i = 0; i < count; i += lanes, column = column + all(lanes)) {
+            const Doubles linear = column * all(d) + firstLinear;
+            const Doubles constant = column * all(f) + firstConstant;
+            const Doubles discriminant = linear * linear - constant * all(fourQ);
+            const Doubles extent = magnitudeOf(discriminant);
+            // Doubts are those of s and what follows from it, `times` as large, which saves a division.
+            const Doubles times = squareRoot(extent);
+            const Doubles doubt = all(plainDoubt) * times + all(rootDoubt);
+            const Doubles root = selectBelow(zero, discriminant, times, zero) * all(perTwoQ);
+            const Doubles middle = linear * all(-perTwoQ);
+            const Doubles oneS = middle + root;
+            const Doubles fromEnds = selectBelow(oneS, all(0.5), oneS, all(1) - oneS); // above 0 between 0 and 1
+            const Doubles s = selectBelow(fromEnds, zero, middle - root, oneS);
+
+            const Doubles x = all(width) * s + all(0.5);
+            Doubles spareX = fromWhole(x) * times - all(width) * doubt;
+            spareX = selectBelow(all(discriminantDoubt), extent, spareX, open);
+            spareX = selectBelow(doubt, magnitudeOf(fromEnds) * times, spareX, open);
+
+            const Doubles denominator = s * all(a) + all(g);
+            const Doubles magnitude = magnitudeOf(denominator) * times;
+            const Doubles ofNumerator = all(std::fabs(b)) * doubt + all(numeratorDoubt) * times;
+            const Doubles ofDenominator = all(std::fabs(a)) * doubt + all(denominatorDoubt) * times;
+            const Doubles quotient = all(height) * (column - s * all(b) - all(startX)) / denominator;
+            const Doubles y = quotient + all(0.5);
+            // The denominator is half itself at least.
+            const Doubles doubtY = all(height) * ofNumerator + (magnitudeOf(quotient) + all(1)) * ofDenominator;
+            Doubles spareY = fromWhole(y) * magnitude - all(2) * doubtY;
+            spareY = selectBelow(all(2) * ofDenominator, magnitude, spareY, open);
+
+            x.store(places.x + i);
+            y.store(places.y + i);
+            spareX.store(places.spareX + i);
+            spareY.store(places.spareY + i);
+        }
+    }
+
+    /// Where a column looks into the source; outside it if it shows none of its pixels. False where that is left open.
+    bool settle(const Places &places, int i, SourcePlace &place) const {
+        const double x = places.x[i];
+        const double y = places.y[i];
+        if (places.spareX[i] > 0 && places.spareY[i] > 0 && x > -1 && x < width && y > -1 && y < height) [[likely]] {
+            place = {static_cast<int>(x), static_cast<int>(y)};
+            return true;
+        }
+        place = {truncateToInt(x), truncateToInt(y)};
+        if (!(places.spareX[i] > 0))
+            return false;
+        if (place.x < 0 || place.x >= width)
+            return true;
+        return x > -1 && x < width && places.spareY[i] > 0; // what has wrapped into the source is open, too
+    }
+
+private:
+    static constexpr double unit = 0x1p-53;
+    static constexpr double mostS = 2; ///< more than any s of a place within the source
+
+    static double doubled(Wide value) { return static_cast<double>(value); }
+
+    static Doubles magnitudeOf(Doubles value) {
+        const auto bits = as<std::uint64_t>(value);
+        return as<double>(bits & decltype(bits)::all(~std::uint64_t{0} >> 1));
+    }
+
+    /// How far a value is from the nearest whole number; of one too large to have a fraction, less than its doubt.
+    static Doubles fromWhole(Doubles value) {
+        const auto wholeNumbers = Doubles::all(0x1.8p52); // so large that only whole numbers are left of what is added
+        return magnitudeOf(value - (value + wholeNumbers - wholeNumbers));
+    }
+
+    int width;
+    int height;
+    double a, b, g, startX;
+    double d, f;
+    double k1, k2;
+    double fourQ;
+    double perTwoQ;
+    double discriminantDoubt;
+    double plainDoubt; ///< of s, but for what the root's argument brings along
+    double rootDoubt;  ///< what that brings along, times the root
+    double numeratorDoubt;
+    double denominatorDoubt;
+};
+
+} // namespace
+
 void iBilinearMapping(q_ulong *dst, q_ulong *src, int pitch, int width, int height, int x0, int x1, int x2, int x3,
                       int y0, int y1, int y2, int y3) {
     atFullWidth([=] {
-        // The patch is P0 + s (P1 - P0) + t (P3 - P0) + s t (P0 - P1 - P3 + P2); solving for s is a quadratic. The
-        // small addition keeps its leading term from vanishing for a parallelogram or an upright edge.
-        constexpr Wide offset = 0.0001;
-        const auto twist = [](int p0, int p1, int p2, int p3) {
-            return wrapAdd(wrapSubtract(wrapSubtract(p0, p1), p3), p2) + offset;
+        const Patch patch(width, height, {x0, x1, x2, x3}, {y0, y1, y2, y3});
+        const DoubledPatch doubled(patch);
+        DoubledPatch::Places places;
+        // Pixels are asked for so many columns before they are read: what takes its time is to wait for them.
+        constexpr int stretch = 8 * DoubledPatch::mostColumns;
+        constexpr Distance outside = PTRDIFF_MIN;
+        Distance indices[stretch];
+        const auto lookUp = [&](Distance *to, int first, int count, int r) {
+            doubled.find(places, first, count, r);
+            for (int i = 0; i < count; ++i) {
+                SourcePlace place = {};
+                if (!doubled.settle(places, i, place))
+                    place = patch.placeOf(first + i, r);
+                to[i] = patch.contains(place) ? place.y * Distance{pitch} + place.x : outside;
+                if (to[i] != outside)
+                    willRead(src + to[i]);
+            }
         };
-        const Wide a = twist(x0, x1, x2, x3);
-        const Wide b = wrapSubtract(x1, x0) + offset;
-        const Wide g = wrapSubtract(x3, x0) + offset;
-        const Wide d = twist(y0, y1, y2, y3);
-        const Wide e = wrapSubtract(y1, y0) + offset;
-        const Wide f = wrapSubtract(y3, y0) + offset;
-        const Wide startX = x0 + offset;
-        const Wide startY = y0 + offset;
-        const Wide q = e * a - d * b;
-        const Wide k1 = e * g + startY * a - d * startX - f * b;
-        const Wide k2 = startY * g - f * startX;
-        const Wide twoQ = 2 * q;
-        const Wide fourQ = 4 * q;
-
         for (int r = 0; r < height; ++r) {
             q_ulong *const row = pixelAt(dst, pitch, 0, r);
-            for (int c = 0; c < width; ++c) {
-                const Wide linear = c * d + k1 - r * a;
-                const Wide constant = c * f + k2 - r * g;
-                const Wide square = linear * linear;
-                const Wide product = constant * fourQ;
-                const Wide middle = -linear / twoQ;
-                const Wide root = product <= square ? squareRoot(square - product) / twoQ : 0;
-                Wide s = middle + root;
-                if ((s <= 0 || s >= 1) && product < square)
-                    s = middle - root;
-                Wide denominator = s * a + g;
-                if (denominator == 0)
-                    denominator = 1e-09;
-                const int sourceX = truncateToInt(width * s + 0.5L);
-                const int sourceY = truncateToInt(height * (c - s * b - startX) / denominator + 0.5L);
-                const bool inside = sourceX >= 0 && sourceX < width && sourceY >= 0 && sourceY < height;
-                row[c] = inside ? *pixelAt(src, pitch, sourceX, sourceY) : 0;
+            for (int begin = 0; begin < width; begin += stretch) {
+                const int count = smaller(stretch, width - begin);
+                for (int i = 0; i < count; i += DoubledPatch::mostColumns)
+                    lookUp(indices + i, begin + i, smaller(DoubledPatch::mostColumns, count - i), r);
+                for (int i = 0; i < count; ++i)
+                    row[begin + i] = indices[i] == outside ? 0 : src[indices[i]];
             }
         }
     });

@@ -11,6 +11,30 @@ using Kinds =
     testing::Types<Numbers<4>, Pixels, MostPixels, scalar::Lanes<std::uint32_t, 4>, scalar::Lanes<std::uint32_t, 8>>;
 TYPED_TEST_SUITE(PickedLanes, Kinds);
 
+TYPED_TEST(PickedLanes, of_words_with_a_sign_are_multiplied_and_added_up_in_pairs) {
+    using Words = typename LanesOf<TypeParam>::template Same<std::uint16_t>;
+    constexpr int count = sizeof(TypeParam) / 4;
+    forEachSample<Words>([](const auto &a, auto b, test::Random &) {
+        for (int i = 0; i < count; ++i) // all four the least number is what 32 bits cannot hold
+            if (b.numbers[2 * i] == 0x8000 && b.numbers[2 * i + 1] == 0x8000)
+                b.numbers[2 * i] = 0x8001;
+        const auto product = [&](int i) { return asSigned(a.numbers[i]) * asSigned(b.numbers[i]); };
+        if constexpr (count <= 8) {
+            ASSERT_EQ(stored(pairSums(a.lanes, Words::load(b.numbers))),
+                      naive<std::uint32_t>(count, [&](int i) { return product(2 * i) + product(2 * i + 1); }));
+        }
+    });
+}
+
+TYPED_TEST(PickedLanes, are_at_hand_one_by_one_in_memory) {
+    if constexpr (std::is_same_v<TypeParam, Numbers<sizeof(TypeParam) / 4>>)
+        forEachSample<TypeParam>([](const auto &a, const auto &, test::Random &) {
+            const Spilled<sizeof(TypeParam) / 4> spilled(a.lanes);
+            for (int i = 0; i < static_cast<int>(sizeof(TypeParam) / 4); ++i)
+                ASSERT_EQ(spilled[i], asSigned(a.numbers[i]));
+        });
+}
+
 TYPED_TEST(PickedLanes, are_counted_and_doubled_in_fours) {
     forEachSeed([](test::Random &random) {
         const Sample<TypeParam> a(random);

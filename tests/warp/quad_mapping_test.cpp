@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <vector>
 
 namespace {
 
@@ -81,6 +82,30 @@ TEST(iBilinearMapping, pixels_outside_the_figure_become_0) {
         }
     const Surface cleared = painted(blank(16, 12), src.rect(), 0);
     EXPECT_EQ(bilinear(src, upright(50, 30, 60, 40)).differenceFrom(cleared), "") << "wholly outside";
+}
+
+TEST(iBilinearMapping, figures_of_some_size_show_what_full_width_makes_of_them) {
+    // Where the figure is the half, the double or four times the picture, many positions lie on the edge between two
+    // pixels but for the ten-thousandth that is added.
+    constexpr int width = 150, height = 110;
+    Surface src = placesOf(width, height);
+    std::vector<Quad> quads;
+    for (const int eighths : {4, 8, 16, 32}) {
+        for (std::size_t first = 0; first < 4; ++first)
+            quads.push_back(cycled(upright(0, 0, width * eighths / 8, height * eighths / 8), first));
+        quads.push_back({{{20, 30}, {20 + 10 * eighths, 35}, {30 + 10 * eighths, 90}, {30, 85}}}); // a parallelogram
+        quads.push_back({{{10 * eighths, 0}, {width, 10}, {width - 10 * eighths, height}, {-5, 60}}});
+        quads.push_back({{{0, 0}, {width, height}, {width, 0}, {10 * eighths, height}}});      // crossed
+        quads.push_back({{{5, 5}, {5, 5}, {90, 80 - eighths}, {10, 100}}});                    // a triangle
+        quads.push_back({{{0, 20000}, {width, -eighths}, {20000, height}, {-20000, -20000}}}); // far outside
+    }
+    for (const Quad &p : quads) {
+        Surface expected = blank(width, height);
+        plain::iBilinearMapping(expected.pixels(), src.pixels(), expected.pitch(), width, height, p[0].x, p[1].x,
+                                p[2].x, p[3].x, p[0].y, p[1].y, p[2].y, p[3].y);
+        ASSERT_EQ(bilinear(src, p).differenceFrom(expected), "")
+            << p[0].x << ", " << p[0].y << " to " << p[2].x << ", " << p[2].y;
+    }
 }
 
 TEST(iBilinearMapping, turned_corners_turn_the_image) {
