@@ -59,8 +59,8 @@ void iBilinearMapping(q_ulong *dst, q_ulong *src, int pitch, int width, int heig
                 Wide denominator = s * a + g;
                 if (denominator == 0)
                     denominator = 1e-09;
-                const int sourceX = truncateToInt(width * s + 0.5L);
-                const int sourceY = truncateToInt(height * (c - s * b - startX) / denominator + 0.5L);
+                const int sourceX = truncateToInt(width * s + 0.5);
+                const int sourceY = truncateToInt(height * (c - s * b - startX) / denominator + 0.5);
                 const bool inside = sourceX >= 0 && sourceX < width && sourceY >= 0 && sourceY < height;
                 row[c] = inside ? *pixelAt(src, pitch, sourceX, sourceY) : 0;
             }
