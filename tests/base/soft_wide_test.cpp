@@ -75,12 +75,12 @@ SoftWide anyNumber(test::Random &random) {
     return numberOf(mantissa | 1, exponent, isNegative);
 }
 
-/// A number whose sum or difference with `near` cancels.
-SoftWide closeTo(SoftWide near, test::Random &random) {
-    if (near.isZero() || near.isInfinite() || near.isNotANumber())
-        return near;
-    return numberOf(near.normalMantissa() ^ static_cast<std::uint64_t>(random.between(0, 3)),
-                    near.normalExponent() + random.between(-1, 1), random.oneIn(2));
+/// A number whose sum or difference with `other` cancels.
+SoftWide closeTo(SoftWide other, test::Random &random) {
+    if (other.isZero() || other.isInfinite() || other.isNotANumber())
+        return other;
+    return numberOf(other.normalMantissa() ^ static_cast<std::uint64_t>(random.between(0, 3)),
+                    other.normalExponent() + random.between(-1, 1), random.oneIn(2));
 }
 
 /// Angles of all sizes below 2^63, and close to multiples of a quarter turn.
@@ -90,10 +90,10 @@ SoftWide anyAngle(test::Random &random) {
     case 0:
         return numberOf(twoWords(random) | 1, random.between(-70, 62), isNegative);
     case 1: {
-        const SoftWide near =
+        const SoftWide other =
             SoftWide(random.between(1, 1000000)) * SoftWide::of(0xC90FDAA22168C235, random.between(-1, 1));
-        const std::uint64_t beside = near.normalMantissa() + static_cast<std::uint64_t>(random.between(0, 4)) - 2;
-        return SoftWide::of(beside | 1ULL << 63, near.normalExponent(), isNegative);
+        const std::uint64_t beside = other.normalMantissa() + static_cast<std::uint64_t>(random.between(0, 4)) - 2;
+        return SoftWide::of(beside | 1ULL << 63, other.normalExponent(), isNegative);
     }
     case 2:
         return random.realBetween(-100, 100);

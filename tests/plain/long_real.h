@@ -78,17 +78,18 @@ public:
         const bool aIsHigher = a.topBit() >= b.topBit();
         const LongReal &high = aIsHigher ? a : b;
         const LongReal &low = aIsHigher ? b : a;
-        // In units in which the higher number has its top bit at 126; what is far below them only tips the balance.
+        // In units in which the higher number has its top bit at 126; what lies below those only tips the balance.
         const int common = high.topBit() - 126;
-        const Number128 far = exactIn(high, common);
-        const Number128 near = exactIn(low, common);
+        const Number128 upper = exactIn(high, common);
+        const Number128 lower = exactIn(low, common);
         if (a.negative == b.negative) {
-            const Number128 sum = far + near;
+            const Number128 sum = upper + lower;
             return rounded(sum, common, high.negative);
         }
-        if (far == near)
+        if (upper == lower)
             return {};
-        return far > near ? rounded(far - near, common, high.negative) : rounded(near - far, common, low.negative);
+        return upper > lower ? rounded(upper - lower, common, high.negative)
+                             : rounded(lower - upper, common, low.negative);
     }
     friend LongReal operator-(const LongReal &a, const LongReal &b) { return b.kind == nothing ? a + b : a + (-b); }
 
@@ -466,7 +467,7 @@ struct Turned {
     }
 };
 
-/// The sine of the angle and `more` quarter turns; what is far too small for 320 bits is its own sine.
+/// The sine of the angle and `more` quarter turns; what is upper too small for 320 bits is its own sine.
 inline LongReal sineBeyond(const LongReal &angle, int more) {
     if (!angle.isNumber())
         return LongReal::noNumber();
