@@ -35,14 +35,14 @@ public:
     SoftWide() = default;
     // Numbers of the language become wide as they do with long double, without being asked.
     constexpr SoftWide(std::integral auto value) : SoftWide(ofInteger(value)) {}
-    constexpr SoftWide(float value) : SoftWide(ofFormat<24, 8>(std::bit_cast<std::uint32_t>(value))) {}
-    constexpr SoftWide(double value) : SoftWide(ofFormat<53, 11>(std::bit_cast<std::uint64_t>(value))) {}
+    constexpr SoftWide(float value) : SoftWide(ofFormat(std::bit_cast<std::uint32_t>(value), 24, 8)) {}
+    constexpr SoftWide(double value) : SoftWide(ofFormat(std::bit_cast<std::uint64_t>(value), 53, 11)) {}
     SoftWide(long double) = delete; // which is another format on every system
 
     constexpr explicit operator float() const {
-        return std::bit_cast<float>(static_cast<std::uint32_t>(toFormat<24, 8>()));
+        return std::bit_cast<float>(static_cast<std::uint32_t>(toFormat(24, 8)));
     }
-    constexpr explicit operator double() const { return std::bit_cast<double>(toFormat<53, 11>()); }
+    constexpr explicit operator double() const { return std::bit_cast<double>(toFormat(53, 11)); }
     /// Truncated toward zero; the least number where that does not fit.
     constexpr explicit operator long long() const {
         if (exponent < bias)
@@ -257,9 +257,10 @@ private:
         return {magnitude << zeros, bias + 63 - zeros, isNegative};
     }
 
-    template <int digits, int exponentBits>
-    static constexpr SoftWide ofFormat(std::uint64_t bits) {
-        constexpr int highest = (1 << exponentBits) - 1;
+    /// From and to the formats of `float` and `double`: a mantissa of so many digits, its first unsaid, and an
+    /// exponent.
+    static constexpr SoftWide ofFormat(std::uint64_t bits, int digits, int exponentBits) {
+        const int highest = (1 << exponentBits) - 1;
         const auto biased = static_cast<int>(bits >> (digits - 1)) & highest;
         const std::uint64_t fraction = bits << (65 - digits) >> 1;
         const bool isNegative = (bits >> (digits - 1 + exponentBits) & 1) != 0;
@@ -270,11 +271,10 @@ private:
         return pack(static_cast<TwoWords>(fraction) << 64, 1 - highest / 2 + bias, isNegative);
     }
 
-    template <int digits, int exponentBits>
-    constexpr std::uint64_t toFormat() const {
-        constexpr int highest = (1 << exponentBits) - 1;
+    constexpr std::uint64_t toFormat(int digits, int exponentBits) const {
+        const int highest = (1 << exponentBits) - 1;
         const std::uint64_t sign = static_cast<std::uint64_t>(negative) << (digits - 1 + exponentBits);
-        constexpr std::uint64_t infinite = static_cast<std::uint64_t>(highest) << (digits - 1);
+        const std::uint64_t infinite = static_cast<std::uint64_t>(highest) << (digits - 1);
         if (exponent == infiniteExponent)
             return sign | infinite | (mantissa << 1 >> (65 - digits));
         const int biased = exponent - bias + highest / 2;
