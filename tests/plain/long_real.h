@@ -534,7 +534,8 @@ inline LongReal powerOfE(const LongReal &value) {
     if (absolute(value) > 12000)
         return value.isNegative() ? LongReal(0) : LongReal::noNumber();
     Long rest = Long::of(absolute(value));
-    int halvings = 0;
+    int halvings = std::max(truncated(absolute(value) * 1.44) - 1, 0);
+    rest = rest - logarithmOf2 * Long::of(halvings);
     for (; !rest.isBelow(logarithmOf2); ++halvings)
         rest = rest - logarithmOf2;
     const Long result = summed(Long::of(1), [&](const Long &term, std::uint64_t k) { return (term * rest).over(k); });
