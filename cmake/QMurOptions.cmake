@@ -18,6 +18,16 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "86|AMD64|amd64")
   endif()
 endif()
 target_compile_definitions(q_Mur_arithmetic INTERFACE Q_MUR_LANES=$<BOOL:${Q_MUR_LANES}>)
+if(Q_MUR_SOFT_WIDE)
+  target_compile_definitions(q_Mur_arithmetic INTERFACE Q_MUR_SOFT_WIDE)
+endif()
+# The integers that stand in for the x87 unit are of 128 bits.
+include(CheckCXXSourceCompiles)
+check_cxx_source_compiles("__extension__ typedef unsigned __int128 Wide; int main() { return static_cast<int>(Wide()); }"
+  Q_MUR_SOFT_WIDE_COMPILES)
+if(Q_MUR_SOFT_WIDE AND NOT Q_MUR_SOFT_WIDE_COMPILES)
+  message(FATAL_ERROR "Q_MUR_SOFT_WIDE needs integers of 128 bits, which this target lacks")
+endif()
 
 add_library(q_Mur_warnings INTERFACE)
 target_compile_options(q_Mur_warnings INTERFACE

@@ -90,14 +90,14 @@ inline bool facesFront(const _POINT3DFLOAT &p1, const _POINT3DFLOAT &p2, const _
 }
 
 inline _POINT3DFLOAT meanOf(const _POINT3DFLOAT &a, const _POINT3DFLOAT &b) {
-    const auto mean = [](float p, float q) { return static_cast<float>((static_cast<Wide>(p) + q) * 0.5L); };
+    const auto mean = [](float p, float q) { return static_cast<float>((static_cast<Wide>(p) + q) * 0.5); };
     return {mean(a.x, b.x), mean(a.y, b.y), mean(a.z, b.z), 0};
 }
 
 inline _POINT3DFLOAT meanOf(const _POINT3DFLOAT &a, const _POINT3DFLOAT &b, const _POINT3DFLOAT &c,
                             const _POINT3DFLOAT &d) {
     const auto mean = [](float p, float q, float r, float s) {
-        return static_cast<float>((static_cast<Wide>(p) + q + r + s) * 0.25L);
+        return static_cast<float>((static_cast<Wide>(p) + q + r + s) * 0.25);
     };
     return {mean(a.x, b.x, c.x, d.x), mean(a.y, b.y, c.y, d.y), mean(a.z, b.z, c.z, d.z), 0};
 }

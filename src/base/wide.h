@@ -4,7 +4,7 @@
 /// Where the library promises "full width" it means the x87 format with its 64-bit mantissa. A host
 /// or a thread of Windows starts with the unit's precision control at 53 bits, and the platforms' long double sine,
 /// cosine and tangent differ in the last bit, whereas the processor's own instructions are the same under every
-/// compiler and system: both are dealt with here.
+/// compiler and system: both are dealt with here. Where there is no such unit, integers stand in for it.
 #ifndef Q_MUR_BASE_WIDE_H
 #define Q_MUR_BASE_WIDE_H
 
@@ -12,15 +12,25 @@
 #include <utility>
 
 #if defined(__GNUC__) && (defined(__i386__) || defined(__x86_64__))
+#define Q_MUR_X86 1
+#else
+#define Q_MUR_X86 0
+#endif
+#if Q_MUR_X86 && !defined(Q_MUR_SOFT_WIDE)
 #define Q_MUR_X87 1
 #else
 #define Q_MUR_X87 0
+#include "base/soft_wide.h"
 #endif
 
 namespace qmur {
 
-/// The widest floating format of the platform.
+/// A number at full width.
+#if Q_MUR_X87
 using Wide = long double;
+#else
+using Wide = SoftWide;
+#endif
 
 /// A sine and a cosine of one angle.
 struct SineCosine {
@@ -33,13 +43,13 @@ namespace detail {
 /// Calls `compute` where the compiler can neither move its arithmetic out nor see through it.
 template <class Compute>
 [[gnu::noinline]] auto outOfLine(Compute &compute) {
-#if Q_MUR_X87
+#if Q_MUR_X86
     asm volatile("" ::: "memory");
 #endif
     return compute();
 }
 
-#if Q_MUR_X87
+#if Q_MUR_X86
 /// The state of the unit that the format is made for: 64 bits, rounded to nearest, no exception taken. The same of the
 /// vector unit, whose doubles stand in for the format where they are known to lead to the same.
 class FullPrecision {
@@ -72,34 +82,67 @@ private:
 };
 #endif
 
-/// Brings an angle into the range of the processor's instructions, which end at 2^63.
-inline Wide reducedAngle(Wide angle) {
-    constexpr Wide limit = 0x1p63L;
-    constexpr Wide fullCircle = 6.283185307179586476925286766559L;
-    return angle < limit && angle > -limit ? angle : std::fmod(angle, fullCircle);
-}
-
 } // namespace detail
 
 /// Runs `compute` with the floating unit at its full precision and returns what it returns.
 /// All arithmetic on #Wide values stands inside such a call; its result should be ints, floats or doubles.
 template <class Compute>
 auto atFullWidth(Compute compute) {
-#if Q_MUR_X87
+#if Q_MUR_X86
     const detail::FullPrecision fullPrecision;
 #endif
     return detail::outOfLine(compute);
 }
 
+#if Q_MUR_X87
+inline Wide absolute(Wide value) {
+    return std::fabs(value);
+}
+
+/// The larger number, and of a number and a not-a-number the number.
+inline Wide largerOf(Wide a, Wide b) {
+    return std::fmax(a, b);
+}
+
+/// The remainder of a / b truncated.
+inline Wide remainderOf(Wide a, Wide b) {
+    return std::fmod(a, b);
+}
+
+inline Wide squareRoot(Wide value) {
+    return std::sqrt(value);
+}
+#else
+inline Wide largerOf(Wide a, Wide b) {
+    return a < b || a.isNotANumber() ? b : a;
+}
+#endif
+
+namespace detail {
+
+/// Brings an angle into the range of the processor's instructions, which end at 2^63.
+inline Wide reducedAngle(Wide angle) {
+    constexpr Wide limit = 0x1p63;
+#if Q_MUR_X87
+    constexpr Wide fullCircle = 6.283185307179586476925286766559L;
+#else
+    constexpr Wide fullCircle = Wide::of(0xC90FDAA22168C235, 2);
+#endif
+    return angle < limit && angle > -limit ? angle : remainderOf(angle, fullCircle);
+}
+
+} // namespace detail
+
 inline SineCosine sineCosine(Wide angle) {
     angle = detail::reducedAngle(angle);
-    SineCosine result;
 #if Q_MUR_X87
+    SineCosine result;
     asm("fsincos" : "=t"(result.cosine), "=u"(result.sine) : "0"(angle));
-#else
-    result = {std::sin(angle), std::cos(angle)};
-#endif
     return result;
+#else
+    const SoftSineCosine result = softSineCosine(angle);
+    return {result.sine, result.cosine};
+#endif
 }
 
 inline Wide tangent(Wide angle) {
@@ -110,7 +153,7 @@ inline Wide tangent(Wide angle) {
     asm("fptan" : "=t"(one), "=u"(result) : "0"(angle));
     return result;
 #else
-    return std::tan(angle);
+    return softTangent(angle);
 #endif
 }
 
@@ -121,7 +164,7 @@ inline Wide arcTangent(Wide y, Wide x) {
     asm("fpatan" : "=t"(result) : "0"(x), "u"(y) : "st(1)");
     return result;
 #else
-    return std::atan2(y, x);
+    return softArcTangent(y, x);
 #endif
 }
 
@@ -138,12 +181,8 @@ inline Wide exponential(Wide value) {
     asm("fscale" : "=t"(result) : "0"(fraction + 1), "u"(whole));
     return result;
 #else
-    return std::exp(value);
+    return softExponential(value);
 #endif
-}
-
-inline Wide squareRoot(Wide value) {
-    return std::sqrt(value);
 }
 
 /// Truncates toward zero to 64 bits and keeps the low 32; what 64 bits cannot hold gives 0.

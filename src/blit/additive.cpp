@@ -142,7 +142,7 @@ void iBltNear32_Add_KeySrc(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitc
     const int height = heightOf(*srcRect);
     const int radius = atFullWidth([=] {
         const int squares = wrapAdd(wrapMultiply(width, width), wrapMultiply(height, height));
-        return truncateToInt(squareRoot(squares) * 0.5L);
+        return truncateToInt(squareRoot(squares) * 0.5);
     });
     // The destination column and row of the source's column 0 and row 0.
     const int originX = wrapSubtract(centreX, wrapAdd(srcRect->left, srcRect->right) >> 1);

@@ -588,7 +588,7 @@ float profileHeight(int distanceSquare, int profile, int half) {
     case 0:
         return static_cast<float>(distance + distance);
     case 1:
-        return static_cast<float>(distanceSquare * 0.5L);
+        return static_cast<float>(distanceSquare * static_cast<Wide>(0.5));
     case 2: {
         const auto full = static_cast<float>(wrapMultiply(2, half));
         return static_cast<float>(distance < full ? squareRoot((full - distance) * distance) : half);

@@ -10,7 +10,9 @@ void VKD_Mapping3Dto2D(_PRIVATE_QMGL_DATA *data, _POINT3DFLOAT *points, int rows
         data->workMatrix = matrixProduct(data->viewStack[data->viewDepth], data->modelStack[data->modelDepth]);
         const _I3DMATRIX matrix = data->workMatrix;
         const auto m = [&matrix](int row, int column) -> Wide { return matrix.m[4 * row + column]; };
-        const auto middle = [](int low, int high) { return static_cast<float>(wrapAdd(low, high) * 0.5L); };
+        const auto middle = [](int low, int high) {
+            return static_cast<float>(wrapAdd(low, high) * static_cast<Wide>(0.5));
+        };
         const float centreX = middle(data->viewportLeft, data->viewportRight);
         const float centreY = middle(data->viewportTop, data->viewportBottom);
         const Wide focalLength = data->focalLength;

@@ -234,8 +234,8 @@ constexpr double fullCircle = 6.283184;
 
 Wide reduced(Wide angle) {
     // Beyond this a step of the loop below no longer means anything.
-    if (std::fabs(angle) > 0x1p20L)
-        angle = std::fmod(angle, static_cast<Wide>(fullCircle));
+    if (absolute(angle) > 0x1p20)
+        angle = remainderOf(angle, fullCircle);
     while (angle > fullCircle)
         angle -= fullCircle;
     while (angle < 0)
@@ -247,7 +247,7 @@ Reach reachOf(const TwoFaces &faces, double angle, double scale, double perspect
     return atFullWidth([=] {
         Reach reach = {};
         const Wide cosine = sineCosine(angle).cosine;
-        if (scale == 0.0 || !std::isfinite(angle) || std::fabs(cosine) < 1e-07)
+        if (scale == 0.0 || !std::isfinite(angle) || absolute(cosine) < 1e-07)
             return reach;
         const Wide wideScale = scale;
         reach.drawn = true;
@@ -256,13 +256,13 @@ Reach reachOf(const TwoFaces &faces, double angle, double scale, double perspect
 
         const Wide turned = reduced(angle);
         reach.backView = turned > 1.570796 && turned < 4.712388;
-        const Wide foreshortening = std::fabs(sineCosine(turned).cosine);
+        const Wide foreshortening = absolute(sineCosine(turned).cosine);
         const int before = wrapSubtract(faces.pivot, faces.srcOuter.begin);
         const int behind = wrapSubtract(faces.srcOuter.end, faces.pivot);
         const int above = truncateToInt((reach.backView ? behind : before) * foreshortening * wideScale);
         const int below = truncateToInt((reach.backView ? before : behind) * foreshortening * wideScale);
-        const Wide farthest = std::fmax(before * wideScale, behind * wideScale);
-        const Wide half = 0.5L * (wideScale * wrapSubtract(faces.srcInner.end, faces.srcInner.begin)) *
+        const Wide farthest = largerOf(before * wideScale, behind * wideScale);
+        const Wide half = 0.5 * (wideScale * wrapSubtract(faces.srcInner.end, faces.srcInner.begin)) *
                           (static_cast<Wide>(perspective) + 1);
 
         // A bound beyond the frame is set on its edge, some of them one short of it.
@@ -348,12 +348,12 @@ void turnFrame(const WholeFrame &frame, double angle, double scale, double persp
     };
     const FrameTurn frameTurn = atFullWidth([=] {
         const Wide scaledCosine = sineCosine(angle).cosine * scale;
-        if (scale == 0.0 || !std::isfinite(angle) || std::fabs(scaledCosine) < 1e-07)
+        if (scale == 0.0 || !std::isfinite(angle) || absolute(scaledCosine) < 1e-07)
             return FrameTurn{};
         return FrameTurn{true,
-                         {truncateToInt(scale * 32768.0L), truncateToInt(tangent(angle) * perspective * 32768),
-                          truncateToInt(32768 / scaledCosine)},
-                         truncateToInt((1.0L - std::fabs(scaledCosine)) * outerHalf)};
+                         {truncateToInt(static_cast<Wide>(scale) * 32768),
+                          truncateToInt(tangent(angle) * perspective * 32768), truncateToInt(32768 / scaledCosine)},
+                         truncateToInt((1 - absolute(scaledCosine)) * outerHalf)};
     });
     if (!frameTurn.drawn)
         return;

@@ -74,8 +74,8 @@ struct Patch {
         Wide denominator = s * a + g;
         if (denominator == 0)
             denominator = 1e-09;
-        return {truncateToInt(width * s + 0.5L),
-                truncateToInt(height * (column - s * b - startX) / denominator + 0.5L)};
+        return {truncateToInt(width * s + 0.5),
+                truncateToInt(height * (column - s * b - startX) / denominator + 0.5)};
     }
 
     bool contains(SourcePlace place) const {

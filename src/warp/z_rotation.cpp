@@ -45,7 +45,7 @@ Rotation rotationOf(const tagRECT &clipRect, const tagRECT &srcRect, int centreX
     return atFullWidth([=] {
         Rotation rotation;
         const int squares = wrapAdd(wrapMultiply(width, width), wrapMultiply(height, height));
-        const int radius = truncateToInt(squareRoot(squares) * scale * 0.5L);
+        const int radius = truncateToInt(squareRoot(squares) * scale * 0.5);
         const SineCosine unit = sineCosine(angle);
         rotation.columns = clippedWalk(wrapSubtract(centreX, radius), wrapAdd(centreX, radius), clipColumns);
         rotation.rows = clippedWalk(wrapSubtract(centreY, radius), wrapAdd(centreY, radius), clipRows);

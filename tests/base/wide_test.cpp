@@ -10,6 +10,7 @@
 #include <cfenv>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -24,9 +25,10 @@ void expectTruncation() {
         {0x1p32, 0}, {0x1.8p33, 0}, {0x1p62, 0}, {0x1.000002p32, 512}, {-0x1.000002p32, -512}};
     for (const auto &[value, truncated] : truncations)
         EXPECT_EQ(truncateToInt(static_cast<Real>(value)), truncated) << value;
-    using Limits = std::numeric_limits<Real>;
-    for (const Real value : {Real(0x1p63), Real(-0x1p63), Real(0x1.8p64), Real(-0x1.8p80), Limits::max(),
-                             Limits::lowest(), Limits::infinity(), -Limits::infinity(), Limits::quiet_NaN()})
+    using Limits = std::numeric_limits<std::conditional_t<std::is_floating_point_v<Real>, Real, double>>;
+    for (const Real value :
+         {Real(0x1p63), Real(-0x1p63), Real(0x1.8p64), Real(-0x1.8p80), Real(Limits::max()), Real(Limits::lowest()),
+          Real(Limits::infinity()), Real(-Limits::infinity()), Real(Limits::quiet_NaN())})
         EXPECT_EQ(truncateToInt(value), 0) << static_cast<double>(value);
 }
 

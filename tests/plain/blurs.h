@@ -165,8 +165,8 @@ inline GaussWeights gaussWeightsOf(float sigma) {
     const FullWidth precision;
     GaussWeights weights;
     const auto t = static_cast<float>(Real{sigma} * sigma + Real{sigma} * sigma);
-    const auto n = static_cast<float>(std::sqrt(Real{t} * 3.1415927F));
-    const auto density = [=](int k) { return static_cast<float>(std::exp(-static_cast<Real>(k * k) / t) / n); };
+    const auto n = static_cast<float>(rootOf(Real{t} * 3.1415927F));
+    const auto density = [=](int k) { return static_cast<float>(powerOfE(-static_cast<Real>(k * k) / t) / n); };
     while (weights.radius < 128 && !(density(weights.radius) <= 0.00009999999747378752F))
         ++weights.radius;
     if (weights.radius == 128)

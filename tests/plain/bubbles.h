@@ -11,7 +11,7 @@ namespace plain {
 namespace draw {
 
 inline Number specularOf(const Vector &n, Real peak) {
-    const Real root = std::sqrt(Real{6});
+    const Real root = rootOf(Real{6});
     Real s = n.x * (-1 / root) + n.y * (-1 / root) + n.z * (2 / root);
     if (!(s > 0))
         return 0;
@@ -32,7 +32,7 @@ inline q_ulong maps(Number diffuse, Number tint, Number specular) {
 inline q_ulong sphereWord(Number dx, Number dy, Number radius, bool secondHighlight) {
     const auto point = [=](Number a, Number b) {
         const Number below = radius * radius - squares(a, b);
-        const Real height = below > 0 ? std::sqrt(static_cast<Real>(below)) : 0;
+        const Real height = below > 0 ? rootOf(static_cast<Real>(below)) : 0;
         return Vector{static_cast<float>(a), static_cast<float>(b), static_cast<float>(height)};
     };
     const Vector n = faceNormal(point(dx, dy), point(dx - 1, dy), point(dx, dy - 1));

@@ -63,7 +63,7 @@ inline void trace(std::vector<Crossing> &crossings, Place from, Place to, Place 
             continue;
         const Number t = y - from.y;
         const Number quotient = t * dx / dy;
-        const Number correction = inSixteenths ? truncated((Real(quotient) - Real(t * dx) / dy) * -16.0L) : Number{0};
+        const Number correction = inSixteenths ? truncated((Real(quotient) - Real(t * dx) / dy) * -16) : Number{0};
         const Number x = quotient + from.x;
         crossings.push_back({.u = t * (sourceTo.x - sourceFrom.x) * unit / dy - correction + sourceFrom.x * unit,
                              .v = t * (sourceTo.y - sourceFrom.y) * unit / dy + sourceFrom.y * unit,

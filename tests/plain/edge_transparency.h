@@ -27,7 +27,7 @@ inline Strip stripOf(const tagPOINT &p1, const tagPOINT &p2, int edgeWidth) {
     const FullWidth precision;
     const Number width = std::max(p1.x, p2.x) - Number{std::min(p1.x, p2.x)};
     const Number height = std::max(p1.y, p2.y) - Number{std::min(p1.y, p2.y)};
-    const Real theta = std::atan2(static_cast<Real>(height), static_cast<Real>(width));
+    const Real theta = arcTangent(static_cast<Real>(height), static_cast<Real>(width));
     const bool isSteep = truncated(theta * static_cast<Real>(57.29577791868204)) > 45;
     return {isSteep, truncated(edgeWidth / 2 / (isSteep ? sine(theta) : cosine(theta)))};
 }

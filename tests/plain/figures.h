@@ -12,7 +12,7 @@ namespace plain {
 inline void iBilinearMapping(q_ulong *dst, q_ulong *src, int pitch, int width, int height, int x0, int x1, int x2,
                              int x3, int y0, int y1, int y2, int y3) {
     const FullWidth fullWidth;
-    constexpr Real offset = 0.0001;
+    const Real offset = 0.0001;
     const Real A = int32(Number{x0} - x1 - x3 + x2) + offset;
     const Real B = int32(Number{x1} - x0) + offset;
     const Real G = int32(Number{x3} - x0) + offset;
@@ -31,7 +31,7 @@ inline void iBilinearMapping(q_ulong *dst, q_ulong *src, int pitch, int width, i
             Real root = 0;
             Real s = -b / (2 * q);
             if (e * (4 * q) <= b * b) {
-                root = std::sqrt(b * b - e * (4 * q)) / (2 * q);
+                root = rootOf(b * b - e * (4 * q)) / (2 * q);
                 s = -b / (2 * q) + root;
             }
             if ((s <= 0 || s >= 1) && e * (4 * q) < b * b)
@@ -39,8 +39,8 @@ inline void iBilinearMapping(q_ulong *dst, q_ulong *src, int pitch, int width, i
             Real denominator = s * A + G;
             if (denominator == 0)
                 denominator = 1e-09;
-            const int x = truncated(width * s + 0.5L);
-            const int y = truncated(height * (c - s * B - X0) / denominator + 0.5L);
+            const int x = truncated(width * s + 0.5);
+            const int y = truncated(height * (c - s * B - X0) / denominator + 0.5);
             Pixels{dst, pitch}.at(c, r) = x >= 0 && x < width && y >= 0 && y < height ? Pixels{src, pitch}.at(x, y) : 0;
         }
 }

@@ -101,8 +101,8 @@ private:
 
     Real profileAt(Number d2) const {
         const Number half = bevel >> 1;
-        const Real f = std::sqrt(static_cast<Real>(d2));
-        const auto circle = [=] { return std::sqrt((2 * static_cast<Real>(half) - f) * f); };
+        const Real f = rootOf(static_cast<Real>(d2));
+        const auto circle = [=] { return rootOf((2 * static_cast<Real>(half) - f) * f); };
         if (form != Relief::source)
             return d2 < half * half ? circle() : static_cast<Real>(half);
         switch (limitOrProfile) {
@@ -168,7 +168,7 @@ private:
     q_ulong wordOf(const Vector &n) const {
         const bool isSource = form == Relief::source;
         const float l = isSource ? 1 : 0.7F;
-        const Real length = std::sqrt(isSource ? Real{6} : Real{3.869999926090241});
+        const Real length = rootOf(isSource ? Real{6} : Real{3.869999926090241});
         const auto half = static_cast<float>(l / length);
         const Number diffuse = std::max(truncated(256 * dot(Vector{l, l, -l}, n)), 0);
         Real s = dot(Vector{half, half, static_cast<float>((-Real{l} - 1) / length)}, n);

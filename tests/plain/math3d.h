@@ -93,7 +93,7 @@ inline void fRotate3D(_POINT3DFLOAT *p, _POINT3DFLOAT *a, _POINT3DFLOAT *q, floa
         const Real dy = Real{q->y} - a->y;
         const Real dz = Real{q->z} - a->z;
         t1 = static_cast<float>(arcTangent(dx, dy));
-        t2 = static_cast<float>(arcTangent(dz, std::sqrt(dx * dx + dy * dy)));
+        t2 = static_cast<float>(arcTangent(dz, rootOf(dx * dx + dy * dy)));
     });
     p->x = p->x - q->x;
     p->y = p->y - q->y;
@@ -113,7 +113,7 @@ inline void iRotate3D(_POINT3D *p, _POINT3D *a, _POINT3D *q, unsigned short angl
         const Real dy = int32(Number{q->y} - a->y);
         const Real dz = int32(Number{q->z} - a->z);
         t1 = truncated(arcTangent(dx, dy) * unitsPerRadian);
-        t2 = truncated(arcTangent(dz, std::sqrt(dx * dx + dy * dy)) * unitsPerRadian);
+        t2 = truncated(arcTangent(dz, rootOf(dx * dx + dy * dy)) * unitsPerRadian);
     });
     const auto low16 = [](int units) { return static_cast<unsigned short>(units); };
     *p = {int32(Number{p->x} - q->x), int32(Number{p->y} - q->y), int32(Number{p->z} - q->z), p->w};

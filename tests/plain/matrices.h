@@ -115,7 +115,7 @@ inline void VKD_glViewPort(_PRIVATE_QMGL_DATA *data, int left, int top, int righ
 
 inline void VKD_gluPerspective(_PRIVATE_QMGL_DATA *data, float fovyDegrees, float, float zNear, float zFar) {
     const FullWidth scope;
-    const Real slope = tangent(Real{fovyDegrees} * 0x1.1DF468p-7L);
+    const Real slope = tangent(Real{fovyDegrees} * 0x1.1DF468p-7);
     const Number half = signed32(Number{data->viewportBottom} - data->viewportTop) / 2;
     data->focalLength = slope == 0 ? 32768 : truncated(static_cast<Real>(half) / slope);
     data->nearLimit = truncated(-Real{zNear});
@@ -127,7 +127,7 @@ inline void VKD_gluLookAt(_PRIVATE_QMGL_DATA *data, float eyeX, float eyeY, floa
     _I3DMATRIX view;
     {
         const FullWidth scope;
-        const Real tiny = 0x1.0C6F7Ap-20L;
+        const Real tiny = 0x1.0C6F7Ap-20;
         /// What is left of a vector without its part along another.
         const auto beside = [](const Vector &v, Real part, const Vector &along) {
             return difference(v, eachComponent([&](float Vector::*k) { return part * along.*k; }));

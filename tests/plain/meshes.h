@@ -27,7 +27,7 @@ inline void light(const Grid &grid, const _POINT3DFLOAT &towardLight, const _POI
     int specularLevel = 0;
     {
         const FullWidth scope;
-        ambientLevel = truncated(std::sqrt(static_cast<Real>(signed32(squares))));
+        ambientLevel = truncated(rootOf(static_cast<Real>(signed32(squares))));
         specularLevel = truncated(Real{specular} * 256);
     }
     forLitVertices(grid.points, static_cast<int>(grid.rows), static_cast<int>(grid.columns), towardLight, ambientLevel,

@@ -71,7 +71,7 @@ bool lightMesh(Block *data, const TexturedMesh &mesh, _POINT3DFLOAT *light, cons
     const auto square = [](Number component) { return component * component; };
     const auto squares =
         static_cast<float>(int32(square(ambientColor.x) + square(ambientColor.y) + square(ambientColor.z)));
-    findLuminance(data, mesh.points, mesh.rows, mesh.cols, light, truncated(std::sqrt(Real{squares})),
+    findLuminance(data, mesh.points, mesh.rows, mesh.cols, light, truncated(rootOf(Real{squares})),
                   truncated(Real{specular} * 256), shininess);
     return true;
 }

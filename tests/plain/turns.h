@@ -35,7 +35,7 @@ void walkZ(const ZTurn &turn, Pixel pixel) {
     const Number inverseScale = truncated(32768 / scale);
     const Number width = signed32(widthOf(turn.src));
     const Number height = signed32(heightOf(turn.src));
-    const Number radius = truncated(std::sqrt(Real(signed32(width * width + height * height))) * scale * 0.5L);
+    const Number radius = truncated(rootOf(Real(signed32(width * width + height * height))) * scale * 0.5);
 
     const auto lowBound = [radius](Number centre, Number low, Number high) {
         const Number bound = std::max(signed32(centre - radius), low);
@@ -175,7 +175,7 @@ void turnFaces(q_ulong *dstPixels, q_ulong *front, q_ulong *back, q_ulong *backg
 
     const FullWidth fullWidth;
     const Real cosineOfAngle = cosine(angle);
-    if (std::fabs(cosineOfAngle) < 1e-07)
+    if (absolute(cosineOfAngle) < 1e-07)
         return;
     const Number scaleQ = truncated(Real{scale} * 32768);
     const Number tangentQ = truncated(tangent(angle) * perspective * 32768);
@@ -188,11 +188,11 @@ void turnFaces(q_ulong *dstPixels, q_ulong *front, q_ulong *back, q_ulong *backg
     const bool backView = reduced > 1.570796 && reduced < 4.712388;
     const Real up = int32(pivotLine - first);
     const Real down = int32(end - pivotLine);
-    const Real c = std::fabs(cosine(reduced));
+    const Real c = absolute(cosine(reduced));
     const Number above = truncated((backView ? down : up) * c * scale);
     const Number below = truncated((backView ? up : down) * c * scale);
     const Real reach = std::max(up * scale, down * scale);
-    const Real half = 0.5L * (Real{scale} * int32(endAlong - firstAlong)) * (Real{perspective} + 1);
+    const Real half = 0.5 * (Real{scale} * int32(endAlong - firstAlong)) * (Real{perspective} + 1);
     const auto held = [](Number value, Number most, Number otherwise) {
         value = std::max<Number>(value, 0);
         return value > most ? otherwise : value;
@@ -245,14 +245,14 @@ inline void turnFrame(const Lines &dst, const Lines &src, const Lines *backgroun
         return;
     const FullWidth fullWidth;
     const Real shrunk = cosine(angle) * scale;
-    if (std::fabs(shrunk) < 1e-07)
+    if (absolute(shrunk) < 1e-07)
         return;
     const Number half = limit / 2;
     const Number halfAlong = limitAlong / 2;
     const Number scaleQ = truncated(Real{scale} * 32768);
     const Number tangentQ = truncated(tangent(angle) * perspective * 32768);
     const Number inverseQ = truncated(32768 / shrunk);
-    const Number margin = truncated((1.0L - std::fabs(shrunk)) * half);
+    const Number margin = truncated((1 - absolute(shrunk)) * half);
     const Number top = std::min(margin, half);
     const Number bottom = std::max(limit - margin - 1, half + 1);
     const auto draw = [&](bool wantsFace) {

@@ -38,7 +38,7 @@ Real dot(const Point &a, const Point &b) {
 }
 template <class Point>
 Real lengthOf(const Point &v) {
-    return std::sqrt(dot(v, v));
+    return rootOf(dot(v, v));
 }
 
 template <class Point>
