@@ -1,3 +1,4 @@
+#include "plain/figures.h"
 #include "support/painting.h"
 
 #include <gtest/gtest.h>
