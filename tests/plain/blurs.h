@@ -199,7 +199,7 @@ inline void gaussRun(Run dst, Run src, Number length, const GaussWeights &weight
 template <bool columns>
 void gaussBlur(q_ulong *dst, q_ulong *src, float sigma, int width, int height, int pitch) {
     const GaussWeights weights = gaussWeightsOf(sigma);
-    if (weights.radius < 128)
+    if (weights.radius < 128 && width > 0 && height > 0) // billions of lines that have no pixel take a while
         forLines<columns>(dst, src, width, height, pitch,
                           [&](Run to, Run from, Number length) { gaussRun(to, from, length, weights); });
 }
