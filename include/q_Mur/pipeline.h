@@ -23,8 +23,8 @@
 /// - VKD_Mapping3Dto2D() takes rows before columns, the renderers take columns before rows.
 ///
 /// Nothing is checked: neither the depth of the stacks, nor a surface, which `clip` alone bounds and which may be read
-/// anywhere inside it, nor the sizes of arrays. A private block serves one thread at a time. Pitches count pixels; the Z
-/// plane has the same.
+/// anywhere inside it, nor the sizes of arrays. A private block serves one thread at a time. Pitches count pixels; the
+/// Z plane has the same.
 #ifndef Q_MUR_PIPELINE_H
 #define Q_MUR_PIPELINE_H
 

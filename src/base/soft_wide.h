@@ -136,7 +136,7 @@ public:
     constexpr SoftWide &operator*=(SoftWide other) { return *this = *this * other; }
     constexpr SoftWide &operator/=(SoftWide other) { return *this = *this / other; }
 
-    friend constexpr bool operator==(SoftWide a, SoftWide b) { return (a <=> b) == 0; }
+    friend constexpr bool operator==(SoftWide a, SoftWide b) { return std::is_eq(a <=> b); }
     friend constexpr std::partial_ordering operator<=>(SoftWide a, SoftWide b) {
         if (a.isNotANumber() || b.isNotANumber())
             return std::partial_ordering::unordered;

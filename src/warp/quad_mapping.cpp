@@ -74,8 +74,7 @@ struct Patch {
         Wide denominator = s * a + g;
         if (denominator == 0)
             denominator = 1e-09;
-        return {truncateToInt(width * s + 0.5),
-                truncateToInt(height * (column - s * b - startX) / denominator + 0.5)};
+        return {truncateToInt(width * s + 0.5), truncateToInt(height * (column - s * b - startX) / denominator + 0.5)};
     }
 
     bool contains(SourcePlace place) const {

@@ -115,6 +115,10 @@ class Interruptions(ShowTest):
 class FullDisk(ShowTest):
     """On a small file system of its own, where that may be set up."""
 
+    def setUp(self):
+        super().setUp()
+        self.on_disk_of(8, "--list")
+
     def on_disk_of(self, kilobytes, *arguments):
         """Runs the program in a directory on a new file system; answers its result and what lies there in the end."""
         disk = self.directory / "disk"
