@@ -298,7 +298,7 @@ TEST(VKD_i3D_Blt_Tri, any_mode_but_one_calls_what_is_in_the_slot) {
     QuadCorners corners = cornersOf(2, 3, 6, 8, 4000, 4000);
     for (PolygonCorner &corner : corners)
         corner.tex.x += 160;
-    for (const q_ulong mode : {0x0u, keyedMode, unlitMode, flatMode, 0x100u, 0xFFFF0u}) {
+    for (const q_ulong mode : std::initializer_list<q_ulong>{0, keyedMode, unlitMode, flatMode, 0x100, 0xFFFF0}) {
         EXPECT_TRUE(drawRecorded(triangleOf(corners, 0, 1, 2), mode) == &recordingMapper);
         ASSERT_EQ(recordedCalls.size(), 2u);
         EXPECT_EQ(recordedCalls[1].u, 160); // not shifted, however small the triangle
