@@ -253,7 +253,7 @@ struct Reduced {
         if (exponent < -1)
             return;
         TwoWords units = static_cast<TwoWords>(angle.normalMantissa()) << (exponent + 2);
-        const TwoWords whole = (units + quarter / 2) / quarter;
+        const TwoWords whole = units / quarter + (units % quarter > quarter / 2);
         quarters = static_cast<unsigned>(whole) & 3;
         units -= whole * quarter;
         const bool isBelow = units >> 127 != 0;

@@ -234,8 +234,8 @@ void iBilinearMapping(q_ulong *dst, q_ulong *src, int pitch, int width, int heig
         };
         for (int r = 0; r < height; ++r) {
             q_ulong *const row = pixelAt(dst, pitch, 0, r);
-            for (int begin = 0; begin < width; begin += stretch) {
-                const int count = smaller(stretch, width - begin);
+            for (int begin = 0, count; begin < width; begin += count) {
+                count = smaller(stretch, width - begin);
                 for (int i = 0; i < count; i += DoubledPatch::mostColumns)
                     lookUp(indices + i, begin + i, smaller(DoubledPatch::mostColumns, count - i), r);
                 for (int i = 0; i < count; ++i)

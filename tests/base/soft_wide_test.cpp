@@ -72,7 +72,7 @@ SoftWide anyNumber(test::Random &random) {
     if (random.oneIn(200)) // with a payload
         return {std::bit_cast<double>(std::uint64_t{0x7FF8} << 48 | (mantissa >> 13) |
                                       static_cast<std::uint64_t>(isNegative) << 63)};
-    return numberOf(mantissa | 1, exponent, isNegative);
+    return numberOf(mantissa == 0 ? 1 : mantissa, exponent, isNegative);
 }
 
 /// A number whose sum or difference with `other` cancels.
@@ -129,9 +129,13 @@ TEST(SoftWide, is_all_zero_bytes_for_0_and_converts_what_the_language_converts) 
     EXPECT_EQ(Stored(SoftWide(std::numeric_limits<std::int64_t>::min())), Stored(0x8000000000000000, 0xC03E));
     EXPECT_EQ(Stored(SoftWide(0x1p-1074)), Stored(0x8000000000000000, 0x3FFF - 1074));
     EXPECT_EQ(Stored(SoftWide(0.1F)), Stored(0xCCCCCD0000000000, 0x3FFB));
-    EXPECT_EQ(static_cast<float>(SoftWide(0x1.000001p0)), 1.0F);          // a tie goes to the even one
-    EXPECT_EQ(static_cast<float>(SoftWide(0x1.000003p0)), 0x1.000004p0F); // and here up
-    EXPECT_EQ(static_cast<double>(SoftWide(0x1.8p-1074 / 2)), 0x1p-1074);
+    EXPECT_EQ(static_cast<float>(SoftWide(0x1.000001p0)), 1.0F);                        // a tie goes to the even one
+    EXPECT_EQ(static_cast<float>(SoftWide(0x1.000003p0)), 0x1.000004p0F);               // and here up
+    EXPECT_EQ(static_cast<double>(SoftWide::of(0xC000000000000000, -1075)), 0x1p-1074); // 0.75 of the least
+    EXPECT_EQ(static_cast<double>(SoftWide::of(0x8000000000000000, -1075)), 0.0);       // ties to the even one
+    EXPECT_EQ(static_cast<double>(SoftWide::of(0xC000000000000000, -1074)), 0x1p-1073);
+    EXPECT_EQ(static_cast<float>(SoftWide::of(0x8000000000000000, -150)), 0.0F);
+    EXPECT_EQ(static_cast<float>(SoftWide::of(0xC000000000000000, -149)), 0x1p-148F);
     EXPECT_EQ(static_cast<float>(SoftWide(1e39)), std::numeric_limits<float>::infinity());
     EXPECT_EQ(static_cast<long long>(SoftWide(-1.75)), -1);
     EXPECT_FALSE(SoftWide(std::nan("")) == SoftWide(std::nan("")));
