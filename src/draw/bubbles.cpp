@@ -563,7 +563,7 @@ void DrawRealBubble(q_ulong *surface, q_ulong *scratch, int pitch, int cx, int c
         };
         const q_ulong *const line = next;
         const int first = columns.begin;
-        next += larger(columns.end - first, 0);
+        next += columns.end > first ? columns.end - first : 0;
         int x = first;
         if (isApart) {
             // Distances from the rim grow up to the middle of the row: where both ends are inside, all between them is.
