@@ -1,6 +1,6 @@
 #include "proofs.h"
 
-#include <barrier>
+#include <atomic>
 #include <thread>
 
 namespace proofs {
@@ -30,12 +30,16 @@ void prove(const Row &row) {
             row.functions.library(call)();
     };
     runAll(expected);
-    std::barrier begin(2); // a thread takes longer to start than many of the calls take
+    std::atomic<int> ready = 0; // a thread takes longer to start than many of the calls take
+    const auto begin = [&ready] {
+        for (++ready; ready < 2;)
+            std::this_thread::yield();
+    };
     std::thread other([&] {
-        begin.arrive_and_wait();
+        begin();
         runAll(second);
     });
-    begin.arrive_and_wait();
+    begin();
     runAll(first);
     other.join();
     for (std::size_t i = 0; i < expected.size(); ++i) {
