@@ -15,7 +15,8 @@ int resetDepths(Block *data, tagRECT *rect, int pitch) {
         return 0;
     const Number first = flooredQuotient(signed32(signed32(Number{rect->top} * pitch) + rect->left), 2);
     const Number pairs = unsigned32(flooredQuotient(signed32(widthOf(*rect)), 2));
-    for (Number row = 0; row < unsigned32(heightOf(*rect)); ++row)
+    const Number rows = pairs == 0 ? 0 : unsigned32(heightOf(*rect)); // billions without an entry take a while
+    for (Number row = 0; row < rows; ++row)
         for (Number pair = 0; pair < pairs; ++pair)
             for (const Number entry : {0, 1})
                 data->zBuffer[2 * (first + row * flooredQuotient(pitch, 2) + pair) + entry] = 0x7FFF;
