@@ -11,12 +11,17 @@
 
 namespace catalogue {
 
+/// Extents in 32 bits, which wrap where the sides lie further apart.
+constexpr int extentOf(q_long begin, q_long end) {
+    return static_cast<int>(static_cast<std::uint32_t>(end) - static_cast<std::uint32_t>(begin));
+}
+
 constexpr int widthOf(const tagRECT &rect) {
-    return static_cast<int>(rect.right - rect.left);
+    return extentOf(rect.left, rect.right);
 }
 
 constexpr int heightOf(const tagRECT &rect) {
-    return static_cast<int>(rect.bottom - rect.top);
+    return extentOf(rect.top, rect.bottom);
 }
 
 constexpr tagRECT common(const tagRECT &a, const tagRECT &b) {

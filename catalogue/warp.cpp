@@ -385,7 +385,7 @@ Row aboutCentre(Row row) {
 
 /// The disc is read where it is written, and a little beside its rim.
 Box discBox(const Call &call) {
-    return around(call["centreX"].whole(), call["centreY"].whole(), std::abs(call["radius"].whole()) + 3);
+    return around(call["centreX"].whole(), call["centreY"].whole(), std::abs(std::int64_t{call["radius"].whole()}) + 3);
 }
 
 void arrangeDisc(Call &call, Random &random) {

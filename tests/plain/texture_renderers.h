@@ -22,7 +22,7 @@ inline constexpr auto VKD_FindLuminenceTerm = findLuminance<_PRIVATE_QMGL_DATA>;
 
 /// A cross that fades from its centre on, which is brightened by both of its arms.
 inline void addFadingCross(Pixels dst, const tagRECT &clip, Number x, Number y, Number radius) {
-    if (!contains({clip.left, clip.top, clip.right - 1, clip.bottom - 1}, x, y))
+    if (!contains(clip, x, y) || x == Number{clip.right} - 1 || y == Number{clip.bottom} - 1)
         return;
     const auto brighten = [&](Number column, Number row, Number distance) {
         if (!contains(clip, column, row))

@@ -1,5 +1,6 @@
 #include "proofs.h"
 #include "support/numbers.h"
+#include "support/sanitizer.h"
 
 #include <algorithm>
 #include <iterator>
@@ -30,6 +31,13 @@ Box clipBox(const Call &call) {
         return call[clip.name].rect();
     return {0, 0, call["clipWidth"].whole(), call["clipHeight"].whole()};
 }
+
+// Rows work out regions of calls inside the contract; beyond it these may wrap, where a sanitizer ends the program.
+#ifdef Q_MUR_TESTS_ADDRESS_SANITIZER
+constexpr bool stopsAtWrappedRegions = true;
+#else
+constexpr bool stopsAtWrappedRegions = false;
+#endif
 
 /// Whether a function draws outside of its clip by contract.
 bool leavesItsClip(const Row &row) {
@@ -111,7 +119,7 @@ void prove(const Row &row) {
                                  {0, greatestInt, 9, greatestInt},
                                  {greatestInt, greatestInt, leastInt, leastInt},
                                  {leastInt, leastInt, leastInt, leastInt}};
-    const bool isHeld = !leavesItsClip(row);
+    const bool isHeld = !stopsAtWrappedRegions && !leavesItsClip(row);
     for (int number = 0; number < 1000; ++number) {
         Random random(static_cast<std::uint64_t>(number));
         Call call = catalogue::randomCall(row, random);
