@@ -25,8 +25,8 @@ endif()
 include(CheckCXXSourceCompiles)
 check_cxx_source_compiles("__extension__ typedef unsigned __int128 Wide; int main() { return static_cast<int>(Wide()); }"
   Q_MUR_SOFT_WIDE_COMPILES)
-if(Q_MUR_SOFT_WIDE AND NOT Q_MUR_SOFT_WIDE_COMPILES)
-  message(FATAL_ERROR "Q_MUR_SOFT_WIDE needs integers of 128 bits, which this target lacks")
+if((Q_MUR_SOFT_WIDE OR NOT CMAKE_SYSTEM_PROCESSOR MATCHES "86|AMD64|amd64") AND NOT Q_MUR_SOFT_WIDE_COMPILES)
+  message(FATAL_ERROR "Full width without an x87 unit needs integers of 128 bits, which this target lacks")
 endif()
 
 add_library(q_Mur_warnings INTERFACE)

@@ -3,10 +3,10 @@
 #include <array>
 
 // The functions are computed twice as wide as their results. Where that leaves open to which side a result is rounded,
-// which is once in some 2^45 calls, they are computed four times as wide (Ziv's strategy).
+// which is once in some 2^46 calls, they are computed four times as wide (Ziv's strategy).
 
-// In how many of the last bits the narrower computation is mistrusted. It loses far less; the tests raise this, so that
-// the wider one is asked often enough.
+// In how many of the last bits the narrower computation is mistrusted. It loses far less; the tests compile this file
+// once more with more of them, so that the wider one is asked often enough.
 #ifndef Q_MUR_SOFT_WIDE_DOUBT_BITS
 #define Q_MUR_SOFT_WIDE_DOUBT_BITS 16
 #endif
@@ -194,7 +194,8 @@ SoftWide roundedFrom(Compute compute, bool isNegative) {
     const Scaled<2> narrow = compute.template operator()<2>().normal();
     constexpr std::uint64_t doubt = std::uint64_t{1} << Q_MUR_SOFT_WIDE_DOUBT_BITS;
     constexpr std::uint64_t half = std::uint64_t{1} << 63;
-    if (narrow.fraction.word[0] - (half - doubt) > 2 * doubt)
+    const bool isSubnormal = narrow.exponent <= -SoftWide::bias; // rounded further up
+    if (!isSubnormal && narrow.fraction.word[0] - (half - doubt) > 2 * doubt)
         return rounded(narrow);
     return rounded(compute.template operator()<4>().normal());
 }

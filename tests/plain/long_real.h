@@ -467,7 +467,7 @@ struct Turned {
     }
 };
 
-/// The sine of the angle and `more` quarter turns; what is upper too small for 320 bits is its own sine.
+/// The sine of the angle and `more` quarter turns; what is far too small for 320 bits is its own sine.
 inline LongReal sineBeyond(const LongReal &angle, int more) {
     if (!angle.isNumber())
         return LongReal::noNumber();
@@ -501,8 +501,17 @@ inline LongReal tangentOf(const LongReal &angle) {
 inline LongReal angleOf(const LongReal &y, const LongReal &x) {
     if (y.isZero() && !x.isNegative())
         return y;
-    if (!x.isZero() && !x.isNegative() && y.topBit() - x.topBit() < -100)
-        return y / x;
+    if (y.isZero() && x.isZero())
+        return angleOf(y, LongReal(-1));
+    if (!x.isZero() && !x.isNegative() && y.topBit() - x.topBit() < -100) {
+        const auto mantissaOf = [](const LongReal &value) {
+            return Long::of(LongReal::rounded(value.wholeMagnitude(), value.unitExponent() - value.topBit(), false));
+        };
+        Long last; // the angle is below the quotient by less than any digit of it
+        last.digit[0] = 1;
+        const LongReal result = (mantissaOf(y) / mantissaOf(x) - last).real(y.topBit() - x.topBit());
+        return y.isNegative() ? -result : result;
+    }
     const int highest = x.isZero() ? y.topBit() : y.isZero() ? x.topBit() : std::max(x.topBit(), y.topBit());
     const auto scaled = [highest](const LongReal &value) {
         return LongReal::rounded(value.wholeMagnitude(), value.unitExponent() - highest - 1, value.isNegative());
@@ -521,8 +530,8 @@ inline LongReal angleOf(const LongReal &y, const LongReal &x) {
     return y.isNegative() ? -result : result;
 }
 
-inline LongReal powerOfE(const LongReal &value) {
-    static const Long logarithmOf2 = [] {
+inline const Long &logarithmOf2() {
+    static const Long logarithm = [] {
         Long sum;
         Long power = Long::of(1);
         for (std::uint64_t k = 1; !power.isZero(); ++k) {
@@ -531,13 +540,24 @@ inline LongReal powerOfE(const LongReal &value) {
         }
         return sum;
     }();
+    return logarithm;
+}
+
+/// 2 to the power of a number from -1/2 to 1/2, less 1.
+inline LongReal powerOf2Less1(const LongReal &power) {
+    const Long rest = Long::of(absolute(power)) * logarithmOf2();
+    const Long less1 = summed(rest, [&](const Long &term, std::uint64_t k) { return (term * rest).over(k + 1); });
+    return power.isNegative() ? -(less1 / (Long::of(1) + less1)).real() : less1.real();
+}
+
+inline LongReal powerOfE(const LongReal &value) {
     if (absolute(value) > 12000)
         return value.isNegative() ? LongReal(0) : LongReal::noNumber();
     Long rest = Long::of(absolute(value));
     int halvings = std::max(truncated(absolute(value) * 1.44) - 1, 0);
-    rest = rest - logarithmOf2 * Long::of(halvings);
-    for (; !rest.isBelow(logarithmOf2); ++halvings)
-        rest = rest - logarithmOf2;
+    rest = rest - logarithmOf2() * Long::of(halvings);
+    for (; !rest.isBelow(logarithmOf2()); ++halvings)
+        rest = rest - logarithmOf2();
     const Long result = summed(Long::of(1), [&](const Long &term, std::uint64_t k) { return (term * rest).over(k); });
     return value.isNegative() ? (Long::of(1) / result).real(-halvings) : result.real(halvings);
 }
