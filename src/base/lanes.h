@@ -38,7 +38,7 @@ struct Lanes {
         static_assert(sizeof...(numbers) == count);
         return {Vector{static_cast<Number>(numbers)...}};
     }
-    static Lanes all(Number number) { return {Vector{} + number}; }
+    static Lanes all(Number number) { return {number - Vector{}}; }
     static Lanes front(Number number) { return {Vector{number}}; }
     static Lanes counted();
 

@@ -13,7 +13,7 @@
 
 namespace qmur::scalar {
 
-/// `count` numbers side by side: std::uint8_t, std::uint16_t or std::uint32_t, whose sums and products wrap, or double.
+/// `count` numbers side by side: std::uint8_t to std::uint64_t, whose sums and products wrap, or double.
 template <class Number, int count>
 struct Lanes {
     Number lanes[count];
@@ -61,10 +61,10 @@ struct Lanes {
     Number operator[](int lane) const { return lanes[lane]; }
 
     friend Lanes operator+(Lanes a, Lanes b) {
-        return filled([&](int lane) { return 0U + a[lane] + b[lane]; });
+        return filled([&](int lane) { return a[lane] + b[lane]; });
     }
     friend Lanes operator-(Lanes a, Lanes b) {
-        return filled([&](int lane) { return 0U + a[lane] - b[lane]; });
+        return filled([&](int lane) { return a[lane] - b[lane]; });
     }
     friend Lanes operator*(Lanes a, Lanes b) {
         return filled([&](int lane) { return 1U * a[lane] * b[lane]; });
@@ -327,7 +327,7 @@ Lanes<std::uint16_t, count * 2> narrowed(Lanes<std::uint32_t, count> low, Lanes<
 constexpr int registerBytes = 16;
 constexpr int widestBytes = 16;
 
-/// Whether pairSums() and picked() are instructions.
+/// Whether pairSums() of bytes and picked() are instructions.
 constexpr bool sumsPairs = true;
 
 // For kernels that take lines of a picture side by side.

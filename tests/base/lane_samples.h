@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 #include <vector>
 
@@ -25,6 +26,13 @@ Number numberFrom(test::Random &random) {
     constexpr auto half = static_cast<Number>(Number{1} << (sizeof(Number) * 8 - 1));
     constexpr Number ends[] = {0, 1, 127, 128, 255, half - 1, half, half + 1, static_cast<Number>(~Number{0})};
     return random.oneIn(3) ? ends[random.between(0, 8)] : static_cast<Number>(random.word());
+}
+
+template <>
+inline double numberFrom<double>(test::Random &random) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double few[] = {0, -0.0, 1, -1, 0.5, 2, infinity, -infinity, std::numeric_limits<double>::quiet_NaN()};
+    return random.oneIn(3) ? few[random.between(0, 8)] : random.between(-1000000, 1000000) / 8.0;
 }
 
 /// A set of lanes and the numbers that it was loaded from.

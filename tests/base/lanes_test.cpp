@@ -1,5 +1,7 @@
 #include "lane_samples.h"
 
+#include <cmath>
+
 namespace {
 
 using namespace lanes;
@@ -169,6 +171,40 @@ TYPED_TEST(Lanes, are_widened_and_narrowed_within_each_16_bytes) {
     using Of = LanesOf<TypeParam>;
     checkWidths<typename Of::template Same<std::uint16_t>, typename Of::template Same<std::uint8_t>>(0, 255);
     checkWidths<typename Of::template Same<std::uint32_t>, typename Of::template Same<std::uint16_t>>(-32768, 32767);
+}
+
+template <class Doubles>
+class LanesOfDoubles : public testing::Test {};
+
+using KindsOfDoubles = testing::Types<Doubles, scalar::Lanes<double, 2>, scalar::Lanes<double, 4>>;
+TYPED_TEST_SUITE(LanesOfDoubles, KindsOfDoubles);
+
+/// What `numberOf(lane)` gives for each lane; one not-a-number is as good as another.
+template <class Lanes, class NumberOf>
+void expectDoubles(Lanes lanes, NumberOf numberOf) {
+    const std::vector<double> numbers = stored(lanes);
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        const double expected = numberOf(i);
+        ASSERT_TRUE(std::isnan(expected) ? std::isnan(numbers[i])
+                                         : numbers[i] == expected && std::signbit(numbers[i]) == std::signbit(expected))
+            << numbers[i] << " in place of " << expected;
+    }
+}
+
+TYPED_TEST(LanesOfDoubles, are_computed_each_as_one_number_is) {
+    forEachSample<TypeParam>([](const auto &a, const auto &b, test::Random &random) {
+        const Sample<TypeParam> c(random);
+        const auto &x = a.numbers;
+        const auto &y = b.numbers;
+        expectDoubles(TypeParam::all(x[0]), [&](std::size_t) { return x[0]; });
+        expectDoubles(a.lanes + b.lanes, [&](std::size_t i) { return x[i] + y[i]; });
+        expectDoubles(a.lanes - b.lanes, [&](std::size_t i) { return x[i] - y[i]; });
+        expectDoubles(a.lanes * b.lanes, [&](std::size_t i) { return x[i] * y[i]; });
+        expectDoubles(a.lanes / b.lanes, [&](std::size_t i) { return x[i] / y[i]; });
+        expectDoubles(squareRoot(a.lanes), [&](std::size_t i) { return std::sqrt(x[i]); });
+        expectDoubles(selectBelow(a.lanes, b.lanes, c.lanes, a.lanes),
+                      [&](std::size_t i) { return x[i] < y[i] ? c.numbers[i] : x[i]; });
+    });
 }
 
 } // namespace
