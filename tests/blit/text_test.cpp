@@ -214,6 +214,21 @@ TEST(iTextOut, letters_are_whole_at_the_corner_and_behind_it) {
     }
 }
 
+TEST(iTextOut, a_repeated_letter_looks_like_its_first) {
+    for (int height = 8; height <= 60; height += 4) {
+        const Surface alone = page("g ", height);
+        const Surface twice = page("g g ", height);
+        const Ink ink(alone);
+        const int step = Ink(twice).right - ink.right;
+        ASSERT_GT(step, ink.width()) << height;
+        for (int y = ink.top; y < ink.bottom; ++y)
+            for (int x = ink.left; x < ink.right; ++x) {
+                ASSERT_EQ(twice.at(x, y), alone.at(x, y)) << height;
+                ASSERT_EQ(twice.at(x + step, y), alone.at(x, y)) << height;
+            }
+    }
+}
+
 TEST(iTextOut, letters_with_marks_are_those_of_code_page_1252) {
     for (const auto &[letter, marked] :
          {std::pair{"S", "\x8A"}, {"s", "\x9A"}, {"Z", "\x8E"}, {"z", "\x9E"}, {"Y", "\x9F"}}) {

@@ -109,6 +109,13 @@ TEST(iBilinearMapping, figures_of_some_size_show_what_full_width_makes_of_them) 
     }
 }
 
+TEST(iBilinearMapping, a_diamond_shows_the_first_pixel_everywhere) {
+    // Both sides lean alike, so that s is divided by exactly 0; what it gives is no number, which truncates to 0.
+    Surface src = placesOf(16, 16);
+    const Surface expected = painted(blank(16, 16), src.rect(), src.at(0, 0));
+    EXPECT_EQ(bilinear(src, {{{8, 0}, {16, 8}, {8, 16}, {0, 8}}}).differenceFrom(expected), "");
+}
+
 TEST(iBilinearMapping, turned_corners_turn_the_image) {
     // A corner further each time: the image's top lies right, at the bottom, left. A tie of the half that is added may
     // fall to either side.
