@@ -69,7 +69,8 @@ inline Words<8> mixedRows(Words<8> upper, Words<8> lower, q_ulong fy) {
     return upper * Words<8>::all(static_cast<std::uint16_t>(16 - weight)) + lower * Words<8>::all(weight);
 }
 
-/// Two pixels side by side mixed with those of the row below, which is a template for targets without pairSums().
+/// Two pixels side by side mixed with those of the row below. A template, so that targets which lack pairSums() of
+/// bytes do not compile it.
 template <int count>
 Words<count> mixedRows(const q_ulong *upper, const q_ulong *lower, Words<count> weights) {
     using Two = Bytes<count * 2>;
@@ -137,8 +138,9 @@ inline ChannelSums fourTaps(const q_ulong *row0, const q_ulong *row1, q_ulong fx
     return ChannelSums(products + swappedHalves(products));
 }
 
-/// Of four samples the one whose taps start at `first + distances[lane]` and `pitch` further on, each channel of each
-/// divided by 256, truncated, the top byte as well. Fractions are given eight times as large as sixteenths.
+/// Four samples side by side: the taps of each start at `first + distances[lane]`, and a row lower `pitch` further on.
+/// Every channel is divided by 256 and truncated, the top byte as well. Fractions are given eight times as large as
+/// sixteenths.
 [[gnu::always_inline]] inline Numbers<4> fourSamples(const q_ulong *first, Distance pitch, Numbers<4> distances,
                                                      Numbers<4> fx, Numbers<4> fy) {
     const Spilled<4> places(distances);

@@ -135,7 +135,7 @@ public:
 private:
     /// A character of the font. Each that a text has is loaded and drawn once, whatever the text's length.
     struct Letter {
-        Glyph glyph = {nullptr, FT_Done_Glyph}; ///< null if the font cannot draw the character
+        Glyph glyph = {nullptr, FT_Done_Glyph}; ///< an outline until it is drawn; null if the font cannot draw it
         int advance = 0;
         bool isKnown = false;
         bool isDrawn = false;

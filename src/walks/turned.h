@@ -82,7 +82,8 @@ void forEachTurned(q_ulong *row, const Track &u, const Track &v, int width, cons
         sampling(row[x], u.at(x), v.at(x));
 }
 
-/// As many nearest pixels as are looked up at once: the widest register loses. Of filtered ones it is always four.
+/// As many nearest pixels as are looked up at once: the widest registers are slower. Of filtered ones it is always
+/// four.
 constexpr int nearestCount = sizeof(Pixels) / sizeof(std::uint32_t);
 
 /// Several nearest pixels, written one after the other: where they are put together in a register first, that is what

@@ -98,7 +98,7 @@ public:
         const double squares = linear * linear + std::fabs(fourQ) * largest(f, k2, g);
         const double scale = std::fabs(perTwoQ);
         discriminantDoubt = 20 * unit * squares;
-        plainDoubt = 24 * unit * ((linear + std::sqrt(squares)) * scale + 1);
+        plainDoubt = 24 * unit * ((linear + std::sqrt(squares)) * scale + 1); // 1 for the 0.5 added to s * width
         rootDoubt = discriminantDoubt * scale;
         numeratorDoubt = 8 * unit * (width + mostS * std::fabs(b) + std::fabs(startX));
         denominatorDoubt = 16 * unit * (mostS * std::fabs(a) + std::fabs(g));
@@ -130,27 +130,27 @@ public:
             const Doubles constant = column * all(f) + firstConstant;
             const Doubles discriminant = linear * linear - constant * all(fourQ);
             const Doubles extent = magnitudeOf(discriminant);
-            // Doubts are those of s and what follows from it, `times` as large, which saves a division.
-            const Doubles times = squareRoot(extent);
-            const Doubles doubt = all(plainDoubt) * times + all(rootDoubt);
-            const Doubles root = selectBelow(zero, discriminant, times, zero) * all(perTwoQ);
+            // The doubts of s, and of what follows from it, are multiplied by this root, which saves a division.
+            const Doubles discriminantRoot = squareRoot(extent);
+            const Doubles doubt = all(plainDoubt) * discriminantRoot + all(rootDoubt);
+            const Doubles root = selectBelow(zero, discriminant, discriminantRoot, zero) * all(perTwoQ);
             const Doubles middle = linear * all(-perTwoQ);
             const Doubles oneS = middle + root;
             const Doubles fromEnds = selectBelow(oneS, all(0.5), oneS, all(1) - oneS); // above 0 between 0 and 1
             const Doubles s = selectBelow(fromEnds, zero, middle - root, oneS);
 
             const Doubles x = all(width) * s + all(0.5);
-            Doubles spareX = fromWhole(x) * times - all(width) * doubt;
+            Doubles spareX = fromWhole(x) * discriminantRoot - all(width) * doubt;
             spareX = selectBelow(all(discriminantDoubt), extent, spareX, open);
-            spareX = selectBelow(doubt, magnitudeOf(fromEnds) * times, spareX, open);
+            spareX = selectBelow(doubt, magnitudeOf(fromEnds) * discriminantRoot, spareX, open);
 
             const Doubles denominator = s * all(a) + all(g);
-            const Doubles magnitude = magnitudeOf(denominator) * times;
-            const Doubles ofNumerator = all(std::fabs(b)) * doubt + all(numeratorDoubt) * times;
-            const Doubles ofDenominator = all(std::fabs(a)) * doubt + all(denominatorDoubt) * times;
+            const Doubles magnitude = magnitudeOf(denominator) * discriminantRoot;
+            const Doubles ofNumerator = all(std::fabs(b)) * doubt + all(numeratorDoubt) * discriminantRoot;
+            const Doubles ofDenominator = all(std::fabs(a)) * doubt + all(denominatorDoubt) * discriminantRoot;
             const Doubles quotient = all(height) * (column - s * all(b) - all(startX)) / denominator;
             const Doubles y = quotient + all(0.5);
-            // The denominator is half itself at least.
+            // The true denominator is at least half of this one where the doubt of y counts, which is doubled for that.
             const Doubles doubtY = all(height) * ofNumerator + (magnitudeOf(quotient) + all(1)) * ofDenominator;
             Doubles spareY = fromWhole(y) * magnitude - all(2) * doubtY;
             spareY = selectBelow(all(2) * ofDenominator, magnitude, spareY, open);
