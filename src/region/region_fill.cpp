@@ -34,7 +34,7 @@ template <class Element>
 [[gnu::noinline]] int farBegin(const Element *row, int x, Element border, int limit) {
     while (x >= limit && row[x] != border && !beginsLine(row + x + 1))
         --x;
-    while (x - static_cast<long long>(limit) >= comparedAtOnce<Element> &&
+    while (beginsLine(row + x + 1) && x - static_cast<long long>(limit) >= comparedAtOnce<Element> &&
            isOpen(row + (x - comparedAtOnce<Element> + 1), border))
         x -= comparedAtOnce<Element>;
     while (x >= limit && row[x] != border)
@@ -45,7 +45,8 @@ template <class Element>
 [[gnu::noinline]] int farEnd(const Element *row, int x, Element border, int limit) {
     while (x < limit && row[x] != border && !beginsLine(row + x))
         ++x;
-    while (static_cast<long long>(limit) - x >= comparedAtOnce<Element> && isOpen(row + x, border))
+    while (beginsLine(row + x) && static_cast<long long>(limit) - x >= comparedAtOnce<Element> &&
+           isOpen(row + x, border))
         x += comparedAtOnce<Element>;
     while (x < limit && row[x] != border)
         ++x;

@@ -102,6 +102,53 @@ TEST(Scans, stop_beside_the_boundary_or_at_their_limits_of_which_the_left_one_is
     EXPECT_EQ(right(5, 5), 5);
 }
 
+/// Scans a row, on whichever surface its elements lie, with the boundary's colour or value.
+int scanned(catalogue::Plane &row, int x, int limit, bool toTheLeft) {
+    _PRIVATE_QMGP_DATA data = {};
+    if (row.elementBytes() == 4) {
+        SetRegionFill(&data, nullptr, 0, row.as<q_ulong>(), row.pitch());
+        return (toTheLeft ? scan_left : scan_right)(&data, x, 0, borderColor, limit);
+    }
+    tagRECT limits = toTheLeft ? tagRECT{limit, 0, x, 1} : tagRECT{x, 0, limit, 1};
+    bSetRegionFill(&data, row.as<unsigned char>(), &limits, row.pitch());
+    return (toTheLeft ? bscan_left : bscan_right)(&data, x, 0, borderValue);
+}
+
+/// The boundary at every place among the elements that are compared at once, behind an open stretch of any length, and
+/// with limits before and behind it. Where it is the last element, none can be read behind it.
+void expectScansOfAnyLength(int elementBytes, bool toTheLeft) {
+    constexpr int length = 320;
+    catalogue::Plane row(elementBytes, length, 1);
+    row = row.cutTo(row.rect(), toTheLeft ? catalogue::Fence::before : catalogue::Fence::behind);
+    const auto set = [&](int x, bool isBoundary) {
+        if (elementBytes == 4)
+            row.as<q_ulong>()[x] = isBoundary ? borderColor : 0;
+        else
+            row.as<unsigned char>()[x] = isBoundary ? borderValue : 0;
+    };
+    const int step = toTheLeft ? -1 : 1;
+    for (int behind = 0; behind < 64; ++behind) {
+        const int wall = toTheLeft ? behind : length - 1 - behind;
+        set(wall, true);
+        for (int open = 1; open <= length - 64; ++open) {
+            const int x = wall - open * step;
+            ASSERT_EQ(scanned(row, x, wall + 1000 * step, toTheLeft), wall - step) << x << " to " << wall;
+            for (const int ahead : {0, 1, open / 2}) { // the left limit itself is open, the right one is not
+                const int limit = wall - ahead * step;
+                const int last = toTheLeft ? std::max(limit, wall + 1) : std::max(limit - 1, x);
+                ASSERT_EQ(scanned(row, x, limit, toTheLeft), last) << x << " to " << wall << " within " << limit;
+            }
+        }
+        set(wall, false);
+    }
+}
+
+TEST(Scans, of_any_length_find_the_boundary_and_read_nothing_behind_it) {
+    for (const bool toTheLeft : {true, false})
+        for (const int elementBytes : {1, 4})
+            expectScansOfAnyLength(elementBytes, toTheLeft);
+}
+
 // Fills
 
 TEST(Region_Fill, paints_what_a_boundary_encloses_and_corners_do_not_connect) {
