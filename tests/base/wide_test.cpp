@@ -59,7 +59,10 @@ TEST(AtFullWidth, computes_with_64_bits_rounds_once_and_restores_what_it_found) 
 
 TEST(AtFullWidth, draws_the_same_under_every_rounding_of_the_host) {
     constexpr int side = 80;
-    const auto drawn = [](int rounding) {
+    std::vector<q_ulong> picture(side * side);
+    for (int i = 0; i < side * side; ++i)
+        picture[static_cast<std::size_t>(i)] = static_cast<q_ulong>(i);
+    const auto drawn = [&picture](int rounding) {
         std::vector<q_ulong> bubble(side * side);
         std::vector<q_ulong> shape(side * side);
         for (int i = 0; i < side * side; ++i)
@@ -67,10 +70,16 @@ TEST(AtFullWidth, draws_the_same_under_every_rounding_of_the_host) {
                 (i % side - 40) * (i % side - 40) + (i / side - 40) * (i / side - 40) < 1400;
         tagRECT rect = {0, 0, side, side};
         std::fesetround(rounding);
-        MakeBubbleResource(bubble.data(), side, 0, 0, side, 1);
+        for (int size = 20; size <= side; size += 3)
+            MakeBubbleResource(bubble.data() + (side - size) * (side + 1), side, 0, 0, size, 1);
+        std::vector<q_ulong> mapped(side * side * 40);
+        for (int i = 0; i < 40; ++i)
+            iBilinearMapping(mapped.data() + side * side * i, picture.data(), side, side, side, i, side, side - i,
+                             i / 2, 0, i / 3, side, side - i);
         ConvertBlock2LightInfom(shape.data(), &rect, side, 64, 40, 0, 1000000);
         std::fesetround(FE_TONEAREST);
         bubble.insert(bubble.end(), shape.begin(), shape.end());
+        bubble.insert(bubble.end(), mapped.begin(), mapped.end());
         return bubble;
     };
     const std::vector<q_ulong> expected = drawn(FE_TONEAREST);

@@ -351,6 +351,19 @@ TEST(Edge_Transparency_Circle, the_distance_is_truncated_before_it_weighs) {
     EXPECT_EQ(out.at(1, 1), 0x00DFDFDFu);
 }
 
+TEST(Edge_Transparency_Circle, a_radius_and_a_band_whose_sum_wraps_mix_as_far_as_its_square_reaches) {
+    constexpr int most = 0x7FFFFFFF;
+    for (const int outer : {-2, -3, -50}) {
+        Surface white(240, 5, 0xAAFFFFFF);
+        Surface black(240, 5, 0xBB000000);
+        tagPOINT centre = {110, 2};
+        Surface expected = blank(240, 5);
+        plain::Edge_Transparency_Circle(expected.pixels(), white.pixels(), black.pixels(), &centre, most,
+                                        most + outer + 2, 240, 5, expected.pitch());
+        EXPECT_EQ(disc(white, black, centre, most, most + outer + 2).differenceFrom(expected), "") << outer;
+    }
+}
+
 TEST(Edge_Transparency_Circle, every_pair_of_bytes_at_every_step_of_a_band) {
     for (q_ulong low = 0; low < 256; ++low)
         for (q_ulong high = 0; high < 256; ++high)

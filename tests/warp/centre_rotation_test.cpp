@@ -1,3 +1,4 @@
+#include "plain/centre_turns.h"
 #include "support/painting.h"
 
 #include <gtest/gtest.h>
@@ -84,6 +85,24 @@ TEST(iRotateMapping, turns_the_same_way_as_the_direct_mappers) {
     }
 }
 
+TEST(iRotateMapping, sources_of_any_pitch_look_the_same_as_others_do) {
+    const auto pixel = [](int x, int y) { return place(x * 3, y * 9); };
+    for (Rotator *const rotator : rotators) {
+        Surface usual = painted(Surface(60, 24), {0, 0, 60, 24}, pixel);
+        const Scene scene = {30, 12, 0.3, 60, 24};
+        const Surface expected = drawn(rotator, blank(60, 24), usual, scene);
+        Surface wide = painted(Surface(60, 24, 0, 40000), {0, 0, 60, 24}, pixel);
+        EXPECT_EQ(drawn(rotator, blank(60, 24), wide, scene).differenceFrom(expected), "");
+        Surface turnedOver =
+            painted(Surface(60, 24, 0, 40000), {0, 0, 60, 24}, [&](int x, int y) { return pixel(x, 23 - y); });
+        Surface dst = blank(60, 24);
+        tagRECT rect = dst.rect();
+        rotator(dst.pixels(), &rect, dst.pitch(), &turnedOver.at(0, 23), &rect, -turnedOver.pitch(), 30, 12, 0.3, 60,
+                24);
+        EXPECT_EQ(dst.differenceFrom(expected), "") << "bottom-up";
+    }
+}
+
 TEST(iRotate, at_angle_0_each_pixel_shows_its_right_neighbour_and_the_last_column_and_row_stay) {
     Surface src = placesOf(8, 6);
     const Surface expected = painted(blank(8, 6), {0, 0, 7, 5}, [](int x, int y) { return place(x + 1, y); });
@@ -112,6 +131,33 @@ TEST(iRotateLinear, clears_the_top_byte_and_ends_one_pixel_before_the_source) {
         return place(x + 1, y) & 0xFFFFFF; // column 6 would show source column 7, the last
     });
     EXPECT_EQ(drawn(iRotateLinear, blank(8, 6), src, {4, 3, 0, 8, 6}).differenceFrom(expected), "");
+}
+
+TEST(iRotateLinear, positions_of_2048_pixels_and_more_wrap_back_into_the_source) {
+    // The middle of the clip shows position 2500 or so, which is -1596; a high source is seen lying as well.
+    test::Random random(21);
+    for (int number = 0; number < 12; ++number) {
+        const bool isHigh = number % 3 > 0;
+        const bool isTurned = number % 3 == 2;
+        Surface src = isHigh ? Surface::randomOfSize(random, 9, 2000) : Surface::randomOfSize(random, 2000, 9);
+        const int length = random.between(4800, 5000);
+        const int left = isTurned ? length / 2 - 4 - 4096 : 0; // both positions come from a clip of that size
+        const tagRECT srcRect = isHigh ? tagRECT{left, -1000, left + 9, 1000} : tagRECT{-1000, 0, 1000, 9};
+        const Surface before = isHigh && !isTurned ? blank(20, length) : blank(length, 20);
+        const tagRECT clip = {0, isTurned ? 20 - length : 0, before.width(), before.height()};
+        const double angle = random.between(-10, 10) / 10000.0 + (isTurned ? (number % 2 ? pi : -pi) / 2 : 0);
+        const auto turned = [&](Rotator *rotator) {
+            Surface dst = before;
+            tagRECT whole = clip;
+            tagRECT part = srcRect;
+            rotator(dst.pixels(), &whole, dst.pitch(), &src.at(-srcRect.left, -srcRect.top), &part, src.pitch(),
+                    dst.width() / 2, dst.height() / 2, angle, isHigh ? 9 : 3000, isHigh ? 3000 : 9);
+            return dst;
+        };
+        const Surface expected = turned(plain::iRotateLinear);
+        EXPECT_NE(expected.differenceFrom(before), "") << number;
+        ASSERT_EQ(turned(iRotateLinear).differenceFrom(expected), "") << number;
+    }
 }
 
 TEST(iRotateLinear, mixes_neighbours_at_half_steps) {

@@ -109,6 +109,14 @@ TEST(iBilinearMapping, figures_of_some_size_show_what_full_width_makes_of_them) 
     }
 }
 
+TEST(iBilinearMapping, wide_pictures_are_mapped_along_their_whole_rows) {
+    Surface src =
+        painted(Surface(1100, 3), {0, 0, 1100, 3}, [](int x, int y) { return static_cast<q_ulong>(x << 4 | y); });
+    EXPECT_EQ(bilinear(src, upright(0, 0, 1100, 3))
+                  .differenceFrom(painted(blank(1100, 3), src.rect(), [&](int x, int y) { return src.at(x, y); })),
+              "");
+}
+
 TEST(iBilinearMapping, a_diamond_shows_the_first_pixel_everywhere) {
     // Both sides lean alike, so that s is divided by exactly 0; what it gives is no number, which truncates to 0.
     Surface src = placesOf(16, 16);
