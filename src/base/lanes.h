@@ -18,8 +18,12 @@
 #define Q_MUR_LANES 1
 #endif
 
-#if Q_MUR_LANES && defined(__SSE2__)
+#if Q_MUR_LANES && (defined(__SSE2__) || defined(__aarch64__))
+#if defined(__SSE2__)
 #include <immintrin.h>
+#else
+#include <arm_neon.h>
+#endif
 
 #include <utility>
 
@@ -227,6 +231,11 @@ inline unsigned negativeLanes(Lanes<std::uint32_t, 4> a) {
     return static_cast<unsigned>(_mm_movemask_ps(_mm_castsi128_ps(detail::bits128(a))));
 }
 
+inline unsigned lanesBelow(Lanes<std::uint32_t, 4> a, Lanes<std::uint32_t, 4> b) {
+    return static_cast<unsigned>(
+        _mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(detail::bits128(a), detail::bits128(b)))));
+}
+
 inline Lanes<std::uint16_t, 8> widenedLow(Lanes<std::uint8_t, 16> a) {
     return detail::lanesOf<std::uint16_t>(_mm_unpacklo_epi8(detail::bits128(a), _mm_setzero_si128()));
 }
@@ -255,6 +264,10 @@ inline Lanes<std::uint16_t, 8> highProduct(Lanes<std::uint16_t, 8> a, Lanes<std:
     return detail::lanesOf<std::uint16_t>(_mm_mulhi_epu16(detail::bits128(a), detail::bits128(b)));
 }
 
+inline Lanes<std::uint16_t, 8> highSignedProduct(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    return detail::lanesOf<std::uint16_t>(_mm_mulhi_epi16(detail::bits128(a), detail::bits128(b)));
+}
+
 inline Lanes<double, 2> squareRoot(Lanes<double, 2> a) {
     return {_mm_sqrt_pd(a.vector)};
 }
@@ -279,6 +292,128 @@ inline Neighbours<4> loadNeighbours<4>(const void *row, const std::int32_t *colu
     const __m128i last = _mm_unpacklo_epi32(at(2), at(3));
     return {detail::lanesOf<std::uint32_t>(_mm_unpacklo_epi64(first, last)),
             detail::lanesOf<std::uint32_t>(_mm_unpackhi_epi64(first, last))};
+}
+
+#else
+
+namespace detail {
+
+template <class Number, int count>
+uint8x16_t bytes128(Lanes<Number, count> a) {
+    return reinterpret_cast<uint8x16_t>(a.vector);
+}
+template <class Number, int count>
+uint16x8_t words128(Lanes<Number, count> a) {
+    return reinterpret_cast<uint16x8_t>(a.vector);
+}
+template <class Number, int count>
+int16x8_t signedWords128(Lanes<Number, count> a) {
+    return reinterpret_cast<int16x8_t>(a.vector);
+}
+template <class Number, int count>
+uint32x4_t numbers128(Lanes<Number, count> a) {
+    return reinterpret_cast<uint32x4_t>(a.vector);
+}
+template <class Number, int count>
+int32x4_t signedNumbers128(Lanes<Number, count> a) {
+    return reinterpret_cast<int32x4_t>(a.vector);
+}
+
+/// Bit `lane` is set where all bits of that lane are.
+inline unsigned setOf(uint32x4_t lanes) {
+    constexpr uint32x4_t bits = {1, 2, 4, 8};
+    return vaddvq_u32(vandq_u32(lanes, bits));
+}
+
+} // namespace detail
+
+inline Lanes<std::uint8_t, 16> saturatingSum(Lanes<std::uint8_t, 16> a, Lanes<std::uint8_t, 16> b) {
+    return detail::lanesOf<std::uint8_t>(vqaddq_u8(detail::bytes128(a), detail::bytes128(b)));
+}
+
+template <class Number, int count>
+Lanes<Number, count> swappedHalves(Lanes<Number, count> a) {
+    return detail::lanesOf<Number>(vextq_u8(detail::bytes128(a), detail::bytes128(a), 8));
+}
+
+inline unsigned negativeLanes(Lanes<std::uint32_t, 4> a) {
+    return detail::setOf(vcltzq_s32(detail::signedNumbers128(a)));
+}
+
+inline unsigned lanesBelow(Lanes<std::uint32_t, 4> a, Lanes<std::uint32_t, 4> b) {
+    return detail::setOf(vcltq_s32(detail::signedNumbers128(a), detail::signedNumbers128(b)));
+}
+
+inline Lanes<std::uint16_t, 8> widenedLow(Lanes<std::uint8_t, 16> a) {
+    return detail::lanesOf<std::uint16_t>(vmovl_u8(vget_low_u8(detail::bytes128(a))));
+}
+
+inline Lanes<std::uint16_t, 8> widenedHigh(Lanes<std::uint8_t, 16> a) {
+    return detail::lanesOf<std::uint16_t>(vmovl_high_u8(detail::bytes128(a)));
+}
+
+inline Lanes<std::uint32_t, 4> widenedLow(Lanes<std::uint16_t, 8> a) {
+    return detail::lanesOf<std::uint32_t>(vmovl_u16(vget_low_u16(detail::words128(a))));
+}
+
+inline Lanes<std::uint32_t, 4> widenedHigh(Lanes<std::uint16_t, 8> a) {
+    return detail::lanesOf<std::uint32_t>(vmovl_high_u16(detail::words128(a)));
+}
+
+inline Lanes<std::uint8_t, 16> narrowed(Lanes<std::uint16_t, 8> low, Lanes<std::uint16_t, 8> high) {
+    return detail::lanesOf<std::uint8_t>(
+        vqmovun_high_s16(vqmovun_s16(detail::signedWords128(low)), detail::signedWords128(high)));
+}
+
+inline Lanes<std::uint16_t, 8> narrowed(Lanes<std::uint32_t, 4> low, Lanes<std::uint32_t, 4> high) {
+    return detail::lanesOf<std::uint16_t>(
+        vqmovn_high_s32(vqmovn_s32(detail::signedNumbers128(low)), detail::signedNumbers128(high)));
+}
+
+inline Lanes<std::uint16_t, 8> highProduct(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    const uint16x8_t x = detail::words128(a);
+    const uint16x8_t y = detail::words128(b);
+    return detail::lanesOf<std::uint16_t>(vuzp2q_u16(vreinterpretq_u16_u32(vmull_u16(vget_low_u16(x), vget_low_u16(y))),
+                                                     vreinterpretq_u16_u32(vmull_high_u16(x, y))));
+}
+
+namespace detail {
+
+/// The products of the lower and of the upper lanes, all of them signed.
+struct Products {
+    int32x4_t low, high;
+
+    Products(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b)
+        : low(vmull_s16(vget_low_s16(signedWords128(a)), vget_low_s16(signedWords128(b)))),
+          high(vmull_high_s16(signedWords128(a), signedWords128(b))) {}
+};
+
+} // namespace detail
+
+inline Lanes<std::uint16_t, 8> highSignedProduct(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    const detail::Products products(a, b);
+    return detail::lanesOf<std::uint16_t>(
+        vuzp2q_s16(vreinterpretq_s16_s32(products.low), vreinterpretq_s16_s32(products.high)));
+}
+
+inline Lanes<double, 2> squareRoot(Lanes<double, 2> a) {
+    return detail::lanesOf<double>(vsqrtq_f64(reinterpret_cast<float64x2_t>(a.vector)));
+}
+
+inline Lanes<std::uint32_t, 4> pairSums(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    const detail::Products products(a, b);
+    return detail::lanesOf<std::uint32_t>(vpaddq_s32(products.low, products.high));
+}
+
+template <>
+inline Neighbours<4> loadNeighbours<4>(const void *row, const std::int32_t *columns) {
+    const auto at = [=](int lane) {
+        return vreinterpret_u32_u8(vld1_u8(static_cast<const std::uint8_t *>(row) + std::ptrdiff_t{4} * columns[lane]));
+    };
+    const uint32x4_t first = vcombine_u32(at(0), at(1));
+    const uint32x4_t last = vcombine_u32(at(2), at(3));
+    return {detail::lanesOf<std::uint32_t>(vuzp1q_u32(first, last)),
+            detail::lanesOf<std::uint32_t>(vuzp2q_u32(first, last))};
 }
 
 #endif
@@ -424,10 +559,6 @@ Lanes<Number, count> interleavedLow(Lanes<Number, count> a, Lanes<Number, count>
 template <class Number, int count>
 Lanes<Number, count> interleavedHigh(Lanes<Number, count> a, Lanes<Number, count> b) {
     return detail::merged<detail::InTurn<Number, count, true>>(a, b, std::make_integer_sequence<int, count>());
-}
-
-inline Lanes<std::uint16_t, 8> highSignedProduct(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
-    return detail::lanesOf<std::uint16_t>(_mm_mulhi_epi16(detail::bits128(a), detail::bits128(b)));
 }
 
 #if defined(__AVX2__) && !defined(_WIN64)
@@ -625,11 +756,6 @@ Lanes<std::uint32_t, count> cappedAt255(Lanes<std::uint32_t, count> a) {
     return {a.vector > most.vector ? most.vector : a.vector};
 }
 
-inline unsigned lanesBelow(Lanes<std::uint32_t, 4> a, Lanes<std::uint32_t, 4> b) {
-    return static_cast<unsigned>(
-        _mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(detail::bits128(a), detail::bits128(b)))));
-}
-
 template <int count>
 void loadWhere(unsigned, const void *from, Lanes<std::uint32_t, count> &to) {
     to = Lanes<std::uint32_t, count>::load(from);
@@ -692,7 +818,7 @@ inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, doubl
     return detail::lanesOf<std::uint32_t>(_mm256_cvttpd_epi32(products));
 }
 
-#else
+#elif defined(__SSE2__)
 
 inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, double factor) {
     const auto scaled = [factor](__m128i pair) {
@@ -704,6 +830,21 @@ inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, doubl
     };
     return detail::lanesOf<std::uint32_t>(
         _mm_unpacklo_epi64(scaled(detail::bits128(a)), scaled(detail::bits128(swappedHalves(a)))));
+}
+
+#else
+
+inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, double factor) {
+    const auto scaled = [factor](int32x2_t pair) {
+        const float64x2_t numbers = vcvtq_f64_s64(vmovl_s32(pair));
+        const float64x2_t half = vbslq_f64(vdupq_n_u64(0x8000000000000000), numbers, vdupq_n_f64(0.5));
+        const float64x2_t products = vmulq_n_f64(vaddq_f64(numbers, half), factor);
+        const uint64x2_t fits =
+            vandq_u64(vcgtq_f64(products, vdupq_n_f64(-2147483649.0)), vcltq_f64(products, vdupq_n_f64(2147483648.0)));
+        return vmovn_s64(vcvtq_s64_f64(vbslq_f64(fits, products, vdupq_n_f64(-2147483648.0))));
+    };
+    const int32x4_t numbers = detail::signedNumbers128(a);
+    return detail::lanesOf<std::uint32_t>(vcombine_s32(scaled(vget_low_s32(numbers)), scaled(vget_high_s32(numbers))));
 }
 
 #endif

@@ -43,7 +43,7 @@ namespace detail {
 /// Calls `compute` where the compiler can neither move its arithmetic out nor see through it.
 template <class Compute>
 [[gnu::noinline]] auto outOfLine(Compute &compute) {
-#if Q_MUR_X86
+#if defined(__GNUC__)
     asm volatile("" ::: "memory");
 #endif
     return compute();
@@ -80,6 +80,31 @@ private:
     unsigned short before;
     unsigned vectorsBefore;
 };
+#elif defined(__GNUC__) && defined(__aarch64__)
+/// The state in which doubles stand in for the format where they are known to lead to the same: rounded to nearest, no
+/// subnormal number taken for 0, no exception taken.
+class FullPrecision {
+public:
+    FullPrecision() {
+        asm volatile("mrs %0, fpcr" : "=r"(before));
+        if (before != full)
+            asm volatile("msr fpcr, %0" : : "r"(full) : "memory");
+    }
+    ~FullPrecision() {
+        if (before != full)
+            asm volatile("msr fpcr, %0" : : "r"(before) : "memory");
+    }
+    FullPrecision(const FullPrecision &) = delete;
+    FullPrecision &operator=(const FullPrecision &) = delete;
+
+private:
+    static constexpr unsigned long full = 0;
+
+    unsigned long before;
+};
+#else
+/// A processor that computes in no other way.
+struct [[maybe_unused]] FullPrecision {};
 #endif
 
 } // namespace detail
@@ -88,9 +113,7 @@ private:
 /// All arithmetic on #Wide values stands inside such a call; its result should be ints, floats or doubles.
 template <class Compute>
 auto atFullWidth(Compute compute) {
-#if Q_MUR_X86
     const detail::FullPrecision fullPrecision;
-#endif
     return detail::outOfLine(compute);
 }
 

@@ -42,7 +42,7 @@ struct Patch {
     Patch(int sourceWidth, int sourceHeight, const int (&x)[4], const int (&y)[4])
         : width(sourceWidth), height(sourceHeight) {
         // The small addition keeps the leading term from vanishing for a parallelogram or an upright edge.
-        constexpr Wide offset = 0.0001;
+        static constexpr Wide offset = 0.0001;
         const auto twist = [](const int(&p)[4]) {
             return wrapAdd(wrapSubtract(wrapSubtract(p[0], p[1]), p[3]), p[2]) + offset;
         };

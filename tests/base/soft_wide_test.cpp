@@ -123,13 +123,6 @@ SoftWide smallPower(test::Random &random) {
                     random.oneIn(2));
 }
 
-/// Reports what differs, with what it was computed from.
-void expectSame(test::Case &c, const char *operation, Stored result, Stored expected, SoftWide a, SoftWide b) {
-    if (!(result == expected))
-        c.report(std::string(operation) + " of " + Stored(a).text() + " and " + Stored(b).text() + " is " +
-                 result.text() + ", not " + expected.text());
-}
-
 TEST(SoftWide, is_all_zero_bytes_for_0_and_converts_what_the_language_converts) {
     SoftWide zero;
     std::memset(static_cast<void *>(&zero), 0, sizeof zero);
@@ -240,6 +233,13 @@ TEST(SoftWide, rounds_functions_as_the_twins_own_arithmetic_does) {
 }
 
 #if Q_MUR_TESTS_X87
+
+/// Reports what differs, with what it was computed from.
+void expectSame(test::Case &c, const char *operation, Stored result, Stored expected, SoftWide a, SoftWide b) {
+    if (!(result == expected))
+        c.report(std::string(operation) + " of " + Stored(a).text() + " and " + Stored(b).text() + " is " +
+                 result.text() + ", not " + expected.text());
+}
 
 long double unitOf(SoftWide value) {
     const std::uint64_t mantissa = value.storedMantissa();

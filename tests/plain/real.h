@@ -25,7 +25,7 @@ using Real = LongReal;
 #endif
 
 /// While it lives, the floating unit has its full precision. It stands in a scope around whatever computes with Real.
-class FullWidth {
+class [[maybe_unused]] FullWidth {
 public:
 #if defined(__i386__) || defined(__x86_64__)
     FullWidth() {

@@ -45,9 +45,7 @@ struct ReducedPrecision : X87ControlWord {
 
 #else
 
-struct ReducedPrecision {
-    ReducedPrecision() = default;
-};
+struct [[maybe_unused]] ReducedPrecision {};
 
 #endif
 
