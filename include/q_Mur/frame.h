@@ -95,7 +95,7 @@ Q_MUR_API double randDouble(double low, double high);
 
 /// The mean of `count` draws, scaled to `low` to `high`, both reached; more draws make a narrower bell around the
 /// middle. Truncated toward zero before `low` is added. `count` times the span should stay below 65536, where the
-/// product wraps. A `count` of 0 divides by zero, which faults; below 0 the result is `low`.
+/// product wraps. A `count` of 0 divides by zero, which faults on x86; below 0 the result is `low`.
 Q_MUR_API int randIntGauss(int low, int high, int count);
 
 /// The mean of `count` draws, scaled to `low` to `high`. A `count` of 0 gives no number, below 0 the result is `low`.

@@ -114,7 +114,7 @@ TEST(randIntGauss, is_the_truncated_mean_of_its_draws_reaches_both_ends_and_wrap
     EXPECT_EQ(with(std::vector<int>(65540, 32767), randIntGauss, 0, 1, 65540), 1);
 }
 
-#if defined(GTEST_HAS_DEATH_TEST) && !defined(_WIN32)
+#if defined(GTEST_HAS_DEATH_TEST) && !defined(_WIN32) && (defined(__i386__) || defined(__x86_64__))
 TEST(randIntGaussDeathTest, a_count_of_0_faults) {
     EXPECT_DEATH(randIntGauss(0, 1, 0), "");
 }

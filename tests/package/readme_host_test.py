@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The host that README.md shows is short, compiles against the installed library and draws a picture of many colours.
 
-usage: readme_host_test.py README PREFIX COMPILER_AND_FLAGS
+usage: readme_host_test.py README PREFIX COMPILER_AND_FLAGS EMULATOR
 """
 
 import os
@@ -15,7 +15,7 @@ WIDTH = HEIGHT = 480
 
 
 def main():
-    readme, prefix, compiler = sys.argv[1:]
+    readme, prefix, compiler, emulator = sys.argv[1:]
     text = pathlib.Path(readme).read_text(encoding="utf-8")
     host = re.search(r"^```cpp\n(.*?)^```", text, re.DOTALL | re.MULTILINE)[1]
     if host.count("\n") >= 30:
@@ -26,7 +26,8 @@ def main():
         (pathlib.Path(directory) / "host.cpp").write_text(host, encoding="utf-8")
         command = [*compiler.split(), "-std=c++20", "-Wall", "-Wextra", "-Werror", f"-I{prefix}/include", "host.cpp"]
         subprocess.run([*command, f"-L{library}", "-lq_Mur", "-o", "host"], cwd=directory, check=True)
-        subprocess.run(["./host"], cwd=directory, check=True, env={**os.environ, "LD_LIBRARY_PATH": str(library)})
+        environment = {**os.environ, "LD_LIBRARY_PATH": str(library)}
+        subprocess.run([*filter(None, [emulator]), "./host"], cwd=directory, check=True, env=environment)
         picture = (pathlib.Path(directory) / "rose.ppm").read_bytes()
     head = f"P6 {WIDTH} {HEIGHT} 255\n".encode()
     pixels = picture.removeprefix(head)
