@@ -1,5 +1,6 @@
-# AArch64 on Linux, with Clang and lld and Debian's libraries for other compilers' use (libstdc++-12-dev-arm64-cross and what
-# it needs). Programs run under qemu-aarch64 (qemu-user).
+# AArch64 on an x86-64 Linux machine, with Clang, lld and Debian's libraries for that processor
+# (libstdc++-12-dev-arm64-cross, libgcc-12-dev-arm64-cross, libc6-dev-arm64-cross). Programs run under qemu-aarch64
+# (qemu-user).
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_CXX_COMPILER clang++)

@@ -291,6 +291,8 @@ constexpr std::size_t levelBytes() {
     return 48;
 #elif defined(__x86_64__) || defined(__i386__)
     return 32;
+#elif defined(__aarch64__)
+    return 48;
 #else
     return 512;
 #endif
