@@ -1,10 +1,12 @@
 #include "deep_stack.h"
 
+#include <algorithm>
 #include <new>
 
 #if defined(_WIN32)
 #include <windows.h>
 #else
+#include <climits>
 #include <pthread.h>
 #endif
 
@@ -27,6 +29,7 @@ void onStackOf(std::size_t bytes, std::function<void()> body) {
         (*static_cast<std::function<void()> *>(function))();
         return nullptr;
     };
+    bytes = std::max(bytes, static_cast<std::size_t>(PTHREAD_STACK_MIN));
     constexpr std::size_t page = 4096;
     pthread_attr_t attributes;
     pthread_t thread;
