@@ -207,4 +207,41 @@ TYPED_TEST(LanesOfDoubles, are_computed_each_as_one_number_is) {
     });
 }
 
+template <class Numbers>
+class ScaledLanes : public testing::Test {};
+
+using ScaledKinds = testing::Types<Numbers<4>, scalar::Lanes<std::uint32_t, 4>>;
+TYPED_TEST_SUITE(ScaledLanes, ScaledKinds);
+
+TYPED_TEST(ScaledLanes, are_moved_away_from_0_by_a_half_and_cut_toward_zero) {
+    forEachSeed([](test::Random &random) {
+        const Sample<TypeParam> a(random);
+        const long long numerator = random.between(-0xFFFFF, 0xFFFFF);
+        const int bits = random.between(0, 31);
+        const auto scaled = [&](int i) {
+            const long long number = asSigned(a.numbers[i]);
+            const long long result = (2 * number + (number < 0 ? -1 : 1)) * numerator / (2LL << bits);
+            return result < -0x80000000LL || result > 0x7FFFFFFF ? -0x80000000LL : result;
+        };
+        const double factor = static_cast<double>(numerator) / static_cast<double>(1ULL << bits);
+        ASSERT_EQ(stored(scaledTowardZero(a.lanes, factor)), naive<std::uint32_t>(4, scaled));
+    });
+}
+
+TYPED_TEST(ScaledLanes, that_32_bits_cannot_hold_are_the_least_number) {
+    const auto numbers = TypeParam::of(1U, ~0U, 0x7FFFFFFFU, 0x80000000U);
+    const auto scaled = [&numbers](double factor) { return stored(scaledTowardZero(numbers, factor)); };
+    using Expected = std::vector<std::uint32_t>;
+    EXPECT_EQ(scaled(1), Expected({1, ~0U, 0x7FFFFFFF, 0x80000000}));
+    EXPECT_EQ(scaled(-1), Expected({~0U, 1, 0x80000001, 0x80000000}));
+    EXPECT_EQ(scaled(2), Expected({3, ~0U - 2, 0x80000000, 0x80000000}));
+    EXPECT_EQ(scaled(0x1p31), Expected(4, 0x80000000));
+    EXPECT_EQ(scaled(0x1p62), Expected(4, 0x80000000)); // 1.5 * 2^62 fits 64 bits and ends in zeros
+    EXPECT_EQ(scaled(1e300), Expected(4, 0x80000000));
+    EXPECT_EQ(scaled(0), Expected(4, 0));
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    for (const double factor : {infinity, -infinity, std::numeric_limits<double>::quiet_NaN()})
+        EXPECT_EQ(scaled(factor), Expected(4, 0x80000000));
+}
+
 } // namespace
