@@ -63,7 +63,7 @@ Q_MUR_API int LoadBitmap24(q_ulong *dst, char *name, int width, int height);
 /// The whole of `src` is shown on the whole of `dst`. Unlike everywhere else **both pitches count bytes**.
 /// Source positions have 15 fraction bits and a sign: a source of 65536 columns or rows is beyond them. Both buffers
 /// are trusted, nothing is clipped, and neither need be aligned.
-/// \param dstWidth must not be 0, nor must `dstHeight`: they divide, which faults. Below 0 nothing is written.
+/// \param dstWidth must not be 0, nor must `dstHeight`: they divide, which faults on x86. Below 0 nothing is written.
 /// \param srcWidth at 0 the first column is repeated, and with a `srcHeight` of 0 the first row, of which 3 bytes are
 ///        read all the same. Below 0 the positions walk out of `src`, to the left or upward.
 Q_MUR_API void _FitOn32RAW_24RAW_Nearest(unsigned char *dst, int dstWidth, int dstHeight, int dstPitchBytes,
