@@ -98,9 +98,9 @@ public:
     FullPrecision &operator=(const FullPrecision &) = delete;
 
 private:
-    static constexpr unsigned long full = 0;
+    static constexpr unsigned long long full = 0;
 
-    unsigned long before;
+    unsigned long long before;
 };
 #else
 /// A processor that computes in no other way.
