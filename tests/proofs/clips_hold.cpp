@@ -1,6 +1,5 @@
 #include "proofs.h"
 #include "support/numbers.h"
-#include "support/sanitizer.h"
 
 #include <algorithm>
 #include <iterator>
@@ -31,13 +30,6 @@ Box clipBox(const Call &call) {
         return call[clip.name].rect();
     return {0, 0, call["clipWidth"].whole(), call["clipHeight"].whole()};
 }
-
-// Rows work out regions of calls inside the contract; beyond it these may wrap, where a sanitizer ends the program.
-#ifdef Q_MUR_TESTS_ADDRESS_SANITIZER
-constexpr bool stopsAtWrappedRegions = false;
-#else
-constexpr bool stopsAtWrappedRegions = false;
-#endif
 
 /// Whether a function draws outside of its clip by contract.
 bool leavesItsClip(const Row &row) {
