@@ -1,0 +1,151 @@
+/// \file
+/// Draws each row of the catalogue into a WebP file, and prints what the pictures show.
+///
+/// usage: q_Mur_gallery_draw DIRECTORY [REGEX]
+#include "picture.h"
+#include "webp.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <regex>
+
+namespace gallery {
+namespace {
+
+using catalogue::Call;
+using catalogue::Plane;
+using catalogue::Row;
+using catalogue::Scene;
+using catalogue::Value;
+using Json = nlohmann::ordered_json;
+
+constexpr int framesOfFilm = 16;
+constexpr int millisecondsOfFrame = 90;
+
+/// What an argument is in a call: numbers as they are, memory by its shape, small arrays by the bits of their words.
+Json valueOf(const Value &value) {
+    constexpr int mostWords = 16;
+    if (value.is<double>())
+        return std::isfinite(value.number()) ? Json(value.number()) : Json(nullptr);
+    if (value.is<tagRECT>()) {
+        const tagRECT &rect = value.rect();
+        return {{"rect", {rect.left, rect.top, rect.right, rect.bottom}}};
+    }
+    if (value.is<tagPOINT>())
+        return {{"point", {value.point().x, value.point().y}}};
+    if (!value.is<Plane>())
+        return {{"block", true}};
+    const Plane &plane = value.plane();
+    if (plane.isNull())
+        return nullptr;
+    Json json = {{"width", plane.width()}, {"height", plane.height()}, {"bytes", plane.elementBytes()}};
+    if (plane.height() == 1 && plane.width() <= mostWords && plane.elementBytes() == 4) {
+        json["words"] = Json::array();
+        for (int i = 0; i < plane.width(); ++i) {
+            std::uint32_t word;
+            std::memcpy(&word, plane.as<std::uint32_t>() + i, 4);
+            json["words"].push_back(word);
+        }
+    }
+    return json;
+}
+
+Json valuesOf(const Call &call) {
+    Json json = Json::array();
+    for (std::size_t i = 0; i < call.size(); ++i)
+        json.push_back(valueOf(call[i]));
+    return json;
+}
+
+/// The frames in the order in which they are shown: there and back, where the end does not lead to the beginning.
+std::vector<Plane> shown(const Film &film) {
+    std::vector<Plane> pictures;
+    for (const Drawn &frame : film.frames)
+        pictures.push_back(frame.picture);
+    if (!film.isLoop)
+        for (std::size_t i = film.frames.size(); i-- > 2;)
+            pictures.push_back(film.frames[i - 1].picture);
+    return pictures;
+}
+
+std::string fileOf(const Row &row, const Scene &scene) {
+    std::string name = row.fullName() + (scene.label.empty() ? "" : " " + scene.label);
+    for (char &letter : name)
+        if (!std::isalnum(static_cast<unsigned char>(letter)) && letter != '_')
+            letter = '-';
+    return name + ".webp";
+}
+
+std::uint64_t checksumOf(const std::vector<Plane> &pictures) {
+    std::uint64_t sum = 0xCBF29CE484222325u;
+    for (const Plane &picture : pictures)
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                sum = (sum ^ (picture.at(x, y) & 0xFFFFFF)) * 0x100000001B3u;
+    return sum;
+}
+
+bool isPlain(const Plane &picture) {
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            if (((picture.at(x, y) ^ picture.at(0, 0)) & 0xFFFFFF) != 0)
+                return false;
+    return true;
+}
+
+Json pictureOf(const Row &row, const Scene &scene, const std::filesystem::path &directory) {
+    const Film film = gallery::film(row, scene, framesOfFilm);
+    const std::vector<Plane> pictures = shown(film);
+    const std::string file = fileOf(row, scene);
+    writeWebP(directory / file, pictures, millisecondsOfFrame);
+    const Drawn &middle = film.frames[film.frames.size() / 2];
+    Json json = {{"name", row.name}, {"overload", row.label}, {"scene", scene.label}, {"file", file}};
+    json["width"] = middle.picture.width();
+    json["height"] = middle.picture.height();
+    json["frames"] = film.frames.size();
+    json["calls"] = middle.calls.size();
+    json["isPlain"] = isPlain(middle.picture);
+    json["changes"] = middle.changes;
+    json["checksum"] = std::to_string(checksumOf(pictures));
+    json["values"] = valuesOf(middle.calls.front());
+    json["begin"] = valuesOf(film.frames.front().calls.front());
+    json["end"] = valuesOf(film.frames.back().calls.back());
+    return json;
+}
+
+void draw(const std::filesystem::path &directory, const std::string &pattern) {
+    const std::regex wanted(pattern);
+    Json json = Json::array();
+    catalogue::forEachRow([&](const Row &row) {
+        if (std::regex_search(row.fullName(), wanted))
+            json.push_back(pictureOf(row, catalogue::scenesOf(row).front(), directory));
+    });
+    const std::string text = json.dump(1) + "\n";
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+        throw std::runtime_error("cannot write to the standard output");
+}
+
+} // namespace
+} // namespace gallery
+
+int main(int argc, char **argv) {
+    CLI::App app("Draws each row of q_Mur's catalogue into a WebP file, and prints what the pictures show.");
+    std::string directory, pattern;
+    app.add_option("directory", directory, "Where the pictures go")->required();
+    app.add_option("regex", pattern, "Only the rows whose names it is found in");
+    CLI11_PARSE(app, argc, argv);
+    try {
+        Init_qMur_GlobalData(nullptr, nullptr);
+        std::filesystem::create_directories(directory);
+        gallery::draw(directory, pattern);
+        return 0;
+    } catch (const std::exception &failure) {
+        std::fprintf(stderr, "q_Mur_gallery_draw: %s\n", failure.what());
+        return 1;
+    }
+}

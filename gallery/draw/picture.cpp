@@ -1,0 +1,123 @@
+#include "picture.h"
+
+#include "figures.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace gallery {
+
+using catalogue::Argument;
+using catalogue::Call;
+using catalogue::Kind;
+using catalogue::Plane;
+using catalogue::RegionBlock;
+using catalogue::Row;
+using catalogue::Scene;
+using catalogue::Stage;
+
+namespace {
+
+/// Values of a plane of 8 bits as colours that differ.
+Plane coloured(const Plane &bytes) {
+    constexpr q_ulong colours[] = {0x101820, 0xFFC860, 0x60B0FF, 0xFF7080};
+    const Plane picture = Plane::surface(bytes.width(), bytes.height());
+    return picture.fill(picture.rect(), [&](int x, int y) -> q_ulong {
+        const unsigned value = bytes.as<unsigned char>()[static_cast<std::ptrdiff_t>(y) * bytes.pitch() + x];
+        return value < 4 ? colours[value] : 0x010101 * value;
+    });
+}
+
+/// What a call leaves behind that can be looked at as pixels; a null plane where there is nothing such.
+Plane seen(const Call &call) {
+    const auto &arguments = call.row().arguments;
+    for (std::size_t i = 0; i < call.size(); ++i)
+        if (arguments[i].kind == Kind::destination && call[i].is<Plane>() && !call[i].plane().isNull())
+            return call[i].plane();
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        if (arguments[i].kind == Kind::plane && call[i].is<Plane>() && !call[i].plane().isNull())
+            return coloured(call[i].plane());
+        if (!call[i].is<RegionBlock>())
+            continue;
+        const auto &block = call[i].get<RegionBlock>();
+        if (!block.destSurface.isNull())
+            return block.destSurface;
+        if (!block.plane.isNull())
+            return coloured(block.plane);
+    }
+    return {};
+}
+
+bool equal(const Plane &a, const Plane &b) {
+    if (a.width() != b.width() || a.height() != b.height())
+        return false;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+            if (((a.at(x, y) ^ b.at(x, y)) & 0xFFFFFF) != 0)
+                return false;
+    return true;
+}
+
+/// How far two pictures of one size are from each other, as the mean over all channels.
+double distance(const Plane &a, const Plane &b) {
+    double sum = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+            for (const int shift : {0, 8, 16})
+                sum += std::abs(static_cast<int>(a.at(x, y) >> shift & 0xFF) -
+                                static_cast<int>(b.at(x, y) >> shift & 0xFF));
+    return sum / (3.0 * a.width() * a.height());
+}
+
+/// Of the calls of a scene those up to a time.
+std::vector<Call> callsUntil(const Row &row, const Scene &scene, double time) {
+    const Stage stage = {stageWidth, stageHeight, time};
+    if (scene.calls == 1) {
+        std::vector<Call> calls;
+        calls.push_back(catalogue::sceneCall(row, scene, stage));
+        return calls;
+    }
+    std::vector<Call> calls = catalogue::sceneCalls(row, scene, stage);
+    calls.erase(calls.begin() + std::max(1, static_cast<int>(std::lround(time * scene.calls))), calls.end());
+    return calls;
+}
+
+} // namespace
+
+Drawn drawn(const Row &row, const Scene &scene, double time) {
+    Drawn result{{}, callsUntil(row, scene, time), true};
+    const Call before = result.calls.front();
+    std::srand(static_cast<unsigned>(time * 1000) + 1);
+    std::vector<Call> run = callsUntil(row, scene, time);
+    if (seen(run.front()).isNull()) {
+        result.picture = figureOf(row, scene, time);
+        return result;
+    }
+    for (Call &call : run)
+        row.functions.library(call)();
+    result.picture = seen(run.front());
+    result.changes = !equal(result.picture, seen(before));
+    return result;
+}
+
+Film film(const Row &row, const Scene &scene, int frames) {
+    Film film{{}, false};
+    const auto at = [&](double time) { film.frames.push_back(drawn(row, scene, time)); };
+    at(0);
+    at(1);
+    film.isLoop = distance(film.frames.front().picture, film.frames.back().picture) < 3;
+    film.frames.clear();
+    for (int i = 0; i < frames; ++i)
+        at(static_cast<double>(i) / (film.isLoop ? frames : frames - 1));
+    const bool moves = std::any_of(film.frames.begin(), film.frames.end(), [&film](const Drawn &frame) {
+        return !equal(frame.picture, film.frames.front().picture);
+    });
+    if (!moves) {
+        film.frames.clear();
+        at(0.5);
+    }
+    return film;
+}
+
+} // namespace gallery

@@ -1,0 +1,31 @@
+/// \file
+/// What a call leaves behind, as a picture.
+#ifndef Q_MUR_GALLERY_PICTURE_H
+#define Q_MUR_GALLERY_PICTURE_H
+
+#include "catalogue/row.h"
+
+namespace gallery {
+
+/// The size of a stage on which pictures are drawn.
+inline constexpr int stageWidth = 400;
+inline constexpr int stageHeight = 225;
+
+/// A scene at a time from 0 to 1, drawn by the library.
+struct Drawn {
+    catalogue::Plane picture;      ///< its margins are none of it
+    std::vector<catalogue::Call> calls; ///< as they were before they ran; one but for scenes of several calls
+    bool changes;                  ///< whether the picture would be another without the calls
+};
+Drawn drawn(const catalogue::Row &row, const catalogue::Scene &scene, double time);
+
+/// A scene as it runs.
+struct Film {
+    std::vector<Drawn> frames; ///< one where nothing moves
+    bool isLoop;               ///< whether the end leads to the beginning
+};
+Film film(const catalogue::Row &row, const catalogue::Scene &scene, int frames);
+
+} // namespace gallery
+
+#endif
