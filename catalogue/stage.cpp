@@ -21,31 +21,55 @@ double grain(int x, int y) {
     return random.between(0, 255) / 255.0;
 }
 
-/// Hills one behind the other under a sky with a sun, lit and coloured by the number.
+struct Colour {
+    double red;
+    double green;
+    double blue;
+
+    Colour mixed(const Colour &other, double share) const {
+        return {red + (other.red - red) * share, green + (other.green - green) * share,
+                blue + (other.blue - blue) * share};
+    }
+};
+
+/// The light of a landscape: in the sky from above to below, of sun or moon, on hills from the farthest to the nearest.
+struct Light {
+    Colour above;
+    Colour below;
+    Colour sun;
+    Colour farthest;
+    Colour nearest;
+};
+constexpr Light lights[] = {
+    {{0.07, 0.10, 0.25}, {0.50, 0.30, 0.38}, {0.98, 0.93, 0.80}, {0.22, 0.22, 0.36}, {0.05, 0.08, 0.11}}, // dusk
+    {{0.24, 0.53, 0.86}, {0.84, 0.92, 0.96}, {1.00, 0.96, 0.70}, {0.48, 0.66, 0.46}, {0.16, 0.32, 0.18}}, // day
+    {{0.93, 0.60, 0.36}, {1.00, 0.88, 0.68}, {1.00, 0.98, 0.88}, {0.82, 0.48, 0.32}, {0.36, 0.16, 0.16}}, // morning
+};
+
+/// Hills one behind the other under a sky with a sun, in the light of the number.
 Plane landscape(int width, int height, int number) {
+    constexpr int hills = 4;
     Plane plane = Plane::surface(width, height);
-    const double hue = number * 2.1;
+    const double phase = number * 2.1;
+    const Light &light = lights[number % 3];
     for (int y = -Plane::usualMargin; y < height + Plane::usualMargin; ++y) {
         for (int x = -Plane::usualMargin; x < width + Plane::usualMargin; ++x) {
             const double u = static_cast<double>(x) / width;
             const double v = static_cast<double>(y) / height;
-            double red = 0.95 - 0.5 * v + 0.2 * std::sin(hue);
-            double green = 0.55 + 0.3 * v + 0.15 * std::sin(hue + 2);
-            double blue = 0.55 + 0.4 * (1 - v) + 0.3 * std::sin(hue + 4);
-            const double sun = std::hypot((u - 0.7) * width / height, v - 0.3);
-            if (sun < 0.12)
-                red = green = 1, blue = 0.8;
-            for (int hill = 0; hill < 4; ++hill) {
+            Colour colour = light.above.mixed(light.below, std::clamp(v * 1.6, 0.0, 1.0));
+            const double place = 0.7 - 0.15 * (number % 3);
+            const double sun = std::hypot((u - place) * width / height, v - 0.26);
+            if (sun < 0.1)
+                colour = light.sun;
+            for (int hill = 0; hill < hills; ++hill) {
                 const double ridge =
-                    0.45 + 0.13 * hill + 0.09 * std::sin(u * (5 + 2 * hill) + hill * 1.7 + hue) / (hill + 1);
+                    0.45 + 0.13 * hill + 0.09 * std::sin(u * (5 + 2 * hill) + hill * 1.7 + phase) / (hill + 1);
                 if (v > ridge) {
-                    const double light = 0.75 - 0.15 * hill + 0.12 * (grain(x / 2, y / 2) - 0.5);
-                    red = light * (0.55 + 0.3 * std::sin(hue + hill));
-                    green = light * (0.7 + 0.2 * std::sin(hue + 1 + hill));
-                    blue = light * (0.5 + 0.3 * std::sin(hue + 3 + hill));
+                    colour = light.farthest.mixed(light.nearest, static_cast<double>(hill) / (hills - 1));
+                    colour = colour.mixed({0, 0, 0}, 0.2 * (grain(x / 2, y / 2) - 0.5));
                 }
             }
-            plane.at(x, y) = packed(red, green, blue);
+            plane.at(x, y) = packed(colour.red, colour.green, colour.blue);
         }
     }
     return plane;

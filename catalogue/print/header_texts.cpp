@@ -45,20 +45,30 @@ std::string resultType(const std::string &declaration) {
     return trimmed(head.substr(0, nameIn(head)));
 }
 
-std::map<std::string, std::vector<HeaderText>> headerTexts(const std::filesystem::path &header) {
-    constexpr std::string_view mark = "Q_MUR_API ";
-    std::ifstream in(header);
+Header readHeader(const std::filesystem::path &file) {
+    constexpr std::string_view mark = "Q_MUR_API ", section = "\\name ", begin = "\\file\n";
+    std::ifstream in(file);
     if (!in)
-        throw std::runtime_error("cannot read " + header.string());
-    std::map<std::string, std::vector<HeaderText>> texts;
+        throw std::runtime_error("cannot read " + file.string());
+    Header header;
     HeaderText current;
     std::string line;
     while (std::getline(in, line)) {
         line = trimmed(line);
+        if (line == "/// @{")
+            continue;
+        if (line == "/// @}") {
+            current = {};
+            continue;
+        }
         if (line.starts_with("///")) {
             if (!current.text.empty())
                 current.text += '\n';
             current.text += trimmed(line.substr(3));
+            if (current.text.starts_with(section)) {
+                current.group = current.text.substr(section.size());
+                current.groupText = current.text = {};
+            }
             continue;
         }
         const std::size_t marked = line.find(mark);
@@ -67,11 +77,15 @@ std::map<std::string, std::vector<HeaderText>> headerTexts(const std::filesystem
             while (declaration.find(';') == std::string::npos && std::getline(in, line))
                 declaration.append(" ").append(trimmed(line));
             current.declaration = declaration.substr(0, declaration.find(';'));
-            texts[declaredName(current.declaration)].push_back(current);
+            header.texts[declaredName(current.declaration)].push_back(current);
+        } else if (current.text.starts_with(begin)) {
+            header.about = current.text.substr(begin.size());
+        } else if (!current.group.empty() && current.groupText.empty()) {
+            current.groupText = current.text;
         }
-        current = {};
+        current.text = {};
     }
-    return texts;
+    return header;
 }
 
 } // namespace catalogue

@@ -14,14 +14,20 @@ namespace catalogue {
 struct HeaderText {
     std::string text;        ///< the comment's lines without their slashes
     std::string declaration; ///< on one line, without what exports it
+    std::string group;       ///< the section that it stands in
+    std::string groupText;   ///< what is common to the section
+};
+
+struct Header {
+    std::string about;                                    ///< what its first comment says
+    std::map<std::string, std::vector<HeaderText>> texts; ///< by the names of functions; overloads in their order
 };
 
 /// The types of a declaration's parameters and of its result, as they are written there.
 std::vector<std::string> parameterTypes(const std::string &declaration);
 std::string resultType(const std::string &declaration);
 
-/// The texts of a header by the names of its functions; those of overloads in the header's order.
-std::map<std::string, std::vector<HeaderText>> headerTexts(const std::filesystem::path &header);
+Header readHeader(const std::filesystem::path &file);
 
 } // namespace catalogue
 

@@ -65,6 +65,8 @@ Json rowOf(const Row &row, const HeaderText &header) {
     json["sentence"] = row.sentence;
     json["declaration"] = header.declaration;
     json["text"] = header.text;
+    json["group"] = header.group;
+    json["groupText"] = header.groupText;
     json["result"] = resultType(header.declaration);
     json["aliases"] = row.aliases;
     json["arguments"] = Json::array();
@@ -93,17 +95,17 @@ Json rowOf(const Row &row, const HeaderText &header) {
 Json everything(const std::filesystem::path &headers) {
     Json json = {{"library", "q_Mur"}, {"subsystems", Json::array()}};
     for (const Subsystem &subsystem : subsystems()) {
-        const auto texts = headerTexts(headers / (std::string(subsystem.name) + ".h"));
+        const Header header = readHeader(headers / (std::string(subsystem.name) + ".h"));
         Json rows = Json::array();
         std::map<std::string, std::size_t> met;
         for (const Row &row : subsystem.rows) {
             const std::string name(row.name);
-            const auto found = texts.find(name);
-            if (found == texts.end() || met[name] >= found->second.size())
+            const auto found = header.texts.find(name);
+            if (found == header.texts.end() || met[name] >= found->second.size())
                 throw std::runtime_error(row.fullName() + " is not declared in the header of its subsystem");
             rows.push_back(rowOf(row, found->second[met[name]++]));
         }
-        json["subsystems"].push_back({{"name", subsystem.name}, {"functions", rows}});
+        json["subsystems"].push_back({{"name", subsystem.name}, {"about", header.about}, {"functions", rows}});
     }
     return json;
 }

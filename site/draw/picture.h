@@ -13,9 +13,9 @@ inline constexpr int stageHeight = 225;
 
 /// A scene at a time from 0 to 1, drawn by the library.
 struct Drawn {
-    catalogue::Plane picture;      ///< its margins are none of it
+    catalogue::Plane picture;           ///< its margins are none of it
     std::vector<catalogue::Call> calls; ///< as they were before they ran; one but for scenes of several calls
-    bool changes;                  ///< whether the picture would be another without the calls
+    bool changes;                       ///< whether the picture would be another without the calls
 };
 Drawn drawn(const catalogue::Row &row, const catalogue::Scene &scene, double time);
 
