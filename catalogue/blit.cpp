@@ -698,7 +698,7 @@ std::vector<Row> otherRows() {
                        number("fontHeight", "pixels", anyInt, {40, 40}), orNull(text("fontName", "name of a face"))},
          .writes = on("dst", textBox), .reads = readsText, .topByte = cleared, .arrange = chooseText,
          .scenes = {{.set = writeLine, .figures = 1, .figure = "texts"}}},
-        {Q_MUR_FUNCTION(i3DBltNear32), .sentence = "Does nothing."},
+        {Q_MUR_FUNCTION(i3DBltNear32), .sentence = "Does nothing.", .figure = Figure::nothing},
     };
 }
 

@@ -70,6 +70,7 @@ struct Bound {
     std::function<Run(Call &)> twin; ///< empty where there is none
     std::vector<Type> types;         ///< of the parameters
     bool hasResult;
+    std::size_t resultBytes; ///< 0 without a result
 };
 
 template <class Result, class... Parameters>
@@ -89,9 +90,21 @@ std::function<Run(Call &)> bound(Result (*function)(Parameters...)) {
     };
 }
 
+template <class Result>
+constexpr std::size_t bytesOfResult() {
+    if constexpr (std::is_void_v<Result>)
+        return 0;
+    else
+        return sizeof(Result);
+}
+
 template <class Result, class... Parameters>
 Bound callOf(Result (*function)(Parameters...), Result (*twin)(Parameters...)) {
-    return {bound(function), twin ? bound(twin) : nullptr, {typeOf<Parameters>()...}, !std::is_void_v<Result>};
+    return {bound(function),
+            twin ? bound(twin) : nullptr,
+            {typeOf<Parameters>()...},
+            !std::is_void_v<Result>,
+            bytesOfResult<Result>()};
 }
 
 template <class Result, class... Parameters>

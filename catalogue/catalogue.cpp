@@ -222,6 +222,10 @@ std::vector<Call> sceneCalls(const Row &row, const Scene &scene, Stage stage) {
     return calls;
 }
 
+Scene pictureOf(const Row &row) {
+    return row.picture ? *row.picture : scenesOf(row).front();
+}
+
 std::vector<Scene> scenesOf(const Row &row) {
     return row.scenes.empty() ? std::vector<Scene>{{}} : row.scenes;
 }

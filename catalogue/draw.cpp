@@ -375,6 +375,7 @@ Row side(Row row) {
     };
     row.sums = wrap;
     row.arrange = arrangeSide;
+    row.figure = Figure::side;
     row.scenes = {{.set = [](Call &call, const Stage &stage) {
         const int numbers[] = {static_cast<int>(stage.time * stage.width), 40, 30, 0, 60, 100};
         for (std::size_t i = 0; i < 6; ++i)

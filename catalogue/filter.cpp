@@ -223,6 +223,15 @@ Row search(Row row, std::function<void(Call &, const Stage &)> place) {
         if (call.row().argument("limit"))
             call["limit"] = 2000000;
     };
+    const auto spots = [=](Call &call, const Stage &stage) {
+        const q_ulong ground = forBlack ? 0x404858 : 0;
+        call[field] = Plane(4, side * side, 1).fill({0, 0, side * side, 1}, [=](int, int) { return ground; });
+        for (const tagPOINT &spot : {tagPOINT{-7, -11}, {14, 5}, {3, 17}})
+            call[field].plane().at((side / 2 + spot.y) * side + side / 2 + spot.x, 0) = forBlack ? 0 : 0xFFB060;
+        call["ring"] = std::floor(stage.along({1, 19}));
+    };
+    row.figure = Figure::search;
+    row.picture = Scene{.set = inTurn(begin, place, spots)};
     row.scenes = {{.set = inTurn(begin, std::move(place)), .figures = 100, .figure = "rings", .calls = 100}};
     return row;
 }
@@ -341,10 +350,12 @@ std::vector<Row> filterRows() {
          .reads = on("surface", blurredRect), .topByte = cleared, .sums = stayInside, .arrange = arrangeRadius,
          .scenes = {{.set = set("radius", 15)}, {"radius 3", set("radius", 3)}, {"radius 60", set("radius", 60)}}},
         {Q_MUR_FUNCTION(Blur_Ring), .sentence = "Does nothing.",
-         .arguments = destination("surface") + point("centre", "surface") + each({"a", "b", "c", "d"}, unused(""))},
+         .arguments = destination("surface") + point("centre", "surface") + each({"a", "b", "c", "d"}, unused("")),
+         .figure = Figure::nothing},
         {Q_MUR_FUNCTION(Blur_Parallelogram), .sentence = "Does nothing.",
          .arguments = destination("surface") + each({"a", "b", "c", "d", "e", "f"}, unused("")) +
-                      rectangle("rect", "surface") + each({"g", "h"}, unused(""))},
+                      rectangle("rect", "surface") + each({"g", "h"}, unused("")),
+         .figure = Figure::nothing},
         boxBlur<true>(
             {Q_MUR_FUNCTION(Hor_Blur), .sentence = "Blurs rows by the means of windows.", .topByte = cleared}),
         boxBlur<false>(

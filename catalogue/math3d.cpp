@@ -40,7 +40,7 @@ const Arguments radiansOfAxes = each({"angleX", "angleY", "angleZ"}, radians("")
 const Arguments tableAnglesOfAxes = each({"angleX", "angleY", "angleZ"}, tableAngle(""));
 const Arguments offsets = each({"offsetX", "offsetY", "offsetZ"}, whole(""));
 const Arguments steps = {whole("dx", {-9, 9}), whole("dy", {9, -9}), whole("dz", {-9, 9})};
-const Arguments centre = each({"centreX", "centreY"}, whole(""));
+const Arguments centre = {whole("centreX", {-60, -60}), whole("centreY", {30, 30})};
 /// Columns and rows of a grid, so many at the fewest.
 Arguments gridSize(double fewest) {
     return each({"columns", "rows"}, count("", "points", {fewest, 65536}, {64, 64}));
@@ -123,6 +123,31 @@ void setPoint(Call &call, const Stage &stage) {
     }
 }
 
+/// The first of the points turns, the others stand still.
+void setVectors(Call &call, const Stage &stage) {
+    constexpr int others[][3] = {{70, 30, 0}, {-60, 50, 30}, {-30, -70, -40}};
+    const double angle = fullTurn * stage.time;
+    int met = 0;
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        if (call.row().arguments[i].kind != Kind::points)
+            continue;
+        const bool isFirst = met == 0 || call.row().arguments[i].name == "out";
+        const int turning[] = {static_cast<int>(80 * std::cos(angle)), static_cast<int>(-80 * std::sin(angle)), 20};
+        const int *from = isFirst ? turning : others[met - 1];
+        const auto word = [from](int k) { return k < 3 ? from[k] : 0; };
+        call[i] = isFloatMemory(call, i) ? Plane::array<float>(4, [&](int k) { return static_cast<float>(word(k)); })
+                                         : Plane::array<int>(4, word);
+        met += call.row().arguments[i].name != "out";
+    }
+}
+/// An axis that leans.
+void setAxis(Call &call, const Stage &) {
+    constexpr int ends[][4] = {{0, 0, 0, 0}, {-50, -80, 0, 0}, {50, 80, 0, 0}};
+    for (std::size_t i = 0; i < 3; ++i)
+        call[i] = isFloatMemory(call, i) ? Plane::array<float>(4, [&](int k) { return static_cast<float>(ends[i][k]); })
+                                         : Plane::of(ends[i]);
+}
+
 /// What most rows have in common: they change or measure single points.
 void describePoint(Row &row) {
     if (row.scenes.empty())
@@ -130,6 +155,12 @@ void describePoint(Row &row) {
     if (!row.arrange)
         row.arrange = arrange;
     const bool isGrid = row.argument("columns");
+    const bool makesVector = row.functions.hasResult || row.argument("out");
+    row.figure = isGrid ? Figure::grid : makesVector ? Figure::vectors : Figure::transform;
+    if (row.figure == Figure::vectors)
+        row.picture = Scene{.set = setVectors};
+    else if (row.argument("q"))
+        row.picture = Scene{.set = setAxis};
     if (!row.reads && !isGrid)
         row.reads = read;
     if (!row.writes && !row.functions.hasResult)
@@ -198,29 +229,33 @@ std::vector<Row> math3dRows() {
         {Q_MUR_OVERLOAD(fRotate3DByX, Turn<float, float>), .sentence = "Turns (y, z) about X.",
          .arguments = ab + radians("angle")},
         {Q_MUR_OVERLOAD(fRotate3DByX, Turn<float, float, int>), .label = "centre",
-         .sentence = "Turns (y, z) about an axis along X.", .arguments = ab + radians("angle") + whole("centre")},
+         .sentence = "Turns (y, z) about an axis along X.",
+         .arguments = ab + radians("angle") + whole("centre", {40, 40})},
         {Q_MUR_OVERLOAD(fRotate3DByY, Turn<float, float>), .sentence = "Turns (x, z) about Y.",
          .arguments = ab + radians("angle")},
         {Q_MUR_OVERLOAD(fRotate3DByY, Turn<float, float, int>), .label = "centre",
-         .sentence = "Turns (x, z) about an axis along Y.", .arguments = ab + radians("angle") + whole("centre")},
+         .sentence = "Turns (x, z) about an axis along Y.",
+         .arguments = ab + radians("angle") + whole("centre", {40, 40})},
         {Q_MUR_OVERLOAD(fRotate3DByZ, Turn<float, float>), .sentence = "Turns (x, y) about Z.",
          .arguments = ab + radians("angle")},
         {Q_MUR_OVERLOAD(fRotate3DByZ, Turn<float, float, int, int>), .label = "centre",
          .sentence = "Turns (x, y) about an axis along Z.",
-         .arguments = ab + radians("angle") + whole("centreA") + whole("centreB")},
+         .arguments = ab + radians("angle") + whole("centreA", {40, 40}) + whole("centreB", {-30, -30})},
         {Q_MUR_OVERLOAD(iRotate3DByX, Turn<int, unsigned short>), .sentence = "Turns (y, z) about X.",
          .arguments = ab + tableAngle("angle")},
         {Q_MUR_OVERLOAD(iRotate3DByX, Turn<int, unsigned short, int>), .label = "centre",
-         .sentence = "Turns (y, z) about an axis along X.", .arguments = ab + tableAngle("angle") + whole("centre")},
+         .sentence = "Turns (y, z) about an axis along X.",
+         .arguments = ab + tableAngle("angle") + whole("centre", {40, 40})},
         {Q_MUR_OVERLOAD(iRotate3DByY, Turn<int, unsigned short>), .sentence = "Turns (x, z) about Y.",
          .arguments = ab + tableAngle("angle")},
         {Q_MUR_OVERLOAD(iRotate3DByY, Turn<int, unsigned short, int>), .label = "centre",
-         .sentence = "Turns (x, z) about an axis along Y.", .arguments = ab + tableAngle("angle") + whole("centre")},
+         .sentence = "Turns (x, z) about an axis along Y.",
+         .arguments = ab + tableAngle("angle") + whole("centre", {40, 40})},
         {Q_MUR_OVERLOAD(iRotate3DByZ, Turn<int, unsigned short>), .sentence = "Turns (x, y) about Z.",
          .arguments = ab + tableAngle("angle")},
         {Q_MUR_OVERLOAD(iRotate3DByZ, Turn<int, unsigned short, int, int>), .label = "centre",
          .sentence = "Turns (x, y) about an axis along Z.",
-         .arguments = ab + tableAngle("angle") + whole("centreA") + whole("centreB")},
+         .arguments = ab + tableAngle("angle") + whole("centreA", {40, 40}) + whole("centreB", {-30, -30})},
         {Q_MUR_OVERLOAD(fRotate3D, void(float *, float *, float *, float, float, float)),
          .sentence = "Turns a point about X, then Y, then Z.", .arguments = xyz + radiansOfAxes},
         {Q_MUR_OVERLOAD(iRotate3D, void(int *, int *, int *, unsigned short, unsigned short, unsigned short)),

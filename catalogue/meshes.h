@@ -130,6 +130,7 @@ inline const Region onDepths = on("data", "clip");
 inline Row allocating(std::string_view record, Row row) {
     row.arguments = {orNull(hostRecord(record, "")), number("slot", "", {0, 14}, {0, 0})};
     row.waived = {{"every proof", "allocates"}};
+    row.figure = Figure::record;
     return row;
 }
 
@@ -156,6 +157,15 @@ template <class Block>
 Row emptying(Row row) {
     row.arguments = {blockOf(), rectangle("rect", ""), number("pitch", "entries", {-4096, 4096}, {0, 0})};
     row.writes = writesPairs;
+    row.figure = Figure::depths;
+    row.picture = Scene{.set = [](Call &call, const Stage &stage) {
+        const Plane depths(2, stage.width, stage.height);
+        depths.fill<short>(depths.rect(), [](int x, int y) { return 40 * x + 60 * y; });
+        call["data"].get<Block>().depths = depths;
+        const int right = static_cast<int>(stage.along({0.35, 0.85}) * stage.width) / 2 * 2;
+        call["rect"] = tagRECT{60, 40, right, stage.height - 40};
+        call["pitch"] = stage.width;
+    }};
     row.arrange = [](Call &call, Random &random) {
         constexpr int before = 250;
         const Plane depths = Plane(2, 600, 1).movedBy(before, 0);

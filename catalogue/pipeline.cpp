@@ -109,6 +109,8 @@ void crumple(Call &call, const Stage &stage) {
 /// A row that only changes the block.
 Row ofBlock(Row row) {
     row.arguments = blockOf() + row.arguments;
+    if (row.figure == Figure::none)
+        row.figure = Figure::matrix;
     return row;
 }
 /// The same, each call going on from what the last has left.
@@ -415,14 +417,15 @@ std::vector<Row> pipelineRows() {
                     .sentence = "Allocates the private block of the pipeline in a slot of the host's record."}),
         emptying<PipelineBlock>(
             {Q_MUR_FUNCTION(VKD_ResetZBuffer), .sentence = "Empties a rectangle of the Z plane, in pairs of entries."}),
-        {Q_MUR_FUNCTION(SetIdentityMatrix), .sentence = "Sets the identity.", .arguments = {matrix("m")}, .writes = m},
+        {Q_MUR_FUNCTION(SetIdentityMatrix), .sentence = "Sets the identity.", .arguments = {matrix("m")}, .writes = m,
+         .figure = Figure::matrix},
         {Q_MUR_FUNCTION(SetRotationMatrix), .sentence = "Sets a rotation about an axis of any length.",
          .arguments = {matrix("m"), points("axis", "1"), angle("radians", anyLength, {0, 6})}, .writes = m,
          .reads = always({records("axis", 1)}), .arrange = arrangeRotation,
-         .scenes = {{.set = set("axis", Plane::of(_I3DVECTOR{1, 2, 3, 0}))}}},
+         .scenes = {{.set = set("axis", Plane::of(_I3DVECTOR{1, 2, 3, 0}))}}, .figure = Figure::matrix},
         {Q_MUR_FUNCTION(MatrixMultiply), .sentence = "Multiplies two matrices.",
          .arguments = each({"out", "a", "b"}, matrix("")), .writes = always({words("out", 16)}),
-         .reads = always({words("a", 16), words("b", 16)})},
+         .reads = always({words("a", 16), words("b", 16)}), .figure = Figure::matrix},
         ofBlock({Q_MUR_FUNCTION(VKD_glMatrixMode), .sentence = "Chooses the model stack or the view stack.",
                  .arguments = {choice("mode", anyInt, 1)}}),
         ofBlock({Q_MUR_FUNCTION(VKD_glLoadIdentity), .sentence = "Sets the current matrix to the identity."}),
@@ -459,7 +462,8 @@ std::vector<Row> pipelineRows() {
                  .arguments = points("points", "units") +
                               each({"rows", "columns"}, count("", "points", {-32768, 65535}, {64, 64})),
                  .writes = gridPoints, .reads = gridPoints, .arrange = arrangeMapping,
-                 .scenes = {{.set = setGrid<64, 64>, .figures = 64 * 64, .figure = "Mpoints"}}}),
+                 .scenes = {{.set = setGrid<64, 64>, .figures = 64 * 64, .figure = "Mpoints"}},
+                 .figure = Figure::grid}),
         {Q_MUR_OVERLOAD(VKD_3D_Render, Band), .sentence = "Draws a shaded band between two edges, depth tested.",
          .arguments = surfaceWithDepths + bandArguments(true), .writes = onDst + onDepths, .reads = onDepths,
          .topByte = cleared, .sums = carryOver, .arrange = arrangeBand, .scenes = {{.isRestored = true}}},

@@ -193,6 +193,7 @@ Row storing(Row row) {
     row.arguments = block + row.arguments;
     row.arrange = arrangeStorage;
     row.scenes = {{.set = setStorage}};
+    row.figure = Figure::storage;
     return row;
 }
 
@@ -238,6 +239,20 @@ void setScan(Call &call, const Stage &stage) {
     }
 }
 
+/// A scan over a short row with a boundary on either side.
+void setScanBetween(Call &call, const Stage &stage) {
+    constexpr int columns = 25, reach = 4;
+    const int shift = static_cast<int>(stage.along({0, reach}));
+    const Plane row = Plane::surface(columns, 1);
+    row.at(reach - shift, 0) = row.at(columns - reach + shift, 0) = 1;
+    call["data"] = RegionBlock{.plane = bytesOf(row), .planeRect = row.rect(), .testSurface = row};
+    call.set({{"x", columns / 2}, {"y", 0}});
+    if (call.row().argument("limit"))
+        call.set({{"limit", call.row().name == "scan_left" ? 0 : columns}, {"border", 1}});
+    else
+        call["value"] = 1;
+}
+
 /// Scans begin at a pixel and end at a boundary or at a limit, which the block has for bytes.
 template <bool toTheLeft>
 Row scan(const Arguments &others, Row row) {
@@ -245,6 +260,8 @@ Row scan(const Arguments &others, Row row) {
     row.allows = scanIsInside<toTheLeft>;
     row.arrange = arrangeScan;
     row.scenes = {{.set = setScan}};
+    row.figure = Figure::scan;
+    row.picture = Scene{.set = setScanBetween};
     return row;
 }
 

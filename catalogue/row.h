@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <limits>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -154,6 +155,26 @@ struct Scene {
     bool isRestored = false;
 };
 
+/// What stands in a picture for calls that draw no pixels of their own.
+enum class Figure {
+    none,         ///< there are pixels: those of a destination, or else of a plane of 8 bits
+    nothing,      ///< the calls leave nothing behind that could be looked at
+    transform,    ///< a shape whose points' coordinates the calls change
+    vectors,      ///< the points that are passed, and what is made of them
+    grid,         ///< a grid of points
+    litGrid,      ///< a grid with the light that is worked out for its points
+    side,         ///< a point and a line
+    scan,         ///< a row of pixels and how far a scan goes
+    search,       ///< a ring of pixels
+    matrix,       ///< a cube that a matrix or a block's matrices bring to the screen
+    depths,       ///< a Z plane
+    storage,      ///< what a private block points to
+    record,       ///< the host's record with its slots
+    tables,       ///< the tables of sines and cosines
+    distribution, ///< how often each number is drawn
+    colours,      ///< the colours that are drawn
+};
+
 /// Why a proof has nothing to say of a row, in a word.
 struct Waiver {
     std::string_view proof;
@@ -191,12 +212,21 @@ struct Row {
     std::vector<Scene> scenes;
     std::vector<Waiver> waived;
 
+    /// What pictures show.
+    Figure figure = Figure::none;
+    /// The scene that makes the picture, where the first of the others is for work worth timing alone.
+    std::optional<Scene> picture = {};
+    /// Why the picture may be that of another function.
+    std::string_view looksLike = {};
+
     /// How many seeded cases are compared with the twin; fewer where a call takes long.
     int cases = 20000;
 
     /// The name with the label behind it.
     std::string fullName() const;
     const Argument *argument(std::string_view name) const;
+    /// How many words a result has; 0 for a truth value.
+    int returnsWords() const { return static_cast<int>(functions.resultBytes / 4); }
     bool isReal(std::size_t index) const { return functions.types[index] == Type::real; }
 };
 
@@ -234,6 +264,9 @@ Call sceneCall(const Row &row, const Scene &scene, const Stage &stage);
 
 /// All calls of a scene, on the same memory.
 std::vector<Call> sceneCalls(const Row &row, const Scene &scene, Stage stage);
+
+/// The scene that makes a row's picture.
+Scene pictureOf(const Row &row);
 
 /// The scenes of a row: where it names none, one of its arguments' own ways.
 std::vector<Scene> scenesOf(const Row &row);

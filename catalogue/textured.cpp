@@ -104,6 +104,7 @@ Row lighting(Row row) {
     row.reads = readsGrid;
     row.arrange = arrangeLight;
     row.scenes = {{.set = setMeshLight<Block>}};
+    row.figure = Figure::litGrid;
     return row;
 }
 

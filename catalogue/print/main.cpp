@@ -81,6 +81,8 @@ Json rowOf(const Row &row, const HeaderText &header) {
     json["drawsRandomNumbers"] = row.drawsRandomNumbers;
     json["pixelOnPixel"] = bool(row.pixelOnPixel);
     json["hasTwin"] = row.functions.twin != nullptr;
+    json["drawsPixels"] = row.figure == Figure::none;
+    json["looksLike"] = row.looksLike;
     json["scenes"] = Json::array();
     for (const Scene &scene : scenesOf(row)) {
         Json described = {{"label", scene.label}};

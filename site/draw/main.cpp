@@ -123,7 +123,7 @@ void draw(const std::filesystem::path &directory, const std::string &pattern) {
     Json json = Json::array();
     catalogue::forEachRow([&](const Row &row) {
         if (std::regex_search(row.fullName(), wanted))
-            json.push_back(pictureOf(row, catalogue::scenesOf(row).front(), directory));
+            json.push_back(pictureOf(row, catalogue::pictureOf(row), directory));
     });
     const std::string text = json.dump(1) + "\n";
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)

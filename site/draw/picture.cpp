@@ -90,7 +90,7 @@ Drawn drawn(const Row &row, const Scene &scene, double time) {
     const Call before = result.calls.front();
     std::srand(static_cast<unsigned>(time * 1000) + 1);
     std::vector<Call> run = callsUntil(row, scene, time);
-    if (seen(run.front()).isNull()) {
+    if (row.figure != catalogue::Figure::none) {
         result.picture = figureOf(row, scene, time);
         return result;
     }
