@@ -405,6 +405,16 @@ void zoom(Call &call, const Stage &stage) {
     call["srcRect"] = tagRECT{left, top, left + width, top + height};
 }
 
+/// So small a part that its pixels can be told from each other.
+void zoomIn(Call &call, const Stage &stage) {
+    const double share = stage.along({0.4, 0.06});
+    const int width = static_cast<int>(stage.width * share);
+    const int height = static_cast<int>(stage.height * share);
+    const int left = static_cast<int>(stage.width * 0.49 - width / 2);
+    const int top = static_cast<int>(stage.height * 0.28 - height / 4);
+    call["srcRect"] = tagRECT{left, top, left + width, top + height};
+}
+
 /// A source that drifts by sixteenths of a pixel, no larger than the format of its positions allows.
 void drift(Call &call, const Stage &stage) {
     const int columns = std::min(stage.width, 1000) - 4;
@@ -509,6 +519,8 @@ Row scaled(Row row, IsDrawn isDrawn = anySource) {
     row.writes = stretched(isDrawn);
     row.arrange = inTurn(row.arrange, scaleLongSometimes);
     row.pixelOnPixel = drawWhole;
+    if (row.scenes.empty() || !row.scenes.front().set)
+        row.picture = Scene{.set = zoomIn};
     return moving(std::move(row), zoom);
 }
 
@@ -564,7 +576,8 @@ std::vector<Row> scalingRows() {
         scaled({Q_MUR_FUNCTION(iBltAdaptive32),
                 .sentence = "Scales a rectangle onto another: filtered where it grows by half, else nearest pixel.",
                 .reads = on("src", adaptively), .topByte = copied, .sums = stayInside,
-                .arrange = inTurn(keepUpright, tightenSometimes, matchSizesSometimes), .waived = {unfilteredBottomUp}}),
+                .arrange = inTurn(keepUpright, tightenSometimes, matchSizesSometimes), .waived = {unfilteredBottomUp},
+                .looksLike = "Where the area grows by half or more it is `iBltBilinear32Safe()`."}),
         {Q_MUR_FUNCTION(iBltPerfect32),
          .sentence = "Copies or scales a rectangle that is placed in sixteenths of a pixel, filtered.",
          .arguments = surfaces + dstRect + srcRect + pitches, .writes = on("dst", drawnSixteenths),

@@ -63,6 +63,14 @@ auto dotGrown(int left, int up, int right, int down) {
 }
 const Region dot = dotGrown(0, 0, 0, 0);
 
+/// Places on a spiral around the middle.
+void spiral(Call &call, const Stage &stage) {
+    const double angle = 5 * fullTurn * stage.time;
+    const double radius = stage.height * (0.05 + 0.38 * stage.time);
+    call["x"] = std::floor(stage.width / 2 + 1.6 * radius * std::cos(angle));
+    call["y"] = std::floor(stage.height / 2 + radius * std::sin(angle));
+}
+
 Row dotted(Row row, int reach) {
     row.arguments = surface + itsPitch + position("x", "surface", {0.3, 0.7}) + position("y", "surface") + colour();
     row.topByte = cleared;
@@ -70,6 +78,7 @@ Row dotted(Row row, int reach) {
     row.arrange = [reach](Call &call, Random &random) { place(call, random, {"x", "y"}, reach, reach); };
     if (reach > 0)
         row.waived = {{"every_place_and_size_over_a_small_surface", "larger than the surface"}};
+    row.picture = Scene{.set = spiral, .calls = 150};
     return figure(reach > 0 ? "crosses" : "pixels", std::move(row));
 }
 
@@ -118,6 +127,7 @@ Row wideLine(Row row) {
     row.writes = lineInClip([](const Call &call) { return std::abs(call["width"].whole()) / 2 + 1; });
     row.arrange = arrangeBlended;
     row.scenes = {{"", inTurn(turningLine, set("width", 1))}, {"of width 3", inTurn(turningLine, set("width", 3))}};
+    row.picture = Scene{.set = turningLine};
     return figure("lines", mixed(std::move(row)));
 }
 Row line(Row row) {
@@ -376,6 +386,16 @@ Row side(Row row) {
     row.sums = wrap;
     row.arrange = arrangeSide;
     row.figure = Figure::side;
+    row.picture = Scene{.set = [](Call &call, const Stage &stage) {
+        const int numbers[] = {static_cast<int>(stage.along({0.2, 0.8}) * stage.width),
+                               stage.height / 2,
+                               stage.width * 3 / 8,
+                               stage.height * 7 / 8,
+                               stage.width * 5 / 8,
+                               stage.height / 8};
+        for (std::size_t i = 0; i < 6; ++i)
+            call[i] = Plane::of(numbers[i]);
+    }};
     row.scenes = {{.set = [](Call &call, const Stage &stage) {
         const int numbers[] = {static_cast<int>(stage.time * stage.width), 40, 30, 0, 60, 100};
         for (std::size_t i = 0; i < 6; ++i)
@@ -611,7 +631,8 @@ std::vector<Row> drawRows() {
         side({Q_MUR_FUNCTION(DecisionLine2), .sentence = "Tells on which side of a line a point lies.",
               .aliases = {"DecisionLines", "VKD_DecisionLines"}}),
         side({Q_MUR_FUNCTION(DecisionLine),
-              .sentence = "Tells on which side of a line a point lies, with the factors turned round."}),
+              .sentence = "Tells on which side of a line a point lies, with the factors turned round.",
+              .looksLike = "Answers as `DecisionLine2()` does, but where a product leaves 32 bits."}),
         resource({Q_MUR_FUNCTION(MakeBubbleResource),
                   .sentence = "Renders a bubble's resource: a sphere with light and highlight at the upper left."}),
         resource({Q_MUR_FUNCTION(MakeBubbleResource2),

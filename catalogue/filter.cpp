@@ -150,11 +150,22 @@ Row blur(const Argument &window, Fits fits, Row row) {
     row.sums = stayInside;
     return row;
 }
+/// The middle of the picture, so that there is something to compare it with.
+void inset(Call &call, const Stage &stage) {
+    call["rect"] = tagRECT{stage.width / 5, stage.height / 8, stage.width * 4 / 5, stage.height * 7 / 8};
+}
+void insetWithPhase(Call &call, const Stage &stage) {
+    inset(call, stage);
+    if (stage.call == 0)
+        call["lut"] = PhaseBlock();
+}
+
 template <bool alongRows>
 Row boxBlur(Row row) {
     row.allows = windowFits<alongRows>;
     row.arrange = arrangeBlurSize<alongRows>;
     row.scenes = {{.set = set("blurSize", 30)}, {"radius 3", set("blurSize", 6)}, {"radius 60", set("blurSize", 120)}};
+    row.picture = Scene{};
     return blur(
         radius("blurSize", anyInt, {6, 30}),
         [](const Call &call) { return plain::isBlurSize(call["blurSize"].whole()); }, std::move(row));
@@ -164,6 +175,7 @@ Row gaussBlur(Row row) {
     row.topByte = cleared;
     row.arrange = arrangeSigma<alongRows>;
     row.scenes = {{.set = set("sigma", 8)}, {"sigma 2", set("sigma", 2)}, {"sigma 20", set("sigma", 20)}};
+    row.picture = Scene{};
     const auto hasWeights = [](const Call &call) {
         return plain::gaussWeightsOf(static_cast<float>(call["sigma"].number())).radius < 128;
     };
@@ -337,18 +349,21 @@ std::vector<Row> filterRows() {
          .sums = stayInside,
          .waived = {{"reads_nothing_outside_its_region", "each call draws its direction"},
                     {"two_threads_on_separate_surfaces", "each call draws its direction"},
-                    {"pictures_stored_bottom_up", "each call draws its direction"}}},
+                    {"pictures_stored_bottom_up", "each call draws its direction"}},
+         .picture = Scene{.set = inset, .calls = 48}},
         {Q_MUR_FUNCTION(CrossBlur_Rect),
          .sentence = "Averages the four neighbours of each pixel, beside it and at its corners in turn.",
          .arguments = privateBlock("lut", "_PRIVATE_LUT_DATA") + inPlace, .writes = on("surface", interior),
          .reads = nextToInterior, .topByte = cleared, .sums = stayInside,
          .arrange = [](Call &call, Random &random) { call["lut"] = PhaseBlock{.data = {random.between(0, 1)}}; },
          .scenes = {{.set = [](Call &call,
-                               const Stage &stage) { call["lut"] = PhaseBlock{.data = {stage.time < 0.5 ? 0 : 1}}; }}}},
+                               const Stage &stage) { call["lut"] = PhaseBlock{.data = {stage.time < 0.5 ? 0 : 1}}; }}},
+         .picture = Scene{.set = insetWithPhase, .calls = 48}},
         {Q_MUR_FUNCTION(Blur_Rect), .sentence = "Blurs a rectangle in place by the means of square windows.",
          .arguments = inPlace + radius("radius", anyInt, {2, 15}), .writes = on("surface", blurredRect),
          .reads = on("surface", blurredRect), .topByte = cleared, .sums = stayInside, .arrange = arrangeRadius,
-         .scenes = {{.set = set("radius", 15)}, {"radius 3", set("radius", 3)}, {"radius 60", set("radius", 60)}}},
+         .scenes = {{.set = set("radius", 15)}, {"radius 3", set("radius", 3)}, {"radius 60", set("radius", 60)}},
+         .picture = Scene{.set = inset}},
         {Q_MUR_FUNCTION(Blur_Ring), .sentence = "Does nothing.",
          .arguments = destination("surface") + point("centre", "surface") + each({"a", "b", "c", "d"}, unused("")),
          .figure = Figure::nothing},
@@ -361,9 +376,11 @@ std::vector<Row> filterRows() {
         boxBlur<false>(
             {Q_MUR_FUNCTION(Ver_Blur), .sentence = "Blurs columns by the means of windows.", .topByte = cleared}),
         boxBlur<true>({Q_MUR_FUNCTION(Hor_Blur32),
-                       .sentence = "Blurs rows, top bytes included, by the means of windows.", .topByte = blended}),
+                       .sentence = "Blurs rows, top bytes included, by the means of windows.", .topByte = blended,
+                       .looksLike = "Differs from `Hor_Blur()` in the top bytes alone, which pictures do not show."}),
         boxBlur<false>({Q_MUR_FUNCTION(Ver_Blur32),
-                        .sentence = "Blurs columns, top bytes included, by the means of windows.", .topByte = blended}),
+                        .sentence = "Blurs columns, top bytes included, by the means of windows.", .topByte = blended,
+                        .looksLike = "Differs from `Ver_Blur()` in the top bytes alone, which pictures do not show."}),
         gaussBlur<true>({Q_MUR_FUNCTION(Hor_GaussBlur), .sentence = "Blurs rows by a normal distribution."}),
         gaussBlur<false>({Q_MUR_FUNCTION(Ver_GaussBlur), .sentence = "Blurs columns by a normal distribution."}),
         search({Q_MUR_OVERLOAD(FindNearBlackDistanceSquare, BlackSearchWithin), .label = "limit",

@@ -203,7 +203,34 @@ void setGrids(Call &call, const Stage &) {
     }
 }
 
+/// A flat sheet on the screen that becomes a wave.
+void setSheets(Call &call, const Stage &stage) {
+    int made = 0;
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        if (call.row().arguments[i].kind != Kind::points)
+            continue;
+        call[i] = Plane::array<float>(4 * 64 * 64, [&](int word) {
+            const double u = word / 4 % 64 / 63.0;
+            const double v = word / 4 / 64 / 63.0;
+            const double wave = made < 2 ? 0 : 0.25 * std::sin(fullTurn * u);
+            const double x = made < 2 ? 0.2 + 0.6 * u : 0.3 + 0.4 * u;
+            return static_cast<float>(word % 4 == 0   ? stage.width * x
+                                      : word % 4 == 1 ? stage.height * (0.2 + 0.6 * v * (1 - 0.3 * made * u) + wave)
+                                                      : 0);
+        });
+        ++made;
+    }
+    if (call.row().argument("angleX")) {
+        call.set({{"scale", 0.5}, {"distance", 400}, {"offsetX", stage.width / 2}, {"offsetY", stage.height / 2}});
+        call.set({{"angleX", 0.5}, {"angleY", fullTurn * stage.time}, {"angleZ", 0}});
+        call["height"] = stage.height;
+        if (call.row().argument("width"))
+            call["width"] = stage.width;
+    }
+}
+
 Row grid(Row row) {
+    row.picture = Scene{.set = setSheets};
     row.arrange = arrangeGrids;
     row.scenes = {{.set = setGrids, .figures = 64 * 64, .figure = "Mpoints"}};
     return row;
@@ -237,7 +264,8 @@ std::vector<Row> math3dRows() {
          .sentence = "Turns (x, z) about an axis along Y.",
          .arguments = ab + radians("angle") + whole("centre", {40, 40})},
         {Q_MUR_OVERLOAD(fRotate3DByZ, Turn<float, float>), .sentence = "Turns (x, y) about Z.",
-         .arguments = ab + radians("angle")},
+         .arguments = ab + radians("angle"),
+         .looksLike = "Turns as `fRotate3DByX()` does, but other coordinates: x and y."},
         {Q_MUR_OVERLOAD(fRotate3DByZ, Turn<float, float, int, int>), .label = "centre",
          .sentence = "Turns (x, y) about an axis along Z.",
          .arguments = ab + radians("angle") + whole("centreA", {40, 40}) + whole("centreB", {-30, -30})},
@@ -252,7 +280,8 @@ std::vector<Row> math3dRows() {
          .sentence = "Turns (x, z) about an axis along Y.",
          .arguments = ab + tableAngle("angle") + whole("centre", {40, 40})},
         {Q_MUR_OVERLOAD(iRotate3DByZ, Turn<int, unsigned short>), .sentence = "Turns (x, y) about Z.",
-         .arguments = ab + tableAngle("angle")},
+         .arguments = ab + tableAngle("angle"),
+         .looksLike = "Turns as `iRotate3DByX()` does, but other coordinates: x and y."},
         {Q_MUR_OVERLOAD(iRotate3DByZ, Turn<int, unsigned short, int, int>), .label = "centre",
          .sentence = "Turns (x, y) about an axis along Z.",
          .arguments = ab + tableAngle("angle") + whole("centreA", {40, 40}) + whole("centreB", {-30, -30})},
@@ -267,7 +296,8 @@ std::vector<Row> math3dRows() {
          .sentence = "Turns a point about the line through two others.",
          .arguments = {point("p"), point("a"), point("q"), tableAngle("angle")}, .arrange = arrangeLine},
         {Q_MUR_FUNCTION(fMove3D), .sentence = "Adds three ints to a point.", .arguments = xyz + steps},
-        {Q_MUR_FUNCTION(iMove3D), .sentence = "Adds three ints to a point.", .arguments = xyz + steps},
+        {Q_MUR_FUNCTION(iMove3D), .sentence = "Adds three ints to a point.", .arguments = xyz + steps,
+         .looksLike = "In whole numbers what `fMove3D()` is in floats."},
         {Q_MUR_OVERLOAD(fConvertReal2Viewport, Projection<float>), .sentence = "Projects a point.",
          .arguments = xyz + distance(), .writes = xAndY},
         {Q_MUR_OVERLOAD(fConvertReal2Viewport, Projection<float, int, int>), .label = "centre",
@@ -282,24 +312,25 @@ std::vector<Row> math3dRows() {
          .arguments = xyz + tableAnglesOfAxes + offsets + distance()},
         {Q_MUR_FUNCTION(DotProduct), .sentence = "Gives the dot product of two vectors.", .arguments = vectors},
         {Q_MUR_FUNCTION(fDot_Product), .sentence = "Gives the dot product of two vectors, with the body of DotProduct.",
-         .arguments = vectors},
+         .arguments = vectors, .looksLike = "The same body as `DotProduct()`."},
         {Q_MUR_FUNCTION(iDot_Product), .sentence = "Gives the dot product of two vectors in 32 bits.",
-         .arguments = vectors, .sums = Sums::wrap},
+         .arguments = vectors, .sums = Sums::wrap, .looksLike = "In whole numbers what `DotProduct()` is in floats."},
         {Q_MUR_FUNCTION(CrossProduct), .sentence = "Gives the cross product of two vectors.", .arguments = vectors},
         {Q_MUR_FUNCTION(fCross_Product), .sentence = "Stores the cross product of two vectors.",
-         .arguments = point("out") + vectors},
+         .arguments = point("out") + vectors, .looksLike = "Stores what `CrossProduct()` gives."},
         {Q_MUR_FUNCTION(iCross_Product), .sentence = "Stores the cross product of two vectors in 32 bits.",
-         .arguments = point("out") + vectors, .sums = Sums::wrap},
+         .arguments = point("out") + vectors, .sums = Sums::wrap,
+         .looksLike = "In whole numbers what `fCross_Product()` is in floats."},
         {Q_MUR_OVERLOAD(Magnitude, float(_I3DVECTOR &)), .sentence = "Gives the length of a vector.",
          .arguments = {point("v")}, .arrange = arrangeUpTo<100>},
         {Q_MUR_OVERLOAD(Magnitude, float(_POINT3DFLOAT *)), .label = "point",
          .sentence = "Gives the length of a vector, under the same body as the other Magnitude.",
-         .arguments = {point("v")}, .arrange = arrangeUpTo<100>},
+         .arguments = {point("v")}, .arrange = arrangeUpTo<100>, .looksLike = "Both have one body."},
         {Q_MUR_OVERLOAD(Normalize, _I3DVECTOR(_I3DVECTOR &)), .sentence = "Brings a vector to length 1.",
          .arguments = {point("v")}, .arrange = arrangeUpTo<100>},
         {Q_MUR_OVERLOAD(Normalize, _POINT3DFLOAT(_POINT3DFLOAT *)), .label = "point",
          .sentence = "Brings a vector to length 1, under the same body as the other Normalize.",
-         .arguments = {point("v")}, .arrange = arrangeUpTo<100>},
+         .arguments = {point("v")}, .arrange = arrangeUpTo<100>, .looksLike = "Both have one body."},
         {Q_MUR_FUNCTION(fBubSun), .sentence = "Gives the unit normal of a face.", .arguments = point("out") + face,
          .arrange = arrangeFace},
         {Q_MUR_FUNCTION(iBubSun), .sentence = "Gives the normal of a face, of length 256.",

@@ -106,11 +106,69 @@ void crumple(Call &call, const Stage &stage) {
     call["points"] = coveringGrid(stage, rows, columns);
 }
 
+// Pictures of what matrices do to a cube.
+
+/// A scaling and a move.
+_I3DMATRIX placing(float scale, float x, float y) {
+    return {{scale, 0, 0, x, 0, scale, 0, y, 0, 0, scale, 0, 0, 0, 0, 1}};
+}
+_I3DMATRIX turning(double angle) {
+    const auto c = static_cast<float>(std::cos(angle)), s = static_cast<float>(std::sin(angle));
+    return {{c, -s, 0, 0, s, c, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}};
+}
+/// A viewport that is the stage, and in the model stack something other than an identity.
+void setStacks(Call &call, const Stage &stage) {
+    auto &block = call["data"].get<PipelineBlock>();
+    block = PipelineBlock::fresh(Plane::surface(stage.width, stage.height));
+    auto *model = block.modelStack.as<_I3DMATRIX>();
+    model[0] = placing(0.7F, -20, 10);
+    model[1] = turning(0.5);
+    block.data.focalLength = 400;
+    if (call.row().argument("m"))
+        call["m"] = Plane::of(turning(fullTurn * stage.time));
+}
+void setTwoEntries(Call &call, const Stage &stage) {
+    setStacks(call, stage);
+    dataOf(call).modelDepth = 1;
+}
+void setMove(Call &call, const Stage &stage) {
+    setStacks(call, stage);
+    call.set({{"x", stage.along({-20, 60})}, {"y", stage.along({10, -40})}, {"z", 0}});
+}
+void setMode(Call &call, const Stage &stage) {
+    setStacks(call, stage);
+    call["mode"] = stage.time < 0.5 ? 1 : 2;
+}
+void setViewport(Call &call, const Stage &stage) {
+    setStacks(call, stage);
+    call.set({{"left", std::floor(stage.along({0, 120}))}, {"top", std::floor(stage.along({0, 40}))}});
+    call.set({{"right", stage.width}, {"bottom", std::floor(stage.along({225, 180}))}});
+}
+void setProduct(Call &call, const Stage &stage) {
+    call.set({{"a", Plane::of(placing(1.5F, 10, 0))}, {"b", Plane::of(turning(fullTurn * stage.time))}});
+}
+/// A sheet in model space that turns before the viewer.
+void setSheet(Call &call, const Stage &stage) {
+    setStacks(call, stage);
+    auto &block = call["data"].get<PipelineBlock>();
+    block.modelStack.as<_I3DMATRIX>()[0] = placing(1, 0, 0);
+    const double angle = fullTurn * stage.time;
+    call["points"] = Plane::array<Point>(64 * 64, [angle](int i) {
+        const double x = (i % 64 / 63.0 - 0.5) * 260;
+        const double y = (i / 64 / 63.0 - 0.5) * 150;
+        const double z = 20 * std::sin(x / 20);
+        return Point{static_cast<float>(x * std::cos(angle) - z * std::sin(angle)), static_cast<float>(y),
+                     static_cast<float>(x * std::sin(angle) + z * std::cos(angle)), 0};
+    });
+}
+
 /// A row that only changes the block.
 Row ofBlock(Row row) {
     row.arguments = blockOf() + row.arguments;
     if (row.figure == Figure::none)
         row.figure = Figure::matrix;
+    if (!row.picture)
+        row.picture = Scene{.set = setStacks};
     return row;
 }
 /// The same, each call going on from what the last has left.
@@ -425,9 +483,10 @@ std::vector<Row> pipelineRows() {
          .scenes = {{.set = set("axis", Plane::of(_I3DVECTOR{1, 2, 3, 0}))}}, .figure = Figure::matrix},
         {Q_MUR_FUNCTION(MatrixMultiply), .sentence = "Multiplies two matrices.",
          .arguments = each({"out", "a", "b"}, matrix("")), .writes = always({words("out", 16)}),
-         .reads = always({words("a", 16), words("b", 16)}), .figure = Figure::matrix},
+         .reads = always({words("a", 16), words("b", 16)}), .figure = Figure::matrix,
+         .picture = Scene{.set = setProduct}},
         ofBlock({Q_MUR_FUNCTION(VKD_glMatrixMode), .sentence = "Chooses the model stack or the view stack.",
-                 .arguments = {choice("mode", anyInt, 1)}}),
+                 .arguments = {choice("mode", anyInt, 1)}, .picture = Scene{.set = setMode}}),
         ofBlock({Q_MUR_FUNCTION(VKD_glLoadIdentity), .sentence = "Sets the current matrix to the identity."}),
         ofBlock({Q_MUR_FUNCTION(glLoadMatrixf), .sentence = "Sets the current matrix to 16 floats, row after row.",
                  .arguments = {matrix("m")}, .reads = m}),
@@ -438,15 +497,18 @@ std::vector<Row> pipelineRows() {
                  .arrange = arrangeDepths(0)}),
         ofStack({Q_MUR_FUNCTION(VKD_glPopMatrix), .sentence = "Goes back to the entry below the current matrix.",
                  .arrange = arrangeDepths(1),
-                 .scenes = {{.set = [](Call &call, const Stage &) { dataOf(call).modelDepth = 1; }}}}),
+                 .scenes = {{.set = [](Call &call, const Stage &) { dataOf(call).modelDepth = 1; }}},
+                 .picture = Scene{.set = setTwoEntries}}),
         ofStack({Q_MUR_FUNCTION(VKD_glRotatef), .sentence = "Turns about an axis by an angle in degrees.",
                  .arguments = degrees("angleDegrees") + xyz}),
-        ofStack({Q_MUR_FUNCTION(VKD_glTranslatef), .sentence = "Moves by (x, y, z).", .arguments = xyz}),
+        ofStack({Q_MUR_FUNCTION(VKD_glTranslatef), .sentence = "Moves by (x, y, z).", .arguments = xyz,
+                 .picture = Scene{.set = setMove}}),
         ofStack({Q_MUR_FUNCTION(VKD_glScalef), .sentence = "Scales by x, y and z.", .arguments = xyz}),
         ofBlock({Q_MUR_FUNCTION(VKD_glViewPort), .sentence = "Places the picture.",
                  .arguments = {number("left", "pixels", anyInt, {0, 0}), number("top", "pixels", anyInt, {0, 0}),
                                number("right", "pixels", anyInt, {640, 640}),
-                               number("bottom", "pixels", anyInt, {480, 480})}}),
+                               number("bottom", "pixels", anyInt, {480, 480})},
+                 .picture = Scene{.set = setViewport}}),
         ofBlock({Q_MUR_FUNCTION(VKD_gluPerspective),
                  .sentence = "Sets the focal length, so that the viewport has an opening angle, and the depth limit.",
                  .arguments = {degrees("fovyDegrees"), real("aspect"), real("zNear"), real("zFar")},
@@ -462,8 +524,8 @@ std::vector<Row> pipelineRows() {
                  .arguments = points("points", "units") +
                               each({"rows", "columns"}, count("", "points", {-32768, 65535}, {64, 64})),
                  .writes = gridPoints, .reads = gridPoints, .arrange = arrangeMapping,
-                 .scenes = {{.set = setGrid<64, 64>, .figures = 64 * 64, .figure = "Mpoints"}},
-                 .figure = Figure::grid}),
+                 .scenes = {{.set = setGrid<64, 64>, .figures = 64 * 64, .figure = "Mpoints"}}, .figure = Figure::grid,
+                 .picture = Scene{.set = setSheet}}),
         {Q_MUR_OVERLOAD(VKD_3D_Render, Band), .sentence = "Draws a shaded band between two edges, depth tested.",
          .arguments = surfaceWithDepths + bandArguments(true), .writes = onDst + onDepths, .reads = onDepths,
          .topByte = cleared, .sums = carryOver, .arrange = arrangeBand, .scenes = {{.isRestored = true}}},

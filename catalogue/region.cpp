@@ -77,7 +77,7 @@ void setColour(Call &call, const Stage &stage) {
     if (drawsBytes(call) && stage.call == 0)
         call["plane"] = Plane(1, stage.width, stage.height, Plane::usualMargin);
     if (!drawsBytes(call))
-        call["color"] = 0x402010 + 0x0A0805 * std::floor(stage.time * 16);
+        call["color"] = 0x907050 + 0x070605 * std::floor(stage.time * 16);
 }
 /// A fan of lines from the middle all around.
 void setLine(Call &call, const Stage &stage) {
@@ -401,12 +401,42 @@ void setFill(Call &call, const Stage &stage) {
     if (toColour)
         call["rect"] = walls.rect();
 }
+/// A blossom in a field: the fill begins in its middle.
+Plane blossom(const Stage &stage) {
+    const Plane plane = openField(stage);
+    for (int i = 0; i < 4000; ++i) {
+        const double angle = i * fullTurn / 4000;
+        const double radius = 0.32 + 0.12 * std::cos(6 * angle + 2 * stage.time);
+        const int x = static_cast<int>(stage.width / 2 + stage.height * radius * std::cos(angle));
+        const int y = static_cast<int>(stage.height / 2 + stage.height * radius * std::sin(angle));
+        plane.fill({x, y, x + 2, y + 2}, [](int, int) { return wall; });
+    }
+    return plane;
+}
+void setBlossom(Call &call, const Stage &stage) {
+    setFill<blossom>(call, stage);
+    for (const char *name : {"x", "parentLeft", "parentRight"})
+        call[name] = stage.width / 2;
+    call["y"] = stage.height / 2;
+    auto &data = blockOf(call);
+    if (!call.row().argument("rect"))
+        return;
+    const Plane walls = data.testSurface;
+    data.destSurface.fill(walls.rect(),
+                          [&](int x, int y) { return walls.at(x, y) == wall ? 0xFFFFFF : data.destSurface.at(x, y); });
+}
+void setBlossomOnPlane(Call &call, const Stage &stage) {
+    setBlossom(call, stage);
+    blockOf(call).destSurface = Plane();
+}
+
 Row fill(const Arguments &what, Row row, bool isRestored = false) {
     row.arguments = block + each({"x", "y"}, place) + what + each({"parentLeft", "parentRight"}, place) +
                     choice("direction", {0, 2}) + row.arguments;
     row.scenes = {
         {.set = setFill<maze>, .figures = 1, .figure = "fills", .isRestored = isRestored},
         {.label = "open", .set = setFill<openField>, .figures = 1, .figure = "fills", .isRestored = isRestored}};
+    row.picture = Scene{.set = isRestored ? setBlossomOnPlane : setBlossom};
     return row;
 }
 
@@ -438,9 +468,11 @@ std::vector<Row> regionRows() {
         scan<false>(limited,
                     {Q_MUR_FUNCTION(scan_right), .sentence = "Finds the last column of a span between boundaries."}),
         scan<true>(toValue,
-                   {Q_MUR_FUNCTION(bscan_left), .sentence = "Finds the first column of a span on an 8-bit plane."}),
+                   {Q_MUR_FUNCTION(bscan_left), .sentence = "Finds the first column of a span on an 8-bit plane.",
+                    .looksLike = "Does on bytes what `scan_left()` does on pixels."}),
         scan<false>(toValue,
-                    {Q_MUR_FUNCTION(bscan_right), .sentence = "Finds the last column of a span on an 8-bit plane."}),
+                    {Q_MUR_FUNCTION(bscan_right), .sentence = "Finds the last column of a span on an 8-bit plane.",
+                     .looksLike = "Does on bytes what `scan_right()` does on pixels."}),
         fill({colour("fill"), key("border")},
              {Q_MUR_FUNCTION(Region_Fill),
               .sentence = "Paints the region around a pixel up to a boundary with a colour.",

@@ -68,7 +68,7 @@ void arrangeFit(Call &call, Random &random) {
 
 /// A picture of half the size.
 void setFit(Call &call, const Stage &stage) {
-    const Plane picture = stage.picture();
+    const Plane picture = stage.picture(1);
     const Plane src(1, stage.width / 2 * 3, stage.height / 2);
     call["src"] =
         src.fill<unsigned char>(src.rect(), [&](int x, int y) { return picture.at(x / 3 * 2, y * 2) >> (x % 3 * 8); });

@@ -366,15 +366,15 @@ void setCorner(Call &call, std::size_t corner, const Plane &points, const Plane 
 }
 
 /// A quad, or the half of it, that turns and leans.
-void setPolygon(Call &call, const Stage &stage, const Mode &mode) {
+void setPolygon(Call &call, const Stage &stage, const Mode &mode, double share = 0.75) {
     const double turn = 0.6 * stage.time;
     const Plane points = Plane::array<Point>(4, [&](int i) {
         const double angle = turn + quarterTurn * i + 3.9269908;
         return Point{static_cast<float>(stage.width * (0.5 + 0.55 * std::cos(angle))),
                      static_cast<float>(stage.height * (0.5 + 0.6 * std::sin(angle))), 0, 0};
     });
-    const int right = stage.width * mode.unitsOfPixel * 3 / 4;
-    const int bottom = stage.height * mode.unitsOfPixel * 3 / 4;
+    const int right = static_cast<int>(stage.width * mode.unitsOfPixel * share);
+    const int bottom = static_cast<int>(stage.height * mode.unitsOfPixel * share);
     const _POINTINT positions[] = {{0, 0}, {right, 0}, {right, bottom}, {0, bottom}};
     if (mode.flags != 0)
         call["flags"] = mode.flags;
@@ -441,6 +441,9 @@ Row ofPolygon(std::size_t corners, std::size_t modeCount, Row row) {
     row.sums = saturate;
     row.arrange = arrangePolygon;
     row.scenes = polygonScenes(std::span(modes).first(modeCount), isQuad);
+    row.picture = Scene{.set = [](Call &call, const Stage &stage) {
+        setPolygon(call, stage, {plain::litMode, 16, ""}, 0.95);
+    }};
     return row;
 }
 
@@ -476,6 +479,10 @@ Row ofPlainQuad(Row row) {
     row.sums = stayInside;
     row.arrange = arrangePlainQuad;
     row.scenes = polygonScenes(plainQuad, true);
+    row.picture = Scene{.set = [](Call &call, const Stage &stage) {
+        setPolygon(call, stage, plainQuad[0], 1.2);
+        call["clip"] = call["tex"].plane().rect();
+    }};
     return row;
 }
 
@@ -547,6 +554,17 @@ auto setMesh(int halves) {
     };
 }
 
+/// The cloth turns about its upright axis, so that its other side is seen.
+void turnRound(Call &call, const Stage &stage) {
+    const double angle = fullTurn * stage.time;
+    const Plane grid = call["points"].plane();
+    for (Point &point : std::span(grid.as<Point>(), 64 * 64)) {
+        const double x = static_cast<double>(point.x) - stage.width / 2.0;
+        point.x = static_cast<float>(stage.width / 2.0 + 0.8 * x * std::cos(angle));
+        point.z = static_cast<float>(0.8 * x * std::sin(angle));
+    }
+}
+
 /// Cells are drawn as quads or as two triangles each, and from `Block`. Those of a texture with holes are filtered
 /// always.
 template <class Block>
@@ -567,6 +585,8 @@ Row ofMesh(std::string_view figure, Row row) {
     row.sums = saturate;
     row.arrange = arrangeMesh;
     row.scenes = {{.set = setMesh<Block>(0), .isRestored = true}, ofGrid("filtered mesh of 64 x 64", 1)};
+    if (row.argument("backTex"))
+        row.picture = Scene{.set = inTurn(setMesh<Block>(0), turnRound), .isRestored = true};
     if (!isKeyed(row))
         row.scenes.push_back(ofGrid("nearest mesh of 64 x 64", 2));
     return row;
@@ -584,14 +604,15 @@ std::vector<Row> texturedRows() {
         allocating("data",
                    {Q_MUR_FUNCTION_WITHOUT_TWIN(GetPrivate_QM3D_Data),
                     .sentence = "Allocates the private block of the older module in a slot of the host's record."}),
-        emptying<TexturedBlock>(
-            {Q_MUR_FUNCTION(ResetZBuffer), .sentence = "Empties a rectangle of the Z plane, in pairs of entries."}),
+        emptying<TexturedBlock>({Q_MUR_FUNCTION(ResetZBuffer),
+                                 .sentence = "Empties a rectangle of the Z plane, in pairs of entries.",
+                                 .looksLike = "What `VKD_ResetZBuffer()` does, for the older module's block."}),
         lighting<TexturedBlock>(
             {Q_MUR_FUNCTION(FindLuminenceTerm),
              .sentence = "Lights a grid of points: a highlight and a multiplier for each of them."}),
-        lighting<PipelineBlock>(
-            {Q_MUR_FUNCTION(VKD_FindLuminenceTerm),
-             .sentence = "Lights a grid of points: a highlight and a multiplier for each of them."}),
+        lighting<PipelineBlock>({Q_MUR_FUNCTION(VKD_FindLuminenceTerm),
+                                 .sentence = "Lights a grid of points: a highlight and a multiplier for each of them.",
+                                 .looksLike = "What `FindLuminenceTerm()` does, for the matrix pipeline's block."}),
         ofBand({Q_MUR_FUNCTION(VKD_i3D_Mapping_Linear_HPE),
                 .sentence = "Fills the area between two edges with a filtered, lit texture, depth tested."}),
         ofBand({Q_MUR_FUNCTION(VKD_i3D_Mapping_Linear_HPE_KeySrc),
@@ -626,7 +647,8 @@ std::vector<Row> texturedRows() {
              .sentence = "Lights a grid of points and draws its cells as textured triangles, then a glint over all."}),
         ofMesh<PipelineBlock>(
             "Mquads", {Q_MUR_OVERLOAD(VKD_Render_Texture_3D, Mesh),
-                       .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested."}),
+                       .sentence = "Lights a grid of points and draws its cells as textured quads, depth tested.",
+                       .looksLike = "What `Render_Texture_3D()` draws, for the matrix pipeline's block."}),
         ofMesh<PipelineBlock>(
             "Mquads",
             {Q_MUR_OVERLOAD(VKD_Render_Texture_3D, MeshWithBack), .label = "two textures",
@@ -635,8 +657,8 @@ std::vector<Row> texturedRows() {
         ofMesh<PipelineBlock>(
             "Mquads",
             {Q_MUR_FUNCTION(VKD_Render_Texture_3D_KeySrc),
-             .sentence =
-                 "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested."}),
+             .sentence = "Lights a grid of points and draws its cells as quads of a texture with holes, depth tested.",
+             .looksLike = "What `Render_Texture_3D_KeySrc()` draws, for the matrix pipeline's block."}),
         ofMesh<PipelineBlock>(
             "Mtriangles",
             {Q_MUR_FUNCTION(VKD_Render_Texture_3D_Tri),

@@ -159,7 +159,7 @@ void drawTransform(const Sheet &sheet, const Row &row, const Scene &scene, doubl
     const auto text = [isFlat](const Place &place) {
         return isFlat ? "(" + numberText(place.x) + ", " + numberText(place.y) + ")" : placeText(place);
     };
-    sheet.text(8, stageHeight - 22, text(before) + "  →  " + text(after));
+    sheet.text(8, stageHeight - 22, text(before) + "  ->  " + text(after));
 }
 
 /// What is passed as arrows or corners, and what is made of them.
@@ -329,64 +329,100 @@ void drawSearch(const Sheet &sheet, const Row &row, const Scene &scene, double t
         }
     const int textLeft = left + cell * (2 * reach + 1) + 20;
     sheet.text(textLeft, 60, "ring " + std::to_string(ring), 0xC8D0DC, 16);
-    sheet.text(textLeft, 86, "distance² " + std::to_string(call["distanceSquare"].plane().as<int>()[0]), bright, 16);
+    sheet.text(textLeft, 86, "squared " + std::to_string(call["distanceSquare"].plane().as<int>()[0]), bright, 16);
     sheet.text(textLeft, 112, "answer " + std::to_string(call.returned<int>()), bright, 16);
 }
 
-/// A cube under the matrix that a call has made, or under those of its block, and the matrix itself.
-void drawMatrix(const Sheet &sheet, const Row &row, const Scene &scene, double time) {
-    Call call = callAt(row, scene, time);
-    row.functions.library(call)();
-    PipelineBlock *block = nullptr;
-    const float *matrix = nullptr;
-    for (std::size_t i = 0; i < call.size(); ++i) {
-        if (call[i].is<PipelineBlock>())
-            block = &call[i].get<PipelineBlock>();
-        else if (row.arguments[i].kind == Kind::matrix && !matrix)
-            matrix = call[i].plane().as<float>();
+/// The matrix that a call makes or works on: its first, or the top of the stack of its block that the mode chooses.
+std::array<float, 16> matrixOf(const Call &call, bool isOfView) {
+    std::array<float, 16> matrix = {};
+    const Row &row = call.row();
+    if (!row.argument("data")) {
+        const auto first = std::find_if(row.arguments.begin(), row.arguments.end(),
+                                        [](const Argument &argument) { return argument.kind == Kind::matrix; });
+        std::copy_n(call[first->name].plane().as<float>(), 16, matrix.begin());
+        return matrix;
     }
-    std::array<float, 16> shown = {};
-    if (block) {
-        const auto &data = block->data;
-        const bool isModel = data.matrixMode == 1;
-        const float *stack = (isModel ? block->modelStack : block->viewStack).as<float>();
-        std::copy_n(stack + 16 * (isModel ? data.modelDepth : data.viewDepth), 16, shown.begin());
-        sheet.text(232, 132,
-                   std::string(isModel ? "model" : "view") + " stack, entry " +
-                       std::to_string(isModel ? data.modelDepth : data.viewDepth),
-                   quiet, 13);
-        sheet.text(232, 152,
-                   "viewport " + std::to_string(data.viewportLeft) + ", " + std::to_string(data.viewportTop) + " to " +
-                       std::to_string(data.viewportRight) + ", " + std::to_string(data.viewportBottom),
-                   quiet, 13);
-        sheet.text(232, 172, "near " + std::to_string(data.nearLimit) + ", far " + std::to_string(data.farLimit), quiet,
-                   13);
-        sheet.text(232, 192, "focal length " + std::to_string(data.focalLength), quiet, 13);
-    } else {
-        std::copy_n(matrix, 16, shown.begin());
-    }
-    const auto made = [&](const Place &place) {
+    const auto &block = call["data"].get<PipelineBlock>();
+    const Plane &stack = isOfView ? block.viewStack : block.modelStack;
+    std::copy_n(stack.as<float>() + 16 * (isOfView ? block.data.viewDepth : block.data.modelDepth), 16, matrix.begin());
+    return matrix;
+}
+
+void drawCube(const Sheet &sheet, const std::array<float, 16> &matrix, q_ulong colour, int width) {
+    const auto made = [&matrix](const Place &place) {
         const double numbers[] = {place.x, place.y, place.z, 1};
         double results[3] = {};
-        for (int r = 0; r < 3; ++r)
-            for (int c = 0; c < 4; ++c)
-                results[r] += static_cast<double>(shown[static_cast<std::size_t>(4 * r + c)]) * numbers[c];
-        Place result = oblique({results[0], results[1], results[2]});
-        result.x -= 90;
-        return result;
+        for (std::size_t r = 0; r < 3; ++r)
+            for (std::size_t c = 0; c < 4; ++c)
+                results[r] += static_cast<double>(matrix[4 * r + c]) * numbers[c];
+        const Place result = oblique({results[0], results[1], results[2]});
+        return Place{result.x - 90, result.y, 0};
     };
     for (const Edge &edge : cube(36)) {
-        const Place from = oblique(edge.from), to = oblique(edge.to);
-        sheet.line(from.x - 90, from.y, to.x - 90, to.y, quiet);
-    }
-    for (const Edge &edge : cube(36)) {
         const Place from = made(edge.from), to = made(edge.to);
-        sheet.line(from.x, from.y, to.x, to.y, bright, 2);
+        sheet.line(from.x, from.y, to.x, to.y, colour, width);
     }
-    for (int r = 0; r < 4; ++r)
-        for (int c = 0; c < 4; ++c)
-            sheet.text(228 + 42 * c, 24 + 22 * r,
-                       numberText(static_cast<double>(shown[static_cast<std::size_t>(4 * r + c)])), 0xC8D0DC, 13);
+}
+
+/// What a block holds besides: the stacks' entries, the viewport within its picture, and how wide the eye sees.
+void drawBlock(const Sheet &sheet, const PipelineBlock &block) {
+    const auto &data = block.data;
+    for (const bool isOfView : {false, true}) {
+        const bool isChosen = isOfView == (data.matrixMode != 1);
+        const int y = isOfView ? 146 : 122;
+        sheet.text(228, y, isOfView ? "view" : "model", isChosen ? bright : quiet, 13);
+        for (int entry = 0; entry < 3; ++entry) {
+            const tagRECT box = {278 + entry * 24, y, 298 + entry * 24, y + 16};
+            if (entry == (isOfView ? data.viewDepth : data.modelDepth))
+                sheet.box(box, isChosen ? bright : quiet);
+            sheet.frame(box, quiet);
+        }
+    }
+    sheet.frame({228, 170, 292, 206}, faint);
+    sheet.frame({228 + data.viewportLeft * 64 / stageWidth, 170 + data.viewportTop * 36 / stageHeight,
+                 228 + data.viewportRight * 64 / stageWidth, 170 + data.viewportBottom * 36 / stageHeight},
+                quiet);
+    const double half = 18.0 * (data.viewportBottom - data.viewportTop) / stageHeight;
+    const double length = std::clamp(data.focalLength * 36.0 / stageHeight, 2.0, 90.0);
+    sheet.line(110, 76, 110 + length, 76 - half, quiet);
+    sheet.line(110, 76, 110 + length, 76 + half, quiet);
+    sheet.line(110 + length, 76 - half, 110 + length, 76 + half, quiet);
+    sheet.text(228, 208,
+               "near " + std::to_string(data.nearLimit) + "  focal length " + std::to_string(data.focalLength), quiet,
+               11);
+}
+
+/// A cube under the matrix before and after a call, and the matrix itself.
+void drawMatrix(const Sheet &sheet, const Row &row, const Scene &scene, double time) {
+    Call call = callAt(row, scene, time);
+    const auto model = matrixOf(call, false), view = matrixOf(call, true);
+    if (row.argument("b")) {
+        for (const std::size_t i : {std::size_t{1}, std::size_t{2}}) {
+            std::array<float, 16> factor;
+            std::copy_n(call[i].plane().as<float>(), 16, factor.begin());
+            drawCube(sheet, factor, hues[i - 1], 1);
+        }
+        sheet.text(150, 8, "a", hues[0]);
+        sheet.text(166, 8, "b", hues[1]);
+        sheet.text(182, 8, "out", bright);
+    }
+    row.functions.library(call)();
+    bool isOfView = matrixOf(call, true) != view;
+    if (row.argument("data")) {
+        const auto &block = call["data"].get<PipelineBlock>();
+        isOfView = isOfView || (matrixOf(call, false) == model && block.data.matrixMode != 1);
+        drawCube(sheet, isOfView ? view : model, quiet, 1);
+        drawBlock(sheet, block);
+    } else if (!row.argument("b")) {
+        drawCube(sheet, {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, quiet, 1);
+    }
+    const auto made = matrixOf(call, isOfView);
+    drawCube(sheet, made, bright, 2);
+    for (std::size_t r = 0; r < 4; ++r)
+        for (std::size_t c = 0; c < 4; ++c)
+            sheet.text(228 + 42 * static_cast<int>(c), 14 + 22 * static_cast<int>(r),
+                       numberText(static_cast<double>(made[4 * r + c])), 0xC8D0DC, 13);
 }
 
 /// A Z plane, what is nearer darker.
@@ -442,6 +478,11 @@ void drawRecord(const Sheet &sheet, const _TRANSFERDATA &data, int top, const ch
         sheet.frame(box, quiet);
         sheet.text(15 + i * 23, top + 60, std::to_string(i), quiet, 11);
     }
+    std::string sizes;
+    for (const MemoryBlock *block : data.blocks)
+        if (block)
+            sizes += std::to_string(block->size) + "  ";
+    sheet.text(12, top + 76, sizes.empty() ? "no block" : "bytes: " + sizes, quiet, 12);
 }
 
 /// The host's record before and after, with the blocks of its slots.
@@ -522,7 +563,7 @@ void drawDistribution(const Sheet &sheet, const Row &row, const Scene &scene) {
     std::string text;
     for (const double number : first)
         text += numberText(number) + "  ";
-    sheet.text(20, 6, text + "…", 0xC8D0DC, 13);
+    sheet.text(20, 6, text + "...", 0xC8D0DC, 13);
     sheet.text(20, 208, std::string(row.name), quiet, 11);
 }
 

@@ -70,12 +70,31 @@ double distance(const Plane &a, const Plane &b) {
     return sum / (3.0 * a.width() * a.height());
 }
 
+/// Where what a row is for is its clip, what is drawn reaches beyond it.
+bool showsItsClip(const Row &row) {
+    return row.sentence.find("clip") != std::string_view::npos || row.name.find("Safe") != std::string_view::npos;
+}
+void cut(Call &call) {
+    const auto &arguments = call.row().arguments;
+    constexpr tagRECT clip = {40, 24, stageWidth * 11 / 20, stageHeight * 11 / 20};
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        if (arguments[i].kind == Kind::clip && arguments[i].of != "tex")
+            call[i] = clip;
+        else if (arguments[i].name == "clipWidth")
+            call[i] = stageWidth * 7 / 10;
+        else if (arguments[i].name == "clipHeight")
+            call[i] = stageHeight * 7 / 10;
+    }
+}
+
 /// Of the calls of a scene those up to a time.
 std::vector<Call> callsUntil(const Row &row, const Scene &scene, double time) {
     const Stage stage = {stageWidth, stageHeight, time};
     if (scene.calls == 1) {
         std::vector<Call> calls;
         calls.push_back(catalogue::sceneCall(row, scene, stage));
+        if (showsItsClip(row))
+            cut(calls.front());
         return calls;
     }
     std::vector<Call> calls = catalogue::sceneCalls(row, scene, stage);
