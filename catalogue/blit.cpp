@@ -632,7 +632,8 @@ std::vector<Row> additiveRows() {
               .arguments = destination() + pitch("dstPitch", "dst") + source() + pitch("srcPitch", "src") +
                            clip("clipRect", "dst") + srcRect + centreInSlide,
               .topByte = cleared, .sums = saturate, .arrange = inTurn(centre, punchHoles), .pixelOnPixel = drawWhole,
-              .scenes = {ofSprite}},
+              .scenes = {ofSprite},
+              .looksLike = "Placed by its centre, and clipped, what `iBltFast32_KeySrc_Add()` adds by its corner."},
              withinDiagonal),
     });
 }

@@ -395,7 +395,8 @@ std::vector<Row> filterRows() {
                 .sentence = "Searches a square ring around a pixel for a colour other than black.",
                 .arguments = source("surface") + each({"width", "height"}, extent("", "", onPictures)) +
                              each({"x", "y"}, position("", "", {0, 0}, onPictures)) + ring,
-                .reads = surfaceWordsRead},
+                .reads = surfaceWordsRead,
+                .looksLike = "The search of `FindNearBlackDistanceSquare()` turned round: for what is not black."},
                inTurn(set("width", side), set("height", side), set("x", side / 2), set("y", side / 2))),
         lightMap({Q_MUR_OVERLOAD(ConvertBlock2LightInfom, LightMapWithin), .label = "limit",
                   .sentence = "Makes a light map of a shape with a bevel by true distance.",

@@ -3,6 +3,10 @@
 #include "areas.h"
 #include "arguments.h"
 
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
 namespace catalogue {
 namespace {
 
@@ -66,6 +70,35 @@ void arrangeFit(Call &call, Random &random) {
     call["src"] = src.fill<unsigned char>({0, 0, src.pitch(), src.height()}, [&](int, int) { return random.word(); });
 }
 
+Plane characters(std::string_view text) {
+    Plane plane(1, static_cast<int>(text.size()) + 1, 1);
+    std::memcpy(plane.origin(), text.data(), text.size());
+    return plane;
+}
+/// A file of its own, in the directory for such.
+void setFile(Call &call, const Stage &stage) {
+    constexpr std::string_view name = "q_Mur_picture.bmp";
+    const std::filesystem::path directory = std::filesystem::temp_directory_path();
+    const Plane picture = stage.picture(2);
+    const int width = stage.width / 4 * 4; // so that rows have no gaps
+    std::ofstream out(directory / name, std::ios::binary);
+    const auto write = [&out](std::initializer_list<int> numbers) {
+        for (const int number : numbers)
+            for (int byte = 0; byte < 4; ++byte)
+                out.put(static_cast<char>(number >> 8 * byte));
+    };
+    constexpr int header = 54;
+    out.write("BM", 2);
+    write({header + 3 * width * stage.height, 0, header, 40, width, stage.height, 24 << 16 | 1, 0, 0, 0, 0, 0, 0});
+    for (int y = stage.height; y-- > 0;) // bottom row first
+        for (int x = 0; x < width; ++x)
+            for (const int shift : {0, 8, 16})
+                out.put(static_cast<char>(picture.at(x, y) >> shift));
+    SetSpriteDir((directory / "").string().data());
+    call.set({{"dst", Plane(4, width, stage.height)}, {"name", characters(name)}});
+    call.set({{"width", width}, {"height", stage.height}});
+}
+
 /// A picture of half the size.
 void setFit(Call &call, const Stage &stage) {
     const Plane picture = stage.picture(1);
@@ -92,7 +125,7 @@ std::vector<Row> spriteRows() {
         {Q_MUR_FUNCTION_WITHOUT_TWIN(LoadBitmap24), .sentence = "Reads a bitmap file of 24 bits.",
          .arguments = destination() + text("name", "path") + each({"width", "height"}, extent("", "dst")),
          .topByte = TopByte::cleared, .scenes = {{.set = set("name", Plane(1, 1, 1))}},
-         .waived = {{"every proof", "a file"}}},
+         .waived = {{"every proof", "a file"}}, .picture = Scene{.set = setFile}},
         // The sizes of a source may be 0, where its first column or row is repeated.
         {Q_MUR_FUNCTION(_FitOn32RAW_24RAW_Nearest), .sentence = "Fits raw 24-bit pixels onto a surface.",
          .arguments = destination() + each({"dstWidth", "dstHeight"}, extent("", "dst", {1, anyInt.high})) +

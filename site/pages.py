@@ -53,7 +53,7 @@ def complaints_about(functions, pictures):
             continue
         if picture["isPlain"]:
             complaints.append(f"{name}: its picture has one colour only")
-        if not picture["changes"] and not function.get("drawsNothing"):
+        if not picture["changes"] and function["drawsPixels"]:
             complaints.append(f"{name}: its picture shows nothing of what the call does")
         alike[picture["checksum"]].append(function)
     for same in alike.values():
@@ -108,6 +108,8 @@ def argument_of_call(argument, value):
             return ("&" if pointer else "") + name, declared
     if "block" in value:
         return name, f"{base} *{name}; // {unit_text(argument) or 'made once'}"
+    if argument["kind"] == "text":
+        return name, f'char {name}[] = "{value["text"]}";'
     if "words" in value:
         count = len(value["words"])
         if "_" in base and count <= 4:
@@ -316,6 +318,7 @@ def search_entry(function):
         "sentence": function["sentence"],
         "words": " ".join([function["group"], WORDS["subsystems"][function["subsystem"]], *function["aliases"], *words]).lower(),
         "text": re.sub(r"[\s`\\]+", " ", function["text"]).lower(),
+        "group": re.sub(r"[\s`\\]+", " ", function["groupText"]).lower(),
     }
 
 

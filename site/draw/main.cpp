@@ -1,7 +1,7 @@
 /// \file
 /// Draws each row of the catalogue into a WebP file, and prints what the pictures show.
 ///
-/// usage: q_Mur_gallery_draw DIRECTORY [REGEX]
+/// usage: q_Mur_gallery_draw DIRECTORY [REGEX] [--frames N]
 #include "picture.h"
 #include "webp.h"
 
@@ -24,7 +24,6 @@ using catalogue::Scene;
 using catalogue::Value;
 using Json = nlohmann::ordered_json;
 
-constexpr int framesOfFilm = 16;
 constexpr int millisecondsOfFrame = 90;
 
 /// What an argument is in a call: numbers as they are, memory by its shape, small arrays by the bits of their words.
@@ -44,6 +43,8 @@ Json valueOf(const Value &value) {
     if (plane.isNull())
         return nullptr;
     Json json = {{"width", plane.width()}, {"height", plane.height()}, {"bytes", plane.elementBytes()}};
+    if (plane.height() == 1 && plane.elementBytes() == 1)
+        json["text"] = plane.as<const char>();
     if (plane.height() == 1 && plane.width() <= mostWords && plane.elementBytes() == 4) {
         json["words"] = Json::array();
         for (int i = 0; i < plane.width(); ++i) {
@@ -98,8 +99,8 @@ bool isPlain(const Plane &picture) {
     return true;
 }
 
-Json pictureOf(const Row &row, const Scene &scene, const std::filesystem::path &directory) {
-    const Film film = gallery::film(row, scene, framesOfFilm);
+Json pictureOf(const Row &row, const Scene &scene, const std::filesystem::path &directory, int frames) {
+    const Film film = gallery::film(row, scene, frames);
     const std::vector<Plane> pictures = shown(film);
     const std::string file = fileOf(row, scene);
     writeWebP(directory / file, pictures, millisecondsOfFrame);
@@ -118,12 +119,12 @@ Json pictureOf(const Row &row, const Scene &scene, const std::filesystem::path &
     return json;
 }
 
-void draw(const std::filesystem::path &directory, const std::string &pattern) {
+void draw(const std::filesystem::path &directory, const std::string &pattern, int frames) {
     const std::regex wanted(pattern);
     Json json = Json::array();
     catalogue::forEachRow([&](const Row &row) {
         if (std::regex_search(row.fullName(), wanted))
-            json.push_back(pictureOf(row, catalogue::pictureOf(row), directory));
+            json.push_back(pictureOf(row, catalogue::pictureOf(row), directory, frames));
     });
     const std::string text = json.dump(1) + "\n";
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
@@ -136,13 +137,15 @@ void draw(const std::filesystem::path &directory, const std::string &pattern) {
 int main(int argc, char **argv) {
     CLI::App app("Draws each row of q_Mur's catalogue into a WebP file, and prints what the pictures show.");
     std::string directory, pattern;
+    int frames = 16;
     app.add_option("directory", directory, "Where the pictures go")->required();
     app.add_option("regex", pattern, "Only the rows whose names it is found in");
+    app.add_option("--frames", frames, "How many frames a film has, there and not back")->check(CLI::Range(2, 200));
     CLI11_PARSE(app, argc, argv);
     try {
         Init_qMur_GlobalData(nullptr, nullptr);
         std::filesystem::create_directories(directory);
-        gallery::draw(directory, pattern);
+        gallery::draw(directory, pattern, frames);
         return 0;
     } catch (const std::exception &failure) {
         std::fprintf(stderr, "q_Mur_gallery_draw: %s\n", failure.what());

@@ -7,12 +7,17 @@ const found = document.querySelector("#found");
 const page = document.querySelector("#page");
 const tooCommon = new Set(["a", "an", "and", "at", "by", "for", "from", "i", "in", "into", "is", "it", "of", "on", "or", "the", "to", "with", "want"]);
 
+// The longest first: "no bleed at the edge" before "no bleed".
+const phrases = Object.entries(gallery.intents)
+    .filter(([intent]) => intent.includes(" "))
+    .sort(([a], [b]) => b.length - a.length);
+
 /** What is asked for: alternatives for each word or phrase of the question. */
 function wishes(question) {
     let rest = question.toLowerCase().trim();
     const all = [];
-    for (const [intent, words] of Object.entries(gallery.intents)) {
-        if (intent.includes(" ") && rest.includes(intent)) {
+    for (const [intent, words] of phrases) {
+        if (rest.includes(intent)) {
             rest = rest.replace(intent, " ");
             all.push([intent, ...words]);
         }
@@ -37,7 +42,8 @@ function score(entry, wish) {
     let best = name === wish[0] ? 100 : name.startsWith(wish[0]) ? 40 : name.includes(wish[0]) ? 20 : 0;
     wish.forEach((word, index) => {
         const share = 1 / (1 + index * 0.25);
-        const parts = met(entry.sentence.toLowerCase(), word) * 12 + met(entry.words, word) * 8 + met(entry.text, word) * 4;
+        const parts = met(entry.sentence.toLowerCase(), word) * 12 + met(entry.words, word) * 8 + met(entry.text, word) * 4 +
+            met(entry.group, word) * (word.includes(" ") ? 30 : 2);
         best = Math.max(best, parts * share);
     });
     return best;
