@@ -424,6 +424,13 @@ void drift(Call &call, const Stage &stage) {
     call["srcRect"] = tagRECT{left, 41, left + columns * 16, 41 + rows * 16};
 }
 
+/// The same, so large that the steps are seen.
+void driftMagnified(Call &call, const Stage &stage) {
+    const int left = 190 * 16 + static_cast<int>(stage.along({0, 32}));
+    call["dstRect"] = tagRECT{20 * 16 + 3, 12 * 16 + 5, (stage.width - 20) * 16 + 3, (stage.height - 12) * 16 + 5};
+    call["srcRect"] = tagRECT{left, 58 * 16, left + 36 * 16, 78 * 16};
+}
+
 const Scene ofSprite = {.set = [](Call &call, const Stage &stage) { call["src"] = stage.sprite(); }};
 
 const Scene packed = {"without gaps between rows", [](Call &call, const Stage &stage) {
@@ -582,7 +589,7 @@ std::vector<Row> scalingRows() {
          .sentence = "Copies or scales a rectangle that is placed in sixteenths of a pixel, filtered.",
          .arguments = surfaces + dstRect + srcRect + pitches, .writes = on("dst", drawnSixteenths),
          .reads = on("src", seenSixteenths), .topByte = cleared, .sums = stayInside, .arrange = chooseSixteenths,
-         .pixelOnPixel = drawWholeSixteenths, .scenes = {{.set = drift}}},
+         .pixelOnPixel = drawWholeSixteenths, .scenes = {{.set = drift}}, .picture = Scene{.set = driftMagnified}},
     };
 }
 

@@ -78,7 +78,7 @@ Row dotted(Row row, int reach) {
     row.arrange = [reach](Call &call, Random &random) { place(call, random, {"x", "y"}, reach, reach); };
     if (reach > 0)
         row.waived = {{"every_place_and_size_over_a_small_surface", "larger than the surface"}};
-    row.picture = Scene{.set = spiral, .calls = 150};
+    row.picture = Scene{.set = spiral, .calls = reach > 0 ? 150 : 1200};
     return figure(reach > 0 ? "crosses" : "pixels", std::move(row));
 }
 
@@ -115,6 +115,18 @@ void turningLine(Call &call, const Stage &stage) {
     const int dy = static_cast<int>(0.4 * stage.height * std::sin(angle));
     setEnds(call, stage.width / 2 - dx, stage.height / 2 - dy, stage.width / 2 + dx, stage.height / 2 + dy);
 }
+/// Lines from about the middle outwards, in all directions; those of any width grow wider.
+constexpr int rays = 36;
+void setRay(Call &call, const Stage &stage) {
+    const double angle = fullTurn * stage.time + 0.03;
+    const auto at = [&](double share, double (*wave)(double), int extent) {
+        return static_cast<int>(std::lround(extent / 2 + share * stage.height * wave(angle)));
+    };
+    setEnds(call, at(0.06, std::cos, stage.width), at(0.06, std::sin, stage.height), at(0.46, std::cos, stage.width),
+            at(0.46, std::sin, stage.height));
+    if (call.row().argument("colour2"))
+        call.set({{"colour1", 0xFFE060}, {"colour2", 0x4060FF}});
+}
 
 Region lineInClip(int (*reachOf)(const Call &)) {
     return on("surface", inside("clip", [reachOf](const Call &call) {
@@ -127,11 +139,12 @@ Row wideLine(Row row) {
     row.writes = lineInClip([](const Call &call) { return std::abs(call["width"].whole()) / 2 + 1; });
     row.arrange = arrangeBlended;
     row.scenes = {{"", inTurn(turningLine, set("width", 1))}, {"of width 3", inTurn(turningLine, set("width", 3))}};
-    row.picture = Scene{.set = turningLine};
+    row.picture = Scene{.set = setRay, .calls = rays};
     return figure("lines", mixed(std::move(row)));
 }
 Row line(Row row) {
     row.scenes = {{.set = turningLine}};
+    row.picture = Scene{.set = setRay, .calls = rays};
     return figure("lines", std::move(row));
 }
 

@@ -123,16 +123,19 @@ void setPoint(Call &call, const Stage &stage) {
     }
 }
 
-/// The first of the points turns, the others stand still.
+/// The first of the points turns, the others stand still; one that is alone grows longer.
 void setVectors(Call &call, const Stage &stage) {
     constexpr int others[][3] = {{70, 30, 0}, {-60, 50, 30}, {-30, -70, -40}};
     const double angle = fullTurn * stage.time;
+    const bool isAlone = call.size() == 1;
+    const double length = isAlone ? 25 + 80 * stage.time : 80;
     int met = 0;
     for (std::size_t i = 0; i < call.size(); ++i) {
         if (call.row().arguments[i].kind != Kind::points)
             continue;
         const bool isFirst = met == 0 || call.row().arguments[i].name == "out";
-        const int turning[] = {static_cast<int>(80 * std::cos(angle)), static_cast<int>(-80 * std::sin(angle)), 20};
+        const int turning[] = {static_cast<int>(length * std::cos(angle)), static_cast<int>(-length * std::sin(angle)),
+                               20};
         const int *from = isFirst ? turning : others[met - 1];
         const auto word = [from](int k) { return k < 3 ? from[k] : 0; };
         call[i] = isFloatMemory(call, i) ? Plane::array<float>(4, [&](int k) { return static_cast<float>(word(k)); })

@@ -99,13 +99,21 @@ void setFile(Call &call, const Stage &stage) {
     call.set({{"width", width}, {"height", stage.height}});
 }
 
-/// A picture of half the size.
-void setFit(Call &call, const Stage &stage) {
+/// Every so many columns and rows of a picture.
+void setFitBy(int step, Call &call, const Stage &stage) {
     const Plane picture = stage.picture(1);
-    const Plane src(1, stage.width / 2 * 3, stage.height / 2);
-    call["src"] =
-        src.fill<unsigned char>(src.rect(), [&](int x, int y) { return picture.at(x / 3 * 2, y * 2) >> (x % 3 * 8); });
-    call.set({{"srcWidth", stage.width / 2}, {"srcHeight", stage.height / 2}});
+    const int width = stage.width / step, height = stage.height / step;
+    const Plane src(1, width * 3, height);
+    call["src"] = src.fill<unsigned char>(
+        src.rect(), [&](int x, int y) { return picture.at(x / 3 * step, y * step) >> (x % 3 * 8); });
+    call.set({{"srcWidth", width}, {"srcHeight", height}});
+}
+void setFit(Call &call, const Stage &stage) {
+    setFitBy(2, call, stage);
+}
+/// From coarse to fine.
+void setFiner(Call &call, const Stage &stage) {
+    setFitBy(static_cast<int>(stage.along({20, 1})), call, stage);
 }
 
 } // namespace
@@ -132,7 +140,8 @@ std::vector<Row> spriteRows() {
                       bytePitch("dstPitchBytes", "dst") + plane("src") +
                       each({"srcWidth", "srcHeight"}, extent("", "", {0, 65535})) + bytePitch("srcPitchBytes", "src"),
          .writes = on("dst", fittedBox), .reads = on("src", readBox), .overlap = Overlap::notPromised,
-         .topByte = TopByte::cleared, .sums = Sums::stayInside, .arrange = arrangeFit, .scenes = {{.set = setFit}}},
+         .topByte = TopByte::cleared, .sums = Sums::stayInside, .arrange = arrangeFit, .scenes = {{.set = setFit}},
+         .picture = Scene{.set = setFiner}},
     };
 }
 

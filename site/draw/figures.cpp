@@ -203,8 +203,7 @@ void drawVectors(const Sheet &sheet, const Row &row, const Scene &scene, double 
         const std::string text = row.returnsWords() == 0 ? result != 0 ? "front" : "back" : numberText(result);
         sheet.text(8, stageHeight - 30, text, bright, 22);
         if (row.returnsWords() != 0) {
-            const double length = 110 * result / (std::fabs(result) + 4000) * 2;
-            sheet.line(-length / 1, stageHeight / 2.0 - 12, 0, stageHeight / 2.0 - 12, background);
+            const double length = passed.size() == 1 ? result : 220 * result / (std::fabs(result) + 4000);
             sheet.line(0, stageHeight / 2.0 - 12, length, stageHeight / 2.0 - 12, bright, 6);
         } else if (result != 0) {
             sheet.dot(0, 0, 6, bright);
@@ -257,7 +256,7 @@ void drawGrid(const Sheet &sheet, const Row &row, const Scene &scene, double tim
         for (int x = 0; x < columns; x += step) {
             const Place place = at(y, x);
             if (isLit)
-                sheet.dot(place.x, place.y, 3, colourAt(y * columns + x));
+                sheet.dot(place.x, place.y, 4, colourAt(y * columns + x));
             for (const auto &[down, right] : {std::pair(step, 0), std::pair(0, step)}) {
                 if (isLit || y + down >= rows || x + right >= columns)
                     continue;
