@@ -8,11 +8,18 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <deque>
 #include <exception>
+#include <future>
 #include <regex>
+#include <string>
+#include <thread>
+#include <unistd.h>
+#include <vector>
 
 namespace gallery {
 namespace {
@@ -99,11 +106,51 @@ bool isPlain(const Plane &picture) {
     return true;
 }
 
-Json pictureOf(const Row &row, const Scene &scene, const std::filesystem::path &directory, int frames) {
+/// Work beside the drawing, on as many threads as there are processors.
+class Writers {
+public:
+    template <class Work>
+    void start(Work work) {
+        if (running.size() >= std::max(std::thread::hardware_concurrency(), 1U))
+            finishOne();
+        running.push_back(std::async(std::launch::async, std::move(work)));
+    }
+    void finish() {
+        while (!running.empty())
+            finishOne();
+    }
+
+private:
+    void finishOne() {
+        std::future<void> first = std::move(running.front());
+        running.pop_front();
+        first.get();
+    }
+
+    std::deque<std::future<void>> running;
+};
+
+/// A line on a terminal that says how far the work is.
+class Progress {
+public:
+    void say(std::size_t done, std::size_t all, const std::string &name) const {
+        constexpr std::size_t columns = 30;
+        const std::size_t full = columns * done / all;
+        if (isTerminal)
+            std::fprintf(stderr, "\r\033[K%s%s %zu of %zu  %s%s", std::string(full, '#').c_str(),
+                         std::string(columns - full, '.').c_str(), done, all, name.c_str(), done == all ? "\n" : "");
+    }
+
+private:
+    bool isTerminal = isatty(STDERR_FILENO) != 0;
+};
+
+Json pictureOf(const Row &row, const Scene &scene, const std::filesystem::path &directory, int frames,
+               Writers &writers) {
     const Film film = gallery::film(row, scene, frames);
     const std::vector<Plane> pictures = shown(film);
     const std::string file = fileOf(row, scene);
-    writeWebP(directory / file, pictures, millisecondsOfFrame);
+    writers.start([=] { writeWebP(directory / file, pictures, millisecondsOfFrame); });
     const Drawn &middle = film.frames[film.frames.size() / 2];
     Json json = {{"name", row.name}, {"overload", row.label}, {"scene", scene.label}, {"file", file}};
     json["width"] = middle.picture.width();
@@ -121,11 +168,20 @@ Json pictureOf(const Row &row, const Scene &scene, const std::filesystem::path &
 
 void draw(const std::filesystem::path &directory, const std::string &pattern, int frames) {
     const std::regex wanted(pattern);
-    Json json = Json::array();
+    std::vector<const Row *> rows;
     catalogue::forEachRow([&](const Row &row) {
         if (std::regex_search(row.fullName(), wanted))
-            json.push_back(pictureOf(row, catalogue::pictureOf(row), directory, frames));
+            rows.push_back(&row);
     });
+    Json json = Json::array();
+    Writers writers;
+    const Progress progress;
+    for (const Row *row : rows) {
+        progress.say(json.size(), rows.size(), row->fullName());
+        json.push_back(pictureOf(*row, catalogue::pictureOf(*row), directory, frames, writers));
+    }
+    writers.finish();
+    progress.say(rows.size(), rows.size(), "");
     const std::string text = json.dump(1) + "\n";
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
         throw std::runtime_error("cannot write to the standard output");
