@@ -310,7 +310,8 @@ def search_entry(function):
     kinds = {a["kind"] for a in function["arguments"]} | {function["sums"]}
     kinds |= {"clip" for a in function["arguments"] if a["name"].startswith("clip")}
     words = [WORDS["kinds"][kind] for kind in sorted(kinds) if kind in WORDS["kinds"]]
-    words += [WORDS["parts"].get(part, "") for part in parts_of(function["name"])]
+    named = [WORDS["parts"].get(part, "") for part in parts_of(function["name"])]
+    words += [word for word in named if word != "clipped" or "clip" in kinds]
     return {
         "name": full_name(function),
         "page": page_of(function),

@@ -60,7 +60,7 @@ function search(question) {
         })
         .filter((one) => one.score > 0)
         .sort((a, b) => b.score - a.score)
-        .slice(0, 24)
+        .slice(0, 60)
         .map((one) => one.entry);
 }
 

@@ -8,36 +8,18 @@ usage: gallery_test.py Q_MUR_CATALOGUE Q_MUR_GALLERY_DRAW
 import copy
 import hashlib
 import html
-import json
 import os
 import pathlib
 import re
-import subprocess
 import sys
 import tempfile
 import unittest
 
+import site_maker
+from site_maker import pages
+
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 ARRAYS = {"iSin", "iCos", "iSqrt"}
-SYSTEM_PYTHON = "/usr/bin/python3"
-
-try:
-    import jinja2  # noqa: F401
-except ImportError:
-    # Packaged modules belong to the system's own Python.
-    if sys.executable != SYSTEM_PYTHON and not subprocess.run([SYSTEM_PYTHON, "-c", "import jinja2"], check=False,
-                                                              capture_output=True).returncode:
-        os.execv(SYSTEM_PYTHON, [SYSTEM_PYTHON, *sys.argv])
-    print("skipped: no Jinja for Python")
-    sys.exit(77)
-
-sys.path.insert(0, str(ROOT / "site"))
-import pages  # noqa: E402
-
-
-def printed_by(*command):
-    environment = {**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}
-    return subprocess.run(command, env=environment, capture_output=True, text=True, check=True).stdout
 
 
 class Gallery(unittest.TestCase):
@@ -46,9 +28,7 @@ class Gallery(unittest.TestCase):
         cls.temporary = tempfile.TemporaryDirectory()
         cls.addClassCleanup(cls.temporary.cleanup)
         cls.site = pathlib.Path(cls.temporary.name)
-        cls.catalogue = json.loads(printed_by(cls.programs[0], "--json"))
-        cls.pictures = json.loads(printed_by(cls.programs[1], str(cls.site / "pictures"), "--frames", "4"))
-        pages.write_pages(copy.deepcopy(cls.catalogue), cls.pictures, cls.site)
+        cls.catalogue, cls.pictures = site_maker.make(cls.programs, cls.site, frames=4)
         cls.functions = [f for subsystem in cls.catalogue["subsystems"] for f in subsystem["functions"]]
         cls.pages = {page.name: page.read_text(encoding="utf-8") for page in cls.site.glob("*.html")}
 
