@@ -428,7 +428,7 @@ void drift(Call &call, const Stage &stage) {
 void driftMagnified(Call &call, const Stage &stage) {
     const int left = 190 * 16 + static_cast<int>(stage.along({0, 32}));
     call["dstRect"] = tagRECT{20 * 16 + 3, 12 * 16 + 5, (stage.width - 20) * 16 + 3, (stage.height - 12) * 16 + 5};
-    call["srcRect"] = tagRECT{left, 58 * 16, left + 36 * 16, 78 * 16};
+    call["srcRect"] = tagRECT{left, 72 * 16, left + 36 * 16, 92 * 16};
 }
 
 const Scene ofSprite = {.set = [](Call &call, const Stage &stage) { call["src"] = stage.sprite(); }};

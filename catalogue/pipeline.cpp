@@ -508,11 +508,11 @@ std::vector<Row> pipelineRows() {
                  .arguments = {number("left", "pixels", anyInt, {0, 0}), number("top", "pixels", anyInt, {0, 0}),
                                number("right", "pixels", anyInt, {640, 640}),
                                number("bottom", "pixels", anyInt, {480, 480})},
-                 .picture = Scene{.set = setViewport}}),
+                 .figure = Figure::projection, .picture = Scene{.set = setViewport}}),
         ofBlock({Q_MUR_FUNCTION(VKD_gluPerspective),
                  .sentence = "Sets the focal length, so that the viewport has an opening angle, and the depth limit.",
                  .arguments = {degrees("fovyDegrees"), real("aspect"), real("zNear"), real("zFar")},
-                 .arrange = arrangeReals}),
+                 .arrange = arrangeReals, .figure = Figure::projection}),
         ofStack({Q_MUR_FUNCTION(VKD_gluLookAt), .sentence = "Moves the camera to the eye and turns it to the centre.",
                  .arguments = real("eyeX", {0, 90}, "units") + real("eyeY", {0, 0}, "units") +
                               real("eyeZ", {100, 10}, "units") +

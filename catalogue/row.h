@@ -167,6 +167,7 @@ enum class Figure {
     scan,         ///< a row of pixels and how far a scan goes
     search,       ///< a ring of pixels
     matrix,       ///< a cube that a matrix or a block's matrices bring to the screen
+    projection,   ///< a cube as a block's viewport and focal length bring it to the screen
     depths,       ///< a Z plane
     storage,      ///< what a private block points to
     record,       ///< the host's record with its slots

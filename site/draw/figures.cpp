@@ -424,6 +424,33 @@ void drawMatrix(const Sheet &sheet, const Row &row, const Scene &scene, double t
                        numberText(static_cast<double>(made[4 * r + c])), 0xC8D0DC, 13);
 }
 
+/// A cube as it comes to the screen, and the viewport.
+void drawProjection(const Sheet &sheet, const Row &row, const Scene &scene, double time) {
+    Call call = callAt(row, scene, time);
+    row.functions.library(call)();
+    auto block = call["data"].get<PipelineBlock>();
+    _PRIVATE_QMGL_DATA *data = block.settled();
+    sheet.frame({data->viewportLeft, data->viewportTop, data->viewportRight, data->viewportBottom}, quiet);
+    const auto turned = [](const Place &place) {
+        constexpr double sine = 0.48, cosine = 0.88;
+        const double z = sine * place.x + cosine * place.z;
+        return _POINT3DFLOAT{static_cast<float>(cosine * place.x - sine * place.z),
+                             static_cast<float>(cosine * place.y + sine * z),
+                             static_cast<float>(cosine * z - sine * place.y), 0};
+    };
+    for (const Edge &edge : cube(80)) {
+        _POINT3DFLOAT ends[] = {turned(edge.from), turned(edge.to)};
+        VKD_Mapping3Dto2D(data, ends, 1, 2);
+        sheet.line(static_cast<double>(ends[0].x) - stageWidth / 2.0,
+                   static_cast<double>(ends[0].y) - stageHeight / 2.0,
+                   static_cast<double>(ends[1].x) - stageWidth / 2.0,
+                   static_cast<double>(ends[1].y) - stageHeight / 2.0, bright, 2);
+    }
+    sheet.text(8, stageHeight - 22,
+               "focal length " + std::to_string(data->focalLength) + ",  near " + std::to_string(data->nearLimit),
+               0xC8D0DC, 13);
+}
+
 /// A Z plane, what is nearer darker.
 Plane depthsAfter(const Row &row, const Scene &scene, double time) {
     Call call = callAt(row, scene, time);
@@ -654,6 +681,9 @@ Plane figureOf(const Row &row, const Scene &scene, double time) {
         break;
     case Figure::matrix:
         drawMatrix(sheet, row, scene, time);
+        break;
+    case Figure::projection:
+        drawProjection(sheet, row, scene, time);
         break;
     case Figure::depths:
         return depthsAfter(row, scene, time);
