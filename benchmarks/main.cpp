@@ -4,8 +4,10 @@
 ///
 /// usage: q_Mur_bench [--check] [--set sse2|v3|v4] [REGEX] [--benchmark_...]
 ///        q_Mur_bench [--set sse2|v3|v4] --info
+///        q_Mur_bench [--set sse2|v3|v4] --count < NAMES
 ///
-/// With --check the rows are checked and not timed. Without --set the library runs on the instruction set that it
+/// With --check the rows are checked and not timed. With --count each benchmark named in a line of the input runs once,
+/// for counts.py. Without --set the library runs on the instruction set that it
 /// chooses itself; --info says on which, and on what machine.
 #include "rows.h"
 #include "support/chosen_set.h"
@@ -15,6 +17,8 @@
 
 #include <cstdio>
 #include <fstream>
+#include <iostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -47,6 +51,17 @@ void describe(const std::string &key, const std::string &value) {
     std::printf("%-10s %s\n", key.c_str(), value.c_str());
 }
 
+/// Runs each benchmark that the input names, and says which there are not.
+bool countNamed() {
+    std::set<std::string> names;
+    for (std::string name; std::getline(std::cin, name);)
+        names.insert(name);
+    const std::set<std::string> lacking = bench::countRows(names);
+    for (const std::string &name : lacking)
+        std::fprintf(stderr, "there is no benchmark '%s'\n", name.c_str());
+    return lacking.empty();
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -55,6 +70,7 @@ int main(int argc, char **argv) {
     bool checkOnly = false;
     std::string wanted;
     bool infoOnly = false;
+    bool countOnly = false;
     Init_qMur_GlobalData(nullptr, nullptr);
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
@@ -74,11 +90,17 @@ int main(int argc, char **argv) {
             infoOnly = true;
             continue;
         }
+        if (argument == "--count") {
+            countOnly = true;
+            continue;
+        }
         if (argument.starts_with("-"))
             options.push_back(argument);
         else
             wanted += "|" + argument;
     }
+    if (countOnly)
+        return countNamed() ? 0 : 1;
     if (!wanted.empty()) // what rows are compared with is always along
         options.push_back("--benchmark_filter=^(memcpy|fill)/" + wanted);
     std::vector<char *> arguments;

@@ -9,7 +9,16 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+
+#ifdef Q_MUR_BENCH_CALLGRIND
+#include <valgrind/callgrind.h>
+#else
+#define CALLGRIND_START_INSTRUMENTATION
+#define CALLGRIND_STOP_INSTRUMENTATION
+#define CALLGRIND_DUMP_STATS_AT(name)
+#endif
 
 namespace bench {
 namespace {
@@ -192,23 +201,45 @@ void add(const std::string &name, const Row &row, const Scene &scene, const Stag
     })->Unit(benchmark::kMicrosecond);
 }
 
+/// Visits each benchmark of a row with its name, row, scene, stage and measure.
+template <typename Visit>
+void forEachBenchmark(const Row &row, const Visit &visit) {
+    for (const Scene &scene : catalogue::scenesOf(row)) {
+        const Measure by = measureOf(row, scene);
+        const std::string name = row.fullName();
+        if (by == Measure::pictures)
+            for (const Stage &stage : pictureStages)
+                visit(name + (scene.label.empty() ? "" : " " + scene.label) + "/" + sizeOf(stage), row, scene, stage,
+                      by);
+        else if (by == Measure::figures)
+            visit(name + "/" + (scene.label.empty() ? "scene" : scene.label), row, scene, figureStage, by);
+        else
+            visit(name + (scene.label.empty() ? "" : " " + scene.label) + "/call", row, scene, figureStage, by);
+    }
+}
+
 } // namespace
 
 void addRows() {
-    catalogue::forEachRow([](const Row &row) {
-        for (const Scene &scene : catalogue::scenesOf(row)) {
-            const Measure by = measureOf(row, scene);
-            const std::string name = row.fullName();
-            if (by == Measure::pictures)
-                for (const Stage &stage : pictureStages)
-                    add(name + (scene.label.empty() ? "" : " " + scene.label) + "/" + sizeOf(stage), row, scene, stage,
-                        by);
-            else if (by == Measure::figures)
-                add(name + "/" + (scene.label.empty() ? "scene" : scene.label), row, scene, figureStage, by);
-            else
-                add(name + (scene.label.empty() ? "" : " " + scene.label) + "/call", row, scene, figureStage, by);
-        }
+    catalogue::forEachRow([](const Row &row) { forEachBenchmark(row, add); });
+}
+
+std::set<std::string> countRows(std::set<std::string> names) {
+    const auto visit = [&](const std::string &name, const Row &row, const Scene &scene, const Stage &stage, Measure) {
+        if (names.erase(name) == 0)
+            return;
+        Work work(row, scene, stage);
+        CALLGRIND_START_INSTRUMENTATION;
+        work.run();
+        CALLGRIND_STOP_INSTRUMENTATION;
+        CALLGRIND_DUMP_STATS_AT(name.c_str());
+    };
+    catalogue::forEachRow([&](const Row &row) {
+        if (std::any_of(names.begin(), names.end(),
+                        [&row](const auto &name) { return name.starts_with(row.fullName()); }))
+            forEachBenchmark(row, visit);
     });
+    return names;
 }
 
 void addBaselines() {
