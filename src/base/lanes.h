@@ -616,6 +616,10 @@ inline Lanes<std::uint16_t, 32> pairSums(Lanes<std::uint8_t, 64> a, Lanes<std::u
     return detail::lanesOf<std::uint16_t>(_mm512_maddubs_epi16(detail::bits512(a), detail::bits512(b)));
 }
 
+inline Lanes<std::uint32_t, 16> pairSums(Lanes<std::uint16_t, 32> a, Lanes<std::uint16_t, 32> b) {
+    return detail::lanesOf<std::uint32_t>(_mm512_madd_epi16(detail::bits512(a), detail::bits512(b)));
+}
+
 inline Lanes<std::uint32_t, 16> picked(Lanes<std::uint32_t, 16> a, Lanes<std::uint32_t, 16> places) {
     return detail::lanesOf<std::uint32_t>(
         _mm512_maskz_permutexvar_epi32(0xFFFF, detail::bits512(places), detail::bits512(a)));

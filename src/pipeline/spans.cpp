@@ -88,9 +88,25 @@ Lanes halfMixed(Lanes d, const Shades<Lanes> &shades) {
     return (d >> 1 & Lanes::all(0x7F7F7F)) + packed(shades, depthFractionBits + 1);
 }
 
-/// Replaces a set of lanes by `colourOf(dst pixels)`.
+/// The weighted mean of the pixel and of a shade of 15 bits, each channel with the pixel's a sum of two products.
+/// `weights` are the shade's in the upper half, and the pixel's.
+template <class Lanes>
+Lanes blendedInPairs(Lanes d, const Shades<Lanes> &shades, std::uint32_t weights) {
+    const auto sums = [weights](Lanes shade, Lanes part) {
+        const Lanes pairs = (shade << (16 - depthFractionBits) & Lanes::all(0xFFFF0000)) | part;
+        return as<std::uint32_t>(pairSums(as<std::uint16_t>(pairs), as<std::uint16_t>(Lanes::all(weights))));
+    };
+    const Lanes byte = Lanes::all(0xFF);
+    // Meant: red takes the pixel's top byte along. As the factors have a sign, half of their range is added afterwards.
+    const Lanes red = sums(shades.red, d >> 16 ^ Lanes::all(0x8000)) + Lanes::all((weights & 0xFFFF) << 15);
+    const Lanes green = sums(shades.green, d >> 8 & byte);
+    const Lanes blue = sums(shades.blue, d & byte);
+    return (red << 8 & Lanes::all(0xFFFF0000)) | (green & Lanes::all(0xFFFFFF00)) | blue >> 8;
+}
+
+/// Replaces a set of lanes by `colourOf(dst pixels)`. Called, it would have all shades wait in memory.
 template <class Lanes, class ColourOf>
-void change(q_ulong *dst, unsigned lanes, ColourOf colourOf) {
+[[gnu::always_inline]] inline void change(q_ulong *dst, unsigned lanes, ColourOf colourOf) {
     Lanes d;
     loadWhere(lanes, dst, d);
     storeWhere(lanes, colourOf(d), dst);
@@ -126,7 +142,7 @@ void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip,
 }
 
 void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,
-              const ShadedEdge &right, int opacity) {
+              const ShadedEdge &right, int opacity, bool isModest) {
     if (opacity == 128) {
         forEachGroup<depthFractionBits>(
             clip, pitch, left, right, [dst]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
@@ -136,6 +152,14 @@ void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip,
     }
     const auto shadeWeight = static_cast<std::uint32_t>(opacity);
     const std::uint32_t dstWeight = 256 - shadeWeight;
+    if (isModest && shadeWeight <= 256) {
+        const std::uint32_t weights = shadeWeight << 16 | dstWeight;
+        drawNearest(data, clip, pitch, left, right,
+                    [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+                        change<Lanes>(dst + i, lanes, [&](Lanes d) { return blendedInPairs(d, shades, weights); });
+                    });
+        return;
+    }
     drawNearest(data, clip, pitch, left, right, [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
         const auto weighted = [shadeWeight](Lanes value) {
             return shiftedSigned(value, depthFractionBits) * Lanes::all(shadeWeight);
@@ -207,11 +231,12 @@ void VKD_3D_Render(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulon
                    int xB1, int yA0, int yA1, int yB0, int yB1, int rA0, int rA1, int rB0, int rB1, int gA0, int gA1,
                    int gB0, int gB1, int bA0, int bA1, int bB0, int bB1, int zA0, int zA1, int zB0, int zB1,
                    int opacity) {
-    drawBand(
-        *data, dst, *clip, pitch,
-        edgeBetween<ShadedEdge>(shadedCorner(xA0, yA0, rA0, gA0, bA0, zA0), shadedCorner(xA1, yA1, rA1, gA1, bA1, zA1)),
-        edgeBetween<ShadedEdge>(shadedCorner(xB0, yB0, rB0, gB0, bB0, zB0), shadedCorner(xB1, yB1, rB1, gB1, bB1, zB1)),
-        opacity);
+    const Corner<ShadedColumn> a0 = shadedCorner(xA0, yA0, rA0, gA0, bA0, zA0);
+    const Corner<ShadedColumn> a1 = shadedCorner(xA1, yA1, rA1, gA1, bA1, zA1);
+    const Corner<ShadedColumn> b0 = shadedCorner(xB0, yB0, rB0, gB0, bB0, zB0);
+    const Corner<ShadedColumn> b1 = shadedCorner(xB1, yB1, rB1, gB1, bB1, zB1);
+    drawBand(*data, dst, *clip, pitch, edgeBetween<ShadedEdge>(a0, a1), edgeBetween<ShadedEdge>(b0, b1), opacity,
+             areModest(a0, a1, b0, b1));
 }
 
 void VKD_3D_Render_Alpha(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, int xA0, int xA1,

@@ -30,13 +30,28 @@ constexpr int additiveFractionBits = 18;
 using ShadedEdge = SteppedEdge<depthFractionBits, ShadedColumn>;
 using AdditiveEdge = SteppedEdge<additiveFractionBits, ShadedColumn>;
 
+/// Whether nothing wraps along edges between these corners, so that their colours stay between those of the corners,
+/// and whether those are numbers of 15 bits.
+template <class... Corners>
+bool areModest(const Corners &...corners) {
+    const auto outside = [](int number, int limit) {
+        return static_cast<unsigned>(wrapAdd(number, limit)) / (2U * limit);
+    };
+    const auto excess = [outside](const Corner<ShadedColumn> &corner) {
+        const Numbers<4> shade = corner.at.shade;
+        return outside(corner.y, 1 << 29) | outside(corner.at.x, 1 << 17) | (shade[0] | shade[1] | shade[2]) >> 15;
+    };
+    return (excess(corners) | ...) == 0;
+}
+
 /// Replaces pixels that are nearer than the Z plane and beyond the near limit.
 void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,
               const ShadedEdge &right);
 
-/// The same, blended by `opacity` in 1/256. Meant: half opacity, 128, goes a way of its own that knows no depth at all.
+/// The same, blended by `opacity` in 1/256; `isModest` says that areModest() holds for the corners. Meant: half
+/// opacity, 128, goes a way of its own that knows no depth at all.
 void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,
-              const ShadedEdge &right, int opacity);
+              const ShadedEdge &right, int opacity, bool isModest);
 
 /// Mixes half and half with pixels beyond the near limit. Neither reads nor writes the Z plane.
 void mixBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,

@@ -37,8 +37,9 @@ void VKD_Render_Tri(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, int p
     const Triangle<ShadedColumn> corners = cornersOf(*p1, *p2, *p3, *c1, *c2, *c3);
     if (areBeyond(corners, rowsOf(*clip)))
         return;
+    const bool isModest = areModest(corners[0], corners[1], corners[2]);
     forEachSteppedBand<depthFractionBits>(corners, isLeftOfLine, [=](const ShadedEdge &left, const ShadedEdge &right) {
-        drawBand(*data, dst, *clip, static_cast<q_ulong>(pitch), left, right, opacity);
+        drawBand(*data, dst, *clip, static_cast<q_ulong>(pitch), left, right, opacity, isModest);
     });
 }
 

@@ -19,10 +19,8 @@ TYPED_TEST(PickedLanes, of_words_with_a_sign_are_multiplied_and_added_up_in_pair
             if (b.numbers[2 * i] == 0x8000 && b.numbers[2 * i + 1] == 0x8000)
                 b.numbers[2 * i] = 0x8001;
         const auto product = [&](int i) { return asSigned(a.numbers[i]) * asSigned(b.numbers[i]); };
-        if constexpr (count <= 8) {
-            ASSERT_EQ(stored(pairSums(a.lanes, Words::load(b.numbers))),
-                      naive<std::uint32_t>(count, [&](int i) { return product(2 * i) + product(2 * i + 1); }));
-        }
+        ASSERT_EQ(stored(pairSums(a.lanes, Words::load(b.numbers))),
+                  naive<std::uint32_t>(count, [&](int i) { return product(2 * i) + product(2 * i + 1); }));
     });
 }
 
