@@ -23,6 +23,9 @@ public:
     /// Each sum divided by 256, truncated; top byte 0.
     q_ulong pixel() const { return pixelOf(lanes >> 8) & 0xFFFFFF; }
 
+    /// The same in 32 bits each, the top byte's as well.
+    Numbers<4> numbers() const { return widenedLow(lanes >> 8); }
+
 private:
     Words<8> lanes;
 };
@@ -133,7 +136,8 @@ Numbers<count> pixelsOf(PixelWords<count> sums) {
 
 /// The four taps at the start of two rows; `fx` and `fy` are the fractions in sixteenths.
 inline ChannelSums fourTaps(const q_ulong *row0, const q_ulong *row1, q_ulong fx, q_ulong fy) {
-    const Words<8> rows = detail::mixedRows(channelWordsOfTwo(row0), channelWordsOfTwo(row1), fy);
+    const Words<8> rows =
+        detail::mixedRows(row0, row1, detail::weightsAt(detail::rowWeights, static_cast<std::int32_t>(fy * 8)));
     const Words<8> products = rows * detail::pairWeights.of(fx);
     return ChannelSums(products + swappedHalves(products));
 }

@@ -58,19 +58,30 @@ struct WalkedColumn {
     }
 };
 
+/// Channels of a byte times a multiplier, which has no more than 16 bits where it was walked with as many fraction
+/// bits.
+template <Mapping mapping>
+Numbers<4> multiplied(Numbers<4> channels, Numbers<4> mul) {
+    if constexpr (mapping.light == Light::interpolated && mapping.fractionBits >= 16)
+        return pairSums(as<std::uint16_t>(channels), as<std::uint16_t>(mul));
+    else
+        return channels * mul;
+}
+
 /// A filtered colour, lit with signed products.
-inline q_ulong litColour(q_ulong colour, Numbers<4> mul, Numbers<4> add) {
-    return packedPixel(shiftedSigned(channelNumbers(colour) * mul, 8) + add);
+template <Mapping mapping>
+q_ulong litColour(ChannelSums colour, Numbers<4> mul, Numbers<4> add) {
+    return packedPixel(shiftedSigned(multiplied<mapping>(colour.numbers(), mul), 8) + add);
 }
 
 /// A texel, lit with unsigned products: a negative multiplier gives full channels. Green is multiplied in its place,
 /// where 24 bits are left for the product.
-template <Red redSource>
+template <Mapping mapping>
 q_ulong litTexel(q_ulong texel, Numbers<4> mul, Numbers<4> add) {
     Numbers<4> channels = channelNumbers(texel);
-    if constexpr (redSource == Red::upperHalf)
+    if constexpr (mapping.red == Red::upperHalf)
         channels = withLane<2>(channels, std::uint32_t{upperHalfOf(texel)});
-    return packedPixel(((channels * mul & Numbers<4>::of(~0U, 0xFFFFFF, ~0U, 0)) >> 8) + add);
+    return packedPixel(((multiplied<mapping>(channels, mul) & Numbers<4>::of(~0U, 0xFFFFFF, ~0U, 0)) >> 8) + add);
 }
 
 /// What the pixels of a call share.
@@ -110,10 +121,10 @@ void drawRow(q_ulong *dst, short *depths, Span pixels, Running<WalkedColumn> wal
                     continue;
             }
             const ChannelSums sums = fourTaps(upper, lower, static_cast<q_ulong>(u & 15), static_cast<q_ulong>(v & 15));
-            dst[x] = litColour(sums.pixel(), mul, add);
+            dst[x] = litColour<mapping>(sums, mul, add);
         } else {
             const q_ulong texel = *pixelAt(scene.tex, scene.texPitch, u, v);
-            dst[x] = mapping.light == Light::none ? texel : litTexel<mapping.red>(texel, mul, add);
+            dst[x] = mapping.light == Light::none ? texel : litTexel<mapping>(texel, mul, add);
         }
         if constexpr (mapping.depth != Depth::untested)
             depths[x] = static_cast<short>(depth);
