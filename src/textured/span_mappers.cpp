@@ -23,6 +23,7 @@ struct Mapping {
     Depth depth;
     Key key = Key::none;
     Red red = Red::byte;
+    bool hasShortLight = fractionBits >= 16; ///< whether a multiplier has no more than 16 bits, as walked
 };
 
 // The fraction bits differ from mapper to mapper, and with them the range of coordinates.
@@ -58,11 +59,16 @@ struct WalkedColumn {
     }
 };
 
-/// Channels of a byte times a multiplier, which has no more than 16 bits where it was walked with as many fraction
-/// bits.
+/// The mapping for bands whose multipliers need no more than 16 bits.
+constexpr Mapping withShortLight(Mapping mapping) {
+    mapping.hasShortLight = true;
+    return mapping;
+}
+
+/// Channels of a byte times a multiplier.
 template <Mapping mapping>
 Numbers<4> multiplied(Numbers<4> channels, Numbers<4> mul) {
-    if constexpr (mapping.light == Light::interpolated && mapping.fractionBits >= 16)
+    if constexpr (mapping.light == Light::interpolated && mapping.hasShortLight)
         return pairSums(as<std::uint16_t>(channels), as<std::uint16_t>(mul));
     else
         return channels * mul;
@@ -153,15 +159,28 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
     const Distance step = asDistance(dstPitch);
     short *const depths = testsDepth ? data->zBuffer : nullptr;
 
+    // Where nothing wraps along the edges, what is walked stays between the corners.
+    constexpr bool hasOneWidth = !walksLight || mapping.hasShortLight || mapping.red == Red::upperHalf;
+    constexpr Mapping shortened = hasOneWidth ? mapping : withShortLight(mapping);
+    const auto allWithin = [](int limit, auto... numbers) {
+        return ((static_cast<unsigned>(wrapAdd(numbers, limit)) < 2U * static_cast<unsigned>(limit)) && ...);
+    };
+    const bool hasShortLight = !hasOneWidth && allWithin(1 << (29 - mapping.fractionBits), xL0, xL1, xR0, xR1) &&
+                               allWithin(1 << 29, yL0, yL1, yR0, yR1) && allWithin(1 << 14, mulL0, mulL1, mulR0, mulR1);
+
     using Stepped = SteppedEdge<mapping.fractionBits, WalkedColumn>;
-    forEachSteppedRow<mapping.fractionBits>(
-        Stepped(Edge<WalkedColumn>{corner(xL0, yL0, uL0, vL0, zL0, addL0, mulL0),
-                                   corner(xL1, yL1, uL1, vL1, zL1, addL1, mulL1)}),
-        Stepped(Edge<WalkedColumn>{corner(xR0, yR0, uR0, vR0, zR0, addR0, mulR0),
-                                   corner(xR1, yR1, uR1, vR1, zR1, addR1, mulR1)}),
-        windowOf(*clip), [=](int y, Span columns, const Running<WalkedColumn> &walk) {
-            drawRow<mapping>(dst + y * step, testsDepth ? depths + y * step : nullptr, columns, walk, scene);
-        });
+    const Stepped left(Edge<WalkedColumn>{corner(xL0, yL0, uL0, vL0, zL0, addL0, mulL0),
+                                          corner(xL1, yL1, uL1, vL1, zL1, addL1, mulL1)});
+    const Stepped right(Edge<WalkedColumn>{corner(xR0, yR0, uR0, vR0, zR0, addR0, mulR0),
+                                           corner(xR1, yR1, uR1, vR1, zR1, addR1, mulR1)});
+    const auto drawColumns = [=](int y, Span columns, const Running<WalkedColumn> &walk) {
+        short *const depthRow = testsDepth ? depths + y * step : nullptr;
+        if (hasShortLight)
+            drawRow<shortened>(dst + y * step, depthRow, columns, walk, scene);
+        else
+            drawRow<mapping>(dst + y * step, depthRow, columns, walk, scene);
+    };
+    forEachSteppedRow<mapping.fractionBits>(left, right, windowOf(*clip), drawColumns);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 
 namespace {
@@ -322,6 +323,20 @@ TEST(span_mappers, light_multiplies_adds_and_caps_above_alone) {
     });
     forMappers(hasLight<MappedLight::none>,
                [](const Mapper &mapper) { EXPECT_EQ(drawnPixel(mapper, 0x99C08040, 128, 10), 0x99C08040u); });
+}
+
+TEST(span_mappers, filtered_light_has_as_many_bits_as_are_left_where_it_is_walked) {
+    const auto isFilteredAndLit = [](const MapperKind &kind) { return isLit(kind) && kind.isFiltered; };
+    forMappers(isFilteredAndLit, [](const Mapper &mapper) {
+        for (const int mul : {16383, 16384, 32767, 32768, 65536, 100000, 131071, -1, -16384, -16385, -32769, -100000}) {
+            const int lost = hasLight<MappedLight::flat>(mapper.kind) ? 0 : mapper.kind.fractionBits;
+            const int walked = static_cast<int>(static_cast<unsigned>(mul) << lost) >> lost;
+            const auto lit = [walked](int channel) {
+                return static_cast<q_ulong>(std::min(channel * walked >> 8, 255));
+            };
+            EXPECT_EQ(drawnPixel(mapper, 0x010203, mul, 0), lit(1) << 16 | lit(2) << 8 | lit(3)) << mul;
+        }
+    });
 }
 
 TEST(span_mappers, nearest_green_is_multiplied_in_its_place_and_wraps_before_blue) {
