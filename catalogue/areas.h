@@ -120,6 +120,17 @@ inline auto set(std::string_view name, const Value &value) {
     return [=](Call &call, auto &) { call[name] = value; };
 }
 
+/// Makes a surface at least so large each way, and opens the clip.
+inline void openWide(Call &call, Random &random, int least, std::string_view surface = "dst") {
+    const Plane &dst = call[surface].plane();
+    const int width = std::max(dst.width(), random.between(least, 16));
+    const int height = std::max(dst.height(), random.between(least, 16));
+    if (dst.width() < least || dst.height() < least)
+        call[surface] = Plane::randomSurface(random, width, height);
+    if (call.row().argument("clip"))
+        call["clip"] = call[surface].plane().rect();
+}
+
 /// A step that chooses whole numbers.
 inline auto chooseWhole(std::initializer_list<std::string_view> names, int low, int high) {
     return [names = std::vector<std::string_view>(names), low, high](Call &call, Random &random) {

@@ -194,8 +194,21 @@ int anyPlace(Random &random) {
 void chooseClip(Call &call, Random &random) {
     if (!call.row().argument("clipWidth"))
         return;
-    call["clipWidth"] = random.between(-1, call["dst"].plane().width());
-    call["clipHeight"] = random.between(-1, call["dst"].plane().height());
+    const Plane &dst = call["dst"].plane();
+    const bool isOpen = random.oneIn(2);
+    call["clipWidth"] = isOpen ? dst.width() : random.between(-1, dst.width());
+    call["clipHeight"] = isOpen ? dst.height() : random.between(-1, dst.height());
+}
+
+/// Places from which so many columns and rows reach the clip.
+tagPOINT placeOnClip(const Call &call, Random &random, int width, int height) {
+    const Box clip = common(Box(call["dst"].plane().rect()), clipOf(call, call["dst"].plane().rect()));
+    const auto place = [&random](std::int64_t begin, std::int64_t end, int extent) {
+        const auto low = static_cast<int>(begin) - std::max(extent, 1) + 1;
+        return random.between(low, std::max(static_cast<int>(end) - 1, low));
+    };
+    const int x = place(clip.left, clip.right, width);
+    return {x, place(clip.top, clip.bottom, height)};
 }
 
 /// Moves a random area to where it fits; where there is a clip, anywhere.
@@ -205,18 +218,33 @@ void place(Call &call, Random &random) {
     tagRECT &rect = call["srcRect"].rect();
     if (!isClipped)
         rect = common(rect, {0, 0, rect.left + dst.width(), rect.top + dst.height()});
+    chooseClip(call, random);
+    if (isClipped && random.oneIn(2)) {
+        const tagPOINT corner = placeOnClip(call, random, widthOf(rect), heightOf(rect));
+        call.set({{"dstX", corner.x}, {"dstY", corner.y}});
+        return;
+    }
     call["dstX"] = isClipped ? anyPlace(random) : random.between(0, dst.width() - std::max(widthOf(rect), 0));
     call["dstY"] = isClipped ? anyPlace(random) : random.between(0, dst.height() - std::max(heightOf(rect), 0));
-    chooseClip(call, random);
 }
 
 /// Now and then the source begins before its surface, in the margin.
 void centre(Call &call, Random &random) {
+    if (random.oneIn(2))
+        call["srcRect"] = call["src"].plane().rect();
     const int before = random.oneIn(4) ? random.between(0, 6) : 0;
     const tagRECT rect = call["srcRect"].rect();
     call["srcRect"] = tagRECT{rect.left - before, rect.top - before, rect.right - before, rect.bottom - before};
-    call.set({{"centreX", anyPlace(random)}, {"centreY", anyPlace(random)}});
     chooseClip(call, random);
+    if (random.oneIn(2)) {
+        const int halfWidth = widthOf(rect) >> 1;
+        const int halfHeight = heightOf(rect) >> 1;
+        const tagPOINT corner = placeOnClip(call, random, 2 * halfWidth, 2 * halfHeight);
+        call.set({{"centreX", static_cast<int>(corner.x) + halfWidth},
+                  {"centreY", static_cast<int>(corner.y) + halfHeight}});
+        return;
+    }
+    call.set({{"centreX", anyPlace(random)}, {"centreY", anyPlace(random)}});
 }
 
 void moveRect(Call &call, Random &random) {
@@ -302,6 +330,12 @@ void scaleAnywhere(Call &call, Random &random) {
     call["dstRect"] =
         tagRECT{left, top, left + random.between(-2, 40) + 2 * beyond, top + random.between(-2, 40) + 2 * beyond};
     chooseClip(call, random);
+    if (random.oneIn(2))
+        return;
+    const int width = random.between(1, 40);
+    const int height = random.between(1, 40);
+    const tagPOINT corner = placeOnClip(call, random, width, height);
+    call["dstRect"] = tagRECT{corner.x, corner.y, corner.x + width, corner.y + height};
 }
 
 /// Sixteenths of a pixel, now and then a little beyond the picture or without pixels.
@@ -458,7 +492,8 @@ void chooseText(Call &call, Random &random) {
         text += letters[static_cast<std::size_t>(random.between(0, static_cast<int>(letters.size()) - 1))];
     call.set({{"text", characters(text)}, {"fontName", characters("DejaVu Sans")}});
     call.set({{"colour", random.pixel() & 0xFFFFFF}, {"fontHeight", random.between(6, 20)}});
-    chooseWhole({"x", "y"}, -20, 16)(call, random);
+    const bool isNear = random.oneIn(2);
+    chooseWhole({"x", "y"}, isNear ? -2 : -20, isNear ? 2 : 16)(call, random);
 }
 
 /// Of the clip only the size counts.

@@ -49,8 +49,9 @@ Value randomValue(const Call &call, std::size_t index, Random &random) {
     const int width = widthOf(around);
     const int height = heightOf(around);
     switch (argument.kind) {
+    case Kind::clip: // every other one open
+        return random.oneIn(2) ? around : random.rectInsideOrEmpty(width, height);
     case Kind::rectangle:
-    case Kind::clip:
         return random.rectInsideOrEmpty(width, height);
     case Kind::point:
         return tagPOINT{random.between(0, width - 1), random.between(0, height - 1)};
@@ -125,6 +126,30 @@ void fill(Call &call, Make make) {
                 call[i] = make(i);
 }
 
+Call chosenCall(const Row &row, Random &random, tagPOINT size) {
+    Call call(row);
+    fill(call, [&](std::size_t i) -> Value {
+        if (isSurface(row.arguments[i].kind)) {
+            const int width = size.x > 0 ? static_cast<int>(size.x) : random.between(1, 16);
+            const int height = size.y > 0 ? static_cast<int>(size.y) : random.between(1, 16);
+            return Plane::randomSurface(random, width, height);
+        }
+        return randomValue(call, i, random);
+    });
+    if (row.arrange)
+        row.arrange(call, random);
+    call.settle();
+    return call;
+}
+
+/// Whether nothing is in the region that a call may write.
+bool writesNothing(const Call &call) {
+    if (!call.row().writes)
+        return false;
+    const Areas areas = call.row().writes(call);
+    return std::all_of(areas.begin(), areas.end(), [](const Area &area) { return area.part.isEmpty(); });
+}
+
 } // namespace
 
 std::string Row::fullName() const {
@@ -174,18 +199,10 @@ bool keepsToContract(const Call &call) {
 }
 
 Call randomCall(const Row &row, Random &random, tagPOINT size) {
-    Call call(row);
-    fill(call, [&](std::size_t i) -> Value {
-        if (isSurface(row.arguments[i].kind)) {
-            const int width = size.x > 0 ? static_cast<int>(size.x) : random.between(1, 16);
-            const int height = size.y > 0 ? static_cast<int>(size.y) : random.between(1, 16);
-            return Plane::randomSurface(random, width, height);
-        }
-        return randomValue(call, i, random);
-    });
-    if (row.arrange)
-        row.arrange(call, random);
-    call.settle();
+    Call call = chosenCall(row, random, size);
+    // Of those that miss their surface or their clip a few are left.
+    for (int more = random.oneIn(4) ? 0 : 4; more > 0 && writesNothing(call); --more)
+        call = chosenCall(row, random, size);
     return call;
 }
 

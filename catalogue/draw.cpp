@@ -99,14 +99,24 @@ void setEnds(Call &call, int x1, int y1, int x2, int y2) {
 }
 /// Ends around the surface, and some far away.
 void scatterEnds(Call &call, Random &random, int farthest) {
+    if (random.oneIn(2)) { // from one side to the other
+        openWide(call, random, 7, "surface");
+        const Plane &plane = call["surface"].plane();
+        const int ends[] = {random.between(-3, 3), random.between(-3, 3)};
+        const int places[] = {random.between(2, plane.height() - 3), random.between(2, plane.width() - 3)};
+        if (random.oneIn(2))
+            setEnds(call, ends[0], places[0], plane.width() + ends[1], random.between(1, plane.height() - 2));
+        else
+            setEnds(call, places[1], plane.height() + ends[1], random.between(1, plane.width() - 2), ends[0]);
+        return;
+    }
     const int reach = random.oneIn(16) ? farthest : 28;
     chooseWhole({"x1", "y1", "x2", "y2"}, 8 - reach, 8 + reach)(call, random);
 }
 void arrangeBlended(Call &call, Random &random) {
     scatterEnds(call, random, 70000);
-    openClipSometimes(call, random, 2);
     if (call.row().argument("width"))
-        call["width"] = random.between(random.oneIn(8) ? -3 : 0, 6);
+        call["width"] = random.between(random.oneIn(8) ? -3 : 0, random.oneIn(2) ? 3 : 6);
 }
 /// A line through the middle that turns once.
 void turningLine(Call &call, const Stage &stage) {
@@ -309,6 +319,14 @@ Areas clipAndColumn(const Call &call) {
     return {{"surface", clip}, {"surface", {column, 0, column + 1, clip.bottom}}};
 }
 void arrangeEllipse(Call &call, Random &random) {
+    if (random.oneIn(2)) { // around the middle
+        const Plane &plane = call["surface"].plane();
+        const tagPOINT middle = {plane.width() / 2, plane.height() / 2};
+        call["box"] =
+            tagRECT{random.between(-2, static_cast<int>(middle.x)), random.between(-2, static_cast<int>(middle.y)),
+                    middle.x + random.between(1, 8), middle.y + random.between(1, 8)};
+        return;
+    }
     const int left = random.between(-20, 20);
     const int top = random.between(-20, 20);
     call["box"] = tagRECT{left, top, left + random.between(-2, 30), top + random.between(-2, 30)};

@@ -210,6 +210,22 @@ void chooseOpacity(Call &call, Random &random) {
         call["opacity"] = random.oneIn(4) ? 128 : random.between(0, 256);
 }
 
+/// Edges to the left and right of the middle, the one or the other at times the first.
+void standOverMiddle(Call &call, Random &random) {
+    openWide(call, random, 3);
+    const Plane &dst = call["dst"].plane();
+    const auto before = [&random](int extent) { return random.between(-4, (extent - 1) / 2); };
+    const auto behind = [&random](int extent) { return random.between(extent / 2 + 1, extent + 4); };
+    for (const std::string_view end : {"0", "1"}) {
+        call["xA" + std::string(end)] = before(dst.width());
+        call["xB" + std::string(end)] = behind(dst.width());
+    }
+    for (const std::string_view edge : {"A", "B"}) {
+        call["y" + std::string(edge) + "0"] = before(dst.height());
+        call["y" + std::string(edge) + "1"] = behind(dst.height());
+    }
+}
+
 /// Mostly numbers that make sense on a small surface; at times anything.
 void arrangeBand(Call &call, Random &random) {
     const bool isWild = random.oneIn(20);
@@ -233,6 +249,8 @@ void arrangeBand(Call &call, Random &random) {
     if (call.row().argument("zA0"))
         choose('z', -100, random.oneIn(4) ? 40000 : 400, isWild);
     chooseOpacity(call, random);
+    if (random.oneIn(2))
+        standOverMiddle(call, random);
 }
 
 // Triangles.
@@ -246,8 +264,19 @@ const Region readsTriangle =
 void arrangeTriangle(Call &call, Random &random) {
     const float reach = random.oneIn(4) ? 900.0F : 15.0F;
     Point corners[3];
-    for (Point &point : corners)
-        point = randomPoint(random, reach, {-100, 400});
+    const bool isAround = random.oneIn(2); // the middle
+    if (isAround)
+        openWide(call, random, 5);
+    const Plane &dst = call["dst"].plane();
+    for (int i = 0; i < 3; ++i) {
+        corners[i] = randomPoint(random, reach, {-100, 400});
+        if (isAround) {
+            corners[i].x = random.realBetween(i == 1 ? static_cast<float>(dst.width() / 2) : -6.0F,
+                                              i == 0 ? 2.0F : static_cast<float>(dst.width() + 6));
+            corners[i].y = random.realBetween(i == 2 ? static_cast<float>(dst.height() / 2) : -6.0F,
+                                              i == 2 ? static_cast<float>(dst.height() + 6) : 2.0F);
+        }
+    }
     if (random.oneIn(6))
         corners[random.between(1, 2)].y = corners[0].y;
     if (random.oneIn(6))
@@ -390,6 +419,12 @@ Box crossBox(const Call &call) {
     return {x - 2, y - 2, x + 2, y + 3};
 }
 void arrangeCross(Call &call, Random &random) {
+    if (random.oneIn(2)) {
+        openWide(call, random, 7);
+        call["x"] = random.between(3, call["dst"].plane().width() - 4);
+        call["y"] = random.between(3, call["dst"].plane().height() - 4);
+        return;
+    }
     call["x"] = random.oneIn(20) ? static_cast<int>(random.word()) : random.between(-2, 16);
     call["y"] = random.between(-2, 16);
 }
@@ -407,9 +442,16 @@ void arrangeDots(Call &call, Random &random) {
     const int columns = random.between(1, 4);
     call["rows"] = random.oneIn(20) ? random.between(-2, 0) : rows;
     call["columns"] = random.oneIn(20) ? random.between(-2, 0) : columns;
-    call["points"] = Plane::array<Point>(rows * columns, [&random](int) {
-        const float x = random.realBetween(-3, 20);
-        return Point{x, random.realBetween(-3, 20), 0, 0};
+    const bool isInside = random.oneIn(2);
+    if (isInside)
+        openWide(call, random, 7);
+    const Plane &dst = call["dst"].plane();
+    const auto place = [&](int extent) {
+        return isInside ? random.realBetween(3, static_cast<float>(extent - 4)) : random.realBetween(-3, 20);
+    };
+    call["points"] = Plane::array<Point>(rows * columns, [&](int) {
+        const float x = place(dst.width());
+        return Point{x, place(dst.height()), 0, 0};
     });
     call["colours"] = randomColours(random, rows * columns);
 }
@@ -422,6 +464,17 @@ void arrangeLine(Call &call, Random &random) {
     _POINT3D ends[2];
     for (_POINT3D &end : ends)
         end = {number(-reach / 2, reach), number(-reach / 2, reach), number(-200, 400), 0};
+    if (random.oneIn(2)) { // on either side of the middle, one way or the other
+        openWide(call, random, 7);
+        const Plane &dst = call["dst"].plane();
+        const bool isSteep = random.oneIn(2);
+        const int extent = isSteep ? dst.height() : dst.width();
+        const int side = random.between(0, 1);
+        (isSteep ? ends[side].y : ends[side].x) = random.between(-2, extent / 2 - 1);
+        (isSteep ? ends[1 - side].y : ends[1 - side].x) = random.between(extent / 2 + 1, extent + 2);
+        for (_POINT3D &end : ends)
+            (isSteep ? end.x : end.y) = random.between(1, (isSteep ? dst.width() : dst.height()) - 3);
+    }
     if (random.oneIn(8))
         ends[1].x = ends[0].x;
     if (random.oneIn(8))

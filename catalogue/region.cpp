@@ -40,10 +40,12 @@ void makePlane(Call &call, Random &random) {
     if (!drawsBytes(call))
         return;
     const Plane plane = bytesOf(randomSurface(random));
-    call.set({{"plane", plane}, {"clip", random.rectInsideOrEmpty(plane.width(), plane.height())}});
+    call.set({{"plane", plane}, {"clip", plane.rect()}});
+    if (random.oneIn(2))
+        call["clip"] = random.rectInsideOrEmpty(plane.width(), plane.height());
 }
 void arrangeLine(Call &call, Random &random) {
-    const int reach = random.oneIn(50) ? 5000 : 20;
+    const int reach = random.oneIn(50) ? 5000 : random.oneIn(2) ? 4 : 20;
     chooseWhole({"x1", "y1", "x2", "y2"}, -reach, reach + 16)(call, random);
 }
 constexpr const char *columnNames[] = {"x0", "x1", "x2", "x3"};

@@ -189,6 +189,15 @@ void arrangeBand(Call &call, Random &random) {
         call["yR1"] = random.between(call["yR0"].whole(), 16);
     }
     const bool isNear = random.oneIn(2);
+    if (!isWild && random.oneIn(2)) { // an upright one over the middle
+        openWide(call, random, 3);
+        const Plane &dst = call["dst"].plane();
+        for (const auto &[sides, extent] : {std::pair(std::array{"xL0", "xL1", "xR0", "xR1"}, dst.width()),
+                                            std::pair(std::array{"yL0", "yR0", "yL1", "yR1"}, dst.height())})
+            for (std::size_t i = 0; i < 4; ++i)
+                call[sides[i]] =
+                    i < 2 ? random.between(-4, (extent - 1) / 2) : random.between(extent / 2 + 1, extent + 4);
+    }
     four("add", -40, 300, wildOne());
     four("mul", -100, 600, wildOne());
     four("z", isNear ? -200 : 0, isNear ? 500 : 3000, wildOne());

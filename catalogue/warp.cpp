@@ -75,7 +75,7 @@ void arrangeZ(Call &call, Random &random) {
         const bool wide = random.oneIn(2);
         call["src"] = Plane::randomSurface(random, wide ? 2600 : 3, wide ? 3 : 2600);
         call["srcRect"] = call["src"].plane().rect();
-    } else if (random.oneIn(4)) {
+    } else if (random.oneIn(2)) {
         call["srcRect"] = call["src"].plane().rect();
     }
     call["clipRect"] = anyClip(call, "dst", random);
@@ -246,14 +246,14 @@ void setCorners(Call &call, const Quad &quad) {
 }
 
 /// A figure near a frame of 16 by 13: the frame itself turned or mirrored, bent a little, or anything.
-Quad anyQuad(Random &random) {
+Quad anyQuad(Random &random, bool isNear = false) {
     constexpr int frameX[] = {0, 16, 16, 0};
     constexpr int frameY[] = {0, 0, 13, 13};
     const int first = random.between(0, 3);
     const int direction = random.oneIn(4) ? 3 : 1;
-    const int bend = random.between(0, 4);
+    const int bend = random.between(0, isNear ? 1 : 4);
     const int reach = bend == 4 ? 2000 : bend == 3 ? 40 : bend * 5;
-    const bool isOutside = random.oneIn(10);
+    const bool isOutside = !isNear && random.oneIn(10);
     const int away = isOutside ? random.between(-1, 1) * 3000 : 0;
     Quad quad = {};
     for (int i = 0; i < 4; ++i) {
@@ -292,7 +292,7 @@ void swingingQuad(Call &call, const Stage &stage) {
 
 void arrangeAffine(Call &call, Random &random) {
     makeAlike(call, random, {"dst", "src"});
-    Quad quad = anyQuad(random);
+    Quad quad = anyQuad(random, random.oneIn(2));
     if (random.oneIn(2)) {
         quad.y[1] = quad.y[0];
         quad.y[3] = quad.y[2];
@@ -351,8 +351,9 @@ void arrangeCentre(Call &call, Random &random) {
     call.set({{"centreX", 8 + random.between(-reach, reach)}, {"centreY", 6 + random.between(-reach, reach)}});
     call["angle"] = anyTurn(random);
     const int size = random.oneIn(8) ? 150 : 25;
-    call["width"] = random.between(random.oneIn(6) ? -size : 0, size);
-    call["height"] = random.between(random.oneIn(6) ? -size : 0, size);
+    const auto extent = [&] { return random.between(random.oneIn(2) ? 6 : random.oneIn(3) ? -size : 0, size); };
+    call["width"] = extent();
+    call["height"] = extent();
 }
 
 /// Taps reach a pixel beyond the source at its right and bottom, and an empty source is read as if it were turned
@@ -409,7 +410,7 @@ constexpr std::string_view triangleCorners[] = {"p0", "p1", "p2", "t0", "t1", "t
 void arrangeTriangle(Call &call, Random &random) {
     makeAlike(call, random, {"dst", "src"});
     call["clip"] = anyClip(call, "dst", random);
-    const int reach = random.oneIn(5) ? 200 : 20;
+    const int reach = random.oneIn(5) ? 200 : random.oneIn(2) ? 9 : 20;
     const int sourceReach = random.oneIn(5) ? 5000 : 4;
     _POINTINT p[6];
     for (int i = 0; i < 3; ++i) {

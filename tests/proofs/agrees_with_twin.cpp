@@ -16,7 +16,8 @@ std::string_view reason(const Row &row) {
 /// 20,000 calls, or as many as the row says, drawn from the case's number give the same bytes as the plain twin; every
 /// other one comes from a host that has left the floating unit at 53 bits.
 void prove(const Row &row) {
-    const auto compare = [&row](test::Case &c) {
+    Tally tally;
+    const auto compare = [&](test::Case &c) {
         const auto seed = static_cast<unsigned>(c.number);
         const Call call = catalogue::randomCall(row, c.random);
         ASSERT_TRUE(catalogue::keepsToContract(call)) << "case " << c.number << ": " << described(call);
@@ -29,6 +30,7 @@ void prove(const Row &row) {
         }
         Call expected = call;
         runSeeded(row.functions.twin, expected, seed);
+        tally.add(call, result);
         result.addTo(c.sum());
         const std::string difference = result.differenceFrom(expected);
         if (!difference.empty())
@@ -41,6 +43,8 @@ void prove(const Row &row) {
         test::forEachCaseUnsummed(compare, row.cases);
     else
         test::forEachCase(row.fullName(), compare, row.cases);
+    if (!testing::Test::HasFailure() && !test::replaysOneCase())
+        tally.expectDrawn(row, "seeded cases");
 }
 
 } // namespace

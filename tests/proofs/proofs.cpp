@@ -28,11 +28,28 @@ void runSeeded(const std::function<catalogue::Run(Call &)> &function, Call &call
     function(call)();
 }
 
-bool agree(const Call &call, const std::string &what) {
+void Tally::add(const Call &before, const Call &after) {
+    ++tried;
+    bool changed = false;
+    for (std::size_t i = 0; i < before.size() && !changed; ++i)
+        changed = !after[i].differenceFrom(before[i]).empty();
+    drawn += changed;
+}
+
+void Tally::expectDrawn(const Row &row, const std::string &what) const {
+    EXPECT_GT(tried, 0) << what << ": no call kept to the contract";
+    if (row.writes) {
+        EXPECT_GE(20 * drawn, tried) << what << ": of " << tried << " calls " << drawn << " change anything";
+    }
+}
+
+bool agree(const Call &call, const std::string &what, Tally *tally) {
     Call result = call;
     Call expected = call;
     runSeeded(call.row().functions.library, result, 1);
     runSeeded(call.row().functions.twin, expected, 1);
+    if (tally)
+        tally->add(call, result);
     const std::string difference = result.differenceFrom(expected);
     if (!difference.empty())
         ADD_FAILURE() << what << ": " << difference << "\n" << described(call);

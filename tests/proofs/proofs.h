@@ -61,9 +61,22 @@ std::string_view reasonAgainst(const Proof &proof, const Row &row);
 /// Runs a function on a call of its row, from a seed where it draws random numbers.
 void runSeeded(const std::function<catalogue::Run(Call &)> &function, Call &call, unsigned seed);
 
+/// Counts the calls of a proof and those of them that change something: where none does, a proof proves nothing.
+class Tally {
+public:
+    void add(const Call &before, const Call &after);
+
+    /// Expects calls, and of a row that writes anything one in twenty that changes something.
+    void expectDrawn(const Row &row, const std::string &what) const;
+
+private:
+    int tried = 0;
+    int drawn = 0;
+};
+
 /// Runs both functions of a row on copies of `call` and reports what differs, as the test's failure.
 /// \return whether they agree
-bool agree(const Call &call, const std::string &what);
+bool agree(const Call &call, const std::string &what, Tally *tally = nullptr);
 
 /// The arguments of a call in one line.
 std::string described(const Call &call);

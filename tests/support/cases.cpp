@@ -44,6 +44,10 @@ void replayCase(int number) {
     replayed = number;
 }
 
+bool replaysOneCase() {
+    return replayed >= 0;
+}
+
 void limitCases(int count) {
     most = count < prefixLength ? prefixLength : count;
 }

@@ -57,6 +57,7 @@ void forEachCaseUnsummed(const std::function<void(Case &)> &body, int count = us
 
 /// Replays one case only; -1 runs them all.
 void replayCase(int number);
+bool replaysOneCase();
 
 /// Runs so many cases at the most, no fewer than `prefixLength`; a second checksum is written down for these.
 void limitCases(int count);
