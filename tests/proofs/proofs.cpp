@@ -8,10 +8,19 @@
 namespace proofs {
 
 const std::vector<Proof> &allProofs() {
-    static const std::vector<Proof> all = {agreesWithTwin,       overlappingSurfaces, everyPlaceAndSize,
-                                           writesNothingOutside, readsNothingOutside, endsOfNumbers,
-                                           channelPairs,         topBytesAndSums,     twoThreads,
-                                           storedBottomUp,       clipsHold,           largeSizes};
+    static const std::vector<Proof> all = {agreesWithTwin,
+                                           overlappingSurfaces,
+                                           everyPlaceAndSize,
+                                           writesNothingOutside,
+                                           readsNothingOutside,
+                                           endsOfNumbers,
+                                           channelPairs,
+                                           topBytes,
+                                           sums,
+                                           twoThreads,
+                                           storedBottomUp,
+                                           clipsHold,
+                                           largeSizes};
     return all;
 }
 
