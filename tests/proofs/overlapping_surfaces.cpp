@@ -19,7 +19,8 @@ bool isLaidOver(const Argument &argument) {
     return argument.kind == Kind::destination || argument.kind == Kind::source;
 }
 
-/// Lays the surfaces of a call into one, the sources moved by (dx, dy) from the destination.
+/// Lays the surfaces of a call into one, the first source moved by (dx, dy) from the destination, and each further one
+/// by as much or by as little as may be.
 void overlap(Call &call, int dx, int dy, Random &random) {
     int width = 0;
     int height = 0;
@@ -31,8 +32,13 @@ void overlap(Call &call, int dx, int dy, Random &random) {
     Plane shared = Plane::randomSurface(random, width + 2 * reach, height + 2 * reach).movedBy(reach, reach);
     for (std::size_t i = 0; i < call.size(); ++i) {
         const Argument &argument = call.row().arguments[i];
-        if (isLaidOver(argument) && call[i].is<Plane>() && !call[i].plane().isNull())
-            call[i] = argument.kind == Kind::source ? shared.movedBy(dx, dy) : shared;
+        if (!isLaidOver(argument) || !call[i].is<Plane>() || call[i].plane().isNull())
+            continue;
+        call[i] = argument.kind == Kind::source ? shared.movedBy(dx, dy) : shared;
+        if (argument.kind == Kind::source && random.oneIn(2)) {
+            dx = random.between(-reach, reach);
+            dy = random.between(-reach, reach);
+        }
     }
     call.settle();
 }
@@ -61,10 +67,11 @@ void layOnSheet(Call &call, Random &random) {
 /// bottom and pixels from left to right give. So it is where they begin anywhere on one sheet.
 void prove(const Row &row) {
     Tally moved;
+    int seed = 0;
     for (int number = 0; number < 20; ++number)
         for (int dy = -reach; dy <= reach; ++dy)
             for (int dx = -reach; dx <= reach; ++dx) {
-                Random random(static_cast<std::uint64_t>(number));
+                Random random(static_cast<std::uint64_t>(seed++));
                 Call call = catalogue::randomCall(row, random);
                 overlap(call, dx, dy, random);
                 if (!catalogue::keepsToContract(call))
