@@ -1,5 +1,7 @@
 #include "blits.h"
 
+#include <limits>
+
 namespace {
 
 using namespace test;
@@ -80,6 +82,22 @@ TEST(iBltNear32Safe, destinations_far_beyond_the_surface_show_their_part_of_the_
     Surface added(5, 2);
     iBltNear32SafeKeySrcAdd(added.pixels(), src.pixels(), &dstRect, &srcRect, pitch, src.pitch(), 4, 1);
     EXPECT_EQ(added.differenceFrom(expected), "");
+}
+
+TEST(iBltNear32Safe, coordinates_at_the_end_of_the_numbers_write_nothing_outside_the_clip) {
+    // What spans the whole of the numbers has no width that an int counts.
+    constexpr int least = std::numeric_limits<int>::min();
+    constexpr int largest = std::numeric_limits<int>::max();
+    const int ends[] = {least, least + 1, least + 5, largest - 5, largest - 1, largest};
+    Surface src(4, 4, 0x00123456);
+    Surface dst(4, 4, 0xAAAAAAAA);
+    for (const int low : ends)
+        for (const int high : ends)
+            for (const tagRECT dstRect : {tagRECT{low, 0, high, 4}, {0, low, 4, high}, {low, low, high, high}}) {
+                stretchSafe(dst, dstRect, src, src.rect(), dst.rect());
+                stretch(iBltNear32SafeKeySrcAdd, dst, dstRect, src, src.rect(), 4, 4);
+                ASSERT_EQ(dst.differenceFrom(Surface(4, 4, 0xAAAAAAAA)), "") << low << " to " << high;
+            }
 }
 
 // Filtered
