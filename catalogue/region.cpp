@@ -135,7 +135,8 @@ Row stroke(const Target &target, std::initializer_list<std::string_view> names, 
     const std::string_view of = target.on.name;
     row.arguments = target.on + each(names, position("", of)) + target.value + clip("clip", of) + pitch("pitch", of);
     row.waived = {{"numbers_at_their_ends", farAwayTakesSeconds},
-                  {"clips_hold_at_the_ends_of_numbers", farAwayTakesSeconds}};
+                  {"clips_hold_at_the_ends_of_numbers", farAwayTakesSeconds},
+                  {"empty_clips_at_the_ends_of_numbers", farAwayTakesSeconds}};
     return row;
 }
 Row line(const Target &target, Row row) {
@@ -161,7 +162,8 @@ Row smoothCurve(const Target &target, Row row) {
     };
     row.arrange = arrangeSmoothCurve;
     row.scenes = {{.set = setSmoothCurve}};
-    row.waived = {{"clips_hold_at_the_ends_of_numbers", farAwayTakesSeconds}};
+    row.waived = {{"clips_hold_at_the_ends_of_numbers", farAwayTakesSeconds},
+                  {"empty_clips_at_the_ends_of_numbers", farAwayTakesSeconds}};
     return strokes(target, "curves", 24, std::move(row));
 }
 

@@ -60,6 +60,8 @@ void sendFarAway(Call &call, Random &random) {
             continue;
         if (argument.kind == Kind::position || argument.kind == Kind::radius)
             call[i] = anEnd();
+        if (argument.kind == Kind::point && surface && surface->kind == Kind::destination)
+            (random.oneIn(2) ? call[i].point().x : call[i].point().y) = anEnd();
         if (argument.kind != Kind::rectangle || !surface)
             continue;
         tagRECT &rect = call[i].rect();
@@ -101,8 +103,29 @@ bool staysInside(const Call &before) {
 }
 
 /// Figures that begin or end at the ends of numbers, whether they keep to the contract or not, draw nothing outside of
-/// their clip. Empty clips there draw what the twin draws.
+/// their clip.
 void prove(const Row &row) {
+    int tried = 0;
+    for (int number = 0; number < 1000; ++number) {
+        Random random(static_cast<std::uint64_t>(number));
+        Call call = catalogue::randomCall(row, random);
+        sendFarAway(call, random);
+        if (!sourcesHold(call))
+            continue;
+        ++tried;
+        if (!staysInside(call))
+            return;
+    }
+    EXPECT_GE(tried, 50) << "of 1000 calls so few have sources that hold what is read";
+}
+
+std::string_view reasonAgainstEmpty(const Row &row) {
+    const std::string_view against = reason(row);
+    return against.empty() && clipOf(row)->kind != Kind::clip ? "no rectangle" : against;
+}
+
+/// Empty clips at the ends of numbers draw what the twin draws.
+void proveEmpty(const Row &row) {
     constexpr tagRECT empty[] = {{greatestInt, 0, 9, 9},
                                  {0, greatestInt, 9, 9},
                                  {0, 0, leastInt, 9},
@@ -111,24 +134,26 @@ void prove(const Row &row) {
                                  {0, greatestInt, 9, greatestInt},
                                  {greatestInt, greatestInt, leastInt, leastInt},
                                  {leastInt, leastInt, leastInt, leastInt}};
-    const bool isHeld = !leavesItsClip(row);
-    for (int number = 0; number < 1000; ++number) {
+    for (int number = 0; number < 200; ++number) {
         Random random(static_cast<std::uint64_t>(number));
         Call call = catalogue::randomCall(row, random);
-        sendFarAway(call, random);
-        if (isHeld && sourcesHold(call) && !staysInside(call))
-            return;
-        if (clipOf(row)->kind != Kind::clip || number >= 200)
-            continue;
-        call = catalogue::randomCall(row, random);
         call[clipOf(row)->name] = empty[static_cast<std::size_t>(number) % std::size(empty)];
         if (!agree(call, "an empty clip at the ends of numbers"))
             return;
     }
 }
 
+TEST(ClipsHold, is_waived_for_the_rows_that_write_outside_of_their_clip) {
+    catalogue::forEachRow([](const Row &row) {
+        if (reason(row).empty() && leavesItsClip(row)) {
+            EXPECT_NE(reasonAgainst(clipsHold, row), "") << row.fullName();
+        }
+    });
+}
+
 } // namespace
 
 const Proof clipsHold = {"clips_hold_at_the_ends_of_numbers", reason, prove};
+const Proof emptyClips = {"empty_clips_at_the_ends_of_numbers", reasonAgainstEmpty, proveEmpty};
 
 } // namespace proofs

@@ -20,6 +20,7 @@ const std::vector<Proof> &allProofs() {
                                            twoThreads,
                                            storedBottomUp,
                                            clipsHold,
+                                           emptyClips,
                                            largeSizes};
     return all;
 }

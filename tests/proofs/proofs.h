@@ -52,6 +52,7 @@ extern const Proof sums;
 extern const Proof twoThreads;
 extern const Proof storedBottomUp;
 extern const Proof clipsHold;
+extern const Proof emptyClips;
 extern const Proof largeSizes;
 
 const std::vector<Proof> &allProofs();
