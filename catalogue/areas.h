@@ -84,6 +84,16 @@ auto inside(std::string_view rect, MakeBox box) {
     return [=](const Call &call) { return common(Box(call[rect].rect()), box(call)); };
 }
 
+/// The same of which calls may touch a part only.
+inline Region atMost(Region region) {
+    return [region = std::move(region)](const Call &call) {
+        Areas areas = region(call);
+        for (Area &area : areas)
+            area.isAtMost = true;
+        return areas;
+    };
+}
+
 /// Areas that are the same in every call.
 inline Region always(Areas areas) {
     return [areas = std::move(areas)](const Call &) { return areas; };

@@ -55,7 +55,8 @@ inline Argument channelWeight(std::string_view name) {
 }
 /// An alpha that is not clamped.
 inline Argument alpha(Way inScene = {0.1, 0.9}) {
-    return {.name = "alpha", .kind = Kind::alpha, .unit = "1", .contract = anyReal, .inScene = inScene};
+    return {
+        .name = "alpha", .kind = Kind::alpha, .unit = "1", .contract = anyReal, .inScene = inScene, .meant = {0, 1}};
 }
 inline Argument angle(std::string_view name = "angle", Range contract = anyReal, Way inScene = {0, fullTurn}) {
     return {.name = name, .kind = Kind::angle, .unit = "radians", .contract = contract, .inScene = inScene};
@@ -99,6 +100,18 @@ inline Argument hostRecord(std::string_view name, std::string_view unit) {
 }
 inline Argument orNull(Argument argument) {
     argument.mayBeNull = true;
+    return argument;
+}
+
+/// A surface with the pitch of another.
+inline Argument alike(Argument surface, std::string_view other) {
+    surface.of = other;
+    return surface;
+}
+
+/// Says what makes sense of a number.
+inline Argument meant(Argument argument, Range range) {
+    argument.meant = range;
     return argument;
 }
 

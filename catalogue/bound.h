@@ -9,6 +9,7 @@
 #include <string_view>
 #include <tuple>
 #include <type_traits>
+#include <typeindex>
 #include <utility>
 #include <vector>
 
@@ -71,6 +72,7 @@ struct Bound {
     std::vector<Type> types;         ///< of the parameters
     bool hasResult;
     std::size_t resultBytes; ///< 0 without a result
+    std::type_index signature;
 };
 
 template <class Result, class... Parameters>
@@ -100,11 +102,8 @@ constexpr std::size_t bytesOfResult() {
 
 template <class Result, class... Parameters>
 Bound callOf(Result (*function)(Parameters...), Result (*twin)(Parameters...)) {
-    return {bound(function),
-            twin ? bound(twin) : nullptr,
-            {typeOf<Parameters>()...},
-            !std::is_void_v<Result>,
-            bytesOfResult<Result>()};
+    return {bound(function),         twin ? bound(twin) : nullptr, {typeOf<Parameters>()...},
+            !std::is_void_v<Result>, bytesOfResult<Result>(),      typeid(Result(Parameters...))};
 }
 
 template <class Result, class... Parameters>

@@ -181,8 +181,9 @@ bool keepsToContract(const Call &call) {
     for (std::size_t i = 0; i < call.size(); ++i)
         if (call[i].is<double>() && !call.row().arguments[i].contract.contains(call[i].number()))
             return false;
-    if (call.row().allows && !call.row().allows(call))
-        return false;
+    for (const Rule &rule : call.row().rules)
+        if (!rule.holds(call))
+            return false;
     for (const Region *region : {&call.row().writes, &call.row().reads}) {
         if (!*region)
             continue;

@@ -90,7 +90,7 @@ Arguments ends(Range contract) {
 /// The ends' differences stay within a 24.8 number.
 constexpr Range fixedPointEnds = {-4194303, 4194303};
 /// Lines are walked from end to end, what lies outside included.
-constexpr Range walkedEnds = {-16383, 16383};
+constexpr Range walkedEnds = {-16383, 16383, true};
 
 const Arguments blendedLine = surface + itsClip + itsPitch + ends(fixedPointEnds) + colour();
 
@@ -145,7 +145,7 @@ Region lineInClip(int (*reachOf)(const Call &)) {
               }));
 }
 Row wideLine(Row row) {
-    row.arguments = blendedLine + radius("width", {-4096, 4096}, {1, 9});
+    row.arguments = blendedLine + radius("width", {-4096, 4096, true}, {1, 9});
     row.writes = lineInClip([](const Call &call) { return std::abs(call["width"].whole()) / 2 + 1; });
     row.arrange = arrangeBlended;
     row.scenes = {{"", inTurn(turningLine, set("width", 1))}, {"of width 3", inTurn(turningLine, set("width", 3))}};
@@ -201,12 +201,13 @@ const Arguments clippedCircle = surface + itsClip + itsPitch + centre;
 const Arguments clippedStar = surface + itsPitch + itsClip + centre;
 
 Argument radiusUpTo(double highest) {
-    return radius("radius", {anyInt.low, highest}, {20, 70});
+    return meant(radius("radius", {anyInt.low, highest}, {20, 70}), {0, highest});
 }
 Argument thicknessWithin(Range contract) {
     return radius("thickness", contract, {2, 8});
 }
-const Arguments softBand = {radius("radius", {-181, 181}, {20, 70}), thicknessWithin({1, 90}), colour()};
+const Arguments softBand = {meant(radius("radius", {-181, 181}, {20, 70}), {0, 181}), thicknessWithin({1, 90}),
+                            colour()};
 Arguments channels(Range contract) {
     return {number("red", "1/255", contract, {255, 255}), number("green", "1/255", contract, {176, 176}),
             number("blue", "1/255", contract, {96, 96})};
@@ -285,10 +286,12 @@ void chooseIntensity(Call &call, Random &random) {
 /// What glows: its largest radius, and the intensity that is the full colour.
 Row glowing(std::string_view unit, Row row, double largest, double full) {
     const bool isClipped = row.name.ends_with("_Safe");
-    const Arguments light = {radiusUpTo(largest), colour(), number("intensity", "1", anyWord, {full, 2 * full})};
+    const Arguments light = {meant(radiusUpTo(largest), {1, largest}), colour(),
+                             number("intensity", "1", anyWord, {full, 2 * full})};
     row.arguments = (isClipped ? clippedStar : centred) + light;
     row.topByte = cleared;
     row.sums = saturate;
+    row.readsTables = row.name != "Draw_Ring" && row.name != "Draw_Star_Type3";
     row.arrange = inTurn(isClipped ? arrangeClippedDisc : arrangeDisc, chooseIntensity);
     return figure(unit, mixed(std::move(row)));
 }
@@ -585,7 +588,7 @@ std::vector<Row> drawRows() {
                mixed({Q_MUR_FUNCTION(iFill_Circle_Alpha),
                       .sentence = "Blends a disc inside a clip with one alpha for all pixels.",
                       .arguments = clippedCircle + radiusUpTo(anyInt.high - 1) + colour() +
-                                   number("alpha", "1/256", anyInt, {40, 200}),
+                                   meant(number("alpha", "1/256", anyInt, {40, 200}), {0, 256}),
                       .writes = clippedDisc, .topByte = cleared, .sums = wrap, .arrange = arrangeFilledDisc})),
         figure("circles", mixed({Q_MUR_FUNCTION(Draw_Bubble_Circle),
                                  .sentence = "Blends a disc that is clear at its centre and solid at its rim.",
@@ -598,13 +601,13 @@ std::vector<Row> drawRows() {
         figure("circles", mixed({Q_MUR_FUNCTION(Draw_Anti_Aliasing_Circle_NoFillInside),
                                  .sentence = "Blends a soft band around a circle.", .arguments = centred + softBand,
                                  .writes = on("surface", aroundCentre(reachOfBand)), .topByte = disturbsRed,
-                                 .sums = stayInside, .arrange = arrangeBand})),
+                                 .sums = stayInside, .readsTables = true, .arrange = arrangeBand})),
         spot("rings", {Q_MUR_FUNCTION(Draw_Ring), .sentence = "Adds a soft ring inside a circle."}, 32767, 128),
         figure("rings",
                mixed({Q_MUR_FUNCTION(Draw_Ring_Safe), .sentence = "Adds a soft band around a circle inside a clip.",
                       .arguments = clippedStar + softBand,
                       .writes = on("surface", inside("clip", aroundCentre(reachOfBand))), .topByte = disturbsRed,
-                      .sums = saturate, .arrange = arrangeClippedBand})),
+                      .sums = saturate, .readsTables = true, .arrange = arrangeClippedBand})),
         ellipse({Q_MUR_FUNCTION(Draw_Outer_Ellipse_NoFillInside),
                  .sentence = "Draws the outline of the ellipse through the corners of a box.",
                  .arguments = {thicknessWithin(anyInt), colour()}, .writes = on("surface", "clip"),
@@ -672,7 +675,7 @@ std::vector<Row> drawRows() {
                   .sentence = "Renders a bubble's resource from spots of light of a fixed extent."}),
         bubble({Q_MUR_FUNCTION(DrawRealBubble),
                 .sentence = "Draws a glass bubble that refracts the picture behind it, with a soft rim.",
-                .arguments = {scratch()}},
+                .arguments = {scratch()}, .readsTables = true},
                181, 8191),
         bubble({Q_MUR_FUNCTION(DrawRealBubbleOld),
                 .sentence = "Draws a glass bubble with a hard rim from a resource in an image as wide as the surface.",

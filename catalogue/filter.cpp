@@ -162,12 +162,12 @@ void insetWithPhase(Call &call, const Stage &stage) {
 
 template <bool alongRows>
 Row boxBlur(Row row) {
-    row.allows = windowFits<alongRows>;
+    row.rules = {{"blurSize is not below the length of a line", windowFits<alongRows>}};
     row.arrange = arrangeBlurSize<alongRows>;
     row.scenes = {{.set = set("blurSize", 30)}, {"radius 3", set("blurSize", 6)}, {"radius 60", set("blurSize", 120)}};
     row.picture = Scene{};
     return blur(
-        radius("blurSize", anyInt, {6, 30}),
+        meant(radius("blurSize", anyInt, {6, 30}), {0, anyInt.high}),
         [](const Call &call) { return plain::isBlurSize(call["blurSize"].whole()); }, std::move(row));
 }
 template <bool alongRows>
@@ -179,7 +179,7 @@ Row gaussBlur(Row row) {
     const auto hasWeights = [](const Call &call) {
         return plain::gaussWeightsOf(static_cast<float>(call["sigma"].number())).radius < 128;
     };
-    return blur(number("sigma", "pixels", {1e-15, 1e6}, {1, 9}), hasWeights, std::move(row));
+    return blur(number("sigma", "pixels", {1e-15, 1e6, true}, {1, 9}), hasWeights, std::move(row));
 }
 
 // Distance fields.
@@ -257,7 +257,7 @@ Areas readsSearched(const Call &call) {
     if (widthOf(rect) < 1 || widthOf(rect) > pitch)
         return {};
     return {{"surface", Box{rect.left, rect.top, pitch, rect.bottom}},
-            {"surface", Box{0, rect.top + 1, rect.left, rect.bottom + 1}}};
+            {"surface", Box{0, rect.top + 1, rect.left, rect.bottom + 1}, true}};
 }
 Box shapeBox(const Call &call) {
     const tagRECT &rect = call["rect"].rect();
@@ -305,7 +305,7 @@ void setShape(Call &call, const Stage &stage) {
 
 Row lightMap(Row row) {
     row.arguments = inPlace + number("heightScale", "1", anyInt, {1, 5}) +
-                    number("bevelSize", "pixels", {-4096, 4096}, {40, 40}) + row.arguments;
+                    number("bevelSize", "pixels", {-4096, 4096, true}, {40, 40}) + row.arguments;
     row.writes = on("surface", shapeBox);
     row.reads = readsSearched;
     row.arrange = arrangeMask;
@@ -322,12 +322,13 @@ std::vector<Row> filterRows() {
     using BlackSearchWithin = int(q_ulong *, int, int, int, int, int *, int);
     using LightMap = void(q_ulong *, tagRECT *, int, int, int, int);
     using LightMapWithin = void(q_ulong *, tagRECT *, int, int, int, int, int);
-    constexpr Range onPictures = {-(1 << 20), 1 << 20}; // numbers that a picture in memory may have
+    constexpr Range onPictures = {-(1 << 20), 1 << 20, true}; // numbers that a picture in memory may have
     const Arguments limit = {number("limit", "pixels squared", anyInt, {})};
-    const Arguments ring = {number("ring", "pixels", {0, 46340}, {}), numbers("distanceSquare", "pixels squared")};
+    const Arguments ring = {number("ring", "pixels", {0, 46340, true}, {}),
+                            numbers("distanceSquare", "pixels squared")};
     const Arguments inBlock = source("block") + count("blockWords", "words") +
-                              number("index", "words", {-(1 << 29), 1 << 29}, {}) +
-                              number("pitch", "words", {1, 46340}, {}) + ring;
+                              number("index", "words", {-(1 << 29), 1 << 29, true}, {}) +
+                              number("pitch", "words", {1, 46340, true}, {}) + ring;
     const auto inMiddle = inTurn(set("blockWords", side * side), set("index", side * side / 2), set("pitch", side));
     const Region nextToInterior = on("surface", [](const Call &call) { return grown(interior(call), 1, 1, 1, 1); });
     return {
@@ -340,7 +341,8 @@ std::vector<Row> filterRows() {
                         .scenes = {{.set = setStrip<false>}, {"steep", setStrip<true>}}}),
         edge(discBox, {Q_MUR_FUNCTION(Edge_Transparency_Circle),
                        .sentence = "Fades a picture inside a circle into another outside.",
-                       .arguments = point("centre", "out") + radius("radius", anyInt, {}) + radius("band", anyInt, {}) +
+                       .arguments = point("centre", "out") + meant(radius("radius", anyInt, {}), {0, anyInt.high}) +
+                                    meant(radius("band", anyInt, {}), {1, anyInt.high}) +
                                     each({"width", "height"}, extent("", "out", onPictures)) + pitch("pitch", "out"),
                        .overlap = Overlap::rowOrder, .arrange = arrangeDisc, .scenes = {{.set = setDisc}}}),
         {Q_MUR_FUNCTION_WITHOUT_TWIN(FastBlur_Rect),
@@ -360,8 +362,9 @@ std::vector<Row> filterRows() {
                                const Stage &stage) { call["lut"] = PhaseBlock{.data = {stage.time < 0.5 ? 0 : 1}}; }}},
          .picture = Scene{.set = insetWithPhase, .calls = 48}},
         {Q_MUR_FUNCTION(Blur_Rect), .sentence = "Blurs a rectangle in place by the means of square windows.",
-         .arguments = inPlace + radius("radius", anyInt, {2, 15}), .writes = on("surface", blurredRect),
-         .reads = on("surface", blurredRect), .topByte = cleared, .sums = stayInside, .arrange = arrangeRadius,
+         .arguments = inPlace + meant(radius("radius", anyInt, {2, 15}), {0, 128}),
+         .writes = on("surface", blurredRect), .reads = on("surface", blurredRect), .topByte = cleared,
+         .sums = stayInside, .arrange = arrangeRadius,
          .scenes = {{.set = set("radius", 15)}, {"radius 3", set("radius", 3)}, {"radius 60", set("radius", 60)}},
          .picture = Scene{.set = inset}},
         {Q_MUR_FUNCTION(Blur_Ring), .sentence = "Does nothing.",

@@ -65,11 +65,14 @@ Argument bound(std::string_view name, Range contract, double inScene) {
     return number(name, "", contract, {inScene, inScene});
 }
 /// More draws are allowed, but nobody waits for them. No draw at all divides by zero.
-const Argument draws = count("count", "draws", {1, 1000}, {8, 8});
+const Argument draws = count("count", "draws", {1, 1000, true}, {8, 8});
 
 template <class Real>
 constexpr Range finite = {-std::numeric_limits<Real>::max(), std::numeric_limits<Real>::max()};
 
+bool differ(const Call &call) {
+    return call["low"].whole() != call["high"].whole();
+}
 /// Spans of all sizes, at times beyond what can be covered or with the bounds exchanged.
 void arrangeInts(Call &call, Random &random) {
     const int low = random.oneIn(10) ? random.between(-2147483647, 2147483647) : random.between(-40000, 40000);
@@ -126,9 +129,9 @@ std::vector<Row> frameRows() {
         {Q_MUR_FUNCTION_WITHOUT_TWIN(GaussRand), .sentence = "Gives the next of 16 small numbers.",
          .waived = {{"two_threads_on_separate_surfaces", "one counter"}}, .figure = Figure::distribution},
         {Q_MUR_FUNCTION(randInt), .sentence = "Draws a whole number below a bound.",
-         .arguments = {bound("low", anyInt, 0), bound("high", anyInt, 100)}, .drawsRandomNumbers = true,
-         .arrange = arrangeInts, .waived = {{"numbers_at_their_ends", "equal bounds never return"}},
-         .figure = Figure::distribution},
+         .arguments = {bound("low", anyInt, 0), bound("high", anyInt, 100)}, .rules = {{"{low} equals {high}", differ}},
+         .drawsRandomNumbers = true, .arrange = arrangeInts,
+         .waived = {{"numbers_at_their_ends", "equal bounds never return"}}, .figure = Figure::distribution},
         {Q_MUR_FUNCTION(randFloat), .sentence = "Draws a number between two others.",
          .arguments = {bound("low", finite<float>, 0), bound("high", finite<float>, 1)}, .drawsRandomNumbers = true,
          .arrange = arrangeReals, .figure = Figure::distribution},
@@ -146,7 +149,7 @@ std::vector<Row> frameRows() {
          .drawsRandomNumbers = true, .arrange = arrangeReals, .figure = Figure::distribution},
         {Q_MUR_FUNCTION(randColor), .sentence = "Draws a colour.", .drawsRandomNumbers = true,
          .figure = Figure::colours},
-        {Q_MUR_FUNCTION(randRainbowColor), .sentence = "Draws a saturated colour of a random hue.",
+        {Q_MUR_FUNCTION(randRainbowColor), .sentence = "Draws a saturated colour of a random hue.", .readsTables = true,
          .drawsRandomNumbers = true, .figure = Figure::colours},
     };
 }

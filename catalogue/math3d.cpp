@@ -8,7 +8,7 @@
 namespace catalogue {
 namespace {
 
-constexpr Range finite = {-std::numeric_limits<float>::max(), std::numeric_limits<float>::max()};
+constexpr Range finite = {-std::numeric_limits<float>::max(), std::numeric_limits<float>::max(), true};
 
 // Arguments
 
@@ -43,7 +43,7 @@ const Arguments steps = {whole("dx", {-9, 9}), whole("dy", {9, -9}), whole("dz",
 const Arguments centre = {whole("centreX", {-60, -60}), whole("centreY", {30, 30})};
 /// Columns and rows of a grid, so many at the fewest.
 Arguments gridSize(double fewest) {
-    return each({"columns", "rows"}, count("", "points", {fewest, 65536}, {64, 64}));
+    return each({"columns", "rows"}, count("", "points", {fewest, 65536, true}, {64, 64}));
 }
 
 // What calls read and write: single coordinates, or x, y and z of a point. The fourth word belongs to nobody.
@@ -164,6 +164,8 @@ void describePoint(Row &row) {
         row.picture = Scene{.set = setVectors};
     else if (row.argument("q"))
         row.picture = Scene{.set = setAxis};
+    row.readsTables = std::any_of(row.arguments.begin(), row.arguments.end(),
+                                  [](const Argument &argument) { return argument.unit == tableAngle("").unit; });
     if (!row.reads && !isGrid)
         row.reads = read;
     if (!row.writes && !row.functions.hasResult)

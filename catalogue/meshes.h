@@ -118,7 +118,7 @@ inline Argument shininess() {
     return number("shininess", "squarings", {anyInt.low, 64}, {3, 3});
 }
 inline Argument specular() {
-    return number("specular", "256 levels", {-8, 8}, {0.5, 0.5});
+    return number("specular", "256 levels", {-8, 8, true}, {0.5, 0.5});
 }
 
 inline const Region onDst = on("dst", "clip");
@@ -155,7 +155,7 @@ inline Areas writesPairs(const Call &call) {
 /// Empties a part of a Z plane, in pairs of entries.
 template <class Block>
 Row emptying(Row row) {
-    row.arguments = {blockOf(), rectangle("rect", ""), number("pitch", "entries", {-4096, 4096}, {0, 0})};
+    row.arguments = {blockOf(), rectangle("rect", ""), number("pitch", "entries", {-4096, 4096, true}, {0, 0})};
     row.writes = writesPairs;
     row.figure = Figure::depths;
     row.picture = Scene{.set = [](Call &call, const Stage &stage) {

@@ -15,7 +15,7 @@ _PRIVATE_QMGL_DATA &dataOf(Call &call) {
 
 // Matrices and stacks: numbers in, a matrix out.
 
-constexpr Range anyLength = {-1e9, 1e9};
+constexpr Range anyLength = {-1e9, 1e9, true};
 
 Argument matrix(std::string_view name) {
     return {.name = name, .kind = Kind::matrix, .unit = "1"};
@@ -43,6 +43,29 @@ void arrangeRotation(Call &call, Random &random) {
     if (random.oneIn(2))
         call["radians"] = random.real(4);
 }
+const _PRIVATE_QMGL_DATA &dataOf(const Call &call) {
+    return call["data"].get<PipelineBlock>().data;
+}
+const Rule viewportIsSet = {"no viewport has been set", [](const Call &call) {
+                                const _PRIVATE_QMGL_DATA &data = dataOf(call);
+                                return data.viewportLeft != 0 || data.viewportTop != 0 || data.viewportRight != 0 ||
+                                       data.viewportBottom != 0;
+                            }};
+
+const Plane &currentStack(const Call &call) {
+    const auto &block = call["data"].get<PipelineBlock>();
+    return block.data.matrixMode == 1 ? block.modelStack : block.viewStack;
+}
+int currentDepth(const Call &call) {
+    const _PRIVATE_QMGL_DATA &data = dataOf(call);
+    return data.matrixMode == 1 ? data.modelDepth : data.viewDepth;
+}
+const Rule stackHasRoom = {"the current stack holds no further matrix", [](const Call &call) {
+                               return currentStack(call).holds(words("", 16 * (currentDepth(call) + 2)).part);
+                           }};
+const Rule stackHasEntryBelow = {"the current stack holds one matrix alone",
+                                 [](const Call &call) { return currentDepth(call) >= 1; }};
+
 /// Depths of both stacks, from `low` on, so that there is an entry above or below.
 auto arrangeDepths(int low) {
     return [low](Call &call, Random &random) {
@@ -185,7 +208,7 @@ Row ofStack(Row row) {
 
 const Arguments surfaceAlone = {destination(), clip("clip", "dst"), pitch("pitch", "dst")};
 const Arguments surfaceWithDepths = blockOf("dst") + surfaceAlone;
-const Arguments opacity = {number("opacity", "1/256", anyInt, {64, 192})};
+const Arguments opacity = {meant(number("opacity", "1/256", anyInt, {64, 192}), {0, 256})};
 
 /// The numbers of a band: a quad that leans over.
 Arguments bandArguments(bool hasDepths) {
@@ -338,7 +361,9 @@ Row triangle(Row row) {
 
 const Arguments gridArguments = {points("points"), colours("colours")};
 const Arguments wrapping = each({"wrapRows", "wrapColumns"}, choice(""));
-const Arguments gridSize = each({"columns", "rows"}, count("", "points", {-32768, 65535}, {64, 64}));
+const Arguments gridSize = each({"columns", "rows"}, count("", "points", {-32768, 65535, true}, {64, 64}));
+const Arguments meshSize =
+    each({"columns", "rows"}, meant(count("", "points", {-32768, 65535, true}, {64, 64}), {2, 65535}));
 
 Areas litColours(const Call &call) {
     const bool hasCells = call["rows"].whole() >= 2 && call["columns"].whole() >= 2;
@@ -383,7 +408,7 @@ Scene mesh(std::string label, std::function<void(Call &, const Stage &)> setting
             .isRestored = true};
 }
 Row lit(Row row) {
-    row.arguments = surfaceWithDepths + gridArguments + wrapping + gridSize + points("light", "1") +
+    row.arguments = surfaceWithDepths + gridArguments + wrapping + meshSize + points("light", "1") +
                     unused("unusedVector") + numbers("ambientVector", "1/256") + specular() + shininess() +
                     unused("unusedValue") + row.arguments;
     row.writes = writesLit;
@@ -547,9 +572,9 @@ std::vector<Row> pipelineRows() {
                  .arguments = {matrix("m")}, .reads = m}),
         ofStack({Q_MUR_FUNCTION(VKD_glPushMatrix),
                  .sentence = "Copies the current matrix to the next entry of its stack, which becomes the top.",
-                 .arrange = arrangeDepths(0)}),
+                 .rules = {stackHasRoom}, .arrange = arrangeDepths(0)}),
         ofStack({Q_MUR_FUNCTION(VKD_glPopMatrix), .sentence = "Goes back to the entry below the current matrix.",
-                 .arrange = arrangeDepths(1),
+                 .rules = {stackHasEntryBelow}, .arrange = arrangeDepths(1),
                  .scenes = {{.set = [](Call &call, const Stage &) { dataOf(call).modelDepth = 1; }}},
                  .picture = Scene{.set = setTwoEntries}}),
         ofStack({Q_MUR_FUNCTION(VKD_glRotatef), .sentence = "Turns about an axis by an angle in degrees.",
@@ -565,7 +590,7 @@ std::vector<Row> pipelineRows() {
         ofBlock({Q_MUR_FUNCTION(VKD_gluPerspective),
                  .sentence = "Sets the focal length, so that the viewport has an opening angle, and the depth limit.",
                  .arguments = {degrees("fovyDegrees"), real("aspect"), real("zNear"), real("zFar")},
-                 .arrange = arrangeReals, .figure = Figure::projection}),
+                 .rules = {viewportIsSet}, .arrange = arrangeReals, .figure = Figure::projection}),
         ofStack({Q_MUR_FUNCTION(VKD_gluLookAt), .sentence = "Moves the camera to the eye and turns it to the centre.",
                  .arguments = real("eyeX", {0, 90}, "units") + real("eyeY", {0, 0}, "units") +
                               real("eyeZ", {100, 10}, "units") +
@@ -576,7 +601,7 @@ std::vector<Row> pipelineRows() {
                  .sentence = "Brings a grid of points from model space to the screen, in place.",
                  .arguments = points("points", "units") +
                               each({"rows", "columns"}, count("", "points", {-32768, 65535}, {64, 64})),
-                 .writes = gridPoints, .reads = gridPoints, .arrange = arrangeMapping,
+                 .writes = gridPoints, .reads = gridPoints, .rules = {viewportIsSet}, .arrange = arrangeMapping,
                  .scenes = {{.set = setGrid<64, 64>, .figures = 64 * 64, .figure = "Mpoints"}}, .figure = Figure::grid,
                  .picture = Scene{.set = setSheet}}),
         {Q_MUR_OVERLOAD(VKD_3D_Render, Band), .sentence = "Draws a shaded band between two edges, depth tested.",

@@ -85,6 +85,7 @@ std::byte *taken(std::size_t bytes, Fence fence) {
 Memory::Memory(std::size_t bytes, Fence fence) : length(bytes), fencedAt(fence), first(nullptr) {
     if (fence == Fence::none) {
         first = static_cast<std::byte *>(::operator new(bytes));
+        tell(bytes);
         return;
     }
     const std::size_t page = pageSize();
@@ -97,15 +98,24 @@ Memory::Memory(std::size_t bytes, Fence fence) : length(bytes), fencedAt(fence),
     }
     mapping = pages;
     first = fence == Fence::before ? pages + page : pages + used - bytes;
+    tell(bytes);
 }
 
 Memory::~Memory() {
+    if (!isOwn)
+        return;
+    tell(0);
     if (!mapping) {
         ::operator delete(first);
         return;
     }
     const std::lock_guard<std::mutex> lock(fencedPages().guard);
     fencedPages().kept[{mappedBytes, fencedAt}].push_back(static_cast<std::byte *>(mapping));
+}
+
+void Memory::tell(std::size_t bytes) const {
+    if (tellOfMemory)
+        tellOfMemory(first, bytes);
 }
 
 Plane::Plane(int bytesOfElement, int width, int height, int margin, int extraPitch)
@@ -133,6 +143,17 @@ Plane Plane::randomSurface(Random &random, int width, int height) {
 Plane Plane::ofBytes(std::span<const std::byte> bytes) {
     Plane plane(4, static_cast<int>(bytes.size() / 4), 1);
     std::memcpy(plane.memory->data(), bytes.data(), bytes.size());
+    return plane;
+}
+
+Plane Plane::over(void *origin, int bytesOfElement, int pitch, std::shared_ptr<Memory> known) {
+    Plane plane;
+    plane.memory = std::move(known);
+    plane.start = static_cast<std::byte *>(origin);
+    plane.bytesEach = bytesOfElement;
+    plane.columns = std::abs(pitch);
+    plane.rows = 1;
+    plane.stride = pitch;
     return plane;
 }
 
@@ -191,7 +212,7 @@ bool Plane::holds(const Box &part) const {
     if (part.isEmpty())
         return true;
     if (!memory)
-        return false;
+        return !isNull();
     const std::int64_t first = (part.top * stride + part.left) * bytesEach;
     const std::int64_t end = ((part.bottom - 1) * stride + part.right) * bytesEach;
     const std::ptrdiff_t before = start - memory->data();

@@ -37,10 +37,16 @@ struct Box {
     }
 };
 
+/// Is told of all memory that is made, and of 0 bytes where it goes; null where nobody wants to know.
+inline void (*tellOfMemory)(const void *memory, std::size_t bytes) = nullptr;
+
 /// A block of memory.
 class Memory {
 public:
     explicit Memory(std::size_t bytes, Fence fence = Fence::none);
+
+    /// Memory of others, which stays theirs.
+    Memory(std::byte *theirs, std::size_t bytes) : length(bytes), fencedAt(Fence::none), first(theirs), isOwn(false) {}
     ~Memory();
     Memory(const Memory &) = delete;
     Memory &operator=(const Memory &) = delete;
@@ -50,9 +56,12 @@ public:
     Fence fence() const { return fencedAt; }
 
 private:
+    void tell(std::size_t bytes) const;
+
     std::size_t length;
     Fence fencedAt;
     std::byte *first;
+    bool isOwn = true;
     void *mapping = nullptr;
     std::size_t mappedBytes = 0;
 };
@@ -100,7 +109,11 @@ public:
         return ofBytes(std::as_bytes(records));
     }
 
-    bool isNull() const { return !memory; }
+    /// What others hand over: an element (0, 0), a pitch, and the memory that it is known to lie in; null where nothing
+    /// is known.
+    static Plane over(void *origin, int bytesOfElement, int pitch, std::shared_ptr<Memory> known);
+
+    bool isNull() const { return !start; }
     int width() const { return columns; }
     int height() const { return rows; }
     int pitch() const { return stride; }
@@ -142,7 +155,7 @@ public:
     /// A copy whose memory reaches from the first to behind the last element of `part` and no further.
     Plane cutTo(const Box &part, Fence fence) const;
 
-    /// Whether the memory of the elements of `part` belongs to this plane.
+    /// Whether the memory of the elements of `part` belongs to this plane, as far as its memory is known.
     bool holds(const Box &part) const;
 
     /// All of the memory, and the column and row of the element at a byte of it.

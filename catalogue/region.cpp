@@ -141,7 +141,7 @@ Row stroke(const Target &target, std::initializer_list<std::string_view> names, 
 }
 Row line(const Target &target, Row row) {
     row.writes = on(target.on.name, inside("clip", lineBox));
-    row.allows = lineIsNoLongerThanItsFormat;
+    row.rules = {{"the ends lie more than 2^30 apart", lineIsNoLongerThanItsFormat}};
     row.arrange = arrangeLine;
     row.scenes = {{.set = setLine, .calls = 720}};
     return strokes(target, "lines", 720, stroke(target, {"x1", "y1", "x2", "y2"}, std::move(row)));
@@ -177,6 +177,17 @@ RegionBlock &blockOf(Call &call) {
 }
 const RegionBlock &blockOf(const Call &call) {
     return call["data"].get<RegionBlock>();
+}
+
+const Rule surfacesAreSet = {"data has no surfaces, which a Set function gives it", [](const Call &call) {
+                                 return !blockOf(call).destSurface.isNull() && !blockOf(call).testSurface.isNull();
+                             }};
+const Rule planeIsSet = {"data has no plane with limits, which a Set function gives it",
+                         [](const Call &call) { return !blockOf(call).plane.isNull(); }};
+const Rule testSurfaceIsSet = {"data has no surfaces, which a Set function gives it",
+                               [](const Call &call) { return !blockOf(call).testSurface.isNull(); }};
+const Rule &toBeScanned(bool onPlane) {
+    return onPlane ? planeIsSet : testSurfaceIsSet;
 }
 
 void arrangeStorage(Call &call, Random &random) {
@@ -261,7 +272,7 @@ void setScanBetween(Call &call, const Stage &stage) {
 template <bool toTheLeft>
 Row scan(const Arguments &others, Row row) {
     row.arguments = block + each({"x", "y"}, place) + others;
-    row.allows = scanIsInside<toTheLeft>;
+    row.rules = {toBeScanned(!row.argument("limit")), {"the scan leaves its memory", scanIsInside<toTheLeft>}};
     row.arrange = arrangeScan;
     row.scenes = {{.set = setScan}};
     row.figure = Figure::scan;
@@ -278,21 +289,23 @@ bool ends(plain::Fill fill, const Call &call) {
               call["direction"].whole());
     return fill.callsLeft >= 0;
 }
-/// The seed lies inside the limits, the limits with row 0 and a pixel on either side inside the surface, and between
-/// the ends of the parent's span there is the seed.
+/// The seed lies inside the limits, the limits with row 0 inside the surface, and between the ends of the parent's span
+/// there is the seed.
 bool liesInside(const Call &call, const Plane &surface) {
     const tagRECT &limits = limitsOf(call);
-    const Box around = grown(limits, 1, 0, 1, 0);
     const int x = call["x"].whole();
     const int parentLeft = call["parentLeft"].whole();
     const int parentRight = call["parentRight"].whole();
     const bool hasParent = call["direction"].whole() == 0 || (parentLeft >= limits.left && parentLeft <= x &&
                                                               parentRight >= x && parentRight < limits.right);
-    return Box(limits).contains({x, call["y"].whole()}) && surface.holds(around) &&
-           surface.holds({around.left, 0, around.right, 1}) && hasParent;
+    return Box(limits).contains({x, call["y"].whole()}) && surface.holds(limits) &&
+           surface.holds({limits.left, 0, limits.right, 1}) && hasParent;
+}
+bool colourFillIsInside(const Call &call) {
+    return liesInside(call, blockOf(call).testSurface) && liesInside(call, blockOf(call).destSurface);
 }
 bool colourFillEnds(const Call &call) {
-    if (!liesInside(call, blockOf(call).testSurface) || !liesInside(call, blockOf(call).destSurface))
+    if (!colourFillIsInside(call))
         return false;
     Call trial = call;
     return ends(
@@ -302,13 +315,16 @@ bool colourFillEnds(const Call &call) {
 bool planeFillIsInside(const Call &call) {
     return liesInside(call, blockOf(call).plane);
 }
-bool sourceFillEnds(const Call &call) {
+bool sourceFillIsInside(const Call &call) {
     const RegionBlock &data = blockOf(call);
-    if (!liesInside(call, data.plane) || !liesInside(call, data.destSurface) || !liesInside(call, data.testSurface))
+    return data.plane.pitch() == data.testSurface.pitch() && liesInside(call, data.plane) &&
+           liesInside(call, data.destSurface) && liesInside(call, data.testSurface);
+}
+bool sourceFillEnds(const Call &call) {
+    if (!sourceFillIsInside(call))
         return false;
     Call trial = call;
-    return data.plane.pitch() == data.testSurface.pitch() &&
-           ends(plain::sourceFill(*blockOf(trial).settled(), static_cast<unsigned char>(call["value"].word())), trial);
+    return ends(plain::sourceFill(*blockOf(trial).settled(), static_cast<unsigned char>(call["value"].word())), trial);
 }
 
 /// A seed somewhere within limits somewhere on the surface, at times as a fill calls itself.
@@ -480,17 +496,25 @@ std::vector<Row> regionRows() {
         fill({colour("fill"), key("border")},
              {Q_MUR_FUNCTION(Region_Fill),
               .sentence = "Paints the region around a pixel up to a boundary with a colour.",
-              .arguments = {rectangle("rect", "")}, .allows = colourFillEnds, .topByte = setByColour,
-              .arrange = arrangeColourFill}),
+              .arguments = {rectangle("rect", "")},
+              .rules = {surfacesAreSet,
+                        {"the seed or the limits lie outside", colourFillIsInside},
+                        {"the fill never ends", colourFillEnds, true}},
+              .topByte = setByColour, .arrange = arrangeColourFill}),
         fill(toValue,
              {Q_MUR_FUNCTION(bRegion_Fill),
               .sentence = "Paints the region around an element of an 8-bit plane with the value that bounds it.",
-              .allows = planeFillIsInside, .arrange = arrangePlaneFill},
+              .rules = {planeIsSet, {"the seed or the limits lie outside", planeFillIsInside}},
+              .arrange = arrangePlaneFill},
              true),
         fill(toValue,
              {Q_MUR_FUNCTION(Region_Src_Fill),
               .sentence = "Copies the region around a pixel, bounded on an 8-bit plane, from a surface to another.",
-              .allows = sourceFillEnds, .topByte = copied, .arrange = arrangeSourceFill}),
+              .rules = {surfacesAreSet,
+                        planeIsSet,
+                        {"the seed or the limits lie outside", sourceFillIsInside},
+                        {"the fill never ends", sourceFillEnds, true}},
+              .topByte = copied, .arrange = arrangeSourceFill}),
     };
 }
 

@@ -63,7 +63,11 @@ struct Range {
     double low;
     double high;
 
+    /// Calls are tried so far, and the contract names no end: neither upward, nor downward from below 0.
+    bool goesOn = false;
+
     bool contains(double number) const { return number >= low && number <= high; }
+    bool mayHold(double number) const { return contains(number) || (goesOn && (number > high || low < 0)); }
 };
 
 inline constexpr Range anyInt = {-2147483648.0, 2147483647.0};
@@ -86,6 +90,7 @@ struct Argument {
     Way inScene = {0, 0};    ///< what is worth drawing; a position's is a share of the stage's width or height
     std::string_view of;     ///< the surface that a pitch, a place or an area belongs to
     bool mayBeNull = false;
+    Range meant = anyReal; ///< what makes sense; the contract may have numbers beyond, whose results nobody wants
 };
 using Arguments = std::vector<Argument>;
 
@@ -93,11 +98,21 @@ using Arguments = std::vector<Argument>;
 struct Area {
     std::string_view argument;
     Box part;
+    bool isAtMost = false; ///< there is nothing outside, but how much of it is touched is not worked out
 };
 using Areas = std::vector<Area>;
 
 /// What a call may write or read, worked out from its arguments.
 using Region = std::function<Areas(const Call &)>;
+
+/// What the contract asks of the arguments together, beyond their ranges and what they write and read.
+struct Rule {
+    std::string_view broken; ///< what is wrong where it does not hold
+    std::function<bool(const Call &)> holds;
+
+    /// To find out, the twin runs on a copy, for as long and as deep as the function would.
+    bool takesATrial = false;
+};
 
 /// What happens where source and destination share memory.
 enum class Overlap {
@@ -192,12 +207,14 @@ struct Row {
     Region writes;
     Region reads;
 
-    /// What the contract asks of the arguments together, beyond their ranges and what they write and read.
-    std::function<bool(const Call &)> allows;
+    std::vector<Rule> rules;
 
     Overlap overlap = Overlap::none;
     TopByte topByte = TopByte::noPixels;
     Sums sums = Sums::none;
+
+    /// The function reads the tables that the set-up call fills.
+    bool readsTables = false;
 
     /// The function draws from the platform's `rand`. It is called from the same seed as its twin, and since platforms
     /// draw differently, its results have no checksum.

@@ -18,7 +18,7 @@ template <int spriteWidth, int spriteHeight>
 Row sprite(Row row) {
     // Sizes below 1 draw nothing; the rows that are not drawn are counted all the same.
     row.arguments =
-        destination() + each({"width", "height"}, extent("", "dst", {anyInt.low, 65535})) + pitch("pitch", "dst");
+        destination() + each({"width", "height"}, extent("", "dst", {anyInt.low, 65535, true})) + pitch("pitch", "dst");
     row.writes = on("dst", frameOf);
     row.topByte = TopByte::cleared;
     row.sums = Sums::stayInside;

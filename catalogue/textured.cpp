@@ -56,13 +56,24 @@ Plane textureOf(const Stage &stage, bool hasHoles) {
 const Arguments surfaces = {blockOf("dst"), destination(), source("tex")};
 const Arguments pitches = {pitch("dstPitch", "dst"), pitch("texPitch", "tex")};
 const Arguments clipArgument = {clip("clip", "dst")};
-const Arguments gridSize = each({"rows", "cols"}, count("", "points", {-32768, 32767}, {64, 64}));
+const Arguments gridSize =
+    each({"rows", "cols"}, meant(count("", "points", {-32768, 32767, true}, {64, 64}), {2, 32767}));
 
 // Light.
 
 bool hasCells(const Call &call) {
     return call["rows"].whole() >= 2 && call["cols"].whole() >= 2;
 }
+template <class Block>
+bool arraysHoldGrid(const Call &call) {
+    const auto &block = call["data"].get<Block>();
+    const Box entries = words("", hasCells(call) ? std::int64_t{call["rows"].whole()} * call["cols"].whole() : 0).part;
+    return block.vertexArray0.holds(entries) && block.vertexArray1.holds(entries);
+}
+template <class Block>
+const Rule arraysAreLargeEnough = {"the vertex arrays of data hold fewer entries than the grid has points",
+                                   arraysHoldGrid<Block>};
+
 Areas readsGrid(const Call &call) {
     const std::int64_t count = std::int64_t{call["rows"].whole()} * call["cols"].whole();
     return hasCells(call) ? Areas{records("points", count), records("light", 1)} : Areas{};
@@ -102,6 +113,7 @@ Row lighting(Row row) {
                     number("ambient", "1/256", anyInt, {64, 64}) + number("specular", "levels", anyInt, {128, 128}) +
                     shininess();
     row.reads = readsGrid;
+    row.rules = {arraysAreLargeEnough<Block>};
     row.arrange = arrangeLight;
     row.scenes = {{.set = setMeshLight<Block>}};
     row.figure = Figure::litGrid;
@@ -483,7 +495,7 @@ void arrangePlainQuad(Call &call, Random &random) {
 Row ofPlainQuad(Row row) {
     row.arguments = polygonArguments(4);
     row.writes = onDst;
-    row.reads = readsCorners<2> + on("tex", "clip");
+    row.reads = readsCorners<2> + atMost(on("tex", "clip"));
     row.topByte = copied;
     row.sums = stayInside;
     row.arrange = arrangePlainQuad;
@@ -507,9 +519,9 @@ Areas readsMesh(const Call &call) {
     const Box read = {std::min(rect.left, rect.right), std::min(rect.top, rect.bottom),
                       std::int64_t{std::max(rect.left, rect.right)} + 2,
                       std::int64_t{std::max(rect.top, rect.bottom)} + 2};
-    Areas areas = writesMesh(call) + readsGrid(call) + Areas{words("ambientColor", 3), {"tex", read}};
+    Areas areas = writesMesh(call) + readsGrid(call) + Areas{words("ambientColor", 3), {"tex", read, true}};
     if (call.row().argument("backTex"))
-        areas.push_back({"backTex", read});
+        areas.push_back({"backTex", read, true});
     return areas;
 }
 
@@ -590,6 +602,7 @@ Row ofMesh(std::string_view figure, Row row) {
                     specular() + shininess();
     row.writes = writesMesh;
     row.reads = readsMesh;
+    row.rules = {arraysAreLargeEnough<Block>};
     row.topByte = cleared;
     row.sums = saturate;
     row.arrange = arrangeMesh;
@@ -662,7 +675,7 @@ std::vector<Row> texturedRows() {
             "Mquads",
             {Q_MUR_OVERLOAD(VKD_Render_Texture_3D, MeshWithBack), .label = "two textures",
              .sentence = "Draws a lit grid with one texture where it faces the viewer and another where it does not.",
-             .arguments = {source("backTex")}}),
+             .arguments = {alike(source("backTex"), "tex")}}),
         ofMesh<PipelineBlock>(
             "Mquads",
             {Q_MUR_FUNCTION(VKD_Render_Texture_3D_KeySrc),

@@ -16,8 +16,8 @@ using enum Sums;
 
 const Arguments onePitch = {pitch("pitch", "dst")};
 const Arguments withPitches = {destination(), pitch("dstPitch", "dst"), source(), pitch("srcPitch", "src")};
-constexpr Range nearCircle = {-1e4, 1e4}; ///< for angles that are brought back into the circle step by step
-constexpr Range nearSurface = {-16000, 16000};
+constexpr Range nearCircle = {-1e4, 1e4, true}; ///< for angles that are brought back into the circle step by step
+constexpr Range nearSurface = {-16000, 16000, true};
 
 /// Surfaces of one shape and so of one pitch: small ones, or of the destination's size where that is large.
 void makeAlike(Call &call, Random &random, std::initializer_list<std::string_view> names) {
@@ -55,6 +55,8 @@ bool shareOnePitch(const Call &call) {
             return false;
     return true;
 }
+
+const Rule onePitchForAll = {"surfaces of one pitch have different ones", shareOnePitch};
 
 tagRECT anyClip(const Call &call, std::string_view surface, Random &random) {
     const Plane &plane = call[surface].plane();
@@ -139,10 +141,10 @@ Row aboutZ(Row row) {
 
 // About the X and the Y axis.
 
-const Arguments turn = {angle("angle", nearCircle), scale("scale", {-1e6, 1e6}, {0.8, 0.8}),
-                        number("perspective", "1", {-1e6, 1e6}, {0.3, 0.3})};
+const Arguments turn = {angle("angle", nearCircle), scale("scale", {-1e6, 1e6, true}, {0.8, 0.8}),
+                        number("perspective", "1", {-1e6, 1e6, true}, {0.3, 0.3})};
 /// Rows are gone through even where they hold no pixel, which takes its time.
-const Arguments frameSize = each({"width", "height"}, extent("", "dst", {-4096, 4096}));
+const Arguments frameSize = each({"width", "height"}, extent("", "dst", {-4096, 4096, true}));
 const Region frame = on("dst", frameOf);
 
 /// The back is read one line further, counted from the picture's own first line.
@@ -200,7 +202,7 @@ Row aboutAxis(Row row) {
                     choice("clearOutside", anyInt, 1) + colour("backColour") + unused("unused") + onePitch + frameSize;
     row.writes = frame;
     row.reads = on("front", "srcRect") + on("back", backBox<aboutX>) + on("background", frameOf);
-    row.allows = shareOnePitch;
+    row.rules = {onePitchForAll};
     row.topByte = copied;
     row.sums = stayInside;
     row.arrange = arrangeFaces;
@@ -220,7 +222,7 @@ Row frameTurn(Row row) {
     row.arguments = withPitches + row.arguments + turn + frameSize;
     row.writes = frame;
     row.reads = on("src", frameOf) + (hasBackground ? on("background", frameOf) : Region());
-    row.allows = shareOnePitch;
+    row.rules = {onePitchForAll};
     row.topByte = copied;
     row.sums = stayInside;
     row.arrange = arrangeFrames;
@@ -376,9 +378,10 @@ void sized(Call &call, const Stage &stage) {
 
 Row aboutCentre(Row row) {
     row.arguments = centreArguments(rectangle("srcRect", "src")) + angle("angle", nearCircle) +
-                    each({"width", "height"}, extent("", "", {-2000, 2000}));
+                    each({"width", "height"}, extent("", "", {-2000, 2000, true}));
     row.writes = on("dst", "clipRect") + row.writes;
     row.sums = stayInside;
+    row.readsTables = true;
     row.arrange = arrangeCentre;
     row.scenes = {{"", sized<2, 3>}, {"over the whole picture", inTurn(sized<5, 4>, set("angle", 0.4))}};
     return row;
@@ -427,7 +430,7 @@ void arrangeTriangle(Call &call, Random &random) {
 
 /// Source positions are held to the clip.
 Areas readsTriangle(const Call &call) {
-    Areas areas = {{"src", call["clip"].rect()}};
+    Areas areas = {{"src", call["clip"].rect(), true}};
     for (const std::string_view name : triangleCorners)
         areas.push_back(words(name, 2));
     return areas;
@@ -501,28 +504,30 @@ std::vector<Row> warpRows() {
         {Q_MUR_FUNCTION(iBilinearMapping),
          .sentence = "Draws a picture into any four corners, the patch inverted exactly.",
          .arguments = destination() + source() + onePitch + frameSize + corners, .writes = frame,
-         .reads = on("src", frameOf), .allows = shareOnePitch, .topByte = copied, .sums = stayInside,
+         .reads = on("src", frameOf), .rules = {onePitchForAll}, .topByte = copied, .sums = stayInside,
          .arrange = arrangeQuad, .scenes = {{"", swingingQuad}}},
         {Q_MUR_FUNCTION(iPsudoBilinearMapping), .sentence = "Draws a picture into four corners in two quick passes.",
          .arguments = destination() + source() + scratch() + onePitch + frameSize + colour("fillColour") + corners,
-         .writes = frame + on("scratch", frameOf), .reads = on("src", frameOf), .allows = shareOnePitch,
+         .writes = frame + on("scratch", frameOf), .reads = on("src", frameOf), .rules = {onePitchForAll},
          .overlap = Overlap::notPromised, .topByte = copied, .sums = stayInside, .arrange = arrangeQuad,
          .scenes = {{"", swingingQuad}}},
         {Q_MUR_FUNCTION(iAffineMapping), .sentence = "Draws a picture into a trapezoid and brightens or darkens it.",
          .arguments = destination() + source() + onePitch + rectangle("srcRect", "src") + clip("clipRect", "dst") +
-                      corners + number("brightnessAdd", "1", {-1000, 1000}, {10, 10}) +
-                      number("brightnessScale", "1/256", {-1000, 1000}, {128, 256}),
-         .writes = on("dst", "clipRect"), .reads = on("src", affineSource), .allows = shareOnePitch,
+                      corners + number("brightnessAdd", "1", {-1000, 1000, true}, {10, 10}) +
+                      number("brightnessScale", "1/256", {-1000, 1000, true}, {128, 256}),
+         .writes = on("dst", "clipRect"), .reads = on("src", affineSource), .rules = {onePitchForAll},
          .overlap = Overlap::notPromised, .topByte = disturbsRed, .sums = saturate, .arrange = arrangeAffine,
          .scenes = {{"", trapezoid}}},
         aboutCentre({Q_MUR_FUNCTION(iRotateMapping),
                      .sentence = "Stretches a picture onto a turned rectangle, filtered, along its traced edges.",
                      .reads = on("src", tracedSource), .topByte = cleared}),
         {Q_MUR_FUNCTION(iRotateCircleMapping), .sentence = "Turns a disc of a picture on the spot.",
-         .arguments = centreArguments(orNull(unused("srcRect"))) + radius("radius", {-50, 300}, {60, 60}) +
+         .arguments = centreArguments(orNull(unused("srcRect"))) +
+                      meant(radius("radius", {-50, 300, true}, {60, 60}), {0, anyInt.high}) +
                       angle("angle", nearCircle),
-         .writes = on("dst", "clipRect"), .reads = on("src", discBox), .overlap = Overlap::notPromised,
-         .topByte = copied, .sums = stayInside, .arrange = arrangeDisc, .scenes = {{"", turningDisc}},
+         .writes = on("dst", "clipRect"), .reads = atMost(on("src", discBox)), .overlap = Overlap::notPromised,
+         .topByte = copied, .sums = stayInside, .readsTables = true, .arrange = arrangeDisc,
+         .scenes = {{"", turningDisc}},
          .waived = {{"every_place_and_size_over_a_small_surface", "larger than 4 x 4 pixels"}}},
         aboutCentre({Q_MUR_FUNCTION(iRotate), .sentence = "Stretches a picture onto a turned rectangle, nearest pixel.",
                      .reads = on("src", "srcRect"), .topByte = copied}),
@@ -542,7 +547,7 @@ std::vector<Row> warpRows() {
          .arguments = destination() + source() + onePitch + position("x1", "dst", {0.1, 0.1}, nearSurface) +
                       position("y1", "dst", {0.2, 0.8}, nearSurface) + position("x2", "dst", {0.9, 0.9}, nearSurface) +
                       position("y2", "dst", {0.8, 0.2}, nearSurface) + number("width", "pixels", nearSurface, {41, 41}),
-         .writes = on("dst", strokeBox), .reads = on("src", strokeBox), .allows = shareOnePitch, .topByte = copied,
+         .writes = on("dst", strokeBox), .reads = on("src", strokeBox), .rules = {onePitchForAll}, .topByte = copied,
          .sums = stayInside, .arrange = arrangeStroke},
     };
     for (Row &row : rows) // what else is promised runs rows top to bottom and pixels left to right

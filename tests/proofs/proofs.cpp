@@ -21,7 +21,8 @@ const std::vector<Proof> &allProofs() {
                                            storedBottomUp,
                                            clipsHold,
                                            emptyClips,
-                                           largeSizes};
+                                           largeSizes,
+                                           readsTables};
     return all;
 }
 

@@ -54,6 +54,7 @@ extern const Proof storedBottomUp;
 extern const Proof clipsHold;
 extern const Proof emptyClips;
 extern const Proof largeSizes;
+extern const Proof readsTables;
 
 const std::vector<Proof> &allProofs();
 

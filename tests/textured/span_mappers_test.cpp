@@ -141,7 +141,7 @@ q_ulong drawnPixel(const Mapper &mapper, q_ulong texel, int mul, int add) {
 
 /// The row that a mapper of the older module would have.
 catalogue::Row rowOf(const Mapper &mapper) {
-    catalogue::Row row;
+    catalogue::Row row = {.functions = catalogue::callOf(mapper.older, mapper.plainOlder)};
     catalogue::forEachRow([&row](const catalogue::Row &each) {
         if (each.name == "VKD_i3D_Mapping_Linear_HPE")
             row = each;
