@@ -4,16 +4,22 @@
 #
 #   def      with msvc32 or msvc64: module definition for linking the DLL with MinGW, both decorations of each name
 #   lib-def  with msvc32 or msvc64: module definition for q_Mur.lib, the decoration of MSVC alone
-#   map      with long32 or lp64: version script for a shared object
+#   map      with long32 or lp64: version script for a shared object; shows what -DFURTHER=<pattern> matches, too
 #   names    with any scheme: the names, one a line
 #   imports  with long32 or lp64 and -DPREFIX=<of symbols>: sources for linking what is compiled for the DLL's hosts with
 #            the static library: the pointers by which they call
+#   renames  with long32 or lp64 and -DPREFIX=<of symbols>: what gives each function a further `.unchecked` in its name
+#   checked  likewise: for each function Q_MUR_CHECKED(symbol, result, name, (types), (parameters), (arguments)), its
+#            symbol being the one that `renames` gives it
 #
 # tools/exports explains the schemes.
 
 if(FORM STREQUAL map)
   set(text "{\n    global:\n")
-elseif(FORM MATCHES "^(names|imports)$")
+  if(FURTHER)
+    string(APPEND text "        ${FURTHER};\n")
+  endif()
+elseif(FORM MATCHES "^(names|imports|renames|checked)$")
   set(text "")
 else()
   set(text "LIBRARY q_Mur.dll\nEXPORTS\n")
@@ -21,8 +27,11 @@ endif()
 set(entries 0)
 file(STRINGS "${CMAKE_CURRENT_LIST_DIR}/../exports/q_Mur.exports" lines REGEX "^[^#]")
 foreach(line IN LISTS lines)
-  if(line MATCHES "^[^ ].*\\(")
+  if(line MATCHES "^([^ ].*[ *&])([A-Za-z_0-9]+)\\((.*)\\)$")
     set(data "")
+    string(STRIP "${CMAKE_MATCH_1}" result)
+    set(function "${CMAKE_MATCH_2}")
+    set(types "${CMAKE_MATCH_3}")
   elseif(line MATCHES "^[^ ]")
     set(data " DATA")
   elseif(line MATCHES "^ +([a-z0-9]+) +([^ ]+)$")
@@ -37,6 +46,25 @@ foreach(line IN LISTS lines)
         string(APPEND text "extern \"C\" {\nextern char export${entries} __asm__(\"${PREFIX}${name}\");\n"
           "extern void *const import${entries} __asm__(\"__imp_${PREFIX}${name}\");\n"
           "void *const import${entries} = &export${entries};\n}\n")
+      elseif(FORM STREQUAL renames)
+        if(NOT data)
+          string(APPEND text "${PREFIX}${name} ${PREFIX}${name}.unchecked\n")
+        endif()
+      elseif(FORM STREQUAL checked)
+        if(NOT data)
+          string(REPLACE ", " ";" type_list "${types}")
+          set(parameters "")
+          set(passed "")
+          foreach(type IN LISTS type_list)
+            list(LENGTH passed number)
+            list(APPEND parameters "${type} a${number}")
+            list(APPEND passed "a${number}")
+          endforeach()
+          list(JOIN parameters ", " parameters)
+          list(JOIN passed ", " passed)
+          string(APPEND text
+            "Q_MUR_CHECKED(\"${PREFIX}${name}.unchecked\", ${result}, ${function}, (${types}), (${parameters}), (${passed}))\n")
+        endif()
       elseif(FORM STREQUAL def)
         string(APPEND text "    \"${name}\" = ${decorated_long32}${data}\n    ${decorated_long32}${data}\n")
       else()

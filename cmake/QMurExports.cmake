@@ -21,17 +21,18 @@ if(Q_MUR_MSVC_SCHEME STREQUAL "msvc32")
   set(Q_MUR_SYMBOL_PREFIX _)
 endif()
 
-# Derives the file `output` from the list.
+# Derives the file `output` from the list. What stands behind the scheme are options of the script.
 function(q_mur_derive_from_export_list output form scheme)
   add_custom_command(OUTPUT "${output}"
     COMMAND "${CMAKE_COMMAND}" -DFORM=${form} -DSCHEME=${scheme} -DPREFIX=${Q_MUR_SYMBOL_PREFIX} "-DOUTPUT=${output}"
-      -P "${Q_MUR_EXPORT_SCRIPT}"
+      ${ARGN} -P "${Q_MUR_EXPORT_SCRIPT}"
     DEPENDS "${Q_MUR_EXPORT_SCRIPT}" "${Q_MUR_EXPORT_LIST}" VERBATIM)
 endfunction()
 
 # Makes a shared library show the list and nothing else; a name in the list that is not defined fails the link. On
 # Windows every name stands under both decorations, and q_Mur.lib, the import library in the manner of MSVC, is built
-# beside the one that MinGW's linker writes; the variable Q_MUR_LIB holds its path.
+# beside the one that MinGW's linker writes; the variable Q_MUR_LIB holds its path. Elsewhere it shows what matches a
+# further pattern, too.
 function(q_mur_export target)
   if(WIN32)
     set(definition "${CMAKE_CURRENT_BINARY_DIR}/q_Mur.def")
@@ -40,7 +41,7 @@ function(q_mur_export target)
     q_mur_add_msvc_import_library()
   else()
     set(script "${CMAKE_CURRENT_BINARY_DIR}/q_Mur.map")
-    q_mur_derive_from_export_list("${script}" map ${Q_MUR_ITANIUM_SCHEME})
+    q_mur_derive_from_export_list("${script}" map ${Q_MUR_ITANIUM_SCHEME} "-DFURTHER=${ARGV1}")
     target_sources(${target} PRIVATE "${script}")
     target_link_options(${target} PRIVATE "LINKER:--version-script=${script}" "LINKER:--no-undefined-version")
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${script}")

@@ -2,12 +2,43 @@
 
 #include "proofs/proofs.h"
 
+#include "q_Mur/checked.h"
+
 #include <gtest/gtest.h>
+
+#if !defined(_WIN32)
+#include <dlfcn.h>
+#endif
+
+namespace {
+
+#if defined(_WIN32)
+void tellCheckedLibrary() {}
+#else
+
+decltype(&q_Mur_checked_surface) tellOfSurface = nullptr;
+
+/// Where these tests run on the checked library, it is to know all memory of theirs: pictures lie within margins.
+void tellCheckedLibrary() {
+    void *const found = dlsym(RTLD_DEFAULT, "q_Mur_checked_surface");
+    if (!found)
+        return;
+    tellOfSurface = reinterpret_cast<decltype(tellOfSurface)>(found);
+    catalogue::tellOfMemory = [](const void *memory, std::size_t bytes) {
+        const auto words = static_cast<int>((bytes + 3) / 4);
+        tellOfSurface(memory, words, words > 0 ? 1 : 0);
+    };
+}
+
+#endif
+
+} // namespace
 
 int test::run(int argc, char **argv) {
     testing::InitGoogleTest(&argc, argv);
     if (!takesArguments(argc, argv))
         return 2;
+    tellCheckedLibrary();
     Init_qMur_GlobalData(nullptr, nullptr);
     proofs::registerTests();
     return RUN_ALL_TESTS();

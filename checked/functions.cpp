@@ -1,0 +1,54 @@
+/// \file
+/// The exported functions. `q_Mur_checked_functions.inc`, which the build writes from the list of exports, names each
+/// of them with the symbol under which the library inside has it.
+#include "given.h"
+
+#include <algorithm>
+#include <iterator>
+
+#define Q_MUR_CHECKED(symbol, result, name, types, parameters, arguments)                                              \
+    namespace unchecked {                                                                                              \
+    result name types __asm__(symbol);                                                                                 \
+    }                                                                                                                  \
+    result name parameters {                                                                                           \
+        static const checked::Checked<result types> function(#name, unchecked::name);                                  \
+        return function arguments;                                                                                     \
+    }
+#include <q_Mur_checked_functions.inc>
+
+namespace checked {
+namespace {
+
+struct Mapper {
+    QMGLSpanMapper exported;
+    QMGLSpanMapper inside;
+};
+constexpr Mapper mappers[] = {
+    {VKD_i3D_Mapping_Linear_HPE, unchecked::VKD_i3D_Mapping_Linear_HPE},
+    {VKD_i3D_Mapping_Linear_HPE_KeySrc, unchecked::VKD_i3D_Mapping_Linear_HPE_KeySrc},
+    {VKD_i3D_Mapping_Near_HPE, unchecked::VKD_i3D_Mapping_Near_HPE},
+};
+
+} // namespace
+
+QMGLSpanMapper mapperInside(QMGLSpanMapper mapper) {
+    const auto *const found = std::find_if(std::begin(mappers), std::end(mappers),
+                                           [mapper](const Mapper &m) { return m.exported == mapper; });
+    return found == std::end(mappers) ? mapper : found->inside;
+}
+
+MapperSlot::MapperSlot(std::span<const Given> given) {
+    for (const Given &argument : given)
+        if (argument.target == Target::pipelineBlock && argument.pointer)
+            slot = &static_cast<_PRIVATE_QMGL_DATA *>(argument.pointer)->spanMapper;
+    if (slot)
+        *slot = mapperInside(*slot);
+}
+
+MapperSlot::~MapperSlot() {
+    for (const Mapper &mapper : mappers)
+        if (slot && *slot == mapper.inside)
+            *slot = mapper.exported;
+}
+
+} // namespace checked

@@ -1,0 +1,34 @@
+/// \file
+/// What is known of the memory that calls are handed: what the host has told, what the library itself has allocated,
+/// and what the heap says.
+#ifndef Q_MUR_CHECKED_MEMORY_H
+#define Q_MUR_CHECKED_MEMORY_H
+
+#include <cstddef>
+#include <optional>
+
+namespace checked {
+
+struct Piece {
+    std::byte *begin = nullptr;
+    std::size_t bytes = 0;
+    int pitch = 0; ///< of a surface that was told, in pixels; 0 where a piece has no rows
+
+    std::byte *end() const { return begin + bytes; }
+};
+
+/// Keeps a piece in mind instead of what was known of its memory.
+void remember(const Piece &piece);
+
+/// Forgets all pieces that begin within these bytes.
+void forget(const void *begin, std::size_t bytes);
+
+/// Forgets the piece that a pointer leads into.
+void forgetAt(const void *pointer);
+
+/// The piece that a pointer leads into.
+std::optional<Piece> pieceAt(const void *pointer);
+
+} // namespace checked
+
+#endif

@@ -1,0 +1,350 @@
+/// \file
+/// Mistakes that hosts make, each in a process of its own, and the line in which the checked library names it.
+#include <gtest/gtest.h>
+#include <q_Mur.h>
+#include <q_Mur/checked.h>
+
+#include <array>
+#include <csignal>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+/// That a call ends the program with one line, and before it writes anything.
+#define EXPECT_NAMED(call, line)                                                                                       \
+    EXPECT_EXIT(call, testing::KilledBySignal(SIGABRT), testing::Eq(std::string(line "\n")))
+
+/// A surface as large as its picture, of which the library is told unless the host leaves it to the heap.
+struct Picture {
+    Picture(int width, int height, bool isTold = true)
+        : pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)), all{0, 0, width, height} {
+        if (isTold)
+            q_Mur_checked_surface(pixels.data(), width, height);
+    }
+    Picture(const Picture &) = delete;
+    Picture &operator=(const Picture &) = delete;
+    ~Picture() { q_Mur_checked_surface(pixels.data(), 1, 0); }
+
+    q_ulong *data() { return pixels.data(); }
+
+    std::vector<q_ulong> pixels;
+    tagRECT all;
+};
+
+void copy(Picture &dst, Picture &src, tagRECT rect, int dstPitch = 64, int srcPitch = 64, int x = 0, int y = 0) {
+    iBltFast32(dst.data(), src.data(), static_cast<q_ulong>(x), static_cast<q_ulong>(y), &rect,
+               static_cast<q_ulong>(dstPitch), static_cast<q_ulong>(srcPitch));
+}
+
+TEST(mistakes, tables_are_empty) {
+    std::memset(iSin, 0, sizeof iSin);
+    EXPECT_NAMED(randRainbowColor(), "randRainbowColor: the tables are empty, which Init_qMur_GlobalData fills");
+    Init_qMur_GlobalData(nullptr, nullptr);
+}
+
+TEST(mistakes, pitch_in_bytes) {
+    Picture dst(64, 48), src(64, 48);
+    EXPECT_NAMED(copy(dst, src, src.all, 256), "iBltFast32: dstPitch 256 is not 64, the pitch of dst");
+}
+
+TEST(mistakes, pitch_in_bytes_on_the_heap) {
+    Picture dst(640, 480, false);
+    EXPECT_NAMED(iFillRect(dst.data(), &dst.all, 4 * 640, 0), "iFillRect: rect.bottom 480 exceeds the 121 rows of dst");
+}
+
+TEST(mistakes, swapped_pitches) {
+    Picture dst(64, 48), src(80, 48);
+    EXPECT_NAMED(copy(dst, src, {0, 0, 64, 48}, 80, 64), "iBltFast32: dstPitch 80 is not 64, the pitch of dst");
+}
+
+TEST(mistakes, width_for_pitch) {
+    Picture dst(64, 48);
+    tagRECT part = {0, 0, 60, 48};
+    EXPECT_NAMED(iFillRect(dst.data(), &part, 60, 0), "iFillRect: pitch 60 is not 64, the pitch of dst");
+}
+
+TEST(mistakes, null_pointers) {
+    Picture dst(64, 48);
+    EXPECT_NAMED(iFillRect(nullptr, &dst.all, 64, 0), "iFillRect: dst is null");
+    EXPECT_NAMED(iFillRect(dst.data(), nullptr, 64, 0), "iFillRect: rect is null");
+    EXPECT_NAMED(iBltFast32(dst.data(), nullptr, 0, 0, &dst.all, 64, 64), "iBltFast32: src is null");
+}
+
+TEST(mistakes, rectangle_outside) {
+    Picture dst(64, 48), src(64, 48);
+    EXPECT_NAMED(copy(dst, src, {50, 0, 90, 48}), "iBltFast32: srcRect.right 90 exceeds srcPitch 64");
+    EXPECT_NAMED(copy(dst, src, {0, 40, 64, 60}), "iBltFast32: srcRect.bottom 60 exceeds the 48 rows of src");
+    EXPECT_NAMED(copy(dst, src, {0, 0, 10, 10}, 64, 64, 60, 0),
+                 "iBltFast32: dst is written up to column 69, beyond dstPitch 64");
+}
+
+TEST(mistakes, rectangle_outside_of_what_nobody_told) {
+    q_ulong dst[900];
+    tagRECT rect = {0, 0, 40, 30};
+    EXPECT_NAMED(iFillRect(dst, &rect, 30, 0), "iFillRect: rect.right 40 exceeds pitch 30");
+}
+
+TEST(mistakes, negative_position) {
+    Picture dst(64, 48), src(64, 48);
+    EXPECT_NAMED(copy(dst, src, {0, 0, 10, 10}, 64, 64, -5, 0), "iBltFast32: dstX -5 is below 0");
+    EXPECT_NAMED(copy(dst, src, {0, -3, 10, 10}), "iBltFast32: srcRect.top -3 is below 0");
+}
+
+TEST(mistakes, one_pixel_beyond_an_exact_surface) {
+    Picture dst(64, 48), src(32, 24);
+    EXPECT_NAMED(iBltBilinear32(dst.data(), src.data(), &dst.all, &src.all, 64, 32),
+                 "iBltBilinear32: src is read up to column 32 of row 24, which leaves its memory");
+}
+
+TEST(mistakes, bubble_beyond_its_table) {
+    Picture dst(300, 300), scratch(300, 300), resource(100, 100);
+    EXPECT_NAMED(DrawRealBubble(dst.data(), scratch.data(), 300, 150, 150, 240, resource.data(), 100, 0, 300, 300),
+                 "DrawRealBubble: size 240 exceeds 181");
+}
+
+TEST(mistakes, scratch_too_small) {
+    Picture dst(300, 300), scratch(20, 1), resource(100, 100);
+    // Of the offsets from -5 to 4 along x and y, 69 pairs lie at a distance below 5.
+    EXPECT_NAMED(DrawRealBubble(dst.data(), scratch.data(), 300, 150, 150, 10, resource.data(), 100, 0, 300, 300),
+                 "DrawRealBubble: scratch holds 20 elements, of which 69 are written");
+}
+
+TEST(mistakes, alpha_of_2_or_128) {
+    Picture dst(64, 48), src(64, 48);
+    EXPECT_NAMED(iBltFast32Alpha(dst.data(), src.data(), 0, 0, &src.all, 64, 64, 2),
+                 "iBltFast32Alpha: alpha 2 exceeds 1");
+    EXPECT_NAMED(iBltFast32Alpha(dst.data(), src.data(), 0, 0, &src.all, 64, 64, 128),
+                 "iBltFast32Alpha: alpha 128 exceeds 1");
+}
+
+TEST(mistakes, radius_of_0) {
+    Picture dst(64, 48);
+    EXPECT_NAMED(Draw_Light(dst.data(), 64, 30, 20, 0, 0xFFFFFF, 128), "Draw_Light: radius 0 is below 1");
+}
+
+TEST(mistakes, band_of_0) {
+    Picture dst(64, 48), a(64, 48), b(64, 48);
+    tagPOINT centre = {32, 24};
+    EXPECT_NAMED(Edge_Transparency_Circle(dst.data(), a.data(), b.data(), &centre, 10, 0, 64, 48, 64),
+                 "Edge_Transparency_Circle: band 0 is below 1");
+}
+
+TEST(mistakes, negative_radius) {
+    Picture dst(64, 48);
+    EXPECT_NAMED(Draw_Circle_FillInside(dst.data(), 64, 30, 20, -4, 0), "Draw_Circle_FillInside: radius -4 is below 0");
+}
+
+TEST(mistakes, division_by_0) {
+    EXPECT_NAMED(randIntGauss(0, 10, 0), "randIntGauss: count 0 is below 1");
+    EXPECT_NAMED(randInt(5, 5), "randInt: low 5 equals high 5");
+}
+
+TEST(mistakes, clip_outside_the_surface) {
+    Picture dst(64, 48);
+    tagRECT clip = {0, 0, 64, 100};
+    EXPECT_NAMED(iLine(dst.data(), 0, 0, 63, 80, 0xFFFFFF, &clip, 64),
+                 "iLine: clip.bottom 100 exceeds the 48 rows of surface");
+}
+
+TEST(mistakes, sprite_on_a_surface_too_small) {
+    Picture dst(100, 114);
+    EXPECT_NAMED(LoadResourceAirplane(dst.data(), 156, 114, 100),
+                 "LoadResourceAirplane: dst is written up to column 155, beyond pitch 100");
+    Picture low(156, 100);
+    EXPECT_NAMED(LoadResourceAirplane(low.data(), 156, 114, 156),
+                 "LoadResourceAirplane: dst is written up to column 155 of row 113, which leaves its memory");
+}
+
+TEST(mistakes, mesh_of_one_row) {
+    std::vector<_POINT3DFLOAT> points(8);
+    EXPECT_NAMED(Flat3D(points.data(), 8, 1, 1, 0, 0, 0, 0, 0, 0, 240, 100, 100), "Flat3D: rows 1 is below 2");
+}
+
+TEST(mistakes, fill_without_its_plane) {
+    _PRIVATE_QMGP_DATA data = {};
+    EXPECT_NAMED(bRegion_Fill(&data, 5, 5, 1, 0, 0, 0),
+                 "bRegion_Fill: data has no plane with limits, which a Set function gives it");
+}
+
+TEST(mistakes, fill_from_outside_its_limits) {
+    Picture dst(64, 48);
+    _PRIVATE_QMGP_DATA data = {};
+    tagRECT limits = {1, 0, 63, 48};
+    SetRegionFill(&data, dst.data(), 64, dst.data(), 64);
+    EXPECT_NAMED(Region_Fill(&data, 70, 5, 1, 1, 0, 0, 0, &limits), "Region_Fill: the seed or the limits lie outside");
+}
+
+// Records and private blocks
+
+struct Host {
+    explicit Host(int width = 64, int height = 48, int entries = 64, int depth = 2)
+        : geometry{{}, width * height, 0}, limits{0, 0, entries, depth} {
+        record.frameGeometry = &geometry;
+        record.limits3D = &limits;
+    }
+    Host(const Host &) = delete;
+    Host &operator=(const Host &) = delete;
+    ~Host() { DeleteMemoryBlocks(&record); }
+
+    TransferFrameGeometry geometry;
+    TransferLimits3D limits;
+    _TRANSFERDATA record = {};
+};
+
+TEST(mistakes, record_that_is_not_cleared) {
+    _TRANSFERDATA record;
+    std::memset(&record, 0xCD, sizeof record);
+    EXPECT_NAMED(FindNotUsedMemory(&record, 0, 100),
+                 "FindNotUsedMemory: data.blocks[0] is no block: the record was not cleared");
+}
+
+TEST(mistakes, limits_not_set) {
+    _TRANSFERDATA record = {};
+    EXPECT_NAMED(GetPrivate_QMGL_Data(&record, 0), "GetPrivate_QMGL_Data: limits3D is null");
+}
+
+TEST(mistakes, block_freed_twice) {
+    Host host;
+    FindNotUsedMemory(&host.record, 0, 100);
+    _TRANSFERDATA another = host.record;
+    DeleteMemoryBlocks(&host.record);
+    EXPECT_NAMED(DeleteMemoryBlocks(&another), "DeleteMemoryBlocks: data.blocks[0] has been freed before");
+}
+
+TEST(mistakes, private_block_after_its_end) {
+    Host host;
+    _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
+    DeleteMemoryBlocks(&host.record);
+    EXPECT_NAMED(VKD_glLoadIdentity(data), "VKD_glLoadIdentity: data has been freed with its record's blocks");
+}
+
+TEST(mistakes, matrix_stack_overflows) {
+    Host host;
+    _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
+    VKD_glPushMatrix(data);
+    EXPECT_NAMED(VKD_glPushMatrix(data), "VKD_glPushMatrix: the current stack holds no further matrix");
+}
+
+TEST(mistakes, matrix_stack_underflows) {
+    Host host;
+    _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
+    EXPECT_NAMED(VKD_glPopMatrix(data), "VKD_glPopMatrix: the current stack holds one matrix alone");
+}
+
+TEST(mistakes, vertex_arrays_too_small) {
+    Host host(64, 48, 20);
+    _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
+    std::vector<_POINT3DFLOAT> points(25);
+    _POINT3DFLOAT light = {0, 0, 1, 0};
+    EXPECT_NAMED(VKD_FindLuminenceTerm(data, points.data(), 5, 5, &light, 64, 128, 3),
+                 "VKD_FindLuminenceTerm: the vertex arrays of data hold fewer entries than the grid has points");
+}
+
+TEST(mistakes, light_is_null) {
+    Host host;
+    _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
+    std::vector<_POINT3DFLOAT> points(25);
+    EXPECT_NAMED(VKD_FindLuminenceTerm(data, points.data(), 5, 5, nullptr, 64, 128, 3),
+                 "VKD_FindLuminenceTerm: light is null");
+}
+
+TEST(mistakes, viewport_is_missing) {
+    Host host;
+    _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
+    EXPECT_NAMED(VKD_gluPerspective(data, 45, 1, 0, 1000), "VKD_gluPerspective: no viewport has been set");
+}
+
+void drawTriangle(_PRIVATE_QMGL_DATA *data, Picture &dst) {
+    std::array<_POINT3DFLOAT, 3> points = {{{1, 1, 5, 0}, {40, 3, 5, 0}, {20, 40, 5, 0}}};
+    q_ulong colour = 0xFFFFFF;
+    VKD_Render_Tri(data, dst.data(), &dst.all, static_cast<int>(dst.all.right), &points[0], &points[1], &points[2],
+                   &colour, &colour, &colour);
+}
+
+TEST(mistakes, z_plane_never_reset) {
+    Host host;
+    Picture dst(64, 48);
+    _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
+    EXPECT_NAMED(drawTriangle(data, dst), "VKD_Render_Tri: the Z plane of data has never been reset");
+    VKD_ResetZBuffer(data, &dst.all, 64);
+    drawTriangle(data, dst);
+    EXPECT_EQ(dst.data()[10 * 64 + 20], 0xFFFFFFu);
+}
+
+TEST(mistakes, private_block_of_a_smaller_frame) {
+    Host host(32, 24);
+    Picture dst(64, 48);
+    _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
+    EXPECT_NAMED(drawTriangle(data, dst),
+                 "VKD_Render_Tri: the Z plane of data is written up to column 63 of row 47, which leaves its memory");
+}
+
+// What a host may wish
+
+TEST(wishes, goes_on_after_messages_and_leaves_the_calls_out) {
+    const auto callThrice = [] {
+        Picture dst(64, 48);
+        tagRECT outside = {0, 0, 64, 49};
+        q_Mur_checked_go_on(2);
+        for (int i = 0; i < 3; ++i)
+            iFillRect(dst.data(), &outside, 64, 7);
+    };
+    EXPECT_EXIT(callThrice(), testing::KilledBySignal(SIGABRT),
+                testing::Eq(std::string("iFillRect: rect.bottom 49 exceeds the 48 rows of dst\n"
+                                        "iFillRect: rect.bottom 49 exceeds the 48 rows of dst\n"
+                                        "iFillRect: rect.bottom 49 exceeds the 48 rows of dst\n")));
+}
+
+TEST(wishes, hands_messages_over) {
+    Picture dst(64, 48);
+    std::vector<std::string> messages;
+    q_Mur_checked_handle(
+        [](const char *message, void *all) { static_cast<std::vector<std::string> *>(all)->push_back(message); },
+        &messages);
+    tagRECT outside = {0, 0, 65, 48};
+    iFillRect(dst.data(), &outside, 64, 7);
+    EXPECT_EQ(dst.data()[0], 0u);
+    EXPECT_EQ(randInt(5, 5), 0);
+    q_Mur_checked_handle(nullptr, nullptr);
+    EXPECT_EQ(messages,
+              (std::vector<std::string>{"iFillRect: rect.right 65 exceeds pitch 64", "randInt: low 5 equals high 5"}));
+}
+
+TEST(wishes, doubts_are_silent_when_switched_off) {
+    Picture dst(64, 48), src(64, 48);
+    q_Mur_checked_doubts(0);
+    src.pixels.assign(src.pixels.size(), 0x102030);
+    iBltFast32Alpha(dst.data(), src.data(), 0, 0, &src.all, 64, 64, 2);
+    q_Mur_checked_doubts(1);
+    EXPECT_NE(dst.data()[0], 0u); // the call was made
+}
+
+TEST(wishes, surfaces_with_margins_and_those_stored_bottom_up) {
+    std::vector<q_ulong> memory(80 * 60);
+    q_ulong *const first = &memory[6 * 80 + 8];
+    tagRECT all = {-8, -6, 72, 54};
+    q_Mur_checked_surface(memory.data(), 80, 60);
+    iFillRect(first, &all, 80, 7);
+    EXPECT_EQ(memory.front(), 7u);
+    EXPECT_EQ(memory.back(), 7u);
+    tagRECT more = {-9, -6, 72, 54};
+    EXPECT_NAMED(iFillRect(first, &more, 80, 7), "iFillRect: rect.left -9 is below -8");
+    q_ulong *const lastRow = &memory[59 * 80];
+    q_Mur_checked_surface(lastRow, -80, 60);
+    tagRECT upward = {0, 0, 80, 60};
+    iFillRect(lastRow, &upward, -80, 9);
+    EXPECT_EQ(memory.front(), 9u);
+    upward.bottom = 61;
+    EXPECT_NAMED(iFillRect(lastRow, &upward, -80, 9), "iFillRect: rect.bottom 61 exceeds the 60 rows of dst");
+    q_Mur_checked_surface(memory.data(), 80, 0);
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    testing::InitGoogleTest(&argc, argv);
+    Init_qMur_GlobalData(nullptr, nullptr);
+    return RUN_ALL_TESTS();
+}
