@@ -4,19 +4,35 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
 #include <new>
 #include <utility>
 #include <vector>
 
 #if defined(_WIN32)
 #include <windows.h>
-#else
+#elif !defined(__wasm__)
 #include <sys/mman.h>
 #include <unistd.h>
 #endif
+#if !defined(__wasm__)
+#include <mutex>
+#endif
 
 namespace catalogue {
+#if defined(__wasm__)
+
+// One memory, every page of which can be read.
+
+Memory::Memory(std::size_t bytes, Fence fence)
+    : length(bytes), fencedAt(fence), first(static_cast<std::byte *>(::operator new(bytes))) {}
+
+Memory::~Memory() {
+    if (isOwn)
+        ::operator delete(first);
+}
+
+#else
+
 namespace {
 
 #if defined(_WIN32)
@@ -112,6 +128,8 @@ Memory::~Memory() {
     const std::lock_guard<std::mutex> lock(fencedPages().guard);
     fencedPages().kept[{mappedBytes, fencedAt}].push_back(static_cast<std::byte *>(mapping));
 }
+
+#endif
 
 void Memory::tell(std::size_t bytes) const {
     if (tellOfMemory)

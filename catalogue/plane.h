@@ -62,8 +62,8 @@ private:
     Fence fencedAt;
     std::byte *first;
     bool isOwn = true;
-    void *mapping = nullptr;
-    std::size_t mappedBytes = 0;
+    [[maybe_unused]] void *mapping = nullptr;
+    [[maybe_unused]] std::size_t mappedBytes = 0;
 };
 
 /// Copies of blocks by their originals, so that planes which share a block still share one when they are copied.

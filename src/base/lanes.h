@@ -18,11 +18,13 @@
 #define Q_MUR_LANES 1
 #endif
 
-#if Q_MUR_LANES && (defined(__SSE2__) || defined(__aarch64__))
+#if Q_MUR_LANES && (defined(__SSE2__) || defined(__aarch64__) || defined(__wasm_simd128__))
 #if defined(__SSE2__)
 #include <immintrin.h>
-#else
+#elif defined(__aarch64__)
 #include <arm_neon.h>
+#else
+#include <wasm_simd128.h>
 #endif
 
 #include <utility>
@@ -294,7 +296,7 @@ inline Neighbours<4> loadNeighbours<4>(const void *row, const std::int32_t *colu
             detail::lanesOf<std::uint32_t>(_mm_unpackhi_epi64(first, last))};
 }
 
-#else
+#elif defined(__aarch64__)
 
 namespace detail {
 
@@ -414,6 +416,92 @@ inline Neighbours<4> loadNeighbours<4>(const void *row, const std::int32_t *colu
     const uint32x4_t last = vcombine_u32(at(2), at(3));
     return {detail::lanesOf<std::uint32_t>(vuzp1q_u32(first, last)),
             detail::lanesOf<std::uint32_t>(vuzp2q_u32(first, last))};
+}
+
+#else
+
+namespace detail {
+
+template <class Number, int count>
+v128_t bits128(Lanes<Number, count> a) {
+    return reinterpret_cast<v128_t>(a.vector);
+}
+
+/// The upper halves of products of 32 bits.
+inline Lanes<std::uint16_t, 8> upperHalves(v128_t low, v128_t high) {
+    return lanesOf<std::uint16_t>(wasm_i16x8_shuffle(low, high, 1, 3, 5, 7, 9, 11, 13, 15));
+}
+
+} // namespace detail
+
+inline Lanes<std::uint8_t, 16> saturatingSum(Lanes<std::uint8_t, 16> a, Lanes<std::uint8_t, 16> b) {
+    return detail::lanesOf<std::uint8_t>(wasm_u8x16_add_sat(detail::bits128(a), detail::bits128(b)));
+}
+
+template <class Number, int count>
+Lanes<Number, count> swappedHalves(Lanes<Number, count> a) {
+    return detail::lanesOf<Number>(wasm_i64x2_shuffle(detail::bits128(a), detail::bits128(a), 1, 0));
+}
+
+inline unsigned negativeLanes(Lanes<std::uint32_t, 4> a) {
+    return static_cast<unsigned>(wasm_i32x4_bitmask(detail::bits128(a)));
+}
+
+inline unsigned lanesBelow(Lanes<std::uint32_t, 4> a, Lanes<std::uint32_t, 4> b) {
+    return static_cast<unsigned>(wasm_i32x4_bitmask(wasm_i32x4_lt(detail::bits128(a), detail::bits128(b))));
+}
+
+inline Lanes<std::uint16_t, 8> widenedLow(Lanes<std::uint8_t, 16> a) {
+    return detail::lanesOf<std::uint16_t>(wasm_u16x8_extend_low_u8x16(detail::bits128(a)));
+}
+
+inline Lanes<std::uint16_t, 8> widenedHigh(Lanes<std::uint8_t, 16> a) {
+    return detail::lanesOf<std::uint16_t>(wasm_u16x8_extend_high_u8x16(detail::bits128(a)));
+}
+
+inline Lanes<std::uint32_t, 4> widenedLow(Lanes<std::uint16_t, 8> a) {
+    return detail::lanesOf<std::uint32_t>(wasm_u32x4_extend_low_u16x8(detail::bits128(a)));
+}
+
+inline Lanes<std::uint32_t, 4> widenedHigh(Lanes<std::uint16_t, 8> a) {
+    return detail::lanesOf<std::uint32_t>(wasm_u32x4_extend_high_u16x8(detail::bits128(a)));
+}
+
+inline Lanes<std::uint8_t, 16> narrowed(Lanes<std::uint16_t, 8> low, Lanes<std::uint16_t, 8> high) {
+    return detail::lanesOf<std::uint8_t>(wasm_u8x16_narrow_i16x8(detail::bits128(low), detail::bits128(high)));
+}
+
+inline Lanes<std::uint16_t, 8> narrowed(Lanes<std::uint32_t, 4> low, Lanes<std::uint32_t, 4> high) {
+    return detail::lanesOf<std::uint16_t>(wasm_i16x8_narrow_i32x4(detail::bits128(low), detail::bits128(high)));
+}
+
+inline Lanes<std::uint16_t, 8> highProduct(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    return detail::upperHalves(wasm_u32x4_extmul_low_u16x8(detail::bits128(a), detail::bits128(b)),
+                               wasm_u32x4_extmul_high_u16x8(detail::bits128(a), detail::bits128(b)));
+}
+
+inline Lanes<std::uint16_t, 8> highSignedProduct(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    return detail::upperHalves(wasm_i32x4_extmul_low_i16x8(detail::bits128(a), detail::bits128(b)),
+                               wasm_i32x4_extmul_high_i16x8(detail::bits128(a), detail::bits128(b)));
+}
+
+inline Lanes<double, 2> squareRoot(Lanes<double, 2> a) {
+    return detail::lanesOf<double>(wasm_f64x2_sqrt(detail::bits128(a)));
+}
+
+inline Lanes<std::uint32_t, 4> pairSums(Lanes<std::uint16_t, 8> a, Lanes<std::uint16_t, 8> b) {
+    return detail::lanesOf<std::uint32_t>(wasm_i32x4_dot_i16x8(detail::bits128(a), detail::bits128(b)));
+}
+
+template <>
+inline Neighbours<4> loadNeighbours<4>(const void *row, const std::int32_t *columns) {
+    const auto at = [=](int lane) {
+        return wasm_v128_load64_zero(static_cast<const char *>(row) + std::ptrdiff_t{4} * columns[lane]);
+    };
+    const v128_t first = wasm_i64x2_shuffle(at(0), at(1), 0, 2);
+    const v128_t last = wasm_i64x2_shuffle(at(2), at(3), 0, 2);
+    return {detail::lanesOf<std::uint32_t>(wasm_i32x4_shuffle(first, last, 0, 2, 4, 6)),
+            detail::lanesOf<std::uint32_t>(wasm_i32x4_shuffle(first, last, 1, 3, 5, 7))};
 }
 
 #endif
@@ -836,7 +924,7 @@ inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, doubl
         _mm_unpacklo_epi64(scaled(detail::bits128(a)), scaled(detail::bits128(swappedHalves(a)))));
 }
 
-#else
+#elif defined(__aarch64__)
 
 inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, double factor) {
     const auto scaled = [factor](int32x2_t pair) {
@@ -849,6 +937,22 @@ inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, doubl
     };
     const int32x4_t numbers = detail::signedNumbers128(a);
     return detail::lanesOf<std::uint32_t>(vcombine_s32(scaled(vget_low_s32(numbers)), scaled(vget_high_s32(numbers))));
+}
+
+#else
+
+inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, double factor) {
+    const auto scaled = [factor](v128_t pair) {
+        const v128_t numbers = wasm_f64x2_convert_low_i32x4(pair);
+        const v128_t half = wasm_v128_bitselect(numbers, wasm_f64x2_const_splat(0.5), wasm_f64x2_const_splat(-0.0));
+        const v128_t products = wasm_f64x2_mul(wasm_f64x2_add(numbers, half), wasm_f64x2_splat(factor));
+        const v128_t fits = wasm_v128_and(wasm_f64x2_gt(products, wasm_f64x2_const_splat(-2147483649.0)),
+                                          wasm_f64x2_lt(products, wasm_f64x2_const_splat(2147483648.0)));
+        return wasm_i32x4_trunc_sat_f64x2_zero(
+            wasm_v128_bitselect(products, wasm_f64x2_const_splat(-2147483648.0), fits));
+    };
+    return detail::lanesOf<std::uint32_t>(
+        wasm_i64x2_shuffle(scaled(detail::bits128(a)), scaled(detail::bits128(swappedHalves(a))), 0, 2));
 }
 
 #endif

@@ -57,6 +57,7 @@ TEST(AtFullWidth, computes_with_64_bits_rounds_once_and_restores_what_it_found) 
 }
 #endif
 
+#if defined(FE_DOWNWARD) // where a processor has another
 TEST(AtFullWidth, draws_the_same_under_every_rounding_of_the_host) {
     constexpr int side = 80;
     std::vector<q_ulong> picture(side * side);
@@ -86,5 +87,6 @@ TEST(AtFullWidth, draws_the_same_under_every_rounding_of_the_host) {
     for (const int rounding : {FE_DOWNWARD, FE_UPWARD, FE_TOWARDZERO})
         EXPECT_EQ(drawn(rounding), expected) << rounding;
 }
+#endif
 
 } // namespace

@@ -8,21 +8,25 @@
 namespace proofs {
 
 const std::vector<Proof> &allProofs() {
-    static const std::vector<Proof> all = {agreesWithTwin,
-                                           overlappingSurfaces,
-                                           everyPlaceAndSize,
-                                           writesNothingOutside,
-                                           readsNothingOutside,
-                                           endsOfNumbers,
-                                           channelPairs,
-                                           topBytes,
-                                           sums,
-                                           twoThreads,
-                                           storedBottomUp,
-                                           clipsHold,
-                                           emptyClips,
-                                           largeSizes,
-                                           readsTables};
+    static const std::vector<Proof> all = {
+        agreesWithTwin,
+        overlappingSurfaces,
+        everyPlaceAndSize,
+        writesNothingOutside,
+        readsNothingOutside,
+        endsOfNumbers,
+        channelPairs,
+        topBytes,
+        sums,
+        storedBottomUp,
+        clipsHold,
+        emptyClips,
+        largeSizes,
+        readsTables,
+#if !defined(__wasm__) // where a program is one thread
+        twoThreads,
+#endif
+    };
     return all;
 }
 

@@ -5,20 +5,30 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <random>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 
 #if defined(_WIN32)
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
 #include <windows.h>
+#endif
+
+#if defined(__wasm__)
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#else
+#include <filesystem>
+#include <system_error>
 #endif
 
 namespace {
@@ -28,50 +38,104 @@ using namespace test;
 
 constexpr q_ulong untouched = 0xAA5533CC;
 
+#if defined(__wasm__)
+
+// Its library has no file systems and no exceptions.
+
+std::string temporaryDirectory() {
+    const char *path = std::getenv("TMPDIR");
+    return path ? path : "/tmp";
+}
+
+bool makeDirectory(const std::string &path) {
+    return mkdir(path.c_str(), 0700) == 0;
+}
+
+void removeDirectory(const std::string &path) {
+    if (DIR *const directory = opendir(path.c_str())) {
+        while (const dirent *entry = readdir(directory))
+            std::remove((path + "/" + entry->d_name).c_str());
+        closedir(directory);
+    }
+    rmdir(path.c_str());
+}
+
+bool resizeFile(const std::string &path, std::int64_t size) {
+    const int file = open(path.c_str(), O_WRONLY);
+    const bool isDone = file >= 0 && ftruncate(file, size) == 0;
+    close(file);
+    return isDone;
+}
+
+[[noreturn]] void fail(const std::string &text) {
+    std::cerr << text << std::endl;
+    std::abort();
+}
+
+#else
+
+std::string temporaryDirectory() {
+    return std::filesystem::temp_directory_path().string();
+}
+
+bool makeDirectory(const std::string &path) {
+    return std::filesystem::create_directory(path);
+}
+
+void removeDirectory(const std::string &path) {
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+}
+
+bool resizeFile(const std::string &path, std::int64_t size) {
+    std::error_code error;
+    std::filesystem::resize_file(path, static_cast<std::uintmax_t>(size), error);
+    return !error;
+}
+
+[[noreturn]] void fail(const std::string &text) {
+    throw std::runtime_error(text);
+}
+
+#endif
+
 /// A directory of the test's own, removed at its end.
 class Directory {
 public:
     Directory() {
         std::random_device device;
         do
-            path = std::filesystem::temp_directory_path() / ("q_Mur_tests_" + std::to_string(device()));
-        while (!std::filesystem::create_directory(path));
+            path = temporaryDirectory() + "/q_Mur_tests_" + std::to_string(device());
+        while (!makeDirectory(path));
     }
-    ~Directory() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
+    ~Directory() { removeDirectory(path); }
     Directory(const Directory &) = delete;
     Directory &operator=(const Directory &) = delete;
 
     /// With a separator behind it.
-    std::string prefix() const { return path.string() + "/"; }
+    std::string prefix() const { return path + "/"; }
 
     void write(const std::string &name, const Bytes &bytes) const {
-        std::filesystem::remove(path / name); // a file made anew is faster: one cut short is put on the disk at once
+        std::remove((prefix() + name).c_str()); // a file made anew is faster: one cut short is put on the disk at once
         writeInto(name, 0, bytes, std::ios::out);
     }
 
     /// Writes an empty file of any size, in which only what is written later takes room. False where the file system
     /// has no such files.
-    bool writeHole(const std::string &name, std::uintmax_t size) const {
+    bool writeHole(const std::string &name, std::int64_t size) const {
         write(name, {});
-        if (!mayHaveHoles(prefix() + name))
-            return false;
-        std::error_code error;
-        std::filesystem::resize_file(path / name, size, error);
-        return !error;
+        return mayHaveHoles(prefix() + name) && resizeFile(prefix() + name, size);
     }
 
     /// Writes bytes into a file, wherever they lie.
     void writeInto(const std::string &name, std::int64_t position, const Bytes &bytes,
                    std::ios::openmode mode = std::ios::in | std::ios::out) const {
-        std::fstream file(path / name, mode | std::ios::binary);
+        std::fstream file(prefix() + name, mode | std::ios::binary);
         file.seekp(position);
         file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         file.close();
         if (!file)
-            throw std::runtime_error("cannot write " + name);
+            fail("cannot write " + name);
     }
 
 private:
@@ -93,7 +157,7 @@ private:
     }
 #endif
 
-    std::filesystem::path path;
+    std::string path;
 };
 
 void setDirectory(std::string path) {
@@ -123,13 +187,21 @@ Loaded load(std::string name, int width, int height) {
 /// What happened with a whole path before any directory was set: taken down before a test runs.
 struct WithoutDirectory {
     WithoutDirectory() noexcept {
+#if defined(__wasm__)
+        loadFile();
+#else
         try {
-            const Directory directory;
-            directory.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
-            answer = LoadBitmap24(&pixel, (directory.prefix() + "a.bmp").data(), 1, 1);
+            loadFile();
         } catch (const std::exception &) {
             hasFile = false;
         }
+#endif
+    }
+
+    void loadFile() {
+        const Directory directory;
+        directory.write("a.bmp", Bitmap::ofSize(1, 1, 4).file());
+        answer = LoadBitmap24(&pixel, (directory.prefix() + "a.bmp").data(), 1, 1);
     }
 
     bool hasFile = true;

@@ -5,12 +5,20 @@
 
 #if defined(_WIN32)
 #include <windows.h>
-#else
+#elif !defined(__wasm__)
 #include <climits>
 #include <pthread.h>
 #endif
 
 namespace test {
+
+#if defined(__wasm__)
+
+void onStackOf(std::size_t, std::function<void()> body) {
+    body();
+}
+
+#else
 
 void onStackOf(std::size_t bytes, std::function<void()> body) {
     bytes += 64 * 1024; // what a thread needs before it comes to the body
@@ -41,5 +49,7 @@ void onStackOf(std::size_t bytes, std::function<void()> body) {
     pthread_join(thread, nullptr);
 #endif
 }
+
+#endif
 
 } // namespace test

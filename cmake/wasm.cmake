@@ -1,0 +1,16 @@
+# WebAssembly, with Clang, lld and Debian's libraries for it (wasi-libc, libc++-dev-wasm32, libclang-rt-dev-wasm32).
+# Programs run under Node (nodejs).
+list(APPEND CMAKE_MODULE_PATH "${CMAKE_CURRENT_LIST_DIR}")
+set(CMAKE_SYSTEM_NAME WASI)
+set(CMAKE_SYSTEM_PROCESSOR wasm32)
+set(CMAKE_CXX_COMPILER clang++)
+# These libraries know no exceptions.
+set(CMAKE_CXX_FLAGS_INIT "--target=wasm32-wasi -msimd128 -fno-exceptions")
+# lld leaves a stack of 64 KiB, if nothing is said.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,-z,stack-size=8388608")
+set(CMAKE_FIND_ROOT_PATH /usr/lib/wasm32-wasi)
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/under-node")
