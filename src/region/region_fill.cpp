@@ -3,6 +3,10 @@
 
 #include <cstdint>
 
+#if defined(__wasm__)
+#include <vector>
+#endif
+
 namespace {
 
 using namespace qmur;
@@ -188,6 +192,67 @@ private:
         close();
     }
 
+#if defined(__wasm__)
+    // How deep calls may go is an engine's to say there, and it is not deep: what is entered stands in a list.
+
+    /// A span that is being left for its neighbours: three stretches in turn, those of the row above before those of
+    /// the row below.
+    struct Entered {
+        Span span;
+        Direction direction;
+        int stretch;
+
+        int firstBelow() const { return direction == goingUp ? 1 : 2; }
+        bool isAlongSpan() const { return stretch == (direction == goingUp ? 0 : 2); }
+        bool isBehindParent() const { return stretch == (direction == goingUp ? 2 : 1); }
+        Direction onward() const { return stretch < firstBelow() ? goingUp : goingDown; }
+    };
+    static constexpr int stretches = 3;
+
+    void climb() {
+        enter(goingUp);
+    }
+    void descend() {
+        enter(goingDown);
+    }
+
+    void enter(Direction direction) {
+        enterSpan(direction);
+        while (!entered.empty()) {
+            Entered &inner = entered.back();
+            const Span parent = entered.size() == 1 ? level->span : entered[entered.size() - 2].span;
+            if (inner.stretch == stretches)
+                leaveSpan();
+            else if (seekOpen(inner.isAlongSpan() || inner.isBehindParent() ? inner.span.end : parent.begin))
+                enterSpan(inner.onward());
+            else
+                beginStretch(inner, inner.stretch + 1, parent);
+        }
+    }
+
+    void enterSpan(Direction direction) {
+        if (markEdge())
+            return;
+        Level own;
+        open(own);
+        level = own.parent;
+        entered.push_back({own.span, direction, 0});
+        beginStretch(entered.back(), 0, own.span);
+    }
+
+    void beginStretch(Entered &inner, int stretch, const Span &parent) {
+        inner.stretch = stretch;
+        y += stretch == inner.firstBelow() ? 2 : stretch == 0 || stretch == stretches ? -1 : 0;
+        x = inner.isBehindParent() ? parent.end : inner.span.begin;
+    }
+
+    void leaveSpan() {
+        x = entered.back().span.end;
+        entered.pop_back();
+    }
+
+    std::vector<Entered> entered;
+#else
     [[gnu::noinline]] void climb() {
         if (markEdge())
             return;
@@ -214,14 +279,6 @@ private:
         close();
     }
 
-    /// Enters the current row wherever it is open along the span.
-    template <Step enter>
-    void enterAlongSpan() {
-        x = level->span.begin;
-        while (seekOpenInSpan())
-            (this->*enter)();
-    }
-
     /// Enters the current row wherever it is open and the span overhangs its parent's, left before right.
     template <Step enter>
     void enterAlongOverhangs() {
@@ -229,6 +286,18 @@ private:
         while (seekOpenBeforeParent())
             (this->*enter)();
         x = level->parent->span.end;
+        while (seekOpenInSpan())
+            (this->*enter)();
+    }
+    [[gnu::noinline]] bool seekOpenBeforeParent() {
+        return seekOpen(level->parent->span.begin);
+    }
+#endif
+
+    /// Enters the current row wherever it is open along the span.
+    template <Step enter>
+    void enterAlongSpan() {
+        x = level->span.begin;
         while (seekOpenInSpan())
             (this->*enter)();
     }
@@ -258,8 +327,9 @@ private:
         level = level->parent;
     }
 
-    [[gnu::noinline]] bool seekOpenInSpan() { return seekOpen(level->span.end); }
-    [[gnu::noinline]] bool seekOpenBeforeParent() { return seekOpen(level->parent->span.begin); }
+    [[gnu::noinline]] bool seekOpenInSpan() {
+        return seekOpen(level->span.end);
+    }
 
     /// Moves on to a column that may be entered, before `end`; false if there is none.
     bool seekOpen(int end) {

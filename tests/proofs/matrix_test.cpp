@@ -33,6 +33,9 @@ TEST(matrix, every_waived_proof_exists_and_would_apply) {
     catalogue::forEachRow([](const Row &row) {
         for (const catalogue::Waiver &waiver : row.waived) {
             bool found = waiver.proof == "every proof";
+#if defined(__wasm__) // where a program is one thread
+            found = found || waiver.proof == "two_threads_on_separate_surfaces";
+#endif
             for (const Proof &proof : allProofs())
                 if (proof.name == waiver.proof) {
                     found = true;
