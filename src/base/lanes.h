@@ -31,6 +31,21 @@
 
 namespace qmur::vector {
 
+namespace detail {
+
+/// A number that is to fill lanes. For WebAssembly, Clang 14 would fetch it from memory in the same step and move that
+/// behind stores.
+template <class Number>
+Number fetched(Number number) {
+#if defined(__wasm__)
+    if (!__builtin_constant_p(number))
+        asm("" : "+r"(number));
+#endif
+    return number;
+}
+
+} // namespace detail
+
 template <class Number, int count>
 struct Lanes {
     using Vector __attribute__((vector_size(sizeof(Number) * count))) = Number;
@@ -44,8 +59,8 @@ struct Lanes {
         static_assert(sizeof...(numbers) == count);
         return {Vector{static_cast<Number>(numbers)...}};
     }
-    static Lanes all(Number number) { return {number - Vector{}}; }
-    static Lanes front(Number number) { return {Vector{number}}; }
+    static Lanes all(Number number) { return {detail::fetched(number) - Vector{}}; }
+    static Lanes front(Number number) { return {Vector{detail::fetched(number)}}; }
     static Lanes counted();
 
     static Lanes load(const void *from) { return {*static_cast<const Anywhere *>(from)}; }
@@ -53,7 +68,7 @@ struct Lanes {
         using Eights __attribute__((vector_size(sizeof(Vector)))) = std::uint64_t;
         std::uint64_t eight;
         std::memcpy(&eight, from, sizeof(eight));
-        return {reinterpret_cast<Vector>(Eights{eight})};
+        return {reinterpret_cast<Vector>(Eights{detail::fetched(eight)})};
     }
     static Lanes loadFirst(const void *from, int numbers);
     void store(void *to) const { *static_cast<Anywhere *>(to) = vector; }
