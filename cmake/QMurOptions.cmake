@@ -17,6 +17,11 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "86|AMD64|amd64")
     target_compile_options(q_Mur_arithmetic INTERFACE -mstackrealign)
   endif()
 endif()
+if(WASI)
+  # Clang 14 moves a load that fills a vector behind a store that follows it, and where it makes vectors of straight code
+  # it makes such loads of numbers that are about to change. Any -O that stands behind this option takes it back.
+  target_compile_options(q_Mur_arithmetic INTERFACE -fno-slp-vectorize)
+endif()
 target_compile_definitions(q_Mur_arithmetic INTERFACE Q_MUR_LANES=$<BOOL:${Q_MUR_LANES}>)
 if(Q_MUR_SOFT_WIDE)
   target_compile_definitions(q_Mur_arithmetic INTERFACE Q_MUR_SOFT_WIDE)

@@ -4,9 +4,8 @@ list(APPEND CMAKE_MODULE_PATH "${CMAKE_CURRENT_LIST_DIR}")
 set(CMAKE_SYSTEM_NAME WASI)
 set(CMAKE_SYSTEM_PROCESSOR wasm32)
 set(CMAKE_CXX_COMPILER clang++)
-# These libraries know no exceptions. Clang 14 moves a load that fills a vector behind a store that follows it, and where
-# it makes vectors of straight code it makes such loads of numbers that are about to change.
-set(CMAKE_CXX_FLAGS_INIT "--target=wasm32-wasi -msimd128 -fno-exceptions -fno-slp-vectorize")
+# These libraries know no exceptions.
+set(CMAKE_CXX_FLAGS_INIT "--target=wasm32-wasi -msimd128 -fno-exceptions")
 # lld leaves a stack of 64 KiB, if nothing is said, and puts it where what overflows it lands in data.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,-z,stack-size=1048576,--stack-first")
 set(CMAKE_FIND_ROOT_PATH /usr/lib/wasm32-wasi)
