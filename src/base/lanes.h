@@ -960,7 +960,8 @@ inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, doubl
     const auto scaled = [factor](v128_t pair) {
         const v128_t numbers = wasm_f64x2_convert_low_i32x4(pair);
         const v128_t half = wasm_v128_bitselect(numbers, wasm_f64x2_const_splat(0.5), wasm_f64x2_const_splat(-0.0));
-        const v128_t products = wasm_f64x2_mul(wasm_f64x2_add(numbers, half), wasm_f64x2_splat(factor));
+        const v128_t products =
+            wasm_f64x2_mul(wasm_f64x2_add(numbers, half), wasm_f64x2_splat(detail::fetched(factor)));
         const v128_t fits = wasm_v128_and(wasm_f64x2_gt(products, wasm_f64x2_const_splat(-2147483649.0)),
                                           wasm_f64x2_lt(products, wasm_f64x2_const_splat(2147483648.0)));
         return wasm_i32x4_trunc_sat_f64x2_zero(

@@ -1,6 +1,6 @@
 /// \file
-/// For WebAssembly: what Debian's arithmetic on 128 bits asks for and its C library does not have. Where that has it,
-/// its own is taken.
+/// For WebAssembly: what Debian's arithmetic on 128 bits asks for and its C library does not have. Weak, so that a C
+/// library which is linked for its own is none too many.
 #include <cstdint>
 
 extern "C" {
