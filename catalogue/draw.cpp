@@ -115,8 +115,10 @@ void scatterEnds(Call &call, Random &random, int farthest) {
 }
 void arrangeBlended(Call &call, Random &random) {
     scatterEnds(call, random, 70000);
-    if (call.row().argument("width"))
-        call["width"] = random.between(random.oneIn(8) ? -3 : 0, random.oneIn(2) ? 3 : 6);
+    if (call.row().argument("width")) {
+        const int most = random.oneIn(2) ? 3 : 6;
+        call["width"] = random.between(random.oneIn(8) ? -3 : 0, most);
+    }
 }
 /// A line through the middle that turns once.
 void turningLine(Call &call, const Stage &stage) {
