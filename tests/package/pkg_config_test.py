@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Builds and runs a program with no more than what pkg-config says about the installed library, shared and static.
 
-usage: pkg_config_test.py PKG_CONFIG PREFIX SOURCE PROGRAM VERSION COMPILER_AND_FLAGS EMULATOR
+usage: pkg_config_test.py PKG_CONFIG PREFIX SOURCE PROGRAM VERSION COMPILER_AND_FLAGS [EMULATOR...]
 """
 
 import os
@@ -14,7 +14,7 @@ SKIPPED = 77
 
 
 def main():
-    pkg_config, prefix, source, program, version, compiler, emulator = sys.argv[1:]
+    pkg_config, prefix, source, program, version, compiler, *emulator = sys.argv[1:]
     if not shutil.which(pkg_config):
         print("pkg-config is not installed")
         return SKIPPED
@@ -32,10 +32,10 @@ def main():
     subprocess.run([*compiler.split(), *ask("--cflags"), source, *ask("--libs"), "-o", program], check=True)
     libraries = ["-l:libq_Mur.a" if word == "-lq_Mur" else word for word in ask("--static", "--libs")]
     subprocess.run([*compiler.split(), *ask("--cflags"), source, *libraries, "-o", program + "_static"], check=True)
-    if subprocess.run([*filter(None, [emulator]), program + "_static"]).returncode != 0:
+    if subprocess.run([*emulator, program + "_static"]).returncode != 0:
         return 1
     environment["LD_LIBRARY_PATH"] = ask("--variable=libdir")[0]
-    return subprocess.run([*filter(None, [emulator]), program], env=environment).returncode
+    return subprocess.run([*emulator, program], env=environment).returncode
 
 
 if __name__ == "__main__":

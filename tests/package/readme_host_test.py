@@ -15,7 +15,7 @@ WIDTH = HEIGHT = 480
 
 
 def main():
-    readme, prefix, compiler, emulator = sys.argv[1:]
+    readme, prefix, compiler, *emulator = sys.argv[1:]
     text = pathlib.Path(readme).read_text(encoding="utf-8")
     host = re.search(r"^```cpp\n(.*?)^```", text, re.DOTALL | re.MULTILINE)[1]
     if host.count("\n") >= 30:
@@ -27,7 +27,7 @@ def main():
         command = [*compiler.split(), "-std=c++20", "-Wall", "-Wextra", "-Werror", f"-I{prefix}/include", "host.cpp"]
         subprocess.run([*command, f"-L{library}", "-lq_Mur", "-o", "host"], cwd=directory, check=True)
         environment = {**os.environ, "LD_LIBRARY_PATH": str(library)}
-        subprocess.run([*filter(None, [emulator]), "./host"], cwd=directory, check=True, env=environment)
+        subprocess.run([*emulator, "./host"], cwd=directory, check=True, env=environment)
         picture = (pathlib.Path(directory) / "rose.ppm").read_bytes()
     head = f"P6 {WIDTH} {HEIGHT} 255\n".encode()
     pixels = picture.removeprefix(head)
