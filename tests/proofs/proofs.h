@@ -77,6 +77,11 @@ private:
     int drawn = 0;
 };
 
+/// Whether a row's function can draw here: without a rasteriser there are no letters.
+inline bool canDraw(const Row &row) {
+    return Q_MUR_TESTS_TEXT || row.name != "iTextOut";
+}
+
 /// Runs both functions of a row on copies of `call` and reports what differs, as the test's failure.
 /// \return whether they agree
 bool agree(const Call &call, const std::string &what, Tally *tally = nullptr);

@@ -126,7 +126,9 @@ void expectOfAll(const Row &row, Change changed, const char *what, Holds holds) 
         ASSERT_TRUE(stays) << what << ", case " << number << ": " << std::hex << last << "\n" << described(call);
         drawn += draws;
     }
-    EXPECT_GE(20 * drawn, cases) << what << ": of " << cases << " calls " << drawn << " draw anything";
+    if (canDraw(row)) {
+        EXPECT_GE(20 * drawn, cases) << what << ": of " << cases << " calls " << drawn << " draw anything";
+    }
 }
 
 using Preparation = void (*)(Call &);
