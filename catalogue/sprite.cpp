@@ -4,8 +4,10 @@
 #include "arguments.h"
 
 #include <cstring>
-#include <filesystem>
 #include <fstream>
+#if !defined(__wasm__) // whose library knows no directories
+#include <filesystem>
+#endif
 
 namespace catalogue {
 namespace {
@@ -75,13 +77,21 @@ Plane characters(std::string_view text) {
     std::memcpy(plane.origin(), text.data(), text.size());
     return plane;
 }
-/// A file of its own, in the directory for such.
+/// The directory for files that are not kept, with what parts it from their names.
+std::string directoryForFiles() {
+#if defined(__wasm__)
+    return "";
+#else
+    return (std::filesystem::temp_directory_path() / "").string();
+#endif
+}
+/// A file of its own.
 void setFile(Call &call, const Stage &stage) {
     constexpr std::string_view name = "q_Mur_picture.bmp";
-    const std::filesystem::path directory = std::filesystem::temp_directory_path();
+    std::string directory = directoryForFiles();
     const Plane picture = stage.picture(2);
     const int width = stage.width / 4 * 4; // so that rows have no gaps
-    std::ofstream out(directory / name, std::ios::binary);
+    std::ofstream out(directory + std::string(name), std::ios::binary);
     const auto write = [&out](std::initializer_list<int> numbers) {
         for (const int number : numbers)
             for (int byte = 0; byte < 4; ++byte)
@@ -94,7 +104,7 @@ void setFile(Call &call, const Stage &stage) {
         for (int x = 0; x < width; ++x)
             for (const int shift : {0, 8, 16})
                 out.put(static_cast<char>(picture.at(x, y) >> shift));
-    SetSpriteDir((directory / "").string().data());
+    SetSpriteDir(directory.data());
     call.set({{"dst", Plane(4, width, stage.height)}, {"name", characters(name)}});
     call.set({{"width", width}, {"height", stage.height}});
 }
