@@ -163,7 +163,8 @@ const Argument *Row::argument(std::string_view wanted) const {
 }
 
 const std::vector<Subsystem> &subsystems() {
-    static const std::vector<Subsystem> all = {
+    // Never destroyed: hosts make calls at the very end of a program, and the checked library keeps rows in mind.
+    static const auto &all = *new std::vector<Subsystem>{
         {"frame", frameRows()},       {"blit", blitRows()},     {"warp", warpRows()},     {"draw", drawRows()},
         {"region", regionRows()},     {"filter", filterRows()}, {"math3d", math3dRows()}, {"pipeline", pipelineRows()},
         {"textured", texturedRows()}, {"sprite", spriteRows()},

@@ -130,6 +130,7 @@ inline const Region onDepths = on("data", "clip");
 inline Row allocating(std::string_view record, Row row) {
     row.arguments = {orNull(hostRecord(record, "")), number("slot", "", {0, 14}, {0, 0})};
     row.waived = {{"every proof", "allocates"}};
+    row.blocks = Blocks::allocated;
     row.figure = Figure::record;
     return row;
 }

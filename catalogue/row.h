@@ -191,6 +191,14 @@ enum class Figure {
     colours,      ///< the colours that are drawn
 };
 
+/// What becomes of the blocks of the host's record.
+enum class Blocks {
+    kept,
+    freed,           ///< all up to the first empty slot
+    freedUnlessUsed, ///< likewise, unless somebody has given notice
+    allocated,       ///< one more; in slot 0, after all others have been freed
+};
+
 /// Why a proof has nothing to say of a row, in a word.
 struct Waiver {
     std::string_view proof;
@@ -229,6 +237,8 @@ struct Row {
 
     std::vector<Scene> scenes;
     std::vector<Waiver> waived;
+
+    Blocks blocks = Blocks::kept;
 
     /// What pictures show.
     Figure figure = Figure::none;

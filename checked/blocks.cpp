@@ -3,16 +3,17 @@
 #include "memory.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <deque>
 #include <mutex>
 #include <set>
-#include <vector>
 
 namespace checked {
 namespace {
 
 using catalogue::Row;
+using RecordBlocks = catalogue::Blocks;
 
 constexpr int slots = 16;
 
@@ -33,7 +34,15 @@ struct Doomed {
     MemoryBlock *block;
     MemoryBlock content;
 };
-thread_local std::vector<Doomed> doomed;
+/// Like all memory here it needs no destruction, since hosts call at the very end, too.
+struct DoomedBlocks {
+    std::array<Doomed, slots> blocks;
+    std::size_t count;
+
+    const Doomed *begin() const { return blocks.data(); }
+    const Doomed *end() const { return begin() + count; }
+};
+thread_local constinit DoomedBlocks doomed = {};
 
 bool isHeld(const MemoryBlock *block) {
     const std::lock_guard<std::mutex> lock(blocks().guard);
@@ -48,7 +57,7 @@ void retireDoomed() {
         blocks().held.erase(block);
         blocks().freed.insert(block);
     }
-    doomed.clear();
+    doomed.count = 0;
 }
 
 /// Has the library free other memory in place of the blocks' own, so that a pointer to it stays one to what is gone.
@@ -77,9 +86,17 @@ int slotOf(const Row &row, std::span<const Given> given) {
 
 /// Whether a call frees all blocks up to the first empty slot.
 bool freesBlocks(const Row &row, std::span<const Given> given) {
-    if (row.name == "EndMemoryManager")
+    switch (row.blocks) {
+    case RecordBlocks::kept:
+        return false;
+    case RecordBlocks::freed:
+        return true;
+    case RecordBlocks::freedUnlessUsed:
         return recordOf(given)->memoryUsedFlag == 0;
-    return row.name == "DeleteMemoryBlocks" || row.name == "FreeMemoryBlocks" || slotOf(row, given) == 0;
+    case RecordBlocks::allocated:
+        return slotOf(row, given) == 0;
+    }
+    return false;
 }
 
 std::string placeOf(int slot) {
@@ -105,6 +122,8 @@ std::string faultOfLimits(const _TRANSFERDATA &data) {
         return "limits3D.vertexArrayEntries " + std::to_string(data.limits3D->vertexArrayEntries) + " is below 0";
     if (data.limits3D->matrixStackDepth < 0)
         return "limits3D.matrixStackDepth " + std::to_string(data.limits3D->matrixStackDepth) + " is below 0";
+    if (data.frameGeometry->planeElements < 0)
+        return "frameGeometry.planeElements " + std::to_string(data.frameGeometry->planeElements) + " is below 0";
     return {};
 }
 
@@ -115,7 +134,8 @@ bool isOf3D(const Row &row) {
 template <class Element>
 void rememberArray(Element *begin, std::byte *end) {
     auto *first = reinterpret_cast<std::byte *>(begin);
-    remember({first, static_cast<std::size_t>(end - first)});
+    if (first < end)
+        remember({first, static_cast<std::size_t>(end - first)});
 }
 
 /// The pieces follow each other, the Z plane up to the end. It holds what a reset or a host overwrites.
@@ -124,7 +144,8 @@ void rememberPieces(Data &data, std::byte *end) {
     rememberArray(data.vertexArray0, reinterpret_cast<std::byte *>(data.vertexArray1));
     rememberArray(data.vertexArray1, reinterpret_cast<std::byte *>(data.zPlane));
     rememberArray(data.zPlane, end);
-    std::fill(data.zPlane, reinterpret_cast<short *>(end), neverReset);
+    if (auto *const zEnd = reinterpret_cast<short *>(end); data.zPlane < zEnd)
+        std::fill(data.zPlane, zEnd, neverReset);
 }
 
 } // namespace
@@ -160,12 +181,12 @@ std::string faultOfBlock(std::string_view name, const void *block) {
 
 void noteBefore(const Row &row, std::span<const Given> given) {
     const _TRANSFERDATA *data = recordOf(given);
-    doomed.clear();
-    if (!data)
+    doomed.count = 0;
+    if (!data || row.blocks == RecordBlocks::kept)
         return;
     for (int slot = 0; slot < slots && data->blocks[slot]; ++slot)
         if (isHeld(data->blocks[slot]))
-            doomed.push_back({data->blocks[slot], *data->blocks[slot]});
+            doomed.blocks[doomed.count++] = {data->blocks[slot], *data->blocks[slot]};
     if (!freesBlocks(row, given))
         return;
     keepDoomed();
@@ -174,7 +195,7 @@ void noteBefore(const Row &row, std::span<const Given> given) {
 
 void noteAfter(const Row &row, std::span<const Given> given, const void *allocated) {
     const _TRANSFERDATA *data = recordOf(given);
-    if (!data)
+    if (!data || row.blocks != RecordBlocks::allocated)
         return;
     if (!allocated) { // all blocks of the record have gone with the one that could not be had
         retireDoomed();

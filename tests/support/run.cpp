@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
+
 #if !defined(_WIN32) && !defined(__wasm__)
 #define Q_MUR_TESTS_FIND_CHECKED
 #include <dlfcn.h>
@@ -18,19 +21,23 @@ namespace {
 decltype(&q_Mur_checked_surface) tellOfSurface = nullptr;
 
 /// Where these tests run on the checked library, it is to know all memory of theirs: pictures lie within margins.
-void tellCheckedLibrary() {
+/// \return whether it is there if it is asked for
+bool tellCheckedLibrary() {
     void *const found = dlsym(RTLD_DEFAULT, "q_Mur_checked_surface");
     if (!found)
-        return;
+        return !std::getenv("Q_MUR_TESTS_ARE_CHECKED");
     tellOfSurface = reinterpret_cast<decltype(tellOfSurface)>(found);
     catalogue::tellOfMemory = [](const void *memory, std::size_t bytes) {
         const auto words = static_cast<int>((bytes + 3) / 4);
         tellOfSurface(memory, words, words > 0 ? 1 : 0);
     };
+    return true;
 }
 
 #else
-void tellCheckedLibrary() {}
+bool tellCheckedLibrary() {
+    return true;
+}
 #endif
 
 } // namespace
@@ -39,7 +46,10 @@ int test::run(int argc, char **argv) {
     testing::InitGoogleTest(&argc, argv);
     if (!takesArguments(argc, argv))
         return 2;
-    tellCheckedLibrary();
+    if (!tellCheckedLibrary()) {
+        std::fputs("the checked library is not loaded\n", stderr);
+        return 2;
+    }
     Init_qMur_GlobalData(nullptr, nullptr);
     proofs::registerTests();
     return RUN_ALL_TESTS();
