@@ -2,18 +2,19 @@
 
 #include "q_Mur/checked.h"
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <shared_mutex>
 #include <string_view>
-#include <vector>
 
 #if defined(__GLIBC__)
-#include <malloc.h>
-#include <sys/mman.h>
+#include <sys/types.h>
+#include <sys/uio.h>
 #include <unistd.h>
 #endif
 
@@ -39,89 +40,144 @@ void forgetWithin(std::map<Address, Piece> &all, Address begin, std::size_t byte
     all.erase(all.lower_bound(begin), all.lower_bound(begin + bytes));
 }
 
-/// The piece kept in mind that a pointer leads into; the end if there is none.
+/// The innermost piece kept in mind that a pointer leads into; the end if there is none.
 std::map<Address, Piece>::iterator holderOf(const void *pointer) {
     auto &all = pieces().byBegin;
     auto behind = all.upper_bound(addressOf(pointer));
-    if (behind == all.begin())
-        return all.end();
-    --behind;
-    return addressOf(pointer) < addressOf(behind->second.end()) ? behind : all.end();
+    while (behind != all.begin()) { // a surface may lie within another
+        --behind;
+        if (addressOf(pointer) < addressOf(behind->second.end()))
+            return behind;
+    }
+    return all.end();
 }
 
 #if defined(__GLIBC__) && defined(__LP64__)
 
-// The heap may be asked for the size of its own blocks alone, and of a pointer it cannot be asked whether it is one. So
-// the two words before it are looked at, which are the heap's if it is: the size of a block with flags in its lowest
-// bits, and of a block that stands alone the bytes before it.
+// What a pointer leads to may hold any bytes, those of a heap's block, too. So blocks are counted off from where the
+// heap has put its first one: each begins with the size of the one before it and its own size, which has flags in its
+// lowest bits. No host writes there. The bytes are asked of the system, which knows whether they can be read.
 
-constexpr Address flagInUse = 1;
-constexpr Address flagAlone = 2;
+constexpr Address flagAlone = 2; // the block lies in pages of its own
 constexpr Address flags = 7;
+constexpr Address headBytes = 2 * sizeof(Address);
 constexpr Address leastBlock = 32;
+constexpr Address leastAlone = 128 * 1024; // unless a host asks for less
+constexpr Address pageBytes = 4096;
+constexpr int mostSteps = 4096;
 
-/// Where the heap begins that grows behind the program.
-Address heapBegin() {
+struct Head {
+    Address before;
+    Address size;
+
+    Address bytes() const { return size & ~flags; }
+};
+
+/// Pages of memory that follow each other.
+struct Pages {
+    Address begin = 0;
+    Address end = 0;
+};
+
+/// Reads heads, a page's at a time.
+class Heads {
+public:
+    std::optional<Head> at(Address block) {
+        if (block % headBytes != 0)
+            return {};
+        if (const Address wanted = block - block % pageBytes; wanted != page) {
+            iovec here = {words.data(), pageBytes};
+            iovec there = {reinterpret_cast<void *>(wanted), pageBytes};
+            page = process_vm_readv(getpid(), &here, 1, &there, 1, 0) == ssize_t{pageBytes} ? wanted : nowhere;
+            if (page == nowhere)
+                return {};
+        }
+        const std::size_t word = block % pageBytes / sizeof(Address);
+        return Head{words[word], words[word + 1]};
+    }
+
+private:
+    static constexpr Address nowhere = 1;
+
+    Address page = nowhere;
+    std::array<Address, pageBytes / sizeof(Address)> words;
+};
+
+/// The heap that grows behind the program.
+Pages heapPages() {
     static const Address begin = [] {
+        constexpr int fieldsBefore = 44; // between the state and where the heap begins
         unsigned long long found = 0;
-        if (std::FILE *maps = std::fopen("/proc/self/maps", "r")) {
-            char line[512];
-            while (std::fgets(line, sizeof line, maps)) {
-                unsigned long long first = 0;
-                char name[16] = "";
-                if (std::sscanf(line, "%llx-%*s %*s %*s %*s %*s %15s", &first, name) == 2 &&
-                    std::string_view(name) == "[heap]")
-                    found = first;
-            }
-            std::fclose(maps);
+        if (std::FILE *stat = std::fopen("/proc/self/stat", "re")) {
+            char line[1024];
+            const char *rest = std::fgets(line, sizeof line, stat) ? std::strrchr(line, ')') : nullptr;
+            for (int field = 0; rest && field <= fieldsBefore; ++field)
+                rest = std::strchr(rest + 1, ' ');
+            if (rest)
+                found = std::strtoull(rest, nullptr, 10);
+            std::fclose(stat);
         }
         return static_cast<Address>(found);
     }();
-    return begin;
+    return {begin, begin ? addressOf(sbrk(0)) : 0};
 }
 
-bool isMapped(Address begin, std::size_t bytes) {
-    const auto page = static_cast<Address>(sysconf(_SC_PAGESIZE));
-    std::vector<unsigned char> states(bytes / page + 2);
-    return begin % page == 0 && mincore(reinterpret_cast<void *>(begin), bytes, states.data()) == 0;
-}
-
-const Address *headOf(Address block) {
-    return reinterpret_cast<const Address *>(block);
-}
-
-bool isBlockOfHeap(Address pointer) {
-    constexpr Address headBytes = 2 * sizeof(Address);
-    if (pointer % headBytes != 0 || pointer % 4096 == 0)
-        return false;
-    const Address block = pointer - headBytes;
-    const Address bytes = headOf(block)[1] & ~flags;
-    if (bytes < leastBlock || bytes % headBytes != 0)
-        return false;
-    if (headOf(block)[1] & flagAlone)
-        return headOf(block)[0] == 0 && bytes % 4096 == 0 && isMapped(block, bytes);
-    const auto end = addressOf(sbrk(0));
-    if (heapBegin() == 0 || block < heapBegin() || block >= end)
-        return false;
-    Address next = block;
-    for (int i = 0; i < 2; ++i) { // the blocks behind it are blocks, too
-        const Address size = headOf(next)[1] & ~flags;
-        if (size < leastBlock || size % headBytes != 0 || size > end - next)
-            return false;
-        next += size;
-        if (next + headBytes >= end)
-            return true;
-        if (i == 0 && !(headOf(next)[1] & flagInUse))
-            return false;
+/// The pages of no file that hold an address; none where their beginning may have been cut off from others.
+Pages pagesOfNoFile(Address address) {
+    Pages found;
+    if (std::FILE *maps = std::fopen("/proc/self/maps", "re")) {
+        char line[512];
+        Address endBefore = 0;
+        while (std::fgets(line, sizeof line, maps)) {
+            unsigned long long begin = 0;
+            unsigned long long end = 0;
+            char rights[8] = "";
+            char name[16] = "";
+            const int read = std::sscanf(line, "%llx-%llx %7s %*s %*s %*s %15s", &begin, &end, rights, name);
+            if (read == 3 && address >= begin && address < end && begin != endBefore &&
+                std::string_view(rights) == "rw-p")
+                found = {static_cast<Address>(begin), static_cast<Address>(end)};
+            if (address < end)
+                break;
+            endBefore = read == 3 ? static_cast<Address>(end) : 0;
+        }
+        std::fclose(maps);
     }
-    return true;
+    return found;
+}
+
+/// Counts blocks off from the first one of some pages. \return whether one of them begins at an address
+bool isReached(Address block, const Pages &pages, Heads &heads, bool isAlone) {
+    Address next = pages.begin;
+    for (int step = 0; step < mostSteps && next < block; ++step) {
+        const std::optional<Head> head = heads.at(next);
+        if (!head || head->bytes() < (isAlone ? leastAlone : leastBlock) || head->bytes() > pages.end - next ||
+            isAlone != ((head->size & flags) == flagAlone && head->before == 0 && head->bytes() % pageBytes == 0))
+            return false;
+        next += head->bytes();
+    }
+    return next == block;
 }
 
 std::optional<Piece> blockOfHeap(const void *pointer) {
-    if (!pointer || !isBlockOfHeap(addressOf(pointer)))
+    const Address begin = addressOf(pointer);
+    if (begin < pageBytes || begin % headBytes != 0 || begin % pageBytes == 0)
         return {};
-    void *const begin = const_cast<void *>(pointer);
-    return Piece{static_cast<std::byte *>(begin), malloc_usable_size(begin)};
+    const Address block = begin - headBytes;
+    Heads heads;
+    const std::optional<Head> head = heads.at(block);
+    const bool isAlone = head && (head->size & flags) == flagAlone;
+    if (!head || head->bytes() < (isAlone ? leastAlone : leastBlock))
+        return {};
+    if (isAlone && (block % pageBytes != 0 || head->before != 0))
+        return {};
+    const Pages pages = isAlone ? pagesOfNoFile(block) : heapPages();
+    if (block < pages.begin || block >= pages.end || head->bytes() > pages.end - block ||
+        !isReached(block, pages, heads, isAlone))
+        return {};
+    // A block that has none of its own pages also has the first word of the next one.
+    const Address bytes = head->bytes() - headBytes + (isAlone ? 0 : sizeof(Address));
+    return Piece{static_cast<std::byte *>(const_cast<void *>(pointer)), bytes};
 }
 
 #else
