@@ -114,6 +114,11 @@ inline Argument meant(Argument argument, Range range) {
     argument.meant = range;
     return argument;
 }
+/// A number with which nothing is written, which is allowed and not meant.
+inline Argument idle(Argument argument, Range range) {
+    argument.idle = range;
+    return meant(argument, argument.contract);
+}
 
 /// Several arguments that are alike but for their names.
 inline Arguments each(std::initializer_list<std::string_view> names, Argument argument) {

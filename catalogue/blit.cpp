@@ -743,7 +743,8 @@ std::vector<Row> alphaRows() {
 std::vector<Row> otherRows() {
     Argument blueFirst = colour();
     blueFirst.unit = "0x00BBGGRR";
-    blueFirst.contract = {0, 0xFFFFFF};
+    blueFirst.contract = {0, 0xFFFFFF, true};
+    blueFirst.meant = {0, 0xFFFFFF};
     return {
         // The letters are the platform's.
         {Q_MUR_FUNCTION_WITHOUT_TWIN(iTextOut),

@@ -205,11 +205,16 @@ const Arguments clippedStar = surface + itsPitch + itsClip + centre;
 Argument radiusUpTo(double highest) {
     return meant(radius("radius", {anyInt.low, highest}, {20, 70}), {0, highest});
 }
+Argument radiusBeyond(double highest) {
+    Argument argument = radiusUpTo(highest);
+    argument.contract.goesOn = true;
+    return argument;
+}
 Argument thicknessWithin(Range contract) {
     return radius("thickness", contract, {2, 8});
 }
-const Arguments softBand = {meant(radius("radius", {-181, 181}, {20, 70}), {0, 181}), thicknessWithin({1, 90}),
-                            colour()};
+const Arguments softBand = {meant(radius("radius", {-181, 181}, {20, 70}), {0, 181}),
+                            idle(thicknessWithin({1, 90}), {0, 0}), colour()};
 Arguments channels(Range contract) {
     return {number("red", "1/255", contract, {255, 255}), number("green", "1/255", contract, {176, 176}),
             number("blue", "1/255", contract, {96, 96})};
@@ -594,7 +599,7 @@ std::vector<Row> drawRows() {
                       .writes = clippedDisc, .topByte = cleared, .sums = wrap, .arrange = arrangeFilledDisc})),
         figure("circles", mixed({Q_MUR_FUNCTION(Draw_Bubble_Circle),
                                  .sentence = "Blends a disc that is clear at its centre and solid at its rim.",
-                                 .arguments = clippedCircle + radiusUpTo(32767) + colour(), .writes = clippedDisc,
+                                 .arguments = clippedCircle + radiusBeyond(32767) + colour(), .writes = clippedDisc,
                                  .topByte = cleared, .sums = stayInside, .arrange = arrangeClippedDisc})),
         figure("circles", {Q_MUR_FUNCTION(Draw_Metal_Circle),
                            .sentence = "Fills a disc that goes from white at its centre to the colour at its rim.",

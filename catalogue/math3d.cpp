@@ -43,7 +43,8 @@ const Arguments steps = {whole("dx", {-9, 9}), whole("dy", {9, -9}), whole("dz",
 const Arguments centre = {whole("centreX", {-60, -60}), whole("centreY", {30, 30})};
 /// Columns and rows of a grid, so many at the fewest.
 Arguments gridSize(double fewest) {
-    return each({"columns", "rows"}, count("", "points", {fewest, 65536, true}, {64, 64}));
+    const Argument size = count("", "points", {fewest, 65536, true}, {64, 64});
+    return each({"columns", "rows"}, fewest > 0 ? idle(size, {anyInt.low, 0}) : size);
 }
 
 // What calls read and write: single coordinates, or x, y and z of a point. The fourth word belongs to nobody.

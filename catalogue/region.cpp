@@ -289,17 +289,27 @@ bool ends(plain::Fill fill, const Call &call) {
               call["direction"].whole());
     return fill.callsLeft >= 0;
 }
-/// The seed lies inside the limits, the limits with row 0 inside the surface, and between the ends of the parent's span
-/// there is the seed.
+/// A fill that goes on from a parent's span begins between the ends of it.
+const Rule hasParent = {"{x} is not within the parent's span, {parentLeft} to {parentRight}", [](const Call &call) {
+                            const int x = call["x"].whole();
+                            return call["direction"].whole() == 0 ||
+                                   (call["parentLeft"].whole() <= x && call["parentRight"].whole() >= x);
+                        }};
+const Rule parentIsInside = {
+    "the parent's span, {parentLeft} to {parentRight}, leaves the limits", [](const Call &call) {
+        const tagRECT &limits = limitsOf(call);
+        return call["direction"].whole() == 0 ||
+               (call["parentLeft"].whole() >= limits.left && call["parentRight"].whole() < limits.right);
+    }};
+const Rule pitchesAreEqual = {"the pitches of the plane and of the test surface differ", [](const Call &call) {
+                                  return blockOf(call).plane.pitch() == blockOf(call).testSurface.pitch();
+                              }};
+
+/// The seed lies inside the limits, and the limits with row 0 inside the surface.
 bool liesInside(const Call &call, const Plane &surface) {
     const tagRECT &limits = limitsOf(call);
-    const int x = call["x"].whole();
-    const int parentLeft = call["parentLeft"].whole();
-    const int parentRight = call["parentRight"].whole();
-    const bool hasParent = call["direction"].whole() == 0 || (parentLeft >= limits.left && parentLeft <= x &&
-                                                              parentRight >= x && parentRight < limits.right);
-    return Box(limits).contains({x, call["y"].whole()}) && surface.holds(limits) &&
-           surface.holds({limits.left, 0, limits.right, 1}) && hasParent;
+    return Box(limits).contains({call["x"].whole(), call["y"].whole()}) && surface.holds(limits) &&
+           surface.holds({limits.left, 0, limits.right, 1}) && hasParent.holds(call) && parentIsInside.holds(call);
 }
 bool colourFillIsInside(const Call &call) {
     return liesInside(call, blockOf(call).testSurface) && liesInside(call, blockOf(call).destSurface);
@@ -317,8 +327,8 @@ bool planeFillIsInside(const Call &call) {
 }
 bool sourceFillIsInside(const Call &call) {
     const RegionBlock &data = blockOf(call);
-    return data.plane.pitch() == data.testSurface.pitch() && liesInside(call, data.plane) &&
-           liesInside(call, data.destSurface) && liesInside(call, data.testSurface);
+    return pitchesAreEqual.holds(call) && liesInside(call, data.plane) && liesInside(call, data.destSurface) &&
+           liesInside(call, data.testSurface);
 }
 bool sourceFillEnds(const Call &call) {
     if (!sourceFillIsInside(call))
@@ -498,13 +508,16 @@ std::vector<Row> regionRows() {
               .sentence = "Paints the region around a pixel up to a boundary with a colour.",
               .arguments = {rectangle("rect", "")},
               .rules = {surfacesAreSet,
+                        hasParent,
+                        parentIsInside,
                         {"the seed or the limits lie outside", colourFillIsInside},
                         {"the fill never ends", colourFillEnds, true}},
               .topByte = setByColour, .arrange = arrangeColourFill}),
         fill(toValue,
              {Q_MUR_FUNCTION(bRegion_Fill),
               .sentence = "Paints the region around an element of an 8-bit plane with the value that bounds it.",
-              .rules = {planeIsSet, {"the seed or the limits lie outside", planeFillIsInside}},
+              .rules =
+                  {planeIsSet, hasParent, parentIsInside, {"the seed or the limits lie outside", planeFillIsInside}},
               .arrange = arrangePlaneFill},
              true),
         fill(toValue,
@@ -512,6 +525,9 @@ std::vector<Row> regionRows() {
               .sentence = "Copies the region around a pixel, bounded on an 8-bit plane, from a surface to another.",
               .rules = {surfacesAreSet,
                         planeIsSet,
+                        pitchesAreEqual,
+                        hasParent,
+                        parentIsInside,
                         {"the seed or the limits lie outside", sourceFillIsInside},
                         {"the fill never ends", sourceFillEnds, true}},
               .topByte = copied, .arrange = arrangeSourceFill}),

@@ -91,6 +91,7 @@ struct Argument {
     std::string_view of;     ///< the surface that a pitch, a place or an area belongs to
     bool mayBeNull = false;
     Range meant = anyReal; ///< what makes sense; the contract may have numbers beyond, whose results nobody wants
+    Range idle = {1, 0};   ///< further numbers that the contract allows, with which a call writes nothing; never tried
 };
 using Arguments = std::vector<Argument>;
 

@@ -37,8 +37,9 @@ double counted(const Argument &argument, double number) {
     if (!isWord || !(argument.contract.high <= anyWord.high))
         return number;
     const auto word = static_cast<std::uint32_t>(static_cast<std::int64_t>(number));
-    return argument.contract.high > anyInt.high ? static_cast<double>(word)
-                                                : static_cast<double>(static_cast<std::int32_t>(word));
+    return argument.kind == Kind::colour || argument.contract.high > anyInt.high
+               ? static_cast<double>(word)
+               : static_cast<double>(static_cast<std::int32_t>(word));
 }
 
 bool isPitchOf(const Argument &pitch, std::string_view surface) {
@@ -176,10 +177,20 @@ std::string numberFault(const Call &call, Range Argument::*range) {
         const Argument &argument = call.row().arguments[i];
         const bool isRanged = isNumber(argument.kind) && argument.kind != Kind::unused && call[i].is<double>();
         const bool isAny = std::isinf((argument.*range).low) && std::isinf((argument.*range).high);
-        if (isRanged && !isAny && !(argument.*range).mayHold(call[i].number()))
+        if (!isRanged || isAny || (argument.*range).mayHold(call[i].number()))
+            continue;
+        if (range != &Argument::contract || !argument.idle.contains(call[i].number()))
             return outside(argument.name, call[i].number(), argument.*range);
     }
     return {};
+}
+
+/// Whether a number says that nothing is written, whatever the others are.
+bool isIdle(const Call &call) {
+    for (std::size_t i = 0; i < call.size(); ++i)
+        if (call[i].is<double>() && call.row().arguments[i].idle.contains(call[i].number()))
+            return true;
+    return false;
 }
 
 std::string tablesFault(const Row &row) {
@@ -337,10 +348,14 @@ std::string areaFault(const Call &call, const Area &area, bool isWritten) {
     return {};
 }
 
-/// Two corners of what is drawn stand for the rest.
+/// A host may reset no more than what it draws in.
 bool wasNeverReset(const Plane &depths, const Box &part) {
-    const auto at = [&depths](std::int64_t x, std::int64_t y) { return depths.as<short>()[y * depths.pitch() + x]; };
-    return at(part.left, part.top) == neverReset && at(part.right - 1, part.bottom - 1) == neverReset;
+    for (std::int64_t y = part.top; y < part.bottom; ++y) {
+        const short *row = depths.as<short>() + y * depths.pitch();
+        if (std::any_of(row + part.left, row + part.right, [](short depth) { return depth != neverReset; }))
+            return false;
+    }
+    return true;
 }
 
 /// Where a call may draw and draws nothing, no pixels are read either, whatever its row allows.
@@ -383,6 +398,8 @@ std::string faultOf(const Row &row, std::span<const Given> given, std::optional<
     call.emplace(callOf(row, given));
     if (const std::string found = numberFault(*call, &Argument::contract); !found.empty())
         return found;
+    if (isIdle(*call))
+        return {};
     if (const std::string found = ruleFault(*call); !found.empty())
         return found;
     return areasFault(*call);

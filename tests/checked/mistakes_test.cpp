@@ -4,8 +4,12 @@
 #include <q_Mur.h>
 #include <q_Mur/checked.h>
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <array>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -176,6 +180,27 @@ TEST(mistakes, fill_from_outside_its_limits) {
     EXPECT_NAMED(Region_Fill(&data, 70, 5, 1, 1, 0, 0, 0, &limits), "Region_Fill: the seed or the limits lie outside");
 }
 
+TEST(mistakes, fill_with_two_pitches) {
+    Picture dst(64, 48), test(64, 48);
+    std::vector<unsigned char> plane(80 * 48);
+    _PRIVATE_QMGP_DATA data = {};
+    tagRECT limits = {1, 0, 63, 48};
+    SetRegionSrcFill(&data, dst.data(), 64, test.data(), 64, plane.data(), &limits, 80);
+    EXPECT_NAMED(Region_Src_Fill(&data, 5, 5, 1, 0, 0, 0),
+                 "Region_Src_Fill: the pitches of the plane and of the test surface differ");
+}
+
+TEST(mistakes, fill_that_begins_beside_its_parent) {
+    Picture dst(64, 48);
+    _PRIVATE_QMGP_DATA data = {};
+    tagRECT limits = {1, 0, 63, 48};
+    SetRegionFill(&data, dst.data(), 64, dst.data(), 64);
+    EXPECT_NAMED(Region_Fill(&data, 5, 5, 1, 1, 6, 20, 1, &limits),
+                 "Region_Fill: x 5 is not within the parent's span, parentLeft 6 to parentRight 20");
+    EXPECT_NAMED(Region_Fill(&data, 5, 5, 1, 1, 0, 20, 1, &limits),
+                 "Region_Fill: the parent's span, parentLeft 0 to parentRight 20, leaves the limits");
+}
+
 // Records and private blocks
 
 struct Host {
@@ -198,6 +223,15 @@ TEST(mistakes, record_that_is_not_cleared) {
     std::memset(&record, 0xCD, sizeof record);
     EXPECT_NAMED(FindNotUsedMemory(&record, 0, 100),
                  "FindNotUsedMemory: data.blocks[0] is no block: the record was not cleared");
+}
+
+TEST(mistakes, record_whose_frame_has_no_size) {
+    Host host;
+    host.geometry.planeElements = -100;
+    EXPECT_NAMED(GetPrivate_QMGL_Data(&host.record, 0),
+                 "GetPrivate_QMGL_Data: frameGeometry.planeElements -100 is below 0");
+    EXPECT_NAMED(GetPrivate_QM3D_Data(&host.record, 0),
+                 "GetPrivate_QM3D_Data: frameGeometry.planeElements -100 is below 0");
 }
 
 TEST(mistakes, limits_not_set) {
@@ -279,6 +313,120 @@ TEST(mistakes, private_block_of_a_smaller_frame) {
     _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
     EXPECT_NAMED(drawTriangle(data, dst),
                  "VKD_Render_Tri: the Z plane of data is written up to column 63 of row 47, which leaves its memory");
+}
+
+// What is no mistake: a message would end these
+
+TEST(correct, blocks_are_cleared) {
+    Host host;
+    auto *first = static_cast<unsigned char *>(FindNotUsedMemory(&host.record, 0, 100));
+    auto *second = static_cast<unsigned char *>(FindNotUsedMemory(&host.record, 1, 100));
+    std::memset(first, 1, 100);
+    std::memset(second, 2, 100);
+    ClearMemory(&host.record, 0);
+    EXPECT_EQ(host.record.blocks[0]->start, first);
+    EXPECT_EQ(first[0] + first[99], 0);
+    EXPECT_EQ(second[0] + second[99], 4);
+}
+
+TEST(correct, depths_are_reset_where_they_are_drawn) {
+    Host host;
+    Picture dst(64, 48);
+    _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
+    tagRECT part = {2, 2, 50, 42};
+    VKD_ResetZBuffer(data, &part, 64);
+    drawTriangle(data, dst);
+    EXPECT_EQ(dst.data()[10 * 64 + 20], 0xFFFFFFu);
+}
+
+/// Two pages, the first of which may not be read.
+struct Fenced {
+    Fenced()
+        : pages(static_cast<std::byte *>(mmap(nullptr, 2 * bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {
+        mprotect(pages + bytes, bytes, PROT_READ | PROT_WRITE);
+    }
+    Fenced(const Fenced &) = delete;
+    Fenced &operator=(const Fenced &) = delete;
+    ~Fenced() { munmap(pages, 2 * bytes); }
+
+    const std::size_t bytes = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    std::byte *const pages;
+};
+
+TEST(correct, what_lies_before_a_picture_is_not_read) {
+    Fenced memory;
+    auto *first = reinterpret_cast<q_ulong *>(memory.pages + memory.bytes);
+    // The picture's origin lies 60 pixels before it, where nobody draws.
+    tagRECT part = {60, 0, 64, 1};
+    iFillRect(first - 60, &part, 64, 7);
+    EXPECT_EQ(first[0] + first[3], 14u);
+}
+
+TEST(correct, pixels_that_look_like_the_heads_of_blocks) {
+    for (const std::size_t count : {64U * 48, 640U * 480}) {
+        for (const q_ulong head : {0x31U, 0x20002U, 0x1002U}) {
+            auto *pixels = static_cast<q_ulong *>(std::malloc(count * sizeof(q_ulong)));
+            ASSERT_NE(pixels, nullptr);
+            for (std::size_t i = 0; i < count; ++i)
+                pixels[i] = i % 4 == 2 || (i % 4 == 0 && head == 0x31) ? head : 0;
+            for (std::size_t i = 4; i < 1028 + 64; i += 4) {
+                tagRECT part = {0, 0, 16, 20};
+                if (i + 64 * 20 <= count)
+                    iBltFast32(pixels + i, pixels + i, 0, 0, &part, 64, 64);
+            }
+            std::free(pixels);
+        }
+    }
+}
+
+TEST(correct, a_told_surface_goes_on_behind_one_within_it) {
+    std::vector<q_ulong> memory(64 * 48);
+    q_Mur_checked_surface(memory.data(), 64, 48);
+    q_Mur_checked_surface(&memory[64], 64, 2);
+    tagRECT part = {0, 0, 64, 45};
+    iFillRect(&memory[64 * 3], &part, 64, 7);
+    part.bottom = 46;
+    EXPECT_NAMED(iFillRect(&memory[64 * 3], &part, 64, 7), "iFillRect: rect.bottom 46 exceeds the 45 rows of dst");
+    q_Mur_checked_surface(&memory[64], 64, 0);
+    q_Mur_checked_surface(memory.data(), 64, 0);
+}
+
+/// The messages of calls, which are made nevertheless if these are doubts.
+template <class Calls>
+std::vector<std::string> messagesOf(const Calls &calls) {
+    std::vector<std::string> messages;
+    q_Mur_checked_handle(
+        [](const char *message, void *all) { static_cast<std::vector<std::string> *>(all)->push_back(message); },
+        &messages);
+    calls();
+    q_Mur_checked_handle(nullptr, nullptr);
+    return messages;
+}
+
+TEST(doubts, what_headers_promise_is_no_breach) {
+    Picture dst(64, 48);
+    std::vector<unsigned char> raw(3 * 16 * 16);
+    std::vector<_POINT3DFLOAT> points(8);
+    char empty[] = "";
+    const auto calls = [&] {
+        auto *bytes = reinterpret_cast<unsigned char *>(dst.data());
+        _FitOn32RAW_24RAW_Nearest(bytes, -4, 10, 256, raw.data(), 16, 16, 48);
+        _FitOn32RAW_24RAW_Nearest(bytes, 10, -4, 256, raw.data(), 16, 16, 48);
+        Flat3D(points.data(), 8, 0, 1, 0, 0, 0, 0, 0, 0, 240, 100, 100);
+        Post3D(points.data(), -3, 8, 1, 0, 0, 0, 0, 0, 0, 240, 100, 100);
+        Draw_Anti_Aliasing_Circle_NoFillInside(dst.data(), 64, -300, -300, 10, 0, 7);
+        Draw_Bubble_Circle(dst.data(), &dst.all, 64, 30, 20, 65536, 7);
+        iTextOut(dst.data(), &dst.all, 64, empty, 0xFF000000, 0, 0, 10, empty);
+    };
+    EXPECT_EQ(messagesOf(calls),
+              (std::vector<std::string>{
+                  "_FitOn32RAW_24RAW_Nearest: dstWidth -4 is below 1",
+                  "_FitOn32RAW_24RAW_Nearest: dstHeight -4 is below 1", "Flat3D: rows 0 is below 2",
+                  "Post3D: columns -3 is below 2", "Draw_Anti_Aliasing_Circle_NoFillInside: thickness 0 is below 1",
+                  "Draw_Bubble_Circle: radius 65536 exceeds 32767", "iTextOut: colour 4278190080 exceeds 16777215"}));
+    q_Mur_checked_doubts(0);
+    EXPECT_EQ(messagesOf(calls), std::vector<std::string>());
+    q_Mur_checked_doubts(1);
 }
 
 // What a host may wish
