@@ -56,6 +56,8 @@ TEST(mistakes, pitch_in_bytes) {
 TEST(mistakes, pitch_in_bytes_on_the_heap) {
     Picture dst(640, 480, false);
     EXPECT_NAMED(iFillRect(dst.data(), &dst.all, 4 * 640, 0), "iFillRect: rect.bottom 480 exceeds the 121 rows of dst");
+    Picture low(64, 48, false);
+    EXPECT_NAMED(iFillRect(low.data(), &low.all, 4 * 64, 0), "iFillRect: rect.bottom 48 exceeds the 13 rows of dst");
 }
 
 TEST(mistakes, swapped_pitches) {
