@@ -100,7 +100,7 @@ private:
     static constexpr Address nowhere = 1;
 
     Address page = nowhere;
-    std::array<Address, pageBytes / sizeof(Address)> words;
+    std::array<Address, pageBytes / sizeof(Address)> words = {};
 };
 
 /// The heap that grows behind the program.
