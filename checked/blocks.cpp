@@ -157,7 +157,7 @@ std::string faultOfRecord(const Row &row, std::span<const Given> given) {
     const std::lock_guard<std::mutex> lock(blocks().guard);
     if (freesBlocks(row, given))
         for (int slot = 0; slot < slots && data->blocks[slot]; ++slot)
-            if (const std::string found = faultOfSlot(*data, slot); !found.empty())
+            if (std::string found = faultOfSlot(*data, slot); !found.empty())
                 return found;
     if (row.name == "ClearMemory") {
         const int slot = slotOf(row, given);

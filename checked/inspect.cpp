@@ -326,7 +326,7 @@ std::string areaFault(const Call &call, const Area &area, bool isWritten) {
                textOf(std::int64_t{piece->pitch}) + ", the pitch of " + std::string(surface.name);
     const Extent extent = extentOf(call, area, *plane, piece);
     if (!extent.contains(part))
-        if (const std::string found = culprit(call, surface, part, extent); !found.empty())
+        if (std::string found = culprit(call, surface, part, extent); !found.empty())
             return found;
     const std::string verb = isWritten ? " is written" : " is read";
     const std::string name = nameOf(surface);
@@ -370,7 +370,7 @@ std::string areasFault(const Call &call) {
                 drawsNothing = drawsNothing && area.part.isEmpty();
             else if (drawsNothing && isSurface(call.row().argument(area.argument)->kind))
                 continue;
-            if (const std::string found = areaFault(call, area, isWritten); !found.empty())
+            if (std::string found = areaFault(call, area, isWritten); !found.empty())
                 return found;
             const Value &value = call[area.argument];
             const bool isDepths = call.row().argument(area.argument)->kind == Kind::privateBlock;
@@ -385,7 +385,7 @@ std::string areasFault(const Call &call) {
 std::string blocksFault(const Row &row, std::span<const Given> given) {
     for (std::size_t i = 0; i < given.size(); ++i)
         if (row.arguments[i].kind == Kind::privateBlock)
-            if (const std::string found = faultOfBlock(row.arguments[i].name, given[i].pointer); !found.empty())
+            if (std::string found = faultOfBlock(row.arguments[i].name, given[i].pointer); !found.empty())
                 return found;
     return faultOfRecord(row, given);
 }
@@ -396,11 +396,11 @@ std::string faultOf(const Row &row, std::span<const Given> given, std::optional<
         if (!found.empty())
             return found;
     call.emplace(callOf(row, given));
-    if (const std::string found = numberFault(*call, &Argument::contract); !found.empty())
+    if (std::string found = numberFault(*call, &Argument::contract); !found.empty())
         return found;
     if (isIdle(*call))
         return {};
-    if (const std::string found = ruleFault(*call); !found.empty())
+    if (std::string found = ruleFault(*call); !found.empty())
         return found;
     return areasFault(*call);
 }
