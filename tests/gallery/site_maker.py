@@ -29,7 +29,7 @@ def skip(reason):
     sys.exit(77)
 
 
-need(jinja2="Jinja")
+need(jinja2="Jinja", tomllib="Python 3.11")
 sys.path.insert(0, str(ROOT / "site"))
 import pages  # noqa: E402
 
