@@ -19,8 +19,7 @@
 /// - Screen y grows downward with world y. z grows away from the viewer.
 /// - On the plane z = 0 of the camera a unit is a pixel. What VKD_gluLookAt() calls the eye lies on this plane; the
 ///   viewer's own eye, toward which the rays run together, lies a focal length behind it, at z = -`focalLength`.
-/// - Depth is the camera's z in world units, an int in the Z plane, smaller is nearer. The Z plane must not overlap
-///   what is drawn on.
+/// - Depth is the camera's z in world units, an int in the Z plane, smaller is nearer.
 /// - VKD_Mapping3Dto2D() takes rows before columns, the renderers take columns before rows.
 ///
 /// Nothing is checked: neither the depth of the stacks, nor a surface, which `clip` alone bounds and which may be read

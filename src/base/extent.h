@@ -27,6 +27,13 @@ inline Extent extentOf(const q_ulong *surface, Distance pitch, const Window &win
             (address + size - 1) / size + (top < bottom ? bottom : top) + window.columns.end};
 }
 
+/// The same of 16-bit entries, in pixels too, rounded outward.
+inline Extent extentOf(const short *plane, Distance pitch, const Window &window) {
+    const Extent entries = extentOf(static_cast<const q_ulong *>(nullptr), pitch, window);
+    const auto address = static_cast<long long>(reinterpret_cast<std::uintptr_t>(plane));
+    return {((address >> 1) + entries.begin) >> 1, (((address + 1) >> 1) + entries.end + 1) >> 1};
+}
+
 /// Whether the pixels of a window of that width all lie at addresses of their own.
 constexpr bool keepsPixelsApart(Distance pitch, int width) {
     return pitch >= width || pitch <= -width;

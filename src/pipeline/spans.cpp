@@ -1,5 +1,6 @@
 #include "spans.h"
 
+#include "base/extent.h"
 #include "base/pixel.h"
 #include "q_Mur/pipeline.h"
 
@@ -54,10 +55,11 @@ Distance drawGroups(Distance begin, Distance end, Distance readable, const Runni
 /// From how many pixels on a row is worth groups, where a group cannot leave out some of what it reads.
 constexpr int groupedFrom = 8;
 
-/// Calls `draw(index, lanes, shades)` for groups of pixels until every pixel of a band inside the clip was in one.
+/// Calls `draw(index, lanes, shades)` for groups of pixels until every pixel of a band inside the clip was in one; for
+/// one pixel after the other unless groups are allowed.
 template <int fractionBits, class Draw>
 void forEachGroup(const tagRECT &clip, q_ulong pitch, const SteppedEdge<fractionBits, ShadedColumn> &left,
-                  const SteppedEdge<fractionBits, ShadedColumn> &right, Draw draw) {
+                  const SteppedEdge<fractionBits, ShadedColumn> &right, Draw draw, bool allowsGroups = true) {
     const Distance rowStep = asDistance(pitch);
     const Window window = windowOf(clip);
     forEachSteppedRow<fractionBits>(left, right, window, [=](int y, Span columns, const Running<ShadedColumn> &shade) {
@@ -66,11 +68,11 @@ void forEachGroup(const tagRECT &clip, q_ulong pitch, const SteppedEdge<fraction
         const Distance end = row + columns.end;
         Distance drawn = begin;
         Running<ShadedColumn> rest = shade;
-        if (readsSomeLanes<SpanPixels> || columns.length() >= groupedFrom) {
+        if (allowsGroups && (readsSomeLanes<SpanPixels> || columns.length() >= groupedFrom)) {
             drawn = drawGroups<SpanPixels>(begin, end, row + window.columns.end, shade, draw);
             rest.advance(static_cast<int>(drawn - begin));
         }
-        if (!readsSomeLanes<SpanPixels>)
+        if (!readsSomeLanes<SpanPixels> || !allowsGroups)
             drawGroups<SinglePixel>(drawn, end, end, rest, draw);
     });
 }
@@ -112,14 +114,20 @@ template <class Lanes, class ColourOf>
     storeWhere(lanes, colourOf(d), dst);
 }
 
-/// What draws with a depth: `draw(first dst pixel, lanes, shades)` for the pixels that pass both tests.
+/// What draws with a depth: `draw(first dst pixel, lanes, shades)` for the pixels that pass both tests. A depth that is
+/// a pixel before it as well is read when that pixel has been drawn.
 template <class Draw>
-void drawNearest(const _PRIVATE_QMGL_DATA &data, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,
-                 const ShadedEdge &right, Draw draw) {
+void drawNearest(const _PRIVATE_QMGL_DATA &data, const q_ulong *dst, const tagRECT &clip, q_ulong pitch,
+                 const ShadedEdge &left, const ShadedEdge &right, Draw draw) {
     short *const zBuffer = data.zBuffer;
+    const Window window = windowOf(clip);
+    const Distance rowStep = asDistance(pitch);
+    const bool isApart =
+        !window.empty() && extentOf(dst, rowStep, window).isApartFrom(extentOf(zBuffer, rowStep, window));
     const auto nearLimit = static_cast<std::uint32_t>(data.nearLimit);
     forEachGroup<depthFractionBits>(
-        clip, pitch, left, right, [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+        clip, pitch, left, right,
+        [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
             const Lanes z = shiftedSigned(shades.depth, depthFractionBits);
             Lanes depths;
             loadSignedWhere(lanes, zBuffer + i, depths);
@@ -128,14 +136,15 @@ void drawNearest(const _PRIVATE_QMGL_DATA &data, const tagRECT &clip, q_ulong pi
                 return;
             draw(i, nearest, shades);
             storeLowWhere(nearest, z, zBuffer + i);
-        });
+        },
+        isApart);
 }
 
 } // namespace
 
 void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,
               const ShadedEdge &right) {
-    drawNearest(data, clip, pitch, left, right,
+    drawNearest(data, dst, clip, pitch, left, right,
                 [dst]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
                     storeWhere(lanes, packed(shades, depthFractionBits), dst + i);
                 });
@@ -154,27 +163,28 @@ void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip,
     const std::uint32_t dstWeight = 256 - shadeWeight;
     if (isModest && shadeWeight <= 256) {
         const std::uint32_t weights = shadeWeight << 16 | dstWeight;
-        drawNearest(data, clip, pitch, left, right,
+        drawNearest(data, dst, clip, pitch, left, right,
                     [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
                         change<Lanes>(dst + i, lanes, [&](Lanes d) { return blendedInPairs(d, shades, weights); });
                     });
         return;
     }
-    drawNearest(data, clip, pitch, left, right, [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
-        const auto weighted = [shadeWeight](Lanes value) {
-            return shiftedSigned(value, depthFractionBits) * Lanes::all(shadeWeight);
-        };
-        const auto part = [dstWeight](Lanes d, int bits, std::uint32_t mask) {
-            return (d >> bits & Lanes::all(mask)) * Lanes::all(dstWeight);
-        };
-        change<Lanes>(dst + i, lanes, [&](Lanes d) {
-            // Meant: red takes the destination's top byte along.
-            const Lanes red = (weighted(shades.red) << 8) + part(d, 8, 0xFFFF00);
-            const Lanes green = weighted(shades.green) + part(d, 8, 0xFF);
-            const Lanes blue = weighted(shades.blue) + part(d, 0, 0xFF);
-            return (red & Lanes::all(0xFFFF00FF)) | (green & Lanes::all(0xFFFFFF00)) | blue >> 8;
-        });
-    });
+    drawNearest(data, dst, clip, pitch, left, right,
+                [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+                    const auto weighted = [shadeWeight](Lanes value) {
+                        return shiftedSigned(value, depthFractionBits) * Lanes::all(shadeWeight);
+                    };
+                    const auto part = [dstWeight](Lanes d, int bits, std::uint32_t mask) {
+                        return (d >> bits & Lanes::all(mask)) * Lanes::all(dstWeight);
+                    };
+                    change<Lanes>(dst + i, lanes, [&](Lanes d) {
+                        // Meant: red takes the destination's top byte along.
+                        const Lanes red = (weighted(shades.red) << 8) + part(d, 8, 0xFFFF00);
+                        const Lanes green = weighted(shades.green) + part(d, 8, 0xFF);
+                        const Lanes blue = weighted(shades.blue) + part(d, 0, 0xFF);
+                        return (red & Lanes::all(0xFFFF00FF)) | (green & Lanes::all(0xFFFFFF00)) | blue >> 8;
+                    });
+                });
 }
 
 void mixBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, q_ulong pitch, const ShadedEdge &left,

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstring>
 
 namespace {
 
@@ -58,6 +59,50 @@ TEST(VKD_3D_Render, left_column_and_first_row_belong_to_the_band_right_and_last_
         render(canvas, band, way, 128);
         const q_ulong red = way == Way::blend || way == Way::mix ? 0x400000 : 0x800000;
         EXPECT_EQ(canvas.picture.differenceFrom(painted(Surface(8, 8), {2, 1, 5, 4}, red)), "");
+    }
+}
+
+TEST(VKD_3D_Render, a_z_plane_within_the_picture_is_read_and_written_pixel_by_pixel) {
+    constexpr int width = 40, height = 6;
+    test::Random random(77);
+    for (int offset = -200; offset <= 200; ++offset) { // in depths from the picture's first pixel on
+        Surface memory = Surface::randomOfSize(random, width, height + 20);
+        Surface expected = memory;
+        const q_ulong colour = random.word() & 0x7F7F7F;
+        const int depth = random.between(-20000, 20000);
+        const auto dstOf = [](Surface &surface) { return &surface.at(0, 10); };
+        char *const depths = reinterpret_cast<char *>(dstOf(expected)) + 2 * offset;
+        for (int y = 0; y < height; ++y)
+            for (int x = 3; x < width; ++x) {
+                const std::ptrdiff_t place = static_cast<std::ptrdiff_t>(y) * expected.pitch() + x;
+                const auto drawn = static_cast<short>(depth);
+                short found = 0;
+                std::memcpy(&found, depths + 2 * place, sizeof(found));
+                if (depth >= found)
+                    continue;
+                std::memcpy(dstOf(expected) + place, &colour, sizeof(colour));
+                std::memcpy(depths + 2 * place, &drawn, sizeof(drawn));
+            }
+        for (const bool isBlended : {false, true}) { // an opacity of 256 gives the colour itself
+            Surface surface = memory;
+            _PRIVATE_QMGL_DATA data = {};
+            data.nearLimit = -0x8000;
+            data.zBuffer = reinterpret_cast<short *>(dstOf(surface)) + offset;
+            tagRECT clip = {0, 0, width, height};
+            const auto pitch = static_cast<q_ulong>(surface.pitch());
+            const int red = static_cast<int>(colour >> 16), green = static_cast<int>(colour >> 8 & 0xFF),
+                      blue = static_cast<int>(colour & 0xFF);
+            const auto render = [&](auto... opacity) {
+                VKD_3D_Render(&data, dstOf(surface), &clip, pitch, 3, 3, width, width, 0, height, 0, height, red, red,
+                              red, red, green, green, green, green, blue, blue, blue, blue, depth, depth, depth, depth,
+                              opacity...);
+            };
+            if (isBlended)
+                render(256);
+            else
+                render();
+            ASSERT_EQ(surface.differenceFrom(expected), "") << offset << (isBlended ? ", blended" : "");
+        }
     }
 }
 
