@@ -6,9 +6,30 @@
 #include <algorithm>
 #include <iterator>
 
+#if defined(_WIN32)
+// The rows are compiled for hosts of the DLL, which call by pointers of these names.
+#define Q_MUR_JOINED(a, b) a##b
+#define Q_MUR_NUMBERED(a, b) Q_MUR_JOINED(a, b)
+#define Q_MUR_TEXT_OF(token) #token
+#define Q_MUR_TEXT(token) Q_MUR_TEXT_OF(token)
+#define Q_MUR_POINTER(type, place, symbol, value)                                                                      \
+    extern type place __asm__("__imp_" symbol);                                                                        \
+    type place = value;
+namespace unchecked {
+using Function = void (*)();
+Q_MUR_POINTER(const void *const, sines, Q_MUR_TEXT(__USER_LABEL_PREFIX__) "iSin", iSin)
+Q_MUR_POINTER(const void *const, cosines, Q_MUR_TEXT(__USER_LABEL_PREFIX__) "iCos", iCos)
+Q_MUR_POINTER(const void *const, roots, Q_MUR_TEXT(__USER_LABEL_PREFIX__) "iSqrt", iSqrt)
+} // namespace unchecked
+#else
+#define Q_MUR_POINTER(type, place, symbol, value)
+#endif
+
 #define Q_MUR_CHECKED(symbol, result, name, types, parameters, arguments)                                              \
     namespace unchecked {                                                                                              \
     result name types __asm__(symbol);                                                                                 \
+    Q_MUR_POINTER(const Function, Q_MUR_NUMBERED(function, __LINE__), symbol,                                          \
+                  reinterpret_cast<Function>(static_cast<result(*) types>(name)))                                      \
     }                                                                                                                  \
     result name parameters {                                                                                           \
         static const checked::Checked<result types> function(#name, unchecked::name);                                  \

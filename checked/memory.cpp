@@ -12,7 +12,9 @@
 #include <shared_mutex>
 #include <string_view>
 
-#if defined(__GLIBC__)
+#if defined(_WIN32)
+#include <windows.h>
+#elif defined(__GLIBC__)
 #include <sys/types.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -52,7 +54,7 @@ std::map<Address, Piece>::iterator holderOf(const void *pointer) {
     return all.end();
 }
 
-#if defined(__GLIBC__) && defined(__LP64__)
+#if defined(__GLIBC__)
 
 // What a pointer leads to may hold any bytes, those of a heap's block, too. So blocks are counted off from where the
 // heap has put its first one: each begins with the size of the one before it and its own size, which has flags in its
@@ -61,7 +63,9 @@ std::map<Address, Piece>::iterator holderOf(const void *pointer) {
 constexpr Address flagAlone = 2; // the block lies in pages of its own
 constexpr Address flags = 7;
 constexpr Address headBytes = 2 * sizeof(Address);
-constexpr Address leastBlock = 32;
+constexpr Address alignment = 16;               // of what a host is given
+constexpr Address lead = alignment - headBytes; // before the head of the first block on a page
+constexpr Address leastBlock = 2 * headBytes;
 constexpr Address leastAlone = 128 * 1024; // unless a host asks for less
 constexpr Address pageBytes = 4096;
 constexpr int mostSteps = 4096;
@@ -71,6 +75,7 @@ struct Head {
     Address size;
 
     Address bytes() const { return size & ~flags; }
+    bool isAlone() const { return (size & flags) == flagAlone && before == lead && (bytes() + lead) % pageBytes == 0; }
 };
 
 /// Pages of memory that follow each other.
@@ -83,7 +88,7 @@ struct Pages {
 class Heads {
 public:
     std::optional<Head> at(Address block) {
-        if (block % headBytes != 0)
+        if (block % alignment != lead)
             return {};
         if (const Address wanted = block - block % pageBytes; wanted != page) {
             iovec here = {words.data(), pageBytes};
@@ -148,28 +153,26 @@ Pages pagesOfNoFile(Address address) {
 
 /// Counts blocks off from the first one of some pages. \return whether one of them begins at an address
 bool isReached(Address block, const Pages &pages, Heads &heads, bool isAlone) {
-    Address next = pages.begin;
+    Address next = pages.begin + lead;
     for (int step = 0; step < mostSteps && next < block; ++step) {
         const std::optional<Head> head = heads.at(next);
         if (!head || head->bytes() < (isAlone ? leastAlone : leastBlock) || head->bytes() > pages.end - next ||
-            isAlone != ((head->size & flags) == flagAlone && head->before == 0 && head->bytes() % pageBytes == 0))
+            isAlone != head->isAlone())
             return false;
-        next += head->bytes();
+        next += head->bytes() + (isAlone ? lead : 0);
     }
     return next == block;
 }
 
 std::optional<Piece> blockOfHeap(const void *pointer) {
     const Address begin = addressOf(pointer);
-    if (begin < pageBytes || begin % headBytes != 0 || begin % pageBytes == 0)
+    if (begin < pageBytes || begin % alignment != 0 || begin % pageBytes == 0)
         return {};
     const Address block = begin - headBytes;
     Heads heads;
     const std::optional<Head> head = heads.at(block);
-    const bool isAlone = head && (head->size & flags) == flagAlone;
+    const bool isAlone = head && head->isAlone() && block % pageBytes == lead;
     if (!head || head->bytes() < (isAlone ? leastAlone : leastBlock))
-        return {};
-    if (isAlone && (block % pageBytes != 0 || head->before != 0))
         return {};
     const Pages pages = isAlone ? pagesOfNoFile(block) : heapPages();
     if (block < pages.begin || block >= pages.end || head->bytes() > pages.end - block ||
@@ -178,6 +181,18 @@ std::optional<Piece> blockOfHeap(const void *pointer) {
     // A block that has none of its own pages also has the first word of the next one.
     const Address bytes = head->bytes() - headBytes + (isAlone ? 0 : sizeof(Address));
     return Piece{static_cast<std::byte *>(const_cast<void *>(pointer)), bytes};
+}
+
+#elif defined(_WIN32)
+
+/// Asks each heap whether a block of its own begins there, which it tells of any address.
+std::optional<Piece> blockOfHeap(const void *pointer) {
+    std::array<HANDLE, 64> heaps = {};
+    const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
+    for (DWORD i = 0; i < count && i < heaps.size(); ++i)
+        if (HeapValidate(heaps[i], 0, pointer))
+            return Piece{static_cast<std::byte *>(const_cast<void *>(pointer)), HeapSize(heaps[i], 0, pointer)};
+    return {};
 }
 
 #else

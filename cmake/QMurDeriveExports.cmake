@@ -2,9 +2,10 @@
 #
 #   cmake -DFORM=<form> -DSCHEME=<scheme> -DOUTPUT=<file> -P cmake/QMurDeriveExports.cmake
 #
-#   def      with msvc32 or msvc64: module definition for linking the DLL with MinGW, both decorations of each name
+#   def      with msvc32 or msvc64: module definition for linking the DLL -DLIBRARY=<name> with MinGW, both decorations
+#            of each name and those of -DFURTHER=<name,...>
 #   lib-def  with msvc32 or msvc64: module definition for q_Mur.lib, the decoration of MSVC alone
-#   map      with long32 or lp64: version script for a shared object; shows what -DFURTHER=<pattern> matches, too
+#   map      with long32 or lp64: version script for a shared object; shows -DFURTHER=<name,...>, too
 #   names    with any scheme: the names, one a line
 #   imports  with long32 or lp64 and -DPREFIX=<of symbols>: sources for linking what is compiled for the DLL's hosts with
 #            the static library: the pointers by which they call
@@ -14,15 +15,22 @@
 #
 # tools/exports explains the schemes.
 
+string(REPLACE "," ";" FURTHER "${FURTHER}")
 if(FORM STREQUAL map)
   set(text "{\n    global:\n")
-  if(FURTHER)
-    string(APPEND text "        ${FURTHER};\n")
-  endif()
+  foreach(name IN LISTS FURTHER)
+    string(APPEND text "        ${name};\n")
+  endforeach()
 elseif(FORM MATCHES "^(names|imports|renames|checked)$")
   set(text "")
 else()
-  set(text "LIBRARY q_Mur.dll\nEXPORTS\n")
+  if(NOT LIBRARY)
+    set(LIBRARY q_Mur)
+  endif()
+  set(text "LIBRARY ${LIBRARY}.dll\nEXPORTS\n")
+  foreach(name IN LISTS FURTHER)
+    string(APPEND text "    ${name}\n")
+  endforeach()
 endif()
 set(entries 0)
 file(STRINGS "${CMAKE_CURRENT_LIST_DIR}/../exports/q_Mur.exports" lines REGEX "^[^#]")
@@ -49,6 +57,10 @@ foreach(line IN LISTS lines)
       elseif(FORM STREQUAL renames)
         if(NOT data)
           string(APPEND text "${PREFIX}${name} ${PREFIX}${name}.unchecked\n")
+          # On Windows, where what lies in a DLL or may lie there is referred to by places of further names.
+          foreach(place __imp_ .refptr.)
+            string(APPEND text "${place}${PREFIX}${name} ${place}${PREFIX}${name}.unchecked\n")
+          endforeach()
         endif()
       elseif(FORM STREQUAL checked)
         if(NOT data)

@@ -31,17 +31,20 @@ endfunction()
 
 # Makes a shared library show the list and nothing else; a name in the list that is not defined fails the link. On
 # Windows every name stands under both decorations, and q_Mur.lib, the import library in the manner of MSVC, is built
-# beside the one that MinGW's linker writes; the variable Q_MUR_LIB holds its path. Elsewhere it shows what matches a
-# further pattern, too.
+# beside the one that MinGW's linker writes; the variable Q_MUR_LIB holds its path. A library that is not q_Mur itself
+# shows further names, too, and stands in the place of q_Mur for what was linked with q_Mur.lib.
 function(q_mur_export target)
+  list(JOIN ARGN "," further)
   if(WIN32)
-    set(definition "${CMAKE_CURRENT_BINARY_DIR}/q_Mur.def")
-    q_mur_derive_from_export_list("${definition}" def ${Q_MUR_MSVC_SCHEME})
+    set(definition "${CMAKE_CURRENT_BINARY_DIR}/${target}.def")
+    q_mur_derive_from_export_list("${definition}" def ${Q_MUR_MSVC_SCHEME} -DLIBRARY=${target} -DFURTHER=${further})
     target_sources(${target} PRIVATE "${definition}")
-    q_mur_add_msvc_import_library()
+    if(target STREQUAL q_Mur)
+      q_mur_add_msvc_import_library()
+    endif()
   else()
-    set(script "${CMAKE_CURRENT_BINARY_DIR}/q_Mur.map")
-    q_mur_derive_from_export_list("${script}" map ${Q_MUR_ITANIUM_SCHEME} "-DFURTHER=${ARGV1}")
+    set(script "${CMAKE_CURRENT_BINARY_DIR}/${target}.map")
+    q_mur_derive_from_export_list("${script}" map ${Q_MUR_ITANIUM_SCHEME} -DFURTHER=${further})
     target_sources(${target} PRIVATE "${script}")
     target_link_options(${target} PRIVATE "LINKER:--version-script=${script}" "LINKER:--no-undefined-version")
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${script}")

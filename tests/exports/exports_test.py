@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Compares a built library with the list of exports.
 
-usage: exports_test.py symbols LIBRARY SCHEME... --reader PROGRAM
-           the library shows the list, and nothing else
+usage: exports_test.py symbols LIBRARY SCHEME... --reader PROGRAM [--further NAME...]
+           the library shows the list, further names, and nothing else
        exports_test.py defined ARCHIVE SCHEME... --reader PROGRAM [--prefix CHARACTER]
            the static library defines all of the list; symbols of the platform may begin with a character more
        exports_test.py one-body LIBRARY SCHEME... --reader PROGRAM --names NAME... [--apart NAME...]
@@ -67,7 +67,7 @@ def shown_addresses(arguments):
 
 def check_symbols(arguments, exports):
     shown = set(shown_addresses(arguments))
-    listed = {export.decorated[scheme] for export in exports for scheme in arguments.schemes}
+    listed = {export.decorated[scheme] for export in exports for scheme in arguments.schemes} | set(arguments.further)
     for name in sorted(listed - shown):
         print(f"not shown: {name}")
     for name in sorted(shown - listed):
@@ -145,6 +145,7 @@ def main():
     parser.add_argument("schemes", nargs="*")
     parser.add_argument("--reader", required=True)
     parser.add_argument("--prefix", default="")
+    parser.add_argument("--further", nargs="+", default=[])
     parser.add_argument("--names", nargs="+", default=[])
     parser.add_argument("--apart", nargs="+", default=[])
     arguments = parser.parse_args()

@@ -9,21 +9,32 @@
 #include <cstdio>
 #include <cstdlib>
 
-#if !defined(_WIN32) && !defined(__wasm__)
-#define Q_MUR_TESTS_FIND_CHECKED
+#if defined(_WIN32)
+#include <windows.h>
+#elif !defined(__wasm__)
 #include <dlfcn.h>
 #endif
 
 namespace {
 
-#if defined(Q_MUR_TESTS_FIND_CHECKED)
+#if !defined(__wasm__)
+
+/// A function of a library that is loaded already.
+void *loadedFunction(const char *name) {
+#if defined(_WIN32)
+    const HMODULE library = GetModuleHandleA("q_Mur.dll");
+    return library ? reinterpret_cast<void *>(GetProcAddress(library, name)) : nullptr;
+#else
+    return dlsym(RTLD_DEFAULT, name);
+#endif
+}
 
 decltype(&q_Mur_checked_surface) tellOfSurface = nullptr;
 
 /// Where these tests run on the checked library, it is to know all memory of theirs: pictures lie within margins.
 /// \return whether it is there if it is asked for
 bool tellCheckedLibrary() {
-    void *const found = dlsym(RTLD_DEFAULT, "q_Mur_checked_surface");
+    void *const found = loadedFunction("q_Mur_checked_surface");
     if (!found)
         return !std::getenv("Q_MUR_TESTS_ARE_CHECKED");
     tellOfSurface = reinterpret_cast<decltype(tellOfSurface)>(found);
