@@ -18,7 +18,7 @@ void paint(const SDL_MouseMotionEvent &move) {
     const q_ulong colour = colours[step++ / 24 % 5];
     iLine_AntiAliasing_Add(canvas.data(), &all, width, move.x - move.xrel, move.y - move.yrel, move.x, move.y, colour,
                            3);
-    Draw_Light_Safe(canvas.data(), width, &all, move.x, move.y, 24, colour, 40);
+    Draw_Light_Safe(canvas.data(), width, &all, move.x, move.y, 24, colour, 16);
     if (step % 8 == 0)
         Draw_Star_Type1_Safe(canvas.data(), width, &all, move.x, move.y, 36, 0xFFFFFF, 60);
 }

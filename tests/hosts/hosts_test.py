@@ -2,6 +2,7 @@
 """Runs the example hosts that write pictures and films, and looks at what they have written.
 
 usage: hosts_test.py --programs DIRECTORY [--ending .exe] [--emulator PROGRAM] [--tools DIRECTORY]
+                     [--pictures]
 """
 
 import argparse
@@ -13,7 +14,8 @@ import tempfile
 import unittest
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "show"))
+ROOT = Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tests" / "show"))
 from pictures import Picture, png_bytes, read_png  # noqa: E402
 
 given = None
@@ -198,11 +200,34 @@ class Film(HostTest):
         self.assertEqual(list(self.directory.iterdir()), [])
 
 
+class GuidePictures(HostTest):
+    """What the guide shows is what the hosts draw: tools/guide-pictures makes the pictures anew."""
+
+    def test_pictures_are_those_of_the_hosts(self):
+        if given.ending or not given.pictures:
+            self.skipTest("letters and photographs are compared where the pictures were made")
+        photos = ROOT / "examples" / "show" / "photos"
+        for name, arguments in {"wipe": [photos / "mountains.jpg", photos / "sunset.jpg"], "star-chart": [],
+                                "turning-mesh": [], "relief": [photos / "fig.jpg"], "flood-fill": []}.items():
+            with self.subTest(name):
+                self.assertEqual(self.run_host(name, *arguments), (0, ""))
+                drawn, shown = map(self.pixels_of, (f"{name}.png", ROOT / "docs" / "images" / "hosts" / f"{name}.webp"))
+                self.assertEqual(len(drawn), len(shown))
+                # A loss in packing, but no other picture.
+                self.assertLess(sum(abs(a - b) for a, b in zip(drawn, shown)) / len(drawn), 5)
+
+    def pixels_of(self, file):
+        """At a quarter of the size."""
+        return subprocess.run(["ffmpeg", "-loglevel", "error", "-i", file, "-vf", "scale=iw/4:-1", "-f", "rawvideo", "-pix_fmt",
+                               "rgb24", "-"], cwd=self.directory, stdout=subprocess.PIPE, check=True).stdout
+
+
 if __name__ == "__main__":
     parser = argparse.ArgumentParser()
     parser.add_argument("--programs", type=os.path.abspath)
     parser.add_argument("--ending", default="")
     parser.add_argument("--emulator")
     parser.add_argument("--tools")
+    parser.add_argument("--pictures", action="store_true", help="compare those of the guide as well")
     given, rest = parser.parse_known_args()
     unittest.main(argv=sys.argv[:1] + rest)

@@ -95,6 +95,20 @@ class Farm(ShowTest):
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(self.decoded("film.mkv"), frames)
 
+    def test_the_array_that_the_page_on_scale_shows(self):
+        page = (FARM.parents[2] / "docs" / "scale.md").read_text(encoding="utf-8")
+        task, join = re.findall(r"^```sh\n(.*?)^```", page, re.DOTALL | re.MULTILINE)
+        (self.directory / "qmur-show").symlink_to(running.program)
+        (self.directory / "shard.sh").write_text(task)
+        path = {**os.environ, "PATH": f"{self.directory}:{os.environ['PATH']}", "FRAMES": str(FRAMES)}
+        frames = self.whole()
+        for number in range(4):
+            numbers = {"SLURM_ARRAY_TASK_ID": str(number), "SLURM_ARRAY_TASK_MAX": "3", "SLURM_CPUS_PER_TASK": "1"}
+            subprocess.run(["bash", "shard.sh", *four_photos()[:2], *SHOW[:-2]], cwd=self.directory,
+                           env={**path, **numbers}, check=True, stderr=subprocess.DEVNULL)
+        subprocess.run(["bash", "-e", "-c", join], cwd=self.directory, check=True)
+        self.assertEqual(self.decoded("film.mkv"), frames)
+
     def test_music_runs_through_the_joined_film(self):
         subprocess.run(["ffmpeg", "-loglevel", "error", "-f", "lavfi", "-i", "sine=duration=1.25", "music.wav"],
                        cwd=self.directory, check=True)
