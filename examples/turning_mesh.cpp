@@ -32,7 +32,7 @@ int main() {
 
     // 3. The viewport comes before the perspective, which reads it.
     VKD_glViewPort(pipeline, 0, 0, bigWidth, bigHeight);
-    // What is nearer than zNear is cut off, counted from the viewer's eye, which is a focal length of 714 away.
+    // What lies up to zNear before the plane z = 0 is drawn. The viewer's eye is a focal length before it, here 714.
     VKD_gluPerspective(pipeline, 40, 1, 700, 0);
 
     // Rows run round the tube and columns round the ring, so that normals point away from the viewer, as the light
