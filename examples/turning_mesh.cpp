@@ -35,15 +35,14 @@ int main() {
     // What lies up to zNear before the plane z = 0 is drawn. The viewer's eye is a focal length before it, here 714.
     VKD_gluPerspective(pipeline, 40, 1, 700, 0);
 
-    // Rows run round the tube and columns round the ring, so that normals point away from the viewer, as the light
-    // does.
+    // Rows run round the tube and columns round the ring: so normals point away from the viewer, as the light does.
     std::vector<_POINT3DFLOAT> torus;
     std::vector<q_ulong> paint;
     const float circle = 2 * std::acos(-1.0F);
     for (int row = 0; row < rows; ++row)
         for (int column = 0; column < columns; ++column) {
-            const float tube = circle * static_cast<float>(row) / rows,
-                        ring = circle * static_cast<float>(column) / columns;
+            const float tube = circle * static_cast<float>(row) / rows;
+            const float ring = circle * static_cast<float>(column) / columns;
             const float distance = 170 + 75 * std::cos(tube);
             torus.push_back({distance * std::cos(ring), distance * std::sin(ring), -75 * std::sin(tube), 1});
             paint.push_back(column / 4 % 2 == row / 4 % 2 ? 0xE8A030 : 0x2868B0);
@@ -51,9 +50,9 @@ int main() {
 
     tagRECT all = {0, 0, bigWidth, bigHeight}, stage = {0, 0, width, height};
     std::vector<q_ulong> frame(bigWidth * bigHeight), sheet(stages * width * height);
-    _POINT3DFLOAT light = {0.577F, 0.577F, 0.577F,
-                           0};        // where it shines to: the lamp is at the upper left, before the picture
-    _POINT3D ambient = {70, 0, 0, 0}; // its length counts, 256 is all
+    // Where the light shines to: the lamp is at the upper left, before the picture. Of the ambient the length counts.
+    _POINT3DFLOAT light = {0.577F, 0.577F, 0.577F, 0};
+    _POINT3D ambient = {70, 0, 0, 0};
     for (int i = 0; i < stages; ++i) {
         // 4. For every frame: the Z plane is reset, then the camera is placed.
         iFillRect(frame.data(), &all, bigWidth, 0x181C28);
