@@ -2,7 +2,7 @@
 """Runs the example hosts that write pictures and films, and looks at what they have written.
 
 usage: hosts_test.py --programs DIRECTORY [--ending .exe] [--emulator PROGRAM] [--tools DIRECTORY]
-                     [--pictures]
+                     [--checked LIBRARY] [--pictures]
 """
 
 import argparse
@@ -31,13 +31,13 @@ class HostTest(unittest.TestCase):
         self.addCleanup(temporary.cleanup)
         self.directory = Path(temporary.name)
 
-    def run_host(self, name, *arguments):
+    def run_host(self, name, *arguments, **more):
         """Its status and what it says of mistakes."""
         command = [given.emulator] * bool(given.emulator) + [f"{given.programs}/qmur-{name}{given.ending}", *arguments]
         # fontconfig keeps its settings behind offsets that a leak detector does not follow.
         known = self.directory / "known-leaks"
         known.write_text("leak:libfontconfig\n")
-        environment = {**os.environ, "LSAN_OPTIONS": f"suppressions={known}:print_suppressions=0"}
+        environment = {**os.environ, "LSAN_OPTIONS": f"suppressions={known}:print_suppressions=0", **more}
         if given.tools:
             environment |= {"WINEPATH": "Z:" + given.tools.replace("/", "\\"), "PATH": f"{given.tools}:{os.environ['PATH']}"}
         # Into a file: what an emulator leaves running in the background would hold a pipe open.
@@ -204,6 +204,17 @@ class Film(HostTest):
         self.assertEqual(list(self.directory.iterdir()), [])
 
 
+class Contracts(HostTest):
+    def test_the_checked_library_has_nothing_to_say(self):
+        if not given.checked:
+            self.skipTest("this build has no checked library")
+        photos = self.plain("first.png", 700, 400, (9, 99, 199)), self.plain("second.png", 700, 400, (200, 100, 0))
+        for name, *arguments in (("wipe", *photos), ("star-chart",), ("turning-mesh",), ("relief", photos[0]),
+                                 ("flood-fill",), ("film", "film.mp4", "0.2")):
+            with self.subTest(name):
+                self.assertEqual(self.run_host(name, *arguments, LD_PRELOAD=given.checked), (0, ""))
+
+
 class GuidePictures(HostTest):
     """What the guide shows is what the hosts draw: tools/guide-pictures makes the pictures anew."""
 
@@ -232,6 +243,7 @@ if __name__ == "__main__":
     parser.add_argument("--ending", default="")
     parser.add_argument("--emulator")
     parser.add_argument("--tools")
+    parser.add_argument("--checked", type=os.path.abspath, help="the checked library, on which the hosts run as well")
     parser.add_argument("--pictures", action="store_true", help="compare those of the guide as well")
     given, rest = parser.parse_known_args()
     unittest.main(argv=sys.argv[:1] + rest)
