@@ -341,7 +341,7 @@ std::vector<Row> filterRows() {
                         .scenes = {{.set = setStrip<false>}, {"steep", setStrip<true>}}}),
         edge(discBox, {Q_MUR_FUNCTION(Edge_Transparency_Circle),
                        .sentence = "Fades a picture inside a circle into another outside.",
-                       .arguments = point("centre", "out") + meant(radius("radius", anyInt, {}), {0, anyInt.high}) +
+                       .arguments = point("centre", "out") + radius("radius", anyInt, {}) +
                                     meant(radius("band", anyInt, {}), {1, anyInt.high}) +
                                     each({"width", "height"}, extent("", "out", onPictures)) + pitch("pitch", "out"),
                        .overlap = Overlap::rowOrder, .arrange = arrangeDisc, .scenes = {{.set = setDisc}}}),

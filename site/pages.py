@@ -363,7 +363,7 @@ def write_pages(catalogue, pictures, directory):
                   arguments=arguments_table(function, function["picture"]), facts=facts_of(function, subsystem),
                   relatives=relatives_of(function, functions))
         write(f"subsystem-{subsystem['name']}.html", "subsystem.html", subsystem=subsystem, groups=groups)
-    write("index.html", "index.html")
+    write("index.html", "index.html", has_reference=(directory / "reference" / "files.html").exists())
     index = {"functions": [search_entry(function) for function in functions], "intents": WORDS["intents"]}
     (directory / "index.js").write_text(f"const gallery = {json.dumps(index, separators=(',', ':'))};\n", encoding="utf-8")
     for name in ("style.css", "search.js"):

@@ -158,8 +158,8 @@ Options parseOptions(const std::vector<std::string> &arguments) {
     CommandLine line;
     line.option(
             "output", "FILE",
-            "File to write; may be given several times. By its name: .mp4, .webm or .gif a video, .png with a number "
-            "such as %04d in it one picture for each frame, any other .png a contact sheet",
+            "File to write; may be given several times. By its name: .mp4, .webm, .gif or, without any loss, .mkv "
+            "a video, .png with a number such as %04d in it one picture for each frame, any other .png a contact sheet",
             [&](const std::string &value) { options.outputs.push_back(pathOf(value)); })
         .letter('o')
         .repeatable();

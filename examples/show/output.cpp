@@ -114,7 +114,7 @@ void checkTarget(const std::filesystem::path &target, const VideoFormat &format)
     } else if (isVideo(extension)) {
         checkVideo(target, extension, format);
     } else {
-        throw Failure("cannot write " + quoted(target) + ": the name must end in .mp4, .webm, .gif or .png");
+        throw Failure("cannot write " + quoted(target) + ": the name must end in .mp4, .webm, .mkv, .gif or .png");
     }
     UnfinishedFile::removeLeftovers(target);
     const UnfinishedFile attempt(target, target);

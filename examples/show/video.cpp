@@ -62,6 +62,13 @@ const std::vector<Encoder> &encoders() {
          withColours(
              {"-c:v", "libvpx-vp9", "-crf", "30", "-b:v", "0", "-deadline", "good", "-cpu-used", "4", "-row-mt", "1"}),
          {"-c:a", "libopus", "-b:a", "160k"}},
+        // Loses nothing, and each frame stands for itself.
+        {".mkv",
+         "a Matroska",
+         "matroska",
+         false,
+         {"-c:v", "ffv1", "-level", "3", "-g", "1", "-pix_fmt", "bgr0"},
+         {"-c:a", "flac"}},
         // A palette for each frame needs no second reading of the frames.
         {".gif",
          "a GIF",

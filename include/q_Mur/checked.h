@@ -4,6 +4,7 @@
 #ifndef Q_MUR_CHECKED_H
 #define Q_MUR_CHECKED_H
 
+/// Marks what the checked library exports.
 #if defined(_WIN32)
 #define Q_MUR_CHECKED_API
 #else

@@ -26,7 +26,7 @@
 /// Unsigned and signed 32-bit numbers: `long` wherever that is 32 bits wide (both Windows ABIs, i386), `int` elsewhere.
 #if defined(__LP64__)
 typedef unsigned int q_ulong;
-typedef int q_long;
+typedef int q_long; ///< signed, see #q_ulong
 #else
 typedef unsigned long q_ulong;
 typedef long q_long;
@@ -50,16 +50,16 @@ typedef long q_long;
 #if !defined(_WINDEF_)
 /// A rectangle of pixels: `left` and `top` inclusive, `right` and `bottom` exclusive.
 struct tagRECT {
-    q_long left;
-    q_long top;
-    q_long right;
-    q_long bottom;
+    q_long left;   ///< first column
+    q_long top;    ///< first row
+    q_long right;  ///< column behind the last
+    q_long bottom; ///< row behind the last
 };
 
 /// A pixel position.
 struct tagPOINT {
-    q_long x;
-    q_long y;
+    q_long x; ///< column
+    q_long y; ///< row
 };
 #endif
 
@@ -68,38 +68,38 @@ struct HINSTANCE__;
 
 /// A point of a texture: `x` the column, `y` the row.
 struct _POINTINT {
-    int x;
-    int y;
+    int x; ///< column
+    int y; ///< row
 };
 
 /// A point in space. `w` is carried along and never given a meaning.
 struct _POINT3DFLOAT {
-    float x;
-    float y;
-    float z;
-    float w;
+    float x; ///< to the right
+    float y; ///< down
+    float z; ///< away from the viewer
+    float w; ///< without a meaning
 };
 
 /// A vector, of the same four words as #_POINT3DFLOAT.
 struct _I3DVECTOR {
-    float x;
-    float y;
-    float z;
-    float w;
+    float x; ///< to the right
+    float y; ///< down
+    float z; ///< away from the viewer
+    float w; ///< without a meaning
 };
 
 /// A point in space, in whole units. `w` is carried along and never given a meaning.
 struct _POINT3D {
-    int x;
-    int y;
-    int z;
-    int w;
+    int x; ///< to the right
+    int y; ///< down
+    int z; ///< away from the viewer
+    int w; ///< without a meaning
 };
 
 /// A 4 by 4 matrix, row-major, for column vectors: element (row r, column c) is `m[4 * r + c]` and the translation
 /// stands in `m[3]`, `m[7]` and `m[11]`.
 struct _I3DMATRIX {
-    float m[16];
+    float m[16]; ///< row after row
 };
 
 /// One block of a record's slot table; see FindNotUsedMemory().
@@ -142,9 +142,9 @@ struct _PRIVATE_QMGP_DATA {
     tagRECT *planeRect;   ///< limits of the 8-bit fills, kept by pointer
     q_ulong *destSurface; ///< receives pixels
     q_ulong *testSurface; ///< tested for the boundary colour; source of pixels in the source fill
-    int planePitch;
-    int destPitch;
-    int testPitch;
+    int planePitch;       ///< in elements
+    int destPitch;        ///< in pixels
+    int testPitch;        ///< in pixels
 };
 
 /// Private block of the cross blur.
@@ -171,9 +171,9 @@ typedef void (*QMGLSpanMapper)(_PRIVATE_QMGL_DATA *data, q_ulong *dst, q_ulong *
 
 /// Private block of the older textured module: one allocation, the pointers point into it.
 struct _PRIVATE_QM3D_DATA {
-    int limitValue0;
-    int limitValue1;
-    int vertexArrayEntries;
+    int limitValue0;           ///< `value0` of the record's limits
+    int limitValue1;           ///< `value1` of the limits
+    int vertexArrayEntries;    ///< of each of the two vertex arrays
     QM3DSpanMapper spanMapper; ///< the mapper that the last textured blit selected
     int *vertexArray0;         ///< `add` of each grid vertex
     int *vertexArray1;         ///< `mul` of each grid vertex
@@ -183,28 +183,28 @@ struct _PRIVATE_QM3D_DATA {
 
 /// Private block of the matrix pipeline: one allocation, the pointers point into it.
 struct _PRIVATE_QMGL_DATA {
-    _I3DMATRIX workMatrix; ///< matrix of the operation under way
-    _I3DVECTOR workAxis;   ///< axis of the last rotation, as given
-    int modelDepth;        ///< index of the top of the model stack
-    int viewDepth;         ///< index of the top of the view stack
-    int matrixMode;        ///< 1 selects the model stack, anything else the view stack
-    int viewportLeft;
-    int viewportRight;
-    int viewportTop;
-    int viewportBottom;
-    int nearLimit;   ///< a pixel is drawn only if its depth is greater
-    int farLimit;    ///< stored, never read
-    int focalLength; ///< pixels from the viewer's eye to the plane z = 0
-    int limitValue0;
-    int limitValue1;
-    int vertexArrayEntries;
+    _I3DMATRIX workMatrix;     ///< matrix of the operation under way
+    _I3DVECTOR workAxis;       ///< axis of the last rotation, as given
+    int modelDepth;            ///< index of the top of the model stack
+    int viewDepth;             ///< index of the top of the view stack
+    int matrixMode;            ///< 1 selects the model stack, anything else the view stack
+    int viewportLeft;          ///< first column of the picture
+    int viewportRight;         ///< column behind its last
+    int viewportTop;           ///< first row
+    int viewportBottom;        ///< row behind the last
+    int nearLimit;             ///< a pixel is drawn only if its depth is greater
+    int farLimit;              ///< stored, never read
+    int focalLength;           ///< pixels from the viewer's eye to the plane z = 0
+    int limitValue0;           ///< `value0` of the record's limits
+    int limitValue1;           ///< `value1` of the limits
+    int vertexArrayEntries;    ///< of each of the two vertex arrays
     QMGLSpanMapper spanMapper; ///< the mapper that the last textured blit selected
-    _I3DMATRIX *modelStack;
-    _I3DMATRIX *viewStack;
-    int *vertexArray0; ///< additive highlight of each grid vertex
-    int *vertexArray1; ///< multiplier of each grid vertex
-    short *zPlane;     ///< the Z plane, margins included
-    short *zBuffer;    ///< its entry of pixel (0, 0); same pitch as the destination; smaller is nearer
+    _I3DMATRIX *modelStack;    ///< as many matrices as the limits say
+    _I3DMATRIX *viewStack;     ///< likewise
+    int *vertexArray0;         ///< additive highlight of each grid vertex
+    int *vertexArray1;         ///< multiplier of each grid vertex
+    short *zPlane;             ///< the Z plane, margins included
+    short *zBuffer;            ///< its entry of pixel (0, 0); same pitch as the destination; smaller is nearer
 };
 
 #endif

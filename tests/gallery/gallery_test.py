@@ -62,6 +62,15 @@ class Gallery(unittest.TestCase):
         for names in alike.values():
             self.assertLessEqual(sum(not reasons[name] for name in names), 1, names)
 
+    def test_the_reference_is_linked_where_it_was_made(self):
+        self.assertNotIn("reference/", self.pages["index.html"])
+        with tempfile.TemporaryDirectory() as directory:
+            site = pathlib.Path(directory)
+            (site / "reference").mkdir()
+            (site / "reference" / "files.html").write_text("made by another program", encoding="utf-8")
+            pages.write_pages(copy.deepcopy(self.catalogue), self.pictures, site)
+            self.assertIn('href="reference/files.html"', (site / "index.html").read_text(encoding="utf-8"))
+
     def test_links_lead_somewhere_in_the_directory(self):
         self.assertGreater(len(self.pages), 250)
         for name, page in self.pages.items():

@@ -274,11 +274,11 @@ class Video(ShowTest):
 
     def test_each_kind_of_video_holds_all_frames_and_takes_the_place_of_an_older_file(self):
         (self.directory / "out.mp4").write_text("old")
-        for name, codec in (("out.mp4", "h264"), ("out.webm", "vp9"), ("out.gif", "gif")):
+        for name, codec in (("out.mp4", "h264"), ("out.webm", "vp9"), ("out.gif", "gif"), ("out.mkv", "ffv1")):
             self.show(*four_photos()[:2], *self.arguments, "-o", name)
             wanted = {"codec_name": codec, "width": "160", "height": "90", "r_frame_rate": "10/1", "nb_read_packets": "20"}
             self.assertLessEqual(wanted.items(), set(self.probe(name)))
-        self.assertEqual(self.contents(), ["out.gif", "out.mp4", "out.webm"])
+        self.assertEqual(self.contents(), ["out.gif", "out.mkv", "out.mp4", "out.webm"])
         self.show(four_photos()[0], "--size", "32x32", "--fps", "30000/1001", "--seconds", 1, "-o", "out.mp4")
         self.assertIn(("r_frame_rate", "30000/1001"), self.probe("out.mp4"))
 
@@ -293,6 +293,16 @@ class Video(ShowTest):
             expected = bytes(value for pixel in read_png(self.directory / f"{frame}.png").pixels for value in pixel)
             difference = sum(abs(a - b) for a, b in zip(raw[frame * size : (frame + 1) * size], expected)) / size
             self.assertLess(difference, 5, f"frame {frame}")
+
+    def test_a_matroska_video_loses_nothing(self):
+        self.show(*four_photos()[:2], *self.arguments, "-o", "out.mkv", "-o", "%d.png")
+        raw = subprocess.run(["ffmpeg", "-loglevel", "error", "-i", "out.mkv", "-pix_fmt", "rgb24", "-f", "rawvideo", "-"],
+                             cwd=self.directory, capture_output=True, check=True).stdout
+        size = 160 * 90 * 3
+        self.assertEqual(len(raw), 20 * size)
+        for frame in range(20):
+            expected = bytes(value for pixel in read_png(self.directory / f"{frame}.png").pixels for value in pixel)
+            self.assertEqual(raw[frame * size : (frame + 1) * size], expected, f"frame {frame}")
 
     def test_an_interrupt_ends_a_run_whose_ffmpeg_does_not_listen(self):
         environment = self.fake_ffmpeg("exec sleep 300")

@@ -9,6 +9,7 @@ usage: sources_test.py CHECK [--build DIRECTORY]
     cmake, json, python, shell
                    files of each kind parse
     doc_comments   clang -Wdocumentation is silent about the headers
+    reference      Doxygen makes pages of the headers without a warning, with every export on them
     tidy           clang-tidy is silent about the library's sources in the build in DIRECTORY
 """
 
@@ -133,6 +134,20 @@ def doc_comments_faults():
                        "-Iinclude", "include/q_Mur.h")
 
 
+def reference_faults():
+    with tempfile.TemporaryDirectory() as directory:
+        settings = (ROOT / "docs" / "Doxyfile").read_text() + f"OUTPUT_DIRECTORY = {directory}\n"
+        run = subprocess.run([program("doxygen"), "-"], input=settings, cwd=ROOT, stdout=subprocess.PIPE,
+                             stderr=subprocess.STDOUT, text=True)
+        if run.returncode or run.stdout:
+            yield run.stdout.strip() or f"doxygen ended with status {run.returncode}"
+        pages = "".join(page.read_text(encoding="utf-8") for page in pathlib.Path(directory).glob("*_8h.html"))
+    shown = set(re.findall(r'<h2 class="memtitle">.*?</span>(\w+)', pages))
+    exports = (ROOT / "exports" / "q_Mur.exports").read_text()
+    for name in sorted(set(re.findall(r"^(?![#\s]).*?(\w+)[(\[]", exports, re.MULTILINE)) - shown):
+        yield f"{name} is on no page"
+
+
 def tidy_faults(build):
     tidy = program("clang-tidy")
     compiled = json.loads((build / "compile_commands.json").read_text())
@@ -152,6 +167,7 @@ CHECKS = {
     "python": python_faults,
     "shell": shell_faults,
     "doc_comments": doc_comments_faults,
+    "reference": reference_faults,
     "tidy": tidy_faults,
 }
 
