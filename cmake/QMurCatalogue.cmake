@@ -1,0 +1,47 @@
+# The catalogue as JSON, from which the packages for other languages are made.
+
+set(Q_MUR_CATALOGUE "" CACHE FILEPATH "The catalogue's printer for this machine (empty: it is built)")
+
+# Sets `result` to the path of a file that the build writes. Its printer is a program for the machine that builds, and is
+# built for that where the build is for another one.
+function(q_mur_print_catalogue result)
+  set(json "${PROJECT_BINARY_DIR}/catalogue.json")
+  set(${result} "${json}" PARENT_SCOPE)
+  file(GLOB described CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/catalogue/*.*" "${PROJECT_SOURCE_DIR}/include/q_Mur/*.h")
+  set(printer "${Q_MUR_CATALOGUE}")
+  if(printer)
+    list(APPEND described "${printer}")
+  elseif(TARGET q_Mur_catalogue)
+    set(printer $<TARGET_FILE:q_Mur_catalogue>)
+    list(APPEND described q_Mur_catalogue)
+  else()
+    include(ExternalProject)
+    set(tools "${PROJECT_BINARY_DIR}/printer")
+    set(printer "${tools}/bin/q_Mur_catalogue")
+    ExternalProject_Add(q_Mur_catalogue_printer
+      SOURCE_DIR "${PROJECT_SOURCE_DIR}" BINARY_DIR "${tools}" PREFIX "${tools}-prefix"
+      CMAKE_ARGS -DCMAKE_BUILD_TYPE=Release -DQ_MUR_SETS=OFF -DQ_MUR_BUILD_TESTS=OFF -DQ_MUR_BUILD_EXAMPLES=OFF
+        -DQ_MUR_BUILD_CHECKED=OFF -DQ_MUR_BUILD_C=OFF -DQ_MUR_BUILD_PYTHON=OFF -DQ_MUR_TEXT=OFF
+        -DQ_MUR_BUILD_CATALOGUE=ON -DQ_MUR_WERROR=${Q_MUR_WERROR}
+      BUILD_COMMAND "${CMAKE_COMMAND}" --build <BINARY_DIR> --target q_Mur_catalogue
+      INSTALL_COMMAND "" BUILD_ALWAYS ON BUILD_BYPRODUCTS "${printer}" USES_TERMINAL_BUILD ON)
+    list(APPEND described q_Mur_catalogue_printer)
+  endif()
+  add_custom_command(OUTPUT "${json}"
+    COMMAND "${printer}" --json --headers "${PROJECT_SOURCE_DIR}/include/q_Mur" > "${json}"
+    DEPENDS ${described} VERBATIM)
+  # So that targets of several directories wait for one run.
+  add_custom_target(q_Mur_catalogue_json DEPENDS "${json}")
+endfunction()
+
+# Whether the printer can be built here, and what writes sources of what it prints; without them the reason.
+function(q_mur_find_reason_against_catalogue result)
+  find_package(Python3 3.9 QUIET COMPONENTS Interpreter)
+  find_path(Q_MUR_JSON_DIR nlohmann/json.hpp NO_CMAKE_FIND_ROOT_PATH)
+  find_path(Q_MUR_CLI_DIR CLI/CLI.hpp NO_CMAKE_FIND_ROOT_PATH)
+  mark_as_advanced(Q_MUR_JSON_DIR Q_MUR_CLI_DIR)
+  set(${result} "" PARENT_SCOPE)
+  if(NOT Python3_FOUND OR (NOT Q_MUR_CATALOGUE AND (NOT Q_MUR_JSON_DIR OR NOT Q_MUR_CLI_DIR)))
+    set(${result} "Python, nlohmann/json or CLI11" PARENT_SCOPE)
+  endif()
+endfunction()
