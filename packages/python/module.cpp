@@ -832,6 +832,7 @@ int initialiseRecord(PyObject *self, PyObject *arguments, PyObject *keywords) {
         PyErr_NoMemory();
         return -1;
     }
+    checked::remember({.begin = reinterpret_cast<std::byte *>(record.data), .bytes = sizeof(_TRANSFERDATA)});
     record.data->frameGeometry = &record.geometry;
     record.data->limits3D = &record.limits;
     return 0;
@@ -840,6 +841,7 @@ int initialiseRecord(PyObject *self, PyObject *arguments, PyObject *keywords) {
 void destroyRecord(PyObject *self) {
     if (_TRANSFERDATA *const data = content<Record>(self).data) {
         DeleteMemoryBlocks(data);
+        checked::forget(data, sizeof(_TRANSFERDATA));
         std::free(data);
     }
     destroy(self);

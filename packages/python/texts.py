@@ -16,23 +16,23 @@ from exports import exports_of  # noqa: E402
 ROWS = {"destination", "source", "scratch", "plane"}
 BLOCKS = {"_PRIVATE_QMGL_DATA", "_PRIVATE_QM3D_DATA", "_PRIVATE_QMGP_DATA", "_PRIVATE_LUT_DATA"}
 ARRAYS = {
-    "q_ulong": "UInt32Array",
-    "int": "Int32Array",
-    "_POINTINT": "Int32Array",
-    "_POINT3D": "Int32Array",
-    "float": "Float32Array",
-    "_POINT3DFLOAT": "Float32Array",
-    "_I3DVECTOR": "Float32Array",
-    "_I3DMATRIX": "Float32Array",
-    "short": "Int16Array",
-    "unsigned char": "UInt8Array",
+    "q_ulong": "_UInt32Array",
+    "int": "_Int32Array",
+    "_POINTINT": "_Int32Array",
+    "_POINT3D": "_Int32Array",
+    "float": "_Float32Array",
+    "_POINT3DFLOAT": "_Float32Array",
+    "_I3DVECTOR": "_Float32Array",
+    "_I3DMATRIX": "_Float32Array",
+    "short": "_Int16Array",
+    "unsigned char": "_UInt8Array",
 }
 RECORDS = {"_POINT3DFLOAT": "float", "_I3DVECTOR": "float", "_POINT3D": "int"}
 
 STUBS = '''\
 """q_Mur: functions that draw into NumPy arrays. This file is generated."""
 
-from typing import Any, Sequence, Tuple, Union
+from typing import Any, Sequence, Tuple, Union, final
 
 import numpy as np
 from numpy.typing import NDArray
@@ -42,11 +42,13 @@ iSin: memoryview
 iCos: memoryview
 iSqrt: memoryview
 
+@final
 class Framed:
     """A surface whose pixel (0, 0) is array[top, left]. What lies around it may be read and written."""
 
     def __init__(self, array: Union[NDArray[np.uint32], NDArray[np.uint8]], left: int, top: int) -> None: ...
 
+@final
 class Record:
     """The host's record. Its blocks live as long as it does."""
 
@@ -58,21 +60,22 @@ class Record:
         matrixStackDepth: int = ...,
     ) -> None: ...
 
+@final
 class Block:
     """A block of a Record."""
 
     @property
     def address(self) -> int: ...
 
-Surface = Union[NDArray[np.uint32], NDArray[np.uint8], Framed]
-Plane = Union[NDArray[np.uint8], Framed]
-Rect = Union[Tuple[int, int, int, int], Sequence[int], NDArray[np.integer[Any]]]
-Point = Union[Tuple[int, int], Sequence[int], NDArray[np.integer[Any]]]
-UInt32Array = NDArray[np.uint32]
-Int32Array = NDArray[np.int32]
-Float32Array = NDArray[np.float32]
-Int16Array = NDArray[np.int16]
-UInt8Array = NDArray[np.uint8]
+_Surface = Union[NDArray[np.uint32], NDArray[np.uint8], Framed]
+_Plane = Union[NDArray[np.uint8], Framed]
+_Rect = Union[Tuple[int, int, int, int], Sequence[int], NDArray[np.integer[Any]]]
+_Point = Union[Tuple[int, int], Sequence[int], NDArray[np.integer[Any]]]
+_UInt32Array = NDArray[np.uint32]
+_Int32Array = NDArray[np.int32]
+_Float32Array = NDArray[np.float32]
+_Int16Array = NDArray[np.int16]
+_UInt8Array = NDArray[np.uint8]
 '''
 
 
@@ -82,9 +85,9 @@ def type_of(argument):
     if written in ("float", "double"):
         return "float"
     if pointed == "tagRECT":
-        return "Rect"
+        return "_Rect"
     if pointed == "tagPOINT":
-        return "Point"
+        return "_Point"
     if written == pointed:
         return "int"
     if pointed == "_TRANSFERDATA":
@@ -96,7 +99,7 @@ def type_of(argument):
     if pointed == "HINSTANCE__":
         return "None"
     if argument["kind"] in ROWS:
-        return "Surface" if pointed == "q_ulong" else "Plane"
+        return "_Surface" if pointed == "q_ulong" else "_Plane"
     return ARRAYS[pointed]
 
 
