@@ -7,6 +7,7 @@
 
 #include <array>
 #include <span>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <typeindex>
@@ -68,6 +69,13 @@ Given givenBy(Argument &argument) {
 
 /// The row of a function, also under a further name.
 const catalogue::Row &rowOf(std::string_view name, const std::type_index &signature);
+
+/// What is wrong with a call, and what of it keeps to the contract and makes no sense; empty if nothing is.
+struct Verdict {
+    std::string fault;
+    std::string doubt;
+};
+Verdict judge(const catalogue::Row &row, std::span<const Given> given);
 
 /// Reports what is wrong with a call. \return whether it may be made
 bool mayBeMade(std::string_view name, const catalogue::Row &row, std::span<const Given> given);

@@ -253,10 +253,15 @@ Extent extentOf(const Call &call, const Area &area, const Plane &plane, const st
     if (!piece)
         return extent;
     const std::int64_t before = (origin - piece->begin) / plane.elementBytes();
-    const auto rows = static_cast<std::int64_t>(piece->bytes) / (width * plane.elementBytes());
+    const std::int64_t rowBytes = width * plane.elementBytes();
+    const std::int64_t rows = (static_cast<std::int64_t>(piece->bytes) + rowBytes - 1) / rowBytes;
     if (piece->pitch > 0) {
         extent.left = -(before % width);
         extent.right = width + extent.left;
+        if (piece->width > 0 && piece->width < piece->pitch) {
+            extent.right = piece->width + extent.left;
+            extent.widthName = "the " + textOf(extent.right) + " columns of " + std::string(surface.name);
+        }
         extent.top = plane.pitch() > 0 ? -(before / width) : before / width - rows + 1;
         extent.bottom = rows + extent.top;
     } else if (extent.top == 0 && plane.pitch() > 0) {
@@ -316,9 +321,11 @@ std::string areaFault(const Call &call, const Area &area, bool isWritten) {
         return {};
     if (!plane)
         return surface.mayBeNull ? std::string() : nameOf(surface) + " is null";
+    const std::optional<Piece> piece = pieceAt(plane->origin());
+    if (isWritten && piece && piece->isReadOnly)
+        return nameOf(surface) + " is read-only";
     if (area.isAtMost)
         return {};
-    const std::optional<Piece> piece = pieceAt(plane->origin());
     const Argument *pitch = pitchOf(call, area);
     if (pitch && isSurface(surface.kind) && piece && piece->pitch > 0 && part.height() > 1 &&
         std::abs(plane->pitch()) != piece->pitch)
@@ -422,16 +429,22 @@ const Row &rowOf(std::string_view name, const std::type_index &signature) {
     return *found;
 }
 
-bool mayBeMade(std::string_view name, const Row &row, std::span<const Given> given) {
+Verdict judge(const Row &row, std::span<const Given> given) {
     std::optional<Call> call;
-    const std::string fault = faultOf(row, given, call);
-    if (!fault.empty()) {
-        report(std::string(name) + ": " + fault);
+    std::string fault = faultOf(row, given, call);
+    if (!fault.empty())
+        return {.fault = std::move(fault), .doubt = {}};
+    return {.fault = {}, .doubt = numberFault(*call, &Argument::meant)};
+}
+
+bool mayBeMade(std::string_view name, const Row &row, std::span<const Given> given) {
+    const Verdict verdict = judge(row, given);
+    if (!verdict.fault.empty()) {
+        report(std::string(name) + ": " + verdict.fault);
         return false;
     }
-    if (areDoubtsNamed())
-        if (const std::string doubt = numberFault(*call, &Argument::meant); !doubt.empty())
-            report(std::string(name) + ": " + doubt);
+    if (!verdict.doubt.empty() && areDoubtsNamed())
+        report(std::string(name) + ": " + verdict.doubt);
     noteBefore(row, given);
     return true;
 }

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 
 namespace checked {
 
@@ -13,6 +14,8 @@ struct Piece {
     std::byte *begin = nullptr;
     std::size_t bytes = 0;
     int pitch = 0; ///< of a surface that was told, in pixels; 0 where a piece has no rows
+    int width = 0; ///< of its rows, in pixels; 0 for the whole pitch
+    bool isReadOnly = false;
 
     std::byte *end() const { return begin + bytes; }
 };
@@ -25,6 +28,21 @@ void forget(const void *begin, std::size_t bytes);
 
 /// Forgets the piece that a pointer leads into.
 void forgetAt(const void *pointer);
+
+/// A piece that a call is handed, by the pointer that leads into it.
+struct Lent {
+    const void *pointer = nullptr;
+    Piece piece;
+};
+
+/// Pieces that only this thread knows, as long as this stands; they come before all others.
+class Lending {
+public:
+    explicit Lending(std::span<const Lent> pieces);
+    ~Lending();
+    Lending(const Lending &) = delete;
+    Lending &operator=(const Lending &) = delete;
+};
 
 /// The piece that a pointer leads into.
 std::optional<Piece> pieceAt(const void *pointer);

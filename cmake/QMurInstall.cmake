@@ -34,3 +34,6 @@ cmake_path(APPEND Q_MUR_PC_LIBDIR "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
 cmake_path(APPEND Q_MUR_PC_INCLUDEDIR "\${prefix}" "${CMAKE_INSTALL_INCLUDEDIR}")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/q_Mur.pc.in" q_Mur.pc @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/q_Mur.pc" DESTINATION "${Q_MUR_PKGCONFIG_DIR}")
+foreach(variable Q_MUR_PKGCONFIG_DIR Q_MUR_PC_PREFIX Q_MUR_PC_LIBDIR Q_MUR_PC_INCLUDEDIR)
+  set(${variable} "${${variable}}" PARENT_SCOPE) # for what is packed beside the library
+endforeach()

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Builds and runs a program with no more than what pkg-config says about the installed library, shared and static.
 
-usage: pkg_config_test.py PKG_CONFIG PREFIX SOURCE PROGRAM VERSION COMPILER_AND_FLAGS [EMULATOR...]
+usage: pkg_config_test.py PKG_CONFIG PACKAGE PREFIX SOURCE PROGRAM VERSION COMPILER_AND_FLAGS [EMULATOR...]
 """
 
 import os
@@ -14,23 +14,23 @@ SKIPPED = 77
 
 
 def main():
-    pkg_config, prefix, source, program, version, compiler, *emulator = sys.argv[1:]
+    pkg_config, name, prefix, source, program, version, compiler, *emulator = sys.argv[1:]
     if not shutil.which(pkg_config):
         print("pkg-config is not installed")
         return SKIPPED
 
-    package = next(pathlib.Path(prefix).rglob("q_Mur.pc"))
+    package = next(pathlib.Path(prefix).rglob(f"{name}.pc"))
     environment = {**os.environ, "PKG_CONFIG_PATH": str(package.parent)}
 
     def ask(*question):
-        command = [pkg_config, *question, "q_Mur"]
+        command = [pkg_config, *question, name]
         return subprocess.run(command, env=environment, stdout=subprocess.PIPE, text=True, check=True).stdout.split()
 
     if ask("--modversion") != [version]:
         print(f"pkg-config speaks of version {ask('--modversion')}")
         return 1
     subprocess.run([*compiler.split(), *ask("--cflags"), source, *ask("--libs"), "-o", program], check=True)
-    libraries = ["-l:libq_Mur.a" if word == "-lq_Mur" else word for word in ask("--static", "--libs")]
+    libraries = [f"-l:lib{word[2:]}.a" if word.startswith("-lq_Mur") else word for word in ask("--static", "--libs")]
     subprocess.run([*compiler.split(), *ask("--cflags"), source, *libraries, "-o", program + "_static"], check=True)
     if subprocess.run([*emulator, program + "_static"]).returncode != 0:
         return 1

@@ -1,0 +1,19 @@
+"""Packs what the build of the library has made; nothing is compiled here."""
+
+from setuptools import setup
+from setuptools.dist import Distribution
+from wheel.bdist_wheel import bdist_wheel
+
+
+class Built(Distribution):
+    def has_ext_modules(self):
+        return True
+
+
+class Wheel(bdist_wheel):
+    def finalize_options(self):
+        super().finalize_options()
+        self.py_limited_api = "cp311"
+
+
+setup(distclass=Built, cmdclass={"bdist_wheel": Wheel})

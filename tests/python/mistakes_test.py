@@ -1,0 +1,191 @@
+#!/usr/bin/env python3
+"""Arrays that are no surfaces, and calls that break their contract, in the words in which they are refused."""
+
+import sys
+import threading
+import time
+import unittest
+import warnings
+
+import numpy as np
+import q_mur
+
+ALL = (0, 0, 64, 48)
+
+
+def surface(width=64, height=48):
+    return np.zeros((height, width), np.uint32)
+
+
+class Arrays(unittest.TestCase):
+    def refused(self, kind, text, function, *arguments, **named):
+        with self.assertRaises(kind) as caught:
+            function(*arguments, **named)
+        self.assertEqual(str(caught.exception), text)
+
+    def fill_refused(self, kind, text, array, rect=(0, 0, 4, 4)):
+        before = None if array is None else np.array(array, copy=True)
+        self.refused(kind, f"iFillRect: {text}", q_mur.iFillRect, array, rect, 1)
+        if array is not None:
+            np.testing.assert_array_equal(array, before)
+
+    def test_pixels_are_drawn_into_the_array_itself(self):
+        a = surface()
+        q_mur.iFillRect(a, (1, 2, 4, 6), 0x123456)
+        expected = surface()
+        expected[2:6, 1:4] = 0x123456
+        np.testing.assert_array_equal(a, expected)
+
+    def test_bytes_are_blue_green_red_and_top(self):
+        a = np.zeros((48, 64, 4), np.uint8)
+        q_mur.iFillRect(dst=a, rect=(1, 2, 4, 6), colour=0x112233)
+        self.assertEqual(a[2, 1].tolist(), [0x33, 0x22, 0x11, 0])
+        self.assertEqual(int((a != 0).any(axis=2).sum()), 12)
+
+    def test_the_pitch_is_that_of_the_array(self):
+        a = surface()
+        q_mur.iFillRect(a[10:20, 5:15], (0, 0, 10, 10), 1)
+        q_mur.iFillRect(a[::2], (20, 0, 21, 24), 2)
+        expected = surface()
+        expected[10:20, 5:15] = 1
+        expected[::2, 20] = 2
+        np.testing.assert_array_equal(a, expected)
+
+    def test_a_frame_may_be_drawn_into(self):
+        a = surface()
+        q_mur.iFillRect(q_mur.Framed(a, left=8, top=4), (-8, -4, -7, -3), 7)
+        self.assertEqual((a[0, 0], int(a.sum())), (7, 7))
+        self.refused(
+            ValueError,
+            "iFillRect: rect.left -9 is below -8",
+            q_mur.iFillRect, q_mur.Framed(a, left=8, top=4), (-9, 0, 1, 1), 7,
+        )
+
+    def test_arrays_of_other_kinds(self):
+        words = "dst has to be an array of uint32 (H, W) or of uint8 (H, W, 4)"
+        for kind in (np.int32, np.float32, np.uint16, np.uint64, bool):
+            self.fill_refused(TypeError, words, surface().astype(kind))
+        self.fill_refused(TypeError, words, np.zeros(64, np.uint32))
+        self.fill_refused(TypeError, words, np.zeros((4, 4, 3), np.uint8))
+        self.fill_refused(TypeError, words, surface().astype(">u4"))
+        self.refused(TypeError, "iFillRect: dst is no array", q_mur.iFillRect, [[1, 2], [3, 4]], (0, 0, 1, 1), 1)
+
+    def test_arrays_of_other_shapes(self):
+        self.fill_refused(ValueError, "the pixels of a row of dst do not stand side by side", surface()[:, ::2])
+        self.fill_refused(ValueError, "the pixels of a row of dst do not stand side by side", surface()[:, ::-1])
+        self.fill_refused(ValueError, "the pixels of a row of dst do not stand side by side", surface().T)
+        self.fill_refused(ValueError, "the rows of dst are in reverse order", surface()[::-1])
+        self.fill_refused(ValueError, "dst has no pixels", surface()[:0])
+        self.fill_refused(ValueError, "dst is null", None)
+
+    def test_arrays_that_may_only_be_read(self):
+        a = surface()
+        a.flags.writeable = False
+        self.fill_refused(ValueError, "dst is read-only", a)
+        b = surface()
+        q_mur.iBltFast32(b, a, 0, 0, ALL)
+
+    def test_arrays_that_are_too_small(self):
+        self.fill_refused(ValueError, "rect.right 65 exceeds pitch 64", surface(), (0, 0, 65, 48))
+        self.fill_refused(ValueError, "rect.bottom 49 exceeds the 48 rows of dst", surface(), (0, 0, 64, 49))
+        self.fill_refused(ValueError, "rect.right 33 exceeds the 32 columns of dst", surface()[:, :32], (0, 0, 33, 48))
+        self.fill_refused(ValueError, "rect.left -1 is below 0", surface(), (-1, 0, 4, 4))
+        self.refused(
+            ValueError,
+            "iBltFast32: srcRect.right 65 exceeds srcPitch 64",
+            q_mur.iBltFast32, surface(100, 100), surface(), 0, 0, (0, 0, 65, 10),
+        )
+
+    def test_numbers_outside_of_the_contract(self):
+        self.refused(ValueError, "randInt: low 5 equals high 5", q_mur.randInt, 5, 5)
+        self.refused(
+            ValueError, "iFillRect: colour 4294967296 exceeds 4294967295", q_mur.iFillRect, surface(), ALL, 1 << 32
+        )
+        self.refused(TypeError, "iFillRect: colour is no whole number", q_mur.iFillRect, surface(), ALL, 1.5)
+        self.refused(
+            TypeError, "iFillRect: rect has to be (left, top, right, bottom)", q_mur.iFillRect, surface(), (1, 2), 1
+        )
+
+    def test_a_doubt_is_a_warning(self):
+        a = surface()
+        with warnings.catch_warnings(record=True) as caught:
+            warnings.simplefilter("always")
+            q_mur.iBltFast32Alpha(a, a.copy(), 0, 0, ALL, 2.0)
+        self.assertEqual([str(each.message) for each in caught], ["iBltFast32Alpha: alpha 2 exceeds 1"])
+        with warnings.catch_warnings():
+            warnings.simplefilter("error")
+            self.assertRaises(UserWarning, q_mur.iBltFast32Alpha, a, a.copy(), 0, 0, ALL, 2.0)
+
+    def test_arguments_by_other_names(self):
+        self.refused(TypeError, "iFillRect() has no argument color", q_mur.iFillRect, surface(), ALL, color=1)
+        self.refused(TypeError, "iFillRect() lacks the argument colour", q_mur.iFillRect, surface(), ALL)
+        self.refused(TypeError, "iFillRect() takes 3 arguments, not 4", q_mur.iFillRect, surface(), ALL, 1, 2)
+        self.refused(TypeError, "iFillRect() has two of the argument rect", q_mur.iFillRect, surface(), ALL, rect=ALL)
+
+
+class Records(unittest.TestCase):
+    def test_a_block_is_memory(self):
+        record = q_mur.Record(planeElements=100, originElement=10)
+        plane = np.frombuffer(q_mur.FindNotUsedMemory(record, 0, -1), np.uint32)
+        self.assertEqual(plane.shape, (90,))
+        with self.assertRaises(BufferError):
+            q_mur.DeleteMemoryBlocks(record)
+        del plane
+        block = q_mur.FindNotUsedMemory(record, 1, 64)
+        q_mur.DeleteMemoryBlocks(record)
+        with self.assertRaises(BufferError):
+            memoryview(block)
+
+    def test_a_block_that_is_gone_is_named(self):
+        record = q_mur.Record()
+        block = q_mur.GetPrivate_QMGP_Data(record, 0)
+        q_mur.DeleteMemoryBlocks(record)
+        with self.assertRaisesRegex(ValueError, "data has been freed with its record's blocks"):
+            q_mur.SetRegionFill(block, surface(), surface())
+
+    def test_a_block_of_another_kind_is_refused(self):
+        block = q_mur.GetPrivate_LUT_Data(q_mur.Record(), 0)
+        with self.assertRaisesRegex(TypeError, "data has to be a block of GetPrivate_QMGP_Data"):
+            q_mur.SetRegionFill(block, surface(), surface())
+
+    def test_a_region_keeps_its_surfaces(self):
+        block = q_mur.GetPrivate_QMGP_Data(q_mur.Record(), 0)
+        a = surface()
+        q_mur.iFillRect(a, (10, 10, 20, 11), 5)
+        references = sys.getrefcount(a)
+        q_mur.SetRegionFill(block, a, a)
+        self.assertGreater(sys.getrefcount(a), references)
+        del block
+        self.assertEqual(sys.getrefcount(a), references)
+
+
+class Threads(unittest.TestCase):
+    def test_others_run_during_a_call(self):
+        """A thread counts while another one is in a single long call."""
+        big = np.zeros((4000, 4000), np.uint32)
+        source = big.copy()
+        counted, ends = [0], threading.Event()
+
+        def count():
+            while not ends.is_set():
+                counted[0] += 1
+                time.sleep(0.0001)  # lets go of the lock
+
+        thread = threading.Thread(target=count)
+        interval = sys.getswitchinterval()
+        sys.setswitchinterval(1000)  # nobody is made to let go: the counter runs on only where a call lets go by itself
+        try:
+            thread.start()
+            before = counted[0]
+            until = time.monotonic() + 20
+            while counted[0] == before and time.monotonic() < until:
+                q_mur.iBltFast32(big, source, 0, 0, (0, 0, 4000, 4000))
+        finally:
+            sys.setswitchinterval(interval)
+            ends.set()
+            thread.join()
+        self.assertGreater(counted[0], before)
+
+
+if __name__ == "__main__":
+    unittest.main()
