@@ -637,6 +637,8 @@ void Sheet::arrow(double x1, double y1, double x2, double y2, q_ulong colour) co
 }
 
 void Sheet::text(int x, int y, const std::string &text, q_ulong colour, int height) const {
+    if (writeInstead)
+        return writeInstead(x, y, text, colour, height);
     tagRECT clip = surface.rect();
     std::string copy = text, font = "DejaVu Sans";
     // Colours of texts have red and blue the other way round.

@@ -5,9 +5,13 @@
 
 #include "catalogue/row.h"
 
+#include <functional>
 #include <string>
 
 namespace gallery {
+
+/// Is told of each text on a sheet in place of the library, where that has no letters.
+inline std::function<void(int x, int y, const std::string &text, q_ulong colour, int height)> writeInstead;
 
 /// A dark sheet of the stage's size, to draw figures on.
 class Sheet {
