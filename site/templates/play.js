@@ -126,6 +126,11 @@ function wordTexts(words, argument) {
     return words.map((word) => String(word | 0));
 }
 
+/** The library's own name in the page's calls is taken. */
+function variable(argument) {
+    return argument.name === "q" ? "pointQ" : argument.name;
+}
+
 function bare(type) {
     return type.replace("const", "").replace(/[*&]/g, "").trim();
 }
@@ -197,26 +202,26 @@ const writers = {
         pitch: (argument) => `${argument.of}.pitch`,
         null: () => "0",
         rectangle: (argument, numbers, lines) => {
-            lines.push(`const ${argument.name} = { ${fieldsText(names.rectangle, numbers, (key) => `${key}: `)} };`);
-            return argument.name;
+            lines.push(`const ${variable(argument)} = { ${fieldsText(names.rectangle, numbers, (key) => `${key}: `)} };`);
+            return variable(argument);
         },
         point: (argument, numbers) => `{ ${fieldsText(names.point, numbers, (key) => `${key}: `)} }`,
         words: (argument, numbers, lines) => {
             const texts = wordTexts(numbers, argument);
             const isRecord = isVector(argument, numbers) && numbers.length > 1;
             const text = isRecord ? `{ ${fieldsText(names.vector, texts, (key) => `${key}: `)} }` : `[${texts.join(", ")}]`;
-            lines.push(`const ${argument.name} = ${text};`);
-            return argument.name;
+            lines.push(`const ${variable(argument)} = ${text};`);
+            return variable(argument);
         },
         letters: (argument, letters) => JSON.stringify(letters),
         memory: (argument, numbers, lines) => {
             const [width, height, bytes] = numbers;
             const array = isReal(argument.type) ? "floats" : bytes === 1 ? "bytes" : bytes === 2 ? "shorts" : "ints";
             const isPicture = height > 1 && bytes === 4;
-            lines.push(`const ${argument.name} = q.${isPicture ? `surface(${width}, ${height})` : `${array}(${width * height})`};`);
-            return argument.name;
+            lines.push(`const ${variable(argument)} = q.${isPicture ? `surface(${width}, ${height})` : `${array}(${width * height})`};`);
+            return variable(argument);
         },
-        block: (argument) => argument.name,
+        block: variable,
         call: (passed) => {
             const result = row.result === "void" ? "" : "const result = ";
             return wrapped(`${result}q.${row.plainName}(`, passed.map(({ text }) => text), ");");
@@ -317,7 +322,7 @@ class Playground {
         this.state = this.fresh();
         this.isPlaying = false;
         this.zoom = 0;
-        this.pan = { x: 0, y: 0 };
+        this.pan = null; // the middle
         this.cursor = null;
         this.language = languages[0];
         this.frames = 0;
@@ -424,7 +429,9 @@ class Playground {
         const count = shape === Shape.words ? this.wordsOf(index) : parts[shape].length;
         const group = make("div", { className: "control" });
         const label = make("span", { className: "name", title: argument.unit ? `${argument.kind}, in ${argument.unit}` : argument.kind }, argument.name);
-        const inputs = make("span", { className: count > 1 ? "parts" : "part" });
+        const isSeveral = count > 1 && !isColour;
+        const inputs = make("span", { className: isSeveral ? "parts" : isColour ? "colours" : "part" });
+        group.classList.toggle("several", isSeveral);
         group.append(label, inputs);
         for (let part = 0; part < count; ++part) {
             const [low, high, step] = [q.low(index, part), q.high(index, part), q.step(index, part)];
@@ -445,7 +452,7 @@ class Playground {
                 this.changed();
             });
             this.settings.push({ index, part, key, input, output, low, high, isColour, isSwitch, isReal: step === 0, shape, argument });
-            inputs.append(input, output);
+            inputs.append(...(isSeveral ? [make("small", {}, name)] : []), input, output);
         }
         return group;
     }
@@ -576,30 +583,39 @@ class Playground {
         this.draw();
     }
 
+    /** Draws; answers whether there is a new picture. */
     draw() {
+        if (this.mending)
+            return false;
         const [width, height] = this.isFigure ? [base.width, base.height] : this.state.size.split("x").map(Number);
         try {
             this.library.q.stage(width, height, this.state.time);
             if (!this.library.q.draw()) {
                 this.say("Beyond what a call may be given: this is the picture before.");
-                return;
+                return false;
             }
-        } catch (fault) {
-            this.startAgain(fault);
-            return;
+        } catch {
+            this.mending = this.mend();
+            return false;
         }
         this.say("");
         ++this.frames;
+        this.drawn = { numbers: new Map(this.state.numbers), pictures: new Map(this.state.pictures), turn: [...this.state.turn] };
         this.show();
         this.tell();
+        return true;
     }
 
-    async startAgain(fault) {
+    /** A call that has no end has trapped: goes back to what was drawn before it, on a new instance. */
+    async mend() {
         this.run(false);
         this.library = await Library.from(this.module);
-        this.state = this.fresh();
+        this.state = { ...this.fresh(), size: this.state.size, time: this.state.time, ...this.drawn };
+        this.drawn = {};
+        this.mending = null;
         this.shape();
-        this.say(`That call ended in a fault (${fault.message}). This is the scene again.`);
+        await this.ready;
+        this.say("That call would not have ended: this is the picture before.");
     }
 
     say(text) {
@@ -631,10 +647,13 @@ class Playground {
 
     /** The part of the picture that is seen at 100 % or 800 %, with the pixels' grid where they are large. */
     magnify() {
-        const { view, zoom, pan } = this;
+        const { view, zoom } = this;
         const [width, height] = [this.picture.width, this.picture.height];
         view.width = Math.min(this.stage.clientWidth, width * zoom);
         view.height = Math.min(Math.max(225, Math.round(this.stage.clientWidth * 9 / 16)), height * zoom);
+        const shown = { x: view.width / zoom, y: view.height / zoom };
+        const pan = this.pan ?? { x: Math.round((width - shown.x) / 2), y: Math.round((height - shown.y) / 2) };
+        this.pan = pan;
         pan.x = Math.min(Math.max(pan.x, 0), width - view.width / zoom);
         pan.y = Math.min(Math.max(pan.y, 0), height - view.height / zoom);
         const context = view.getContext("2d");
@@ -655,13 +674,12 @@ class Playground {
     }
 
     look(zoom, at = this.cursor) {
-        const { width, height } = this.library.picture;
         this.zoom = zoom;
-        const middle = at ?? { x: width / 2, y: height / 2 };
+        this.pan = null;
         this.fitView();
-        if (zoom) {
-            const shown = { width: this.stage.clientWidth / zoom, height: this.stage.clientWidth * 9 / 16 / zoom };
-            this.pan = { x: Math.round(middle.x - shown.width / 2), y: Math.round(middle.y - shown.height / 2) };
+        if (zoom && at) {
+            const shown = { x: this.stage.clientWidth / zoom, y: this.stage.clientWidth * 9 / 16 / zoom };
+            this.pan = { x: Math.round(at.x - shown.x / 2), y: Math.round(at.y - shown.y / 2) };
         }
         this.show();
         this.write();
@@ -772,6 +790,17 @@ class Playground {
         this.library.q.set(setting.index, setting.part, held);
     }
 
+    /** Moves a place, or along one axis alone where the contract allows no more. */
+    move(pair, place) {
+        const before = pair.map((setting) => this.valueOf(setting));
+        for (const axes of [[0, 1], [0], [1]]) {
+            pair.forEach((setting, i) => this.setValue(setting, axes.includes(i) ? place[i] : before[i]));
+            if (this.draw())
+                return;
+        }
+        pair.forEach((setting, i) => this.setValue(setting, before[i]));
+    }
+
     grab(place, event) {
         if (this.zoom === magnified || (this.zoom && this.picture.width > this.view.width && !this.canTurn))
             return { kind: "pan", pan: { ...this.pan }, x: event.clientX, y: event.clientY };
@@ -800,8 +829,7 @@ class Playground {
             this.state.time = row.isLoop ? time - Math.floor(time) : Math.min(Math.max(time, 0), 1);
         } else {
             const place = this.placeOf(event);
-            this.setValue(held.pair[0], held.from[0] + place.x - held.place.x);
-            this.setValue(held.pair[1], held.from[1] + place.y - held.place.y);
+            this.move(held.pair, [held.from[0] + place.x - held.place.x, held.from[1] + place.y - held.place.y]);
         }
         this.changed();
     }
@@ -921,6 +949,7 @@ class Playground {
             this.state.size = fields.get("size");
         const zoom = within(fields.get("zoom"), 0, 800, 0) / 100;
         this.zoom = [0, 1, magnified].includes(zoom) ? zoom : 0;
+        this.pan = null;
         if (this.canTurn && fields.has("turned"))
             this.state.turn = [0, 1].map((i) => within(fields.get("turned").split(",")[i] ?? null, -1000, 1000, 0));
         row.arguments.forEach((argument, index) => {
