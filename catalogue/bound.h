@@ -123,8 +123,7 @@ Bound callOfOverload(Signature *function, Signature *twin) {
 
 // Programs that draw only have no need of twins.
 #define Q_MUR_FUNCTION(function) .name = #function, .functions = callOf(function, nullptr)
-#define Q_MUR_OVERLOAD(function, ...)                                                                                  \
-    .name = #function, .functions = callOfOverload<__VA_ARGS__>(function, nullptr)
+#define Q_MUR_OVERLOAD(function, ...) .name = #function, .functions = callOfOverload<__VA_ARGS__>(function, nullptr)
 
 #else
 

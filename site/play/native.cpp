@@ -1,6 +1,6 @@
 /// \file
-/// Draws natively what pages draw: reads states from the standard input, an array of objects, and prints the checksum of
-/// each picture.
+/// Draws natively what pages draw: reads states from the standard input, an array of objects, and prints the checksum
+/// of each picture.
 ///
 /// A state: {"row": "iFillRect", "width": 400, "height": 225, "time": 0.5, "turn": [0, 0], "numbers": [[3, 0, 17]],
 /// "pictures": [{"argument": 1, "width": 2, "height": 1, "pixels": [4278190080, 0]}]}, a number being an argument, a

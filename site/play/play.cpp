@@ -46,7 +46,9 @@ Shape shapeOf(const Argument &argument, const Value &value) {
     if (argument.kind == Kind::colours && isSmallArray(value))
         return Shape::words;
     const bool isPicture = argument.kind == Kind::destination || argument.kind == Kind::source;
-    return isPicture && value.is<Plane>() && !value.plane().isNull() ? Shape::surface : Shape::nothing;
+    const bool isSeen = isPicture && value.is<Plane>() && !value.plane().isNull() && value.plane().height() > 1 &&
+                        value.plane().elementBytes() == 4;
+    return isSeen ? Shape::surface : Shape::nothing;
 }
 
 std::vector<double> partsOf(const Value &value) {
@@ -97,8 +99,8 @@ Passed passedAs(const Value &value, Kind kind) {
         return {Form::letters, {}, plane.as<const char>()};
     if (isSmallArray(value) && !isSurface(kind))
         return {Form::words, partsOf(value), {}};
-    return {Form::memory, {1.0 * plane.width(), 1.0 * plane.height(), 1.0 * plane.elementBytes(), 1.0 * plane.pitch()},
-            {}};
+    return {
+        Form::memory, {1.0 * plane.width(), 1.0 * plane.height(), 1.0 * plane.elementBytes(), 1.0 * plane.pitch()}, {}};
 }
 
 bool arePointsInSpace(const Row &row, std::size_t argument, const Value &value) {
@@ -178,7 +180,7 @@ void Play::sample() {
                 const Value &value = calls[c][argument];
                 if (shapes.size() <= argument) {
                     shapes.push_back(shapeOf(played->arguments[argument], value));
-                    turns = turns || (arePointsInSpace(*played, argument, value) && played->figure == Figure::none);
+                    turns = turns || isInSpace(*played) || arePointsInSpace(*played, argument, value);
                 }
                 int part = 0;
                 for (const double number : partsOf(value)) {
@@ -228,6 +230,14 @@ Reach Play::reach(std::size_t index, int part) {
             include(0, 2 * range.high);
         break;
     default: {
+        // What is of one kind and unit is often of one size.
+        for (std::size_t other = 0; other < shapes.size(); ++other) {
+            const Argument &alike = played->arguments[other];
+            const auto seen = seenInScene.find({other, 0});
+            if (shapes[other] == Shape::number && alike.kind == argument.kind && alike.unit == argument.unit &&
+                seen != seenInScene.end() && !argument.unit.empty())
+                include(seen->second.low, seen->second.high);
+        }
         const double way = range.high - range.low;
         if (way > 0)
             include(range.low - way / 4, range.high + way / 4);
@@ -279,7 +289,7 @@ void Play::change(Call &call, const Stage &stage) const {
             });
             call[argument] = taken;
         }
-    if (stage.call == 0 && angles != std::pair(0.0, 0.0))
+    if (stage.call == 0 && angles != std::pair(0.0, 0.0) && !isInSpace(*played))
         turnPoints(call, angles);
     for (const auto &[place, number] : numbers)
         setPart(call[place.first], place.second, number);
@@ -308,6 +318,7 @@ bool Play::draw() {
     words.clear();
     std::srand(seedAt(where.time));
     if (played->figure != Figure::none) {
+        view = {angles.first, angles.second};
         result = figureOf(*played, changed, where.time);
         return true;
     }

@@ -221,7 +221,10 @@ const writers = {
             lines.push(`const ${variable(argument)} = q.${isPicture ? `surface(${width}, ${height})` : `${array}(${width * height})`};`);
             return variable(argument);
         },
-        block: variable,
+        block: (argument, numbers, lines) => {
+            lines.push(`// ${variable(argument)}: a ${bare(argument.type)}, made once`);
+            return variable(argument);
+        },
         call: (passed) => {
             const result = row.result === "void" ? "" : "const result = ";
             return wrapped(`${result}q.${row.plainName}(`, passed.map(({ text }) => text), ");");
@@ -246,7 +249,10 @@ const writers = {
             lines.push(`${argument.name} = np.zeros(${shape}, np.${type})`);
             return argument.name;
         },
-        block: (argument) => argument.name,
+        block: (argument, numbers, lines) => {
+            lines.push(`# ${argument.name}: a ${bare(argument.type)}, made once`);
+            return argument.name;
+        },
         call: (passed) => {
             const result = row.result === "void" ? "" : "result = ";
             let isNamed = false;
@@ -287,6 +293,10 @@ function codeOf(language, library) {
     });
     const begin = writer.begin ? [...writer.begin, ""] : [];
     return [...begin, ...lines, writer.call(passed)].join("\n");
+}
+
+function titleOf(argument) {
+    return `${argument.name}: ${argument.kind}${argument.unit ? `, in ${argument.unit}` : ""}`;
 }
 
 // Photographs
@@ -428,7 +438,7 @@ class Playground {
         const isColour = ["colour", "key", "colours"].includes(argument.kind);
         const count = shape === Shape.words ? this.wordsOf(index) : parts[shape].length;
         const group = make("div", { className: "control" });
-        const label = make("span", { className: "name", title: argument.unit ? `${argument.kind}, in ${argument.unit}` : argument.kind }, argument.name);
+        const label = make("span", { className: "name", title: titleOf(argument) }, argument.name);
         const isSeveral = count > 1 && !isColour;
         const inputs = make("span", { className: isSeveral ? "parts" : isColour ? "colours" : "part" });
         group.classList.toggle("several", isSeveral);
@@ -476,7 +486,7 @@ class Playground {
         });
         file.addEventListener("change", () => file.files[0] && this.takeFile(index, file.files[0]));
         const credit = make("small");
-        const group = make("div", { className: "control" }, make("span", { className: "name", title: argument.kind }, argument.name), select, file, credit);
+        const group = make("div", { className: "control" }, make("span", { className: "name", title: titleOf(argument) }, argument.name), select, file, credit);
         for (const kind of ["dragover", "drop"])
             group.addEventListener(kind, (event) => {
                 event.preventDefault();

@@ -139,13 +139,8 @@ class Playground(unittest.TestCase):
         temporary = tempfile.TemporaryDirectory()
         cls.addClassCleanup(temporary.cleanup)
         cls.site = pathlib.Path(temporary.name)
-        catalogue = json.loads(site_maker.printed_by(cls.programs[0], "--json"))
-        # The native library beside the module may have no letters either; without them its picture is refused.
-        for subsystem in catalogue["subsystems"]:
-            subsystem["functions"] = [f for f in subsystem["functions"] if f["name"] != "iTextOut"]
-        pictures = json.loads(site_maker.printed_by(cls.programs[1], str(cls.site / "pictures"), "--frames", "3"))
+        catalogue, _ = site_maker.make(cls.programs, cls.site, frames=3, module=pathlib.Path(cls.programs[3]))
         cls.functions = [f for subsystem in catalogue["subsystems"] for f in subsystem["functions"]]
-        pages.write_pages(catalogue, pictures, cls.site, pathlib.Path(cls.programs[3]))
         cls.browser = browser_test.open_browser()
         cls.addClassCleanup(cls.browser.quit)
         cls.browser.set_script_timeout(120)
@@ -277,7 +272,6 @@ class Playground(unittest.TestCase):
         file = self.site / "own.png"
         file.write_bytes(png_of(400, 225, pixels))
         self.open(self.named("iBltFast32Alpha"), "#time=0.5&alpha=0.7")
-        self.run_script("page.settings.find((each) => each.select && each.index === 1);")
         inputs = self.browser.find_elements("css selector", '.controls input[type="file"]')
         inputs[1].send_keys(str(file))
         state = self.run_script("""
@@ -344,22 +338,26 @@ class Playground(unittest.TestCase):
 
     def test_a_large_scene_moves(self):
         self.open(self.named("iBltFast32"), "#time=0&size=1280x720")
-        frames, milliseconds = self.run_script("""
-            page.draw();
-            const step = () => { page.state.time = (page.state.time + 0.01) % 1; page.draw(); };
-            const begin = performance.now();
-            for (let i = 0; i < 60; ++i)
-                step();
-            const milliseconds = (performance.now() - begin) / 60;
+        times, frames = self.run_script("""
+            const times = [];
+            for (let i = 0; i < 60; ++i) {
+                const begin = performance.now();
+                page.state.time = i / 60;
+                page.draw();
+                times.push(performance.now() - begin);
+            }
             page.run(true);
             await new Promise((go) => setTimeout(go, 500));
             const [first, since] = [page.frames, performance.now()];
             await new Promise((go) => setTimeout(go, 2000));
             const frames = (page.frames - first) / (performance.now() - since) * 1000;
             page.run(false);
-            return [frames, milliseconds];""")
+            return [times, frames];""")
+        # The machine may have other work to do: the best quarter says what a frame takes.
+        milliseconds = sorted(times)[len(times) // 4]
         print(f"1280 x 720: {milliseconds:.1f} ms of work for a frame, {frames:.0f} frames a second")
-        self.assertGreater(frames, 5)
+        self.assertLess(milliseconds, 1000 / 60)
+        self.assertGreater(frames, 1)
 
 
 if __name__ == "__main__":
