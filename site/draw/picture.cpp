@@ -8,7 +8,6 @@
 
 namespace gallery {
 
-using catalogue::Argument;
 using catalogue::Call;
 using catalogue::Kind;
 using catalogue::Plane;
@@ -84,9 +83,9 @@ void cut(Call &call, const Stage &stage) {
         if (arguments[i].kind == Kind::clip && arguments[i].of != "tex")
             call[i] = clip;
         else if (arguments[i].name == "clipWidth")
-            call[i] = stage.width * 7 / 10;
+            call[i] = std::floor(0.7 * stage.width);
         else if (arguments[i].name == "clipHeight")
-            call[i] = stage.height * 7 / 10;
+            call[i] = std::floor(0.7 * stage.height);
     }
 }
 
