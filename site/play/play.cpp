@@ -26,6 +26,7 @@ using catalogue::Value;
 namespace {
 
 constexpr int mostWords = 16;
+constexpr int mostChoices = 16;
 
 bool isSmallArray(const Value &value) {
     if (!value.is<Plane>() || value.plane().isNull())
@@ -226,7 +227,9 @@ Reach Play::reach(std::size_t index, int part) {
         break;
     case Kind::choice: // yes or no, where it is nothing else
         include(0, 1);
-        if (range.high > 1)
+        if (argument.contract.high - argument.contract.low <= mostChoices)
+            include(argument.contract.low, argument.contract.high);
+        else if (range.high > 1)
             include(0, 2 * range.high);
         break;
     default: {

@@ -12,12 +12,19 @@ const parts = { [Shape.rectangle]: ["left", "top", "right", "bottom"], [Shape.po
 const languages = ["C++", "JavaScript", "Python"];
 const secondsOfFilm = 4;
 const magnified = 8;
+const fine = 2;
 
 /** Makes an element: `make("label", { className: "wide" }, "text", child)`. */
 function make(name, properties = {}, ...children) {
     const made = Object.assign(document.createElement(name), properties);
     made.append(...children);
     return made;
+}
+
+/** Gives a canvas a size, which empties it, if it has another. */
+function resize(canvas, width, height) {
+    if (canvas.width !== width || canvas.height !== height)
+        Object.assign(canvas, { width, height });
 }
 
 // The module
@@ -636,23 +643,35 @@ class Playground {
     /** Brings the picture to the canvas as it is looked at. */
     show() {
         const picture = this.library.picture;
-        const isDirect = this.zoom === 0;
+        const isDirect = this.zoom === 0 && !this.isFigure;
         const canvas = isDirect ? this.view : this.picture;
-        if (canvas.width !== picture.width || canvas.height !== picture.height) {
-            canvas.width = picture.width;
-            canvas.height = picture.height;
-        }
+        resize(canvas, picture.width, picture.height);
+        canvas.getContext("2d").putImageData(picture, 0, 0);
+        if (this.isFigure)
+            this.showFigure();
+        if (this.zoom)
+            this.magnify();
+        this.showPixel();
+    }
+
+    /** A figure, whose texts are the page's own: fine ones where it is not looked at pixel by pixel. */
+    showFigure() {
+        const [canvas, scale] = this.zoom ? [this.picture, 1] : [this.view, fine];
         const context = canvas.getContext("2d");
-        context.putImageData(picture, 0, 0);
+        if (!this.zoom) {
+            resize(canvas, fine * this.picture.width, fine * this.picture.height);
+            context.setTransform(1, 0, 0, 1, 0, 0);
+            context.imageSmoothingEnabled = false;
+            context.drawImage(this.picture, 0, 0, canvas.width, canvas.height);
+        }
+        context.setTransform(scale, 0, 0, scale, 0, 0);
         context.textBaseline = "top";
-        for (const { x, y, colour, height, text } of this.isFigure ? this.library.texts : []) {
+        for (const { x, y, colour, height, text } of this.library.texts) {
             context.fillStyle = colour;
             context.font = `${Math.round(height * 0.86)}px "DejaVu Sans", Verdana, sans-serif`;
             context.fillText(text, x, y + 1);
         }
-        if (!isDirect)
-            this.magnify();
-        this.showPixel();
+        context.setTransform(1, 0, 0, 1, 0, 0);
     }
 
     /** The part of the picture that is seen at 100 % or 800 %, with the pixels' grid where they are large. */
@@ -697,6 +716,7 @@ class Playground {
 
     fitView() {
         this.view.classList.toggle("fit", this.zoom === 0);
+        this.view.classList.toggle("fine", this.zoom === 0 && this.isFigure);
         this.view.style.touchAction = this.zoom === magnified || this.canTurn || this.pairs().length ? "none" : "pan-y";
         for (const button of this.zooms.children)
             button.setAttribute("aria-pressed", Number(button.value) === this.zoom);
@@ -758,7 +778,7 @@ class Playground {
         const y = (event.clientY - box.top) / box.height;
         if (this.zoom)
             return { x: this.pan.x + (x * this.view.width) / this.zoom, y: this.pan.y + (y * this.view.height) / this.zoom };
-        return { x: x * this.view.width, y: y * this.view.height };
+        return { x: x * this.library.q.width(), y: y * this.library.q.height() };
     }
 
     showPixel() {
