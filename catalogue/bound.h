@@ -119,12 +119,22 @@ Bound callOfOverload(Signature *function, Signature *twin) {
 
 } // namespace catalogue
 
+#if defined(Q_MUR_CATALOGUE_WITHOUT_TWINS)
+
+// Programs that draw only have no need of twins.
+#define Q_MUR_FUNCTION(function) .name = #function, .functions = callOf(function, nullptr)
+#define Q_MUR_OVERLOAD(function, ...) .name = #function, .functions = callOfOverload<__VA_ARGS__>(function, nullptr)
+
+#else
+
 /// The beginning of a row: the function's name, itself and its twin of the same name.
 #define Q_MUR_FUNCTION(function) .name = #function, .functions = callOf(function, plain::function)
 
 /// The same for the overload of a signature, which begins with the type of the result.
 #define Q_MUR_OVERLOAD(function, ...)                                                                                  \
     .name = #function, .functions = callOfOverload<__VA_ARGS__>(function, plain::function)
+
+#endif
 
 /// The same for a function that has no twin, since what it does is nothing that could be computed again.
 #define Q_MUR_FUNCTION_WITHOUT_TWIN(function) .name = #function, .functions = callOf(function, nullptr)

@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
 """Writes the gallery's pages from what the catalogue and the pictures say of themselves.
 
-usage: pages.py CATALOGUE.json PICTURES.json DIRECTORY
+usage: pages.py [--playground MODULE.wasm] CATALOGUE.json PICTURES.json DIRECTORY
 
 Refuses an export without a text or a picture, a picture that shows nothing, and two that are alike without a reason.
 """
 
 import argparse
+import base64
 import collections
+import gzip
 import json
 import pathlib
 import re
@@ -20,6 +22,7 @@ import jinja2
 import markupsafe
 
 HERE = pathlib.Path(__file__).resolve().parent
+PHOTOGRAPHS = HERE.parent / "examples" / "show" / "photos" / "README.md"
 WORDS = tomllib.loads((HERE / "words.toml").read_text(encoding="utf-8"))
 MOST_RELATIVES = 10
 
@@ -323,10 +326,60 @@ def search_entry(function):
     }
 
 
+# The playground
+
+
+def plain_name(function):
+    """The name under which modules for other languages have a function."""
+    return re.sub(r"\W", "_", "_".join(filter(None, [function["name"], function.get("overload")])))
+
+
+def is_played(function):
+    """The module has neither letters nor files."""
+    return function["name"] not in ("iTextOut", "LoadBitmap24")
+
+
+def played_row(function, picture):
+    """What the playground has to know of a row besides what the module says."""
+    said = ("name", "type", "kind", "unit", "of")
+    row = {
+        "name": function["name"],
+        "fullName": full_name(function),
+        "plainName": plain_name(function),
+        "sentence": function["sentence"],
+        "result": function["result"],
+        "moves": picture["frames"] > 1,
+        "isLoop": picture["isLoop"],
+        "arguments": [{"unit": "", "of": "", **{key: a[key] for key in said if key in a}} for a in function["arguments"]],
+    }
+    return markupsafe.Markup(json.dumps(row, separators=(",", ":")).replace("<", "\\u003c"))
+
+
+def credits_of_photographs():
+    """Author and licence of each photograph, as the table beside the originals has them."""
+    table = re.findall(r"^\| `(\w+)\.jpg` +\| ([^|]+?) +\| ([^|]+?) +\|", PHOTOGRAPHS.read_text(encoding="utf-8"), re.MULTILINE)
+    return {name: f"{author}, {licence}, scaled down" for name, licence, author in table}
+
+
+def write_playground(module, directory):
+    """The module and the photographs as scripts: a page of the file system may load nothing else."""
+    packed = base64.b64encode(gzip.compress(module.read_bytes(), 9, mtime=0)).decode()
+    (directory / "playground-module.js").write_text(f'const playgroundModule = "{packed}";\n', encoding="utf-8")
+    credits = credits_of_photographs()
+    photographs = {
+        file.stem: {"credit": credits[file.stem],
+                    "data": f"data:image/webp;base64,{base64.b64encode(file.read_bytes()).decode()}"}
+        for file in sorted((HERE / "photographs").glob("*.webp"))
+    }
+    (directory / "playground-photographs.js").write_text(
+        f"const playgroundPhotographs = {json.dumps(photographs, indent=0)};\n", encoding="utf-8")
+    shutil.copyfile(HERE / "templates" / "play.js", directory / "play.js")
+
+
 # Pages
 
 
-def write_pages(catalogue, pictures, directory):
+def write_pages(catalogue, pictures, directory, module=None):
     pictures = {" ".join(filter(None, [p["name"], p["overload"]])): p for p in pictures}
     functions = []
     for subsystem in catalogue["subsystems"]:
@@ -361,25 +414,29 @@ def write_pages(catalogue, pictures, directory):
             write(page_of(function), "function.html", function=function, subsystem=subsystem,
                   picture=function["picture"], call=call_of(function, function["picture"]),
                   arguments=arguments_table(function, function["picture"]), facts=facts_of(function, subsystem),
-                  relatives=relatives_of(function, functions))
+                  relatives=relatives_of(function, functions),
+                  play=module and is_played(function) and played_row(function, function["picture"]))
         write(f"subsystem-{subsystem['name']}.html", "subsystem.html", subsystem=subsystem, groups=groups)
     write("index.html", "index.html", has_reference=(directory / "reference" / "files.html").exists())
     index = {"functions": [search_entry(function) for function in functions], "intents": WORDS["intents"]}
     (directory / "index.js").write_text(f"const gallery = {json.dumps(index, separators=(',', ':'))};\n", encoding="utf-8")
     for name in ("style.css", "search.js"):
         shutil.copyfile(HERE / "templates" / name, directory / name)
+    if module:
+        write_playground(module, directory)
     return len(functions)
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--playground", type=pathlib.Path, metavar="MODULE.wasm")
     parser.add_argument("catalogue", type=pathlib.Path)
     parser.add_argument("pictures", type=pathlib.Path)
     parser.add_argument("directory", type=pathlib.Path)
     options = parser.parse_args()
     catalogue, pictures = (json.loads(file.read_text(encoding="utf-8")) for file in (options.catalogue, options.pictures))
     try:
-        print(f"{write_pages(catalogue, pictures, options.directory)} functions")
+        print(f"{write_pages(catalogue, pictures, options.directory, options.playground)} functions")
     except Refusal as refusal:
         print(refusal, file=sys.stderr)
         return 1

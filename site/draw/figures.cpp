@@ -44,8 +44,17 @@ std::string placeText(const Place &place) {
     return "(" + numberText(place.x) + ", " + numberText(place.y) + ", " + numberText(place.z) + ")";
 }
 
+/// A place as it lies when all is turned before the viewer.
+Place viewed(const Place &place) {
+    const double depth = place.z * std::cos(view.aboutUpright) - place.x * std::sin(view.aboutUpright);
+    return {place.x * std::cos(view.aboutUpright) + place.z * std::sin(view.aboutUpright),
+            place.y * std::cos(view.aboutLevel) - depth * std::sin(view.aboutLevel),
+            place.y * std::sin(view.aboutLevel) + depth * std::cos(view.aboutLevel)};
+}
+
 /// A place in space as it is drawn where nothing else brings it to the screen: looked at from a little above.
-Place oblique(const Place &place) {
+Place oblique(const Place &from) {
+    const Place place = viewed(from);
     return {place.x + 0.4 * place.z, place.y - 0.3 * place.z, 0};
 }
 
@@ -431,8 +440,9 @@ void drawProjection(const Sheet &sheet, const Row &row, const Scene &scene, doub
     auto block = call["data"].get<PipelineBlock>();
     _PRIVATE_QMGL_DATA *data = block.settled();
     sheet.frame({data->viewportLeft, data->viewportTop, data->viewportRight, data->viewportBottom}, quiet);
-    const auto turned = [](const Place &place) {
+    const auto turned = [](const Place &from) {
         constexpr double sine = 0.48, cosine = 0.88;
+        const Place place = viewed(from);
         const double z = sine * place.x + cosine * place.z;
         return _POINT3DFLOAT{static_cast<float>(cosine * place.x - sine * place.z),
                              static_cast<float>(cosine * place.y + sine * z),
@@ -637,6 +647,8 @@ void Sheet::arrow(double x1, double y1, double x2, double y2, q_ulong colour) co
 }
 
 void Sheet::text(int x, int y, const std::string &text, q_ulong colour, int height) const {
+    if (writeInstead)
+        return writeInstead(x, y, text, colour, height);
     tagRECT clip = surface.rect();
     std::string copy = text, font = "DejaVu Sans";
     // Colours of texts have red and blue the other way round.
@@ -655,6 +667,19 @@ void Sheet::frame(const tagRECT &rect, q_ulong colour) const {
     box({rect.left, rect.bottom - 1, rect.right, rect.bottom}, colour);
     box({rect.left, rect.top, rect.left + 1, rect.bottom}, colour);
     box({rect.right - 1, rect.top, rect.right, rect.bottom}, colour);
+}
+
+bool isInSpace(const Row &row) {
+    switch (row.figure) {
+    case Figure::vectors:
+    case Figure::matrix:
+    case Figure::projection:
+        return true;
+    case Figure::transform:
+        return row.argument("p") && !row.argument("distance");
+    default:
+        return false;
+    }
 }
 
 Plane figureOf(const Row &row, const Scene &scene, double time) {

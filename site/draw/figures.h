@@ -5,9 +5,23 @@
 
 #include "catalogue/row.h"
 
+#include <functional>
 #include <string>
 
 namespace gallery {
+
+/// From where figures in space are looked at: by which angles they are turned about the upright and the level axis.
+struct View {
+    double aboutUpright = 0;
+    double aboutLevel = 0;
+};
+inline View view;
+
+/// Whether a row's figure is one that can be looked at from elsewhere.
+bool isInSpace(const catalogue::Row &row);
+
+/// Is told of each text on a sheet in place of the library, where that has no letters.
+inline std::function<void(int x, int y, const std::string &text, q_ulong colour, int height)> writeInstead;
 
 /// A dark sheet of the stage's size, to draw figures on.
 class Sheet {

@@ -156,6 +156,7 @@ Json pictureOf(const Row &row, const Scene &scene, const std::filesystem::path &
     json["width"] = middle.picture.width();
     json["height"] = middle.picture.height();
     json["frames"] = film.frames.size();
+    json["isLoop"] = film.isLoop;
     json["calls"] = middle.calls.size();
     json["isPlain"] = isPlain(middle.picture);
     json["changes"] = middle.changes;
@@ -178,7 +179,7 @@ void draw(const std::filesystem::path &directory, const std::string &pattern, in
     const Progress progress;
     for (const Row *row : rows) {
         progress.say(json.size(), rows.size(), row->fullName());
-        json.push_back(pictureOf(*row, catalogue::pictureOf(*row), directory, frames, writers));
+        json.push_back(pictureOf(*row, shownScene(*row), directory, frames, writers));
     }
     writers.finish();
     progress.say(rows.size(), rows.size(), "");

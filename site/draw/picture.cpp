@@ -8,7 +8,6 @@
 
 namespace gallery {
 
-using catalogue::Argument;
 using catalogue::Call;
 using catalogue::Kind;
 using catalogue::Plane;
@@ -29,7 +28,8 @@ Plane coloured(const Plane &bytes) {
     });
 }
 
-/// What a call leaves behind that can be looked at as pixels; a null plane where there is nothing such.
+} // namespace
+
 Plane seen(const Call &call) {
     const auto &arguments = call.row().arguments;
     for (std::size_t i = 0; i < call.size(); ++i)
@@ -48,6 +48,8 @@ Plane seen(const Call &call) {
     }
     return {};
 }
+
+namespace {
 
 bool equal(const Plane &a, const Plane &b) {
     if (a.width() != b.width() || a.height() != b.height())
@@ -74,41 +76,49 @@ double distance(const Plane &a, const Plane &b) {
 bool showsItsClip(const Row &row) {
     return row.sentence.find("clip") != std::string_view::npos || row.name.find("Safe") != std::string_view::npos;
 }
-void cut(Call &call) {
+void cut(Call &call, const Stage &stage) {
     const auto &arguments = call.row().arguments;
-    constexpr tagRECT clip = {40, 24, stageWidth * 11 / 20, stageHeight * 11 / 20};
+    const tagRECT clip = {stage.width / 10, stage.width * 6 / 100, stage.width * 11 / 20, stage.height * 11 / 20};
     for (std::size_t i = 0; i < call.size(); ++i) {
         if (arguments[i].kind == Kind::clip && arguments[i].of != "tex")
             call[i] = clip;
         else if (arguments[i].name == "clipWidth")
-            call[i] = stageWidth * 7 / 10;
+            call[i] = std::floor(0.7 * stage.width);
         else if (arguments[i].name == "clipHeight")
-            call[i] = stageHeight * 7 / 10;
+            call[i] = std::floor(0.7 * stage.height);
     }
-}
-
-/// Of the calls of a scene those up to a time.
-std::vector<Call> callsUntil(const Row &row, const Scene &scene, double time) {
-    const Stage stage = {stageWidth, stageHeight, time};
-    if (scene.calls == 1) {
-        std::vector<Call> calls;
-        calls.push_back(catalogue::sceneCall(row, scene, stage));
-        if (showsItsClip(row))
-            cut(calls.front());
-        return calls;
-    }
-    std::vector<Call> calls = catalogue::sceneCalls(row, scene, stage);
-    calls.erase(calls.begin() + std::max(1, static_cast<int>(std::lround(time * scene.calls))), calls.end());
-    return calls;
 }
 
 } // namespace
 
+Scene shownScene(const Row &row) {
+    Scene scene = catalogue::pictureOf(row);
+    if (scene.calls == 1 && showsItsClip(row))
+        scene.set = [set = scene.set](Call &call, const Stage &stage) {
+            if (set)
+                set(call, stage);
+            cut(call, stage);
+        };
+    return scene;
+}
+
+std::vector<Call> callsUntil(const Row &row, const Scene &scene, const Stage &stage) {
+    std::vector<Call> calls;
+    if (scene.calls == 1) {
+        calls.push_back(catalogue::sceneCall(row, scene, stage));
+        return calls;
+    }
+    calls = catalogue::sceneCalls(row, scene, stage);
+    calls.erase(calls.begin() + std::max(1, static_cast<int>(std::lround(stage.time * scene.calls))), calls.end());
+    return calls;
+}
+
 Drawn drawn(const Row &row, const Scene &scene, double time) {
-    Drawn result{{}, callsUntil(row, scene, time), true};
+    const Stage stage = {stageWidth, stageHeight, time};
+    Drawn result{{}, callsUntil(row, scene, stage), true};
     const Call before = result.calls.front();
-    std::srand(static_cast<unsigned>(time * 1000) + 1);
-    std::vector<Call> run = callsUntil(row, scene, time);
+    std::srand(seedAt(time));
+    std::vector<Call> run = callsUntil(row, scene, stage);
     if (row.figure != catalogue::Figure::none) {
         result.picture = figureOf(row, scene, time);
         return result;

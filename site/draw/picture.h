@@ -11,6 +11,21 @@ namespace gallery {
 inline constexpr int stageWidth = 400;
 inline constexpr int stageHeight = 225;
 
+/// The scene that a picture shows: a row's own; where what the row is for is its clip, with a clip that cuts it.
+catalogue::Scene shownScene(const catalogue::Row &row);
+
+/// The calls of a scene; of several those up to the time.
+std::vector<catalogue::Call> callsUntil(const catalogue::Row &row, const catalogue::Scene &scene,
+                                        const catalogue::Stage &stage);
+
+/// What a call leaves behind that can be looked at as pixels; a null plane where there is nothing such.
+catalogue::Plane seen(const catalogue::Call &call);
+
+/// From where random numbers begin in a picture.
+constexpr unsigned seedAt(double time) {
+    return static_cast<unsigned>(time * 1000) + 1;
+}
+
 /// A scene at a time from 0 to 1, drawn by the library.
 struct Drawn {
     catalogue::Plane picture;           ///< its margins are none of it

@@ -117,15 +117,21 @@ if (asked) {
     field.value = asked;
     show();
 }
+async function copyText(text) {
+    try {
+        await navigator.clipboard.writeText(text);
+    } catch {
+        const area = document.createElement("textarea");
+        area.value = text;
+        document.body.append(area);
+        area.select();
+        document.execCommand("copy");
+        area.remove();
+    }
+}
 for (const button of document.querySelectorAll(".copy")) {
     button.addEventListener("click", async () => {
-        const text = document.getElementById(button.dataset.copies).textContent;
-        try {
-            await navigator.clipboard.writeText(text);
-        } catch {
-            getSelection().selectAllChildren(document.getElementById(button.dataset.copies));
-            document.execCommand("copy");
-        }
+        await copyText(document.getElementById(button.dataset.copies).textContent);
         button.textContent = "Copied";
         setTimeout(() => (button.textContent = "Copy"), 1200);
     });

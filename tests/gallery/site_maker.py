@@ -39,9 +39,9 @@ def printed_by(*command):
     return subprocess.run(command, env=environment, stdout=subprocess.PIPE, text=True, check=True).stdout
 
 
-def make(programs, directory, frames):
+def make(programs, directory, frames, module=None):
     """What the catalogue and the pictures say, once the pages are written."""
     catalogue = json.loads(printed_by(programs[0], "--json"))
     pictures = json.loads(printed_by(programs[1], str(directory / "pictures"), "--frames", str(frames)))
-    pages.write_pages(copy.deepcopy(catalogue), pictures, directory)
+    pages.write_pages(copy.deepcopy(catalogue), pictures, directory, module)
     return catalogue, pictures
