@@ -161,11 +161,14 @@ std::size_t Show::memoryToDraw() const {
     return fixed + planes * Canvas(settings.width, settings.height).bytes() + copiesToReadAFile * largest;
 }
 
+int Show::shotOf(int frame) const {
+    return static_cast<int>(std::upper_bound(firstFrames.begin(), firstFrames.end(), frame) - firstFrames.begin()) - 1;
+}
+
 Drawing Show::render(Stage &stage, int frame) const {
-    const auto next = std::upper_bound(firstFrames.begin(), firstFrames.end(), frame);
-    const int index = static_cast<int>(next - firstFrames.begin()) - 1;
+    const int index = shotOf(frame);
     const int passed = frame - firstFrames[at(index)];
-    const int left = *next - frame;
+    const int left = firstFrames[at(index + 1)] - frame;
     const int overlap = overlapBefore(index);
     const int overlapBehind = overlapBefore(index + 1);
 

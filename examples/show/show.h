@@ -54,6 +54,12 @@ public:
     /// What drawing takes at most in one thread, roughly.
     std::size_t memoryToDraw() const;
 
+    int shotOf(int frame) const;
+    int firstFrameOf(int shot) const { return firstFrames[at(shot)]; }
+
+    /// Reads the shot's photograph, so that nobody has to wait for it when its frames are drawn. Throws Failure.
+    void fetchPhoto(int shot) const { shelf->photo(photoOf(shot).path); }
+
     /// Draws a frame on the stage.
     Drawing render(Stage &stage, int frame) const;
 
