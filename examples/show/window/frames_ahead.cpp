@@ -83,9 +83,9 @@ bool FramesAhead::takeNext(DrawnFrame &frame) {
     const std::lock_guard lock(mutex);
     if (error)
         std::rethrow_exception(error);
-    const auto behind = ready.upper_bound(static_cast<int>(position()));
-    if (behind == ready.begin())
+    if (!hasNext())
         return false;
+    const auto behind = ready.upper_bound(static_cast<int>(position()));
     const auto latest = std::prev(behind);
     std::swap(frame.picture, latest->second);
     frame.number = latest->first;
@@ -102,20 +102,20 @@ bool FramesAhead::takeNext(DrawnFrame &frame) {
     return true;
 }
 
-double FramesAhead::secondsToWait() {
-    constexpr double glance = 0.002;
-    constexpr double longest = 0.05;
-    const std::lock_guard lock(mutex);
-    if (runs && paused)
-        return longest;
-    if (!runs || lastTaken < static_cast<int>(position()))
-        return glance;
-    return std::clamp((lastTaken + 1 - position()) / rate.perSecond(), 0.0, longest);
+void FramesAhead::waitForNext(double seconds) {
+    std::unique_lock lock(mutex);
+    if (runs && !paused) // until the next one is due
+        seconds = std::min(seconds, (std::floor(position()) + 1 - position()) / rate.perSecond());
+    changed.wait_for(lock, std::chrono::duration<double>(seconds), [this] { return error || hasNext(); });
 }
 
 bool FramesAhead::isOver() {
     const std::lock_guard lock(mutex);
-    return position() >= range.last + 1;
+    if (position() < range.last + 1)
+        return false;
+    dropped += range.last - lastTaken;
+    lastTaken = range.last;
+    return true;
 }
 
 bool FramesAhead::findFrame(int &frame) {

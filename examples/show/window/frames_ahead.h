@@ -40,9 +40,9 @@ public:
     /// what stopped the drawing.
     bool takeNext(DrawnFrame &frame);
 
-    /// How long until there may be a further one to take.
-    double secondsToWait();
-    /// Whether the last frame has stood for its time.
+    /// Waits for a further one, for so many seconds at most.
+    void waitForNext(double seconds);
+    /// Whether the last frame has stood for its time; if it was never taken, it is dropped.
     bool isOver();
 
     int framesDropped() const { return dropped; }
@@ -56,6 +56,7 @@ private:
     void draw(Stage &stage, int frame, std::unique_lock<std::mutex> &lock);
     /// The frame that is due now, and how much of its time has passed.
     double position() const;
+    bool hasNext() const { return !ready.empty() && ready.begin()->first <= static_cast<int>(position()); }
     void setClock(double frame);
 
     const Show &show;

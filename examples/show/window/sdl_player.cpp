@@ -26,6 +26,7 @@ namespace show {
 namespace {
 
 constexpr double secondsOfAStep = 5;
+constexpr double secondsBetweenGlances = 0.01; // at the keys; who waits for them by SDL may end in an error of X's
 constexpr double secondsBetweenTitles = 0.5;
 
 double secondsNow() {
@@ -201,12 +202,10 @@ public:
         window.show();
         while (goesOn && !frames.isOver()) {
             throwIfInterrupted();
-            SDL_Event event;
-            if (SDL_WaitEventTimeout(&event, static_cast<int>(std::ceil(1000 * frames.secondsToWait()))) != 0)
-                do
-                    handle(event);
-                while (SDL_PollEvent(&event) != 0);
+            frames.waitForNext(secondsBetweenGlances);
             showFrame();
+            for (SDL_Event event; SDL_PollEvent(&event) != 0;)
+                handle(event);
         }
         say("showed " + std::to_string(count) + (count == 1 ? " frame" : " frames") + " and dropped " +
             (frames.framesDropped() == 0 ? "none" : std::to_string(frames.framesDropped())));
