@@ -11,6 +11,8 @@
 #   renames  with long32 or lp64 and -DPREFIX=<of symbols>: what gives each function a further `.unchecked` in its name
 #   checked  likewise: for each function Q_MUR_CHECKED(symbol, result, name, (types), (parameters), (arguments)), its
 #            symbol being the one that `renames` gives it
+#   calls    likewise, as Q_MUR_CALL with the function's own symbol
+#   wraps    with long32 or lp64: options by which GNU's linkers lead calls of each function to `__wrap_` and its symbol
 #
 # tools/exports explains the schemes.
 
@@ -19,7 +21,7 @@ if(FORM STREQUAL map)
   if(FURTHER)
     string(APPEND text "        ${FURTHER};\n")
   endif()
-elseif(FORM MATCHES "^(names|imports|renames|checked)$")
+elseif(FORM MATCHES "^(names|imports|renames|checked|calls|wraps)$")
   set(text "")
 else()
   set(text "LIBRARY q_Mur.dll\nEXPORTS\n")
@@ -50,7 +52,11 @@ foreach(line IN LISTS lines)
         if(NOT data)
           string(APPEND text "${PREFIX}${name} ${PREFIX}${name}.unchecked\n")
         endif()
-      elseif(FORM STREQUAL checked)
+      elseif(FORM STREQUAL wraps)
+        if(NOT data)
+          string(APPEND text "--wrap=${name}\n")
+        endif()
+      elseif(FORM MATCHES "^(checked|calls)$")
         if(NOT data)
           string(REPLACE ", " ";" type_list "${types}")
           set(parameters "")
@@ -62,8 +68,12 @@ foreach(line IN LISTS lines)
           endforeach()
           list(JOIN parameters ", " parameters)
           list(JOIN passed ", " passed)
-          string(APPEND text
-            "Q_MUR_CHECKED(\"${PREFIX}${name}.unchecked\", ${result}, ${function}, (${types}), (${parameters}), (${passed}))\n")
+          set(call "${result}, ${function}, (${types}), (${parameters}), (${passed}))")
+          if(FORM STREQUAL checked)
+            string(APPEND text "Q_MUR_CHECKED(\"${PREFIX}${name}.unchecked\", ${call}\n")
+          else()
+            string(APPEND text "Q_MUR_CALL(\"${name}\", ${call}\n")
+          endif()
         endif()
       elseif(FORM STREQUAL def)
         string(APPEND text "    \"${name}\" = ${decorated_long32}${data}\n    ${decorated_long32}${data}\n")

@@ -7,6 +7,7 @@
 #include "interruption.h"
 #include "messages.h"
 #include "options.h"
+#include "profile.h"
 #include "rendering.h"
 #include "standard_files.h"
 #include "text.h"
@@ -135,9 +136,15 @@ void run(Options options, const char *programName) {
     warnIfLettersAreMissing(settings);
 
     Timings timings;
+    Profile profile;
     Notice notice;
-    if (options.printsTimings)
-        notice = [&](int, const Drawing &drawn) { timings.add(show.nameOf(drawn.effect), drawn.seconds); };
+    if (options.printsTimings || options.profiles)
+        notice = [&](int frame, const Drawing &drawn) {
+            timings.add(show.nameOf(drawn.effect), drawn.seconds);
+            profile.add(frame, show.nameOf(drawn.effect), drawn);
+        };
+    if (options.profiles)
+        timeCalls();
     if (player) {
         player->play(show, range, settings.rate, options.threads, notice);
     } else {
@@ -151,6 +158,8 @@ void run(Options options, const char *programName) {
             " cannot be read: " + std::to_string(read.leftOut) + (read.leftOut == 1 ? " photograph" : " photographs"));
     if (options.printsTimings)
         print(timings.table());
+    if (options.profiles)
+        print(profile.tables(options.threads));
 }
 
 } // namespace

@@ -213,6 +213,9 @@ Options parseOptions(const std::vector<std::string> &arguments) {
                 });
     line.flag("timings", "Print the milliseconds that a frame of each effect takes a thread to draw; needs no -o",
               [&] { options.printsTimings = true; });
+    line.flag("profile",
+              "Print the milliseconds that frames, shots and the library's functions take a thread; needs no -o",
+              [&] { options.profiles = true; });
     line.flag("play",
               "Show it in a window; needs no -o. Space pauses, left and right go by 5 seconds, up and down by "
               "photographs, F fills the screen, S saves the frame as a picture, Q ends",
@@ -243,7 +246,7 @@ Options parseOptions(const std::vector<std::string> &arguments) {
         throw Failure("--play shows the film and writes none; leave out -o, or --play");
     if (options.plays && !options.music.empty() && !options.lastsAsMusic)
         throw Failure("--play plays no music; --music makes sense with it for --seconds music alone");
-    if (options.outputs.empty() && !options.printsTimings && !options.plays)
+    if (options.outputs.empty() && !options.printsTimings && !options.profiles && !options.plays)
         throw Failure("nothing to write; name a file, such as -o show.mp4");
     return options;
 }
