@@ -133,7 +133,7 @@ std::string Profile::functionTable() const {
             ++othersCount;
         }
     if (othersCount > 0)
-        line(std::to_string(othersCount) + " others", others);
+        line(std::to_string(othersCount) + (othersCount == 1 ? " other" : " others"), others);
     return text;
 }
 
