@@ -12,6 +12,8 @@
 #   renames  with long32 or lp64 and -DPREFIX=<of symbols>: what gives each function a further `.unchecked` in its name
 #   checked  likewise: for each function Q_MUR_CHECKED(symbol, result, name, (types), (parameters), (arguments)), its
 #            symbol being the one that `renames` gives it
+#   calls    likewise, as Q_MUR_CALL with the function's own symbol
+#   wraps    with long32 or lp64: options by which GNU's linkers lead calls of each function to `__wrap_` and its symbol
 #
 # tools/exports explains the schemes.
 
@@ -21,7 +23,7 @@ if(FORM STREQUAL map)
   foreach(name IN LISTS FURTHER)
     string(APPEND text "        ${name};\n")
   endforeach()
-elseif(FORM MATCHES "^(names|imports|renames|checked)$")
+elseif(FORM MATCHES "^(names|imports|renames|checked|calls|wraps)$")
   set(text "")
 else()
   if(NOT LIBRARY)
@@ -62,7 +64,11 @@ foreach(line IN LISTS lines)
             string(APPEND text "${place}${PREFIX}${name} ${place}${PREFIX}${name}.unchecked\n")
           endforeach()
         endif()
-      elseif(FORM STREQUAL checked)
+      elseif(FORM STREQUAL wraps)
+        if(NOT data)
+          string(APPEND text "--wrap=${name}\n")
+        endif()
+      elseif(FORM MATCHES "^(checked|calls)$")
         if(NOT data)
           string(REPLACE ", " ";" type_list "${types}")
           set(parameters "")
@@ -74,8 +80,12 @@ foreach(line IN LISTS lines)
           endforeach()
           list(JOIN parameters ", " parameters)
           list(JOIN passed ", " passed)
-          string(APPEND text
-            "Q_MUR_CHECKED(\"${PREFIX}${name}.unchecked\", ${result}, ${function}, (${types}), (${parameters}), (${passed}))\n")
+          set(call "${result}, ${function}, (${types}), (${parameters}), (${passed}))")
+          if(FORM STREQUAL checked)
+            string(APPEND text "Q_MUR_CHECKED(\"${PREFIX}${name}.unchecked\", ${call}\n")
+          else()
+            string(APPEND text "Q_MUR_CALL(\"${name}\", ${call}\n")
+          endif()
         endif()
       elseif(FORM STREQUAL def)
         string(APPEND text "    \"${name}\" = ${decorated_long32}${data}\n    ${decorated_long32}${data}\n")

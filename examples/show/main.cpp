@@ -7,15 +7,19 @@
 #include "interruption.h"
 #include "messages.h"
 #include "options.h"
+#include "profile.h"
 #include "rendering.h"
 #include "standard_files.h"
 #include "text.h"
+#include "timings.h"
 #include "video.h"
+#include "window/player.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <exception>
+#include <optional>
 
 #ifdef __GLIBC__
 #include <malloc.h>
@@ -99,6 +103,9 @@ void run(Options options, const char *programName) {
     for (const std::string &name : settings.effects)
         if (!findEffect(name))
             throw Failure("there is no effect '" + printable(name) + "'; --list names them all");
+    std::optional<Player> player;
+    if (options.plays)
+        player.emplace(settings.width, settings.height);
     const std::vector<ShownPhoto> named = namedPhotos(options, programName);
     const VideoFormat format = {settings.width, settings.height, settings.rate, options.music};
     {
@@ -128,17 +135,31 @@ void run(Options options, const char *programName) {
     checkDistinct(options.outputs, inputs, range);
     warnIfLettersAreMissing(settings);
 
-    std::vector<std::unique_ptr<Output>> outputs;
-    for (const auto &target : options.outputs)
-        outputs.push_back(openOutput(target, format, range));
     Timings timings;
-    renderShow(show, settings.width, settings.height, range, outputs, options.threads,
-               options.printsTimings ? &timings : nullptr);
+    Profile profile;
+    Notice notice;
+    if (options.printsTimings || options.profiles)
+        notice = [&](int frame, const Drawing &drawn) {
+            timings.add(show.nameOf(drawn.effect), drawn.seconds);
+            profile.add(frame, show.nameOf(drawn.effect), drawn);
+        };
+    if (options.profiles)
+        timeCalls();
+    if (player) {
+        player->play(show, range, settings.rate, options.threads, notice);
+    } else {
+        std::vector<std::unique_ptr<Output>> outputs;
+        for (const auto &target : options.outputs)
+            outputs.push_back(openOutput(target, format, range));
+        renderShow(show, settings.width, settings.height, range, outputs, options.threads, notice);
+    }
     if (read.leftOut > 0)
         say("left out, since " + std::string(read.leftOut == 1 ? "it" : "they") +
             " cannot be read: " + std::to_string(read.leftOut) + (read.leftOut == 1 ? " photograph" : " photographs"));
     if (options.printsTimings)
         print(timings.table());
+    if (options.profiles)
+        print(profile.tables(options.threads));
 }
 
 } // namespace

@@ -135,6 +135,7 @@ void readEffects(std::string_view text, std::vector<std::string> &effects) {
 constexpr const char *introduction = "Makes a moving picture of photographs, every frame drawn by the q_Mur library.\n"
                                      "\n"
                                      "usage: qmur-show [PHOTO or FOLDER]... -o FILE [OPTION]...\n"
+                                     "       qmur-show [PHOTO or FOLDER]... --play [OPTION]...\n"
                                      "\n";
 constexpr const char *conclusion = "\n"
                                    "Without photographs, the bundled ones are shown. Those of a folder stand in\n"
@@ -212,6 +213,13 @@ Options parseOptions(const std::vector<std::string> &arguments) {
                 });
     line.flag("timings", "Print the milliseconds that a frame of each effect takes a thread to draw; needs no -o",
               [&] { options.printsTimings = true; });
+    line.flag("profile",
+              "Print the milliseconds that frames, shots and the library's functions take a thread; needs no -o",
+              [&] { options.profiles = true; });
+    line.flag("play",
+              "Show it in a window; needs no -o. Space pauses, left and right go by 5 seconds, up and down by "
+              "photographs, F fills the screen, S saves the frame as a picture, Q ends",
+              [&] { options.plays = true; });
     line.flag("list", "Print the effects and end", [&] { options.listEffects = true; });
     line.flag("version", "Print the version and end", [&] { wantsVersion = true; });
     line.flag("help", "Print this and end", [&] { wantsHelp = true; }).letter('h');
@@ -234,7 +242,11 @@ Options parseOptions(const std::vector<std::string> &arguments) {
         throw Failure("--subtitle needs --title");
     if (options.lastsAsMusic && options.music.empty())
         throw Failure("--seconds music needs --music");
-    if (options.outputs.empty() && !options.printsTimings)
+    if (options.plays && !options.outputs.empty())
+        throw Failure("--play shows the film and writes none; leave out -o, or --play");
+    if (options.plays && !options.music.empty() && !options.lastsAsMusic)
+        throw Failure("--play plays no music; --music makes sense with it for --seconds music alone");
+    if (options.outputs.empty() && !options.printsTimings && !options.profiles && !options.plays)
         throw Failure("nothing to write; name a file, such as -o show.mp4");
     return options;
 }

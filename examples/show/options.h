@@ -25,6 +25,8 @@ struct Options {
     int threads = 1;
     bool listEffects = false;
     bool printsTimings = false;
+    bool profiles = false;
+    bool plays = false;
     std::string answer; ///< what --help or --version print; nothing else is to be done then
 };
 

@@ -130,10 +130,10 @@ struct StopAtEnd {
 } // namespace
 
 void renderShow(const Show &show, int width, int height, FrameRange range,
-                const std::vector<std::unique_ptr<Output>> &outputs, int threads, Timings *timings) {
+                const std::vector<std::unique_ptr<Output>> &outputs, int threads, const Notice &notice) {
     std::vector<int> frames;
     for (int frame = range.first; frame <= range.last; ++frame)
-        if (timings ||
+        if (notice ||
             std::any_of(outputs.begin(), outputs.end(), [frame](const auto &output) { return output->wants(frame); }))
             frames.push_back(frame);
 
@@ -144,8 +144,8 @@ void renderShow(const Show &show, int width, int height, FrameRange range,
             Stage stage(width, height);
             while (queue.take(place)) {
                 const Drawing drawn = show.render(stage, frames[place]);
-                if (timings)
-                    timings->add(show.nameOf(drawn.effect), drawn.seconds);
+                if (notice)
+                    notice(frames[place], drawn);
                 Encodings encodings;
                 for (const auto &output : outputs)
                     encodings.push_back(output->wants(frames[place]) ? output->encode(stage.frame()) : EncodedFrame{});

@@ -5,14 +5,18 @@
 
 #include "output.h"
 #include "show.h"
-#include "timings.h"
+
+#include <functional>
 
 namespace show {
 
-/// Renders what the outputs want of the range, and finishes them. For timings, unless these are null, every frame of
-/// the range is drawn. Throws Failure or Interrupted.
+/// Is told of each frame that was drawn, by the thread that drew it.
+using Notice = std::function<void(int frame, const Drawing &drawn)>;
+
+/// Renders what the outputs want of the range, and finishes them. For a notice, if there is one, every frame of the
+/// range is drawn. Throws Failure or Interrupted.
 void renderShow(const Show &show, int width, int height, FrameRange range,
-                const std::vector<std::unique_ptr<Output>> &outputs, int threads, Timings *timings);
+                const std::vector<std::unique_ptr<Output>> &outputs, int threads, const Notice &notice);
 
 } // namespace show
 

@@ -5,6 +5,7 @@
 #include "timings.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace show {
 
@@ -161,11 +162,14 @@ std::size_t Show::memoryToDraw() const {
     return fixed + planes * Canvas(settings.width, settings.height).bytes() + copiesToReadAFile * largest;
 }
 
+int Show::shotOf(int frame) const {
+    return static_cast<int>(std::upper_bound(firstFrames.begin(), firstFrames.end(), frame) - firstFrames.begin()) - 1;
+}
+
 Drawing Show::render(Stage &stage, int frame) const {
-    const auto next = std::upper_bound(firstFrames.begin(), firstFrames.end(), frame);
-    const int index = static_cast<int>(next - firstFrames.begin()) - 1;
+    const int index = shotOf(frame);
     const int passed = frame - firstFrames[at(index)];
-    const int left = *next - frame;
+    const int left = firstFrames[at(index + 1)] - frame;
     const int overlap = overlapBefore(index);
     const int overlapBehind = overlapBefore(index + 1);
 
@@ -190,12 +194,20 @@ Drawing Show::render(Stage &stage, int frame) const {
         moment.t = moment.a.progress;
         effect = moment.a.scene;
     }
+    takeCalls(); // those that made the photographs ready
+    const auto startOnTheWall = std::chrono::steady_clock::now();
+    const bool leadsOn = left <= overlapBehind || passed < overlap;
     const double start = threadSeconds();
     stage.beginFrame();
     effect->render(stage, stage.frame(), moment);
     drawCaption(stage.frame(), index, passed - overlap, left - std::max(overlapBehind, endingOf(index)));
     stage.endFrame();
-    return {effect, threadSeconds() - start};
+    Drawing drawn = {effect, threadSeconds() - start, leadsOn && passed < overlap ? index - 1 : index, leadsOn,
+                     takeCalls()};
+    const std::chrono::duration<double> onTheWall = std::chrono::steady_clock::now() - startOnTheWall;
+    for (CallSum &call : drawn.calls)
+        call.seconds *= std::min(drawn.seconds / onTheWall.count(), 1.0);
+    return drawn;
 }
 
 const std::string &Show::nameOf(const Effect *effect) const {

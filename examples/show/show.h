@@ -3,6 +3,7 @@
 #ifndef QMUR_SHOW_SHOW_H
 #define QMUR_SHOW_SHOW_H
 
+#include "calls.h"
 #include "caption.h"
 #include "effects/list.h"
 #include "frame_rate.h"
@@ -39,6 +40,9 @@ std::vector<std::string> effectsFor(std::size_t photoCount, std::uint64_t seed);
 struct Drawing {
     const Effect *effect;
     double seconds;
+    int shot;
+    bool leadsOn;               ///< the effect is a transition from this shot to the next
+    std::vector<CallSum> calls; ///< if they are timed; their share of the time that the thread was busy
 };
 
 /// Photographs take turns, each for its seconds or those of the show. Scenes and transitions take turns likewise, in
@@ -53,6 +57,12 @@ public:
 
     /// What drawing takes at most in one thread, roughly.
     std::size_t memoryToDraw() const;
+
+    int shotOf(int frame) const;
+    int firstFrameOf(int shot) const { return firstFrames[at(shot)]; }
+
+    /// Reads the shot's photograph, so that nobody has to wait for it when its frames are drawn. Throws Failure.
+    void fetchPhoto(int shot) const { shelf->photo(photoOf(shot).path); }
 
     /// Draws a frame on the stage.
     Drawing render(Stage &stage, int frame) const;

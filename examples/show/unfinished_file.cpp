@@ -184,6 +184,23 @@ void UnfinishedFile::finish() {
     unfinished.clear();
 }
 
+bool UnfinishedFile::finishUnlessThere() {
+    const int place = createFile(target); // which nobody else gets then
+    if (place < 0 && errno == EEXIST)
+        return false;
+    if (place < 0)
+        fail(std::strerror(errno));
+    closeFile(place);
+    try {
+        finish();
+    } catch (const Failure &) {
+        std::error_code ignored;
+        std::filesystem::remove(target, ignored);
+        throw;
+    }
+    return true;
+}
+
 std::filesystem::path UnfinishedFile::endOfLinks(std::filesystem::path path) {
     constexpr int mostLinks = 40;
     std::error_code error;

@@ -23,6 +23,8 @@ public:
     const std::filesystem::path &path() const { return unfinished; }
     void write(const std::vector<unsigned char> &bytes);
     void finish();
+    /// Does so if nothing has that name, and answers whether that is so.
+    bool finishUnlessThere();
 
     /// Removes what runs that were killed left behind of this output; what another run is writing stays.
     static void removeLeftovers(const std::filesystem::path &output);

@@ -3,6 +3,7 @@
 
 import contextlib
 import os
+import re
 import resource
 import signal
 import struct
@@ -286,7 +287,7 @@ class CommandLine(ShowTest):
         for line in text.splitlines():
             self.assertLess(len(line), 80, line)
         for option in ("output size fps seconds playlist music effects fit title subtitle caption comments seed first last "
-                       "threads skip-bad max-megapixels timings list version help").split():
+                       "threads skip-bad max-megapixels timings profile play list version help").split():
             self.assertIn(f"--{option}", text)
 
     def test_seconds_and_rates_as_people_write_them(self):
@@ -311,6 +312,41 @@ class CommandLine(ShowTest):
             self.assertTrue(0 < float(row[2]) <= float(row[3]), row)
         times = [float(row[2]) for row in rows[1:-1]]
         self.assertEqual(times, sorted(times, reverse=True))
+        self.assertEqual(self.contents(), ["a.png"])
+
+    def test_a_profile_says_where_the_time_of_frames_shots_and_functions_goes(self):
+        (self.directory / "a.png").write_bytes(png_bytes(flat((1, 2, 3), 16, 16)))
+        result = self.show("a.png", "--size", "640x360", "--fps", 10, "--seconds", 2, "--effects", "pan,wipe,fade-out",
+                           "--profile", "--threads", 1)
+        frames, histogram, shots, functions = result.stdout.split("\n\n")
+        each, half, most, slowest, longest = map(float, re.fullmatch(
+            r"40 frames: (\S+) ms each; half take up to (\S+), 95 in 100 up to (\S+), the slowest, (\d+), (\S+)",
+            frames).groups())
+        self.assertTrue(0 < half <= most <= longest and each <= longest, frames)
+        self.assertIn(slowest, range(40))
+        bars = [line.split() for line in histogram.splitlines()]
+        self.assertEqual(bars[0], ["ms", "frames"])
+        self.assertEqual([int(bar[1]) for bar in bars[1:]], [2 ** i for i in range(len(bars) - 1)])
+        self.assertEqual(sum(int(bar[2]) for bar in bars[1:]), 40)
+        # Two shots of 20 frames; of 40, a fifth of either belongs to the transition, and half of the last to the end.
+        parts = [(match["shot"], int(match["first"]), int(match["last"]), match["effect"]) for match in re.finditer(
+            r"^(?P<shot>\d( to \d)?) +(?P<first>\d+) to (?P<last>\d+) +(?P<effect>[a-z-]+) +\d", shots, re.M)]
+        self.assertEqual(parts, [("1", 0, 15, "pan"), ("1 to 2", 16, 23, "wipe"), ("2", 24, 29, "pan"),
+                                 ("2", 30, 39, "fade-out")])
+        if running.is_for_windows():
+            self.assertEqual(functions, "This build cannot tell how long the library's functions take.\n")
+            return
+        rows = {match[1]: match for match in re.finditer(
+            r"^(the show itself|\d+ others?|\w+) +(?:(\S+) +(\S+) +)?(\S+) +(\S+) %$", functions, re.M)}
+        self.assertEqual(len(rows), len(functions.splitlines()) - 1)
+        for name in ("iBltPerfect32", "iFadeOut32", "the show itself"):
+            self.assertIn(name, rows)
+        calls, each_call = map(float, rows["iBltPerfect32"].groups()[1:3])
+        self.assertTrue(1 <= calls <= 20, calls)  # one for a photograph, and two within the transition
+        milliseconds = [float(row[4]) for name, row in rows.items()]
+        self.assertAlmostEqual(calls * each_call / 1000, float(rows["iBltPerfect32"][4]), delta=0.02 * each)
+        self.assertAlmostEqual(sum(milliseconds), each, delta=0.05 * each)
+        self.assertAlmostEqual(sum(float(row[5]) for row in rows.values()), 100, delta=2)
         self.assertEqual(self.contents(), ["a.png"])
 
     def test_more_frames_than_can_be_counted(self):

@@ -145,7 +145,7 @@ def read_options(**flags):
     parser.add_argument("--emulator", default="")
     parser.add_argument("--tools", type=lambda text: Path(text).resolve())
     for name, description in flags.items():
-        parser.add_argument(f"--{name}", action="store_true", help=description)
+        parser.add_argument(f"--{name.replace(chr(95), chr(45))}", action="store_true", help=description)
     parser.add_argument("names", nargs="*", help="run the tests whose names contain one of these")
     options = parser.parse_args()
     program, photos, tools = options.program, options.photos, options.tools

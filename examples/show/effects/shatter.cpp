@@ -133,13 +133,17 @@ class Shatter : public Effect {
         const std::array<Stage::Plane, glosses.size()> panes = {
             stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane(), stage.plane()};
         const Stage::Plane edges = stage.plane();
-        fill(edges, 0xFFFFFF);
         for (const Flight &flight : flights) {
+            if (!flight.isCracked || flight.gloss == untouched)
+                continue;
             const Surface &pane = panes[flight.gloss];
             const tagRECT area = boundsOf(flight.texels, out);
             copy(pane, plane, area);
             dim(pane, area, glosses[flight.gloss].brightness);
-            blend(pane, edges, area, glosses[flight.gloss].glare);
+            if (glosses[flight.gloss].glare > 0) {
+                fill(edges, area, 0xFFFFFF);
+                blend(pane, edges, area, glosses[flight.gloss].glare);
+            }
         }
         fill(edges, glassEdge);
         blend(edges, plane, 0.4);
@@ -172,7 +176,7 @@ class Shatter : public Effect {
                 if (!flight.isCracked)
                     continue;
                 draw(part, edges, placed(flight.edge), flight.texels);
-                draw(part, panes[flight.gloss], placed(flight.face), flight.texels);
+                draw(part, flight.gloss == untouched ? plane : panes[flight.gloss], placed(flight.face), flight.texels);
             }
         };
         const auto isWhole = [&](const tagRECT &area) {

@@ -89,6 +89,13 @@ class TurnPage : public Effect {
         drawShot(stage, before, moment.a);
         drawShot(stage, after, moment.b);
 
+        // It begins and ends with the photographs themselves, which the book softens a little.
+        constexpr double blending = 0.08;
+        const double share = 1 - std::min(moment.t, 1 - moment.t) / blending;
+        const Stage::Plane photo = stage.plane();
+        if (share > 0)
+            copy(photo, moment.t < 0.5 ? before : after);
+
         // The book moves away while its page turns, and fills the frame before and afterwards.
         const double away = easeInOut(clampUnit(std::min(moment.t, 1 - moment.t) * 3));
         const double size = mix(1, 0.8, away);
@@ -132,14 +139,8 @@ class TurnPage : public Effect {
             }
         });
 
-        // It begins and ends with the photographs themselves, which the book softens a little.
-        constexpr double blending = 0.08;
-        const double share = 1 - std::min(moment.t, 1 - moment.t) / blending;
-        if (share > 0) {
-            const Stage::Plane &photo = backdrop;
-            drawShot(stage, photo, moment.t < 0.5 ? moment.a : moment.b);
+        if (share > 0)
             blend(out, photo, share);
-        }
     }
 
     /// Shades the halves that lie flat under the page, and the page by how it stands to the light.
