@@ -150,7 +150,7 @@ catalogue::Row rowOf(const Mapper &mapper) {
     row.functions = catalogue::callOf(mapper.older, mapper.plainOlder);
     if (!isLit(mapper.kind)) {
         row.topByte = catalogue::TopByte::copied;
-        row.sums = catalogue::Sums::stayInside;
+        row.sums = catalogue::Sum::stayInside;
     }
     return row;
 }
