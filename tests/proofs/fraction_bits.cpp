@@ -49,7 +49,7 @@ void proveLookup(const Row &row) {
         for (const q_ulong pixel : pixelsOf(ran(std::move(call))))
             levels.insert(pixel & 0xFF);
     }
-    EXPECT_EQ(levels.size(), row.lookup == Lookup::filtered ? steps + 1 : 2);
+    EXPECT_EQ(static_cast<int>(levels.size()), row.lookup == Lookup::filtered ? steps + 1 : 2);
 }
 
 /// The argument that counts in steps.
