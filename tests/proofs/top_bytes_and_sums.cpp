@@ -280,8 +280,8 @@ void setChannel(Call &call, const Channel &channel, q_ulong level) {
 }
 
 /// Whether a channel's levels ever change anything but this channel.
-bool reachesOthers(const Row &row, const Channel &channel, bool beyondWhatIsMeant) {
-    for (int number = 0; number < (beyondWhatIsMeant ? row.cases : cases); ++number) {
+bool reachesOthers(const Row &row, const Channel &channel, bool beyondWhatIsMeant, int calls) {
+    for (int number = 0; number < calls; ++number) {
         Random random(static_cast<std::uint64_t>(number));
         Call call = beyondWhatIsMeant ? catalogue::randomCall(row, random) : plainCall(row, number);
         if (beyondWhatIsMeant)
@@ -339,12 +339,12 @@ void proveChannel(const Row &row, const Channel &channel) {
         EXPECT_TRUE(wraps(row, channel)) << "no sum wraps";
         break;
     case Sum::carryOver:
-        EXPECT_TRUE(reachesOthers(row, channel, true)) << "no carry comes into another channel";
+        EXPECT_TRUE(reachesOthers(row, channel, true, row.cases)) << "no carry comes into another channel";
         return;
     case Sum::none:
         return;
     }
-    EXPECT_FALSE(reachesOthers(row, channel, sum == Sum::wrap)) << "another channel is changed";
+    EXPECT_FALSE(reachesOthers(row, channel, sum == Sum::wrap, cases / 4)) << "another channel is changed";
 }
 
 void proveSums(const Row &row) {
