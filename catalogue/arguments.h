@@ -55,8 +55,13 @@ inline Argument channelWeight(std::string_view name) {
 }
 /// An alpha that is not clamped.
 inline Argument alpha(Way inScene = {0.1, 0.9}) {
-    return {
-        .name = "alpha", .kind = Kind::alpha, .unit = "1", .contract = anyReal, .inScene = inScene, .meant = {0, 1}};
+    return {.name = "alpha",
+            .kind = Kind::alpha,
+            .unit = "1",
+            .contract = anyReal,
+            .inScene = inScene,
+            .meant = {0, 1},
+            .fractionBits = 8};
 }
 inline Argument angle(std::string_view name = "angle", Range contract = anyReal, Way inScene = {0, fullTurn}) {
     return {.name = name, .kind = Kind::angle, .unit = "radians", .contract = contract, .inScene = inScene};

@@ -13,7 +13,9 @@ namespace catalogue {
 namespace {
 
 using enum TopByte;
-using enum Sums;
+using enum Sum;
+using Fractions::cutOff, Fractions::notCounted, Fractions::roundedUp;
+using Uniform::darkens, Uniform::stays;
 
 // What rows of all kinds begin with, in the orders in which functions take it.
 
@@ -207,7 +209,7 @@ Argument radiusUpTo(double highest) {
 }
 Argument radiusBeyond(double highest) {
     Argument argument = radiusUpTo(highest);
-    argument.contract.goesOn = true;
+    argument.contract.isASample = true;
     return argument;
 }
 Argument thicknessWithin(Range contract) {
@@ -298,6 +300,7 @@ Row glowing(std::string_view unit, Row row, double largest, double full) {
     row.arguments = (isClipped ? clippedStar : centred) + light;
     row.topByte = cleared;
     row.sums = saturate;
+    row.fractions = cutOff;
     row.readsTables = row.name != "Draw_Ring" && row.name != "Draw_Star_Type3";
     row.arrange = inTurn(isClipped ? arrangeClippedDisc : arrangeDisc, chooseIntensity);
     return figure(unit, mixed(std::move(row)));
@@ -455,7 +458,7 @@ Row resource(Row row) {
         return size < 2 ? Box() : boxOf(call["x"].whole(), call["y"].whole(), size, size);
     });
     row.topByte = cleared;
-    row.sums = carryOver;
+    row.fractions = notCounted;
     row.arrange = [](Call &call, Random &random) {
         const int size = random.between(-1, random.oneIn(8) ? 16 : 9);
         call["size"] = size;
@@ -537,6 +540,7 @@ Row bubble(Row row, double largestSize, double largestResource, Rows rows = Rows
     row.overlap = Overlap::rowOrder;
     row.topByte = cleared;
     row.sums = saturate;
+    row.fractions = notCounted;
     row.arrange = [rows](Call &call, Random &random) { arrangeBubble(call, random, rows); };
     row.scenes = {{.set = [rows](Call &call, const Stage &stage) { setResource(call, stage, rows); }}};
     return figure("bubbles", std::move(row));
@@ -551,37 +555,39 @@ std::vector<Row> drawRows() {
         mixed(dotted({Q_MUR_FUNCTION(Draw_Pixel_Add), .sentence = "Adds a colour to a pixel.", .writes = dot}, 0)),
         mixed(line({Q_MUR_OVERLOAD(iLine_AntiAliasing, Line), .sentence = "Draws an anti-aliased line, one pixel wide.",
                     .arguments = blendedLine, .writes = lineInClip([](const Call &) { return 1; }), .topByte = cleared,
-                    .sums = stayInside, .arrange = arrangeBlended})),
+                    .sums = stayInside, .fractions = cutOff, .uniform = stays, .arrange = arrangeBlended})),
         wideLine({Q_MUR_OVERLOAD(iLine_AntiAliasing, WideLine), .label = "wide",
-                  .sentence = "Draws an anti-aliased line of any width.", .topByte = setByColour, .sums = stayInside}),
+                  .sentence = "Draws an anti-aliased line of any width.", .topByte = setByColour, .sums = stayInside,
+                  .fractions = cutOff, .uniform = stays}),
         wideLine({Q_MUR_FUNCTION(iLine_AntiAliasing_Alpha),
                   .sentence = "Draws an anti-aliased line at one eighth of full strength.", .topByte = cleared,
-                  .sums = stayInside}),
+                  .sums = stayInside, .fractions = cutOff, .uniform = darkens}),
         wideLine({Q_MUR_FUNCTION(iLine_AntiAliasing_Add), .sentence = "Adds an anti-aliased line.",
-                  .topByte = disturbsRed, .sums = saturate}),
+                  .topByte = disturbsRed, .sums = saturate, .fractions = cutOff}),
         wideLine(
             {Q_MUR_FUNCTION(iLine_AntiAliasing_Max),
              .sentence = "Draws an anti-aliased line wherever it is brighter than the picture, channel by channel.",
-             .topByte = disturbsRed, .sums = stayInside}),
+             .topByte = disturbsRed, .sums = stayInside, .fractions = cutOff, .uniform = stays}),
         wideLine({Q_MUR_FUNCTION(iLine_AntiAliasing_AddSome),
                   .sentence =
                       "Adds the edges of an anti-aliased line that fades from its first end to nothing at the other.",
-                  .topByte = disturbsRed, .sums = saturate}),
+                  .topByte = disturbsRed, .sums = saturate, .fractions = cutOff}),
         line({Q_MUR_FUNCTION(DDLine_Fat),
               .sentence = "Draws a shaded tube, from white in its middle through the colour to black.",
               .arguments =
                   surface + itsClip + itsPitch + ends(walkedEnds) + colour() + radius("halfWidth", {0, 4095}, {2, 12}),
-              .writes = tube, .topByte = cleared, .arrange = arrangeTube,
+              .writes = tube, .topByte = cleared, .fractions = notCounted, .arrange = arrangeTube,
               .waived = {{"clips_hold_at_the_ends_of_numbers", "the middle lies where the line does"}}}),
         line({Q_MUR_FUNCTION(DDLine_Color_Change),
               .sentence = "Draws a line that changes from one colour towards another.",
               .arguments = surface + itsPitch + ends(walkedEnds) + each({"colour1", "colour2"}, colour()),
-              .writes = on("surface", lineBox), .topByte = setByColour, .sums = wrap, .arrange = arrangeEndsInside}),
+              .writes = on("surface", lineBox), .topByte = setByColour, .sums = {wrap, stayInside, stayInside},
+              .fractions = notCounted, .uniform = stays, .arrange = arrangeEndsInside}),
         mixed(line({Q_MUR_FUNCTION(iLineAddSome), .sentence = "Adds a line that fades to nothing.",
                     .arguments = surface + itsPitch + ends(walkedEnds) + colour() +
                                  each({"width", "height"}, extent("", "surface")),
                     .writes = on("surface", [](const Call &call) { return common(frameOf(call), lineBox(call)); }),
-                    .topByte = cleared, .sums = saturate, .arrange = arrangeLineOnSurface})),
+                    .topByte = cleared, .sums = saturate, .fractions = roundedUp, .arrange = arrangeLineOnSurface})),
         figure("circles", {Q_MUR_FUNCTION(Draw_Circle_FillInside), .sentence = "Fills a disc.",
                            .arguments = centred + radiusUpTo(anyInt.high) + colour(), .writes = disc,
                            .topByte = setByColour, .arrange = arrangeDisc}),
@@ -591,30 +597,32 @@ std::vector<Row> drawRows() {
         figure("circles", {Q_MUR_FUNCTION(iFill_Circle_Safe), .sentence = "Fills a disc inside a clip.",
                            .arguments = clippedCircle + radiusUpTo(anyInt.high - 1) + colour(), .writes = clippedDisc,
                            .topByte = setByColour, .arrange = arrangeFilledDisc}),
-        figure("circles",
-               mixed({Q_MUR_FUNCTION(iFill_Circle_Alpha),
-                      .sentence = "Blends a disc inside a clip with one alpha for all pixels.",
-                      .arguments = clippedCircle + radiusUpTo(anyInt.high - 1) + colour() +
-                                   meant(number("alpha", "1/256", anyInt, {40, 200}), {0, 256}),
-                      .writes = clippedDisc, .topByte = cleared, .sums = wrap, .arrange = arrangeFilledDisc})),
+        figure("circles", mixed({Q_MUR_FUNCTION(iFill_Circle_Alpha),
+                                 .sentence = "Blends a disc inside a clip with one alpha for all pixels.",
+                                 .arguments = clippedCircle + radiusUpTo(anyInt.high - 1) + colour() +
+                                              meant(number("alpha", "1/256", anyInt, {40, 200}), {0, 256}),
+                                 .writes = clippedDisc, .topByte = cleared, .sums = wrap, .fractions = cutOff,
+                                 .uniform = stays, .arrange = arrangeFilledDisc})),
         figure("circles", mixed({Q_MUR_FUNCTION(Draw_Bubble_Circle),
                                  .sentence = "Blends a disc that is clear at its centre and solid at its rim.",
                                  .arguments = clippedCircle + radiusBeyond(32767) + colour(), .writes = clippedDisc,
-                                 .topByte = cleared, .sums = stayInside, .arrange = arrangeClippedDisc})),
+                                 .topByte = cleared, .sums = stayInside, .fractions = cutOff, .uniform = stays,
+                                 .arrange = arrangeClippedDisc})),
         figure("circles", {Q_MUR_FUNCTION(Draw_Metal_Circle),
                            .sentence = "Fills a disc that goes from white at its centre to the colour at its rim.",
                            .arguments = centred + radiusUpTo(32767) + colour(), .writes = disc, .topByte = disturbsRed,
-                           .arrange = arrangeDisc}),
-        figure("circles", mixed({Q_MUR_FUNCTION(Draw_Anti_Aliasing_Circle_NoFillInside),
-                                 .sentence = "Blends a soft band around a circle.", .arguments = centred + softBand,
-                                 .writes = on("surface", aroundCentre(reachOfBand)), .topByte = disturbsRed,
-                                 .sums = stayInside, .readsTables = true, .arrange = arrangeBand})),
+                           .fractions = notCounted, .arrange = arrangeDisc}),
+        figure("circles",
+               mixed({Q_MUR_FUNCTION(Draw_Anti_Aliasing_Circle_NoFillInside),
+                      .sentence = "Blends a soft band around a circle.", .arguments = centred + softBand,
+                      .writes = on("surface", aroundCentre(reachOfBand)), .topByte = disturbsRed, .sums = stayInside,
+                      .fractions = cutOff, .uniform = stays, .readsTables = true, .arrange = arrangeBand})),
         spot("rings", {Q_MUR_FUNCTION(Draw_Ring), .sentence = "Adds a soft ring inside a circle."}, 32767, 128),
         figure("rings",
                mixed({Q_MUR_FUNCTION(Draw_Ring_Safe), .sentence = "Adds a soft band around a circle inside a clip.",
                       .arguments = clippedStar + softBand,
                       .writes = on("surface", inside("clip", aroundCentre(reachOfBand))), .topByte = disturbsRed,
-                      .sums = saturate, .readsTables = true, .arrange = arrangeClippedBand})),
+                      .sums = saturate, .fractions = cutOff, .readsTables = true, .arrange = arrangeClippedBand})),
         ellipse({Q_MUR_FUNCTION(Draw_Outer_Ellipse_NoFillInside),
                  .sentence = "Draws the outline of the ellipse through the corners of a box.",
                  .arguments = {thicknessWithin(anyInt), colour()}, .writes = on("surface", "clip"),
@@ -622,8 +630,9 @@ std::vector<Row> drawRows() {
         mixed(ellipse({Q_MUR_FUNCTION(Draw_Outer_Ellipse_AlphaFast),
                        .sentence = "Fills the ellipse through the corners of a box at half strength.",
                        .arguments = {unused("unused"), colour()}, .writes = clipAndColumn, .topByte = cleared,
-                       .sums = stayInside,
-                       .waived = {{"clips_hold_at_the_ends_of_numbers", "the axis is drawn from row 0 on"}}})),
+                       .sums = stayInside, .fractions = cutOff, .uniform = darkens,
+                       .waived = {{"clips_hold_at_the_ends_of_numbers", "the axis is drawn from row 0 on"},
+                                  {"places_are_bounded_by_clips_alone", "the axis is drawn from row 0 on"}}})),
         spot("stars", {Q_MUR_FUNCTION(Draw_Star_Type1), .sentence = "Adds a star with four spikes."}, 362, 64),
         clippedSpot("stars",
                     {Q_MUR_FUNCTION(Draw_Star_Type1_Safe),
@@ -643,22 +652,24 @@ std::vector<Row> drawRows() {
         figure("balls", {Q_MUR_FUNCTION(Draw_3DBall), .sentence = "Draws an opaque ball, lit from the upper left.",
                          .arguments = centred + radiusUpTo(anyInt.high) + colour() + unused("unused"),
                          .writes = on("surface", aroundCentre(radiusOfBall)), .topByte = cleared, .sums = saturate,
-                         .arrange = arrangeDisc}),
+                         .fractions = cutOff, .arrange = arrangeDisc}),
         figure("balls", {Q_MUR_FUNCTION(Draw_3DBall_Safe),
                          .sentence = "Draws an opaque ball, lit from the upper left, between the sides of a clip.",
                          .arguments = clippedStar + radiusUpTo(anyInt.high) + colour() + unused("unused"),
                          .writes = betweenSides(aroundCentre(radiusOfBall)), .topByte = cleared, .sums = saturate,
-                         .arrange = arrangeClippedDisc}),
-        figure("lights", mixed({Q_MUR_FUNCTION(Draw_Circle_Light),
-                                .sentence = "Blends a disc that is solid at its centre and clear at its rim.",
-                                .arguments = centred + radiusUpTo(32767) + channels(anyByte), .writes = disc,
-                                .topByte = disturbsRed, .sums = stayInside, .arrange = arrangeDisc})),
+                         .fractions = cutOff, .arrange = arrangeClippedDisc}),
+        figure("lights",
+               mixed({Q_MUR_FUNCTION(Draw_Circle_Light),
+                      .sentence = "Blends a disc that is solid at its centre and clear at its rim.",
+                      .arguments = centred + radiusUpTo(32767) + channels(anyByte), .writes = disc,
+                      .topByte = disturbsRed, .sums = stayInside, .fractions = cutOff, .arrange = arrangeDisc})),
         figure("stars",
                mixed({Q_MUR_FUNCTION(Draw_One_Star_Add),
                       .sentence = "Adds a horizontal and a vertical spike, one pixel wide.",
                       .arguments = surface + itsPitch + itsClip + position("x", "surface", {0.3, 0.7}) +
                                    position("y", "surface") + radius("size", anyInt, {20, 80}) + channels(anyInt),
-                      .writes = spikes, .topByte = cleared, .sums = saturate, .arrange = arrangeSpikes})),
+                      .writes = spikes, .topByte = cleared, .sums = saturate, .fractions = roundedUp,
+                      .arrange = arrangeSpikes})),
         mixed(dotted({Q_MUR_FUNCTION(Draw_Cross), .sentence = "Adds a colour to the nine pixels of a cross.",
                       .writes = dotGrown(2, 0, 2, 0) + dotGrown(0, 2, 0, 2)},
                      2)),

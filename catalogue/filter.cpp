@@ -11,7 +11,9 @@ namespace catalogue {
 namespace {
 
 using enum TopByte;
-using enum Sums;
+using enum Sum;
+using Fractions::cutOff;
+using Uniform::darkens, Uniform::stays;
 
 // Edges: two pictures of one pitch, of which each pixel is mixed with the one in its place.
 
@@ -83,6 +85,8 @@ Row edge(Box (*box)(const Call &), Row row) {
     row.reads = on("imageA", box) + on("imageB", box);
     row.topByte = disturbsRed;
     row.sums = stayInside;
+    row.fractions = cutOff;
+    row.uniform = stays;
     row.arrange = inTurn(makePictures, row.arrange);
     return row;
 }
@@ -148,6 +152,8 @@ Row blur(const Argument &window, Fits fits, Row row) {
     row.reads = on("src", box);
     row.overlap = Overlap::notPromised;
     row.sums = stayInside;
+    row.fractions = cutOff;
+    row.uniform = row.name.ends_with("GaussBlur") ? stays : darkens;
     return row;
 }
 /// The middle of the picture, so that there is something to compare it with.
@@ -338,7 +344,8 @@ std::vector<Row> filterRows() {
                                      pitch("pitch", "out") + unused("unused1") + unused("unused2") +
                                      choice("swapImages") + clip("clip", "out"),
                         .overlap = Overlap::notPromised, .arrange = arrangeStrip,
-                        .scenes = {{.set = setStrip<false>}, {"steep", setStrip<true>}}}),
+                        .scenes = {{.set = setStrip<false>}, {"steep", setStrip<true>}},
+                        .waived = {{"places_are_bounded_by_clips_alone", "sources are read at the same places"}}}),
         edge(discBox, {Q_MUR_FUNCTION(Edge_Transparency_Circle),
                        .sentence = "Fades a picture inside a circle into another outside.",
                        .arguments = point("centre", "out") + radius("radius", anyInt, {}) +
@@ -348,7 +355,7 @@ std::vector<Row> filterRows() {
         {Q_MUR_FUNCTION_WITHOUT_TWIN(FastBlur_Rect),
          .sentence = "Averages the neighbours on either side of each pixel, in a direction drawn anew at each call.",
          .arguments = inPlace, .writes = on("surface", interior), .reads = nextToInterior, .topByte = cleared,
-         .sums = stayInside,
+         .sums = stayInside, .fractions = cutOff, .uniform = darkens,
          .waived = {{"reads_nothing_outside_its_region", "each call draws its direction"},
                     {"two_threads_on_separate_surfaces", "each call draws its direction"},
                     {"pictures_stored_bottom_up", "each call draws its direction"}},
@@ -356,7 +363,7 @@ std::vector<Row> filterRows() {
         {Q_MUR_FUNCTION(CrossBlur_Rect),
          .sentence = "Averages the four neighbours of each pixel, beside it and at its corners in turn.",
          .arguments = privateBlock("lut", "_PRIVATE_LUT_DATA") + inPlace, .writes = on("surface", interior),
-         .reads = nextToInterior, .topByte = cleared, .sums = stayInside,
+         .reads = nextToInterior, .topByte = cleared, .sums = stayInside, .fractions = cutOff, .uniform = darkens,
          .arrange = [](Call &call, Random &random) { call["lut"] = PhaseBlock{.data = {random.between(0, 1)}}; },
          .scenes = {{.set = [](Call &call,
                                const Stage &stage) { call["lut"] = PhaseBlock{.data = {stage.time < 0.5 ? 0 : 1}}; }}},
@@ -364,7 +371,7 @@ std::vector<Row> filterRows() {
         {Q_MUR_FUNCTION(Blur_Rect), .sentence = "Blurs a rectangle in place by the means of square windows.",
          .arguments = inPlace + meant(radius("radius", anyInt, {2, 15}), {0, 128}),
          .writes = on("surface", blurredRect), .reads = on("surface", blurredRect), .topByte = cleared,
-         .sums = stayInside, .arrange = arrangeRadius,
+         .sums = stayInside, .fractions = cutOff, .uniform = darkens, .arrange = arrangeRadius,
          .scenes = {{.set = set("radius", 15)}, {"radius 3", set("radius", 3)}, {"radius 60", set("radius", 60)}},
          .picture = Scene{.set = inset}},
         {Q_MUR_FUNCTION(Blur_Ring), .sentence = "Does nothing.",

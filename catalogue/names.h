@@ -32,10 +32,28 @@ constexpr std::string_view nameOf(TopByte topByte) {
     return names[static_cast<std::size_t>(topByte)];
 }
 
-constexpr std::string_view nameOf(Sums sums) {
+constexpr std::string_view nameOf(Sum sum) {
     constexpr std::string_view names[] = {"stay inside", "saturate", "wrap", "carry over", "none"};
-    static_assert(std::size(names) == static_cast<std::size_t>(Sums::none) + 1);
-    return names[static_cast<std::size_t>(sums)];
+    static_assert(std::size(names) == static_cast<std::size_t>(Sum::none) + 1);
+    return names[static_cast<std::size_t>(sum)];
+}
+
+constexpr std::string_view nameOf(Fractions fractions) {
+    constexpr std::string_view names[] = {"none", "cut off", "rounded up", "not counted"};
+    static_assert(std::size(names) == static_cast<std::size_t>(Fractions::notCounted) + 1);
+    return names[static_cast<std::size_t>(fractions)];
+}
+
+constexpr std::string_view nameOf(Uniform uniform) {
+    constexpr std::string_view names[] = {"stays", "darkens", "none"};
+    static_assert(std::size(names) == static_cast<std::size_t>(Uniform::none) + 1);
+    return names[static_cast<std::size_t>(uniform)];
+}
+
+constexpr std::string_view nameOf(Lookup lookup) {
+    constexpr std::string_view names[] = {"nearest", "filtered", "none"};
+    static_assert(std::size(names) == static_cast<std::size_t>(Lookup::none) + 1);
+    return names[static_cast<std::size_t>(lookup)];
 }
 
 } // namespace catalogue

@@ -149,8 +149,10 @@ Row line(const Target &target, Row row) {
 Row curve(const Target &target, Row row) {
     row.arrange = arrangeCurve;
     row.scenes = {{.set = setCurve, .calls = 100}};
-    return strokes(target, "curves", 100,
-                   stroke(target, {"x0", "y0", "x1", "y1", "x2", "y2", "x3", "y3"}, std::move(row)));
+    row = stroke(target, {"x0", "y0", "x1", "y1", "x2", "y2", "x3", "y3"}, std::move(row));
+    if (target.on.kind == Kind::destination)
+        row.waived.push_back({"places_are_bounded_by_clips_alone", "places are truncated toward 0"});
+    return strokes(target, "curves", 100, std::move(row));
 }
 Row smoothCurve(const Target &target, Row row) {
     const std::string_view of = target.on.name;
@@ -530,7 +532,7 @@ std::vector<Row> regionRows() {
                         parentIsInside,
                         {"the seed or the limits lie outside", sourceFillIsInside},
                         {"the fill never ends", sourceFillEnds, true}},
-              .topByte = copied, .arrange = arrangeSourceFill}),
+              .topByte = copied, .lookup = Lookup::nearest, .arrange = arrangeSourceFill}),
     };
 }
 

@@ -63,11 +63,14 @@ struct Range {
     double low;
     double high;
 
-    /// Calls are tried so far, and the contract names no end: neither upward, nor downward from below 0.
-    bool goesOn = false;
+    /// The function takes any number: `low` and `high` are only how far seeded calls try it. A `low` of 0 or more is an
+    /// end all the same, since such numbers are sizes and counts.
+    bool isASample = false;
 
     bool contains(double number) const { return number >= low && number <= high; }
-    bool mayHold(double number) const { return contains(number) || (goesOn && (number > high || low < 0)); }
+
+    /// Whether the function takes a number, be it one that no seeded call tries.
+    bool allows(double number) const { return isASample ? number >= low || low < 0 : contains(number); }
 };
 
 inline constexpr Range anyInt = {-2147483648.0, 2147483647.0};
@@ -92,6 +95,7 @@ struct Argument {
     bool mayBeNull = false;
     Range meant = anyReal; ///< what makes sense; the contract may have numbers beyond, whose results nobody wants
     Range idle = {1, 0};   ///< further numbers that the contract allows, with which a call writes nothing; never tried
+    int fractionBits = -1; ///< a real number that counts in steps of 1 / 2^n, what lies between cut off; -1: no steps
 };
 using Arguments = std::vector<Argument>;
 
@@ -134,13 +138,63 @@ enum class TopByte {
 };
 
 /// What becomes of a sum that leaves a channel.
-enum class Sums {
+enum class Sum {
     stayInside, ///< none does
     saturate,   ///< the channel is full
     wrap,       ///< the channel keeps its low bits
     carryOver,  ///< it changes the next channel
     none,
 };
+
+/// The same for each channel.
+struct Sums {
+    Sum red;
+    Sum green;
+    Sum blue;
+
+    constexpr Sums(Sum each) : Sums(each, each, each) {}
+    constexpr Sums(Sum r, Sum g, Sum b) : red(r), green(g), blue(b) {}
+    constexpr bool areAll(Sum sum) const { return red == sum && green == sum && blue == sum; }
+};
+
+/// What becomes of fractions of a level, where levels are multiplied or divided.
+enum class Fractions {
+    none,       ///< there are none: levels are moved, or summed as they are
+    cutOff,     ///< the lower level is taken
+    roundedUp,  ///< the upper level is taken, since what is taken away is cut off
+    notCounted, ///< levels do not follow from those of a picture or a colour alone, or by steps of a slope
+};
+
+/// What a mean makes of pictures and colours that are all one colour.
+enum class Uniform {
+    stays,   ///< the same colour: the weights add up to 1
+    darkens, ///< at times a level or more less
+    none,    ///< nothing is mixed
+};
+
+/// How pixels of a source are looked up.
+enum class Lookup {
+    nearest,
+    filtered, ///< four neighbours, with weights of `tapBits` fraction bits in either direction
+    none,     ///< there is no source, or what is read of it are not its levels
+};
+inline constexpr int tapBits = 4;
+
+/// A number in fixed point, in 32 bits with its sign.
+struct FixedPoint {
+    int wholeBits;
+    int fractionBits;
+    bool isSigned;
+
+    /// The first whole number that it cannot hold.
+    constexpr std::int64_t end() const { return std::int64_t{1} << (isSigned ? wholeBits - 1 : wholeBits); }
+};
+constexpr FixedPoint signedBits(int whole, int fraction) {
+    return {whole, fraction, true};
+}
+constexpr FixedPoint unsignedBits(int whole, int fraction) {
+    return {whole, fraction, false};
+}
 
 /// The stage on which a scene is set.
 struct Stage {
@@ -220,7 +274,13 @@ struct Row {
 
     Overlap overlap = Overlap::none;
     TopByte topByte = TopByte::noPixels;
-    Sums sums = Sums::none;
+    Sums sums = Sum::none;
+    Fractions fractions = Fractions::none;
+    Uniform uniform = Uniform::none;
+    Lookup lookup = Lookup::none;
+
+    /// How places in a source are counted, of a source from its left and top where nothing else is said.
+    std::optional<FixedPoint> positions = {};
 
     /// The function reads the tables that the set-up call fills.
     bool readsTables = false;

@@ -23,7 +23,7 @@ Row sprite(Row row) {
         destination() + each({"width", "height"}, extent("", "dst", {anyInt.low, 65535, true})) + pitch("pitch", "dst");
     row.writes = on("dst", frameOf);
     row.topByte = TopByte::cleared;
-    row.sums = Sums::stayInside;
+    row.fractions = Fractions::notCounted;
     row.arrange = [](Call &call, Random &random) {
         int width = random.between(-1, 12);
         int height = random.between(-1, 12);
@@ -151,7 +151,7 @@ std::vector<Row> spriteRows() {
                       bytePitch("dstPitchBytes", "dst") + plane("src") +
                       each({"srcWidth", "srcHeight"}, extent("", "", {0, 65535})) + bytePitch("srcPitchBytes", "src"),
          .writes = on("dst", fittedBox), .reads = on("src", readBox), .overlap = Overlap::notPromised,
-         .topByte = TopByte::cleared, .sums = Sums::stayInside, .arrange = arrangeFit, .scenes = {{.set = setFit}},
+         .topByte = TopByte::cleared, .sums = Sum::stayInside, .arrange = arrangeFit, .scenes = {{.set = setFit}},
          .picture = Scene{.set = setFiner}},
     };
 }

@@ -6,7 +6,8 @@ namespace catalogue {
 namespace {
 
 using enum TopByte;
-using enum Sums;
+using enum Sum;
+using Fractions::cutOff;
 
 /// What no texture holds: the texels of positions that leave the format wrap.
 constexpr Box everything = {-plain::two32, -plain::two32, plain::two32, plain::two32};
@@ -245,6 +246,8 @@ Row ofBand(Row row) {
     row.reads = Region(writesBand) + readsTexture;
     row.topByte = clearedByLight;
     row.sums = saturate;
+    row.fractions = cutOff;
+    row.lookup = row.name.find("Near") == std::string_view::npos ? Lookup::filtered : Lookup::nearest;
     row.arrange = arrangeBand;
     row.scenes = {{.set = setBand, .isRestored = true}};
     return row;
@@ -460,6 +463,8 @@ Row ofPolygon(std::size_t corners, std::size_t modeCount, Row row) {
     row.reads = onDst + onDepths + readsCorners<3> + readsTexels;
     row.topByte = clearedByLight;
     row.sums = saturate;
+    row.fractions = cutOff;
+    row.lookup = Lookup::filtered;
     row.arrange = arrangePolygon;
     row.scenes = polygonScenes(std::span(modes).first(modeCount), isQuad);
     row.picture = Scene{.set = [](Call &call, const Stage &stage) {
@@ -498,6 +503,7 @@ Row ofPlainQuad(Row row) {
     row.reads = readsCorners<2> + atMost(on("tex", "clip"));
     row.topByte = copied;
     row.sums = stayInside;
+    row.lookup = Lookup::nearest;
     row.arrange = arrangePlainQuad;
     row.scenes = polygonScenes(plainQuad, true);
     row.picture = Scene{.set = [](Call &call, const Stage &stage) {
@@ -605,6 +611,8 @@ Row ofMesh(std::string_view figure, Row row) {
     row.rules = {arraysAreLargeEnough<Block>};
     row.topByte = cleared;
     row.sums = saturate;
+    row.fractions = cutOff;
+    row.lookup = Lookup::filtered;
     row.arrange = arrangeMesh;
     row.scenes = {{.set = setMesh<Block>(0), .isRestored = true}, ofGrid("filtered mesh of 64 x 64", 1)};
     if (row.argument("backTex"))

@@ -12,7 +12,9 @@ namespace catalogue {
 namespace {
 
 using enum TopByte;
-using enum Sums;
+using enum Sum;
+using Fractions::cutOff, Fractions::notCounted;
+using Uniform::darkens, Uniform::stays;
 
 const Arguments onePitch = {pitch("pitch", "dst")};
 const Arguments withPitches = {destination(), pitch("dstPitch", "dst"), source(), pitch("srcPitch", "src")};
@@ -132,6 +134,7 @@ Row aboutZ(Row row) {
                     position("centreY", "dst") + angle() + scale("scale", anyReal, {0.4, 1.2}) + row.arguments;
     row.writes = on("dst", "clipRect");
     row.reads = on("src", "srcRect") + row.reads;
+    row.positions = signedBits(11, 21); // from the middle
     row.arrange = arrangeZ;
     if (row.name.starts_with("iBltNear"))
         row.pixelOnPixel = wholeZ;
@@ -205,6 +208,7 @@ Row aboutAxis(Row row) {
     row.rules = {onePitchForAll};
     row.topByte = copied;
     row.sums = stayInside;
+    row.lookup = Lookup::nearest;
     row.arrange = arrangeFaces;
     row.scenes = {{"", turningPage}, {"a front alone", inTurn(turningPage, turnedOnce)}};
     return row;
@@ -225,6 +229,7 @@ Row frameTurn(Row row) {
     row.rules = {onePitchForAll};
     row.topByte = copied;
     row.sums = stayInside;
+    row.lookup = Lookup::nearest;
     row.arrange = arrangeFrames;
     row.scenes = {{}, {"at an angle of 0.5", inTurn(set("angle", 0.5), set("scale", 1), set("perspective", 0.25))}};
     return row;
@@ -474,22 +479,24 @@ std::vector<Row> warpRows() {
     std::vector<Row> rows = {
         aboutZ({Q_MUR_FUNCTION(iBltNear32_Z_Roto),
                 .sentence = "Turns and scales a picture about its centre, nearest pixel.", .topByte = copied,
-                .sums = stayInside}),
+                .sums = stayInside, .lookup = Lookup::nearest}),
         aboutZ({Q_MUR_FUNCTION(iBltNear32_Z_Roto_KeySrc),
                 .sentence = "Turns and scales a picture, leaving out pixels that are 0.", .topByte = copied,
-                .sums = stayInside}),
+                .sums = stayInside, .lookup = Lookup::nearest}),
         aboutZ({Q_MUR_FUNCTION(iBltNear32_Z_Roto_KeySrc_Add),
                 .sentence = "Turns and scales a picture and adds it, leaving out pixels that are 0.", .reads = mixed,
-                .topByte = cleared, .sums = saturate}),
+                .topByte = cleared, .sums = saturate, .lookup = Lookup::nearest}),
         aboutZ({Q_MUR_FUNCTION(iBltNear32_Z_Roto_Alpha),
                 .sentence = "Turns and scales a picture and blends it by one alpha.",
-                .arguments = {alpha({0.75, 0.75})}, .reads = mixed, .topByte = cleared, .sums = carryOver}),
+                .arguments = {alpha({0.75, 0.75})}, .reads = mixed, .topByte = cleared, .sums = {wrap, wrap, carryOver},
+                .fractions = cutOff, .uniform = stays, .lookup = Lookup::nearest}),
         aboutZ({Q_MUR_FUNCTION(iBltLinear32_Z_Roto),
                 .sentence = "Turns and scales a picture about its centre, filtered.", .topByte = cleared,
-                .sums = stayInside}),
+                .sums = stayInside, .fractions = cutOff, .uniform = stays, .lookup = Lookup::filtered}),
         aboutZ({Q_MUR_FUNCTION(iBltLinear32_Z_Roto_Alpha),
                 .sentence = "Turns and scales a picture, filtered, and blends it by one alpha.",
-                .arguments = {alpha({0.75, 0.75})}, .reads = mixed, .topByte = cleared, .sums = carryOver}),
+                .arguments = {alpha({0.75, 0.75})}, .reads = mixed, .topByte = cleared, .sums = {wrap, wrap, carryOver},
+                .fractions = cutOff, .uniform = stays, .lookup = Lookup::filtered}),
         aboutAxis<true>({Q_MUR_FUNCTION(iBltNear32_X_Roto),
                          .sentence = "Turns a picture with two faces in depth about a horizontal axis."}),
         aboutAxis<false>({Q_MUR_FUNCTION(iBltNear32_Y_Roto),
@@ -505,50 +512,55 @@ std::vector<Row> warpRows() {
          .sentence = "Draws a picture into any four corners, the patch inverted exactly.",
          .arguments = destination() + source() + onePitch + frameSize + corners, .writes = frame,
          .reads = on("src", frameOf), .rules = {onePitchForAll}, .topByte = copied, .sums = stayInside,
-         .arrange = arrangeQuad, .scenes = {{"", swingingQuad}}},
+         .lookup = Lookup::nearest, .arrange = arrangeQuad, .scenes = {{"", swingingQuad}}},
         {Q_MUR_FUNCTION(iPsudoBilinearMapping), .sentence = "Draws a picture into four corners in two quick passes.",
          .arguments = destination() + source() + scratch() + onePitch + frameSize + colour("fillColour") + corners,
          .writes = frame + on("scratch", frameOf), .reads = on("src", frameOf), .rules = {onePitchForAll},
-         .overlap = Overlap::notPromised, .topByte = copied, .sums = stayInside, .arrange = arrangeQuad,
-         .scenes = {{"", swingingQuad}}},
+         .overlap = Overlap::notPromised, .topByte = copied, .sums = stayInside, .lookup = Lookup::nearest,
+         .arrange = arrangeQuad, .scenes = {{"", swingingQuad}}},
         {Q_MUR_FUNCTION(iAffineMapping), .sentence = "Draws a picture into a trapezoid and brightens or darkens it.",
          .arguments = destination() + source() + onePitch + rectangle("srcRect", "src") + clip("clipRect", "dst") +
                       corners + number("brightnessAdd", "1", {-1000, 1000, true}, {10, 10}) +
                       number("brightnessScale", "1/256", {-1000, 1000, true}, {128, 256}),
          .writes = on("dst", "clipRect"), .reads = on("src", affineSource), .rules = {onePitchForAll},
-         .overlap = Overlap::notPromised, .topByte = disturbsRed, .sums = saturate, .arrange = arrangeAffine,
-         .scenes = {{"", trapezoid}}},
+         .overlap = Overlap::notPromised, .topByte = disturbsRed, .sums = saturate, .fractions = notCounted,
+         .arrange = arrangeAffine, .scenes = {{"", trapezoid}}},
         aboutCentre({Q_MUR_FUNCTION(iRotateMapping),
                      .sentence = "Stretches a picture onto a turned rectangle, filtered, along its traced edges.",
-                     .reads = on("src", tracedSource), .topByte = cleared}),
+                     .reads = on("src", tracedSource), .topByte = cleared, .fractions = cutOff, .uniform = stays,
+                     .lookup = Lookup::filtered}),
         {Q_MUR_FUNCTION(iRotateCircleMapping), .sentence = "Turns a disc of a picture on the spot.",
          .arguments = centreArguments(orNull(unused("srcRect"))) +
                       meant(radius("radius", {-50, 300, true}, {60, 60}), {0, anyInt.high}) +
                       angle("angle", nearCircle),
          .writes = on("dst", "clipRect"), .reads = atMost(on("src", discBox)), .overlap = Overlap::notPromised,
-         .topByte = copied, .sums = stayInside, .readsTables = true, .arrange = arrangeDisc,
+         .topByte = copied, .sums = stayInside, .lookup = Lookup::nearest, .readsTables = true, .arrange = arrangeDisc,
          .scenes = {{"", turningDisc}},
-         .waived = {{"every_place_and_size_over_a_small_surface", "larger than 4 x 4 pixels"}}},
+         .waived = {{"every_place_and_size_over_a_small_surface", "larger than 4 x 4 pixels"},
+                    {"places_are_bounded_by_clips_alone", "sources are read at the same places"}}},
         aboutCentre({Q_MUR_FUNCTION(iRotate), .sentence = "Stretches a picture onto a turned rectangle, nearest pixel.",
-                     .reads = on("src", "srcRect"), .topByte = copied}),
+                     .reads = on("src", "srcRect"), .topByte = copied, .lookup = Lookup::nearest}),
         aboutCentre({Q_MUR_FUNCTION(iRotateLinear),
                      .sentence = "Stretches a picture onto a turned rectangle, filtered.",
-                     .reads = on("src", "srcRect"), .topByte = cleared}),
+                     .reads = on("src", "srcRect"), .topByte = cleared, .fractions = cutOff, .uniform = stays,
+                     .lookup = Lookup::filtered}),
         aboutCentre({Q_MUR_FUNCTION(iRotateLinearAA),
                      .sentence = "Stretches a picture onto a turned rectangle with softened edges.",
-                     .writes = on("src", "srcRect"), .reads = on("src", softenedSource), .topByte = cleared}),
+                     .writes = on("src", "srcRect"), .reads = on("src", softenedSource), .topByte = cleared,
+                     .fractions = cutOff, .uniform = darkens, .lookup = Lookup::filtered}),
         {Q_MUR_FUNCTION(Blt_Triangle), .sentence = "Maps a triangle of a picture onto another triangle.",
          .arguments = destination() + clip("clip", "dst") + pitch("dstPitch", "dst") +
                       each({"p0", "p1", "p2"}, points("", "pixels", "dst")) + source() + pitch("srcPitch", "src") +
                       each({"t0", "t1", "t2"}, points("", "pixels", "src")),
          .writes = on("dst", "clip"), .reads = readsTriangle, .topByte = copied, .sums = stayInside,
-         .arrange = arrangeTriangle, .scenes = {{"", spinningTriangle}}},
+         .lookup = Lookup::nearest, .arrange = arrangeTriangle, .scenes = {{"", spinningTriangle}}},
         {Q_MUR_FUNCTION(ImageLine), .sentence = "Reveals another picture along a straight stroke.",
          .arguments = destination() + source() + onePitch + position("x1", "dst", {0.1, 0.1}, nearSurface) +
                       position("y1", "dst", {0.2, 0.8}, nearSurface) + position("x2", "dst", {0.9, 0.9}, nearSurface) +
                       position("y2", "dst", {0.8, 0.2}, nearSurface) + number("width", "pixels", nearSurface, {41, 41}),
          .writes = on("dst", strokeBox), .reads = on("src", strokeBox), .rules = {onePitchForAll}, .topByte = copied,
-         .sums = stayInside, .arrange = arrangeStroke},
+         .sums = stayInside, .lookup = Lookup::nearest, .arrange = arrangeStroke,
+         .waived = {{"places_are_bounded_by_clips_alone", "sources are read at the same places"}}},
     };
     for (Row &row : rows) // what else is promised runs rows top to bottom and pixels left to right
         if (row.overlap != Overlap::notPromised)

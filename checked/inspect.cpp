@@ -177,7 +177,7 @@ std::string numberFault(const Call &call, Range Argument::*range) {
         const Argument &argument = call.row().arguments[i];
         const bool isRanged = isNumber(argument.kind) && argument.kind != Kind::unused && call[i].is<double>();
         const bool isAny = std::isinf((argument.*range).low) && std::isinf((argument.*range).high);
-        if (!isRanged || isAny || (argument.*range).mayHold(call[i].number()))
+        if (!isRanged || isAny || (argument.*range).allows(call[i].number()))
             continue;
         if (range != &Argument::contract || !argument.idle.contains(call[i].number()))
             return outside(argument.name, call[i].number(), argument.*range);

@@ -164,11 +164,20 @@ def limit_text(value, low):
 
 def range_text(argument):
     contract = argument.get("contract")
-    if not contract or contract == [None, None]:
-        return "any" if contract else ""
-    if contract in ([-2147483648, 2147483647], [0, 4294967295]):
-        return "any"
-    return f"{limit_text(contract[0], True)} to {limit_text(contract[1], False)}"
+    if not contract:
+        return ""
+    if argument.get("contractIsASample"):  # nothing ends there, but at a least size of 0 or more
+        contract = [contract[0] if contract[0] >= 0 else None, None]
+    is_any = contract in ([None, None], [-2147483648, 2147483647], [0, 4294967295])
+    texts = ["any" if is_any else both_ends(contract)]
+    for key, words in (("meant", "meant: {}"), ("idle", "{} writes nothing")):
+        if key in argument and argument[key] != contract:
+            texts.append(words.format(both_ends(argument[key])))
+    return "; ".join(texts)
+
+
+def both_ends(ends):
+    return limit_text(ends[0], True) if ends[0] == ends[1] else f"{limit_text(ends[0], True)} to {limit_text(ends[1], False)}"
 
 
 def shown_text(argument, index, picture):
@@ -218,6 +227,7 @@ def facts_of(function, subsystem):
     if not clips and any(a["kind"] == "destination" for a in function["arguments"]):
         lines.append("There is no clip: places and sizes are trusted.")
     facts.append(("Clipped, trusted", lines + said))
+    facts.append(("Broken where", [f"{rule[0].upper()}{rule[1:]}." for rule in function["rules"]]))
     if function["drawsRandomNumbers"]:
         facts.append(("Random", ["Draws from the platform's `rand`."]))
     return [fact for fact in facts if fact[1]]

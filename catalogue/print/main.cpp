@@ -39,13 +39,27 @@ Json argumentOf(const Row &row, std::size_t index, const std::string &type) {
         json["unit"] = argument.unit;
     if (!argument.of.empty())
         json["of"] = argument.of;
-    if (isNumber(argument.kind))
+    if (isNumber(argument.kind)) {
         json["contract"] = pairOf(argument.contract.low, argument.contract.high);
+        if (argument.contract.isASample)
+            json["contractIsASample"] = true;
+        if (std::isfinite(argument.meant.low) || std::isfinite(argument.meant.high))
+            json["meant"] = pairOf(argument.meant.low, argument.meant.high);
+        if (argument.idle.low <= argument.idle.high)
+            json["idle"] = pairOf(argument.idle.low, argument.idle.high);
+        if (argument.fractionBits >= 0)
+            json["fractionBits"] = argument.fractionBits;
+    }
     if (argument.inScene.begin != 0 || argument.inScene.end != 0)
         json["inScene"] = pairOf(argument.inScene.begin, argument.inScene.end);
     if (argument.mayBeNull)
         json["mayBeNull"] = true;
     return json;
+}
+
+/// One word for all channels, or that of the lower ones, where a carry comes from.
+std::string_view nameOfAll(const Sums &sums) {
+    return nameOf(sums.areAll(sums.red) || sums.blue == Sum::carryOver ? sums.blue : sums.red);
 }
 
 /// What a call reads or writes, area by area.
@@ -77,7 +91,24 @@ Json rowOf(const Row &row, const HeaderText &header) {
         json["arguments"].push_back(argumentOf(row, i, types[i]));
     json["overlap"] = nameOf(row.overlap);
     json["topByte"] = nameOf(row.topByte);
-    json["sums"] = nameOf(row.sums);
+    json["sums"] = nameOfAll(row.sums);
+    json["sumsOfChannels"] = {
+        {"red", nameOf(row.sums.red)}, {"green", nameOf(row.sums.green)}, {"blue", nameOf(row.sums.blue)}};
+    json["fractions"] = nameOf(row.fractions);
+    json["uniform"] = nameOf(row.uniform);
+    json["lookup"] = nameOf(row.lookup);
+    if (row.lookup == Lookup::filtered)
+        json["tapBits"] = tapBits;
+    if (row.positions)
+        json["positions"] = {{"wholeBits", row.positions->wholeBits},
+                             {"fractionBits", row.positions->fractionBits},
+                             {"isSigned", row.positions->isSigned}};
+    json["rules"] = Json::array();
+    for (const Rule &rule : row.rules)
+        json["rules"].push_back(rule.broken);
+    json["waived"] = Json::object();
+    for (const Waiver &waiver : row.waived)
+        json["waived"][std::string(waiver.proof)] = waiver.reason;
     json["drawsRandomNumbers"] = row.drawsRandomNumbers;
     json["pixelOnPixel"] = bool(row.pixelOnPixel);
     json["hasTwin"] = row.functions.twin != nullptr;

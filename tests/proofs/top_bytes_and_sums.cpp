@@ -1,10 +1,11 @@
-#include "proofs.h"
+#include "levels.h"
 
 #include <algorithm>
 
 namespace proofs {
 namespace {
 
+using catalogue::Sum;
 using catalogue::Sums;
 using catalogue::TopByte;
 
@@ -234,24 +235,11 @@ q_ulong bright(Kind, q_ulong pixel) {
 q_ulong brightWithoutTopByte(Kind, q_ulong pixel) {
     return (pixel | 0xF0F0F0) & 0xFEFEFE;
 }
-/// What is not 0, as keys are, stays so without blue.
-q_ulong withRed(Kind, q_ulong pixel) {
-    return pixel == 0 ? 0 : pixel | 0x010000;
-}
-q_ulong withRedWithoutBlue(Kind kind, q_ulong pixel) {
-    return withRed(kind, pixel) & 0xFFFFFF00;
-}
 /// Opacities beyond 256, where they are allowed.
 void strengthen(Call &call) {
     for (std::size_t i = 0; i < call.size(); ++i)
         if (call.row().arguments[i].kind == Kind::number && call.row().arguments[i].unit == "1/256")
             call[i] = std::min(400.0, call.row().arguments[i].contract.high);
-}
-
-template <int level>
-void setBlueLevels(Call &call) {
-    for (const char *name : {"bA0", "bA1", "bB0", "bB1"})
-        call[name] = level;
 }
 
 /// Whether what a call draws follows from pixels, colours or levels that it gets.
@@ -267,48 +255,109 @@ bool onlyAdds(const Row &row) {
            readsItsDestination(row);
 }
 
-/// Whether a predicate holds of one of the channels.
-template <class Holds>
-bool anyChannel(q_ulong pixel, Holds holds) {
-    return holds(pixel >> 16 & 0xFF) || holds(pixel >> 8 & 0xFF) || holds(pixel & 0xFF);
+/// A channel, what becomes of its sums, and the beginning of the names of its levels.
+struct Channel {
+    std::string_view name;
+    int shift;
+    Sum Sums::*sum;
+
+    q_ulong of(q_ulong pixel) const { return pixel >> shift & 0xFF; }
+    q_ulong bits() const { return q_ulong{0xFF} << shift; }
+};
+constexpr Channel channels[] = {{"red", 16, &Sums::red}, {"green", 8, &Sums::green}, {"blue", 0, &Sums::blue}};
+
+/// Brings every level of a channel in a call to one value, in pixels, colours and numbers. Pixels that are 0, as keys
+/// are, stay 0, and no other becomes 0.
+void setChannel(Call &call, const Channel &channel, q_ulong level) {
+    const q_ulong another = channel.shift == 0 ? 0x010000 : 1;
+    setPixels(call, [&](q_ulong pixel) {
+        const q_ulong colour = ((pixel & 0xFFFFFF) | another) & ~channel.bits();
+        return pixel == 0 ? 0 : colour | level << channel.shift;
+    });
+    for (std::size_t i = 0; i < call.size(); ++i)
+        if (call.row().arguments[i].unit == "levels" && call.row().arguments[i].name.front() == channel.name.front())
+            call[i] = level == 0 ? 0 : 300;
+}
+
+/// Whether a channel's levels ever change anything but this channel.
+bool reachesOthers(const Row &row, const Channel &channel, bool beyondWhatIsMeant, int calls) {
+    for (int number = 0; number < calls; ++number) {
+        Random random(static_cast<std::uint64_t>(number));
+        Call call = beyondWhatIsMeant ? catalogue::randomCall(row, random) : plainCall(row, number);
+        if (beyondWhatIsMeant)
+            strengthen(call);
+        const auto others = [&](q_ulong level) {
+            Call changed = call;
+            setChannel(changed, channel, level);
+            std::vector<q_ulong> after = pixelsOf(ran(std::move(changed)));
+            for (q_ulong &pixel : after)
+                pixel &= ~channel.bits();
+            return after;
+        };
+        if (others(0) != others(0xFF))
+            return true;
+    }
+    return false;
+}
+
+/// Whether twice the levels ever draw less of a channel, as they only can where a sum loses its upper bits.
+bool wraps(const Row &row, const Channel &channel) {
+    for (int number = 0; number < row.cases; ++number) {
+        Random random(static_cast<std::uint64_t>(number));
+        Call call = catalogue::randomCall(row, random);
+        strengthen(call);
+        const auto times = [&](q_ulong factor) {
+            Call scaled = call;
+            setPixels(scaled, [factor](q_ulong pixel) { return factor * (pixel & 0x7F7F7F); });
+            return pixelsOf(ran(std::move(scaled)));
+        };
+        const std::vector<q_ulong> once = times(1);
+        const std::vector<q_ulong> twice = times(2);
+        for (std::size_t i = 0; i < once.size(); ++i)
+            if (channel.of(twice[i]) < channel.of(once[i]))
+                return true;
+    }
+    return false;
+}
+
+void proveChannel(const Row &row, const Channel &channel) {
+    const bool isDisturbed = row.topByte == TopByte::disturbsRed;
+    const Sum sum = row.sums.*channel.sum;
+    switch (sum) {
+    case Sum::stayInside:
+        expectOfAll(row, isDisturbed ? darkWithoutTopByte : dark, "a sum leaves its channel",
+                    [&channel](q_ulong pixel) { return channel.of(pixel) < 64; });
+        break;
+    case Sum::saturate:
+        EXPECT_TRUE(isShown(row, bright, [&channel](q_ulong pixel) { return channel.of(pixel) == 255; }))
+            << "no sum is cut at 255";
+        if (onlyAdds(row))
+            expectOfAll(row, isDisturbed ? brightWithoutTopByte : bright, "a sum of bright channels is dark",
+                        [&channel](q_ulong pixel) { return channel.of(pixel) >= 240; });
+        break;
+    case Sum::wrap:
+        EXPECT_TRUE(wraps(row, channel)) << "no sum wraps";
+        break;
+    case Sum::carryOver:
+        EXPECT_TRUE(reachesOthers(row, channel, true, row.cases)) << "no carry comes into another channel";
+        return;
+    case Sum::none:
+        return;
+    }
+    EXPECT_FALSE(reachesOthers(row, channel, sum == Sum::wrap, cases / 4)) << "another channel is changed";
 }
 
 void proveSums(const Row &row) {
-    switch (row.sums) {
-    case Sums::stayInside:
-        expectOfAll(row, row.topByte == TopByte::disturbsRed ? darkWithoutTopByte : dark, "a sum leaves its channel",
-                    [](q_ulong pixel) { return !anyChannel(pixel, [](q_ulong channel) { return channel > 63; }); });
-        break;
-    case Sums::saturate:
-        EXPECT_TRUE(isShown(row, bright, [](q_ulong pixel) {
-            return anyChannel(pixel, [](q_ulong channel) { return channel == 255; });
-        })) << "no sum is cut at 255";
-        if (onlyAdds(row))
-            expectOfAll(row, row.topByte == TopByte::disturbsRed ? brightWithoutTopByte : bright,
-                        "a sum of bright channels is dark", [](q_ulong pixel) {
-                            return !anyChannel(pixel, [](q_ulong channel) { return channel < 240; });
-                        });
-        break;
-    case Sums::wrap:
-        EXPECT_TRUE(isShown(row, bright, [](q_ulong pixel) {
-            return anyChannel(pixel, [](q_ulong channel) { return channel < 128; });
-        })) << "no sum wraps";
-        break;
-    case Sums::carryOver:
-        EXPECT_TRUE(row.argument("bA0")
-                        ? differ(row, unchanged, unchanged, 0xFFFFFF00, setBlueLevels<0>, setBlueLevels<300>)
-                        : differ(row, withRed, withRedWithoutBlue, 0xFFFFFF00, strengthen, strengthen))
-            << "no carry comes into the next channel";
-        break;
-    case Sums::none:
-        break;
+    for (const Channel &channel : channels) {
+        SCOPED_TRACE(channel.name);
+        proveChannel(row, channel);
     }
 }
 
 std::string_view reasonAgainstSums(const Row &row) {
     if (const std::string_view against = reason(row); !against.empty())
         return against;
-    if (row.sums == Sums::none)
+    if (row.sums.areAll(Sum::none))
         return "adds nothing";
     return drawsByPixels(row) ? "" : "draws pixels of its own";
 }

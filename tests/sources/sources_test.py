@@ -70,7 +70,7 @@ def scripts(interpreter, ending):
 
 
 def format_faults():
-    yield complaint_of(program("clang-format"), "--dry-run", "-Werror", *map(str, sources("*.cpp", "*.h")))
+    yield complaint_of(program("clang-format"), "--dry-run", "-Werror", *map(str, sources("*.cpp", "*.h", "*.hpp")))
 
 
 def plain_text_faults():
@@ -130,8 +130,9 @@ def shell_faults():
 
 
 def doc_comments_faults():
-    yield complaint_of(program("clang++"), "-std=c++20", "-fsyntax-only", "-Wdocumentation", "-Werror", "-x", "c++",
-                       "-Iinclude", "include/q_Mur.h")
+    for header in ("q_Mur.h", "q_Mur/surface.hpp"):
+        yield complaint_of(program("clang++"), "-std=c++20", "-fsyntax-only", "-Wdocumentation", "-Werror", "-x", "c++",
+                           "-Iinclude", f"include/{header}")
 
 
 def reference_faults():

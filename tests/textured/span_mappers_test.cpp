@@ -148,9 +148,12 @@ catalogue::Row rowOf(const Mapper &mapper) {
     });
     row.name = mapper.name;
     row.functions = catalogue::callOf(mapper.older, mapper.plainOlder);
+    if (row.name.find("Near") != std::string_view::npos)
+        row.lookup = catalogue::Lookup::nearest;
     if (!isLit(mapper.kind)) {
+        row.fractions = catalogue::Fractions::none;
         row.topByte = catalogue::TopByte::copied;
-        row.sums = catalogue::Sums::stayInside;
+        row.sums = catalogue::Sum::stayInside;
     }
     return row;
 }

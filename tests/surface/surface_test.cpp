@@ -1,0 +1,218 @@
+#define Q_MUR_SURFACE_CHECKED 1
+#include <q_Mur/surface.hpp>
+
+#include "catalogue/random.h"
+
+#include <gtest/gtest.h>
+
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using q_Mur::ConstView;
+using q_Mur::Rect;
+using q_Mur::Surface;
+using q_Mur::View;
+
+Surface randomPicture(catalogue::Random &random, int width, int height) {
+    Surface picture(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            picture.at(x, y) = random.word();
+    return picture;
+}
+
+TEST(surface, rectangles_are_values) {
+    constexpr Rect rect = Rect::sized(2, 3, 10, 20);
+    static_assert(rect == Rect{2, 3, 12, 23});
+    static_assert(rect.width() == 10 && rect.height() == 20 && !rect.isEmpty());
+    static_assert(rect.moved(-2, 1) == Rect{0, 4, 10, 24});
+    static_assert(rect.inside({0, 0, 5, 5}) == Rect{2, 3, 5, 5});
+    static_assert(rect.holds({2, 3, 12, 23}) && !rect.holds({1, 3, 12, 23}) && rect.holds({90, 90, 90, 99}));
+}
+
+TEST(surface, what_is_read_may_be_constant_and_what_is_drawn_may_not) {
+    static_assert(std::is_convertible_v<View, ConstView> && !std::is_convertible_v<ConstView, View>);
+    static_assert(std::is_convertible_v<const Surface &, ConstView> && !std::is_convertible_v<const Surface &, View>);
+    static_assert(std::is_convertible_v<Surface &, View>);
+}
+
+TEST(surface, parts_share_the_pixels_of_the_whole) {
+    Surface surface(8, 6);
+    const View part = surface.part({2, 1, 7, 5});
+    q_Mur::fill(part, 0x112233);
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 8; ++x)
+            EXPECT_EQ(surface.at(x, y), x >= 2 && x < 7 && y >= 1 && y < 5 ? 0x112233U : 0U) << x << " " << y;
+}
+
+TEST(surface, a_view_may_be_stored_bottom_up) {
+    std::vector<q_ulong> pixels(4 * 3);
+    const View view(pixels.data() + 8, 4, 3, -4);
+    view.at(1, 2) = 5;
+    EXPECT_EQ(pixels[1], 5U);
+}
+
+TEST(surface, copies_are_those_of_the_flat_calls) {
+    catalogue::Random random(1);
+    const Surface from = randomPicture(random, 9, 7);
+    Surface to = randomPicture(random, 12, 10);
+    const Surface before = to;
+    q_Mur::copy(to, 3, 2, from, {1, 1, 8, 6});
+    for (int y = 0; y < 10; ++y)
+        for (int x = 0; x < 12; ++x) {
+            const bool isInside = x >= 3 && x < 10 && y >= 2 && y < 7;
+            EXPECT_EQ(to.at(x, y), isInside ? from.at(x - 2, y - 1) : before.at(x, y));
+        }
+    q_Mur::copyClipped(to, -4, 8, from, from.rect());
+    EXPECT_EQ(to.at(0, 8), from.at(4, 0));
+    EXPECT_EQ(to.at(4, 9), from.at(8, 1));
+    EXPECT_EQ(to.at(5, 9), before.at(5, 9));
+}
+
+TEST(surface, a_blend_takes_its_source_from_anywhere) {
+    Surface from(6, 6, 0);
+    from.at(4, 5) = 0xFF8040;
+    Surface to(6, 6, 0x204060);
+    q_Mur::blend(to, 1, 0, from, {4, 5, 5, 6}, 0.25F);
+    // 64 / 256 of the source and 192 / 256 of the destination, cut off: 0x20 * 3 / 4 + 255 / 4 and so on
+    EXPECT_EQ(to.at(1, 0), 0x575058U);
+    EXPECT_EQ(to.at(0, 0), 0x204060U);
+    EXPECT_EQ(to.at(1, 1), 0x204060U);
+}
+
+TEST(surface, enlarging_lets_nothing_bleed_in) {
+    Surface sheet(8, 8, 0xFFFFFF);
+    q_Mur::fill(sheet, {2, 2, 6, 6}, 0x102030);
+    Surface to(32, 32);
+    q_Mur::enlarge(to, to.rect(), sheet, {2, 2, 6, 6});
+    for (int y = 0; y < 32; ++y)
+        for (int x = 0; x < 32; ++x)
+            ASSERT_EQ(to.at(x, y), 0x102030U) << x << " " << y;
+}
+
+/// The region around a place, one pixel after the other.
+void fillNaively(Surface &surface, int x, int y, q_ulong colour, q_ulong border) {
+    std::vector<char> isReached(static_cast<std::size_t>(surface.width() * surface.height()));
+    const auto reached = [&](int column, int row) -> char & {
+        return isReached[static_cast<std::size_t>(row * surface.width() + column)];
+    };
+    const Surface before = surface;
+    if (before.at(x, y) == border)
+        return;
+    reached(x, y) = 1;
+    for (bool grows = true; grows;) {
+        grows = false;
+        for (int row = 0; row < surface.height(); ++row)
+            for (int column = 0; column < surface.width(); ++column) {
+                const bool isBeside = (column > 0 && reached(column - 1, row)) ||
+                                      (row > 0 && reached(column, row - 1)) ||
+                                      (column + 1 < surface.width() && reached(column + 1, row)) ||
+                                      (row + 1 < surface.height() && reached(column, row + 1));
+                if (isBeside && !reached(column, row) && before.at(column, row) != border) {
+                    reached(column, row) = 1;
+                    grows = true;
+                }
+            }
+    }
+    for (int row = 0; row < surface.height(); ++row)
+        for (int column = 0; column < surface.width(); ++column)
+            if (reached(column, row))
+                surface.at(column, row) = colour;
+}
+
+TEST(surface, fills_any_region_to_its_border) {
+    constexpr q_ulong border = 0xFF0000;
+    for (int number = 0; number < 300; ++number) {
+        catalogue::Random random(static_cast<std::uint64_t>(number));
+        const int width = random.between(1, 24);
+        const int height = random.between(1, 24);
+        Surface filled(width, height);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                filled.at(x, y) = random.oneIn(3) ? border : static_cast<q_ulong>(random.between(0, 3));
+        Surface expected = filled;
+        const int x = random.between(0, width - 1);
+        const int y = random.between(0, height - 1);
+        const q_ulong colour = random.oneIn(4) ? border : 2;
+        q_Mur::fillSafely(filled, x, y, colour, border);
+        fillNaively(expected, x, y, colour, border);
+        for (int row = 0; row < height; ++row)
+            for (int column = 0; column < width; ++column)
+                ASSERT_EQ(filled.at(column, row), expected.at(column, row)) << number << ": " << column << " " << row;
+    }
+}
+
+TEST(surface, fills_what_winds_for_half_a_million_rows_and_goes_round_islands) {
+    constexpr int size = 1001;
+    Surface maze(size, size, 0);
+    for (int x = 1; x < size; x += 2)
+        q_Mur::fill(maze, x % 4 == 1 ? Rect{x, 0, x + 1, size - 1} : Rect{x, 1, x + 1, size}, 1);
+    q_Mur::fillSafely(maze, 0, 0, 7, 1);
+    EXPECT_EQ(maze.at(size - 1, size - 1), 7U);
+    Surface ring(9, 9, 0);
+    ring.at(4, 4) = 1;
+    q_Mur::fillSafely(ring, 0, 0, 7, 1);
+    EXPECT_EQ(ring.at(8, 8), 7U);
+    EXPECT_EQ(ring.at(4, 4), 1U);
+    q_Mur::fillSafely(ring, 9, 0, 5, 1);
+    EXPECT_EQ(ring.at(0, 0), 7U);
+}
+
+TEST(surface, texts_are_utf_8) {
+    EXPECT_EQ(q_Mur::textOf("Ab 1"), "Ab 1");
+    EXPECT_EQ(q_Mur::textOf("\xC3\xA9\xC2\xA3"), "\xE9\xA3");         // e with an acute accent, pound
+    EXPECT_EQ(q_Mur::textOf("\xE2\x82\xAC\xE2\x80\x93"), "\x80\x96"); // euro, dash
+    EXPECT_EQ(q_Mur::textOf("\xC5\xB8"), "\x9F");                     // Y with two dots
+    EXPECT_EQ(q_Mur::textOf("\xE6\xBC\xA2\xF0\x9F\x98\x80x"), "??x"); // none of code page 1252
+    EXPECT_EQ(q_Mur::textOf("\xC3"), "?");                            // cut off
+    EXPECT_EQ(q_Mur::textOf("\x80\xFFz"), "??z");                     // no beginnings
+    EXPECT_EQ(q_Mur::textOf("\xC1\x81"), "?");                        // longer than it need be
+    EXPECT_EQ(q_Mur::textOf("\xC3(x"), "?(x");
+    EXPECT_EQ(q_Mur::textOf("\xC2\x80\xC2\x81"), "??"); // controls that the code page has no place for
+}
+
+TEST(surface, texts_have_the_colour_that_they_are_given) {
+    constexpr q_Mur::Rgb colour = {255, 128, 0};
+    static_assert(colour.pixel() == 0xFF8000 && colour.blueFirst() == 0x0080FF);
+    Surface surface(80, 30);
+    if (!q_Mur::drawText(surface, 0, 0, "Hm", colour, 24, "DejaVu Sans"))
+        GTEST_SKIP() << "there are no letters";
+    bool isFull = false;
+    for (int y = 0; y < 30; ++y)
+        for (int x = 0; x < 80; ++x)
+            isFull = isFull || surface.at(x, y) == colour.pixel();
+    EXPECT_TRUE(isFull);
+}
+
+TEST(surface, records_and_blocks_free_themselves) {
+    q_Mur::Record record(32, 16);
+    ASSERT_NE(record.allocate(0, 1000), nullptr);
+    ASSERT_NE(record.allocate(1, -1), nullptr);
+    EXPECT_EQ(record.get()->blockCount, 2);
+    q_Mur::PipelineBlock pipeline(32, 16, 64, 3);
+    ASSERT_NE(pipeline.get(), nullptr);
+    EXPECT_EQ(pipeline->vertexArrayEntries, 64);
+    VKD_glPushMatrix(pipeline);
+    EXPECT_EQ(pipeline->modelDepth, 1);
+    q_Mur::Block<_PRIVATE_LUT_DATA> phase(1, 1);
+    EXPECT_EQ(phase->phase, 0);
+}
+
+#if GTEST_HAS_DEATH_TEST
+TEST(surface, wrong_places_end_the_program_with_a_line) {
+    Surface surface(8, 6);
+    const Surface source(4, 4);
+    EXPECT_DEATH(surface.at(8, 0) = 1, "a pixel lies outside of its surface");
+    EXPECT_DEATH(surface.at(0, -1) = 1, "a pixel lies outside of its surface");
+    EXPECT_DEATH(static_cast<void>(surface.part({0, 0, 8, 7})), "a part lies outside of its surface");
+    EXPECT_DEATH(q_Mur::fill(surface, {0, 0, 9, 6}, 1), "what is filled lies outside of its surface");
+    EXPECT_DEATH(q_Mur::copy(surface, 5, 0, source), "what is drawn lies outside of its surface");
+    EXPECT_DEATH(q_Mur::copy(surface, 0, 0, source, {0, 0, 5, 4}), "what is read lies outside of its surface");
+    EXPECT_DEATH(q_Mur::blend(surface, 0, 0, source, source.rect(), 2), "an alpha lies outside of 0 to 1");
+    EXPECT_DEATH(q_Mur::enlarge(surface, surface.rect(), source, {}), "a source has no pixels");
+}
+#endif
+
+} // namespace
