@@ -24,17 +24,16 @@ void iLine_AntiAliasing(q_ulong *surface, tagRECT *clip, int pitch, int x1, int 
 
 void iLine_AntiAliasing(q_ulong *surface, tagRECT *clip, int pitch, int x1, int y1, int x2, int y2, q_ulong colour,
                         int width) {
-    drawTwoTapLine(
-        surface, lineBetween(x1, y1, x2, y2, pitch, windowOf(*clip)), width,
-        [colour](q_ulong &d, q_ulong weight) { d = cover256(d, colour, weight); },
+    drawCoveredLine(
+        surface, lineBetween(x1, y1, x2, y2, pitch, windowOf(*clip)), width, colour, [](auto weight) { return weight; },
         [colour](q_ulong &d) { d = colour; });
 }
 
 void iLine_AntiAliasing_Alpha(q_ulong *surface, tagRECT *clip, int pitch, int x1, int y1, int x2, int y2,
                               q_ulong colour, int width) {
-    drawTwoTapLine(
-        surface, lineBetween(x1, y1, x2, y2, pitch, windowOf(*clip)), width,
-        [colour](q_ulong &d, q_ulong weight) { d = cover256(d, colour, weight >> 3); },
+    drawCoveredLine(
+        surface, lineBetween(x1, y1, x2, y2, pitch, windowOf(*clip)), width, colour,
+        [](auto weight) { return weight >> 3; },
         // Meant: the packed eighths lose their low bits, so no channel rises above 0xF8.
         [colour](q_ulong &d) { d = (d >> 3 & 0x1F1F1F) * 7 + (colour >> 3 & 0x1F1F1F); });
 }

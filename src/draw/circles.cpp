@@ -6,7 +6,7 @@
 using namespace qmur;
 
 void Draw_Circle_FillInside(q_ulong *surface, int pitch, int cx, int cy, int radius, q_ulong colour) {
-    forEachInDisc({surface, pitch, cx, cy}, radius, unclipped, [colour](q_ulong &d, int) { d = colour; });
+    fillDisc({surface, pitch, cx, cy}, radius, unclipped, colour);
 }
 
 void Draw_Circle_NoFillInside(q_ulong *surface, int pitch, int cx, int cy, int radius, int thickness, q_ulong colour) {
@@ -15,7 +15,7 @@ void Draw_Circle_NoFillInside(q_ulong *surface, int pitch, int cx, int cy, int r
 
 void iFill_Circle_Safe(q_ulong *surface, tagRECT *clip, int pitch, int cx, int cy, int radius, q_ulong colour) {
     const Centre centre = {surface, pitch, cx, cy};
-    forEachInDisc(centre, radius, offsetsFrom(centre, windowOf(*clip)), [colour](q_ulong &d, int) { d = colour; });
+    fillDisc(centre, radius, offsetsFrom(centre, windowOf(*clip)), colour);
 }
 
 void iFill_Circle_Alpha(q_ulong *surface, tagRECT *clip, int pitch, int cx, int cy, int radius, q_ulong colour,

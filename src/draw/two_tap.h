@@ -4,8 +4,10 @@
 #ifndef Q_MUR_DRAW_TWO_TAP_H
 #define Q_MUR_DRAW_TWO_TAP_H
 
-#include "base/pixel.h"
+#include "base/channels.h"
+#include "blending.h"
 #include "walks/lines.h"
+#include "walks/stretch.h"
 
 #include <limits>
 
@@ -56,12 +58,28 @@ void forEachSection(q_ulong *surface, const Line &line, TapOffsets taps, Section
     const Span minorLimits = taps.minorLimits(minor.clip);
     const int first = larger(majorLimits.begin, start);
     const int last = smaller(majorLimits.end, rising ? major.second : major.first);
-    int position = wrapAdd(wrapMultiply(startMinor, 256), wrapMultiply(wrapSubtract(first, start), slope));
+    if (first > last)
+        return;
+    const int position = wrapAdd(wrapMultiply(startMinor, 256), wrapMultiply(wrapSubtract(first, start), slope));
+    const auto draw = [&section, surface, along = major.stride, across = minor.stride](int at, int here) {
+        section(surface + (at * along + (here >> 8) * across), here & 255, at);
+    };
     // Meant: the major axis reaches its limit, the minor position stays below its own.
-    for (int at = first; at <= last; ++at, position = wrapAdd(position, slope)) {
-        const int whole = position >> 8;
-        if (minorLimits.contains(whole))
-            section(surface + (at * major.stride + whole * minor.stride), position & 255, at);
+    const int steps = wrapSubtract(last, first);
+    if (steps >= 0 && steps < std::numeric_limits<int>::max() && !minorLimits.empty() &&
+        staysIn32Bits(position, slope, steps + 1)) {
+        const Bounds bounds = scaledBounds(minorLimits.begin, minorLimits.end, 0, 8);
+        const Span inside = stretchInside(position, slope, bounds, {0, steps + 1});
+        int here = wrapAdd(position, wrapMultiply(inside.begin, slope));
+        for (int step = inside.begin; step < inside.end; ++step, here = wrapAdd(here, slope))
+            draw(first + step, here);
+        return;
+    }
+    for (int at = first, here = position;; ++at, here = wrapAdd(here, slope)) {
+        if (minorLimits.contains(here >> 8))
+            draw(at, here);
+        if (at == last)
+            return;
     }
 }
 
@@ -76,6 +94,44 @@ void drawTwoTapLine(q_ulong *surface, const Line &line, int width, Edge edge, Co
         for (int offset = 1 - taps.low; offset < taps.high; ++offset)
             core(at[offset * stride]);
     });
+}
+
+/// Covers both edges of a line with a colour, by what `weightOf` makes of their weights, and calls `core(pixel)` for
+/// the pixels between them.
+template <class WeightOf, class Core>
+void drawCoveredLine(q_ulong *surface, const Line &line, int width, q_ulong colour, WeightOf weightOf, Core core) {
+    const TapOffsets taps = tapsOfWidth(width);
+    const Distance stride = line.minor.stride;
+    const int apart = wrapAdd(taps.low, taps.high);
+    if (apart == 0 || stride == 0) // edges of one pixel are drawn one after the other
+        return drawTwoTapLine(
+            surface, line, width, [=](q_ulong &d, q_ulong weight) { d = cover256(d, colour, weightOf(weight)); }, core);
+    const auto drawWith = [&](auto load, auto store) {
+        const Words<8> colours = widenedLow(as<std::uint8_t>(Numbers<4>::all(colour & 0xFFFFFF)));
+        const Numbers<4> kept = Numbers<4>::all(0xFFFFFF);
+        // The weight of the one edge is 256 - fraction, that of the other the fraction.
+        const Words<8> turned = Words<8>::of(0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0, 0, 0, 0);
+        const Words<8> whole = Words<8>::of(257, 257, 257, 257, 0, 0, 0, 0);
+        forEachSection(surface, line, taps, [=](q_ulong *at, int fraction, int) {
+            q_ulong *const low = at - taps.low * stride;
+            q_ulong *const high = at + taps.high * stride;
+            const Words<8> weights = weightOf((Words<8>::all(static_cast<std::uint16_t>(fraction)) ^ turned) + whole);
+            const Words<8> d = widenedLow(as<std::uint8_t>(load(low, high) & kept));
+            const Words<8> mixed = ((d << 8) + (colours - d) * weights) >> 8;
+            store(low, high, as<std::uint32_t>(narrowed(mixed, mixed)));
+            for (int offset = 1 - taps.low; offset < taps.high; ++offset)
+                core(at[offset * stride]);
+        });
+    };
+    if (stride == 1 && apart == 1)
+        drawWith([](const q_ulong *low, const q_ulong *) { return Numbers<4>::loadEightBytes(low); },
+                 [](q_ulong *low, q_ulong *, Numbers<4> pixels) { pixels.storeEightBytes(low); });
+    else
+        drawWith([](const q_ulong *low, const q_ulong *high) { return Numbers<4>::of(*low, *high, 0, 0); },
+                 [](q_ulong *low, q_ulong *high, Numbers<4> pixels) {
+                     *low = pixels[0];
+                     *high = pixels[1];
+                 });
 }
 
 } // namespace qmur

@@ -119,8 +119,11 @@ public:
     Pixels times(q_ulong reciprocal) const {
         if (reciprocal == 65536)
             return pixelsOf(blueAndRed, greenAndTop);
-        const auto factor = Channels::all(static_cast<std::uint16_t>(reciprocal));
-        return pixelsOf(highProduct(blueAndRed, factor), highProduct(greenAndTop, factor));
+        const auto factor = static_cast<std::uint16_t>(reciprocal);
+        // What is not kept has a factor of 0.
+        const auto ofTop = Sums::kept == 0xFFFFFFFF ? factor * 0x10001U : factor;
+        return as<std::uint32_t>(highProduct(blueAndRed, Channels::all(factor))) |
+               as<std::uint32_t>(highProduct(greenAndTop, as<std::uint16_t>(Pixels::all(ofTop)))) << 8;
     }
 
     /// For a count above 1.
@@ -269,7 +272,7 @@ void blurRowsAbreast(q_ulong *dst, Distance dstPitch, const q_ulong *src, Distan
                      SlidingWindow window, Edge edgeMean) {
     using Columns = Tile<bytes>;
     constexpr int four = Columns::width;
-    typename Columns::Column ring[512];
+    typename Columns::Column ring[512 + four]; // behind the last column stand the first four once more
     int ringSize = 16;
     while (ringSize < window.size() + 2 * four)
         ringSize *= 2;
@@ -279,8 +282,12 @@ void blurRowsAbreast(q_ulong *dst, Distance dstPitch, const q_ulong *src, Distan
         for (; taken < end; taken += four) {
             const Columns tile = taken + four <= width ? Columns::load(src + taken, srcPitch)
                                                        : Columns::loadPart(src + taken, srcPitch, width - taken);
+            const int place = taken & mask;
             for (int i = 0; i < four; ++i)
-                ring[(taken + i) & mask] = tile.columns[i];
+                ring[place + i] = tile.columns[i];
+            if (place == 0)
+                for (int i = 0; i < four; ++i)
+                    ring[ringSize + i] = tile.columns[i];
         }
     };
 
@@ -294,10 +301,12 @@ void blurRowsAbreast(q_ulong *dst, Distance dstPitch, const q_ulong *src, Distan
         take(smaller(start + four + forward, width));
         Columns means;
         if (start >= back && start + four <= width - forward) {
+            const auto *const entering = ring + ((start + forward) & mask);
+            const auto *const leaving = ring + ((start - back) & mask);
             for (int i = 0; i < four; ++i) {
-                sums.add(ring[(start + i + forward) & mask]);
+                sums.add(entering[i]);
                 means.columns[i] = sums.times(reciprocal);
-                sums.subtract(ring[(start + i - back) & mask]);
+                sums.subtract(leaving[i]);
             }
             means.store(dst + start, dstPitch);
             continue;

@@ -111,15 +111,29 @@ template <class Operation>
 void combinePixels(const Placement &placement, Operation operation) {
     const auto [firstDst, dstPitch, firstSrc, srcPitch, width, height] = placement;
     constexpr Distance atOnce = sizeof(MostPixels) / sizeof(q_ulong);
+    constexpr Distance cacheLine = 64 / sizeof(q_ulong);
     using Few = Numbers<4>;
     for (Distance y = 0; y < height; ++y) {
         q_ulong *const dst = firstDst + y * dstPitch;
         const q_ulong *const src = firstSrc + y * srcPitch;
         const auto ahead = reinterpret_cast<std::uintptr_t>(dst) - reinterpret_cast<std::uintptr_t>(src);
         const Distance several = ahead == 0 || ahead >= sizeof(MostPixels) ? width : 0;
+        const Distance dstAhead = y + 1 < height ? dstPitch : 0;
+        const Distance srcAhead = y + 1 < height ? srcPitch : 0;
         Distance x = 0;
-        for (; x <= several - atOnce; x += atOnce)
+        const auto combine = [&] {
             operation(MostPixels::load(dst + x), MostPixels::load(src + x)).store(dst + x);
+            x += atOnce;
+        };
+        while (x <= several - cacheLine) {
+            // By itself a processor fetches too little ahead of itself where pictures lie in farther caches.
+            willWrite(dst + x + dstAhead);
+            willRead(src + x + srcAhead);
+            for (Distance i = 0; i < cacheLine; i += atOnce)
+                combine();
+        }
+        while (x <= several - atOnce)
+            combine();
         for (; x <= several - 2; x += 2)
             operation(Few::loadEightBytes(dst + x), Few::loadEightBytes(src + x)).storeEightBytes(dst + x);
         for (; x < width; ++x)

@@ -6,6 +6,7 @@
 #include "base/surface.h"
 #include "base/wide.h"
 #include "q_Mur/frame.h"
+#include "walks/fill.h"
 
 #include <cmath>
 #include <limits>
@@ -84,21 +85,25 @@ void forEachRun(const Centre &centre, const Window &offsets, Chord chord, Run ru
     }
 }
 
+/// Beyond it the squared distance of a disc's square's corners, twice that of the radius, wraps.
+constexpr int largestExactRadius = 32767;
+
+/// The columns of a disc's row `dy`.
+constexpr auto discChord(int radius) {
+    return [radiusSquare = radius * radius](int dy) {
+        const int half = halfChord(radiusSquare, dy * dy);
+        return Span{-half, half + 1};
+    };
+}
+
 /// Calls `pixel(pixel, squared distance)` for every pixel of a disc, rim included.
 template <class Pixel>
 void forEachInDisc(const Centre &centre, int radius, const Window &within, Pixel pixel) {
-    // Beyond it the squared distance of the square's corners, twice that of the radius, wraps.
-    constexpr int largestExactRadius = 32767;
     if (radius < 0)
         return;
-    const int radiusSquare = wrapMultiply(radius, radius);
     const Window offsets = squareThrough(radius).within(within);
     if (radius <= largestExactRadius) {
-        const auto chord = [radiusSquare](int dy) {
-            const int half = halfChord(radiusSquare, dy * dy);
-            return Span{-half, half + 1};
-        };
-        forEachRun(centre, offsets, chord, [&pixel](q_ulong *at, Span columns, int dy) {
+        forEachRun(centre, offsets, discChord(radius), [&pixel](q_ulong *at, Span columns, int dy) {
             for (int dx = columns.begin; dx < columns.end; ++dx, ++at)
                 pixel(*at, dx * dx + dy * dy);
         });
@@ -106,12 +111,30 @@ void forEachInDisc(const Centre &centre, int radius, const Window &within, Pixel
     }
     // From here on the squares wrap, and the shape is what they leave of it.
     const auto wholeRow = [columns = offsets.columns](int) { return columns; };
+    const int radiusSquare = wrapMultiply(radius, radius);
     forEachRun(centre, offsets, wholeRow, [&pixel, radiusSquare](q_ulong *at, Span columns, int dy) {
         for (int dx = columns.begin; dx < columns.end; ++dx, ++at) {
             const int square = wrapAdd(wrapMultiply(dx, dx), wrapMultiply(dy, dy));
             if (square <= radiusSquare)
                 pixel(*at, square);
         }
+    });
+}
+
+/// Fills a disc, rim included.
+inline void fillDisc(const Centre &centre, int radius, const Window &within, q_ulong colour) {
+    if (radius > largestExactRadius)
+        return forEachInDisc(centre, radius, within, [colour](q_ulong &d, int) { d = colour; });
+    if (radius < 0)
+        return;
+    // No processor sees which rows are next: they are too far apart, and too short.
+    constexpr int ahead = 4;
+    const Window offsets = squareThrough(radius).within(within);
+    forEachRun(centre, offsets, discChord(radius), [=, pitch = centre.pitch](q_ulong *at, Span columns, int dy) {
+        if (dy < offsets.rows.end - ahead)
+            for (int x = 0; x < columns.length(); x += 16)
+                willWrite(at + ahead * pitch + x);
+        fillRun(at, columns.length(), colour);
     });
 }
 

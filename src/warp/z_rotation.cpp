@@ -5,6 +5,8 @@
 #include "q_Mur/warp.h"
 #include "walks/stretch.h"
 
+#include <type_traits>
+
 namespace {
 
 using namespace qmur;
@@ -97,8 +99,18 @@ void forEachRotated(q_ulong *dst, Distance dstPitch, const Rotation &rotation, B
             inside = stretchInside(v.start, v.step, boundsV, inside);
             const auto at = [](const Track &track, int x) { return wrapAdd(track.start, wrapMultiply(track.step, x)); };
             int x = inside.begin;
-            for (; x <= inside.end - groupSize; x += groupSize)
-                group(row + x, lanesAt(at(u, x), u.step), lanesAt(at(v, x), v.step));
+            const auto growthOf = [](const Track &track) {
+                return Group::all(static_cast<q_ulong>(wrapMultiply(track.step, groupSize)));
+            };
+            const Group growthU = growthOf(u);
+            const Group growthV = growthOf(v);
+            Group uHere = lanesAt(at(u, x), u.step);
+            Group vHere = lanesAt(at(v, x), v.step);
+            for (; x <= inside.end - groupSize; x += groupSize) {
+                group(row + x, uHere, vHere);
+                uHere = uHere + growthU;
+                vHere = vHere + growthV;
+            }
             for (; x < inside.end; ++x)
                 pixel(row[x], at(u, x), at(v, x));
         } else {
@@ -166,6 +178,13 @@ struct Scene {
     int srcCentreY() const { return wrapAdd(static_cast<int>(srcRect.top), static_cast<int>(srcRect.bottom)) >> 1; }
 };
 
+struct CopyPixels {
+    template <int count>
+    Numbers<count> operator()(Numbers<count>, Numbers<count> s) const {
+        return s;
+    }
+};
+
 /// Calls `store(dst pixel, src pixel)` with the nearest source pixel, or stores `operation(dst pixels, src pixels)`,
 /// which works on lanes.
 template <class Store, class Operation>
@@ -187,6 +206,11 @@ void rotateNearest(const Scene &scene, Store store, Operation operation) {
         },
         [centre, srcPitch, operation](q_ulong *first, Group u, Group v) {
             const GroupPlaces places(u, v, srcPitch);
+            if constexpr (std::is_same_v<Operation, CopyPixels>) { // nothing to do in a register
+                for (int lane = 0; lane < groupSize; ++lane)
+                    first[lane] = centre[places.distances[lane]];
+                return;
+            }
             q_ulong pixels[groupSize];
             for (int lane = 0; lane < groupSize; ++lane)
                 pixels[lane] = centre[places.distances[lane]];
@@ -227,8 +251,6 @@ void rotateFiltered(const Scene &scene, Store store, Operation operation) {
 }
 
 constexpr auto copyPixel = [](q_ulong &d, q_ulong s) { d = s; };
-
-constexpr auto copyPixels = []<int count>(Numbers<count>, Numbers<count> s) { return s; };
 
 struct Add {
     template <int count>
@@ -273,7 +295,7 @@ void iBltNear32_Z_Roto(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, t
                    .centreY = centreY,
                    .angle = angle,
                    .scale = scale},
-                  copyPixel, copyPixels);
+                  copyPixel, CopyPixels());
 }
 
 void iBltNear32_Z_Roto_KeySrc(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
@@ -336,7 +358,7 @@ void iBltLinear32_Z_Roto(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch,
                     .centreY = centreY,
                     .angle = angle,
                     .scale = scale},
-                   copyPixel, copyPixels);
+                   copyPixel, CopyPixels());
 }
 
 void iBltLinear32_Z_Roto_Alpha(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,

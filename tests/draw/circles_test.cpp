@@ -35,6 +35,17 @@ TEST(iFill_Circle_Safe, radius_0_writes_its_pixel_if_that_is_inside_the_clip) {
         }
 }
 
+TEST(iFill_Circle_Safe, runs_of_every_length_are_filled_to_their_ends) {
+    for (int length = 1; length <= 70; ++length) {
+        Surface expected(80, 3);
+        for (int x = 0; x < length; ++x)
+            expected.at(5 + x, 1) = 0x7F123456;
+        const Surface surface =
+            drawnOn(Surface(80, 3), iFill_Circle_Safe, {5, 1, 5 + length, 2}, 40, 1, 100, 0x7F123456);
+        EXPECT_EQ(surface.differenceFrom(expected), "") << length;
+    }
+}
+
 TEST(iFill_Circle_Safe, beyond_a_radius_of_32767_the_squares_wrap) {
     // 46340 squared is 88048 short of 2^31: 200 squared more is outside, 300 squared more wraps below 0.
     const auto isDrawn = [](int dx, int dy) {
