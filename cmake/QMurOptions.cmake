@@ -22,6 +22,11 @@ if(WASI)
   # it makes such loads of numbers that are about to change. Any -O that stands behind this option takes it back.
   target_compile_options(q_Mur_arithmetic INTERFACE -fno-slp-vectorize)
 endif()
+# What is installed says nothing of where and when it was built. Without debugging information nothing names a path.
+set(Q_MUR_WITHOUT_PATHS "$<$<NOT:$<CONFIG:Release>>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
+if(WIN32)
+  add_link_options(-Wl,--no-insert-timestamp)
+endif()
 target_compile_definitions(q_Mur_arithmetic INTERFACE Q_MUR_LANES=$<BOOL:${Q_MUR_LANES}>)
 if(Q_MUR_SOFT_WIDE)
   target_compile_definitions(q_Mur_arithmetic INTERFACE Q_MUR_SOFT_WIDE)

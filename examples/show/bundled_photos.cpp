@@ -31,7 +31,7 @@ std::vector<std::filesystem::path> bundledPhotos(const char *programName) {
     // Beside the program as it is installed, in a directory that was unpacked, and in the tree that it was built from.
     const auto program = programDirectory(programName);
     for (const auto &directory :
-         {program / QMUR_SHOW_INSTALLED_PHOTOS, program / "photos", std::filesystem::path(QMUR_SHOW_SOURCE_PHOTOS)})
+         {program / QMUR_SHOW_INSTALLED_PHOTOS, program / "photos", program / QMUR_SHOW_SOURCE_PHOTOS})
         if (std::filesystem::exists(directory / "dandelion.jpg")) {
             std::vector<std::filesystem::path> photos;
             for (const char *const name :

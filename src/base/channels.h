@@ -40,6 +40,22 @@ inline q_ulong packedPixel(Numbers<4> channels) {
     return static_cast<q_ulong>(capped(2) << 16 | capped(1) << 8 | capped(0));
 }
 
+/// Red and blue of pixels, or green alone, in words of their own.
+template <int count>
+Words<count * 2> redBlueWords(Numbers<count> pixels) {
+    return as<std::uint16_t>(pixels & Numbers<count>::all(redMask | blueMask));
+}
+template <int count>
+Words<count * 2> greenWords(Numbers<count> pixels) {
+    return as<std::uint16_t>(pixels >> 8 & Numbers<count>::all(0xFF));
+}
+
+/// Pixels of 256 times their channels, which stand in words of their own.
+template <int words>
+Numbers<words / 2> pixelsOfProducts(Words<words> redBlue, Words<words> green) {
+    return as<std::uint32_t>(redBlue >> 8) | as<std::uint32_t>(green & Words<words>::all(0xFF00));
+}
+
 /// min(d + s, 255) in each byte, the top one included.
 inline q_ulong saturatingBytes(q_ulong d, q_ulong s) {
     const auto bytes = [](q_ulong pixel) { return as<std::uint8_t>(Numbers<4>::front(pixel)); };

@@ -1045,6 +1045,14 @@ using Spilled = target::Spilled<count>;
 /// As many doubles as the target takes at once.
 using Doubles = target::Lanes<double, target::registerBytes / 8>;
 
+/// Whether channels are multiplied where they stand, red beside blue and green alone: neither upper halves of products
+/// nor widening and narrowing are cheap in WebAssembly.
+#if defined(__wasm__)
+constexpr bool multipliesInPlace = true;
+#else
+constexpr bool multipliesInPlace = false;
+#endif
+
 /// Fetches memory that is soon to be read or written.
 inline void willRead(const void *memory) {
     __builtin_prefetch(memory, 0);

@@ -34,17 +34,24 @@ constexpr auto addWithCarry = []<int count>(Numbers<count> d, Numbers<count> s) 
 /// Adds a pixel scaled channel by channel: blue saturates, red and green lose their carry.
 constexpr auto addScaled(ChannelScales scales) {
     return [scales]<int count>(Numbers<count> d, Numbers<count> s) {
+        const auto sum = [&](Numbers<count> terms) {
+            const auto wrapped = as<std::uint32_t>(as<std::uint8_t>(d) + as<std::uint8_t>(terms));
+            return (wrapped & Numbers<count>::all(redMask | greenMask)) |
+                   (saturatingAdd(d, terms) & Numbers<count>::all(blueMask));
+        };
+        if constexpr (multipliesInPlace) {
+            const auto factors = [](q_ulong wordScales) { return as<std::uint16_t>(Numbers<count>::all(wordScales)); };
+            return sum(pixelsOfProducts(redBlueWords(s) * factors(scales.red << 16 | scales.blue),
+                                        greenWords(s) * factors(scales.green)));
+        }
         // The upper 16 bits of channel * 256 * scale; blue and red lie in words of their own, green above a byte.
         const auto term = [](Numbers<count> channels, q_ulong wordScales) {
             return as<std::uint32_t>(
                 highProduct(as<std::uint16_t>(channels), as<std::uint16_t>(Numbers<count>::all(wordScales))));
         };
         const auto redBlue = as<std::uint32_t>(as<std::uint16_t>(s) << 8);
-        const auto terms =
-            term(redBlue, scales.red << 16 | scales.blue) | term(s & Numbers<count>::all(greenMask), scales.green) << 8;
-        const auto wrapped = as<std::uint32_t>(as<std::uint8_t>(d) + as<std::uint8_t>(terms));
-        return (wrapped & Numbers<count>::all(redMask | greenMask)) |
-               (saturatingAdd(d, terms) & Numbers<count>::all(blueMask));
+        return sum(term(redBlue, scales.red << 16 | scales.blue) |
+                   term(s & Numbers<count>::all(greenMask), scales.green) << 8);
     };
 }
 

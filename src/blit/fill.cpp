@@ -78,6 +78,10 @@ void iFadeOut32(q_ulong *dst, tagRECT *rect, int pitch, float factor) {
         return;
     }
     changePixelsOf(dst, pitch, *rect, [scale]<int count>(Numbers<count> d) {
+        if constexpr (multipliesInPlace) {
+            const auto weight = Words<count * 2>::all(static_cast<std::uint16_t>(scale));
+            return pixelsOfProducts(redBlueWords(d) * weight, greenWords(d) * weight);
+        }
         // The upper 16 bits of channel * 256 * scale; red and blue lie in words of their own, green above a byte.
         const auto scaled = [scale](Words<count * 2> channels) {
             return as<std::uint32_t>(highProduct(channels, Words<count * 2>::all(static_cast<std::uint16_t>(scale))));
