@@ -182,7 +182,7 @@ bool keepsToOutlines(const Call &call) {
         return true;
     for (std::size_t i = 0; i < call.size(); ++i) {
         if (call[i].is<std::monostate>())
-            return true; // which is named before anything is looked at
+            return false;
         const Argument &argument = call.row().arguments[i];
         const Plane *plane = argument.kind == Kind::pitch ? call[argument.of].surface() : nullptr;
         if (argument.kind == Kind::pitch && (!plane || call[i].whole() != plane->pitch()))
