@@ -137,12 +137,15 @@ Call callOf(const Row &row, std::span<const Given> given) {
         const Argument &argument = row.arguments[i];
         if (given[i].target == Target::nothing)
             continue;
+        Given pointer = given[i];
+        if (isSurface(argument.kind)) // rows count pixels, also where these are handed over as bytes
+            pointer.elementBytes = 4;
         const bool isDepths = argument.kind == Kind::privateBlock && !argument.of.empty();
         const Argument *pitch = pitchOf(row, isDepths ? argument.of : argument.name);
         int elements = pitch ? call[pitch->name].whole() : 0;
         if (pitch && pitch->unit == "bytes")
-            elements /= given[i].elementBytes;
-        call[i] = valueOf(given[i], argument, elements);
+            elements /= pointer.elementBytes;
+        call[i] = valueOf(pointer, argument, elements);
     }
     return call;
 }

@@ -137,7 +137,7 @@ void breakArgument(Call &call, std::size_t index, Random &random) {
     } else if (value.is<tagRECT>() || value.is<tagPOINT>()) {
         if (random.oneIn(6) && call.row().functions.isPointer[index])
             value = Value();
-        else if (value.is<tagRECT>() && !mayNeverEnd(call.row()))
+        else if (value.is<tagRECT>() && !mayNeverEnd(call.row()) && !walksFar(call.row()))
             breakSide(value.rect(), random);
         else if (value.is<tagPOINT>())
             breakWord(random.oneIn(2) ? value.point().x : value.point().y, random);
