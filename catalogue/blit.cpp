@@ -74,8 +74,8 @@ Laid withinDiagonal(const Call &call) {
     const std::int64_t x = call["centreX"].whole();
     const std::int64_t y = call["centreY"].whole();
     const std::int64_t reach = plain::halfDiagonal(rect);
-    const Laid laid = laidAt(call, x - ((rect.left + rect.right) >> 1) + rect.left,
-                             y - ((rect.top + rect.bottom) >> 1) + rect.top, rect);
+    const Laid laid = laidAt(call, x - ((std::int64_t{rect.left} + rect.right) >> 1) + rect.left,
+                             y - ((std::int64_t{rect.top} + rect.bottom) >> 1) + rect.top, rect);
     return {common(laid.part, {x - reach, y - reach, x + reach, y + reach}), laid.dx, laid.dy};
 }
 

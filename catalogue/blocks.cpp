@@ -46,9 +46,11 @@ Plane stackOfIdentities() {
 template <class Record>
 void DrawingBlock<Record>::makeRandom(Random &random, const Plane &surface) {
     data.vertexArrayEntries = vertexEntries;
-    for (Plane *array : {&vertexArray0, &vertexArray1})
-        *array = Plane::array<int>(vertexEntries, [&random](int) { return random.between(-50, 300); });
-    depths = filledDepths(surface, [&random](int, int) { return anyDepth(random); });
+    random.inBulk([&](Random &drawn) {
+        for (Plane *array : {&vertexArray0, &vertexArray1})
+            *array = Plane::array<int>(vertexEntries, [&drawn](int) { return drawn.between(-50, 300); });
+        depths = filledDepths(surface, [&drawn](int, int) { return anyDepth(drawn); });
+    });
 }
 
 template <class Record>

@@ -70,6 +70,7 @@ struct Bound {
     std::function<Run(Call &)> library;
     std::function<Run(Call &)> twin; ///< empty where there is none
     std::vector<Type> types;         ///< of the parameters
+    std::vector<bool> isPointer;     ///< of the parameters, too
     bool hasResult;
     std::size_t resultBytes; ///< 0 without a result
     std::type_index signature;
@@ -102,8 +103,13 @@ constexpr std::size_t bytesOfResult() {
 
 template <class Result, class... Parameters>
 Bound callOf(Result (*function)(Parameters...), Result (*twin)(Parameters...)) {
-    return {bound(function),         twin ? bound(twin) : nullptr, {typeOf<Parameters>()...},
-            !std::is_void_v<Result>, bytesOfResult<Result>(),      typeid(Result(Parameters...))};
+    return {.library = bound(function),
+            .twin = twin ? bound(twin) : nullptr,
+            .types = {typeOf<Parameters>()...},
+            .isPointer = {std::is_pointer_v<Parameters>...},
+            .hasResult = !std::is_void_v<Result>,
+            .resultBytes = bytesOfResult<Result>(),
+            .signature = typeid(Result(Parameters...))};
 }
 
 template <class Result, class... Parameters>

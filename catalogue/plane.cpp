@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <utility>
 #include <vector>
@@ -154,7 +155,8 @@ Plane Plane::surface(int width, int height, q_ulong colour, int extraPitch) {
 Plane Plane::randomSurface(Random &random, int width, int height) {
     Plane plane = surface(width, height, 0, random.between(0, 3));
     auto *pixels = static_cast<q_ulong *>(static_cast<void *>(plane.memory->data()));
-    std::generate_n(pixels, plane.memory->size() / 4, [&random] { return random.pixel(); });
+    random.inBulk(
+        [&](Random &drawn) { std::generate_n(pixels, plane.memory->size() / 4, [&drawn] { return drawn.pixel(); }); });
     return plane;
 }
 
@@ -169,7 +171,7 @@ Plane Plane::over(void *origin, int bytesOfElement, int pitch, std::shared_ptr<M
     plane.memory = std::move(known);
     plane.start = static_cast<std::byte *>(origin);
     plane.bytesEach = bytesOfElement;
-    plane.columns = std::abs(pitch);
+    plane.columns = std::abs(std::max(pitch, -std::numeric_limits<int>::max()));
     plane.rows = 1;
     plane.stride = pitch;
     return plane;
@@ -231,8 +233,15 @@ bool Plane::holds(const Box &part) const {
         return true;
     if (!memory)
         return !isNull();
-    const std::int64_t first = (part.top * stride + part.left) * bytesEach;
-    const std::int64_t end = ((part.bottom - 1) * stride + part.right) * bytesEach;
+    constexpr std::int64_t beyond = std::int64_t{1} << 40; // elements that no memory has
+    const std::int64_t lastRow = part.bottom - 1;
+    const bool isFar = part.left < -beyond || part.right > beyond ||
+                       (stride != 0 && (std::max(-part.top, lastRow) > beyond / std::abs(std::int64_t{stride})));
+    if (isFar)
+        return false;
+    const auto [lowest, highest] = std::minmax({part.top * stride, lastRow * stride}); // bottom-up the last is lowest
+    const std::int64_t first = (lowest + part.left) * bytesEach;
+    const std::int64_t end = (highest + part.right) * bytesEach;
     const std::ptrdiff_t before = start - memory->data();
     return first >= -before && end <= static_cast<std::ptrdiff_t>(memory->size()) - before;
 }

@@ -1,5 +1,6 @@
 /// \file
-/// Seeded random numbers: the same on every build. The seed of a test case is its number.
+/// Seeded random numbers: the same on every build. The seed of a test case is its number. What makes up calls of bytes
+/// that it is handed draws its numbers from these.
 #ifndef Q_MUR_CATALOGUE_RANDOM_H
 #define Q_MUR_CATALOGUE_RANDOM_H
 
@@ -7,6 +8,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <span>
 
 namespace catalogue {
 
@@ -14,8 +16,25 @@ class Random {
 public:
     explicit Random(std::uint64_t seed) : state(seed * 0x9E3779B97F4A7C15u + 0x1234567) {}
 
+    /// Numbers out of bytes, as few for each as it takes, and behind their end those of seed 0.
+    explicit Random(std::span<const unsigned char> bytes) : Random(0) { fed = bytes; }
+
+    /// What many numbers of no weight are to be drawn from, pixels for example: itself, or where bytes are handed to it
+    /// other random numbers, so that it keeps them for what matters.
+    template <class Draw>
+    void inBulk(Draw draw) {
+        if (fed.empty()) {
+            draw(*this);
+        } else {
+            Random other(static_cast<std::uint64_t>(between(0, 255)));
+            draw(other);
+        }
+    }
+
     /// 32 random bits (SplitMix64).
     std::uint32_t word() {
+        if (!fed.empty())
+            return fedWord(4);
         state += 0x9E3779B97F4A7C15u;
         std::uint64_t z = state;
         z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9u;
@@ -26,7 +45,12 @@ public:
     /// A number from `low` to `high`, both included.
     int between(int low, int high) {
         const std::uint64_t span = static_cast<std::uint64_t>(static_cast<std::int64_t>(high) - low + 1);
-        return static_cast<int>(low + static_cast<std::int64_t>(word() * span >> 32));
+        const std::uint64_t drawn = fed.empty() ? word()
+                                                : fedWord(span == 1         ? 0
+                                                          : span <= 0x100   ? 1
+                                                          : span <= 0x10000 ? 2
+                                                                            : 4);
+        return static_cast<int>(low + static_cast<std::int64_t>(drawn * span >> 32));
     }
 
     /// True once in `n` times.
@@ -86,7 +110,16 @@ public:
     }
 
 private:
+    /// The next bytes as the upper ones of a word.
+    std::uint32_t fedWord(std::size_t bytes) {
+        std::uint32_t drawn = 0;
+        for (unsigned shift = 32; bytes > 0 && !fed.empty(); --bytes, fed = fed.subspan(1))
+            drawn |= static_cast<std::uint32_t>(fed.front()) << (shift -= 8);
+        return drawn;
+    }
+
     std::uint64_t state;
+    std::span<const unsigned char> fed;
 };
 
 constexpr double quarterTurn = 1.5707963267948966;

@@ -314,7 +314,18 @@ Areas readsCorners(const Call &call) {
     return areas;
 }
 
+/// Whether all corners can be looked at; that they are there is asked for by their own areas.
+bool holdsCorners(const Call &call) {
+    for (std::size_t i = 0; i < cornersOf(call.row()); ++i)
+        if (!call[pointNames[i]].plane().holds(words("", sizeof(Point) / 4).part) ||
+            !call[texelNames[i]].plane().holds(words("", 2).part))
+            return false;
+    return true;
+}
+
 Areas readsTexels(const Call &call) {
+    if (!holdsCorners(call))
+        return {};
     const Reach x = reachOf(call, [&](std::size_t i) { return static_cast<int>(pointOf(call, i).x); });
     const Reach y = reachOf(call, [&](std::size_t i) { return static_cast<int>(pointOf(call, i).y); });
     const Reach u = reachOf(call, [&](std::size_t i) { return texelOf(call, i).x; });

@@ -32,8 +32,7 @@ std::string textOf(std::int64_t number) {
 
 /// A number as its row counts it: 32 bits have a sign unless they may be larger than what has one.
 double counted(const Argument &argument, double number) {
-    const bool isWord = number == static_cast<double>(static_cast<std::int64_t>(number)) && number >= anyInt.low &&
-                        number <= anyWord.high;
+    const bool isWord = number >= anyInt.low && number <= anyWord.high && number == std::floor(number);
     if (!isWord || !(argument.contract.high <= anyWord.high))
         return number;
     const auto word = static_cast<std::uint32_t>(static_cast<std::int64_t>(number));
@@ -138,12 +137,15 @@ Call callOf(const Row &row, std::span<const Given> given) {
         const Argument &argument = row.arguments[i];
         if (given[i].target == Target::nothing)
             continue;
+        Given pointer = given[i];
+        if (isSurface(argument.kind)) // rows count pixels, also where these are handed over as bytes
+            pointer.elementBytes = 4;
         const bool isDepths = argument.kind == Kind::privateBlock && !argument.of.empty();
         const Argument *pitch = pitchOf(row, isDepths ? argument.of : argument.name);
         int elements = pitch ? call[pitch->name].whole() : 0;
         if (pitch && pitch->unit == "bytes")
-            elements /= given[i].elementBytes;
-        call[i] = valueOf(given[i], argument, elements);
+            elements /= pointer.elementBytes;
+        call[i] = valueOf(pointer, argument, elements);
     }
     return call;
 }
@@ -181,6 +183,23 @@ std::string numberFault(const Call &call, Range Argument::*range) {
             continue;
         if (range != &Argument::contract || !argument.idle.contains(call[i].number()))
             return outside(argument.name, call[i].number(), argument.*range);
+    }
+    return {};
+}
+
+/// Rectangles are counted in 32 bits: one that is inverted by as much as they hold becomes a large one. Clips are only
+/// compared.
+std::string rectangleFault(const Call &call) {
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        const Argument &argument = call.row().arguments[i];
+        if (argument.kind != Kind::rectangle || !call[i].is<tagRECT>())
+            continue;
+        const Box rect = call[i].rect();
+        const std::string name(argument.name);
+        if (rect.width() != widthOf(call[i].rect()))
+            return name + ".right " + textOf(rect.right) + " is too far from " + name + ".left " + textOf(rect.left);
+        if (rect.height() != heightOf(call[i].rect()))
+            return name + ".bottom " + textOf(rect.bottom) + " is too far from " + name + ".top " + textOf(rect.top);
     }
     return {};
 }
@@ -328,7 +347,7 @@ std::string areaFault(const Call &call, const Area &area, bool isWritten) {
         return {};
     const Argument *pitch = pitchOf(call, area);
     if (pitch && isSurface(surface.kind) && piece && piece->pitch > 0 && part.height() > 1 &&
-        std::abs(plane->pitch()) != piece->pitch)
+        std::abs(std::int64_t{plane->pitch()}) != piece->pitch)
         return std::string(pitch->name) + " " + textOf(call[pitch->name].number()) + " is not " +
                textOf(std::int64_t{piece->pitch}) + ", the pitch of " + std::string(surface.name);
     const Extent extent = extentOf(call, area, *plane, piece);
@@ -407,8 +426,9 @@ std::string faultOf(const Row &row, std::span<const Given> given, std::optional<
         return found;
     if (isIdle(*call))
         return {};
-    if (std::string found = ruleFault(*call); !found.empty())
-        return found;
+    for (std::string (*const fault)(const Call &) : {rectangleFault, ruleFault})
+        if (std::string found = fault(*call); !found.empty())
+            return found;
     return areasFault(*call);
 }
 

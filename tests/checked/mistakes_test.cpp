@@ -118,6 +118,27 @@ TEST(mistakes, one_pixel_beyond_an_exact_surface) {
                  "iBltBilinear32: src is read up to column 32 of row 24, which leaves its memory");
 }
 
+TEST(mistakes, rows_upward_from_the_first_one) {
+    std::vector<q_ulong> memory(64 * 48);
+    q_Mur_checked_surface(memory.data(), 64 * 48, 1);
+    tagRECT all = {0, 0, 64, 48};
+    EXPECT_NAMED(iFillRect(memory.data(), &all, -64, 7),
+                 "iFillRect: dst is written up to column 63 of row 47, which leaves its memory");
+    iFillRect(&memory[64 * 47], &all, -64, 7);
+    EXPECT_EQ(memory[0], 7u);
+    q_Mur_checked_surface(memory.data(), 64, 0);
+}
+
+TEST(mistakes, rectangle_that_is_inverted_into_a_large_one) {
+    Picture dst(64, 48), src(64, 48);
+    tagRECT rect = {0, 40, 64, -2147483628};
+    EXPECT_NAMED(iBltBilinear32_Alpha(dst.data(), src.data(), &rect, &src.all, 64, 64, 0.5F),
+                 "iBltBilinear32_Alpha: dstRect.bottom -2147483628 is too far from dstRect.top 40");
+    tagRECT wide = {2147483437, 0, -2147483624, 4};
+    EXPECT_NAMED(iBltBilinear32_Add(dst.data(), src.data(), &dst.all, &wide, 64, 64),
+                 "iBltBilinear32_Add: srcRect.right -2147483624 is too far from srcRect.left 2147483437");
+}
+
 TEST(mistakes, bubble_beyond_its_table) {
     Picture dst(300, 300), scratch(300, 300), resource(100, 100);
     EXPECT_NAMED(DrawRealBubble(dst.data(), scratch.data(), 300, 150, 150, 240, resource.data(), 100, 0, 300, 300),
@@ -329,6 +350,20 @@ TEST(mistakes, private_block_of_a_smaller_frame) {
     _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
     EXPECT_NAMED(drawTriangle(data, dst),
                  "VKD_Render_Tri: the Z plane of data is written up to column 63 of row 47, which leaves its memory");
+}
+
+TEST(mistakes, corners_of_fewer_words) {
+    Host host;
+    Picture dst(64, 48), tex(8, 8);
+    _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
+    VKD_ResetZBuffer(data, &dst.all, 64);
+    std::array<_POINT3DFLOAT, 3> points = {{{1, 1, 5, 0}, {40, 3, 5, 0}, {20, 40, 5, 0}}};
+    std::array<_POINTINT, 3> texels = {};
+    q_Mur_checked_surface(&texels[1], 1, 1);
+    EXPECT_NAMED(VKD_i3D_Blt_Tri(data, dst.data(), &points[0], &points[1], &points[2], tex.data(), &texels[0],
+                                 &texels[1], &texels[2], &dst.all, 64, 8, 0, 0, 0, 256, 256, 256, 0),
+                 "VKD_i3D_Blt_Tri: t1 holds 1 elements, of which 2 are read");
+    q_Mur_checked_surface(&texels[1], 1, 0);
 }
 
 // What is no mistake: a message would end these

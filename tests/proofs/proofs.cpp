@@ -1,9 +1,6 @@
 #include "proofs.h"
 
-#include <algorithm>
 #include <cctype>
-#include <cstdio>
-#include <cstdlib>
 
 namespace proofs {
 
@@ -44,12 +41,6 @@ std::string_view reasonAgainst(const Proof &proof, const Row &row) {
     return proof.reasonAgainst(row);
 }
 
-void runSeeded(const std::function<catalogue::Run(Call &)> &function, Call &call, unsigned seed) {
-    if (call.row().drawsRandomNumbers)
-        std::srand(seed);
-    function(call)();
-}
-
 void Tally::add(const Call &before, const Call &after) {
     ++tried;
     bool changed = false;
@@ -76,45 +67,6 @@ bool agree(const Call &call, const std::string &what, Tally *tally) {
     if (!difference.empty())
         ADD_FAILURE() << what << ": " << difference << "\n" << described(call);
     return difference.empty();
-}
-
-std::string described(const Call &call) {
-    std::string text;
-    for (std::size_t i = 0; i < call.size(); ++i) {
-        const Value &value = call[i];
-        text += std::string(i ? ", " : "") + std::string(call.row().arguments[i].name) + " ";
-        char part[80] = "...";
-        if (value.is<double>())
-            std::snprintf(part, sizeof part, "%.17g", value.number());
-        else if (value.is<tagRECT>())
-            std::snprintf(part, sizeof part, "{%d, %d, %d, %d}", static_cast<int>(value.rect().left),
-                          static_cast<int>(value.rect().top), static_cast<int>(value.rect().right),
-                          static_cast<int>(value.rect().bottom));
-        else if (value.is<tagPOINT>())
-            std::snprintf(part, sizeof part, "{%d, %d}", static_cast<int>(value.point().x),
-                          static_cast<int>(value.point().y));
-        else if (value.is<Plane>())
-            std::snprintf(part, sizeof part, "[%d x %d]", value.plane().width(), value.plane().height());
-        text += part;
-    }
-    return text;
-}
-
-bool isInside(const Areas &areas, std::string_view argument, const tagPOINT &place) {
-    return std::any_of(areas.begin(), areas.end(),
-                       [&](const Area &area) { return area.argument == argument && area.part.contains(place); });
-}
-
-std::string writtenOutside(const Plane &before, const Plane &after, const Areas &areas, std::string_view argument) {
-    const auto was = before.bytes();
-    const auto is = after.bytes();
-    for (auto at = std::mismatch(is.begin(), is.end(), was.begin()); at.first != is.end();
-         at = std::mismatch(at.first + 1, is.end(), at.second + 1)) {
-        const tagPOINT place = after.placeOf(static_cast<std::size_t>(at.first - is.begin()));
-        if (!isInside(areas, argument, place))
-            return std::string(argument) + " (" + std::to_string(place.x) + ", " + std::to_string(place.y) + ")";
-    }
-    return {};
 }
 
 namespace {

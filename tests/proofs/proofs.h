@@ -4,32 +4,15 @@
 #ifndef Q_MUR_TESTS_PROOFS_H
 #define Q_MUR_TESTS_PROOFS_H
 
-#include "catalogue/row.h"
+#include "regions.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace proofs {
-
-using catalogue::Area;
-using catalogue::Areas;
-using catalogue::Argument;
-using catalogue::Box;
-using catalogue::Call;
-using catalogue::Copies;
-using catalogue::Fence;
-using catalogue::isNumber;
-using catalogue::isSurface;
-using catalogue::Kind;
-using catalogue::Overlap;
-using catalogue::Plane;
-using catalogue::Random;
-using catalogue::Row;
-using catalogue::Value;
 
 struct Proof {
     std::string_view name;
@@ -68,9 +51,6 @@ const std::vector<Proof> &allProofs();
 /// The reason of the proof or of the row itself.
 std::string_view reasonAgainst(const Proof &proof, const Row &row);
 
-/// Runs a function on a call of its row, from a seed where it draws random numbers.
-void runSeeded(const std::function<catalogue::Run(Call &)> &function, Call &call, unsigned seed);
-
 /// Counts the calls of a proof and those of them that change something: where none does, a proof proves nothing.
 class Tally {
 public:
@@ -92,16 +72,6 @@ inline bool canDraw(const Row &row) {
 /// Runs both functions of a row on copies of `call` and reports what differs, as the test's failure.
 /// \return whether they agree
 bool agree(const Call &call, const std::string &what, Tally *tally = nullptr);
-
-/// The arguments of a call in one line.
-std::string described(const Call &call);
-
-/// Whether one of the areas has the element at a place of an argument's memory.
-bool isInside(const Areas &areas, std::string_view argument, const tagPOINT &place);
-
-/// The first place of an argument's memory that has changed though none of the areas has it, in words; empty if none
-/// has.
-std::string writtenOutside(const Plane &before, const Plane &after, const Areas &areas, std::string_view argument);
 
 /// Makes each cell of the matrix that has an answer of its own a test; called before the tests run.
 void registerTests();

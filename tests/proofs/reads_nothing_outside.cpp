@@ -5,13 +5,6 @@
 namespace proofs {
 namespace {
 
-/// The planes of a call that the proof looks at. A record of the host's stands at an address of its own alignment,
-/// which no fence gives it.
-const Plane *watched(const Call &call, std::size_t index) {
-    const Plane *plane = call[index].surface();
-    return plane && !plane->isNull() && call.row().arguments[index].kind != Kind::hostRecord ? plane : nullptr;
-}
-
 std::string_view reason(const Row &row) {
     if (!row.reads && !row.writes)
         return "reads no surface";
@@ -21,53 +14,12 @@ std::string_view reason(const Row &row) {
     return onlyRecords ? "a record of the host's" : "";
 }
 
-/// All that a call reads and writes.
-Areas touched(const Call &call) {
-    Areas all;
-    for (const auto &areas : {call.row().writes, call.row().reads})
-        if (areas)
-            for (const Area &area : areas(call))
-                if (!area.part.isEmpty())
-                    all.push_back(area);
-    return all;
-}
-
-/// What a call needs of a plane: the smallest rectangle around all that it reads and writes there.
-Box needed(const Areas &areas, std::string_view argument) {
-    Box all;
-    for (const Area &area : areas) {
-        if (area.argument != argument)
-            continue;
-        if (all.isEmpty())
-            all = area.part;
-        all = {std::min(all.left, area.part.left), std::min(all.top, area.part.top),
-               std::max(all.right, area.part.right), std::max(all.bottom, area.part.bottom)};
-    }
-    return all;
-}
-
-/// Whether two arguments lead to the same memory, which no fence can part.
-bool sharesMemory(const Call &call) {
-    for (std::size_t i = 0; i < call.size(); ++i)
-        for (std::size_t j = 0; j < i; ++j)
-            if (call[i].is<Plane>() && call[j].is<Plane>() && !call[i].plane().isNull() &&
-                call[i].plane().bytes().data() == call[j].plane().bytes().data())
-                return true;
-    return false;
-}
-
 /// With memory that ends where the row says that reading and writing end, and with memory that begins where they begin,
 /// the call runs and draws what it draws in `expected`.
 void proveFenced(const Call &call, const Call &expected, const Areas &areas) {
     for (const Fence fence : {Fence::before, Fence::behind}) {
-        Call fenced = call;
-        Call wanted = expected;
-        for (std::size_t i = 0; i < call.size(); ++i)
-            if (const Plane *plane = watched(call, i)) {
-                const Box part = needed(areas, call.row().arguments[i].name);
-                *fenced[i].surface() = plane->cutTo(part, fence);
-                *wanted[i].surface() = expected[i].surface()->cutTo(part, Fence::none);
-            }
+        Call fenced = cutTo(call, areas, fence);
+        const Call wanted = cutTo(expected, areas, Fence::none);
         call.row().functions.library(fenced)();
         ASSERT_EQ(fenced.differenceFrom(wanted), "") << described(call);
     }
@@ -79,7 +31,7 @@ void proveWithOtherSurroundings(const Call &call, const Call &expected, const Ar
     Call other = call;
     const auto forEachElementOutside = [&call, &areas](auto visit) {
         for (std::size_t i = 0; i < call.size(); ++i)
-            if (const Plane *plane = watched(call, i)) {
+            if (const Plane *plane = fencedPlane(call, i)) {
                 const auto bytes = static_cast<std::size_t>(plane->elementBytes());
                 for (std::size_t at = 0; at + bytes <= plane->bytes().size(); at += bytes) {
                     const tagPOINT place = plane->placeOf(at);

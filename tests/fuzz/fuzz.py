@@ -1,0 +1,105 @@
+#!/usr/bin/env python3
+"""Runs the fuzz targets side by side, each from its corpus, and says how far they have come.
+
+usage: fuzz.py DIRECTORY [--seconds N] [--only TARGET] [--accept]
+
+DIRECTORY holds the programs. An input that fails is left in out/fuzz. --accept writes what has been found into the
+corpora: as few inputs as come to the same places.
+"""
+
+import argparse
+import base64
+import hashlib
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+HERE = pathlib.Path(__file__).resolve().parent
+FINDINGS = pathlib.Path("out/fuzz")
+MEMORY = "/dev/shm"
+LONGEST = {"calls": 512, "mistakes": 512, "bitmap": 1200}
+# Records lose blocks where hosts make mistakes. What the system's fonts keep is not the library's.
+OPTIONS = {"calls": [], "mistakes": ["-detect_leaks=0"], "bitmap": []}
+SUPPRESSED = "leak:libfontconfig\n"
+
+
+class Target:
+    def __init__(self, name, programs, scratch):
+        self.name = name
+        self.program = programs.resolve() / f"q_Mur_{name}_fuzz"
+        self.kept = HERE / f"{name}.corpus"
+        self.scratch = scratch / name
+        self.inputs = self.scratch / "inputs"
+        self.log = self.scratch / "log"
+        self.inputs.mkdir(parents=True)
+        if self.kept.exists():
+            for line in self.kept.read_text().splitlines():
+                data = base64.b64decode(line)
+                (self.inputs / hashlib.sha1(data).hexdigest()).write_bytes(data)
+        suppressions = self.scratch / "suppressions"
+        suppressions.write_text(SUPPRESSED)
+        self.environment = {**os.environ, "TMPDIR": str(scratch), "LSAN_OPTIONS": f"suppressions={suppressions}"}
+
+    def command(self, *arguments):
+        options = [f"-max_len={LONGEST[self.name]}", "-timeout=60", "-print_final_stats=1", "-verbosity=1"]
+        return [str(self.program), *options, *OPTIONS[self.name], *map(str, arguments)]
+
+    def start(self, seconds):
+        FINDINGS.mkdir(parents=True, exist_ok=True)
+        with open(self.log, "wb") as log:
+            arguments = [f"-max_total_time={seconds}", f"-artifact_prefix={FINDINGS}/{self.name}-", self.inputs]
+            self.process = subprocess.Popen(self.command(*arguments), env=self.environment, stdout=log, stderr=log)
+
+    def end(self):
+        """Waits for the end and prints a line. Returns whether nothing was found."""
+        status = self.process.wait()
+        text = self.log.read_text(errors="replace")
+
+        def last(pattern):
+            found = re.findall(pattern, text)
+            return int(found[-1]) if found else 0
+
+        executions = last(r"number_of_executed_units: (\d+)")
+        edges, all_edges = last(r"cov: (\d+)"), last(r"PC tables \((\d+) PCs\)")
+        print(f"{self.name:8} {executions:>12,} executions  {edges:>7,} of {all_edges:,} edges  "
+              f"{last(r'corp: ([0-9]+)'):>6,} inputs{'' if status == 0 else '  A FINDING'}", flush=True)
+        if status != 0:
+            print("\n".join(line for line in text.splitlines() if not line.startswith(("#", "\tNEW_FUNC")))[-6000:])
+            print(f"replay it: Q_MUR_FUZZ_TELL=1 {self.program} {FINDINGS}/{self.name}-...")
+        return status == 0 and executions > 0
+
+    def accept(self):
+        """Keeps as few inputs as come to the same places."""
+        fewest = self.scratch / "fewest"
+        fewest.mkdir()
+        subprocess.run(self.command("-set_cover_merge=1", fewest, self.inputs), env=self.environment, check=True,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        lines = sorted(base64.b64encode(path.read_bytes()).decode() for path in fewest.iterdir())
+        self.kept.write_text("".join(line + "\n" for line in lines))
+        print(f"{self.name}: {len(lines)} inputs kept")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("programs", type=pathlib.Path)
+    parser.add_argument("--seconds", type=int, default=60)
+    parser.add_argument("--only", choices=LONGEST)
+    parser.add_argument("--accept", action="store_true")
+    arguments = parser.parse_args()
+    with tempfile.TemporaryDirectory(dir=MEMORY if os.access(MEMORY, os.W_OK) else None) as scratch:
+        names = [arguments.only] if arguments.only else list(LONGEST)
+        targets = [Target(name, arguments.programs, pathlib.Path(scratch)) for name in names]
+        for target in targets:
+            target.start(arguments.seconds)
+        is_clean = all([target.end() for target in targets])
+        if arguments.accept:
+            for target in targets:
+                target.accept()
+        return 0 if is_clean else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
