@@ -12,6 +12,8 @@ using namespace qmur;
 /// end of its pixels is a bound.
 template <int colours, int bytes>
 void loadSprite(const Sprite<colours, bytes> &sprite, q_ulong *dst, int width, int height, Distance pitch) {
+    if (width <= 0)
+        return;
     for (Distance y = 0; y < height; ++y) {
         q_ulong *const row = dst + y * pitch;
         const long long first = static_cast<long long>(y) * sprite.stride;
