@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs the fuzz targets side by side, each from its corpus, and says how far they have come.
 
-usage: fuzz.py DIRECTORY [--seconds N] [--only TARGET] [--accept]
+usage: fuzz.py DIRECTORY [--seconds N] [--seed N] [--only TARGET] [--accept]
 
 DIRECTORY holds the programs. An input that fails is left in out/fuzz. --accept writes what has been found into the
 corpora: as few inputs as come to the same places.
@@ -47,10 +47,10 @@ class Target:
         options = [f"-max_len={LONGEST[self.name]}", "-timeout=60", "-print_final_stats=1", "-verbosity=1"]
         return [str(self.program), *options, *OPTIONS[self.name], *map(str, arguments)]
 
-    def start(self, seconds):
+    def start(self, seconds, seed):
         FINDINGS.mkdir(parents=True, exist_ok=True)
         with open(self.log, "wb") as log:
-            arguments = [f"-max_total_time={seconds}", f"-artifact_prefix={FINDINGS}/{self.name}-", self.inputs]
+            arguments = [f"-max_total_time={seconds}", f"-seed={seed}", f"-artifact_prefix={FINDINGS}/{self.name}-", self.inputs]
             self.process = subprocess.Popen(self.command(*arguments), env=self.environment, stdout=log, stderr=log)
 
     def end(self):
@@ -86,6 +86,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("programs", type=pathlib.Path)
     parser.add_argument("--seconds", type=int, default=60)
+    parser.add_argument("--seed", type=int, default=0, help="0: another one each time")
     parser.add_argument("--only", choices=LONGEST)
     parser.add_argument("--accept", action="store_true")
     arguments = parser.parse_args()
@@ -93,7 +94,7 @@ def main():
         names = [arguments.only] if arguments.only else list(LONGEST)
         targets = [Target(name, arguments.programs, pathlib.Path(scratch)) for name in names]
         for target in targets:
-            target.start(arguments.seconds)
+            target.start(arguments.seconds, arguments.seed)
         is_clean = all([target.end() for target in targets])
         if arguments.accept:
             for target in targets:
