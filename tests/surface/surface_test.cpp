@@ -200,7 +200,7 @@ TEST(surface, records_and_blocks_free_themselves) {
     EXPECT_EQ(phase->phase, 0);
 }
 
-#if GTEST_HAS_DEATH_TEST
+#ifdef GTEST_HAS_DEATH_TEST
 TEST(surface, wrong_places_end_the_program_with_a_line) {
     Surface surface(8, 6);
     const Surface source(4, 4);
