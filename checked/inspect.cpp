@@ -188,11 +188,15 @@ std::string numberFault(const Call &call, Range Argument::*range) {
 }
 
 /// Rectangles are counted in 32 bits: one that is inverted by as much as they hold becomes a large one. Clips are only
-/// compared.
+/// compared, and beyond them nothing is drawn.
 std::string rectangleFault(const Call &call) {
     for (std::size_t i = 0; i < call.size(); ++i) {
         const Argument &argument = call.row().arguments[i];
-        if (argument.kind != Kind::rectangle || !call[i].is<tagRECT>())
+        const bool isClipped =
+            std::any_of(call.row().arguments.begin(), call.row().arguments.end(), [&argument](const Argument &other) {
+                return other.kind == Kind::clip && other.of == argument.of;
+            });
+        if (argument.kind != Kind::rectangle || isClipped || !call[i].is<tagRECT>())
             continue;
         const Box rect = call[i].rect();
         const std::string name(argument.name);
