@@ -181,7 +181,8 @@ struct Place {
     const char *argument;
 };
 
-Surface surfaceOf(PyObject *object, int elementBytes, const Place &place, Buffers &buffers) {
+/// `countedBytes` are those of what the row counts in.
+Surface surfaceOf(PyObject *object, int elementBytes, int countedBytes, const Place &place, Buffers &buffers) {
     int left = 0;
     int top = 0;
     PyObject *array = object;
@@ -235,8 +236,8 @@ Surface surfaceOf(PyObject *object, int elementBytes, const Place &place, Buffer
     buffers.lend({origin,
                   {.begin = begin,
                    .bytes = static_cast<std::size_t>(bytes),
-                   .pitch = rows > 1 ? pitch : 0,
-                   .width = static_cast<int>(width),
+                   .pitch = rows > 1 ? static_cast<int>(stride / countedBytes) : 0,
+                   .width = static_cast<int>(width * elementBytes / countedBytes),
                    .isReadOnly = view.readonly != 0}});
     return {origin, pitch};
 }
@@ -534,7 +535,8 @@ public:
         } else if constexpr (std::is_same_v<Element, char>) {
             takeText(*parameter.argument, object, place);
         } else if (parameter.isRows) {
-            making.surfaces[index] = surfaceOf(object, sizeof(Element), place, making.buffers);
+            const int countedBytes = catalogue::isSurface(parameter.argument->kind) ? 4 : int{sizeof(Element)};
+            making.surfaces[index] = surfaceOf(object, sizeof(Element), countedBytes, place, making.buffers);
             value = static_cast<Element *>(making.surfaces[index].origin);
         } else {
             value = static_cast<Element *>(arrayOf<Element>(object, place, making.buffers));
