@@ -23,8 +23,10 @@
 
 #ifndef Q_MUR_SURFACE_CHECKED
 #ifdef NDEBUG
+/// 1: places and rectangles are held against their surfaces.
 #define Q_MUR_SURFACE_CHECKED 0
 #else
+/// 1: places and rectangles are held against their surfaces.
 #define Q_MUR_SURFACE_CHECKED 1
 #endif
 #endif
@@ -49,9 +51,9 @@ inline void require([[maybe_unused]] bool holds, [[maybe_unused]] const char *ot
 
 /// A colour by its channels.
 struct Rgb {
-    unsigned char red = 0;
-    unsigned char green = 0;
-    unsigned char blue = 0;
+    unsigned char red = 0;   ///< 0 to 255
+    unsigned char green = 0; ///< 0 to 255
+    unsigned char blue = 0;  ///< 0 to 255
 
     /// 0x00RRGGBB, as pixels are.
     constexpr q_ulong pixel() const { return q_ulong{red} << 16 | q_ulong{green} << 8 | q_ulong{blue}; }
@@ -62,17 +64,20 @@ struct Rgb {
 
 /// A rectangle of pixels: left and top inclusive, right and bottom exclusive.
 struct Rect {
-    int left = 0;
-    int top = 0;
-    int right = 0;
-    int bottom = 0;
+    int left = 0;   ///< first column
+    int top = 0;    ///< first row
+    int right = 0;  ///< column behind the last
+    int bottom = 0; ///< row behind the last
 
+    /// From its corner and its size.
     static constexpr Rect sized(int x, int y, int columns, int rows) { return {x, y, x + columns, y + rows}; }
 
-    constexpr int width() const { return right - left; }
-    constexpr int height() const { return bottom - top; }
-    constexpr bool isEmpty() const { return left >= right || top >= bottom; }
+    constexpr int width() const { return right - left; }                      ///< columns, below 0 if turned inside out
+    constexpr int height() const { return bottom - top; }                     ///< rows, likewise
+    constexpr bool isEmpty() const { return left >= right || top >= bottom; } ///< whether it has no pixel
+    /// The same to the right and further down.
     constexpr Rect moved(int dx, int dy) const { return {left + dx, top + dy, right + dx, bottom + dy}; }
+    /// What lies in both; without such pixels it is empty.
     constexpr Rect inside(const Rect &other) const {
         return {std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),
                 std::min(bottom, other.bottom)};
@@ -83,8 +88,9 @@ struct Rect {
         return other.isEmpty() ||
                (left <= other.left && top <= other.top && right >= other.right && bottom >= other.bottom);
     }
-    constexpr bool operator==(const Rect &) const = default;
+    constexpr bool operator==(const Rect &) const = default; ///< whether all sides are equal
 
+    /// As flat calls know it.
     constexpr operator tagRECT() const { return {left, top, right, bottom}; }
 };
 
@@ -95,6 +101,7 @@ public:
     /// `pitch` may be greater than `width`, or below 0 for a picture stored bottom-up.
     constexpr BasicView(Pixel *first, int width, int height, int pitch)
         : origin(first), columns(width), rows(height), stride(pitch) {}
+    /// Without gaps between rows.
     constexpr BasicView(Pixel *first, int width, int height) : BasicView(first, width, height, width) {}
 
     /// A view for reading of one for writing.
@@ -103,12 +110,13 @@ public:
         const BasicView<Other> &other)
         : BasicView(other.data(), other.width(), other.height(), other.pitch()) {}
 
-    constexpr Pixel *data() const { return origin; }
-    constexpr int width() const { return columns; }
-    constexpr int height() const { return rows; }
-    constexpr int pitch() const { return stride; }
-    constexpr Rect rect() const { return {0, 0, columns, rows}; }
+    constexpr Pixel *data() const { return origin; }              ///< the pixel (0, 0)
+    constexpr int width() const { return columns; }               ///< columns
+    constexpr int height() const { return rows; }                 ///< rows
+    constexpr int pitch() const { return stride; }                ///< pixels from a row to the next
+    constexpr Rect rect() const { return {0, 0, columns, rows}; } ///< all of it
 
+    /// A pixel.
     Pixel &at(int x, int y) const {
         require(x >= 0 && x < columns && y >= 0 && y < rows, "a pixel lies outside of its surface");
         return origin[std::ptrdiff_t{y} * stride + x];
@@ -126,30 +134,31 @@ private:
     int rows;
     int stride;
 };
-using View = BasicView<q_ulong>;
-using ConstView = BasicView<const q_ulong>;
+using View = BasicView<q_ulong>;            ///< for drawing
+using ConstView = BasicView<const q_ulong>; ///< for reading
 
 /// Pixels of its own, without gaps between rows.
 class Surface {
 public:
+    /// All pixels have the colour.
     Surface(int width, int height, q_ulong colour = 0)
         : columns(width), rows(height),
           pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), colour) {}
 
-    int width() const { return columns; }
-    int height() const { return rows; }
-    int pitch() const { return columns; }
-    Rect rect() const { return {0, 0, width(), height()}; }
+    int width() const { return columns; }                   ///< columns
+    int height() const { return rows; }                     ///< rows
+    int pitch() const { return columns; }                   ///< pixels from a row to the next
+    Rect rect() const { return {0, 0, width(), height()}; } ///< all of it
 
-    View view() { return {pixels.data(), width(), height()}; }
-    ConstView view() const { return {pixels.data(), width(), height()}; }
-    operator View() { return view(); }
-    operator ConstView() const { return view(); }
+    View view() { return {pixels.data(), width(), height()}; }            ///< of all of it
+    ConstView view() const { return {pixels.data(), width(), height()}; } ///< of all of it
+    operator View() { return view(); }                                    ///< as view()
+    operator ConstView() const { return view(); }                         ///< as view()
 
-    q_ulong &at(int x, int y) { return view().at(x, y); }
-    const q_ulong &at(int x, int y) const { return view().at(x, y); }
-    View part(const Rect &area) { return view().part(area); }
-    ConstView part(const Rect &area) const { return view().part(area); }
+    q_ulong &at(int x, int y) { return view().at(x, y); }                ///< a pixel
+    const q_ulong &at(int x, int y) const { return view().at(x, y); }    ///< a pixel
+    View part(const Rect &area) { return view().part(area); }            ///< as BasicView::part()
+    ConstView part(const Rect &area) const { return view().part(area); } ///< as BasicView::part()
 
 private:
     int columns;
@@ -160,8 +169,9 @@ private:
 /// A rectangle as flat calls take it, for the time of a call. Built in place: a copy would cost instructions.
 class PassedRect {
 public:
+    /// Takes the sides over.
     explicit PassedRect(const Rect &rect) : passed{rect.left, rect.top, rect.right, rect.bottom} {}
-    operator tagRECT *() { return &passed; }
+    operator tagRECT *() { return &passed; } ///< until the call ends
 
 private:
     tagRECT passed;
@@ -171,6 +181,7 @@ private:
 inline q_ulong *readBy(ConstView source) {
     return const_cast<q_ulong *>(source.data());
 }
+/// A position or pitch where flat calls take an unsigned one.
 inline q_ulong wordOf(int number) {
     return static_cast<q_ulong>(number);
 }
@@ -188,6 +199,7 @@ inline void fill(View to, const Rect &area, q_ulong colour) {
     require(to.rect().holds(area), "what is filled lies outside of its surface");
     iFillRect(to.data(), PassedRect(area), to.pitch(), colour);
 }
+/// All of it.
 inline void fill(View to, q_ulong colour) {
     fill(to, to.rect(), colour);
 }
@@ -220,6 +232,7 @@ inline void copy(View to, int x, int y, ConstView from, const Rect &area) {
     requireBoth(to, x, y, from, area);
     iBltFast32(to.data(), readBy(from), wordOf(x), wordOf(y), PassedRect(area), to.pitch(), from.pitch());
 }
+/// All of `from`.
 inline void copy(View to, int x, int y, ConstView from) {
     copy(to, x, y, from, from.rect());
 }
@@ -263,6 +276,7 @@ inline void blendByTopByte(View to, int x, int y, ConstView from) {
 
 // A source at another size.
 
+/// Holds both rectangles against their surfaces.
 inline void requireBoth(View to, const Rect &target, ConstView from, const Rect &area) {
     require(from.rect().holds(area), "what is read lies outside of its surface");
     require(to.rect().holds(target), "what is drawn lies outside of its surface");
@@ -284,6 +298,7 @@ inline void enlarge(View to, const Rect &target, ConstView from, const Rect &are
     iBltBilinear32_KeySrc(to.data(), readBy(from), PassedRect(target), PassedRect(area), wordOf(to.pitch()),
                           wordOf(from.pitch()), noKey);
 }
+/// All of `from` to all of `to`.
 inline void enlarge(View to, ConstView from) {
     enlarge(to, to.rect(), from, from.rect());
 }
@@ -398,8 +413,8 @@ public:
     Record(const Record &) = delete;
     Record &operator=(const Record &) = delete;
 
-    _TRANSFERDATA *get() { return &data; }
-    operator _TRANSFERDATA *() { return &data; }
+    _TRANSFERDATA *get() { return &data; }       ///< as flat calls take it
+    operator _TRANSFERDATA *() { return &data; } ///< as get()
 
     /// FindNotUsedMemory(): bytes that live as long as the record, in a slot of their own; null without memory.
     void *allocate(int slot, int bytes) { return FindNotUsedMemory(&data, slot, bytes); }
@@ -414,12 +429,13 @@ private:
 template <class Data>
 class Block {
 public:
+    /// `sizes` are those of its Record.
     template <class... Sizes>
     explicit Block(Sizes... sizes) : record(sizes...), block(made()) {}
 
-    Data *get() { return block; }
-    operator Data *() { return block; }
-    Data *operator->() { return block; }
+    Data *get() { return block; }        ///< as flat calls take it
+    operator Data *() { return block; }  ///< as get()
+    Data *operator->() { return block; } ///< its fields
 
 private:
     Data *made() {
@@ -436,8 +452,8 @@ private:
     Record record;
     Data *block;
 };
-using PipelineBlock = Block<_PRIVATE_QMGL_DATA>;
-using TexturedBlock = Block<_PRIVATE_QM3D_DATA>;
+using PipelineBlock = Block<_PRIVATE_QMGL_DATA>; ///< of the matrix pipeline
+using TexturedBlock = Block<_PRIVATE_QM3D_DATA>; ///< of the older textured module
 
 } // namespace
 } // namespace q_Mur

@@ -89,7 +89,7 @@ export interface QMur extends Functions {
     readonly iSin: Int32Array;
     /** 8192 cosines of a circle, times 32768. */
     readonly iCos: Int32Array;
-    /** 8192 square roots. */
+    /** Square roots of 0 to 8191, times 1024. */
     readonly iSqrt: Int32Array;
 
     /** A picture whose pixels are all 0. */
