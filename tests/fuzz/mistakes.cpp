@@ -55,7 +55,7 @@ double anyNumber(const Row &row, const Argument &argument, bool isReal, Random &
         number = fuzz::chosenNumber(argument.contract, isReal, random) + random.between(-2, 2);
     // Nobody waits for what the contract knows no end of.
     constexpr double far = 65536;
-    if (argument.contract.goesOn)
+    if (argument.contract.isASample)
         return std::clamp(number, argument.contract.low - far, argument.contract.high + far);
     return walksFar(row) ? std::clamp(number, -far, far) : number;
 }
