@@ -37,8 +37,9 @@ endfunction()
 # Whether the printer can be built here, and what writes sources of what it prints; without them the reason.
 function(q_mur_find_reason_against_catalogue result)
   find_package(Python3 3.9 QUIET COMPONENTS Interpreter)
-  find_path(Q_MUR_JSON_DIR nlohmann/json.hpp NO_CMAKE_FIND_ROOT_PATH)
-  find_path(Q_MUR_CLI_DIR CLI/CLI.hpp NO_CMAKE_FIND_ROOT_PATH)
+  # Of the machine that builds, also where the build is for another one.
+  find_path(Q_MUR_JSON_DIR nlohmann/json.hpp PATHS /usr/local/include /usr/include NO_CMAKE_FIND_ROOT_PATH)
+  find_path(Q_MUR_CLI_DIR CLI/CLI.hpp PATHS /usr/local/include /usr/include NO_CMAKE_FIND_ROOT_PATH)
   mark_as_advanced(Q_MUR_JSON_DIR Q_MUR_CLI_DIR)
   set(${result} "" PARENT_SCOPE)
   if(NOT Python3_FOUND OR (NOT Q_MUR_CATALOGUE AND (NOT Q_MUR_JSON_DIR OR NOT Q_MUR_CLI_DIR)))
