@@ -334,8 +334,14 @@ inline void fillSafely(View to, int x, int y, q_ulong colour, q_ulong border) {
         seeds.pop_back();
         if (!isOpen(column, row))
             continue;
-        const int left = scan_left(&data, column, row, border, 0);
-        const int right = scan_right(&data, column, row, border, to.width()) + 1;
+        // A scan looks at the pixel behind its limit, too.
+        const int last = to.width() - 1;
+        int left = column > 0 ? scan_left(&data, column, row, border, 1) : 0;
+        if (left == 1 && to.at(0, row) != border)
+            left = 0;
+        int right = column < last ? scan_right(&data, column, row, border, last) + 1 : last + 1;
+        if (right == last && to.at(last, row) != border)
+            right = last + 1;
         const auto first = isPainted.begin() + static_cast<std::ptrdiff_t>(row) * to.width();
         std::fill(first + left, first + right, true);
         fill(to, {left, row, right, row + 1}, colour);
