@@ -375,7 +375,7 @@ inline std::string textOf(std::string_view utf8) {
                          : first < 0xF0 ? 2
                          : first < 0xF8 ? 3
                                         : -1;
-        unsigned code = more == 0 ? first : first & (0x3FU >> more);
+        unsigned code = more <= 0 ? first : first & (0x3FU >> more);
         bool isWhole = more >= 0;
         for (int k = 0; isWhole && k < more; ++k) {
             isWhole = (byte(i) & 0xC0U) == 0x80;

@@ -102,7 +102,7 @@ std::vector<q_ulong> scaledRow(const Row &row, int sourceLength, int length) {
     Random random(0);
     Call call = catalogue::randomCall(row, random);
     const int unit = row.name == "iBltPerfect32" ? 16 : 1;
-    const Plane source(4, 3 * sourceLength + 4, sourceRows + 2);
+    const Plane source(4, 3 * sourceLength + 4, sourceRows + 3);
     source.fill({0, 0, source.width(), source.height()},
                 [sourceLength](int x, int) { return 0xFF000000 | colourAt(x - sourceLength - 1); });
     call.set({{"src", source.movedBy(sourceLength + 1, 1)}, {"dst", Plane(4, length + 2, 3)}});
