@@ -1,6 +1,7 @@
 #include "levels.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace proofs {
 namespace {
@@ -33,6 +34,26 @@ std::string_view reason(const Row &row) {
     const bool hasPlace = std::any_of(row.arguments.begin(), row.arguments.end(),
                                       [surface](const Argument &argument) { return isPlace(argument, *surface); });
     return hasPlace ? "" : "no places";
+}
+
+/// Whether a place lies where it could not be counted from elsewhere in 32 bits.
+bool hasPlaceAtTheEndOfNumbers(const Call &call, const Argument &surface) {
+    const auto isAtEnd = [](std::int64_t number) { return std::abs(number) > 1 << 30; };
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        if (!isPlace(call.row().arguments[i], surface))
+            continue;
+        if (call[i].is<tagRECT>()) {
+            const tagRECT rect = call[i].rect();
+            if (isAtEnd(rect.left) || isAtEnd(rect.top) || isAtEnd(rect.right) || isAtEnd(rect.bottom))
+                return true;
+        } else if (call[i].is<tagPOINT>()) {
+            if (isAtEnd(call[i].point().x) || isAtEnd(call[i].point().y))
+                return true;
+        } else if (isAtEnd(call[i].whole())) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// The same call on the same memory, whose surface begins some pixels further to the right and down.
@@ -68,6 +89,8 @@ void prove(const Row &row) {
     for (int number = 0; number < 400; ++number) {
         Random random(static_cast<std::uint64_t>(number));
         const Call before = catalogue::randomCall(row, random);
+        if (hasPlaceAtTheEndOfNumbers(before, surface))
+            continue;
         const Call expected = ran(before);
         const Call result = ran(seenFromFurther(before, surface));
         tally.add(before, expected);
