@@ -121,19 +121,18 @@ void combinePixels(const Placement &placement, Operation operation) {
         const Distance dstAhead = y + 1 < height ? dstPitch : 0;
         const Distance srcAhead = y + 1 < height ? srcPitch : 0;
         Distance x = 0;
-        const auto combine = [&] {
-            operation(MostPixels::load(dst + x), MostPixels::load(src + x)).store(dst + x);
-            x += atOnce;
+        const auto combine = [=](Distance at) {
+            operation(MostPixels::load(dst + at), MostPixels::load(src + at)).store(dst + at);
         };
-        while (x <= several - cacheLine) {
+        for (; x <= several - cacheLine; x += cacheLine) {
             // By itself a processor fetches too little ahead of itself where pictures lie in farther caches.
             willWrite(dst + x + dstAhead);
             willRead(src + x + srcAhead);
             for (Distance i = 0; i < cacheLine; i += atOnce)
-                combine();
+                combine(x + i);
         }
-        while (x <= several - atOnce)
-            combine();
+        for (; x <= several - atOnce; x += atOnce)
+            combine(x);
         for (; x <= several - 2; x += 2)
             operation(Few::loadEightBytes(dst + x), Few::loadEightBytes(src + x)).storeEightBytes(dst + x);
         for (; x < width; ++x)
