@@ -109,7 +109,7 @@ def test_debian(directory, version):
         for path in packages:
             run("dpkg-deb", "--extract", path, root)
     run(
-        sys.executable, ROOT / "tests" / "package" / "pkg_config_test.py", "pkg-config", root / "usr",
+        sys.executable, ROOT / "tests" / "package" / "pkg_config_test.py", "pkg-config", "q_Mur", root / "usr",
         CONSUMER / "main.cpp", directory / "host", version, "c++ -std=c++20",
     )  # fmt: skip
     program = root / "usr" / "bin" / "qmur-show"
