@@ -125,9 +125,12 @@ auto inTurn(Steps... steps) {
     };
 }
 
-/// A step that gives an argument a value.
+/// A step that gives an argument a value, each call one of its own: calls in two threads share no plane.
 inline auto set(std::string_view name, const Value &value) {
-    return [=](Call &call, auto &) { call[name] = value; };
+    return [=](Call &call, auto &) {
+        Copies copies;
+        call[name] = value.copy(copies);
+    };
 }
 
 /// Makes a surface at least so large each way, and opens the clip.
