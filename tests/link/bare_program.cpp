@@ -9,17 +9,11 @@ extern "C" {
 __declspec(dllimport) void *__stdcall GetStdHandle(unsigned long which);
 __declspec(dllimport) int __stdcall WriteFile(void *file, const void *bytes, unsigned long count,
                                               unsigned long *written, void *overlapped);
-__declspec(dllimport) void *__stdcall GetModuleHandleA(const char *name);
-__declspec(dllimport) void *__stdcall GetProcAddress(void *module, const char *name);
 
 /// The compiler refers to it wherever floating point is used.
 int _fltused = 0;
 
 [[noreturn]] void bareProgram();
-}
-
-void seedRandom(unsigned seed) {
-    reinterpret_cast<void (*)(unsigned)>(GetProcAddress(GetModuleHandleA("msvcrt.dll"), "srand"))(seed);
 }
 
 namespace {

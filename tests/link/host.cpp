@@ -103,65 +103,6 @@ const char *sharesItsRecordWithTheLibrary() {
     return nullptr;
 }
 
-/// What the library computes at the floating unit's full width, whatever its host has set.
-struct WideResults {
-    int sine[8192];
-    int cosine[8192];
-    int root[8192];
-    double randomNumbers[1000];
-    q_ulong turned[width * height];
-};
-
-WideResults fullPrecision;
-WideResults hostPrecision;
-
-/// Sets the precision of the floating unit's arithmetic: 3 for 64 bits, 2 for the 53 that MSVC's programs run with.
-void setPrecision([[maybe_unused]] unsigned short precision) {
-#if defined(__i386__) || defined(__x86_64__)
-    const auto controlWord = static_cast<unsigned short>(0x007F | precision << 8);
-    asm volatile("fldcw %0" : : "m"(controlWord));
-#endif
-}
-
-void computeWideResults(WideResults &results, unsigned short precision) {
-    setPrecision(precision);
-    PrepareSinTable();
-    for (int i = 0; i < 8192; ++i) {
-        results.sine[i] = iSin[i];
-        results.cosine[i] = iCos[i];
-        results.root[i] = iSqrt[i];
-    }
-    seedRandom(1);
-    for (double &number : results.randomNumbers)
-        number = randDouble(1.0, 3.7);
-    clear(results.turned, 0);
-    tagRECT rect = {0, 0, width, height};
-    for (int i = 0; i < 100; ++i) {
-        const float angle = static_cast<float>(i) * 0.1F;
-        iBltNear32_Z_Roto_KeySrc_Add(results.turned, width, sources, width, &rect, &rect, width / 2, height / 2, angle,
-                                     0.9F);
-    }
-}
-
-const char *precisionOfTheHostChangesNothing() {
-    for (int i = 0; i < width * height; ++i)
-        sources[i] = static_cast<q_ulong>(i & 3);
-    computeWideResults(fullPrecision, 3);
-    computeWideResults(hostPrecision, 2);
-    bool drawn = false;
-    for (int i = 0; i < 8192; ++i)
-        REQUIRE(hostPrecision.sine[i] == fullPrecision.sine[i] && hostPrecision.cosine[i] == fullPrecision.cosine[i] &&
-                hostPrecision.root[i] == fullPrecision.root[i]);
-    for (int i = 0; i < 1000; ++i)
-        REQUIRE(hostPrecision.randomNumbers[i] == fullPrecision.randomNumbers[i]);
-    for (int i = 0; i < width * height; ++i) {
-        REQUIRE(hostPrecision.turned[i] == fullPrecision.turned[i]);
-        drawn |= hostPrecision.turned[i] != 0;
-    }
-    REQUIRE(drawn);
-    return nullptr;
-}
-
 #if Q_MUR_HAS_STRUCT_RESULTS
 const char *receivesRecordsByValue() {
     _POINT3DFLOAT a = {1, 2, 3, 0};
@@ -212,7 +153,6 @@ const char *checkLibrary() {
         passesARecordByValue,
         receivesFloats,
         sharesItsRecordWithTheLibrary,
-        precisionOfTheHostChangesNothing,
 #if Q_MUR_HAS_STRUCT_RESULTS
         receivesRecordsByValue,
         receivesTruthValues,

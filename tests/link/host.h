@@ -7,7 +7,4 @@
 /// Runs all checks. Returns the condition that failed, or null.
 const char *checkLibrary();
 
-/// Seeds the generator that the library draws its random numbers from. Supplied by the program.
-void seedRandom(unsigned seed);
-
 #endif

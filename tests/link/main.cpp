@@ -4,11 +4,6 @@
 #include "host.h"
 
 #include <cstdio>
-#include <cstdlib>
-
-void seedRandom(unsigned seed) {
-    std::srand(seed);
-}
 
 int main() {
     const char *failed = checkLibrary();
