@@ -17,23 +17,35 @@ bool isIdentity(const _I3DMATRIX &matrix) {
     return true;
 }
 
-TEST(GetPrivate_QMGL_Data, one_block_is_carved_in_order_without_gaps) {
-    const Host host(1000, 37, 5, 17);
-    const _PRIVATE_QMGL_DATA &data = *host.data;
-    const std::uintptr_t start = addressOf(&data);
-    EXPECT_EQ(addressOf(data.modelStack), start + sizeof(_PRIVATE_QMGL_DATA));
-    EXPECT_EQ(addressOf(data.viewStack), addressOf(data.modelStack) + 5 * 64);
-    EXPECT_EQ(addressOf(data.vertexArray0), addressOf(data.viewStack) + 5 * 64);
-    EXPECT_EQ(addressOf(data.vertexArray1), addressOf(data.vertexArray0) + 17 * 4);
-    EXPECT_EQ(addressOf(data.zPlane), addressOf(data.vertexArray1) + 17 * 4);
-    EXPECT_EQ(addressOf(data.zBuffer), addressOf(data.zPlane) + 37 * 2);
+/// The block of either module, behind whose record lie so many bytes of stacks.
+template <class Data>
+void expectCarvedInOrder(Data *(*getBlock)(_TRANSFERDATA *, int), std::uintptr_t stackBytes) {
+    test::HostRecord host(1000, 37, 5, 17);
+    const Data *data = getBlock(&host.record, 0);
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(addressOf(data->vertexArray0), addressOf(data) + sizeof(Data) + stackBytes);
+    EXPECT_EQ(addressOf(data->vertexArray1), addressOf(data->vertexArray0) + 17 * 4);
+    EXPECT_EQ(addressOf(data->zPlane), addressOf(data->vertexArray1) + 17 * 4);
+    EXPECT_EQ(addressOf(data->zBuffer), addressOf(data->zPlane) + 37 * 2);
     ASSERT_NE(host.record.blocks[0], nullptr);
-    EXPECT_EQ(host.record.blocks[0]->work, &data);
-    EXPECT_EQ(host.record.blocks[0]->size, addressOf(data.zPlane) + 1000 * 2 - start);
+    EXPECT_EQ(host.record.blocks[0]->work, data);
+    EXPECT_EQ(host.record.blocks[0]->size, addressOf(data->zPlane) + 1000 * 2 - addressOf(data));
     EXPECT_EQ(host.record.blockCount, 1);
+    EXPECT_EQ(data->limitValue0, 11);
+    EXPECT_EQ(data->limitValue1, 22);
+    EXPECT_EQ(data->vertexArrayEntries, 17);
+    EXPECT_TRUE(data->spanMapper == nullptr) << "no mapper yet";
 }
 
-TEST(GetPrivate_QMGL_Data, stacks_hold_the_identity_and_the_mapper_slot_is_empty) {
+TEST(GetPrivate_QMGL_Data, one_block_is_carved_in_order_without_gaps_as_that_of_the_older_module_is) {
+    expectCarvedInOrder(GetPrivate_QM3D_Data, 0);
+    expectCarvedInOrder(GetPrivate_QMGL_Data, 2 * 5 * 64);
+    const Host host(1000, 37, 5, 17);
+    EXPECT_EQ(addressOf(host.data->modelStack), addressOf(host.data) + sizeof(_PRIVATE_QMGL_DATA));
+    EXPECT_EQ(addressOf(host.data->viewStack), addressOf(host.data->modelStack) + 5 * 64);
+}
+
+TEST(GetPrivate_QMGL_Data, stacks_hold_the_identity) {
     const Host host(10, 0, 3, 2);
     const _PRIVATE_QMGL_DATA &data = *host.data;
     EXPECT_TRUE(isIdentity(data.modelStack[0]));
@@ -41,10 +53,6 @@ TEST(GetPrivate_QMGL_Data, stacks_hold_the_identity_and_the_mapper_slot_is_empty
     EXPECT_EQ(data.modelDepth, 0);
     EXPECT_EQ(data.viewDepth, 0);
     EXPECT_EQ(data.matrixMode, 1);
-    EXPECT_EQ(data.limitValue0, 11);
-    EXPECT_EQ(data.limitValue1, 22);
-    EXPECT_EQ(data.vertexArrayEntries, 2);
-    EXPECT_EQ(data.spanMapper, nullptr);
 }
 
 TEST(GetPrivate_QMGL_Data, the_slot_is_empty_also_in_memory_that_was_used_before) {
@@ -55,16 +63,23 @@ TEST(GetPrivate_QMGL_Data, the_slot_is_empty_also_in_memory_that_was_used_before
     EXPECT_EQ(host.data->matrixMode, 1);
 }
 
-TEST(GetPrivate_QMGL_Data, without_a_record_there_is_no_block_and_a_size_that_cannot_be_had_drops_all) {
-    EXPECT_EQ(GetPrivate_QMGL_Data(nullptr, 0), nullptr);
-    for (const int entries : {0x7FFFFFFF, 0x20000000, 0x1FFFFFFF}) {
+template <class Data>
+void expectNoBlock(Data *(*getBlock)(_TRANSFERDATA *, int)) {
+    EXPECT_EQ(getBlock(nullptr, 0), nullptr);
+    // More than 2 GB, and less than nothing in 32 bits, among them.
+    for (const int entries : {0x7FFFFFFF, 0x30000000, 0x20000000, 0x1FFFFFFF}) {
         Host host;
         host.limits.vertexArrayEntries = entries;
-        EXPECT_EQ(GetPrivate_QMGL_Data(&host.record, 1), nullptr);
+        EXPECT_EQ(getBlock(&host.record, 1), nullptr);
         EXPECT_EQ(host.record.blockCount, 0);
         EXPECT_EQ(host.record.blocks[0], nullptr);
         EXPECT_EQ(host.record.blocks[1], nullptr);
     }
+}
+
+TEST(GetPrivate_QMGL_Data, without_a_record_there_is_no_block_and_a_size_that_cannot_be_had_drops_all) {
+    expectNoBlock(GetPrivate_QM3D_Data);
+    expectNoBlock(GetPrivate_QMGL_Data);
 }
 
 /// The entries that the resets of both modules empty of a plane, counted from that of pixel (0, 0), an odd one.

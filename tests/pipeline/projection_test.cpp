@@ -77,15 +77,4 @@ TEST(VKD_Mapping3Dto2D, uses_the_tops_of_both_stacks) {
     EXPECT_EQ(mapped(camera, {1, 0, 0, 42}), (Mapped{321, 240, 0}));
 }
 
-TEST(VKD_Mapping3Dto2D, rows_come_before_columns_and_none_are_no_points) {
-    Camera camera;
-    std::vector<_POINT3DFLOAT> points(7, {1, 1, 0, 0});
-    VKD_Mapping3Dto2D(camera.data, points.data(), 2, 3);
-    for (std::size_t i = 0; i < 7; ++i)
-        EXPECT_EQ(points[i].x, i < 6 ? 321 : 1) << i;
-    for (const auto &[rows, columns] : {std::pair(0, 5), std::pair(-1, 5), std::pair(5, 0), std::pair(5, -1)})
-        VKD_Mapping3Dto2D(camera.data, points.data() + 6, rows, columns);
-    EXPECT_EQ(points[6].x, 1);
-}
-
 } // namespace

@@ -68,17 +68,6 @@ TEST(VKD_Render_3D_Surface, the_corner_is_closed_only_if_both_flags_are_1) {
     EXPECT_EQ(drawn, (std::set<std::pair<int, int>>{{1, 1}}));
 }
 
-TEST(VKD_Render_3D_Surface, half_opacity_draws_through_the_Z_plane) {
-    for (const int opacity : {127, 128}) {
-        Mesh mesh(2, 2);
-        Canvas canvas(10, 10);
-        canvas.depth(3, 3) = -1;
-        render(canvas, mesh, opacity);
-        EXPECT_EQ(canvas.picture.at(3, 3) != 0, opacity == 128);
-        EXPECT_EQ(canvas.depth(4, 4), opacity == 128 ? 0x7FFF : 0);
-    }
-}
-
 TEST(VKD_Render_3D_Surface_Alpha, the_third_and_fourth_number_close_the_grid) {
     Mesh mesh(64, 20, 1, 0x202020);
     for (int row = 0; row < 20; ++row)

@@ -317,29 +317,4 @@ TEST(Render_Texture_3D_Tri, the_glint_keeps_to_8_at_the_least_and_80_at_the_most
     EXPECT_EQ(reach(255), 60);
 }
 
-TEST(VKD_Render_Texture_3D, a_mesh_goes_from_the_model_to_the_screen) {
-    test::Host host(64 * 48 + 10, 10, 2, 9);
-    _PRIVATE_QMGL_DATA *data = host.data;
-    ASSERT_NE(data, nullptr);
-    VKD_glViewPort(data, 0, 0, 64, 48);
-    VKD_gluPerspective(data, 90, 1, 10, 1000); // 24 pixels from the eye to Z = 0
-    VKD_glTranslatef(data, 0, 0, 24);          // twice as far: all is halved
-    Mesh mesh = flatMesh(3, 3, 16, 16, -16, -16);
-    VKD_Mapping3Dto2D(data, mesh.points.data(), 3, 3);
-    tagRECT whole = {0, 0, 64, 48};
-    EXPECT_EQ(VKD_ResetZBuffer(data, &whole, 64), 1);
-    std::vector<q_ulong> pixels(64 * 48);
-    Textures textures = plainTextures(0x123456);
-    VKD_Render_Texture_3D(data, pixels.data(), textures.front.pixels(), &whole, &textures.rect, 64,
-                          static_cast<q_ulong>(textures.front.pitch()), mesh.points.data(), 3, 3, &mesh.light, nullptr,
-                          &mesh.ambient, 0, 0);
-    for (int y = 0; y < 48; ++y)
-        for (int x = 0; x < 64; ++x) {
-            const bool covered = x >= 24 && x < 40 && y >= 16 && y < 32;
-            const auto i = static_cast<std::size_t>(y * 64 + x);
-            ASSERT_EQ(pixels[i], covered ? 0x123456u : 0u) << x << ", " << y;
-            ASSERT_EQ(data->zBuffer[i], covered ? 24 : test::emptyDepth);
-        }
-}
-
 } // namespace

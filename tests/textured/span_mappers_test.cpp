@@ -401,16 +401,6 @@ TEST(span_mappers, filtered_positions_count_sixteenths_and_nearest_ones_texels) 
     });
 }
 
-TEST(span_mappers, at_a_whole_texel_its_neighbours_weigh_nothing) {
-    Surface texels(1, 1, 0xFFFFFF);
-    texels.at(0, 0) = 0x123456;
-    forMappers([&texels](const Mapper &mapper) {
-        Screen screen;
-        map(mapper, screen, texels, bandOf(3, 3, 4, 4));
-        EXPECT_EQ(screen.surface.at(3, 3), 0x123456u);
-    });
-}
-
 TEST(span_mappers, the_key_looks_at_four_whole_texels_and_not_at_the_colour) {
     forMappers(&MapperKind::isKeyed, [](const Mapper &mapper) {
         for (int weightless = 0; weightless < 4; ++weightless) {
