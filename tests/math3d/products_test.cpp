@@ -7,23 +7,6 @@ namespace {
 using test::Floats;
 using test::xyz;
 
-using Address = void (*)();
-
-/// Where a function really lies: a compiler may take two declarations for two functions.
-template <class Function>
-Address addressOf(Function *function) {
-    const volatile Address address = reinterpret_cast<Address>(function);
-    return address;
-}
-
-TEST(DotProduct, vectors_and_points_share_one_body) {
-    EXPECT_EQ(addressOf(&DotProduct), addressOf(&fDot_Product));
-    EXPECT_EQ(addressOf(static_cast<float (*)(_I3DVECTOR &)>(&Magnitude)),
-              addressOf(static_cast<float (*)(_POINT3DFLOAT *)>(&Magnitude)));
-    EXPECT_EQ(addressOf(static_cast<_I3DVECTOR (*)(_I3DVECTOR &)>(&Normalize)),
-              addressOf(static_cast<_POINT3DFLOAT (*)(_POINT3DFLOAT *)>(&Normalize)));
-}
-
 TEST(DotProduct, z_is_added_first_and_at_full_width) {
     // 2^60 swallows the 0.5 that is added to it, and the sum then falls to 0; added last, the 0.5 stays.
     _I3DVECTOR a = {0.5F, 0x1p30F, 0x1p30F, 0};
@@ -43,7 +26,8 @@ TEST(DotProduct, keeps_its_full_width_until_the_caller_stores_it) {
     using WideDot = long double (*)(_POINT3DFLOAT *, _POINT3DFLOAT *);
     _POINT3DFLOAT a = {1, 0x1p24F, 0, 0};
     _POINT3DFLOAT b = {1, 0x1p24F, 0, 0};
-    EXPECT_EQ(reinterpret_cast<WideDot>(addressOf(&fDot_Product))(&a, &b), 0x1p48L + 1);
+    void (*const volatile function)() = reinterpret_cast<void (*)()>(&fDot_Product);
+    EXPECT_EQ(reinterpret_cast<WideDot>(function)(&a, &b), 0x1p48L + 1);
 }
 #endif
 

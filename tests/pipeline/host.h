@@ -1,12 +1,11 @@
 /// \file
-/// Hosts and destinations for the tests of the matrix pipeline.
+/// Hosts for the tests of the matrix pipeline, and what is done to pixels in these.
 #ifndef Q_MUR_TESTS_PIPELINE_HOST_H
 #define Q_MUR_TESTS_PIPELINE_HOST_H
 
-#include "support/painting.h"
+#include <q_Mur.h>
 
 #include <cstdint>
-#include <utility>
 
 namespace test {
 
@@ -42,42 +41,6 @@ struct Host : HostRecord {
 
 /// What a band or a triangle does to a pixel.
 enum class Way { draw, blend, mix, add };
-
-/// A picture with a Z plane of the same shape, margins included. Each depth stands, sign-extended, in one word of
-/// `depths`, so that two planes compare like two pictures.
-class Canvas {
-public:
-    Canvas(Surface startPicture, Surface startDepths)
-        : picture(std::move(startPicture)),
-          host(static_cast<int>(picture.words().size()), Surface::margin * picture.pitch() + Surface::margin) {
-        data = host.data;
-        data->nearLimit = -0x8000;
-        for (std::size_t i = 0; i < picture.words().size(); ++i)
-            data->zPlane[i] = static_cast<short>(startDepths.words()[i]);
-    }
-
-    /// Black, with an empty Z plane.
-    Canvas(int width, int height) : Canvas(Surface(width, height), Surface(width, height, 0x7FFF)) {}
-
-    short &depth(int x, int y) { return data->zBuffer[y * picture.pitch() + x]; }
-
-    Surface depths() const {
-        Surface result = picture;
-        for (int y = -Surface::margin; y < picture.height() + Surface::margin; ++y)
-            for (int x = -Surface::margin; x < picture.pitch() - Surface::margin; ++x)
-                result.at(x, y) = static_cast<q_ulong>(data->zBuffer[y * picture.pitch() + x]);
-        return result;
-    }
-
-    q_ulong *pixels() { return picture.pixels(); }
-    q_ulong pitch() const { return static_cast<q_ulong>(picture.pitch()); }
-
-    Surface picture;
-    _PRIVATE_QMGL_DATA *data;
-
-private:
-    Host host;
-};
 
 } // namespace test
 

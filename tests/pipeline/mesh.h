@@ -3,7 +3,7 @@
 #ifndef Q_MUR_TESTS_PIPELINE_MESH_H
 #define Q_MUR_TESTS_PIPELINE_MESH_H
 
-#include "host.h"
+#include "support/screen.h"
 
 #include <cstddef>
 #include <vector>
@@ -45,9 +45,9 @@ struct Mesh {
 template <class... Opacity>
 void renderLit(void (*render)(_PRIVATE_QMGL_DATA *, q_ulong *, tagRECT *, q_ulong, _POINT3DFLOAT *, q_ulong *, int, int,
                               int, int, _POINT3DFLOAT *, _POINT3D *, _POINT3D *, float, int, int, Opacity...),
-               Canvas &canvas, tagRECT clip, Mesh &mesh, Opacity... opacity) {
-    render(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(), mesh.colours.data(), mesh.wrapRows,
-           mesh.wrapColumns, mesh.columns, mesh.rows, &mesh.light, nullptr, &mesh.ambient, mesh.specular,
+               Screen &screen, tagRECT clip, Mesh &mesh, Opacity... opacity) {
+    render(&screen.pipeline, screen.surface.pixels(), &clip, screen.pitch(), mesh.points.data(), mesh.colours.data(),
+           mesh.wrapRows, mesh.wrapColumns, mesh.columns, mesh.rows, &mesh.light, nullptr, &mesh.ambient, mesh.specular,
            mesh.shininess, 0, opacity...);
 }
 

@@ -1,19 +1,18 @@
-#include "host.h"
 #include "mesh.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using test::Canvas;
 using test::Mesh;
+using test::Screen;
 
 // What the light on a vertex is, the tests of FindLuminenceTerm() say; here, what becomes of colours.
 
 /// Lights the colours in place; what is drawn does not matter here.
 void light(Mesh &mesh) {
-    Canvas canvas(1, 1);
-    test::renderLit<>(VKD_Render_3D_Surface, canvas, {0, 0, 0, 0}, mesh);
+    Screen screen(1, 1, 0);
+    test::renderLit<>(VKD_Render_3D_Surface, screen, {0, 0, 0, 0}, mesh);
 }
 
 TEST(VKD_Render_3D_Surface, light_straight_on_a_flat_grid_leaves_its_colours) {

@@ -1,4 +1,3 @@
-#include "host.h"
 #include "mesh.h"
 
 #include <gtest/gtest.h>
@@ -8,26 +7,26 @@
 
 namespace {
 
-using test::Canvas;
 using test::Mesh;
+using test::Screen;
 
 template <class... Opacity>
-void render(Canvas &canvas, Mesh &mesh, Opacity... opacity) {
-    test::renderLit<Opacity...>(VKD_Render_3D_Surface, canvas, canvas.picture.rect(), mesh, opacity...);
+void render(Screen &screen, Mesh &mesh, Opacity... opacity) {
+    test::renderLit<Opacity...>(VKD_Render_3D_Surface, screen, screen.surface.rect(), mesh, opacity...);
 }
 
-void renderAlpha(Canvas &canvas, tagRECT clip, Mesh &mesh) {
-    VKD_Render_3D_Surface_Alpha(canvas.data, canvas.pixels(), &clip, canvas.pitch(), mesh.points.data(),
+void renderAlpha(Screen &screen, tagRECT clip, Mesh &mesh) {
+    VKD_Render_3D_Surface_Alpha(&screen.pipeline, screen.surface.pixels(), &clip, screen.pitch(), mesh.points.data(),
                                 mesh.colours.data(), 3, 5, mesh.wrapRows, mesh.wrapColumns);
 }
 
 TEST(VKD_Render_3D_Surface, two_triangles_make_the_smallest_grid) {
     Mesh mesh(2, 2);
-    Canvas canvas(12, 12);
-    render(canvas, mesh);
+    Screen screen(12, 12, 0);
+    render(screen, mesh);
     for (int y = 0; y < 12; ++y)
         for (int x = 0; x < 12; ++x)
-            EXPECT_EQ(canvas.picture.at(x, y), x < 10 && y < 10 ? 0x804020u : 0u) << x << ", " << y;
+            EXPECT_EQ(screen.surface.at(x, y), x < 10 && y < 10 ? 0x804020u : 0u) << x << ", " << y;
 }
 
 TEST(VKD_Render_3D_Surface, a_wrap_flag_counts_only_if_it_is_1) {
@@ -38,9 +37,9 @@ TEST(VKD_Render_3D_Surface, a_wrap_flag_counts_only_if_it_is_1) {
             mesh.point(1, 1).z = 100;
             mesh.wrapRows = wrapRows;
             mesh.wrapColumns = wrapColumns;
-            Canvas canvas(20, 20);
-            render(canvas, mesh);
-            EXPECT_EQ(canvas.depth(8, 8), wrapRows == 1 || wrapColumns == 1 ? 0 : 100)
+            Screen screen(20, 20, 0);
+            render(screen, mesh);
+            EXPECT_EQ(screen.depths.at(8, 8), wrapRows == 1 || wrapColumns == 1 ? 0 : 100)
                 << wrapRows << ", " << wrapColumns;
         }
 }
@@ -59,10 +58,10 @@ TEST(VKD_Render_3D_Surface, the_corner_is_closed_only_if_both_flags_are_1) {
         copy.ambient = {256, 0, 0, 0};
         copy.wrapRows = flags & 1;
         copy.wrapColumns = flags >> 1;
-        Canvas canvas(10, 10);
+        Screen screen(10, 10, 0);
         Mesh lit = copy;
-        render(canvas, lit);
-        if (canvas.picture.at(6, 6) != 0 && canvas.picture.at(1, 6) != 0 && canvas.picture.at(6, 1) != 0)
+        render(screen, lit);
+        if (screen.surface.at(6, 6) != 0 && screen.surface.at(1, 6) != 0 && screen.surface.at(6, 1) != 0)
             drawn.insert({copy.wrapRows, copy.wrapColumns});
     }
     EXPECT_EQ(drawn, (std::set<std::pair<int, int>>{{1, 1}}));
@@ -75,9 +74,9 @@ TEST(VKD_Render_3D_Surface_Alpha, the_third_and_fourth_number_close_the_grid) {
     const auto painted = [&mesh](int wrapRows, int wrapColumns, int x) {
         mesh.wrapRows = wrapRows;
         mesh.wrapColumns = wrapColumns;
-        Canvas canvas(100, 24);
-        renderAlpha(canvas, canvas.picture.rect(), mesh);
-        return canvas.picture.at(x, 10);
+        Screen screen(100, 24, 0);
+        renderAlpha(screen, screen.surface.rect(), mesh);
+        return screen.surface.at(x, 10);
     };
     EXPECT_NE(painted(0, 0, 75), 0u) << "the first cell reaches from column 1 to 90";
     EXPECT_EQ(painted(0, 0, 75), 0x101010u);

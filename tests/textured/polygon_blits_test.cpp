@@ -1,5 +1,5 @@
 #include "plain/span_mappers.h"
-#include "screen.h"
+#include "support/screen.h"
 
 #include <gtest/gtest.h>
 

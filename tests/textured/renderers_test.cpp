@@ -1,6 +1,6 @@
 #include "pipeline/mesh.h"
 #include "plain/texture_renderers.h"
-#include "screen.h"
+#include "support/screen.h"
 
 #include <gtest/gtest.h>
 

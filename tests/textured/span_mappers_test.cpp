@@ -1,7 +1,7 @@
 #include "catalogue/bound.h"
 #include "plain/span_mappers.h"
 #include "proofs/proofs.h"
-#include "screen.h"
+#include "support/screen.h"
 
 #include <gtest/gtest.h>
 

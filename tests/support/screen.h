@@ -1,9 +1,9 @@
 /// \file
-/// What the textured modules draw on and from.
-#ifndef Q_MUR_TESTS_TEXTURED_SCREEN_H
-#define Q_MUR_TESTS_TEXTURED_SCREEN_H
+/// What the modules draw on that know depths.
+#ifndef Q_MUR_TESTS_SCREEN_H
+#define Q_MUR_TESTS_SCREEN_H
 
-#include "support/painting.h"
+#include "painting.h"
 
 #include <vector>
 
