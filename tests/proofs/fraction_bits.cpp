@@ -28,9 +28,8 @@ void proveLookup(const Row &row) {
             const Argument &argument = row.arguments[i];
             if (argument.kind == Kind::source && call[i].is<Plane>()) {
                 Plane &plane = call[i].plane();
-                const std::span<std::byte> bytes = plane.bytes();
-                auto *words = static_cast<q_ulong *>(static_cast<void *>(bytes.data()));
-                for (std::size_t k = 0; k < bytes.size() / 4; ++k)
+                const std::span<q_ulong> words = wordsOf(plane);
+                for (std::size_t k = 0; k < words.size(); ++k)
                     words[k] = 0xFF000000 | (plane.placeOf(4 * k).x % 2 == 0 ? 0 : bright);
             }
             if (argument.kind == Kind::alpha)

@@ -39,15 +39,19 @@ Call ran(Call call) {
     return call;
 }
 
+std::span<q_ulong> wordsOf(Plane &plane) {
+    const std::span<std::byte> bytes = plane.bytes();
+    return {static_cast<q_ulong *>(static_cast<void *>(bytes.data())), bytes.size() / 4};
+}
+
 std::vector<q_ulong> pixelsOf(const Call &call) {
     std::vector<q_ulong> all;
-    for (std::size_t i = 0; i < call.size(); ++i) {
-        if (call.row().arguments[i].kind != Kind::destination || !call[i].is<Plane>())
-            continue;
-        const std::span<const std::byte> bytes = call[i].plane().bytes();
-        const auto *words = static_cast<const q_ulong *>(static_cast<const void *>(bytes.data()));
-        all.insert(all.end(), words, words + bytes.size() / 4);
-    }
+    for (std::size_t i = 0; i < call.size(); ++i)
+        if (call.row().arguments[i].kind == Kind::destination && call[i].is<Plane>()) {
+            Plane plane = call[i].plane();
+            const std::span<q_ulong> words = wordsOf(plane);
+            all.insert(all.end(), words.begin(), words.end());
+        }
     return all;
 }
 

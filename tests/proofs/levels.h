@@ -16,6 +16,9 @@ Call plainCall(const Row &row, int number);
 /// The call after it has been run, random directions always the same.
 Call ran(Call call);
 
+/// All words of a plane's memory.
+std::span<q_ulong> wordsOf(Plane &plane);
+
 /// All pixels of a call's destinations.
 std::vector<q_ulong> pixelsOf(const Call &call);
 
@@ -31,9 +34,7 @@ void setPixels(Call &call, Make make) {
         if ((!isSurface(kind) && kind != Kind::colours) || !call[i].is<Plane>() ||
             call.row().arguments[i].name == "resource")
             continue;
-        const std::span<std::byte> bytes = call[i].plane().bytes();
-        auto *words = static_cast<q_ulong *>(static_cast<void *>(bytes.data()));
-        for (q_ulong &word : std::span(words, bytes.size() / 4))
+        for (q_ulong &word : wordsOf(call[i].plane()))
             word = (word & kept) | make(word);
     }
 }
