@@ -47,6 +47,19 @@ bool leavesItsClip(const Row &row) {
     return false;
 }
 
+/// Sends a coordinate of one of the points far away that are drawn, floats or ints; the light's place is no pixels.
+void sendPointFarAway(Call &call, std::size_t index, int place, Random &random) {
+    const Plane &plane = call[index].plane();
+    const int points = static_cast<int>(plane.bytes().size()) / 16;
+    if (call.row().arguments[index].unit != "pixels" || points == 0)
+        return;
+    const int word = 4 * random.between(0, points - 1) + random.between(0, 1);
+    if (call.row().functions.types[index] == catalogue::Type::reals)
+        plane.as<float>()[word] = static_cast<float>(place);
+    else
+        plane.as<int>()[word] = place;
+}
+
 /// What is drawn may begin and end anywhere, beyond what the contract allows; where it is read from is trusted.
 void sendFarAway(Call &call, Random &random) {
     const auto anEnd = [&random] {
@@ -62,6 +75,8 @@ void sendFarAway(Call &call, Random &random) {
             call[i] = anEnd();
         if (argument.kind == Kind::point && surface && surface->kind == Kind::destination)
             (random.oneIn(2) ? call[i].point().x : call[i].point().y) = anEnd();
+        if (argument.kind == Kind::points)
+            sendPointFarAway(call, i, anEnd(), random);
         if (argument.kind != Kind::rectangle || !surface)
             continue;
         tagRECT &rect = call[i].rect();
