@@ -8,12 +8,14 @@ namespace {
 std::string_view reason(const Row &row) {
     if (!row.functions.twin)
         return "no twin";
-    const auto isPicture = [](const Argument &argument) { return isSurface(argument.kind); };
-    return std::any_of(row.arguments.begin(), row.arguments.end(), isPicture) ? "" : "no surface";
+    const auto leadsToPicture = [](const Argument &argument) {
+        return isSurface(argument.kind) || argument.kind == Kind::plane || argument.unit == "_PRIVATE_QMGP_DATA";
+    };
+    return std::any_of(row.arguments.begin(), row.arguments.end(), leadsToPicture) ? "" : "no surface";
 }
 
 /// Surfaces of every width up to several vector registers, and long and high ones: the call gives what the twin gives.
-void prove(const Row &row) {
+void proveSurfaces(const Row &row) {
     int tried = 0;
     for (int number = 0; number < 200; ++number) {
         Random random(static_cast<std::uint64_t>(number));
@@ -29,6 +31,26 @@ void prove(const Row &row) {
             return;
     }
     EXPECT_GT(tried, 0) << "no call kept to the contract";
+}
+
+/// So do figures, quads, meshes, light maps and fills as large as scenes have them, on stages of odd sizes.
+void proveScenes(const Row &row) {
+    Tally tally;
+    for (const catalogue::Scene &scene : {catalogue::scenesOf(row).front(), catalogue::pictureOf(row)})
+        for (const tagPOINT &size : {tagPOINT{203, 121}, tagPOINT{331, 187}})
+            for (const double time : {0.0, 0.37, 0.81}) {
+                const Call call = catalogue::sceneCall(
+                    row, scene, {.width = static_cast<int>(size.x), .height = static_cast<int>(size.y), .time = time});
+                if (catalogue::keepsToContract(call) && !agree(call, "as a scene", &tally))
+                    return;
+            }
+    tally.expectDrawn(row, "scenes");
+}
+
+void prove(const Row &row) {
+    proveSurfaces(row);
+    if (!testing::Test::HasFailure())
+        proveScenes(row);
 }
 
 } // namespace
