@@ -276,7 +276,7 @@ TEST(VKD_3D_Render, the_least_number_over_minus_1_wraps) {
             if (way == Way::draw)
                 plain::drawBand(expected.pipeline, dst, clip, band);
             else if (way == Way::blend)
-                plain::blendBand(expected.pipeline, dst, clip, band, 3);
+                plain::drawBand(expected.pipeline, dst, clip, band, 3);
             else if (way == Way::mix)
                 plain::mixBand(expected.pipeline, dst, clip, band);
             else

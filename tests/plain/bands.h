@@ -93,7 +93,7 @@ inline q_ulong halfOfBoth(q_ulong d, Number red, Number green, Number blue) {
     return word(Number{d / 2 & 0x7F7F7F} + joined(red >> 13, green >> 13, blue >> 13));
 }
 
-inline void blendBand(_PRIVATE_QMGL_DATA &data, Pixels dst, const tagRECT &clip, const Band &band, Number opacity) {
+inline void drawBand(_PRIVATE_QMGL_DATA &data, Pixels dst, const tagRECT &clip, const Band &band, Number opacity) {
     const View<short> depths = {data.zBuffer, dst.pitch};
     const Number rest = 256 - opacity;
     forBand(clip, band.x, band.y, 12, [&](Number x, Number y, auto at) {
@@ -147,10 +147,11 @@ inline Band bandOf(const int *n) {
 template <class... Numbers>
 void VKD_3D_Render(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, q_ulong pitch, Numbers... numbers) {
     const int all[] = {numbers...};
+    const Pixels pixels = {dst, signed32(pitch)};
     if constexpr (sizeof...(numbers) == 24)
-        drawBand(*data, {dst, signed32(pitch)}, *clip, bandOf(all));
+        drawBand(*data, pixels, *clip, bandOf(all));
     else
-        blendBand(*data, {dst, signed32(pitch)}, *clip, bandOf(all), all[24]);
+        drawBand(*data, pixels, *clip, bandOf(all), all[24]);
 }
 
 template <class... Numbers>
@@ -212,18 +213,13 @@ inline bool isBeside(const tagRECT &clip, const Triangle &triangle) {
     return bottom < clip.top || top > clip.bottom;
 }
 
-inline void VKD_Render_Tri(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, int pitch, _POINT3DFLOAT *p1,
-                           _POINT3DFLOAT *p2, _POINT3DFLOAT *p3, q_ulong *c1, q_ulong *c2, q_ulong *c3) {
+/// At the end there may stand an opacity.
+template <class... Opacity>
+void VKD_Render_Tri(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, int pitch, _POINT3DFLOAT *p1,
+                    _POINT3DFLOAT *p2, _POINT3DFLOAT *p3, q_ulong *c1, q_ulong *c2, q_ulong *c3, Opacity... opacity) {
     const Triangle triangle = {{p1, p2, p3}, {c1, c2, c3}};
     if (!isBeside(*clip, triangle))
-        forBandsOf(triangle, [&](const Band &band) { drawBand(*data, {dst, pitch}, *clip, band); });
-}
-
-inline void VKD_Render_Tri(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, int pitch, _POINT3DFLOAT *p1,
-                           _POINT3DFLOAT *p2, _POINT3DFLOAT *p3, q_ulong *c1, q_ulong *c2, q_ulong *c3, int opacity) {
-    const Triangle triangle = {{p1, p2, p3}, {c1, c2, c3}};
-    if (!isBeside(*clip, triangle))
-        forBandsOf(triangle, [&](const Band &band) { blendBand(*data, {dst, pitch}, *clip, band, opacity); });
+        forBandsOf(triangle, [&](const Band &band) { drawBand(*data, {dst, pitch}, *clip, band, opacity...); });
 }
 
 inline void VKD_Render_Tri_Alpha(_PRIVATE_QMGL_DATA *data, q_ulong *dst, tagRECT *clip, int pitch, _POINT3DFLOAT *p1,
