@@ -11,7 +11,6 @@ using namespace test;
 const Add nearAdd = iBltNear32_Add;
 const Add bilinearAdd = iBltBilinear32_Add;
 const ScaledAdd nearScaledAdd = iBltNear32_Add;
-const ScaledAdd bilinearScaledAdd = iBltBilinear32_Add;
 
 // What comes of one pixel added to another.
 
@@ -29,10 +28,6 @@ q_ulong fastScaledSum(q_ulong d, q_ulong s) {
 
 q_ulong nearScaledSum(q_ulong d, q_ulong s) {
     return over(Surface(1, 1, d), Surface(1, 1, s), nearScaledAdd, 255, 255, 255)[0];
-}
-
-q_ulong bilinearScaledSum(q_ulong d, q_ulong s) {
-    return over(Surface(1, 1, d), Surface(1, 1, s), bilinearScaledAdd, 255, 255, 255)[0];
 }
 
 q_ulong nearSum(q_ulong d, q_ulong s) {
@@ -64,11 +59,6 @@ TEST(iBltNear32_Add, a_carry_of_blue_sets_the_lowest_bit_of_green) {
 TEST(iBltBilinear32_Add, the_last_column_and_row_stand_in_for_what_lies_behind_them) {
     EXPECT_EQ(over(Surface(4, 4), pictureOf(2, {0x10, 0x20, 0x30, 0x40}), bilinearAdd),
               (Pixels{0x10, 0x18, 0x20, 0x20, 0x20, 0x28, 0x30, 0x30, 0x30, 0x38, 0x40, 0x40, 0x30, 0x38, 0x40, 0x40}));
-}
-
-TEST(iBltBilinear32_Add_scaled, all_channels_are_capped) {
-    EXPECT_EQ(bilinearScaledSum(0x646464, 0xC8C8C8), 0xFFFFFFu);
-    EXPECT_EQ(bilinearScaledSum(0x010101, 0xFFFFFF), 0xFFFFFFu); // 254 + 1
 }
 
 // A source whose right lies left of its left, or its bottom above its top.

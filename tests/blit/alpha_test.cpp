@@ -92,16 +92,6 @@ TEST(iBltBilinear32_Alpha, the_filtered_byte_is_truncated_before_it_is_blended) 
     EXPECT_EQ(pixels[2], 0x00010101u);
 }
 
-TEST(iBltBilinear32_Alpha, positions_have_20_fraction_bits) {
-    // 3 pixels on 65536 make a step of 48 units of 2^-20: the second pixel begins a third of the way. 15 bits would cut
-    // the step and reach it at the half.
-    const Pixels pixels = over(Surface(65536, 1), rowOf({0x10, 0x20, 0x30}), iBltBilinear32_Alpha, 1.0F);
-    EXPECT_EQ(pixels[21845], 0x1Fu); // fifteen sixteenths
-    EXPECT_EQ(pixels[21846], 0x20u);
-    EXPECT_EQ(pixels[43690], 0x2Fu);
-    EXPECT_EQ(pixels[43691], 0x30u);
-}
-
 TEST(iBltBilinear32_Alpha, outside_0_to_1_blue_runs_through_green_and_red_and_leaves_the_top_byte_0) {
     // 1 * 512 - 3 * 256 = -256, which is 0xFFFFFF00 as a word
     EXPECT_EQ(filteredBlend(0x000001, 0x000003, -1.0F), 0x00FFFFFFu);

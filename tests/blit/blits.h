@@ -13,7 +13,6 @@ namespace test {
 using Add = void (*)(q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong);
 using ScaledAdd = void (*)(q_ulong *, q_ulong *, tagRECT *, tagRECT *, q_ulong, q_ulong, unsigned char, unsigned char,
                            unsigned char);
-using PlacedAdd = void (*)(q_ulong *, q_ulong *, q_ulong, q_ulong, tagRECT *, q_ulong, q_ulong);
 
 /// An area of the source at a place of the destination, pixel on pixel.
 template <class Place, class Pitch, class... More>

@@ -38,28 +38,6 @@ TEST(iBltNear32, a_source_without_width_or_height_repeats_its_first_column_or_ro
               (Pixels{2, 2, 6, 6, 10, 10}));
 }
 
-TEST(ScaledBlits, sources_are_as_wide_as_the_format_of_their_positions) {
-    // 12 whole bits, of which 4097 columns leave 1, and 11 where one is the sign.
-    EXPECT_EQ(areaOver(Surface(3, 1), numbered(4097, 1), {0, 0, 4095, 1}, iBltNear32), (Pixels{1, 1366, 2731}));
-    EXPECT_EQ(over(Surface(3, 1), numbered(4097, 1), iBltNear32), (Pixels{1, 1, 1}));
-    EXPECT_EQ(overSafe(Surface(3, 1), numbered(2047, 1), {0, 0, 2047, 1}), (Pixels{1, 683, 1365}));
-    // 17 bits, and 16 where one is the sign.
-    for (const auto blit : {iBltNear32_KeySrc, iBltBilinear32_KeySrc})
-        EXPECT_EQ(over(Surface(4, 1), numbered(70000, 1), blit, 0), (Pixels{1, 17501, 35001, 52501}));
-    EXPECT_EQ(over(Surface(3, 1), numbered(60000, 1), Add{iBltNear32_Add}), (Pixels{1, 20001, 40001}));
-    // Of 75001, 0x0124F9, 255 / 256 are 0x0023F8.
-    for (const ScaledAdd blit : {ScaledAdd{iBltNear32_Add}, ScaledAdd{iBltBilinear32_Add}})
-        EXPECT_EQ(over(Surface(4, 1), numbered(100000, 1), blit, 255, 255, 255)[3], 0x0023F8u);
-}
-
-TEST(iBltNear32_KeySrc, the_step_is_truncated_to_15_fraction_bits) {
-    // 3 pixels on 65536 make a step of 1.5 units, cut to 1: the last position is 65535 / 32768, in the second pixel.
-    const Pixels pixels = over(Surface(65536, 1), numbered(3, 1), iBltNear32_KeySrc, 0);
-    EXPECT_EQ(pixels[32767], 1u);
-    EXPECT_EQ(pixels[32768], 2u);
-    EXPECT_EQ(pixels[65535], 2u);
-}
-
 // Clipped
 
 TEST(iBltNear32Safe, a_source_turned_inside_out_is_walked_to_the_left) {
@@ -110,15 +88,6 @@ TEST(iBltBilinear32, the_last_column_and_row_read_one_pixel_beyond_the_source_an
     EXPECT_EQ(pixels[3], 0x00007Fu);
     EXPECT_EQ(pixels[12], 0x007F00u);
     EXPECT_EQ(over(Surface(4, 3), src, iBltBilinear32Safe)[3], 0x00007Fu);
-}
-
-TEST(iBltBilinear32, only_four_bits_of_the_fraction_count) {
-    // Steps of 1/64: four pixels each share a weight.
-    Surface src(1, 1);
-    src.at(1, 0) = 0xFF;
-    const Pixels pixels = over(Surface(64, 1), src, iBltBilinear32);
-    for (q_ulong x = 0; x < 64; ++x)
-        EXPECT_EQ(pixels[x], 255 * (x / 4) / 16) << x;
 }
 
 TEST(iBltBilinear32Safe, a_uniform_colour_loses_its_top_byte_except_on_the_last_source_row_wherever_that_lies) {

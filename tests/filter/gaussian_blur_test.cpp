@@ -21,17 +21,6 @@ Surface brightAt(const Blur &blur, int length, int place, q_ulong colour) {
     return blur.line(length, [=](int i) { return i == place ? colour : 0; });
 }
 
-TEST(Hor_GaussBlur, pictures_of_several_hundred_pixels_and_wide_kernels) {
-    test::Random random(81);
-    for (const Blur &blur : blurs)
-        for (const float sigma : {0.5F, 2.0F, 8.0F, 20.0F, 42.0F}) {
-            const Surface src =
-                Surface::randomOfSize(random, blur.alongColumns ? 67 : 541, blur.alongColumns ? 541 : 67);
-            ASSERT_EQ(blur.blurred(src, src, sigma).differenceFrom(blur.blurredPlainly(src, src, sigma)), "")
-                << blur.name << ", sigma " << sigma;
-        }
-}
-
 TEST(Hor_GaussBlur, the_weights_are_those_of_the_density_for_every_sigma) {
     // One white pixel far from the ends is seen through the weights, mirrored: weight * 255 / 256 is weight - 1, or 0.
     constexpr int length = 520;
@@ -147,19 +136,6 @@ TEST(Hor_GaussBlur, every_kernel_on_lines_enough_to_be_taken_together) {
         ASSERT_EQ(blur.blurred(dst, src, sigma).differenceFrom(blur.blurredPlainly(dst, src, sigma)), "")
             << blur.name << ", sigma " << sigma;
     }
-}
-
-TEST(Hor_GaussBlur, every_size_up_to_more_than_two_registers) {
-    test::Random random(84);
-    for (int width = 1; width <= 37; ++width)
-        for (int height = 1; height <= 37; ++height)
-            for (const Blur &blur : blurs) {
-                const float sigma = random.realBetween(0.1F, 12);
-                const Surface src = Surface::randomOfSize(random, width, height);
-                const Surface dst = another(random, src);
-                ASSERT_EQ(blur.blurred(dst, src, sigma).differenceFrom(blur.blurredPlainly(dst, src, sigma)), "")
-                    << blur.name << ' ' << width << ' ' << height << ' ' << sigma;
-            }
 }
 
 } // namespace

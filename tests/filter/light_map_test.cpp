@@ -41,10 +41,6 @@ Surface converted(Surface surface, const tagRECT &rect, const Settings &settings
 Surface converted(const Surface &surface, const Settings &settings) {
     return converted(surface, surface.rect(), settings);
 }
-Surface convertedPlainly(Surface surface, const tagRECT &rect, const Settings &settings) {
-    convertPlainly(surface.pixels(), rect, surface.pitch(), settings);
-    return surface;
-}
 
 constexpr Form forms[] = {Form::blockWithLimit, Form::block, Form::source};
 
@@ -60,15 +56,6 @@ Surface discOf(int side, int radius) {
         const int dy = y - side / 2;
         return dx * dx + dy * dy < radius * radius ? 1u : 0u;
     });
-}
-
-TEST(LightMaps, a_larger_shape_agrees_with_a_naive_map) {
-    const Surface disc = discOf(60, 24);
-    const tagRECT rect = {5, 0, 56, 60};
-    for (const Form form : forms) {
-        const Settings settings = {form, 3, 40, profileOrLimit(form, 2, 3000000)};
-        EXPECT_EQ(converted(disc, rect, settings).differenceFrom(convertedPlainly(disc, rect, settings)), "");
-    }
 }
 
 TEST(LightMaps, shapes_of_every_kind_agree_with_a_naive_map_in_every_bit) {

@@ -42,7 +42,9 @@ inline q_ulong sphereWord(Number dx, Number dy, Number radius, bool secondHighli
                 isMirrored ? specularOf({-n.x, -n.y, n.z}, 50) : specularOf(n, 200));
 }
 
-inline q_ulong spotsWord(Number i, Number j, Number radius, bool secondHighlight) {
+inline q_ulong spotsWord(Number dx, Number dy, Number radius, bool secondHighlight) {
+    const Number i = radius + dx;
+    const Number j = radius + dy;
     const Number third = radius / 3;
     const Number thirds = 2 * radius / 3;
     const Real a = Real{0.00306796096265316F};
@@ -58,26 +60,21 @@ inline q_ulong spotsWord(Number i, Number j, Number radius, bool secondHighlight
     const Number light = squares(i - (radius + thirds), j - (radius - thirds));
     const Number specular = second < 512 && secondHighlight ? spot(64, second) : first < 512 ? spot(200, first) : 0;
     const Number lit = light < 8192 ? truncated(200 * cosine(static_cast<Real>(light) * b)) : 0;
-    return maps(55 + std::max<Number>(lit, 0), squares(i - radius, j - radius) * 128 / (radius * radius), specular);
+    return maps(55 + std::max<Number>(lit, 0), squares(dx, dy) * 128 / (radius * radius), specular);
 }
 
 } // namespace draw
 
-inline void MakeBubbleResource(q_ulong *surface, int pitch, int x, int y, int size, int secondHighlight) {
+template <q_ulong (*wordAt)(Number dx, Number dy, Number radius, bool secondHighlight)>
+void makeBubbleResource(q_ulong *surface, int pitch, int x, int y, int size, int secondHighlight) {
     const FullWidth width;
     const Number radius = size / 2;
     for (Number j = 0; j < size && size > 1; ++j)
         for (Number i = 0; i < size; ++i)
-            Pixels{surface, pitch}.at(x + i, y + j) =
-                draw::sphereWord(i - radius, j - radius, radius, secondHighlight != 0);
+            Pixels{surface, pitch}.at(x + i, y + j) = wordAt(i - radius, j - radius, radius, secondHighlight != 0);
 }
-
-inline void MakeBubbleResource2(q_ulong *surface, int pitch, int x, int y, int size, int secondHighlight) {
-    const FullWidth width;
-    for (Number j = 0; j < size && size > 1; ++j)
-        for (Number i = 0; i < size; ++i)
-            Pixels{surface, pitch}.at(x + i, y + j) = draw::spotsWord(i, j, size / 2, secondHighlight != 0);
-}
+inline constexpr auto MakeBubbleResource = makeBubbleResource<draw::sphereWord>;
+inline constexpr auto MakeBubbleResource2 = makeBubbleResource<draw::spotsWord>;
 
 namespace draw {
 

@@ -172,21 +172,18 @@ void mapBack(Pixels dst, const tagRECT &clip, const tagRECT &srcRect, Number cen
         }
 }
 
-inline void iRotate(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch,
-                    int centreX, int centreY, double angle, int width, int height) {
+template <bool isFiltered>
+void rotate(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch, int centreX,
+            int centreY, double angle, int width, int height) {
     const Pixels from = {src, srcPitch};
-    mapBack({dst, dstPitch}, *clipRect, *srcRect, centreX, centreY, angle, width, height, 1 << 16, 0, 0,
-            [&](q_ulong &d, Number column, Number row, Number, Number) { d = from.at(column, row); });
-}
-
-inline void iRotateLinear(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch,
-                          int centreX, int centreY, double angle, int width, int height) {
-    const Pixels from = {src, srcPitch};
-    mapBack({dst, dstPitch}, *clipRect, *srcRect, centreX, centreY, angle, width, height, 1 << 20, 0, -1,
+    mapBack({dst, dstPitch}, *clipRect, *srcRect, centreX, centreY, angle, width, height,
+            isFiltered ? 1 << 20 : 1 << 16, 0, isFiltered ? -1 : 0,
             [&](q_ulong &d, Number column, Number row, Number fx, Number fy) {
-                d = fourTaps(from, column, row, fx, fy).pixel();
+                d = isFiltered ? fourTaps(from, column, row, fx, fy).pixel() : from.at(column, row);
             });
 }
+inline constexpr auto iRotate = rotate<false>;
+inline constexpr auto iRotateLinear = rotate<true>;
 
 inline void iRotateLinearAA(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src, tagRECT *srcRect, int srcPitch,
                             int centreX, int centreY, double angle, int width, int height) {

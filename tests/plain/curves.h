@@ -117,33 +117,30 @@ void drawSmoothCurve(const Pen<Element> &pen, const short *xs, const short *ys, 
     }
 }
 
-inline void iLine(q_ulong *surface, int x1, int y1, int x2, int y2, q_ulong color, tagRECT *clip, int pitch) {
-    drawLine(Pen<q_ulong>{{surface, pitch}, *clip, color}, x1, y1, x2, y2);
-}
+// On pixels and on planes of bytes
 
-inline void bLine(unsigned char *plane, int x1, int y1, int x2, int y2, unsigned char value, tagRECT *clip, int pitch) {
-    drawLine(Pen<unsigned char>{{plane, pitch}, *clip, value}, x1, y1, x2, y2);
+template <class Element>
+void strokeLine(Element *surface, int x1, int y1, int x2, int y2, Element value, tagRECT *clip, int pitch) {
+    drawLine(Pen<Element>{{surface, pitch}, *clip, value}, x1, y1, x2, y2);
 }
+inline constexpr auto iLine = strokeLine<q_ulong>;
+inline constexpr auto bLine = strokeLine<unsigned char>;
 
-inline void iBesierLine(q_ulong *surface, int x0, int y0, int x1, int y1, int x2, int y2, int x3, int y3, q_ulong color,
-                        tagRECT *clip, int pitch) {
-    drawCurve(Pen<q_ulong>{{surface, pitch}, *clip, color}, {x0, x1, x2, x3}, {y0, y1, y2, y3});
+template <class Element>
+void strokeCurve(Element *surface, int x0, int y0, int x1, int y1, int x2, int y2, int x3, int y3, Element value,
+                 tagRECT *clip, int pitch) {
+    drawCurve(Pen<Element>{{surface, pitch}, *clip, value}, {x0, x1, x2, x3}, {y0, y1, y2, y3});
 }
+inline constexpr auto iBesierLine = strokeCurve<q_ulong>;
+inline constexpr auto bBesierLine = strokeCurve<unsigned char>;
 
-inline void bBesierLine(unsigned char *plane, int x0, int y0, int x1, int y1, int x2, int y2, int x3, int y3,
-                        unsigned char value, tagRECT *clip, int pitch) {
-    drawCurve(Pen<unsigned char>{{plane, pitch}, *clip, value}, {x0, x1, x2, x3}, {y0, y1, y2, y3});
+template <class Element>
+void strokeSmoothCurve(Element *surface, tagRECT *clip, int pitch, short *xs, short *ys, int count, Element value,
+                       int openCurve) {
+    drawSmoothCurve(Pen<Element>{{surface, pitch}, *clip, value}, xs, ys, count, openCurve != 0);
 }
-
-inline void iPolyBesier(q_ulong *surface, tagRECT *clip, int pitch, short *xs, short *ys, int count, q_ulong color,
-                        int openCurve) {
-    drawSmoothCurve(Pen<q_ulong>{{surface, pitch}, *clip, color}, xs, ys, count, openCurve != 0);
-}
-
-inline void bPolyBesier(unsigned char *plane, tagRECT *clip, int pitch, short *xs, short *ys, int count,
-                        unsigned char value, int openCurve) {
-    drawSmoothCurve(Pen<unsigned char>{{plane, pitch}, *clip, value}, xs, ys, count, openCurve != 0);
-}
+inline constexpr auto iPolyBesier = strokeSmoothCurve<q_ulong>;
+inline constexpr auto bPolyBesier = strokeSmoothCurve<unsigned char>;
 
 } // namespace plain
 

@@ -145,15 +145,13 @@ inline int Region_Fill(_PRIVATE_QMGP_DATA *data, int x, int y, q_ulong fill, q_u
     return int32(colourFill(*data, *rect, fill, border).from(x, y, parentLeft, parentRight, direction));
 }
 
-inline int bRegion_Fill(_PRIVATE_QMGP_DATA *data, int x, int y, unsigned char value, int parentLeft, int parentRight,
-                        int direction) {
-    return int32(planeFill(*data, value).from(x, y, parentLeft, parentRight, direction));
+template <Fill (*fillOf)(const _PRIVATE_QMGP_DATA &, unsigned char)>
+int fillByValue(_PRIVATE_QMGP_DATA *data, int x, int y, unsigned char value, int parentLeft, int parentRight,
+                int direction) {
+    return int32(fillOf(*data, value).from(x, y, parentLeft, parentRight, direction));
 }
-
-inline int Region_Src_Fill(_PRIVATE_QMGP_DATA *data, int x, int y, unsigned char value, int parentLeft, int parentRight,
-                           int direction) {
-    return int32(sourceFill(*data, value).from(x, y, parentLeft, parentRight, direction));
-}
+inline constexpr auto bRegion_Fill = fillByValue<planeFill>;
+inline constexpr auto Region_Src_Fill = fillByValue<sourceFill>;
 
 } // namespace plain
 

@@ -194,16 +194,6 @@ TEST(iBltNear32_X_Roto, a_face_over_the_end_loses_its_last_line_to_the_clearing)
     }
 }
 
-TEST(iBltNear32_X_Roto, a_face_wholly_outside_draws_nothing) {
-    Surface front(8, 8, 7);
-    for (const Axis axis : {axisX, axisY})
-        for (const int away : {-1000, -20, 20, 1000, greatestInt, leastInt}) {
-            Turn turn = Turn::centred(8, front);
-            turn.destCentre = {away, away};
-            EXPECT_EQ(turn.drawn(axis, blank(8, 8)).differenceFrom(blank(8, 8)), "") << away;
-        }
-}
-
 TEST(iBltNear32_X_Roto, scale_0_and_a_face_edge_on_leave_the_destination) {
     Surface front(8, 8, 7);
     for (const Axis axis : {axisX, axisY}) {
@@ -360,13 +350,6 @@ TEST(iBltNear32_X_Roto_Fast, steps_that_wrap_bring_the_middle_back_every_128_pix
             (aboutY ? expected.at(2, along) : expected.at(along, 2)) = aboutY ? place(2, 150) : place(150, 2);
         EXPECT_EQ(turn.drawn(dst, src).differenceFrom(expected), "");
     }
-}
-
-TEST(iBltNear32_X_Roto_Fast, without_columns_or_rows_nothing_is_drawn) {
-    Surface src(6, 5, 7);
-    for (const auto kind : frameTurns)
-        for (const Surface &dst : {blank(6, 0), blank(0, 5), blank(0, 0)})
-            EXPECT_EQ(FrameTurn{.kind = kind}.drawn(dst, src).differenceFrom(dst), "");
 }
 
 TEST(iBltNear32_Y_Roto_Fast, in_place_the_face_shows_margins_that_are_cleared_already) {
