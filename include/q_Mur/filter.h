@@ -53,8 +53,8 @@ Q_MUR_API void CrossBlur_Rect(_PRIVATE_LUT_DATA *lut, q_ulong *surface, tagRECT 
 
 /// Box blur over windows of 2 `radius` + 1 pixels in both directions; windows shrink at the edges of `rect`. The cost
 /// does not depend on the radius. Inside, means are taken by a reciprocal and come out up to 1 low in each direction;
-/// along the edges they are exact divisions. It takes memory for at most 288 rows and one more of double length;
-/// without it, as much as the rectangle has, and without that nothing is drawn.
+/// along the edges they are exact divisions. It takes memory for at most 288 rows, each rounded up to a cache
+/// line, and one more of double length; without it, as much as the rectangle has, and without that nothing is drawn.
 /// \param radius 0 to 128; a larger one overflows red. With one below 0 or above half of `rect` in either direction
 ///        nothing is drawn.
 Q_MUR_API void Blur_Rect(q_ulong *surface, tagRECT *rect, int pitch, int radius);

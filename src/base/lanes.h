@@ -27,6 +27,7 @@
 #include <wasm_simd128.h>
 #endif
 
+#include <type_traits>
 #include <utility>
 
 namespace qmur::vector {
@@ -818,6 +819,70 @@ void storeSixteenAt(void *first, std::ptrdiff_t stride, Vector vector) {
 }
 
 } // namespace detail
+
+namespace detail {
+
+/// Lanes of `a` and then `b`, in blocks of 16 bytes.
+template <class Number, int count, int blocks>
+struct MovedUp {
+    static constexpr int at(int place) {
+        constexpr int moved = blocks * 16 / static_cast<int>(sizeof(Number));
+        return place < moved ? count + place : place - moved;
+    }
+};
+
+template <class Number, int count>
+struct LastBlock {
+    static constexpr int at(int place) {
+        constexpr int block = 16 / static_cast<int>(sizeof(Number));
+        return count - block + place % block;
+    }
+};
+
+template <int lane>
+struct InFours {
+    static constexpr int at(int place) { return place / 4 * 4 + lane; }
+};
+
+/// Every second lane.
+template <int count, int first>
+struct EverySecond {
+    static constexpr int at(int place) { return place / 4 * 4 + first + place % 2 * 2 + (place % 4 < 2 ? 0 : count); }
+};
+
+} // namespace detail
+
+template <int blocks, class Number, int count>
+Lanes<Number, count> sixteensMovedUp(Lanes<Number, count> a) {
+    const auto longs = as<std::uint64_t>(a); // compilers move few and long lanes in fewer steps
+    using Longs = std::remove_const_t<decltype(longs)>;
+    constexpr int longCount = sizeof(a) / sizeof(std::uint64_t);
+    if constexpr (blocks * 2 >= longCount)
+        return Lanes<Number, count>::all(0);
+    else
+        return as<Number>(detail::merged<detail::MovedUp<std::uint64_t, longCount, blocks>>(
+            longs, Longs::all(0), std::make_integer_sequence<int, longCount>()));
+}
+
+template <class Number, int count>
+Lanes<Number, count> lastSixteen(Lanes<Number, count> a) {
+    constexpr int longCount = sizeof(a) / sizeof(std::uint64_t);
+    return as<Number>(detail::shuffled<detail::LastBlock<std::uint64_t, longCount>>(as<std::uint64_t>(a)));
+}
+
+template <int lane, int count>
+Lanes<std::uint32_t, count> broadcastInFours(Lanes<std::uint32_t, count> a) {
+    return detail::shuffled<detail::InFours<lane>>(a);
+}
+
+template <int count>
+Lanes<std::uint32_t, count> evenLanes(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> b) {
+    return detail::merged<detail::EverySecond<count, 0>>(a, b, std::make_integer_sequence<int, count>());
+}
+template <int count>
+Lanes<std::uint32_t, count> oddLanes(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> b) {
+    return detail::merged<detail::EverySecond<count, 1>>(a, b, std::make_integer_sequence<int, count>());
+}
 
 template <class Result>
 Result loadSixteens(const void *first, std::ptrdiff_t stride) {

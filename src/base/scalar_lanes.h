@@ -355,6 +355,38 @@ Lanes<Number, count> interleavedHigh(Lanes<Number, count> a, Lanes<Number, count
         [&](int lane) { return (lane % 2 == 0 ? a : b)[lane / block * block + (lane % block + block) / 2]; });
 }
 
+/// Every 16 bytes in the place of those `blocks` times 16 bytes behind them, and 0 in the first.
+template <int blocks, class Number, int count>
+Lanes<Number, count> sixteensMovedUp(Lanes<Number, count> a) {
+    constexpr int moved = blocks * 16 / static_cast<int>(sizeof(Number));
+    return Lanes<Number, count>::filled([&](int lane) { return lane < moved ? Number{0} : a[lane - moved]; });
+}
+
+/// The last 16 bytes in all their places.
+template <class Number, int count>
+Lanes<Number, count> lastSixteen(Lanes<Number, count> a) {
+    constexpr int block = 16 / static_cast<int>(sizeof(Number));
+    return Lanes<Number, count>::filled([&](int lane) { return a[count - block + lane % block]; });
+}
+
+/// One of every four lanes in all four.
+template <int lane, int count>
+Lanes<std::uint32_t, count> broadcastInFours(Lanes<std::uint32_t, count> a) {
+    return Lanes<std::uint32_t, count>::filled([&](int place) { return a[place / 4 * 4 + lane]; });
+}
+
+/// The first and the third of every four lanes of `a` and then of `b`; the second and the fourth.
+template <int count>
+Lanes<std::uint32_t, count> evenLanes(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> b) {
+    return Lanes<std::uint32_t, count>::filled(
+        [&](int lane) { return (lane % 4 < 2 ? a : b)[lane / 4 * 4 + lane % 2 * 2]; });
+}
+template <int count>
+Lanes<std::uint32_t, count> oddLanes(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> b) {
+    return Lanes<std::uint32_t, count>::filled(
+        [&](int lane) { return (lane % 4 < 2 ? a : b)[lane / 4 * 4 + lane % 2 * 2 + 1]; });
+}
+
 /// Lanes whose every 16 bytes come from a place of their own, `stride` bytes behind that of the 16 before.
 template <class Result>
 Result loadSixteens(const void *first, std::ptrdiff_t stride) {

@@ -4,6 +4,9 @@
 #include "q_Mur/filter.h"
 #include "walks/abreast.h"
 
+#include <cstring>
+#include <type_traits>
+
 namespace {
 
 using namespace qmur;
@@ -86,6 +89,23 @@ struct FourSums : ColourSums {
     q_ulong times(q_ulong reciprocal) const { return ColourSums::times(reciprocal) | (top * reciprocal >> 16) << 24; }
 };
 
+/// Sums divided by `divisor`. The product with its reciprocal is at most 1 low; then the remainder still holds the
+/// divisor, and its difference from `limit`, which is the divisor again, has no sign. A limit of 0x8000 leaves the
+/// product as it is.
+template <int count>
+Words<count> quotientOf(Words<count> sums, Words<count> reciprocal, Words<count> divisor, Words<count> limit) {
+    const Words<count> low = highProduct(sums, reciprocal);
+    const Words<count> sign = (sums - low * divisor - limit) >> 15;
+    return low + (Words<count>::all(1) - sign);
+}
+
+/// A reciprocal for each channel of pixels that stand as words. What `Sums` does not keep has a factor of 0.
+template <class Sums, int bytes>
+Words<bytes / 2> keptFactor(q_ulong reciprocal) {
+    constexpr std::uint64_t places = Sums::kept == 0xFFFFFFFF ? 0x1000100010001 : 0x100010001;
+    return as<std::uint16_t>(target::Lanes<std::uint64_t, bytes / 8>::all(reciprocal * places));
+}
+
 /// The sums of the windows of several pixels, with all four channels, of which the means keep those of `Sums`. The 257
 /// pixels of the largest window just fit 16 bits.
 template <class Sums, int bytes>
@@ -106,6 +126,10 @@ public:
         to[1] = greenAndTop;
     }
 
+    void exchange(Pixels entering, Pixels leaving) {
+        add(entering);
+        subtract(leaving);
+    }
     void add(Pixels pixels) {
         blueAndRed = blueAndRed + blueAndRedOf(pixels);
         greenAndTop = greenAndTop + greenAndTopOf(pixels);
@@ -130,12 +154,7 @@ public:
     Pixels dividedBy(q_ulong count) const {
         const auto divisor = Channels::all(static_cast<std::uint16_t>(count));
         const auto reciprocal = Channels::all(static_cast<std::uint16_t>(65536 / count));
-        const auto quotient = [=](Channels sums) {
-            // The product is at most 1 low; then the remainder still holds the divisor, and the difference no sign.
-            const Channels low = highProduct(sums, reciprocal);
-            const Channels sign = (sums - low * divisor - divisor) >> 15;
-            return low + (Channels::all(1) - sign);
-        };
+        const auto quotient = [=](Channels sums) { return quotientOf(sums, reciprocal, divisor, divisor); };
         return pixelsOf(quotient(blueAndRed), quotient(greenAndTop));
     }
 
@@ -150,11 +169,68 @@ private:
     Channels greenAndTop = Channels::all(0);
 };
 
+/// The same for targets that add up pairs of bytes: channels stand as words, of the lower and of the upper half of each
+/// 16 bytes.
+template <class Sums, int bytes>
+class SumsInHalves {
+public:
+    using Pixels = Numbers<bytes / 4>;
+    using Channels = Words<bytes / 2>;
+
+    static SumsInHalves load(const Channels *from) {
+        SumsInHalves sums;
+        sums.low = from[0];
+        sums.high = from[1];
+        return sums;
+    }
+    void store(Channels *to) const {
+        to[0] = low;
+        to[1] = high;
+    }
+
+    void exchange(Pixels entering, Pixels leaving) {
+        // Each byte of the one with that of the other behind it.
+        const auto plusAndMinus = as<std::uint8_t>(Channels::all(0xFF01));
+        const auto in = as<std::uint8_t>(entering);
+        const auto out = as<std::uint8_t>(leaving);
+        low = low + pairSums(interleavedLow(in, out), plusAndMinus);
+        high = high + pairSums(interleavedHigh(in, out), plusAndMinus);
+    }
+    void add(Pixels pixels) {
+        low = low + widenedLow(as<std::uint8_t>(pixels));
+        high = high + widenedHigh(as<std::uint8_t>(pixels));
+    }
+    void subtract(Pixels pixels) {
+        low = low - widenedLow(as<std::uint8_t>(pixels));
+        high = high - widenedHigh(as<std::uint8_t>(pixels));
+    }
+
+    Pixels times(q_ulong reciprocal) const {
+        if (reciprocal == 65536)
+            return as<std::uint32_t>(narrowed(low, high)) & Pixels::all(Sums::kept);
+        const Channels factor = keptFactor<Sums, bytes>(reciprocal);
+        return as<std::uint32_t>(narrowed(highProduct(low, factor), highProduct(high, factor)));
+    }
+
+    /// For a count above 1.
+    Pixels dividedBy(q_ulong count) const {
+        const auto divisor = Channels::all(static_cast<std::uint16_t>(count));
+        const auto reciprocal = Channels::all(static_cast<std::uint16_t>(65536 / count));
+        const auto quotient = [=](Channels sums) { return quotientOf(sums, reciprocal, divisor, divisor); };
+        return as<std::uint32_t>(narrowed(quotient(low), quotient(high))) & Pixels::all(Sums::kept);
+    }
+
+private:
+    Channels low = Channels::all(0);
+    Channels high = Channels::all(0);
+};
+
 /// A window that reaches `back` pixels back and `forward` pixels forward.
 struct SlidingWindow {
     int back;
     int forward;
 
+    bool reachesBack() const { return back > 0; }
     int size() const { return back + forward + 1; }
     q_ulong reciprocal() const { return 65536 / static_cast<q_ulong>(size()); }
 };
@@ -162,7 +238,8 @@ struct SlidingWindow {
 /// Slides a window along a line of `length` pixels: it shrinks at both ends, where `Edge` takes the mean over the
 /// pixels that exist; between them every sum is multiplied by one reciprocal. `line.add(x)` takes a pixel into the
 /// sums, `line.template move<enters, leaves>(entering, x, leaving, mean)` takes in the one, writes another and takes
-/// out the third. Meant: the edge at the start runs its `back` steps on a line of any length.
+/// out the third; where a line has it, `moveTwice` does so for two pixels. Meant: the edge at the start runs its `back`
+/// steps on a line of any length.
 template <class Line, class Edge>
 void slide(Line &line, int length, SlidingWindow window, Edge edgeMean) {
     const auto [back, forward] = window;
@@ -172,8 +249,16 @@ void slide(Line &line, int length, SlidingWindow window, Edge edgeMean) {
     for (int x = 0; x < back; ++x)
         line.template move<true, false>(x + forward, x, 0, edgeMean(x + forward + 1));
     const auto middleMean = [reciprocal = window.reciprocal()](const auto &sums) { return sums.times(reciprocal); };
-    for (int x = back; x < length - forward; ++x)
+    int middle = back;
+    const auto moveOne = [&line, middleMean, back = back, forward = forward](int x) {
         line.template move<true, true>(x + forward, x, x - back, middleMean);
+    };
+    if constexpr (Line::movesTwice)
+        if (middle < length - forward)
+            for (moveOne(middle++); middle < length - forward - 1; middle += 2)
+                line.moveTwice(middle + forward, middle, middle - back, middleMean);
+    for (; middle < length - forward; ++middle)
+        moveOne(middle);
     for (int x = larger(length - forward, 0); x < length; ++x)
         line.template move<false, true>(0, x, x - back, edgeMean(length - x + back));
 }
@@ -181,6 +266,8 @@ void slide(Line &line, int length, SlidingWindow window, Edge edgeMean) {
 /// A row, its sums kept at hand.
 template <class Sums>
 struct Row {
+    static constexpr bool movesTwice = false;
+
     q_ulong *dst;
     const q_ulong *src;
     Sums sums = {};
@@ -200,6 +287,7 @@ struct Row {
 /// lies, with the same bytes.
 template <class Sums>
 struct Columns {
+    static constexpr bool movesTwice = false;
     static constexpr int most = 128;
 
     q_ulong *dst;
@@ -326,6 +414,162 @@ void blurRowsAbreast(q_ulong *dst, Distance dstPitch, const q_ulong *src, Distan
     }
 }
 
+/// The pixels of a row from column `x` on, which may lie before its start; 0 where it has none.
+template <class Pixels>
+Pixels loadWithin(const q_ulong *row, int width, int x) {
+    constexpr int count = sizeof(Pixels) / sizeof(q_ulong);
+    if (x <= -count || x >= width)
+        return Pixels::all(0);
+    if (x >= 0)
+        return Pixels::loadFirst(row + x, smaller(width - x, count));
+    q_ulong pixels[count] = {};
+    std::memcpy(pixels - x, row, static_cast<std::size_t>(smaller(count + x, width)) * sizeof(q_ulong));
+    return Pixels::load(pixels);
+}
+
+/// Blurs two rows at a time from left to right, for windows that reach back. Of every four pixels of both rows the
+/// first ones stand beside each other as words, the second ones in the next register, and so on; each 16 bytes have
+/// four pixels of their own.
+template <class Sums, int bytes>
+class RowsInTurn {
+public:
+    /// `divides` says whether means at the edges are true divisions.
+    RowsInTurn(int rowWidth, SlidingWindow ofMeans, bool divides)
+        : width(rowWidth), window(ofMeans), factor(keptFactor<Sums, bytes>(ofMeans.reciprocal())) {
+        const auto [back, forward] = window;
+        leftEdge = (back + pixels) / pixels;
+        rightEdge = larger((width - forward) / pixels, leftEdge);
+        for (int x = 0; x < width; x += pixels) {
+            if (!isAtEdge(x / pixels))
+                continue;
+            q_ulong numbers[3][pixels];
+            for (int i = 0; i < pixels; ++i) {
+                const int column = smaller(x + i, width - 1);
+                const bool isMiddle = column >= back && column < width - forward;
+                const int count = smaller(column + forward, width - 1) - larger(column - back, 0) + 1;
+                numbers[0][i] = 65536 / static_cast<q_ulong>(count);
+                numbers[1][i] = static_cast<q_ulong>(count);
+                numbers[2][i] = isMiddle || !divides ? 0x8000 : static_cast<q_ulong>(count);
+            }
+            Edge &edge = edgeOf(x / pixels);
+            const auto inBothHalves = [](const q_ulong *of) { return Pixels::load(of) * Pixels::all(0x10001); };
+            edge = {inBothHalves(numbers[0]), inBothHalves(numbers[1]), inBothHalves(numbers[2])};
+        }
+    }
+
+    void blur(q_ulong *dst, q_ulong *otherDst, const q_ulong *src, const q_ulong *otherSrc) const {
+        Channels carried = Channels::all(0);
+        int x = -(window.forward + pixels - 1) / pixels * pixels;
+        const auto within = [&] {
+            const auto from = [this](const q_ulong *row, int first) { return loadWithin<Pixels>(row, width, first); };
+            return sumsOf(from(src, x + window.forward), from(otherSrc, x + window.forward),
+                          from(src, x - window.back - 1), from(otherSrc, x - window.back - 1), carried);
+        };
+        const auto blurEdge = [&](int end) {
+            for (; x < end; x += pixels) {
+                const Means means = atEdge(within(), edgeOf(x / pixels));
+                const int count = smaller(width - x, pixels);
+                means.row.storeFirst(dst + x, count);
+                means.other.storeFirst(otherDst + x, count);
+            }
+        };
+        for (; x < 0; x += pixels)
+            within();
+        blurEdge(smaller(leftEdge * pixels, width));
+        x = blurMiddle(x, dst, otherDst, src, otherSrc, carried);
+        blurEdge(width);
+    }
+
+private:
+    using Pixels = Numbers<bytes / 4>;
+    using Channels = Words<bytes / 2>;
+    static constexpr int pixels = bytes / 4;
+
+    struct Quarters {
+        Channels channels[4];
+    };
+    struct Means {
+        Pixels row;
+        Pixels other;
+    };
+    /// For each column the reciprocal, the divisor and the limit that quotientOf() takes, as two words.
+    struct Edge {
+        Pixels reciprocals;
+        Pixels divisors;
+        Pixels limits;
+    };
+
+    bool isAtEdge(int group) const { return group < leftEdge || group >= rightEdge; }
+    const Edge &edgeOf(int group) const { return edges[group < leftEdge ? group : group - rightEdge + leftEdge]; }
+    Edge &edgeOf(int group) { return edges[group < leftEdge ? group : group - rightEdge + leftEdge]; }
+
+    int blurMiddle(int begin, q_ulong *dst, q_ulong *otherDst, const q_ulong *src, const q_ulong *otherSrc,
+                   Channels &carried) const {
+        const Distance in = window.forward;
+        const Distance out = -1 - window.back;
+        const Distance end = Distance{rightEdge} * pixels;
+        const Channels kept = factor;
+        Channels sums = carried;
+        Distance x = begin;
+        for (; x < end; x += pixels) {
+            const auto from = [x](const q_ulong *row) { return Pixels::load(row + x); };
+            const Means means = inMiddle(
+                sumsOf(from(src + in), from(otherSrc + in), from(src + out), from(otherSrc + out), sums), kept);
+            means.row.store(dst + x);
+            means.other.store(otherDst + x);
+        }
+        carried = sums;
+        return static_cast<int>(x);
+    }
+
+    /// The sums of the next windows, those of the last ones being carried along.
+    static Quarters sumsOf(Pixels in, Pixels otherIn, Pixels out, Pixels otherOut, Channels &carried) {
+        const auto plusAndMinus = as<std::uint8_t>(Channels::all(0xFF01));
+        const auto inLow = as<std::uint8_t>(interleavedLow(in, otherIn));
+        const auto inHigh = as<std::uint8_t>(interleavedHigh(in, otherIn));
+        const auto outLow = as<std::uint8_t>(interleavedLow(out, otherOut));
+        const auto outHigh = as<std::uint8_t>(interleavedHigh(out, otherOut));
+        const Channels first = pairSums(interleavedLow(inLow, outLow), plusAndMinus);
+        const Channels second = first + pairSums(interleavedHigh(inLow, outLow), plusAndMinus);
+        const Channels third = second + pairSums(interleavedLow(inHigh, outHigh), plusAndMinus);
+        const Channels fourth = third + pairSums(interleavedHigh(inHigh, outHigh), plusAndMinus);
+        Channels ends = fourth + target::sixteensMovedUp<1>(fourth);
+        if constexpr (bytes > 32)
+            ends = ends + target::sixteensMovedUp<2>(ends);
+        const Channels before = carried + (ends - fourth);
+        carried = carried + target::lastSixteen(ends);
+        return {{before + first, before + second, before + third, before + fourth}};
+    }
+
+    static Means meansOf(Channels first, Channels second, Channels third, Channels fourth) {
+        const auto firstHalf = as<std::uint32_t>(narrowed(first, second));
+        const auto secondHalf = as<std::uint32_t>(narrowed(third, fourth));
+        return {target::evenLanes(firstHalf, secondHalf), target::oddLanes(firstHalf, secondHalf)};
+    }
+
+    static Means inMiddle(const Quarters &sums, Channels factor) {
+        const auto mean = [&](int i) { return highProduct(sums.channels[i], factor); };
+        return meansOf(mean(0), mean(1), mean(2), mean(3));
+    }
+
+    static Means atEdge(const Quarters &sums, const Edge &edge) {
+        const auto mean = [&]<int i>(std::integral_constant<int, i>) {
+            const auto of = [](Pixels numbers) { return as<std::uint16_t>(target::broadcastInFours<i>(numbers)); };
+            return quotientOf(sums.channels[i], of(edge.reciprocals), of(edge.divisors), of(edge.limits));
+        };
+        const Means means = meansOf(mean(std::integral_constant<int, 0>()), mean(std::integral_constant<int, 1>()),
+                                    mean(std::integral_constant<int, 2>()), mean(std::integral_constant<int, 3>()));
+        return {means.row & Pixels::all(Sums::kept), means.other & Pixels::all(Sums::kept)};
+    }
+
+    int width;
+    SlidingWindow window;
+    int leftEdge;  ///< the first group of columns whose windows have all their pixels
+    int rightEdge; ///< the first behind them
+    Channels factor;
+    Edge edges[2 * (largestAbreast / 2 / pixels + 2)];
+};
+
 /// Blurs rows from `y` on, as long as there are enough of them to fill a register, and returns the first that is left.
 template <class Sums, int bytes, class Edge>
 Distance blurRowsAbreast(const Pictures &pictures, Distance y, SlidingWindow window, Edge edgeMean) {
@@ -338,11 +582,26 @@ Distance blurRowsAbreast(const Pictures &pictures, Distance y, SlidingWindow win
     return y;
 }
 
+/// Blurs all rows, two by two; an odd one is blurred twice. A template, so that targets which lack pairSums() of bytes
+/// do not compile it.
+template <class Rows>
+void blurRowsInTurn(const Pictures &pictures, const Rows &rows) {
+    const auto [dst, dstPitch, src, srcPitch, width, height] = pictures;
+    for (Distance y = 0; y < height; y += 2) {
+        const Distance other = smaller(static_cast<int>(y) + 1, height - 1);
+        rows.blur(dst + y * dstPitch, dst + other * dstPitch, src + y * srcPitch, src + other * srcPitch);
+    }
+}
+
 template <class Sums, class Edge>
 void blurRows(const Pictures &pictures, SlidingWindow window, Edge edgeMean) {
     Distance y = 0;
-    if (canGoAbreast(pictures, window, pictures.width))
+    if (canGoAbreast(pictures, window, pictures.width)) {
+        if constexpr (sumsPairs)
+            if (window.reachesBack())
+                return blurRowsInTurn(pictures, RowsInTurn<Sums, widestBytes>(pictures.width, window, Edge::divides));
         y = blurRowsAbreast<Sums, widestBytes>(pictures, y, window, edgeMean);
+    }
     for (; y < pictures.height; ++y) {
         Row<Sums> row = {pictures.dst + y * pictures.dstPitch, pictures.src + y * pictures.srcPitch};
         slide(row, pictures.width, window, edgeMean);
@@ -353,8 +612,9 @@ void blurRows(const Pictures &pictures, SlidingWindow window, Edge edgeMean) {
 /// in their order, and those under the window again.
 template <class Sums, int bytes, class RowAt>
 struct ColumnsAbreast {
-    using WindowSums = SumsAbreast<Sums, bytes>;
+    using WindowSums = std::conditional_t<sumsPairs, SumsInHalves<Sums, bytes>, SumsAbreast<Sums, bytes>>;
     using Channels = typename WindowSums::Channels;
+    static constexpr bool movesTwice = sumsPairs;
     static constexpr int pixels = bytes / 4;
 
     static constexpr int channelsFor(int count) { return (count + pixels - 1) / pixels * 2; }
@@ -364,6 +624,7 @@ struct ColumnsAbreast {
     int count; ///< at least `pixels`
     Channels *sums;
     RowAt rowAt;
+    const q_ulong *left = nullptr; ///< the row that the window has left, if the sums still have it
 
     void clear() {
         for (int i = 0; i < channelsFor(count); ++i)
@@ -384,18 +645,45 @@ struct ColumnsAbreast {
         const q_ulong *const row = rowAt(y);
         forEach([row](WindowSums &sum, int x) { sum.add(WindowSums::Pixels::load(row + x)); });
     }
+    /// A row leaves the sums when the next one enters: both at once cost less.
     template <bool enters, bool leaves, class Mean>
     void move(int entering, int y, int leaving, Mean mean) {
         const q_ulong *const in = enters ? rowAt(entering) : nullptr;
-        const q_ulong *const out = leaves ? rowAt(leaving) : nullptr;
+        const q_ulong *const out = left;
         q_ulong *const row = dst + y * dstPitch;
+        const auto pixelsOf = [](const q_ulong *from) { return WindowSums::Pixels::load(from); };
+        if (enters && out)
+            forEach([=](WindowSums &sum, int x) {
+                sum.exchange(pixelsOf(in + x), pixelsOf(out + x));
+                mean(sum).store(row + x);
+            });
+        else
+            forEach([=](WindowSums &sum, int x) {
+                if (in)
+                    sum.add(pixelsOf(in + x));
+                if (out)
+                    sum.subtract(pixelsOf(out + x));
+                mean(sum).store(row + x);
+            });
+        left = leaves ? rowAt(leaving) : nullptr;
+    }
+    /// The same for that row and the next one, where a row enters and one has left: the sums stay in their registers.
+    template <class Mean>
+    void moveTwice(int entering, int y, int leaving, Mean mean) {
+        const q_ulong *const in = rowAt(entering);
+        const q_ulong *const nextIn = rowAt(entering + 1);
+        const q_ulong *const out = left;
+        const q_ulong *const nextOut = rowAt(leaving);
+        q_ulong *const row = dst + y * dstPitch;
+        q_ulong *const nextRow = row + dstPitch;
+        const auto pixelsOf = [](const q_ulong *from) { return WindowSums::Pixels::load(from); };
         forEach([=](WindowSums &sum, int x) {
-            if constexpr (enters)
-                sum.add(WindowSums::Pixels::load(in + x));
+            sum.exchange(pixelsOf(in + x), pixelsOf(out + x));
             mean(sum).store(row + x);
-            if constexpr (leaves)
-                sum.subtract(WindowSums::Pixels::load(out + x));
+            sum.exchange(pixelsOf(nextIn + x), pixelsOf(nextOut + x));
+            mean(sum).store(nextRow + x);
         });
+        left = rowAt(leaving + 1);
     }
 };
 
@@ -445,28 +733,28 @@ void blurColumns(const Pictures &pictures, SlidingWindow window, Edge edgeMean) 
 }
 
 /// Blurs a picture in place along its rows and then its columns, where only the rows under the window are kept: a row
-/// is written when no window needs what it showed. Says no if there is no memory for them.
-template <class Sums, int bytes, class Edge>
-bool blurInPlace(q_ulong *first, Distance pitch, int width, int height, SlidingWindow window, Edge edgeMean) {
-    if constexpr (bytes > 16)
-        if (width < bytes / 4)
-            return blurInPlace<Sums, bytes / 2>(first, pitch, width, height, window, edgeMean);
-    if (width < bytes / 4 || !keepsPixelsApart(pitch, width))
-        return false;
-    constexpr int together = Tile<bytes>::rows;
-    const int ringSize = (window.size() + 2 * together - 1) / together * together;
-    const Scratch<q_ulong> ring(static_cast<long long>(ringSize) * width);
+/// is written when no window needs what it showed. `blurRowsOf(pictures)` blurs so many rows `together`. Says no if
+/// there is no memory for them.
+template <class Sums, int bytes, class Edge, class BlurRows>
+bool blurInPlace(const Pictures &pictures, SlidingWindow window, Edge edgeMean, int together, BlurRows blurRowsOf) {
+    const auto [first, pitch, src, srcPitch, width, height] = pictures;
+    const int ringSize = (window.size() + 2 * together) / together * together;
+    using Pixels = Numbers<bytes / 4>;
+    const int registersAcross = (width + bytes / 4 - 1) / (bytes / 4);
+    const Scratch<Pixels> ring(static_cast<long long>(ringSize) * registersAcross);
+    const auto ringRow = [&](int y) {
+        return reinterpret_cast<q_ulong *>(ring.data() + static_cast<Distance>(y % ringSize) * registersAcross);
+    };
     int blurred = 0;
-    const auto rowAt = [&](int y) {
+    const auto rowAt = [&, src = src, srcPitch = srcPitch, width = width, height = height](int y) {
         for (; blurred <= y; blurred += together)
-            blurRows<Sums>({.dst = ring.data() + static_cast<Distance>(blurred % ringSize) * width,
-                            .dstPitch = width,
-                            .src = first + blurred * pitch,
-                            .srcPitch = pitch,
-                            .width = width,
-                            .height = smaller(height - blurred, together)},
-                           window, edgeMean);
-        return ring.data() + static_cast<Distance>(y % ringSize) * width;
+            blurRowsOf(Pictures{.dst = ringRow(blurred),
+                                .dstPitch = Distance{registersAcross} * (bytes / 4),
+                                .src = src + blurred * srcPitch,
+                                .srcPitch = srcPitch,
+                                .width = width,
+                                .height = smaller(height - blurred, together)});
+        return ringRow(y);
     };
     using Line = ColumnsAbreast<Sums, bytes, decltype(rowAt)>;
     const Scratch<typename Line::Channels> sums(Line::channelsFor(width));
@@ -477,6 +765,42 @@ bool blurInPlace(q_ulong *first, Distance pitch, int width, int height, SlidingW
     slide(line, height, window, edgeMean);
     return true;
 }
+
+template <class Sums, int bytes, class Edge>
+bool blurInPlace(const Pictures &pictures, SlidingWindow window, Edge edgeMean) {
+    if constexpr (bytes > 16)
+        if (pictures.width < bytes / 4)
+            return blurInPlace<Sums, bytes / 2>(pictures, window, edgeMean);
+    if (pictures.width < bytes / 4 || !keepsPixelsApart(pictures.dstPitch, pictures.width))
+        return false;
+    if constexpr (sumsPairs)
+        if (window.reachesBack())
+            return blurInPlace<Sums, bytes>(pictures, window, edgeMean, 2,
+                                            [rows = RowsInTurn<Sums, bytes>(pictures.width, window, Edge::divides)](
+                                                const Pictures &two) { blurRowsInTurn(two, rows); });
+    return blurInPlace<Sums, bytes>(pictures, window, edgeMean, Tile<bytes>::rows,
+                                    [=](const Pictures &several) { blurRows<Sums>(several, window, edgeMean); });
+}
+
+/// What a mean at the edges of a picture is: a true division, which the reciprocal of the middle does not always reach.
+struct DividedEdges {
+    [[maybe_unused]] static constexpr bool divides = true;
+
+    auto operator()(int count) const {
+        return [divisor = static_cast<q_ulong>(count)](const auto &sums) { return sums.dividedBy(divisor); };
+    }
+};
+
+/// The same by reciprocals of the counts.
+struct MultipliedEdges {
+    [[maybe_unused]] static constexpr bool divides = false;
+
+    const q_ulong *reciprocals;
+
+    auto operator()(int count) const {
+        return [reciprocal = reciprocals[count]](const auto &sums) { return sums.times(reciprocal); };
+    }
+};
 
 /// The window of the one-directional filters and the reciprocals of the counts at its edges.
 struct ReciprocalBlur {
@@ -490,11 +814,7 @@ struct ReciprocalBlur {
             reciprocals[count] = 65536 / static_cast<q_ulong>(count);
     }
 
-    auto edgeMean() const {
-        return [this](int count) {
-            return [reciprocal = reciprocals[count]](const auto &sums) { return sums.times(reciprocal); };
-        };
-    }
+    MultipliedEdges edgeMean() const { return {reciprocals}; }
 };
 
 constexpr bool holdsWindow(int blurSize) {
@@ -527,13 +847,11 @@ void Blur_Rect(q_ulong *surface, tagRECT *rect, int pitch, int radius) {
     if (radius < 0 || width < 1 || height < 1 || radius > width / 2 || radius > height / 2)
         return;
     q_ulong *const first = pixelAt(surface, pitch, rect->left, rect->top);
-    // At the edges the mean is a true division, which the reciprocal of the middle does not always reach.
-    const auto edgeMean = [](int count) {
-        return [divisor = static_cast<q_ulong>(count)](const auto &sums) { return sums.dividedBy(divisor); };
-    };
+    const DividedEdges edgeMean;
     const SlidingWindow window = {radius, radius};
-    if (window.size() <= largestAbreast &&
-        blurInPlace<ColourSums, widestBytes>(first, pitch, width, height, window, edgeMean))
+    const Pictures inPlace = {
+        .dst = first, .dstPitch = pitch, .src = first, .srcPitch = pitch, .width = width, .height = height};
+    if (window.size() <= largestAbreast && blurInPlace<ColourSums, widestBytes>(inPlace, window, edgeMean))
         return;
     const Scratch<q_ulong> blurred(static_cast<long long>(width) * height);
     if (!blurred)

@@ -123,11 +123,14 @@ bool isFreeOfOrder(const ScaledWalk<Position> &walk, const Window &seen) {
         .isApartFrom(extentOf(walk.src, walk.srcPitch, seen));
 }
 
-/// Calls `block(begin, count)` for stretches of columns of a width.
+/// Calls `block(begin, count)` for stretches of columns of a width, all of about the same length.
 template <class Block>
-void forEachColumnBlock(int width, Block block) {
-    for (int begin = 0; begin < width; begin += mostColumns)
-        block(begin, smaller(mostColumns, width - begin));
+void forEachColumnBlock(int width, int most, Block block) {
+    constexpr int cacheLine = 64 / sizeof(q_ulong);
+    const int blocks = (width - 1) / most + 1;
+    const int length = ((width - 1) / blocks / cacheLine + 1) * cacheLine;
+    for (int begin = 0; begin < width; begin += length)
+        block(begin, smaller(length, width - begin));
 }
 
 /// The picked columns of such a stretch.
@@ -174,7 +177,7 @@ void copyNearest(const ScaledWalk<Position> &walk) {
     const Window seen = {stoodOn(walk.startX, walk.stepX, walk.width), stoodOn(walk.startY, walk.stepY, walk.height)};
     if (!isFreeOfOrder(walk, seen))
         return forEachNearest(walk, [](q_ulong &d, q_ulong s) { d = s; });
-    forEachColumnBlock(walk.width, [&](int begin, int count) {
+    forEachColumnBlock(walk.width, mostColumns, [&](int begin, int count) {
         const PickedColumns columns = pickedColumns(walk, seen.columns, begin, count);
         withWindowLoads(columns.loads(), [&](auto loads) {
             forEachShownRow(walk, [&, dstPitch = walk.dstPitch](q_ulong *dst, const q_ulong *src, Distance ahead,
@@ -195,7 +198,7 @@ void combineNearest(const ScaledWalk<Position> &walk, Operation operation) {
     if (!isFreeOfOrder(walk, seen))
         return forEachNearest(walk, [operation](q_ulong &d, q_ulong s) { d = ofOnePixel(operation, d, s); });
     q_ulong shown[mostColumns];
-    forEachColumnBlock(walk.width, [&](int begin, int count) {
+    forEachColumnBlock(walk.width, mostColumns, [&](int begin, int count) {
         const PickedColumns columns = pickedColumns(walk, seen.columns, begin, count);
         withWindowLoads(columns.loads(), [&](auto loads) {
             forEachShownRow(walk, [&](q_ulong *dst, const q_ulong *src, Distance ahead, bool isShownAgain) {
@@ -235,6 +238,8 @@ int countBefore(Distance column, Position step, int count) {
 class WeighedColumns {
 public:
     static constexpr int size = PickedColumns::size;
+    /// Two rows of so many columns and their weights leave the nearest cache room for what is read and written.
+    static constexpr int most = sumsPairs ? mostColumns / 2 : mostColumns;
 
     /// `fractionOf(x)` is how far a column stands to the right of its pixel, in sixteenths from 0 to 16.
     template <class ColumnOf, class FractionOf>
@@ -357,8 +362,8 @@ private:
 
     PickedColumns columns;
     bool areWhole;
-    std::uint64_t weights[mostColumns];
-    q_ulong rows[2][mostColumns * 2]; ///< pixels, or twice as many words
+    std::uint64_t weights[most];
+    q_ulong rows[2][most * 2]; ///< pixels, or twice as many words
 };
 
 /// Calls `store(dst pixel, channel sums)` for every pixel in the order that is promised, four taps everywhere.
@@ -383,7 +388,7 @@ bool drawFiltered(const ScaledWalk<Position> &walk, Operation operation) {
     ++seen.rows.end;
     if (!isFreeOfOrder(walk, seen))
         return false;
-    forEachColumnBlock(walk.width, [&](int begin, int count) {
+    forEachColumnBlock(walk.width, WeighedColumns::most, [&](int begin, int count) {
         const auto positionAt = [start = walk.startX.plus(walk.stepX.times(begin)), step = walk.stepX](int x) {
             return start.plus(step.times(x));
         };
@@ -410,7 +415,7 @@ bool drawFilteredInside(const ScaledWalk<Position> &walk, const tagRECT &srcRect
     seen.rows.end = smaller(seen.rows.end, lastRow) + 1;
     if (!isFreeOfOrder(walk, seen))
         return false;
-    forEachColumnBlock(walk.width, [&](int begin, int count) {
+    forEachColumnBlock(walk.width, WeighedColumns::most, [&](int begin, int count) {
         const auto positionAt = [start = walk.startX.plus(walk.stepX.times(begin)), step = walk.stepX](int x) {
             return start.plus(step.times(x));
         };
