@@ -11,6 +11,9 @@ namespace qmur {
 
 constexpr short emptyDepth = 0x7FFF;
 
+/// A depth where pixels may lie as well: the compiler keeps its reads and writes among theirs.
+using DepthEntry __attribute__((may_alias)) = short;
+
 /// Empties a rectangle of a plane that starts at pixel (0, 0). Returns 1, or 0 if there is no plane.
 ///
 /// Meant: entries are emptied in pairs, which the shifts by one bit place. An odd left starts one entry early, an odd

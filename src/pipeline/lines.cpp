@@ -1,6 +1,7 @@
 #include "base/pixel.h"
 #include "base/surface.h"
 #include "base/wide.h"
+#include "base/z_plane.h"
 #include "mesh_light.h"
 #include "q_Mur/pipeline.h"
 
@@ -29,7 +30,7 @@ int slope(int difference, int length) {
 /// The destination and its Z plane, as a line walks over them.
 struct Canvas {
     q_ulong *dst;
-    short *zBuffer;
+    DepthEntry *zBuffer;
     Distance stepAlong;
     Distance stepAcross;
     q_ulong colour;

@@ -3,6 +3,7 @@
 #include "base/channels.h"
 #include "base/sampling.h"
 #include "base/surface.h"
+#include "base/z_plane.h"
 #include "q_Mur/textured.h"
 
 namespace {
@@ -101,7 +102,7 @@ struct Scene {
 
 /// Draws the pixels of a row. A pixel that is left out keeps its colour and its depth.
 template <Mapping mapping>
-void drawRow(q_ulong *dst, short *depths, Span pixels, Running<WalkedColumn> walk, Scene scene) {
+void drawRow(q_ulong *dst, DepthEntry *depths, Span pixels, Running<WalkedColumn> walk, Scene scene) {
     constexpr int fractionBits = mapping.fractionBits;
     for (int x = pixels.begin; x < pixels.end; ++x, walk.advance()) {
         const int depth = walk.value.z >> fractionBits;
@@ -157,7 +158,7 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
     if constexpr (mapping.depth == Depth::testedBehindNearLimit)
         scene.nearLimit = data->nearLimit;
     const Distance step = asDistance(dstPitch);
-    short *const depths = testsDepth ? data->zBuffer : nullptr;
+    DepthEntry *const depths = testsDepth ? data->zBuffer : nullptr;
 
     // Where nothing wraps along the edges, what is walked stays between the corners.
     constexpr bool hasOneWidth = !walksLight || mapping.hasShortLight || mapping.red == Red::upperHalf;
@@ -174,7 +175,7 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
     const Stepped right(Edge<WalkedColumn>{corner(xR0, yR0, uR0, vR0, zR0, addR0, mulR0),
                                            corner(xR1, yR1, uR1, vR1, zR1, addR1, mulR1)});
     const auto drawColumns = [=](int y, Span columns, const Running<WalkedColumn> &walk) {
-        short *const depthRow = testsDepth ? depths + y * step : nullptr;
+        DepthEntry *const depthRow = testsDepth ? depths + y * step : nullptr;
         if (hasShortLight)
             drawRow<shortened>(dst + y * step, depthRow, columns, walk, scene);
         else

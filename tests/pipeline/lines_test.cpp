@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace {
 
 using test::Mesh;
@@ -39,6 +41,35 @@ TEST(VKD_3D_Line, a_fringe_pixel_of_weight_0_writes_its_depth_and_clears_the_top
     EXPECT_EQ(screen.surface.at(4, 3), 0xFFFFFFu) << "the fringe of full weight has no top byte";
     EXPECT_EQ(screen.surface.at(4, 4), 0xABFFFFFFu) << "the core is the colour's word";
     EXPECT_EQ(screen.surface.at(4, 5), 0xABFFFFFFu);
+}
+
+TEST(VKD_3D_Line, a_z_plane_within_the_picture_is_read_and_written_pixel_by_pixel) {
+    constexpr int row = 10, depth = 1000;
+    constexpr q_ulong colour = 0xABCDEF12;
+    test::Random random(79);
+    Screen screen(40, 24, 0);
+    for (int offset = 300; offset < 1000; ++offset) { // in depths from the picture's first pixel on
+        Surface expected = Surface::randomOfSize(random, 40, 24);
+        screen.surface = expected;
+        auto *const pixels = reinterpret_cast<char *>(expected.pixels());
+        for (int x = 3; x < 37; ++x)
+            for (const int side : {-1, 2, 0, 1}) {
+                const std::ptrdiff_t place = static_cast<std::ptrdiff_t>(row + side) * expected.pitch() + x;
+                const short drawn = depth;
+                short found = 0;
+                std::memcpy(&found, pixels + 2 * (offset + place), sizeof(found));
+                if (depth >= found)
+                    continue;
+                std::memcpy(pixels + 2 * (offset + place), &drawn, sizeof(drawn));
+                q_ulong pixel = 0;
+                std::memcpy(&pixel, pixels + 4 * place, sizeof(pixel));
+                pixel = side == 2 ? pixel & 0xFFFFFF : side == -1 ? colour & 0xFFFFFF : colour;
+                std::memcpy(pixels + 4 * place, &pixel, sizeof(pixel));
+            }
+        screen.pipeline.zBuffer = reinterpret_cast<short *>(screen.surface.pixels()) + offset;
+        line(screen, {3, row, depth, 0}, {37, row, depth, 0}, colour);
+        ASSERT_EQ(screen.surface.differenceFrom(expected), "") << offset;
+    }
 }
 
 TEST(VKD_3D_Line, the_fringe_slides_with_the_fraction) {

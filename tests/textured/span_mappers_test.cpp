@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 
 namespace {
@@ -253,6 +254,37 @@ TEST(span_mappers, right_column_and_lower_row_are_left_to_the_neighbours) {
         map(mapper, screen, bandOf(3, 2, 7, 5));
         const Surface expected = test::painted(Screen().surface, {3, 2, 7, 5}, 0x123456);
         EXPECT_EQ(screen.surface.differenceFrom(expected), "");
+    });
+}
+
+TEST(span_mappers, a_z_plane_within_the_picture_is_read_and_written_pixel_by_pixel) {
+    forMappers(&MapperKind::testsDepth, [](const Mapper &mapper) {
+        constexpr int depth = 1000;
+        constexpr q_ulong colour = 0x123456;
+        test::Random random(78);
+        Screen screen;
+        for (int offset = 60; offset < 400; ++offset) { // in depths from the picture's first pixel on
+            Surface expected = Surface::randomOfSize(random, 16, 16);
+            screen.surface = expected;
+            auto *const pixels = reinterpret_cast<char *>(expected.pixels());
+            for (int y = 4; y < 8; ++y)
+                for (int x = 2; x < 14; ++x) {
+                    const std::ptrdiff_t place = static_cast<std::ptrdiff_t>(y) * expected.pitch() + x;
+                    const short drawn = depth;
+                    short found = 0;
+                    std::memcpy(&found, pixels + 2 * (offset + place), sizeof(found));
+                    if (depth >= found)
+                        continue;
+                    std::memcpy(pixels + 4 * place, &colour, sizeof(colour));
+                    std::memcpy(pixels + 2 * (offset + place), &drawn, sizeof(drawn));
+                }
+            screen.older.zBuffer = screen.pipeline.zBuffer =
+                reinterpret_cast<short *>(screen.surface.pixels()) + offset;
+            Band band = bandOf(2, 4, 14, 8);
+            band.z = {depth};
+            map(mapper, screen, band, colour);
+            ASSERT_EQ(screen.surface.differenceFrom(expected), "") << offset;
+        }
     });
 }
 
