@@ -135,6 +135,10 @@ struct Fourth {
     static constexpr int at(int place) { return place | 3; }
 };
 
+struct Paired {
+    static constexpr int at(int place) { return place / 8 * 8 + place % 2 * 4 + place % 8 / 2; }
+};
+
 template <int first>
 struct Doubled {
     static constexpr int at(int place) { return place / 4 * 4 + first + place % 4 / 2; }
@@ -164,6 +168,11 @@ Lanes<Number, count> doubledLow(Lanes<Number, count> a) {
 template <class Number, int count>
 Lanes<Number, count> doubledHigh(Lanes<Number, count> a) {
     return detail::shuffled<detail::Doubled<2>>(a);
+}
+
+template <int count>
+Lanes<std::uint8_t, count> pairedBytes(Lanes<std::uint8_t, count> a) {
+    return detail::shuffled<detail::Paired>(a);
 }
 
 template <class Number, int count>
@@ -197,6 +206,16 @@ struct Neighbours {
 
 template <int count>
 Neighbours<count> loadNeighbours(const void *row, const std::int32_t *columns);
+
+/// Pixels and those that lie to the right of them, side by side.
+template <int count>
+struct Pairs {
+    Lanes<std::uint32_t, count> low;
+    Lanes<std::uint32_t, count> high;
+};
+
+template <int count>
+Pairs<count> loadPairs(const void *row, const std::int32_t *columns);
 
 // Per target: what no compiler makes well of plain C++.
 
@@ -818,6 +837,16 @@ void storeSixteenAt(void *first, std::ptrdiff_t stride, Vector vector) {
     std::memcpy(static_cast<char *>(first) + block * stride, &sixteen, sizeof(sixteen));
 }
 
+/// The numbers at two columns of a row, and the next ones.
+inline Longs<16> pairsAt(const void *row, const std::int32_t *columns) {
+    const auto pair = [row](std::ptrdiff_t column) {
+        std::uint64_t numbers;
+        std::memcpy(&numbers, static_cast<const char *>(row) + 4 * column, sizeof(numbers));
+        return numbers;
+    };
+    return Longs<16>{pair(columns[0]), pair(columns[1])};
+}
+
 } // namespace detail
 
 namespace detail {
@@ -883,6 +912,25 @@ template <int count>
 Lanes<std::uint32_t, count> oddLanes(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> b) {
     return detail::merged<detail::EverySecond<count, 1>>(a, b, std::make_integer_sequence<int, count>());
 }
+
+template <>
+inline Pairs<4> loadPairs<4>(const void *row, const std::int32_t *columns) {
+    return {detail::lanesOf<std::uint32_t>(detail::pairsAt(row, columns)),
+            detail::lanesOf<std::uint32_t>(detail::pairsAt(row, columns + 2))};
+}
+
+#if defined(__AVX2__) && !defined(_WIN64)
+
+template <>
+inline Pairs<8> loadPairs<8>(const void *row, const std::int32_t *columns) {
+    const auto four = [=](int lane) {
+        const auto two = [&](int first) { return reinterpret_cast<__m128i>(detail::pairsAt(row, columns + first)); };
+        return detail::lanesOf<std::uint32_t>(_mm256_set_m128i(two(lane + 4), two(lane)));
+    };
+    return {four(0), four(2)};
+}
+
+#endif
 
 template <class Result>
 Result loadSixteens(const void *first, std::ptrdiff_t stride) {
@@ -1092,6 +1140,7 @@ namespace qmur {
 using target::as;
 using target::broadcast;
 using target::loadNeighbours;
+using target::loadPairs;
 using target::loadSixteens;
 using target::registerBytes;
 using target::sumsPairs;

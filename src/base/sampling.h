@@ -164,6 +164,27 @@ inline ChannelSums fourTaps(const q_ulong *row0, const q_ulong *row1, q_ulong fx
     return as<std::uint32_t>(narrowed(twoSums(0) >> 8, twoSums(2) >> 8));
 }
 
+/// As many samples as a register holds pixels, from the same numbers but for the fractions, which are sixteenths.
+template <int count>
+[[gnu::always_inline]] inline Numbers<count> manySamples(const q_ulong *first, Distance pitch, Numbers<count> distances,
+                                                         Numbers<count> fx, Numbers<count> fy) {
+    const Spilled<count> places(distances);
+    const auto upper = loadPairs<count>(first, places.numbers);
+    const auto lower = loadPairs<count>(first + pitch, places.numbers);
+    const auto inWords = [](Numbers<count> numbers) { return numbers | numbers << 16; };
+    const Numbers<count> across = inWords((fx << 8) - fx + Numbers<count>::all(MixWeights<count>::pair(0)));
+    const Numbers<count> down = inWords(fy);
+    const auto mixed = [](Numbers<count> a, Numbers<count> b, Numbers<count> pairs, Numbers<count> weights) {
+        const auto row = [pairs](Numbers<count> pixels) {
+            return pairSums(pairedBytes(as<std::uint8_t>(pixels)), as<std::uint8_t>(pairs));
+        };
+        const auto above = row(a);
+        return ((above << 4) + (row(b) - above) * as<std::uint16_t>(weights)) >> 8;
+    };
+    return as<std::uint32_t>(narrowed(mixed(upper.low, lower.low, doubledLow(across), doubledLow(down)),
+                                      mixed(upper.high, lower.high, doubledHigh(across), doubledHigh(down))));
+}
+
 /// The two taps of one column, where there is no column to the right.
 inline ChannelSums twoTaps(q_ulong upper, q_ulong lower, q_ulong fy) {
     return ChannelSums(detail::mixedRows(channelWords(upper), channelWords(lower), fy) * Words<8>::all(16));

@@ -157,6 +157,12 @@ Lanes<Number, count> doubledHigh(Lanes<Number, count> a) {
     return Lanes<Number, count>::filled([&](int lane) { return a[lane / 4 * 4 + 2 + lane % 4 / 2]; });
 }
 
+/// The bytes of each two numbers of 32 bits, one of either in turn.
+template <int count>
+Lanes<std::uint8_t, count> pairedBytes(Lanes<std::uint8_t, count> a) {
+    return Lanes<std::uint8_t, count>::filled([&](int lane) { return a[lane / 8 * 8 + lane % 2 * 4 + lane % 8 / 2]; });
+}
+
 /// The same lanes but for one of them.
 template <int lane, class Number, int count>
 Lanes<Number, count> withLane(Lanes<Number, count> a, Number number) {
@@ -239,6 +245,28 @@ Neighbours<count> loadNeighbours(const void *row, const std::int32_t *columns) {
     };
     return {Lanes<std::uint32_t, count>::filled([=](int lane) { return at(columns[lane]); }),
             Lanes<std::uint32_t, count>::filled([=](int lane) { return at(columns[lane] + std::ptrdiff_t{1}); })};
+}
+
+/// Pixels and those that lie to the right of them, side by side.
+template <int count>
+struct Pairs {
+    Lanes<std::uint32_t, count> low;
+    Lanes<std::uint32_t, count> high;
+};
+
+/// The numbers of 32 bits at the first two of every four `columns` of a row, each followed by the next one, and those
+/// at the last two.
+template <int count>
+Pairs<count> loadPairs(const void *row, const std::int32_t *columns) {
+    const auto pairsFrom = [row, columns](int first) {
+        return Lanes<std::uint32_t, count>::filled([=](int lane) {
+            std::uint32_t number;
+            const std::ptrdiff_t column = columns[lane / 4 * 4 + first + lane % 4 / 2];
+            std::memcpy(&number, static_cast<const char *>(row) + 4 * (column + lane % 2), 4);
+            return number;
+        });
+    };
+    return {pairsFrom(0), pairsFrom(2)};
 }
 
 /// Bit `lane` is set where that lane, as a signed number, is negative.

@@ -51,9 +51,10 @@ struct TurnedSource {
 
 /// Draws a row wherever the source positions lie within their bounds. `sampling` has a source and is called with
 /// (dst pixel, u, v) from left to right or, where no order can be told, with (first dst pixel, u, v) for as many pixels
-/// side by side as its `count` says.
+/// side by side as its `count` says. What lies `nextRow` pixels further on is fetched for the row that follows.
 template <class Sampling>
-void forEachTurned(q_ulong *row, const Track &u, const Track &v, int width, const Sampling &sampling) {
+void forEachTurned(q_ulong *row, Distance nextRow, const Track &u, const Track &v, int width,
+                   const Sampling &sampling) {
     constexpr int count = Sampling::count;
     using Several = Numbers<count>;
     if (width < count || u.bounds.empty() || v.bounds.empty() || !staysIn32Bits(u.start, u.step, width) ||
@@ -73,6 +74,7 @@ void forEachTurned(q_ulong *row, const Track &u, const Track &v, int width, cons
         Several uHere = from(u);
         Several vHere = from(v);
         for (; x <= inside.end - count; x += count) {
+            willWrite(row + nextRow + x);
             sampling(row + x, uHere, vHere);
             uHere = uHere + growthU;
             vHere = vHere + growthV;
@@ -82,9 +84,9 @@ void forEachTurned(q_ulong *row, const Track &u, const Track &v, int width, cons
         sampling(row[x], u.at(x), v.at(x));
 }
 
-/// As many nearest pixels as are looked up at once: the widest registers are slower. Of filtered ones it is always
-/// four.
+/// As many pixels as are looked up at once: the widest registers are slower.
 constexpr int nearestCount = sizeof(Pixels) / sizeof(std::uint32_t);
+constexpr int filteredCount = sumsPairs ? nearestCount : 4;
 
 /// Several nearest pixels, written one after the other: where they are put together in a register first, that is what
 /// takes the time.
@@ -95,13 +97,16 @@ void copyTurned(q_ulong *to, const Source &source, Numbers<count> u, Numbers<cou
         to[lane] = source.origin[distances[lane]];
 }
 
-/// Four filtered pixels, their top bytes filtered as well.
-template <class Source>
-[[gnu::always_inline]] inline Numbers<4> filteredTurned(const Source &source, Numbers<4> u, Numbers<4> v) {
-    const auto fractionOf = [](Numbers<4> position) {
-        return position >> (Source::fractionBits - 7) & Numbers<4>::all(15 * 8);
+/// Several filtered pixels, their top bytes filtered as well.
+template <class Source, int count>
+[[gnu::always_inline]] inline Numbers<count> filteredTurned(const Source &source, Numbers<count> u, Numbers<count> v) {
+    const auto fractionOf = [](Numbers<count> position, int unit) {
+        return position >> (Source::fractionBits - 4 - unit) & Numbers<count>::all(15U << unit);
     };
-    return fourSamples(source.origin, source.pitch, source.distancesOf(u, v), fractionOf(u), fractionOf(v));
+    if constexpr (sumsPairs)
+        return manySamples(source.origin, source.pitch, source.distancesOf(u, v), fractionOf(u, 0), fractionOf(v, 0));
+    else
+        return fourSamples(source.origin, source.pitch, source.distancesOf(u, v), fractionOf(u, 3), fractionOf(v, 3));
 }
 
 /// The channel sums of one filtered pixel.

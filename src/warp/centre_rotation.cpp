@@ -152,7 +152,7 @@ void drawSpan(q_ulong *dst, Distance dstPitch, const tagRECT &clip, const EdgeCr
         return Track{wrapAdd(from << shift, wrapMultiply(skipped, step)), step, everyInt};
     };
     if (start < end)
-        forEachTurned(pixelAt(dst, dstPitch, start, a.destY), trackOf(a.sourceU, b.sourceU),
+        forEachTurned(pixelAt(dst, dstPitch, start, a.destY), dstPitch, trackOf(a.sourceU, b.sourceU),
                       trackOf(a.sourceV, b.sourceV), wrapSubtract(end, start), sampling);
 }
 
@@ -171,12 +171,12 @@ struct Nearest {
 };
 
 struct Filtered {
-    static constexpr int count = 4;
+    static constexpr int count = filteredCount;
     FilteredPositions source;
 
     void operator()(q_ulong &d, int u, int v) const { d = filteredTurned(source, u, v).pixel(); }
-    void operator()(q_ulong *first, Numbers<4> u, Numbers<4> v) const {
-        (filteredTurned(source, u, v) & Numbers<4>::all(0xFFFFFF)).store(first);
+    void operator()(q_ulong *first, Numbers<count> u, Numbers<count> v) const {
+        (filteredTurned(source, u, v) & Numbers<count>::all(0xFFFFFF)).store(first);
     }
 };
 
@@ -298,13 +298,13 @@ void mapBack(const Scene &scene, int before, int behind, const Sampling &samplin
         const Track u = {wrapAdd(wrapAdd(baseU, wrapMultiply(fromCentreY, steps.b)), steps.a), steps.a, boundsU};
         const Track v = {wrapSubtract(wrapAdd(baseV, wrapMultiply(fromCentreY, steps.d)), steps.e),
                          wrapSubtract(0, steps.e), boundsV};
-        forEachTurned(pixelAt(dst, dstPitch, columns.begin, y), u, v, columns.length(), sampling);
+        forEachTurned(pixelAt(dst, dstPitch, columns.begin, y), dstPitch, u, v, columns.length(), sampling);
     }
 }
 
 /// A source whose top bytes say how much of each pixel there is: the plain filtered colour where there is all of it.
 struct Covered {
-    static constexpr int count = 4;
+    static constexpr int count = filteredCount;
     FilteredPositions source;
 
     void operator()(q_ulong &d, int u, int v) const {
@@ -315,12 +315,12 @@ struct Covered {
         d = coverage == 255 ? filtered.pixel() : blend256(d, 255 - coverage, largest, coverage);
     }
 
-    void operator()(q_ulong *first, Numbers<4> u, Numbers<4> v) const {
-        const Numbers<4> filtered = filteredTurned(source, u, v);
-        const auto signBit = Numbers<4>::all(0x80000000);
-        const bool isWhole = lanesBelow(filtered ^ signBit, Numbers<4>::all(0xFF000000) ^ signBit) == 0;
+    void operator()(q_ulong *first, Numbers<count> u, Numbers<count> v) const {
+        const Numbers<count> filtered = filteredTurned(source, u, v);
+        const auto signBit = Numbers<count>::all(0x80000000);
+        const bool isWhole = lanesBelow(filtered ^ signBit, Numbers<count>::all(0xFF000000) ^ signBit) == 0;
         if (isWhole)
-            (filtered & Numbers<4>::all(0xFFFFFF)).store(first);
+            (filtered & Numbers<count>::all(0xFFFFFF)).store(first);
         for (int lane = 0; !isWhole && lane < count; ++lane)
             (*this)(first[lane], static_cast<int>(u[lane]), static_cast<int>(v[lane]));
     }

@@ -82,7 +82,7 @@ void forEachRotated(q_ulong *dst, Distance dstPitch, const Rotation &rotation, B
         const int rowTerm = wrapSubtract(wrapMultiply(y, inverseScale), wrapMultiply(centreY, inverseScale)) >> 8;
         const Track u = {wrapAdd(wrapMultiply(rowTerm, sine), rowStartU), stepU, boundsU};
         const Track v = {wrapSubtract(wrapMultiply(rowTerm, cosine), rowStartV), wrapSubtract(0, stepV), boundsV};
-        forEachTurned(pixelAt(dst, dstPitch, columns.begin, y), u, v, columns.length(), sampling);
+        forEachTurned(pixelAt(dst, dstPitch, columns.begin, y), dstPitch, u, v, columns.length(), sampling);
     }
 }
 
@@ -135,7 +135,7 @@ struct Nearest {
 /// The same with filtered colours.
 template <class Store, class Operation>
 struct Filtered {
-    static constexpr int count = 4;
+    static constexpr int count = filteredCount;
     TurnedSource<fractionBits, 1> source;
     Store store;
     Operation operation;

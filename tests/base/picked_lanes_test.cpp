@@ -76,6 +76,37 @@ TYPED_TEST(PickedLanes, of_neighbours_come_from_any_columns) {
     }
 }
 
+TYPED_TEST(PickedLanes, of_pairs_come_from_two_of_every_four_columns) {
+    constexpr int count = sizeof(TypeParam) / 4;
+    if constexpr (std::is_same_v<TypeParam, Numbers<count>> && sizeof(TypeParam) <= registerBytes) {
+        forEachSeed([](test::Random &random) {
+            std::uint32_t row[64];
+            for (std::uint32_t &number : row)
+                number = random.word();
+            std::int32_t columns[count];
+            for (std::int32_t &column : columns)
+                column = random.between(-10, 52);
+            const auto pairsFrom = [&](int first) {
+                return naive<std::uint32_t>(
+                    count, [&](int i) { return row[10 + columns[i / 4 * 4 + first + i % 4 / 2] + i % 2]; });
+            };
+            const auto [low, high] = loadPairs<count>(row + 10, columns);
+            ASSERT_EQ(stored(low), pairsFrom(0));
+            ASSERT_EQ(stored(high), pairsFrom(2));
+        });
+    }
+}
+
+TYPED_TEST(PickedLanes, of_two_pixels_are_paired_byte_by_byte) {
+    using Bytes = typename LanesOf<TypeParam>::template Same<std::uint8_t>;
+    forEachSeed([](test::Random &random) {
+        const Sample<Bytes> a(random);
+        constexpr int places[] = {0, 4, 1, 5, 2, 6, 3, 7};
+        ASSERT_EQ(stored(pairedBytes(a.lanes)),
+                  naive<std::uint8_t>(sizeof(Bytes), [&](int i) { return a.numbers[i / 8 * 8 + places[i % 8]]; }));
+    });
+}
+
 /// What only some targets have as instructions, and every scalar twin.
 template <class Kind>
 constexpr bool picksAndSums =
