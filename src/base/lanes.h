@@ -1030,6 +1030,14 @@ inline unsigned lanesBelow(Lanes<std::uint32_t, 8> a, Lanes<std::uint32_t, 8> b)
         _mm256_movemask_ps(_mm256_castsi256_ps(_mm256_cmpgt_epi32(detail::bits256(b), detail::bits256(a)))));
 }
 
+inline void storeWhere(unsigned lanes, Lanes<std::uint32_t, 8> a, q_ulong *to) {
+    if (lanes == 0xFF)
+        return a.store(to);
+    const __m256i bits = _mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128);
+    const __m256i chosen = _mm256_and_si256(_mm256_set1_epi32(static_cast<int>(lanes)), bits);
+    _mm256_maskstore_epi32(reinterpret_cast<int *>(to), _mm256_cmpeq_epi32(chosen, bits), detail::bits256(a));
+}
+
 inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, double factor) {
     const __m256d numbers = _mm256_cvtepi32_pd(detail::bits128(a));
     const __m256d half = _mm256_or_pd(_mm256_and_pd(numbers, _mm256_set1_pd(-0.0)), _mm256_set1_pd(0.5));
