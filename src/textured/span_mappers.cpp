@@ -1,10 +1,12 @@
 #include "span_mappers.h"
 
 #include "base/channels.h"
+#include "base/extent.h"
 #include "base/sampling.h"
 #include "base/surface.h"
 #include "base/z_plane.h"
 #include "q_Mur/textured.h"
+#include "walks/turned.h"
 
 namespace {
 
@@ -100,42 +102,144 @@ struct Scene {
     int nearLimit;
 };
 
-/// Draws the pixels of a row. A pixel that is left out keeps its colour and its depth.
+/// Draws a pixel, or leaves it out: it keeps its colour and its depth.
+template <Mapping mapping>
+void drawPixel(q_ulong &pixel, DepthEntry *entry, const WalkedColumn &column, const Scene &scene) {
+    constexpr int fractionBits = mapping.fractionBits;
+    const int depth = column.z >> fractionBits;
+    if constexpr (mapping.depth == Depth::testedBehindNearLimit) {
+        if (depth <= scene.nearLimit)
+            return;
+    }
+    if constexpr (mapping.depth != Depth::untested) {
+        if (depth >= *entry)
+            return;
+    }
+
+    const Numbers<4> whole = shiftedSigned(column.values, fractionBits);
+    const auto u = static_cast<int>(whole[0]);
+    const auto v = static_cast<int>(whole[1]);
+    const Numbers<4> mul = mapping.light == Light::flat ? scene.flatMul : broadcast<2>(whole);
+    const Numbers<4> add = mapping.light == Light::flat ? scene.flatAdd : broadcast<3>(whole);
+    if constexpr (mapping.sampling == Sampling::filtered) {
+        const q_ulong *const upper = pixelAt(scene.tex, scene.texPitch, u >> 4, v >> 4);
+        const q_ulong *const lower = upper + scene.texPitch;
+        if constexpr (mapping.key == Key::zero) {
+            if ((upper[0] | upper[1] | lower[0] | lower[1]) == 0)
+                return;
+        }
+        const ChannelSums sums = fourTaps(upper, lower, static_cast<q_ulong>(u & 15), static_cast<q_ulong>(v & 15));
+        pixel = litColour<mapping>(sums, mul, add);
+    } else {
+        const q_ulong texel = *pixelAt(scene.tex, scene.texPitch, u, v);
+        pixel = mapping.light == Light::none ? texel : litTexel<mapping>(texel, mul, add);
+    }
+    if constexpr (mapping.depth != Depth::untested)
+        *entry = static_cast<short>(depth);
+}
+
+/// Whether several pixels of a mapping can be drawn at once.
+template <Mapping mapping>
+constexpr bool drawsGroups =
+    mapping.sampling == Sampling::filtered &&mapping.light != Light::none &&mapping.key == Key::none;
+
+using Several = Numbers<filteredCount>;
+
+/// From how many pixels on a row is worth groups: four at once save less than they cost to set up.
+constexpr int groupedFrom = filteredCount > 4 ? filteredCount : 32;
+
+/// Columns side by side, each of their numbers in lanes of its own.
+struct WalkedGroup {
+    Several z;
+    Several u;
+    Several v;
+    Several mul;
+    Several add;
+
+    template <class LanesOf>
+    static WalkedGroup of(const WalkedColumn &column, LanesOf lanesOf) {
+        const Numbers<4> values = column.values;
+        return {lanesOf(static_cast<std::uint32_t>(column.z)), lanesOf(values[0]), lanesOf(values[1]),
+                lanesOf(values[2]), lanesOf(values[3])};
+    }
+    WalkedGroup operator+(const WalkedGroup &by) const {
+        return {z + by.z, u + by.u, v + by.v, mul + by.mul, add + by.add};
+    }
+};
+
+/// The lit colours of several pixels, of which none that is told by `mul` and `add` needs more than 15 bits. False if
+/// a channel is negative: it would spill over those above it.
+inline bool lightSeveral(Several &colours, Several mul, Several add) {
+    const auto inWords = [](Several numbers) { return (numbers & Several::all(0xFFFF)) | numbers << 16; };
+    // The products lie 8 bits higher than they are wanted, where their upper halves are what is.
+    const Several factors = inWords(mul << 1);
+    const Several summands = inWords(add);
+    const auto lit = [](auto channels, Several factor, Several summand) {
+        return highSignedProduct(channels << 7, as<std::uint16_t>(factor)) + as<std::uint16_t>(summand);
+    };
+    const auto bytes = as<std::uint8_t>(colours);
+    const auto low = lit(widenedLow(bytes), doubledLow(factors), doubledLow(summands));
+    const auto high = lit(widenedHigh(bytes), doubledHigh(factors), doubledHigh(summands));
+    colours = as<std::uint32_t>(narrowed(low, high)) & Several::all(0xFFFFFF);
+    // The top byte's words stand in the upper halves of the odd lanes.
+    const Several signs = Several::all(0x80008000) ^ Several::counted() << 31;
+    return lanesBelow(Several::all(0), (as<std::uint32_t>(low | high) & signs) >> 1) == 0;
+}
+
+/// Draws a row of `filteredCount` pixels or more in groups. The last one ends with the row, so that some of its pixels
+/// are drawn twice: as nothing that is drawn is read, and no depth is nearer than itself, that shows nowhere.
+template <Mapping mapping>
+void drawGroups(q_ulong *dst, DepthEntry *depths, Span pixels, const Running<WalkedColumn> &walk, const Scene &scene) {
+    constexpr int fractionBits = mapping.fractionBits;
+    constexpr unsigned all = (1U << filteredCount) - 1;
+    const auto constant = [](std::uint32_t number) { return Several::all(number); };
+    const auto rising = [](std::uint32_t step) { return timesIndex(Several::all(step)); };
+    const WalkedGroup offsets = WalkedGroup::of(walk.step, rising);
+    const WalkedGroup step = WalkedGroup::of(walk.step * filteredCount, constant);
+    WalkedGroup group = WalkedGroup::of(walk.value, constant) + offsets;
+    const TurnedSource<fractionBits + 4, 1> source = {scene.tex, scene.texPitch};
+    for (int x = pixels.begin;;) {
+        unsigned drawn = all;
+        const Several z = shiftedSigned(group.z, fractionBits);
+        if constexpr (mapping.depth != Depth::untested) {
+            Several found;
+            loadSignedWhere(all, depths + x, found);
+            drawn = lanesBelow(z, found);
+        }
+        if constexpr (mapping.depth == Depth::testedBehindNearLimit)
+            drawn &= lanesBelow(Several::all(static_cast<std::uint32_t>(scene.nearLimit)), z);
+        if (drawn != 0) {
+            Several colours = filteredTurned(source, group.u, group.v);
+            const bool isFlat = mapping.light == Light::flat;
+            if (lightSeveral(colours, isFlat ? Several::all(scene.flatMul[0]) : shiftedSigned(group.mul, fractionBits),
+                             isFlat ? Several::all(scene.flatAdd[0]) : shiftedSigned(group.add, fractionBits))) {
+                storeWhere(drawn, colours, dst + x);
+                if constexpr (mapping.depth != Depth::untested)
+                    storeLowWhere(drawn, z, depths + x);
+            } else {
+                for (int lane = 0; lane < filteredCount; ++lane)
+                    drawPixel<mapping>(dst[x + lane], depths ? depths + x + lane : nullptr,
+                                       walk.value + walk.step * (x + lane - pixels.begin), scene);
+            }
+        }
+        const int left = pixels.end - x - filteredCount;
+        if (left >= filteredCount) {
+            x += filteredCount;
+            group = group + step;
+        } else if (left > 0) {
+            x += left;
+            group = WalkedGroup::of(walk.value + walk.step * (x - pixels.begin), constant) + offsets;
+        } else {
+            break;
+        }
+    }
+}
+
+/// Draws the pixels of a row.
 template <Mapping mapping>
 void drawRow(q_ulong *dst, DepthEntry *depths, Span pixels, Running<WalkedColumn> walk, Scene scene) {
-    constexpr int fractionBits = mapping.fractionBits;
-    for (int x = pixels.begin; x < pixels.end; ++x, walk.advance()) {
-        const int depth = walk.value.z >> fractionBits;
-        if constexpr (mapping.depth == Depth::testedBehindNearLimit) {
-            if (depth <= scene.nearLimit)
-                continue;
-        }
-        if constexpr (mapping.depth != Depth::untested) {
-            if (depth >= depths[x])
-                continue;
-        }
-
-        const Numbers<4> whole = shiftedSigned(walk.value.values, fractionBits);
-        const auto u = static_cast<int>(whole[0]);
-        const auto v = static_cast<int>(whole[1]);
-        const Numbers<4> mul = mapping.light == Light::flat ? scene.flatMul : broadcast<2>(whole);
-        const Numbers<4> add = mapping.light == Light::flat ? scene.flatAdd : broadcast<3>(whole);
-        if constexpr (mapping.sampling == Sampling::filtered) {
-            const q_ulong *const upper = pixelAt(scene.tex, scene.texPitch, u >> 4, v >> 4);
-            const q_ulong *const lower = upper + scene.texPitch;
-            if constexpr (mapping.key == Key::zero) {
-                if ((upper[0] | upper[1] | lower[0] | lower[1]) == 0)
-                    continue;
-            }
-            const ChannelSums sums = fourTaps(upper, lower, static_cast<q_ulong>(u & 15), static_cast<q_ulong>(v & 15));
-            dst[x] = litColour<mapping>(sums, mul, add);
-        } else {
-            const q_ulong texel = *pixelAt(scene.tex, scene.texPitch, u, v);
-            dst[x] = mapping.light == Light::none ? texel : litTexel<mapping>(texel, mul, add);
-        }
-        if constexpr (mapping.depth != Depth::untested)
-            depths[x] = static_cast<short>(depth);
-    }
+    for (int x = pixels.begin; x < pixels.end; ++x, walk.advance())
+        drawPixel<mapping>(dst[x], mapping.depth == Depth::untested ? nullptr : depths + x, walk.value, scene);
 }
 
 /// The one walk of all mappers. What a mapping does not use stands still at 0, and the compiler leaves it out.
@@ -174,8 +278,36 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
                                           corner(xL1, yL1, uL1, vL1, zL1, addL1, mulL1)});
     const Stepped right(Edge<WalkedColumn>{corner(xR0, yR0, uR0, vR0, zR0, addR0, mulR0),
                                            corner(xR1, yR1, uR1, vR1, zR1, addR1, mulR1)});
+    // Where no value wraps either, the texels that are seen lie between those of the corners.
+    bool isGrouped = false;
+    if constexpr (drawsGroups<mapping>) {
+        constexpr int mostLight = smaller(1 << 14, 1 << (30 - mapping.fractionBits));
+        const Window window = windowOf(*clip);
+        const int widest = larger(wrapSubtract(xR0, xL0), wrapSubtract(xR1, xL1));
+        if (widest >= groupedFrom && !window.empty() &&
+            allWithin(1 << (29 - mapping.fractionBits), xL0, xL1, xR0, xR1) && allWithin(1 << 29, yL0, yL1, yR0, yR1) &&
+            allWithin(1 << (30 - mapping.fractionBits), uL0, uL1, uR0, uR1, vL0, vL1, vR0, vR1) &&
+            allWithin(mostLight, mulL0, mulL1, mulR0, mulR1, addL0, addL1, addR0, addR1) &&
+            allWithin(0x7FFF, static_cast<int>(scene.texPitch))) {
+            const auto seen = [](int a, int b, int c, int d) {
+                return Span{smaller(smaller(a, b), smaller(c, d)) >> 4, (larger(larger(a, b), larger(c, d)) >> 4) + 2};
+            };
+            const Extent texels =
+                extentOf(scene.tex, scene.texPitch, {seen(uL0, uL1, uR0, uR1), seen(vL0, vL1, vR0, vR1)});
+            const Extent pixels = extentOf(dst, step, window);
+            isGrouped = pixels.isApartFrom(texels);
+            if constexpr (testsDepth) {
+                const Extent entries = extentOf(data->zBuffer, step, window);
+                isGrouped = isGrouped && entries.isApartFrom(pixels) && entries.isApartFrom(texels);
+            }
+        }
+    }
     const auto drawColumns = [=](int y, Span columns, const Running<WalkedColumn> &walk) {
         DepthEntry *const depthRow = testsDepth ? depths + y * step : nullptr;
+        if constexpr (drawsGroups<mapping>) {
+            if (isGrouped && columns.length() >= groupedFrom)
+                return drawGroups<shortened>(dst + y * step, depthRow, columns, walk, scene);
+        }
         if (hasShortLight)
             drawRow<shortened>(dst + y * step, depthRow, columns, walk, scene);
         else
