@@ -93,7 +93,7 @@ def words_text(words, type_name):
     return ", ".join(str(word - (1 << 32) if word >> 31 else word) for word in words)
 
 
-def argument_of_call(argument, value):
+def argument_of_call(argument, value, reads_beyond):
     """What stands in the call, and what has to be declared for it."""
     name, type_name = argument["name"], argument["type"]
     base = type_name.replace("const", "").replace("*", "").replace("&", "").strip()
@@ -120,11 +120,26 @@ def argument_of_call(argument, value):
         if base in ("int", "float", "q_ulong") and count == 1:
             return "&" + name, f"{base} {name} = {words_text(value['words'], base)};"
         return name, f"{base} {name}[] = {{{words_text(value['words'], base)}}};"
-    if argument["kind"] in ("destination", "source", "scratch", "plane"):
-        return name, f"{base} *{name}; // {value['width']} x {value['height']} {unit_text(argument)}"
     if argument["kind"] == "host record":
         return name, f"{base} *{name};"
-    return name, f"{base} *{name}; // {value['width'] * value['height']} words"
+    return memory_of_call(argument, value, base, reads_beyond and argument["kind"] == "source")
+
+
+SIZES_OF_TYPES = {"q_ulong": 4, "int": 4, "float": 4, "short": 2, "unsigned char": 1}
+
+
+def memory_of_call(argument, value, base, is_beyond):
+    """As play.js declares it: a vector of its own, or a pointer to what only the host can know."""
+    name, width, height, pitch = argument["name"], value["width"], value["height"], value["pitch"]
+    what = f"{width} words"
+    if height > 1:
+        rows = f", {pitch} from row to row" if pitch != width else ""
+        kind = "pixels" if value["bytes"] == 4 else "elements"
+        what = f"{width} x {height} {kind}{rows}{', and a row beyond' if is_beyond else ''}"
+    if SIZES_OF_TYPES.get(base) != value["bytes"] or pitch < width:
+        return name, f"{base} *{name}; // {what}"
+    count = f"{pitch} * {height + is_beyond}" if height > 1 else width
+    return f"{name}.data()", f"std::vector<{base}> {name}({count}); // {what}"
 
 
 def unit_text(argument):
@@ -134,7 +149,7 @@ def unit_text(argument):
 def call_of(function, picture):
     lines, passed = [], []
     for argument, value in zip(function["arguments"], picture["values"]):
-        text, declared = argument_of_call(argument, value)
+        text, declared = argument_of_call(argument, value, function["lookup"] == "filtered")
         passed.append(text)
         if declared:
             lines.append(declared)
@@ -330,6 +345,7 @@ def search_entry(function):
         "page": page_of(function),
         "picture": function["picture"]["file"],
         "sentence": function["sentence"],
+        "draws": function["drawsPixels"],
         "words": " ".join([function["group"], WORDS["subsystems"][function["subsystem"]], *function["aliases"], *words]).lower(),
         "text": re.sub(r"[\s`\\]+", " ", function["text"]).lower(),
         "group": re.sub(r"[\s`\\]+", " ", function["groupText"]).lower(),
@@ -358,6 +374,7 @@ def played_row(function, picture):
         "plainName": plain_name(function),
         "sentence": function["sentence"],
         "result": function["result"],
+        "readsBeyond": function["lookup"] == "filtered",
         "moves": picture["frames"] > 1,
         "isLoop": picture["isLoop"],
         "arguments": [{"unit": "", "of": "", **{key: a[key] for key in said if key in a}} for a in function["arguments"]],
@@ -427,7 +444,7 @@ def write_pages(catalogue, pictures, directory, module=None):
                   relatives=relatives_of(function, functions),
                   play=module and is_played(function) and played_row(function, function["picture"]))
         write(f"subsystem-{subsystem['name']}.html", "subsystem.html", subsystem=subsystem, groups=groups)
-    write("index.html", "index.html", has_reference=(directory / "reference" / "files.html").exists())
+    write("index.html", "index.html", tries=WORDS["tries"], has_reference=(directory / "reference" / "files.html").exists())
     index = {"functions": [search_entry(function) for function in functions], "intents": WORDS["intents"]}
     (directory / "index.js").write_text(f"const gallery = {json.dumps(index, separators=(',', ':'))};\n", encoding="utf-8")
     for name in ("style.css", "search.js"):

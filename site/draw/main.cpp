@@ -49,7 +49,10 @@ Json valueOf(const Value &value) {
     const Plane &plane = value.plane();
     if (plane.isNull())
         return nullptr;
-    Json json = {{"width", plane.width()}, {"height", plane.height()}, {"bytes", plane.elementBytes()}};
+    Json json = {{"width", plane.width()},
+                 {"height", plane.height()},
+                 {"bytes", plane.elementBytes()},
+                 {"pitch", plane.pitch()}};
     if (plane.height() == 1 && plane.elementBytes() == 1)
         json["text"] = plane.as<const char>();
     if (plane.height() == 1 && plane.width() <= mostWords && plane.elementBytes() == 4) {
