@@ -10,6 +10,7 @@ import argparse
 import base64
 import collections
 import gzip
+import itertools
 import json
 import pathlib
 import re
@@ -273,17 +274,34 @@ class Texts:
         return re.sub(r"\*\*(.+?)\*\*", r"<strong>\1</strong>", re.sub(r"(?<!\*)\*([\w-]+)\*(?!\*)", r"<em>\1</em>", html))
 
     def paragraphs(self, text):
+        """Paragraphs, lists and tables, of which a comment has the simplest forms of Markdown."""
         html = []
         for block in re.split(r"\n\s*\n", text.strip()):
-            for part in re.split(r"\n?(?=\\(?:param|return)\b)", block):
-                flat = re.sub(r"\s+", " ", part).strip()
-                match = re.match(r"\\param (\w+) (.*)", flat)
-                if match:
-                    flat = f"`{match.group(1)}`: {match.group(2)}"
-                flat = re.sub(r"^\\return (\w)", lambda m: f"Returns {m.group(1)}", flat)
-                if flat:
-                    html.append(f"<p>{self.inline(flat)}</p>")
+            # A list's points and a table's rows begin lines of their own, and what follows a point belongs to it.
+            for kind, parts in itertools.groupby(re.split(r"\n(?=- |\d+\. |\|[^\n]*\|(?:\n|$)|\\(?:param|return)\b)", block), kind_of_part):
+                html += self.of_kind(kind, [re.sub(r"\s+", " ", part).strip() for part in parts])
         return markupsafe.Markup("\n".join(html))
+
+    def of_kind(self, kind, parts):
+        if kind in ("ul", "ol"):
+            points = "".join(f"<li>{self.inline(part.partition(' ')[2])}</li>" for part in parts)
+            return [f"<{kind}>{points}</{kind}>"]
+        if kind == "table":
+            rows = [[self.inline(cell.strip()) for cell in part.strip("|").split("|")] for part in parts if part.strip("|- ")]
+            head, *body = ["".join(f"<td>{cell}" for cell in row) for row in rows]
+            lines = "".join(f"<tr>{row}</tr>" for row in body)
+            return [f'<div class="wide"><table><thead><tr>{head.replace("<td>", "<th>")}</tr></thead><tbody>{lines}</tbody></table></div>']
+        said = [re.sub(r"^\\param (\w+) ", r"`\1`: ", part) for part in parts if part]
+        said = [re.sub(r"^\\return (\w)", lambda match: f"Returns {match.group(1)}", part) for part in said]
+        return [f"<p>{self.inline(part)}</p>" for part in said]
+
+
+def kind_of_part(part):
+    if re.match(r"- ", part):
+        return "ul"
+    if re.match(r"\d+\. ", part):
+        return "ol"
+    return "table" if re.fullmatch(r"\|.*\|", part.strip()) else "p"
 
 
 # Relatives
@@ -406,6 +424,13 @@ def write_playground(module, directory):
 # Pages
 
 
+def shown_first(functions, count=4):
+    """Some of a subsystem's functions, from its beginning to its end, that draw if there are enough."""
+    drawing = [function for function in functions if function["drawsPixels"] and function["picture"]["changes"]]
+    chosen = drawing if len(drawing) >= count else functions
+    return [chosen[(2 * i + 1) * len(chosen) // (2 * count)] for i in range(count)]
+
+
 def write_pages(catalogue, pictures, directory, module=None):
     pictures = {" ".join(filter(None, [p["name"], p["overload"]])): p for p in pictures}
     functions = []
@@ -423,7 +448,7 @@ def write_pages(catalogue, pictures, directory, module=None):
         undefined=jinja2.StrictUndefined)
     texts = Texts(functions)
     environment.filters.update(paragraphs=texts.paragraphs, inline=lambda text: markupsafe.Markup(texts.inline(text)))
-    environment.globals.update(title_of=lambda name: WORDS["subsystems"][name], full_name=full_name, page_of=page_of,
+    environment.globals.update(shown_first=shown_first, title_of=lambda name: WORDS["subsystems"][name], full_name=full_name, page_of=page_of,
                                subsystems=catalogue["subsystems"], count=len(functions))
 
     def write(page, template, **values):

@@ -72,8 +72,10 @@ double distance(const Plane &a, const Plane &b) {
     return sum / (3.0 * a.width() * a.height());
 }
 
-/// Where what a row is for is its clip, what is drawn reaches beyond it.
+/// Where what a row is for is its clip, what is drawn reaches beyond it. A text is to be read.
 bool showsItsClip(const Row &row) {
+    if (row.argument("fontName"))
+        return false;
     return row.sentence.find("clip") != std::string_view::npos || row.name.find("Safe") != std::string_view::npos;
 }
 void cut(Call &call, const Stage &stage) {

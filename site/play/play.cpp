@@ -107,8 +107,8 @@ Passed passedAs(const Value &value, Kind kind) {
 /// Directions, which have no unit, are none: a lamp stays where it is when what it lights is turned.
 bool arePointsInSpace(const Row &row, std::size_t argument, const Value &value) {
     return row.arguments[argument].kind == Kind::points && row.arguments[argument].unit != "1" &&
-           row.functions.types[argument] == Type::reals && value.is<Plane>() && !value.plane().isNull() && value.plane().height() == 1 &&
-           value.plane().width() % 4 == 0;
+           row.functions.types[argument] == Type::reals && value.is<Plane>() && !value.plane().isNull() &&
+           value.plane().height() == 1 && value.plane().width() % 4 == 0;
 }
 
 bool hasTopBytes(const Plane &plane) {
