@@ -657,6 +657,8 @@ class Playground {
         const canvas = isDirect ? this.view : this.picture;
         resize(canvas, picture.width, picture.height);
         canvas.getContext("2d").putImageData(picture, 0, 0);
+        // A picture that stands upright is as high as the window allows beside its controls.
+        this.view.style.maxWidth = this.zoom ? "" : `${Math.round(32 * picture.width / picture.height)}rem`;
         if (this.isFigure)
             this.showFigure();
         if (this.zoom)
