@@ -428,7 +428,7 @@ class Playground(unittest.TestCase):
                         page.state.turn = turn;
                         page.library.q.turn(...turn);
                         page.draw();
-                        const { data } = page.view.getContext("2d").getImageData(0, 0, page.view.width, page.view.height);
+                        const { data } = page.library.picture;
                         whites.push(new Uint32Array(data.buffer).filter((pixel) => pixel === 0xffffffff).length / data.length * 4);
                     }
                     return [before, light(), whites];""")
