@@ -318,6 +318,9 @@ bool Play::draw() {
     values.clear();
     for (std::size_t i = 0; i < run.front().size(); ++i)
         values.push_back(passedAs(run.front()[i], played->arguments[i].kind));
+    for (std::size_t i = 0; i < values.size(); ++i)
+        if (values[i].form == Passed::Form::words)
+            values[i].numbers.resize(static_cast<std::size_t>(wordsOf(run.front(), i)));
     count = static_cast<int>(run.size());
     words.clear();
     std::srand(seedAt(where.time));
