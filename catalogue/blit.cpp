@@ -785,7 +785,8 @@ std::vector<Row> otherRows() {
                        number("fontHeight", "pixels", anyInt, {40, 40}), orNull(text("fontName", "name of a face"))},
          .writes = on("dst", textBox), .reads = readsText, .topByte = cleared, .fractions = notCounted,
          .arrange = chooseText, .scenes = {{.set = writeLine, .figures = 1, .figure = "texts"}},
-         .waived = {{"places_are_bounded_by_clips_alone", "of the clip the size counts alone"}}},
+         .waived = {{"places_are_bounded_by_clips_alone", "of the clip the size counts alone"}},
+         .picture = Scene{.set = inTurn(writeLine, set("fontHeight", 32))}},
         {Q_MUR_FUNCTION(i3DBltNear32), .sentence = "Does nothing.", .figure = Figure::nothing},
     };
 }

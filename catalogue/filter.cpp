@@ -316,6 +316,7 @@ Row lightMap(Row row) {
     row.reads = readsSearched;
     row.arrange = arrangeMask;
     row.scenes = {{.set = setShape, .figures = 1, .figure = "maps"}};
+    row.figure = Figure::relief;
     row.waived = {{"every_place_and_size_over_a_small_surface", "rows are searched to the ends of their pitch"},
                   {"pictures_stored_bottom_up", "rows are searched to the ends of their pitch"}};
     return row;

@@ -239,6 +239,7 @@ enum class Figure {
     matrix,       ///< a cube that a matrix or a block's matrices bring to the screen
     projection,   ///< a cube as a block's viewport and focal length bring it to the screen
     depths,       ///< a Z plane
+    relief,       ///< a picture under the light map that the calls make
     storage,      ///< what a private block points to
     record,       ///< the host's record with its slots
     tables,       ///< the tables of sines and cosines

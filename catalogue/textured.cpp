@@ -401,12 +401,12 @@ void setCorner(Call &call, std::size_t corner, const Plane &points, const Plane 
 }
 
 /// A quad, or the half of it, that turns and leans.
-void setPolygon(Call &call, const Stage &stage, const Mode &mode, double share = 0.75) {
+void setPolygon(Call &call, const Stage &stage, const Mode &mode, double share = 0.75, double size = 1) {
     const double turn = 0.6 * stage.time;
     const Plane points = Plane::array<Point>(4, [&](int i) {
         const double angle = turn + quarterTurn * i + 3.9269908;
-        return Point{static_cast<float>(stage.width * (0.5 + 0.55 * std::cos(angle))),
-                     static_cast<float>(stage.height * (0.5 + 0.6 * std::sin(angle))), 0, 0};
+        return Point{static_cast<float>(stage.width * (0.5 + 0.55 * size * std::cos(angle))),
+                     static_cast<float>(stage.height * (0.5 + 0.6 * size * std::sin(angle))), 0, 0};
     });
     const int right = static_cast<int>(stage.width * mode.unitsOfPixel * share);
     const int bottom = static_cast<int>(stage.height * mode.unitsOfPixel * share);
@@ -479,7 +479,7 @@ Row ofPolygon(std::size_t corners, std::size_t modeCount, Row row) {
     row.arrange = arrangePolygon;
     row.scenes = polygonScenes(std::span(modes).first(modeCount), isQuad);
     row.picture = Scene{.set = [](Call &call, const Stage &stage) {
-        setPolygon(call, stage, {plain::litMode, 16, ""}, 0.95);
+        setPolygon(call, stage, {plain::litMode, 16, ""}, 0.95, 0.75);
     }};
     return row;
 }

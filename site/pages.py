@@ -10,6 +10,7 @@ import argparse
 import base64
 import collections
 import gzip
+import itertools
 import json
 import pathlib
 import re
@@ -93,7 +94,7 @@ def words_text(words, type_name):
     return ", ".join(str(word - (1 << 32) if word >> 31 else word) for word in words)
 
 
-def argument_of_call(argument, value):
+def argument_of_call(argument, value, reads_beyond):
     """What stands in the call, and what has to be declared for it."""
     name, type_name = argument["name"], argument["type"]
     base = type_name.replace("const", "").replace("*", "").replace("&", "").strip()
@@ -120,11 +121,26 @@ def argument_of_call(argument, value):
         if base in ("int", "float", "q_ulong") and count == 1:
             return "&" + name, f"{base} {name} = {words_text(value['words'], base)};"
         return name, f"{base} {name}[] = {{{words_text(value['words'], base)}}};"
-    if argument["kind"] in ("destination", "source", "scratch", "plane"):
-        return name, f"{base} *{name}; // {value['width']} x {value['height']} {unit_text(argument)}"
     if argument["kind"] == "host record":
         return name, f"{base} *{name};"
-    return name, f"{base} *{name}; // {value['width'] * value['height']} words"
+    return memory_of_call(argument, value, base, reads_beyond and argument["kind"] == "source")
+
+
+SIZES_OF_TYPES = {"q_ulong": 4, "int": 4, "float": 4, "short": 2, "unsigned char": 1}
+
+
+def memory_of_call(argument, value, base, is_beyond):
+    """As play.js declares it: a vector of its own, or a pointer to what only the host can know."""
+    name, width, height, pitch = argument["name"], value["width"], value["height"], value["pitch"]
+    what = f"{width} words"
+    if height > 1:
+        rows = f", {pitch} from row to row" if pitch != width else ""
+        kind = "pixels" if value["bytes"] == 4 else "elements"
+        what = f"{width} x {height} {kind}{rows}{', and a row beyond' if is_beyond else ''}"
+    if SIZES_OF_TYPES.get(base) != value["bytes"] or pitch < width:
+        return name, f"{base} *{name}; // {what}"
+    count = f"{pitch} * {height + is_beyond}" if height > 1 else width
+    return f"{name}.data()", f"std::vector<{base}> {name}({count}); // {what}"
 
 
 def unit_text(argument):
@@ -134,7 +150,7 @@ def unit_text(argument):
 def call_of(function, picture):
     lines, passed = [], []
     for argument, value in zip(function["arguments"], picture["values"]):
-        text, declared = argument_of_call(argument, value)
+        text, declared = argument_of_call(argument, value, function["lookup"] == "filtered")
         passed.append(text)
         if declared:
             lines.append(declared)
@@ -258,17 +274,34 @@ class Texts:
         return re.sub(r"\*\*(.+?)\*\*", r"<strong>\1</strong>", re.sub(r"(?<!\*)\*([\w-]+)\*(?!\*)", r"<em>\1</em>", html))
 
     def paragraphs(self, text):
+        """Paragraphs, lists and tables, of which a comment has the simplest forms of Markdown."""
         html = []
         for block in re.split(r"\n\s*\n", text.strip()):
-            for part in re.split(r"\n?(?=\\(?:param|return)\b)", block):
-                flat = re.sub(r"\s+", " ", part).strip()
-                match = re.match(r"\\param (\w+) (.*)", flat)
-                if match:
-                    flat = f"`{match.group(1)}`: {match.group(2)}"
-                flat = re.sub(r"^\\return (\w)", lambda m: f"Returns {m.group(1)}", flat)
-                if flat:
-                    html.append(f"<p>{self.inline(flat)}</p>")
+            # A list's points and a table's rows begin lines of their own, and what follows a point belongs to it.
+            for kind, parts in itertools.groupby(re.split(r"\n(?=- |\d+\. |\|[^\n]*\|(?:\n|$)|\\(?:param|return)\b)", block), kind_of_part):
+                html += self.of_kind(kind, [re.sub(r"\s+", " ", part).strip() for part in parts])
         return markupsafe.Markup("\n".join(html))
+
+    def of_kind(self, kind, parts):
+        if kind in ("ul", "ol"):
+            points = "".join(f"<li>{self.inline(part.partition(' ')[2])}</li>" for part in parts)
+            return [f"<{kind}>{points}</{kind}>"]
+        if kind == "table":
+            rows = [[self.inline(cell.strip()) for cell in part.strip("|").split("|")] for part in parts if part.strip("|- ")]
+            head, *body = ["".join(f"<td>{cell}" for cell in row) for row in rows]
+            lines = "".join(f"<tr>{row}</tr>" for row in body)
+            return [f'<div class="wide"><table><thead><tr>{head.replace("<td>", "<th>")}</tr></thead><tbody>{lines}</tbody></table></div>']
+        said = [re.sub(r"^\\param (\w+) ", r"`\1`: ", part) for part in parts if part]
+        said = [re.sub(r"^\\return (\w)", lambda match: f"Returns {match.group(1)}", part) for part in said]
+        return [f"<p>{self.inline(part)}</p>" for part in said]
+
+
+def kind_of_part(part):
+    if re.match(r"- ", part):
+        return "ul"
+    if re.match(r"\d+\. ", part):
+        return "ol"
+    return "table" if re.fullmatch(r"\|.*\|", part.strip()) else "p"
 
 
 # Relatives
@@ -330,6 +363,7 @@ def search_entry(function):
         "page": page_of(function),
         "picture": function["picture"]["file"],
         "sentence": function["sentence"],
+        "draws": function["drawsPixels"],
         "words": " ".join([function["group"], WORDS["subsystems"][function["subsystem"]], *function["aliases"], *words]).lower(),
         "text": re.sub(r"[\s`\\]+", " ", function["text"]).lower(),
         "group": re.sub(r"[\s`\\]+", " ", function["groupText"]).lower(),
@@ -358,6 +392,7 @@ def played_row(function, picture):
         "plainName": plain_name(function),
         "sentence": function["sentence"],
         "result": function["result"],
+        "readsBeyond": function["lookup"] == "filtered",
         "moves": picture["frames"] > 1,
         "isLoop": picture["isLoop"],
         "arguments": [{"unit": "", "of": "", **{key: a[key] for key in said if key in a}} for a in function["arguments"]],
@@ -389,6 +424,13 @@ def write_playground(module, directory):
 # Pages
 
 
+def shown_first(functions, count=4):
+    """Some of a subsystem's functions, from its beginning to its end, that draw if there are enough."""
+    drawing = [function for function in functions if function["drawsPixels"] and function["picture"]["changes"]]
+    chosen = drawing if len(drawing) >= count else functions
+    return [chosen[(2 * i + 1) * len(chosen) // (2 * count)] for i in range(count)]
+
+
 def write_pages(catalogue, pictures, directory, module=None):
     pictures = {" ".join(filter(None, [p["name"], p["overload"]])): p for p in pictures}
     functions = []
@@ -406,7 +448,7 @@ def write_pages(catalogue, pictures, directory, module=None):
         undefined=jinja2.StrictUndefined)
     texts = Texts(functions)
     environment.filters.update(paragraphs=texts.paragraphs, inline=lambda text: markupsafe.Markup(texts.inline(text)))
-    environment.globals.update(title_of=lambda name: WORDS["subsystems"][name], full_name=full_name, page_of=page_of,
+    environment.globals.update(shown_first=shown_first, title_of=lambda name: WORDS["subsystems"][name], full_name=full_name, page_of=page_of,
                                subsystems=catalogue["subsystems"], count=len(functions))
 
     def write(page, template, **values):
@@ -427,7 +469,7 @@ def write_pages(catalogue, pictures, directory, module=None):
                   relatives=relatives_of(function, functions),
                   play=module and is_played(function) and played_row(function, function["picture"]))
         write(f"subsystem-{subsystem['name']}.html", "subsystem.html", subsystem=subsystem, groups=groups)
-    write("index.html", "index.html", has_reference=(directory / "reference" / "files.html").exists())
+    write("index.html", "index.html", tries=WORDS["tries"], has_reference=(directory / "reference" / "files.html").exists())
     index = {"functions": [search_entry(function) for function in functions], "intents": WORDS["intents"]}
     (directory / "index.js").write_text(f"const gallery = {json.dumps(index, separators=(',', ':'))};\n", encoding="utf-8")
     for name in ("style.css", "search.js"):

@@ -473,6 +473,26 @@ Plane depthsAfter(const Row &row, const Scene &scene, double time) {
     });
 }
 
+/// A picture that a light map is laid over as hosts do it.
+Plane reliefAfter(const Row &row, const Scene &scene, double time) {
+    Call call = callAt(row, scene, time);
+    row.functions.library(call)();
+    const Plane &map = call["surface"].plane();
+    const Plane picture = Stage{map.width(), map.height(), time}.picture(1);
+    const bool hasBytes = row.name == "ConvertSrc2LightInfom";
+    return picture.fill(picture.rect(), [&](int x, int y) {
+        const q_ulong word = map.at(x, y), before = picture.at(x, y);
+        if (word == 0)
+            return before;
+        const q_ulong light = hasBytes ? word & 0xFF : word & 0xFFFF, whole = hasBytes ? 255 : 279;
+        const q_ulong highlight = hasBytes ? word >> 8 & 0xFF : word >> 16;
+        q_ulong lit = 0;
+        for (const int shift : {16, 8, 0})
+            lit = lit << 8 | std::min<q_ulong>((before >> shift & 0xFF) * light / whole + highlight, 255);
+        return lit;
+    });
+}
+
 /// What a block points to.
 void drawStorage(const Sheet &sheet, const Row &row, const Scene &scene, double time) {
     Call call = callAt(row, scene, time);
@@ -712,6 +732,8 @@ Plane figureOf(const Row &row, const Scene &scene, double time) {
         break;
     case Figure::depths:
         return depthsAfter(row, scene, time);
+    case Figure::relief:
+        return reliefAfter(row, scene, time);
     case Figure::storage:
         drawStorage(sheet, row, scene, time);
         break;

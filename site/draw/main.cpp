@@ -34,8 +34,8 @@ using Json = nlohmann::ordered_json;
 constexpr int millisecondsOfFrame = 90;
 
 /// What an argument is in a call: numbers as they are, memory by its shape, small arrays by the bits of their words.
-Json valueOf(const Value &value) {
-    constexpr int mostWords = 16;
+Json valueOf(const Call &call, std::size_t argument) {
+    const Value &value = call[argument];
     if (value.is<double>())
         return std::isfinite(value.number()) ? Json(value.number()) : Json(nullptr);
     if (value.is<tagRECT>()) {
@@ -49,12 +49,15 @@ Json valueOf(const Value &value) {
     const Plane &plane = value.plane();
     if (plane.isNull())
         return nullptr;
-    Json json = {{"width", plane.width()}, {"height", plane.height()}, {"bytes", plane.elementBytes()}};
+    Json json = {{"width", plane.width()},
+                 {"height", plane.height()},
+                 {"bytes", plane.elementBytes()},
+                 {"pitch", plane.pitch()}};
     if (plane.height() == 1 && plane.elementBytes() == 1)
         json["text"] = plane.as<const char>();
-    if (plane.height() == 1 && plane.width() <= mostWords && plane.elementBytes() == 4) {
+    if (const int words = wordsOf(call, argument)) {
         json["words"] = Json::array();
-        for (int i = 0; i < plane.width(); ++i) {
+        for (int i = 0; i < words; ++i) {
             std::uint32_t word;
             std::memcpy(&word, plane.as<std::uint32_t>() + i, 4);
             json["words"].push_back(word);
@@ -66,7 +69,7 @@ Json valueOf(const Value &value) {
 Json valuesOf(const Call &call) {
     Json json = Json::array();
     for (std::size_t i = 0; i < call.size(); ++i)
-        json.push_back(valueOf(call[i]));
+        json.push_back(valueOf(call, i));
     return json;
 }
 

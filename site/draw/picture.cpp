@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 
 namespace gallery {
 
@@ -72,8 +73,10 @@ double distance(const Plane &a, const Plane &b) {
     return sum / (3.0 * a.width() * a.height());
 }
 
-/// Where what a row is for is its clip, what is drawn reaches beyond it.
+/// Where what a row is for is its clip, what is drawn reaches beyond it. A text is to be read.
 bool showsItsClip(const Row &row) {
+    if (row.argument("fontName"))
+        return false;
     return row.sentence.find("clip") != std::string_view::npos || row.name.find("Safe") != std::string_view::npos;
 }
 void cut(Call &call, const Stage &stage) {
@@ -111,6 +114,27 @@ std::vector<Call> callsUntil(const Row &row, const Scene &scene, const Stage &st
     calls = catalogue::sceneCalls(row, scene, stage);
     calls.erase(calls.begin() + std::max(1, static_cast<int>(std::lround(stage.time * scene.calls))), calls.end());
     return calls;
+}
+
+int wordsOf(const Call &call, std::size_t argument) {
+    constexpr int most = 16;
+    if (!call[argument].is<Plane>() || call[argument].plane().isNull())
+        return 0;
+    const Plane &plane = call[argument].plane();
+    if (plane.height() != 1 || plane.width() > most || plane.elementBytes() != 4)
+        return 0;
+    int count = plane.width();
+    while (count > 0 && !plane.holds({0, 0, count, 1}))
+        --count;
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        if (i == argument || !call[i].is<Plane>() || call[i].plane().isNull())
+            continue;
+        const auto *const next = static_cast<const char *>(call[i].plane().origin());
+        const auto *const own = static_cast<const char *>(plane.origin());
+        if (std::less<>()(own, next) && std::less<>()(next, own + std::ptrdiff_t{4} * count))
+            count = static_cast<int>((next - own) / 4);
+    }
+    return count;
 }
 
 Drawn drawn(const Row &row, const Scene &scene, double time) {

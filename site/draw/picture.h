@@ -27,6 +27,10 @@ constexpr unsigned seedAt(double time) {
 }
 
 /// A scene at a time from 0 to 1, drawn by the library.
+/// How many words of a small array of a call are an argument's own: those before the next argument's in the same
+/// memory, as points of one polygon stand behind each other. 0 for what is none.
+int wordsOf(const catalogue::Call &call, std::size_t argument);
+
 struct Drawn {
     catalogue::Plane picture;           ///< its margins are none of it
     std::vector<catalogue::Call> calls; ///< as they were before they ran; one but for scenes of several calls

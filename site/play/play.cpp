@@ -104,10 +104,11 @@ Passed passedAs(const Value &value, Kind kind) {
         Form::memory, {1.0 * plane.width(), 1.0 * plane.height(), 1.0 * plane.elementBytes(), 1.0 * plane.pitch()}, {}};
 }
 
+/// Directions, which have no unit, are none: a lamp stays where it is when what it lights is turned.
 bool arePointsInSpace(const Row &row, std::size_t argument, const Value &value) {
-    return row.arguments[argument].kind == Kind::points && row.functions.types[argument] == Type::reals &&
-           value.is<Plane>() && !value.plane().isNull() && value.plane().height() == 1 &&
-           value.plane().width() % 4 == 0;
+    return row.arguments[argument].kind == Kind::points && row.arguments[argument].unit != "1" &&
+           row.functions.types[argument] == Type::reals && value.is<Plane>() && !value.plane().isNull() &&
+           value.plane().height() == 1 && value.plane().width() % 4 == 0;
 }
 
 bool hasTopBytes(const Plane &plane) {
@@ -317,6 +318,9 @@ bool Play::draw() {
     values.clear();
     for (std::size_t i = 0; i < run.front().size(); ++i)
         values.push_back(passedAs(run.front()[i], played->arguments[i].kind));
+    for (std::size_t i = 0; i < values.size(); ++i)
+        if (values[i].form == Passed::Form::words)
+            values[i].numbers.resize(static_cast<std::size_t>(wordsOf(run.front(), i)));
     count = static_cast<int>(run.size());
     words.clear();
     std::srand(seedAt(where.time));

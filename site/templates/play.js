@@ -142,9 +142,18 @@ function bare(type) {
     return type.replace("const", "").replace(/[*&]/g, "").trim();
 }
 
-function elementsText(argument, [width, height, bytes, pitch]) {
-    const rows = pitch === width ? "" : `, ${pitch} from row to row`;
-    return height > 1 ? `${width} x ${height} ${bytes === 4 ? "pixels" : "elements"}${rows}` : `${width} words`;
+const sizesOfTypes = { q_ulong: 4, int: 4, float: 4, short: 2, "unsigned char": 1 };
+
+/** Memory as C++ declares it: a vector of its own, or a pointer to what only the host can know. */
+function memoryText(argument, [width, height, bytes, pitch]) {
+    const type = bare(argument.type);
+    const isBeyond = argument.kind === "source" && row.readsBeyond && height > 1;
+    const rows = (pitch === width ? "" : `, ${pitch} from row to row`) + (isBeyond ? ", and a row beyond" : "");
+    const what = height > 1 ? `${width} x ${height} ${bytes === 4 ? "pixels" : "elements"}${rows}` : `${width} words`;
+    if (sizesOfTypes[type] !== bytes || pitch < width)
+        return { line: `${type} *${argument.name}; // ${what}`, text: argument.name };
+    const count = height > 1 ? `${pitch} * ${height + isBeyond}` : width;
+    return { line: `std::vector<${type}> ${argument.name}(${count}); // ${what}`, text: `${argument.name}.data()` };
 }
 
 const names = {
@@ -191,8 +200,9 @@ const writers = {
             return argument.name;
         },
         memory: (argument, numbers, lines) => {
-            lines.push(`${bare(argument.type)} *${argument.name}; // ${elementsText(argument, numbers)}`);
-            return argument.name;
+            const { line, text } = memoryText(argument, numbers);
+            lines.push(line);
+            return text;
         },
         block: (argument, numbers, lines) => {
             lines.push(`${bare(argument.type)} *${argument.name}; // made once`);
@@ -647,6 +657,8 @@ class Playground {
         const canvas = isDirect ? this.view : this.picture;
         resize(canvas, picture.width, picture.height);
         canvas.getContext("2d").putImageData(picture, 0, 0);
+        // A picture that stands upright is as high as the window allows beside its controls.
+        this.view.style.maxWidth = this.zoom ? "" : `${Math.round(32 * picture.width / picture.height)}rem`;
         if (this.isFigure)
             this.showFigure();
         if (this.zoom)

@@ -5,58 +5,79 @@
 const field = document.querySelector("#search input");
 const found = document.querySelector("#found");
 const page = document.querySelector("#page");
-const tooCommon = new Set(["a", "an", "and", "at", "by", "for", "from", "i", "in", "into", "is", "it", "of", "on", "or", "the", "to", "with", "want"]);
+const tooCommon = new Set(["a", "an", "and", "at", "by", "do", "for", "from", "how", "i", "in", "into", "is", "it", "its", "my", "of", "on", "or", "the", "to", "want", "with"]);
+// What all functions do with all they work on says nothing about one of them.
+const saidOfAll = new Set(["draw", "function", "image", "images", "make", "paint", "photo", "photograph", "photos", "picture", "pictures", "show", "two"]);
 
 // The longest first: "no bleed at the edge" before "no bleed".
 const phrases = Object.entries(gallery.intents)
     .filter(([intent]) => intent.includes(" "))
     .sort(([a], [b]) => b.length - a.length);
 
-/** What is asked for: alternatives for each word or phrase of the question. */
+/** Forms of a word, as it stands first: "filled" is found in "fills". */
+function formsOf(word) {
+    const stem = word.replace(/(ing|ed|es|s|e)$/, "");
+    return stem.length > 3 && stem !== word ? [word, stem] : [word];
+}
+
+/** What is asked for: each word or phrase of the question, and by which words it is looked for, the best first. */
 function wishes(question) {
-    let rest = question.toLowerCase().trim();
+    let rest = ` ${question.toLowerCase().replace(/[\s,;.?!]+/g, " ").trim()} `;
     const all = [];
     for (const [intent, words] of phrases) {
-        if (rest.includes(intent)) {
+        if (rest.includes(` ${intent} `)) {
             rest = rest.replace(intent, " ");
-            all.push([intent, ...words]);
+            all.push({ asked: intent, isIntent: true, words: [...words, intent] });
         }
     }
-    for (const word of rest.split(/[\s,;]+/)) {
-        if (word && !tooCommon.has(word))
-            all.push([word, ...(gallery.intents[word] || gallery.intents[word.replace(/(s|ing|ed)$/, "")] || [])]);
+    const words = rest.split(" ").filter((word) => word && !tooCommon.has(word));
+    const telling = words.filter((word) => !saidOfAll.has(word));
+    for (const asked of telling.length || all.length ? telling : words) {
+        const intent = [asked, asked.replace(/(s|ing|ed)$/, ""), asked.replace(/(ing|ed)$/, "e")].find((each) => Object.hasOwn(gallery.intents, each));
+        all.push({ asked, isIntent: Boolean(intent), words: [...(gallery.intents[intent] ?? []), ...formsOf(asked)] });
     }
     return all;
 }
 
-/** How well a word is met by a text: where it stands at the beginning of a word, better. */
+/** How well a word is met by a text: as a word or a form of it, as the beginning of one, or within one. */
 function met(text, word) {
-    const at = text.indexOf(word);
-    if (at < 0)
+    if (!text.includes(word))
         return 0;
-    return new RegExp("(^|[^a-z0-9])" + word.replace(/[^a-z0-9 ]/g, "\\$&")).test(text) ? 1 : 0.3;
+    const plain = word.replace(/[^a-z0-9 ]/g, "\\$&");
+    if (new RegExp(`(^|[^a-z0-9])${plain}(s|es|d|ed|ing)?($|[^a-z0-9])`).test(text))
+        return 1;
+    return new RegExp(`(^|[^a-z0-9])${plain}`).test(text) ? 0.5 : 0.2;
 }
 
-function score(entry, wish) {
+function score(entry, { asked, isIntent, words }) {
     const name = entry.name.toLowerCase();
-    let best = name === wish[0] ? 100 : name.startsWith(wish[0]) ? 40 : name.includes(wish[0]) ? 20 : 0;
-    wish.forEach((word, index) => {
-        const share = 1 / (1 + index * 0.25);
-        const parts = met(entry.sentence.toLowerCase(), word) * 12 + met(entry.words, word) * 8 + met(entry.text, word) * 4 +
+    let best = name === asked ? 100 : name.startsWith(asked) ? 40 : name.includes(asked) ? (isIntent ? 10 : 20) : 0;
+    words.forEach((word, index) => {
+        const share = 1 / (1 + index * 0.4);
+        const parts = met(entry.sentence.toLowerCase(), word) * (word.includes(" ") ? 24 : 12) + met(entry.words, word) * 8 + met(entry.text, word) * 4 +
             met(entry.group, word) * (word.includes(" ") ? 30 : 2);
         best = Math.max(best, parts * share);
     });
     return best;
 }
 
-/** The functions that meet a question, the best first. */
+/** The functions that meet a question, the best first. A wish that few of them meet counts for more, what draws too. */
 function search(question) {
-    const all = wishes(question);
+    const scores = wishes(question).map((wish) => {
+        let each = gallery.functions.map((entry) => score(entry, wish));
+        if (each.every((one) => one === 0)) { // "sunbeam" is looked for as sun and beam
+            const within = Object.keys(gallery.intents).filter((intent) => intent.length > 2 && wish.asked.includes(intent));
+            const words = within.flatMap((intent) => gallery.intents[intent]);
+            each = gallery.functions.map((entry) => score(entry, { ...wish, words }));
+        }
+        const weight = Math.log(1 + gallery.functions.length / (1 + each.filter((one) => one > 0).length));
+        return each.map((one) => one * weight);
+    });
     return gallery.functions
-        .map((entry) => {
-            const scores = all.map((wish) => score(entry, wish));
-            const isAll = scores.every((one) => one > 0);
-            return { entry, score: scores.reduce((sum, one) => sum + one, 0) * (isAll ? 3 : 1) };
+        .map((entry, index) => {
+            const own = scores.map((each) => each[index]);
+            const isAll = own.every((one) => one > 0);
+            return { entry, score: own.reduce((sum, one) => sum + one, 0) * (isAll ? 3 : 1) * (entry.draws ? 1 : 0.6) };
         })
         .filter((one) => one.score > 0)
         .sort((a, b) => b.score - a.score)

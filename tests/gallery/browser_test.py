@@ -6,6 +6,7 @@ usage: browser_test.py Q_MUR_CATALOGUE Q_MUR_GALLERY_DRAW
 """
 
 import pathlib
+import re
 import shutil
 import sys
 import tempfile
@@ -13,7 +14,9 @@ import unittest
 
 import site_maker
 
-site_maker.need(jinja2="Jinja", selenium="Selenium")
+site_maker.need(jinja2="Jinja", selenium="Selenium", tomllib="Python 3.11")
+
+import tomllib  # noqa: E402
 
 from selenium import webdriver  # noqa: E402
 from selenium.webdriver.chrome.service import Service  # noqa: E402
@@ -24,6 +27,12 @@ MEASURE = """
 const wide = [document.documentElement.scrollWidth, document.body.scrollWidth, innerWidth];
 const broken = [...document.images].filter((image) => image.complete && !image.naturalWidth && image.src);
 return [Math.max(...wide), broken.map((image) => image.src), document.querySelectorAll("h1").length];
+"""
+TYPE = """
+const field = document.querySelector("#search input");
+field.value = arguments[0];
+field.dispatchEvent(new Event("input"));
+return [...document.querySelectorAll("#found .card strong")].map((name) => name.textContent);
 """
 FAULTY = """<!doctype html><link rel="icon" href="data:,"><h1>Faulty</h1><img src="missing.webp">
 <div style="width: 500px">wide</div><script>nothing.there();</script>"""
@@ -101,6 +110,27 @@ class Browser(unittest.TestCase):
             with self.subTest(question):
                 found = self.found(question)
                 self.assertEqual(names - set(found[:12]), set(), found)
+
+    def test_what_strangers_type_is_found(self):
+        intents = tomllib.loads((pathlib.Path(__file__).parent / "intents.toml").read_text(encoding="utf-8"))
+        self.assertGreaterEqual(len(intents), 25)
+        self.open("index.html")
+        for question, names in intents.items():
+            with self.subTest(question):
+                first = [name.split()[0] for name in self.browser.execute_script(TYPE, question)[:5]]
+                self.assertTrue(set(first) & set(names), first)
+
+    def test_the_words_of_the_guide_find_what_it_names(self):
+        guide = (site_maker.ROOT / "docs" / "guide.md").read_text(encoding="utf-8")
+        rows = re.findall(r"^\| ([^|]+) \| (`[^|]+) \|$", guide[guide.index("## I want to"):], re.MULTILINE)
+        self.assertGreater(len(rows), 25)
+        self.open("index.html")
+        for words, functions in rows:
+            names = set(re.findall(r"`(\w+)`", functions))
+            for word in words.split(", "):
+                with self.subTest(word):
+                    first = [name.split()[0] for name in self.browser.execute_script(TYPE, word)[:5]]
+                    self.assertTrue(set(first) & names, first)
 
     def test_a_question_in_the_address_is_answered(self):
         self.open("index.html", "?q=bubble")

@@ -11,6 +11,7 @@ import functools
 import json
 import pathlib
 import random
+import re
 import shutil
 import struct
 import subprocess
@@ -26,6 +27,8 @@ site_maker.need(jinja2="Jinja", selenium="Selenium", tomllib="Python 3.11")
 
 import browser_test  # noqa: E402
 from site_maker import pages  # noqa: E402
+
+ROOT = site_maker.ROOT
 
 # Neither letters nor files: what they need is not in a page.
 NOT_PLAYED = {"iTextOut", "LoadBitmap24"}
@@ -120,6 +123,36 @@ const done = arguments[arguments.length - 1];
     }
     done(report);
 })().catch((fault) => done({ fault: String(fault?.stack ?? fault) }));
+"""
+
+# What a stranger writes around a call that he has copied.
+HOST = """#include <cstdio>
+#include <q_Mur.h>
+#include <vector>
+
+constexpr int width = 400, height = 225;
+
+/// A photograph brought to the surface's size as the page does it, by its nearest pixels.
+void load(std::vector<q_ulong> &surface, int columns, int rows, int pitch, const char *name) {
+    std::vector<q_ulong> photograph(width * height);
+    std::FILE *file = std::fopen(name, "rb");
+    if (std::fread(photograph.data(), 4, photograph.size(), file) != photograph.size())
+        std::printf("%s is too short\\n", name);
+    std::fclose(file);
+    for (int y = 0; y < rows; ++y)
+        for (int x = 0; x < columns; ++x)
+            surface[y * pitch + x] = photograph[y * height / rows * width + x * width / columns];
+}
+
+int main() {
+    Init_qMur_GlobalData(nullptr, nullptr);
+DECLARATIONS
+LOADING
+CALL
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            std::printf("%06X\\n", SHOWN[PITCH * y + x] & 0xFFFFFF);
+}
 """
 
 
@@ -237,10 +270,10 @@ class Playground(unittest.TestCase):
                 return document.querySelector("#call").textContent;
             });""")
         self.assertEqual(calls[0].splitlines(), [
-            "q_ulong *dst; // 400 x 225 pixels, 416 from row to row",
-            "q_ulong *src; // 400 x 225 pixels, 416 from row to row",
+            "std::vector<q_ulong> dst(416 * 225); // 400 x 225 pixels, 416 from row to row",
+            "std::vector<q_ulong> src(416 * 225); // 400 x 225 pixels, 416 from row to row",
             "tagRECT rect = {10, 20, 400, 225};",
-            "iBltFast32Alpha(dst, src, 0, 0, &rect, 416, 416, 0.3F);"])
+            "iBltFast32Alpha(dst.data(), src.data(), 0, 0, &rect, 416, 416, 0.3F);"])
         self.assertEqual(calls[1].splitlines(), [
             "import { load } from 'q_mur';", "const q = await load();", "",
             "const dst = q.surface(400, 225);", "const src = q.surface(400, 225);",
@@ -286,6 +319,52 @@ class Playground(unittest.TestCase):
         self.assertEqual(self.native([{**state, "pictures": [{"argument": 1, "width": 400, "height": 225, "pixels": pixels}]}]),
                          [state["checksum"]])
         self.assertNotEqual(self.native([{**state, "pictures": []}]), [state["checksum"]])
+
+    def test_a_copied_call_draws_the_same_pixels_in_a_host(self):
+        library = next(pathlib.Path(self.programs[0]).parents[1].rglob("libq_Mur.so"), None)
+        compiler = shutil.which("c++")
+        if not library or not compiler:
+            self.skipTest("no compiler, or no library, for this machine")
+        chosen = random.Random(2)
+        for name, address in {"iBltFast32Alpha": "#time=0.5&alpha=0.35&rect=10&rect.1=20",
+                              "Edge_Transparency_Circle": "#time=0.4&band=30",
+                              "iBltNear32_Z_Roto": "#time=0.7&scale=0.8"}.items():
+            with self.subTest(name), tempfile.TemporaryDirectory() as directory:
+                site = pathlib.Path(directory)
+                self.open(self.named(name), address)
+                self.run_script("page.draw();")
+                inputs = self.browser.find_elements("css selector", '.controls input[type="file"]')
+                for i, element in enumerate(inputs):
+                    pixels = [chosen.getrandbits(24) for _ in range(400 * 225)]
+                    (site / f"{i}.png").write_bytes(png_of(400, 225, [0xFF000000 | pixel for pixel in pixels]))
+                    (site / f"{i}.raw").write_bytes(struct.pack(f"={len(pixels)}I", *pixels))
+                    element.send_keys(str(site / f"{i}.png"))
+                call, shown = self.run_script("""
+                    for (let i = 0; i < 100 && page.state.pictures.size < arguments[0]; ++i)
+                        await new Promise((go) => setTimeout(go, 50));
+                    for (const [index, name] of page.state.pictures)
+                        await page.givePicture(index, name);
+                    page.draw();
+                    const { data } = page.view.getContext("2d").getImageData(0, 0, 400, 225);
+                    const hex = (number) => number.toString(16).toUpperCase().padStart(2, "0");
+                    const rows = [];
+                    for (let i = 0; i < data.length; i += 4)
+                        rows.push(hex(data[i]) + hex(data[i + 1]) + hex(data[i + 2]));
+                    return [document.querySelector("#call").textContent, rows];""", len(inputs))
+                lines = call.rstrip().splitlines()
+                begin = next(i for i, line in enumerate(lines) if line.startswith(name + "("))
+                surfaces = re.findall(r"std::vector<q_ulong> (\w+)\((\d+) \* \d+\); // (\d+) x (\d+)", call)
+                self.assertEqual(len(surfaces), len(inputs))
+                host = HOST.replace("DECLARATIONS", "\n".join(lines[:begin])).replace("CALL", "\n".join(lines[begin:]))
+                host = host.replace("SHOWN", surfaces[0][0]).replace("PITCH", surfaces[0][1])
+                host = host.replace("LOADING", "\n".join(f'load({surface}, {columns}, {rows}, {pitch}, "{i}.raw");'
+                                                         for i, (surface, pitch, columns, rows) in enumerate(surfaces)))
+                (site / "host.cpp").write_text(host, encoding="utf-8")
+                subprocess.run([compiler, "-std=c++20", f"-I{ROOT / 'include'}", "host.cpp", str(library),
+                                f"-Wl,-rpath,{library.parent}", "-o", "host"], cwd=site, check=True)
+                drawn = subprocess.run(["./host"], cwd=site, stdout=subprocess.PIPE, text=True, check=True).stdout.split()
+                self.assertEqual(drawn, shown)
+                self.assertGreater(len(set(drawn)), 1000)
 
     def test_pixels_are_read_out_at_every_size(self):
         self.open(self.named("iBltFast32"), "#time=0.5")
@@ -335,6 +414,26 @@ class Playground(unittest.TestCase):
         after, link = self.run_script("page.draw(); return [page.library.text(page.library.q.checksum()), location.hash];")
         self.assertNotEqual(before, after)
         self.assertIn("turned=", link)
+
+    def test_a_lamp_stays_where_a_mesh_is_turned(self):
+        for name in ("Render_Texture_3D", "VKD_Render_3D_Surface"):
+            with self.subTest(name):
+                self.open(self.named(name), "#time=0.5")
+                before, after, whites = self.run_script("""
+                    const light = () => document.querySelector("#call").textContent.match(/light = .*/)[0];
+                    page.draw();
+                    const before = light();
+                    const whites = [];
+                    for (const turn of [[0, 0], [0.7, 0], [1.4, 0.5], [2.4, 0], [3, -1]]) {
+                        page.state.turn = turn;
+                        page.library.q.turn(...turn);
+                        page.draw();
+                        const { data } = page.library.picture;
+                        whites.push(new Uint32Array(data.buffer).filter((pixel) => pixel === 0xffffffff).length / data.length * 4);
+                    }
+                    return [before, light(), whites];""")
+                self.assertEqual(before, after)
+                self.assertLessEqual(max(whites), whites[0] + 0.05)
 
     def test_a_large_scene_moves(self):
         self.open(self.named("iBltFast32"), "#time=0&size=1280x720")

@@ -5,7 +5,7 @@ usage: sources_test.py CHECK [--build DIRECTORY]
 
     format         clang-format would change nothing
     plain_text     line ends, white space and indentation as .editorconfig wants them
-    links          links in Markdown files lead to files that are there
+    links          links in Markdown files lead to files and headings that are there
     cmake, json, python, shell
                    files of each kind parse
     doc_comments   clang -Wdocumentation is silent about the headers
@@ -89,12 +89,25 @@ def plain_text_faults():
             yield f"{path}: is indented with tabs"
 
 
+def anchors_of(text):
+    """What headings are called in links to them."""
+    headings = re.findall(r"^#+ (.*)$", text, re.MULTILINE)
+    return {re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings}
+
+
 def links_faults():
+    def prose(path):
+        return re.sub(r"```.*?```", "", path.read_text(encoding="utf-8"), flags=re.DOTALL)
+
     for path in sources("*.md"):
-        text = re.sub(r"```.*?```", "", path.read_text(encoding="utf-8"), flags=re.DOTALL)
-        for target in re.findall(r"\]\(([^)#\s]+)", text):
-            if "://" not in target and not (path.parent / target).exists():
+        for target, anchor in re.findall(r"\]\(([^)#\s]*)#?([^)\s]*)", prose(path)):
+            file = path.parent / target if target else path
+            if "://" in target:
+                continue
+            if not file.exists():
                 yield f"{path}: {target} is not there"
+            elif anchor and anchor not in anchors_of(prose(file)):
+                yield f"{path}: {target} has no heading {anchor}"
 
 
 def cmake_faults():
