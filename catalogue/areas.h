@@ -111,6 +111,30 @@ inline Region operator+(Region first, Region second) {
         [first = std::move(first), second = std::move(second)](const Call &call) { return first(call) + second(call); };
 }
 
+constexpr std::string_view beyondFormat = "{srcRect} is beyond the format of source positions";
+
+/// Forbids that what a call writes is touched by it through another argument, too, unless one surface serves as both
+/// pixel on pixel, where that is allowed.
+inline Row apart(Row row, bool mayBeTheSame = false) {
+    const auto isApart = [mayBeTheSame](const Call &call) {
+        const Areas written = call.row().writes(call);
+        const Areas all = written + call.row().reads(call);
+        for (const Area &area : written)
+            for (const Area &other : all) {
+                const Plane *plane = call[area.argument].surface();
+                const Plane *otherPlane = call[other.argument].surface();
+                const bool matters = plane && otherPlane && other.argument != area.argument && !other.isAtMost &&
+                                     !(mayBeTheSame && plane->origin() == otherPlane->origin());
+                if (matters && plane->meets(area.part, *otherPlane, other.part))
+                    return false;
+            }
+        return true;
+    };
+    row.overlap = Overlap::notPromised;
+    row.rules.push_back({"surfaces that must be apart lie over each other", isApart});
+    return row;
+}
+
 /// Several steps made into one, of a call's arrangement or of a scene. Steps may be empty.
 template <class... Steps>
 auto inTurn(Steps... steps) {

@@ -63,9 +63,19 @@ Laid aroundCentre(const Call &call) {
     const tagRECT rect = call["srcRect"].rect();
     const int halfWidth = widthOf(rect) >> 1;
     const int halfHeight = heightOf(rect) >> 1;
+    const auto bottom = static_cast<q_long>(plain::signed32(rect.top + 2LL * halfHeight - rowsLeftOut));
     return laidAt(call, std::int64_t{call["centreX"].whole()} - halfWidth,
                   std::int64_t{call["centreY"].whole()} - halfHeight,
-                  {rect.left, rect.top, rect.left + 2 * halfWidth, rect.top + 2 * halfHeight - rowsLeftOut});
+                  {rect.left, rect.top, rect.left + 2 * halfWidth, bottom});
+}
+
+/// The squares are added in 32 bits.
+bool diagonalIsWithinFormat(const Call &call) {
+    const Box rect = call["srcRect"].rect();
+    constexpr std::int64_t end = std::int64_t{1} << 31;
+    constexpr std::int64_t most = 46340; // whose square is below the end
+    return std::max(std::abs(rect.width()), std::abs(rect.height())) <= most &&
+           rect.width() * rect.width() + rect.height() * rect.height() < end;
 }
 
 /// Cut to half the source's diagonal.
@@ -131,10 +141,10 @@ Region filtered(PositionFormat format, IsDrawn isDrawn = anySource) {
 /// Where the source has pixels its last column and row stand in for what lies behind them.
 Region filteredInside(PositionFormat format, IsDrawn isDrawn = anySource) {
     return on("src", [=](const Call &call) {
-        const tagRECT src = call["srcRect"].rect();
+        const Box src = call["srcRect"].rect();
         Box box = seen(call, format, isDrawn, 1);
-        box.right -= box.right == src.right + 1 && widthOf(src) > 0;
-        box.bottom -= box.bottom == src.bottom + 1 && heightOf(src) > 0;
+        box.right -= box.right == src.right + 1 && src.width() > 0;
+        box.bottom -= box.bottom == src.bottom + 1 && src.height() > 0;
         return box;
     });
 }
@@ -142,20 +152,33 @@ Region filteredInside(PositionFormat format, IsDrawn isDrawn = anySource) {
 /// Nothing below the last row, and nothing to its right where no pixel at least comes behind.
 Box filteredAbove(const Call &call) {
     const tagRECT src = call["srcRect"].rect();
-    const int right = static_cast<int>(src.left) + std::max(widthOf(src), 1);
-    const int bottom = static_cast<int>(src.top) + std::max(heightOf(src), 1);
+    const std::int64_t right = src.left + std::max<std::int64_t>(widthOf(src), 1);
+    const std::int64_t bottom = src.top + std::max<std::int64_t>(heightOf(src), 1);
     Box box = seen(call, unsigned12_20, anySource, 1);
     box.bottom -= box.bottom == bottom + 1;
-    if (box.bottom == bottom && box.right == right + 1 && call["src"].plane().pitch() < widthOf(src) + 2)
+    if (box.bottom == bottom && box.right == right + 1 && call["src"].plane().pitch() < widthOf(src) + 2LL)
         --box.right;
     return box;
 }
 
-Box adaptively(const Call &call) {
+bool sizesAreEqual(const Call &call) {
     const tagRECT dst = call["dstRect"].rect();
     const tagRECT src = call["srcRect"].rect();
-    const bool sizesAreEqual = widthOf(dst) == widthOf(src) && heightOf(dst) == heightOf(src);
-    return sizesAreEqual ? Box(src) : filteredAbove(call);
+    return widthOf(dst) == widthOf(src) && heightOf(dst) == heightOf(src);
+}
+Box adaptively(const Call &call) {
+    return sizesAreEqual(call) ? Box(call["srcRect"].rect()) : filteredAbove(call);
+}
+
+/// Positions hold the source, wherever something is drawn.
+bool sourceIsWithinFormat(const Call &call) {
+    const Box source = call["srcRect"].rect();
+    const std::int64_t end = call.row().positions->end();
+    const auto holds = [end](std::int64_t extent) { return extent < end && extent >= -end; };
+    return (holds(source.width()) && holds(source.height())) || call.row().writes(call).front().part.isEmpty();
+}
+bool isCopiedOrWithinFormat(const Call &call) {
+    return sizesAreEqual(call) || sourceIsWithinFormat(call);
 }
 
 // Rectangles in sixteenths of a pixel.
@@ -629,8 +652,9 @@ std::vector<Row> scalingRows() {
                 .arrange = inTurn(keepUpright, tightenSometimes), .waived = {unfilteredBottomUp}}),
         scaled({Q_MUR_FUNCTION(iBltAdaptive32),
                 .sentence = "Scales a rectangle onto another: filtered where it grows by half, else nearest pixel.",
-                .reads = on("src", adaptively), .topByte = copied, .sums = stayInside, .fractions = cutOff,
-                .uniform = stays, .lookup = Lookup::filtered, .positions = unsignedBits(12, 20),
+                .reads = on("src", adaptively), .meant = {{beyondFormat, isCopiedOrWithinFormat}}, .topByte = copied,
+                .sums = stayInside, .fractions = cutOff, .uniform = stays, .lookup = Lookup::filtered,
+                .positions = unsignedBits(12, 20),
                 .arrange = inTurn(keepUpright, tightenSometimes, matchSizesSometimes), .waived = {unfilteredBottomUp},
                 .looksLike = "Where the area grows by half or more it is `iBltBilinear32Safe()`."}),
         {Q_MUR_FUNCTION(iBltPerfect32),
@@ -696,6 +720,7 @@ std::vector<Row> additiveRows() {
               .sentence = "Adds a rectangle around a centre, within half its diagonal, without the pixels that are 0.",
               .arguments = destination() + pitch("dstPitch", "dst") + source() + pitch("srcPitch", "src") +
                            clip("clipRect", "dst") + srcRect + centreInSlide,
+              .rules = {{"{srcRect} has a diagonal of 46341 pixels or more", diagonalIsWithinFormat}},
               .topByte = cleared, .sums = saturate, .lookup = Lookup::nearest, .arrange = inTurn(centre, punchHoles),
               .pixelOnPixel = drawWhole, .scenes = {ofSprite},
               .looksLike = "Placed by its centre, and clipped, what `iBltFast32_KeySrc_Add()` adds by its corner."},
@@ -799,6 +824,8 @@ std::vector<Row> blitRows() {
         for (Row &row : family()) {
             if (row.argument("src")) // all blits run rows top to bottom and pixels left to right
                 row.overlap = Overlap::rowOrder;
+            if (row.positions && row.meant.empty())
+                row.meant = {{beyondFormat, sourceIsWithinFormat}};
             rows.push_back(std::move(row));
         }
     return rows;

@@ -344,6 +344,8 @@ void arrangeEllipse(Call &call, Random &random) {
     const int top = random.between(-20, 20);
     call["box"] = tagRECT{left, top, left + random.between(-2, 30), top + random.between(-2, 30)};
 }
+const Rule isWithinFormat = {"{box} is 2048 pixels wide or wider, beyond the format of positions",
+                             [](const Call &call) { return Box(call["box"].rect()).width() < 2048; }};
 /// Its box in the middle grows wide and flat.
 Row ellipse(Row row) {
     row.arguments = surface + itsPitch + itsClip + rectangle("box", "surface") + row.arguments;
@@ -626,7 +628,7 @@ std::vector<Row> drawRows() {
         ellipse({Q_MUR_FUNCTION(Draw_Outer_Ellipse_NoFillInside),
                  .sentence = "Draws the outline of the ellipse through the corners of a box.",
                  .arguments = {thicknessWithin(anyInt), colour()}, .writes = on("surface", "clip"),
-                 .topByte = setByColour, .arrange = chooseWhole({"thickness"}, -1, 20)}),
+                 .meant = {isWithinFormat}, .topByte = setByColour, .arrange = chooseWhole({"thickness"}, -1, 20)}),
         mixed(ellipse({Q_MUR_FUNCTION(Draw_Outer_Ellipse_AlphaFast),
                        .sentence = "Fills the ellipse through the corners of a box at half strength.",
                        .arguments = {unused("unused"), colour()}, .writes = clipAndColumn, .topByte = cleared,

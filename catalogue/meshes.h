@@ -143,7 +143,8 @@ inline Areas writesPairs(const Call &call) {
     const std::int64_t rows = std::int64_t{rect.bottom} - rect.top;
     if (!call["data"].surface() || pairs == 0 || rows == 0)
         return {};
-    if (pairs < 0 || rows < 0) // read without a sign: far too many
+    constexpr std::int64_t mostRows = 1 << 20;
+    if (pairs < 0 || rows < 0 || rows > mostRows) // far too many; less than none are read without a sign
         return {{"data", {0, 0, std::int64_t{1} << 32, 1}}};
     Areas areas;
     for (std::int64_t row = 0; row < rows; ++row) {

@@ -62,9 +62,20 @@ int currentDepth(const Call &call) {
     const _PRIVATE_QMGL_DATA &data = dataOf(call);
     return data.matrixMode == 1 ? data.modelDepth : data.viewDepth;
 }
-const Rule stackHasRoom = {"the current stack holds no further matrix", [](const Call &call) {
-                               return currentStack(call).holds(words("", 16 * (currentDepth(call) + 2)).part);
-                           }};
+/// Whether a stack holds its top, or so many entries above it.
+bool isHeld(const Plane &stack, std::int64_t depth, int above = 0) {
+    return depth >= 0 && stack.holds({16 * depth, 0, 16 * (depth + 1 + above), 1});
+}
+bool viewIsHeld(const Call &call) {
+    return isHeld(call["data"].get<PipelineBlock>().viewStack, dataOf(call).viewDepth);
+}
+bool viewAndModelAreHeld(const Call &call) {
+    return viewIsHeld(call) && isHeld(call["data"].get<PipelineBlock>().modelStack, dataOf(call).modelDepth);
+}
+const Rule currentIsHeld = {"the current stack has no entry of its depth",
+                            [](const Call &call) { return isHeld(currentStack(call), currentDepth(call)); }};
+const Rule stackHasRoom = {"the current stack holds no further matrix",
+                           [](const Call &call) { return isHeld(currentStack(call), currentDepth(call), 1); }};
 const Rule stackHasEntryBelow = {"the current stack holds one matrix alone",
                                  [](const Call &call) { return currentDepth(call) >= 1; }};
 
@@ -203,6 +214,8 @@ Row ofStack(Row row) {
     row.scenes.front().isRestored = true;
     if (!row.arrange)
         row.arrange = arrangeReals;
+    if (row.rules.empty())
+        row.rules = {currentIsHeld};
     return ofBlock(std::move(row));
 }
 
@@ -567,9 +580,10 @@ std::vector<Row> pipelineRows() {
          .picture = Scene{.set = setProduct}},
         ofBlock({Q_MUR_FUNCTION(VKD_glMatrixMode), .sentence = "Chooses the model stack or the view stack.",
                  .arguments = {choice("mode", anyInt, 1)}, .picture = Scene{.set = setMode}}),
-        ofBlock({Q_MUR_FUNCTION(VKD_glLoadIdentity), .sentence = "Sets the current matrix to the identity."}),
+        ofBlock({Q_MUR_FUNCTION(VKD_glLoadIdentity), .sentence = "Sets the current matrix to the identity.",
+                 .rules = {currentIsHeld}}),
         ofBlock({Q_MUR_FUNCTION(glLoadMatrixf), .sentence = "Sets the current matrix to 16 floats, row after row.",
-                 .arguments = {matrix("m")}, .reads = m}),
+                 .arguments = {matrix("m")}, .reads = m, .rules = {currentIsHeld}}),
         ofStack({Q_MUR_FUNCTION(glMultMatrixf), .sentence = "Lets a matrix of 16 floats act behind the current one.",
                  .arguments = {matrix("m")}, .reads = m}),
         ofStack({Q_MUR_FUNCTION(VKD_glPushMatrix),
@@ -598,14 +612,16 @@ std::vector<Row> pipelineRows() {
                               real("eyeZ", {100, 10}, "units") +
                               each({"centerX", "centerY", "centerZ"}, real("", {0, 0}, "units")) + real("upX", {0, 0}) +
                               real("upY", {1, 1}) + real("upZ", {0, 0}),
-                 .arrange = arrangeView}),
-        ofStack({Q_MUR_FUNCTION(VKD_Mapping3Dto2D),
-                 .sentence = "Brings a grid of points from model space to the screen, in place.",
-                 .arguments = points("points", "units") +
-                              each({"rows", "columns"}, count("", "points", {-32768, 65535}, {64, 64})),
-                 .writes = gridPoints, .reads = gridPoints, .rules = {viewportIsSet}, .arrange = arrangeMapping,
-                 .scenes = {{.set = setGrid<64, 64>, .figures = 64 * 64, .figure = "Mpoints"}}, .figure = Figure::grid,
-                 .picture = Scene{.set = setSheet}}),
+                 .rules = {{"the view stack has no entry of its depth", viewIsHeld}}, .arrange = arrangeView}),
+        ofStack(
+            {Q_MUR_FUNCTION(VKD_Mapping3Dto2D),
+             .sentence = "Brings a grid of points from model space to the screen, in place.",
+             .arguments =
+                 points("points", "units") + each({"rows", "columns"}, count("", "points", {-32768, 65535}, {64, 64})),
+             .writes = gridPoints, .reads = gridPoints,
+             .rules = {viewportIsSet, {"the view or the model stack has no entry of its depth", viewAndModelAreHeld}},
+             .arrange = arrangeMapping, .scenes = {{.set = setGrid<64, 64>, .figures = 64 * 64, .figure = "Mpoints"}},
+             .figure = Figure::grid, .picture = Scene{.set = setSheet}}),
         {Q_MUR_OVERLOAD(VKD_3D_Render, Band), .sentence = "Draws a shaded band between two edges, depth tested.",
          .arguments = surfaceWithDepths + bandArguments(true), .writes = onDst + onDepths, .reads = onDepths,
          .topByte = cleared, .sums = carryOver, .fractions = notCounted, .arrange = arrangeBand,

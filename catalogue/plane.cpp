@@ -228,22 +228,59 @@ Plane Plane::cutTo(const Box &part, Fence fence) const {
     return plane;
 }
 
+bool Plane::isFar(const Box &part) const {
+    constexpr std::int64_t beyond = std::int64_t{1} << 40; // elements that no memory has
+    return part.left < -beyond || part.right > beyond ||
+           (stride != 0 && (std::max(-part.top, part.bottom - 1) > beyond / std::abs(std::int64_t{stride})));
+}
+
 bool Plane::holds(const Box &part) const {
     if (part.isEmpty())
         return true;
     if (!memory)
         return !isNull();
-    constexpr std::int64_t beyond = std::int64_t{1} << 40; // elements that no memory has
-    const std::int64_t lastRow = part.bottom - 1;
-    const bool isFar = part.left < -beyond || part.right > beyond ||
-                       (stride != 0 && (std::max(-part.top, lastRow) > beyond / std::abs(std::int64_t{stride})));
-    if (isFar)
+    if (isFar(part))
         return false;
+    const std::int64_t lastRow = part.bottom - 1;
     const auto [lowest, highest] = std::minmax({part.top * stride, lastRow * stride}); // bottom-up the last is lowest
     const std::int64_t first = (lowest + part.left) * bytesEach;
     const std::int64_t end = (highest + part.right) * bytesEach;
     const std::ptrdiff_t before = start - memory->data();
     return first >= -before && end <= static_cast<std::ptrdiff_t>(memory->size()) - before;
+}
+
+bool Plane::meets(const Box &part, const Plane &other, const Box &otherPart) const {
+    constexpr std::int64_t mostRows = 65536;
+    if (isNull() || other.isNull() || part.isEmpty() || otherPart.isEmpty() || isFar(part) || other.isFar(otherPart) ||
+        part.height() > mostRows)
+        return false;
+    const auto addressOf = [](const std::byte *at) {
+        return static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(at));
+    };
+    const std::int64_t distance = addressOf(other.start) - addressOf(start);
+    const std::int64_t rowBytes = std::int64_t{stride} * bytesEach;
+    const std::int64_t otherRowBytes = std::int64_t{other.stride} * other.bytesEach;
+    for (std::int64_t y = part.top; y < part.bottom; ++y) {
+        // Of the other's rows those meet this one that begin before its end and end behind its beginning.
+        std::int64_t low = y * rowBytes + part.left * bytesEach - distance - otherPart.right * other.bytesEach;
+        std::int64_t high = y * rowBytes + part.right * bytesEach - distance - otherPart.left * other.bytesEach;
+        std::int64_t step = otherRowBytes;
+        if (step < 0) {
+            std::swap(low, high);
+            low = -low;
+            high = -high;
+            step = -step;
+        }
+        const auto below = [step](std::int64_t place) { // how many whole steps there are up to a place, rounded down
+            return place / step - (place % step < 0);
+        };
+        const bool isMet =
+            step == 0 ? low < 0 && high > 0
+                      : std::max(below(low) + 1, otherPart.top) <= std::min(below(high - 1), otherPart.bottom - 1);
+        if (isMet)
+            return true;
+    }
+    return false;
 }
 
 std::span<const std::byte> Plane::bytes() const {

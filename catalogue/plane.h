@@ -158,6 +158,10 @@ public:
     /// Whether the memory of the elements of `part` belongs to this plane, as far as its memory is known.
     bool holds(const Box &part) const;
 
+    /// Whether elements of a part and of a part of another plane lie in the same memory; of more than 65536 rows nobody
+    /// asks.
+    bool meets(const Box &part, const Plane &other, const Box &otherPart) const;
+
     /// All of the memory, and the column and row of the element at a byte of it.
     std::span<const std::byte> bytes() const;
     std::span<std::byte> bytes();
@@ -170,6 +174,9 @@ public:
 
 private:
     static Plane ofBytes(std::span<const std::byte> bytes);
+
+    /// Whether a part lies so far away that no memory has its elements.
+    bool isFar(const Box &part) const;
 
     std::shared_ptr<Memory> memory;
     std::byte *start = nullptr;

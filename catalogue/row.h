@@ -112,7 +112,9 @@ using Region = std::function<Areas(const Call &)>;
 
 /// What the contract asks of the arguments together, beyond their ranges and what they write and read.
 struct Rule {
-    std::string_view broken; ///< what is wrong where it does not hold
+    /// What is wrong where it does not hold. Numbers stand behind the names in braces, sizes behind those of
+    /// rectangles.
+    std::string_view broken;
     std::function<bool(const Call &)> holds;
 
     /// To find out, the twin runs on a copy, for as long and as deep as the function would.
@@ -272,6 +274,9 @@ struct Row {
     Region reads;
 
     std::vector<Rule> rules;
+
+    /// What makes sense of the arguments together; the contract allows more, whose results nobody wants.
+    std::vector<Rule> meant;
 
     Overlap overlap = Overlap::none;
     TopByte topByte = TopByte::noPixels;

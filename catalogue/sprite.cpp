@@ -145,14 +145,15 @@ std::vector<Row> spriteRows() {
          .topByte = TopByte::cleared, .scenes = {{.set = set("name", Plane(1, 1, 1))}},
          .waived = {{"every proof", "a file"}}, .picture = Scene{.set = setFile}},
         // The sizes of a source may be 0, where its first column or row is repeated.
-        {Q_MUR_FUNCTION(_FitOn32RAW_24RAW_Nearest), .sentence = "Fits raw 24-bit pixels onto a surface.",
-         .arguments = destination() +
-                      each({"dstWidth", "dstHeight"}, idle(extent("", "dst", {1, anyInt.high}), {anyInt.low, -1})) +
-                      bytePitch("dstPitchBytes", "dst") + plane("src") +
-                      each({"srcWidth", "srcHeight"}, extent("", "", {0, 65535})) + bytePitch("srcPitchBytes", "src"),
-         .writes = on("dst", fittedBox), .reads = on("src", readBox), .overlap = Overlap::notPromised,
-         .topByte = TopByte::cleared, .sums = Sum::stayInside, .arrange = arrangeFit, .scenes = {{.set = setFit}},
-         .picture = Scene{.set = setFiner}},
+        apart({Q_MUR_FUNCTION(_FitOn32RAW_24RAW_Nearest), .sentence = "Fits raw 24-bit pixels onto a surface.",
+               .arguments =
+                   destination() +
+                   each({"dstWidth", "dstHeight"}, idle(extent("", "dst", {1, anyInt.high}), {anyInt.low, -1})) +
+                   bytePitch("dstPitchBytes", "dst") + plane("src") +
+                   each({"srcWidth", "srcHeight"}, extent("", "", {0, 65535})) + bytePitch("srcPitchBytes", "src"),
+               .writes = on("dst", fittedBox), .reads = on("src", readBox), .topByte = TopByte::cleared,
+               .sums = Sum::stayInside, .arrange = arrangeFit, .scenes = {{.set = setFit}},
+               .picture = Scene{.set = setFiner}}),
     };
 }
 

@@ -314,11 +314,11 @@ Areas readsCorners(const Call &call) {
     return areas;
 }
 
-/// Whether all corners can be looked at; that they are there is asked for by their own areas.
+/// Whether the places of all corners can be looked at; that the corners are whole is asked for by their own areas.
 bool holdsCorners(const Call &call) {
+    const Box place = words("", 2).part;
     for (std::size_t i = 0; i < cornersOf(call.row()); ++i)
-        if (!call[pointNames[i]].plane().holds(words("", sizeof(Point) / 4).part) ||
-            !call[texelNames[i]].plane().holds(words("", 2).part))
+        if (!call[pointNames[i]].plane().holds(place) || !call[texelNames[i]].plane().holds(place))
             return false;
     return true;
 }

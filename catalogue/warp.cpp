@@ -112,6 +112,22 @@ void wholeZ(Call &call) {
     call["scale"] = 1;
 }
 
+/// A row counts how far it goes through the source from its beginning to its end.
+bool rowsAreWithinFormat(const Call &call) {
+    const Box source = call["srcRect"].rect();
+    const Box clip = call["clipRect"].rect();
+    const double scale = call["scale"].number();
+    const double angle = call["angle"].number();
+    const auto middle = static_cast<double>(call["centreX"].whole());
+    const double reach =
+        std::hypot(static_cast<double>(source.width()), static_cast<double>(source.height())) * scale / 2;
+    const double begin = std::max(middle - reach, static_cast<double>(clip.left));
+    const double end = std::min(middle + reach, static_cast<double>(clip.right));
+    const double slope = std::max(std::fabs(std::cos(angle)), std::fabs(std::sin(angle)));
+    return !(begin < end) || clip.isEmpty() ||
+           (end - begin) * slope <= scale * static_cast<double>(call.row().positions->end());
+}
+
 /// A picture turning and growing in the middle, as large as the format of positions lets a row of it be.
 void turningPart(Call &call, const Stage &stage) {
     const Stage part = {std::min(stage.width * 3 / 4, 860), std::min(stage.height * 3 / 4, 480), stage.time};
@@ -135,6 +151,8 @@ Row aboutZ(Row row) {
     row.writes = on("dst", "clipRect");
     row.reads = on("src", "srcRect") + row.reads;
     row.positions = signedBits(11, 21); // from the middle
+    row.meant = {
+        {"a row goes through more source pixels than the format of their positions holds", rowsAreWithinFormat}};
     row.arrange = arrangeZ;
     if (row.name.starts_with("iBltNear"))
         row.pixelOnPixel = wholeZ;
@@ -320,10 +338,10 @@ void arrangeAffine(Call &call, Random &random) {
 /// The left and top of the source rectangle count twice along one of the axes, and one that is turned inside out is
 /// walked backward.
 Box affineSource(const Call &call) {
-    const tagRECT &rect = call["srcRect"].rect();
+    const Box rect = call["srcRect"].rect();
     const auto [left, right] = std::minmax({rect.left, rect.left * 2, rect.right, rect.right + rect.left});
     const auto [top, bottom] = std::minmax({rect.top, rect.top * 2, rect.bottom, rect.bottom + rect.top});
-    const int beyond = Box(rect).isEmpty() ? 2 : 0;
+    const int beyond = rect.isEmpty() ? 2 : 0;
     return {left - beyond, top - beyond, right + beyond, bottom + beyond};
 }
 
@@ -366,7 +384,7 @@ void arrangeCentre(Call &call, Random &random) {
 /// Taps reach a pixel beyond the source at its right and bottom, and an empty source is read as if it were turned
 /// round.
 Box tracedSource(const Call &call) {
-    const tagRECT &rect = call["srcRect"].rect();
+    const Box rect = call["srcRect"].rect();
     return {std::min(rect.left, rect.right) - 1, std::min(rect.top, rect.bottom) - 1,
             std::max(rect.left, rect.right) + 2, std::max(rect.top, rect.bottom) + 2};
 }
@@ -374,6 +392,12 @@ Box softenedSource(const Call &call) {
     const Box rect = call["srcRect"].rect();
     return {rect.left - 2, rect.top - 2, rect.right + 2, rect.bottom + 2};
 }
+
+/// Of positions with 20 fraction bits.
+const Rule sourceIsSmall = {beyondFormat, [](const Call &call) {
+                                const Box rect = call["srcRect"].rect();
+                                return std::max(rect.width(), rect.height()) < 2048;
+                            }};
 
 /// A scene of the source's width and height as a part of the stage's.
 template <int over, int under>
@@ -513,18 +537,22 @@ std::vector<Row> warpRows() {
          .arguments = destination() + source() + onePitch + frameSize + corners, .writes = frame,
          .reads = on("src", frameOf), .rules = {onePitchForAll}, .topByte = copied, .sums = stayInside,
          .lookup = Lookup::nearest, .arrange = arrangeQuad, .scenes = {{"", swingingQuad}}},
-        {Q_MUR_FUNCTION(iPsudoBilinearMapping), .sentence = "Draws a picture into four corners in two quick passes.",
-         .arguments = destination() + source() + scratch() + onePitch + frameSize + colour("fillColour") + corners,
-         .writes = frame + on("scratch", frameOf), .reads = on("src", frameOf), .rules = {onePitchForAll},
-         .overlap = Overlap::notPromised, .topByte = copied, .sums = stayInside, .lookup = Lookup::nearest,
-         .arrange = arrangeQuad, .scenes = {{"", swingingQuad}}},
-        {Q_MUR_FUNCTION(iAffineMapping), .sentence = "Draws a picture into a trapezoid and brightens or darkens it.",
-         .arguments = destination() + source() + onePitch + rectangle("srcRect", "src") + clip("clipRect", "dst") +
-                      corners + number("brightnessAdd", "1", {-1000, 1000, true}, {10, 10}) +
-                      number("brightnessScale", "1/256", {-1000, 1000, true}, {128, 256}),
-         .writes = on("dst", "clipRect"), .reads = on("src", affineSource), .rules = {onePitchForAll},
-         .overlap = Overlap::notPromised, .topByte = disturbsRed, .sums = saturate, .fractions = notCounted,
-         .arrange = arrangeAffine, .scenes = {{"", trapezoid}}},
+        apart(
+            {Q_MUR_FUNCTION(iPsudoBilinearMapping),
+             .sentence = "Draws a picture into four corners in two quick passes.",
+             .arguments = destination() + source() + scratch() + onePitch + frameSize + colour("fillColour") + corners,
+             .writes = frame + on("scratch", frameOf), .reads = on("src", frameOf), .rules = {onePitchForAll},
+             .topByte = copied, .sums = stayInside, .lookup = Lookup::nearest, .arrange = arrangeQuad,
+             .scenes = {{"", swingingQuad}}}),
+        apart({Q_MUR_FUNCTION(iAffineMapping),
+               .sentence = "Draws a picture into a trapezoid and brightens or darkens it.",
+               .arguments = destination() + source() + onePitch + rectangle("srcRect", "src") +
+                            clip("clipRect", "dst") + corners +
+                            number("brightnessAdd", "1", {-1000, 1000, true}, {10, 10}) +
+                            number("brightnessScale", "1/256", {-1000, 1000, true}, {128, 256}),
+               .writes = on("dst", "clipRect"), .reads = on("src", affineSource), .rules = {onePitchForAll},
+               .topByte = disturbsRed, .sums = saturate, .fractions = notCounted, .arrange = arrangeAffine,
+               .scenes = {{"", trapezoid}}}),
         aboutCentre({Q_MUR_FUNCTION(iRotateMapping),
                      .sentence = "Stretches a picture onto a turned rectangle, filtered, along its traced edges.",
                      .reads = on("src", tracedSource), .topByte = cleared, .fractions = cutOff, .uniform = stays,
@@ -542,12 +570,12 @@ std::vector<Row> warpRows() {
                      .reads = on("src", "srcRect"), .topByte = copied, .lookup = Lookup::nearest}),
         aboutCentre({Q_MUR_FUNCTION(iRotateLinear),
                      .sentence = "Stretches a picture onto a turned rectangle, filtered.",
-                     .reads = on("src", "srcRect"), .topByte = cleared, .fractions = cutOff, .uniform = stays,
-                     .lookup = Lookup::filtered}),
+                     .reads = on("src", "srcRect"), .meant = {sourceIsSmall}, .topByte = cleared, .fractions = cutOff,
+                     .uniform = stays, .lookup = Lookup::filtered}),
         aboutCentre({Q_MUR_FUNCTION(iRotateLinearAA),
                      .sentence = "Stretches a picture onto a turned rectangle with softened edges.",
-                     .writes = on("src", "srcRect"), .reads = on("src", softenedSource), .topByte = cleared,
-                     .fractions = cutOff, .uniform = darkens, .lookup = Lookup::filtered}),
+                     .writes = on("src", "srcRect"), .reads = on("src", softenedSource), .meant = {sourceIsSmall},
+                     .topByte = cleared, .fractions = cutOff, .uniform = darkens, .lookup = Lookup::filtered}),
         {Q_MUR_FUNCTION(Blt_Triangle), .sentence = "Maps a triangle of a picture onto another triangle.",
          .arguments = destination() + clip("clip", "dst") + pitch("dstPitch", "dst") +
                       each({"p0", "p1", "p2"}, points("", "pixels", "dst")) + source() + pitch("srcPitch", "src") +

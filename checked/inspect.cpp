@@ -221,16 +221,27 @@ std::string tablesFault(const Row &row) {
     return row.readsTables && iSin[quarter] == 0 ? "the tables are empty, which Init_qMur_GlobalData fills" : "";
 }
 
-/// A rule's words, with numbers behind the names in braces.
-std::string ruleFault(const Call &call) {
-    for (const Rule &rule : call.row().rules) {
+/// What stands for a name in the words of a rule.
+std::string named(const Call &call, const std::string &name) {
+    const Value &value = call[name];
+    if (!value.is<tagRECT>())
+        return name + " " + textOf(value.number());
+    const Box rect = value.rect();
+    return name + " of " + textOf(rect.width()) + " x " + textOf(rect.height());
+}
+
+/// The words of the first rule that does not hold.
+std::string ruleFault(const Call &call, const std::vector<Rule> &rules) {
+    for (const Rule &rule : rules) {
         if (rule.takesATrial || rule.holds(call))
             continue;
         std::string text(rule.broken);
         for (std::size_t open = text.find('{'); open != std::string::npos; open = text.find('{', open)) {
             const std::size_t close = text.find('}', open);
             const std::string name = text.substr(open + 1, close - open - 1);
-            text.replace(open, close - open + 1, name + " " + textOf(call[name].number()));
+            const std::string said = named(call, name);
+            text.replace(open, close - open + 1, said);
+            open += said.size();
         }
         return text;
     }
@@ -430,9 +441,10 @@ std::string faultOf(const Row &row, std::span<const Given> given, std::optional<
         return found;
     if (isIdle(*call))
         return {};
-    for (std::string (*const fault)(const Call &) : {rectangleFault, ruleFault})
-        if (std::string found = fault(*call); !found.empty())
-            return found;
+    if (std::string found = rectangleFault(*call); !found.empty())
+        return found;
+    if (std::string found = ruleFault(*call, row.rules); !found.empty())
+        return found;
     return areasFault(*call);
 }
 
@@ -458,7 +470,10 @@ Verdict judge(const Row &row, std::span<const Given> given) {
     std::string fault = faultOf(row, given, call);
     if (!fault.empty())
         return {.fault = std::move(fault), .doubt = {}};
-    return {.fault = {}, .doubt = numberFault(*call, &Argument::meant)};
+    std::string doubt = numberFault(*call, &Argument::meant);
+    if (doubt.empty() && !isIdle(*call))
+        doubt = ruleFault(*call, row.meant);
+    return {.fault = {}, .doubt = std::move(doubt)};
 }
 
 bool mayBeMade(std::string_view name, const Row &row, std::span<const Given> given) {

@@ -130,7 +130,7 @@ Q_MUR_API void iBltNear32SafeKeySrcAdd(q_ulong *dst, q_ulong *src, tagRECT *dstR
 /// Adds `srcRect` at its own size with its middle, halves rounded down, on (`centreX`, `centreY`), leaving out pixels
 /// that are 0, inside `clipRect`. All channels saturate. Only what lies within half the source's diagonal is drawn,
 /// truncated to whole pixels, in either direction: an odd size can lose its last column or row, a single pixel is not
-/// drawn.
+/// drawn. A source with a diagonal of 46341 pixels or more is beyond the format.
 Q_MUR_API void iBltNear32_Add_KeySrc(q_ulong *dst, int dstPitch, q_ulong *src, int srcPitch, tagRECT *clipRect,
                                      tagRECT *srcRect, int centreX, int centreY);
 

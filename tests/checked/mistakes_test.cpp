@@ -11,6 +11,7 @@
 #include <unistd.h>
 #endif
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdlib>
@@ -227,6 +228,33 @@ TEST(mistakes, fill_with_two_pitches) {
                  "Region_Src_Fill: the pitches of the plane and of the test surface differ");
 }
 
+TEST(mistakes, blur_over_its_source) {
+    Picture dst(64, 48), both(64, 48);
+    EXPECT_NAMED(Hor_Blur(both.data(), both.data(), 4, 64, 48, 64),
+                 "Hor_Blur: surfaces that must be apart lie over each other");
+    EXPECT_NAMED(Ver_GaussBlur(both.data() + 64, both.data(), 1, 64, 47, 64),
+                 "Ver_GaussBlur: surfaces that must be apart lie over each other");
+    EXPECT_NAMED(Hor_Blur32(both.data() + 31, both.data(), 4, 32, 48, 64),
+                 "Hor_Blur32: surfaces that must be apart lie over each other");
+    EXPECT_NAMED(iPsudoBilinearMapping(dst.data(), both.data(), dst.data(), 64, 64, 48, 0, 0, 63, 63, 0, 0, 0, 47, 47),
+                 "iPsudoBilinearMapping: surfaces that must be apart lie over each other");
+}
+
+TEST(mistakes, edge_over_a_part_of_its_image) {
+    Picture first(64, 48), second(64, 48);
+    tagPOINT p1 = {0, 20}, p2 = {63, 20};
+    tagRECT clip = {0, 0, 64, 40};
+    EXPECT_NAMED(Edge_Transparency(first.data() + 64, first.data(), second.data(), &p1, &p2, 10, 64, 0, 0, 0, &clip),
+                 "Edge_Transparency: surfaces that must be apart lie over each other");
+}
+
+TEST(mistakes, source_with_a_diagonal_that_wraps) {
+    Picture dst(64, 48), src(64, 48);
+    tagRECT wide = {0, 0, 2147483647, 10};
+    EXPECT_NAMED(iBltNear32_Add_KeySrc(dst.data(), 64, src.data(), 64, &dst.all, &wide, 0, 0),
+                 "iBltNear32_Add_KeySrc: srcRect of 2147483647 x 10 has a diagonal of 46341 pixels or more");
+}
+
 TEST(mistakes, fill_that_begins_beside_its_parent) {
     Picture dst(64, 48);
     _PRIVATE_QMGP_DATA data = {};
@@ -302,6 +330,33 @@ TEST(mistakes, matrix_stack_underflows) {
     Host host;
     _PRIVATE_QMGL_DATA *data = GetPrivate_QMGL_Data(&host.record, 0);
     EXPECT_NAMED(VKD_glPopMatrix(data), "VKD_glPopMatrix: the current stack holds one matrix alone");
+}
+
+TEST(mistakes, stacks_that_are_not_there) {
+    _PRIVATE_QMGL_DATA data = {};
+    data.viewportRight = 64;
+    _POINT3DFLOAT point = {};
+    EXPECT_NAMED(VKD_glLoadIdentity(&data), "VKD_glLoadIdentity: the current stack has no entry of its depth");
+    EXPECT_NAMED(VKD_glTranslatef(&data, 1, 2, 3), "VKD_glTranslatef: the current stack has no entry of its depth");
+    EXPECT_NAMED(VKD_gluLookAt(&data, 1, 2, 3, 0, 0, 0, 0, 1, 0),
+                 "VKD_gluLookAt: the view stack has no entry of its depth");
+    EXPECT_NAMED(VKD_Mapping3Dto2D(&data, &point, 1, 1),
+                 "VKD_Mapping3Dto2D: the view or the model stack has no entry of its depth");
+}
+
+TEST(mistakes, place_with_three_words_on_too_small_a_texture) {
+    Host host;
+    Picture dst(64, 48), tex(8, 8);
+    _PRIVATE_QM3D_DATA *data = GetPrivate_QM3D_Data(&host.record, 0);
+    ResetZBuffer(data, &dst.all, 64);
+    std::array<_POINT3DFLOAT, 4> points = {{{1, 1, 5, 0}, {40, 1, 5, 0}, {40, 40, 5, 0}, {1, 40, 5, 0}}};
+    std::array<_POINTINT, 4> texels = {{{0, 0}, {200, 0}, {200, 200}, {0, 200}}};
+    q_Mur_checked_surface(&points[3], 3, 1); // the fourth word of a point is not read
+    EXPECT_NAMED(i3D_Blt_Rect(data, dst.data(), &points[0], &points[1], &points[2], &points[3], tex.data(), &texels[0],
+                              &texels[1], &texels[2], &texels[3], &dst.all, 64, 8, 0, 0, 0, 0, 256, 256, 256, 256,
+                              0x200),
+                 "i3D_Blt_Rect: tex is read up to column 13 of row 13, which leaves its memory");
+    q_Mur_checked_surface(&points[3], 3, 0);
 }
 
 TEST(mistakes, vertex_arrays_too_small) {
@@ -388,6 +443,45 @@ TEST(correct, depths_are_reset_where_they_are_drawn) {
     VKD_ResetZBuffer(data, &part, 64);
     drawTriangle(data, dst);
     EXPECT_EQ(dst.data()[10 * 64 + 20], 0xFFFFFFu);
+}
+
+TEST(correct, halves_of_a_surface_are_apart) {
+    Picture both(64, 48);
+    tagRECT left = {0, 0, 32, 48}, low = {0, 24, 64, 48};
+    iFillRect(both.data(), &left, 64, 0x808080);
+    Hor_Blur(both.data() + 32, both.data(), 4, 32, 48, 64);
+    EXPECT_NE(both.data()[63], 0u);
+    iFillRect(both.data(), &low, 64, 0);
+    Hor_Blur(both.data(), both.data() + 24 * 64, 4, 64, 24, 64);
+    EXPECT_EQ(both.data()[63], 0u);
+}
+
+TEST(correct, edge_over_its_image) {
+    Picture first(64, 48), second(64, 48);
+    first.pixels.assign(first.pixels.size(), 0xFFFFFF);
+    tagPOINT p1 = {0, 20}, p2 = {63, 20};
+    Edge_Transparency(first.data(), first.data(), second.data(), &p1, &p2, 10, 64, 0, 0, 0, &first.all);
+    EXPECT_NE(first.data()[20 * 64 + 30], 0xFFFFFFu);
+}
+
+/// Boundary all around, and in the middle.
+void drawBounds(Picture &picture, q_ulong border) {
+    tagRECT inside = {1, 1, picture.all.right - 1, picture.all.bottom - 1};
+    iFillRect(picture.data(), &picture.all, static_cast<int>(picture.all.right), border);
+    iFillRect(picture.data(), &inside, static_cast<int>(picture.all.right), 0);
+}
+
+TEST(correct, fill_equals_border) { // which leads past islands
+    Picture dst(16, 12), test(16, 12);
+    _PRIVATE_QMGP_DATA data = {};
+    drawBounds(test, 5);
+    SetRegionFill(&data, dst.data(), 16, test.data(), 16);
+    Region_Fill(&data, 4, 4, 5, 5, 0, 0, 0, &dst.all);
+    EXPECT_EQ(std::count(dst.pixels.begin(), dst.pixels.end(), 5u), 14 * 10);
+    test.data()[6 * 16 + 8] = 5;
+    SetRegionFill(&data, test.data(), 16, test.data(), 16);
+    Region_Fill(&data, 4, 4, 5, 5, 0, 0, 0, &test.all);
+    EXPECT_EQ(std::count(test.pixels.begin(), test.pixels.end(), 5u), 16 * 12);
 }
 
 /// As many bytes that may not be read as behind them may be.
@@ -490,6 +584,39 @@ TEST(doubts, what_headers_promise_is_no_breach) {
     q_Mur_checked_doubts(0);
     EXPECT_EQ(messagesOf(calls), std::vector<std::string>());
     q_Mur_checked_doubts(1);
+}
+
+TEST(doubts, sources_beyond_the_format_of_positions) {
+    Picture dst(64, 48), wide(4096, 2);
+    tagRECT half = {0, 0, 2048, 2}, part = {0, 0, 1000, 2}, small = {0, 0, 64, 2};
+    const auto scaled = [&](tagRECT &srcRect) {
+        iBltNear32(dst.data(), wide.data(), &dst.all, &srcRect, 64, 4096);
+        iBltAdaptive32(wide.data(), wide.data(), &srcRect, &srcRect, 4096, 4096);
+        iRotateLinear(dst.data(), &dst.all, 64, wide.data(), &srcRect, 4096, 32, 24, 0, 64, 2);
+    };
+    const auto turned = [&](tagRECT &srcRect, float scale, int centreX) {
+        iBltNear32_Z_Roto(dst.data(), 64, wide.data(), 4096, &dst.all, &srcRect, centreX, 24, 0, scale);
+    };
+    EXPECT_EQ(messagesOf([&] { scaled(part); }), std::vector<std::string>());
+    EXPECT_EQ(
+        messagesOf([&] { scaled(half); }),
+        (std::vector<std::string>{"iRotateLinear: srcRect of 2048 x 2 is beyond the format of source positions"}));
+    EXPECT_EQ(
+        messagesOf([&] { scaled(wide.all); }),
+        (std::vector<std::string>{"iBltNear32: srcRect of 4096 x 2 is beyond the format of source positions",
+                                  "iRotateLinear: srcRect of 4096 x 2 is beyond the format of source positions"}));
+    // Of a row of 64 pixels each goes 16 pixels on, or 17; or there are few in the clip.
+    EXPECT_EQ(messagesOf([&] { turned(half, 1 / 16.0F, 32); }), std::vector<std::string>());
+    EXPECT_EQ(messagesOf([&] { turned(small, 1 / 17.0F, 32); }), std::vector<std::string>());
+    EXPECT_EQ(messagesOf([&] { turned(half, 1 / 17.0F, 32); }),
+              (std::vector<std::string>{"iBltNear32_Z_Roto: a row goes through more source pixels than the format of "
+                                        "their positions holds"}));
+    EXPECT_EQ(messagesOf([&] { turned(half, 1 / 17.0F, 90); }), std::vector<std::string>());
+    tagRECT box = {-1000, 10, 1048, 40};
+    EXPECT_EQ(
+        messagesOf([&] { Draw_Outer_Ellipse_NoFillInside(dst.data(), 64, &dst.all, &box, 2, 7); }),
+        (std::vector<std::string>{"Draw_Outer_Ellipse_NoFillInside: box of 2048 x 30 is 2048 pixels wide or wider, "
+                                  "beyond the format of positions"}));
 }
 
 // What a host may wish
