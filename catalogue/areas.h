@@ -113,18 +113,16 @@ inline Region operator+(Region first, Region second) {
 
 constexpr std::string_view beyondFormat = "{srcRect} is beyond the format of source positions";
 
-/// Forbids that what a call writes is touched by it through another argument, too, unless one surface serves as both
-/// pixel on pixel, where that is allowed.
-inline Row apart(Row row, bool mayBeTheSame = false) {
-    const auto isApart = [mayBeTheSame](const Call &call) {
+/// Forbids that what a call writes is touched by it through another argument, too.
+inline Row apart(Row row) {
+    const auto isApart = [](const Call &call) {
         const Areas written = call.row().writes(call);
         const Areas all = written + call.row().reads(call);
         for (const Area &area : written)
             for (const Area &other : all) {
                 const Plane *plane = call[area.argument].surface();
                 const Plane *otherPlane = call[other.argument].surface();
-                const bool matters = plane && otherPlane && other.argument != area.argument && !other.isAtMost &&
-                                     !(mayBeTheSame && plane->origin() == otherPlane->origin());
+                const bool matters = plane && otherPlane && other.argument != area.argument && !other.isAtMost;
                 if (matters && plane->meets(area.part, *otherPlane, other.part))
                     return false;
             }

@@ -338,15 +338,14 @@ std::vector<Row> filterRows() {
     const auto inMiddle = inTurn(set("blockWords", side * side), set("index", side * side / 2), set("pitch", side));
     const Region nextToInterior = on("surface", [](const Call &call) { return grown(interior(call), 1, 1, 1, 1); });
     return {
-        apart(edge(stripBox,
-                   {Q_MUR_FUNCTION(Edge_Transparency),
-                    .sentence = "Fades two pictures into each other along a straight edge.",
-                    .arguments = each({"p1", "p2"}, point("", "out")) + number("edgeWidth", "pixels", anyInt, {}) +
-                                 pitch("pitch", "out") + unused("unused1") + unused("unused2") + choice("swapImages") +
-                                 clip("clip", "out"),
-                    .arrange = arrangeStrip, .scenes = {{.set = setStrip<false>}, {"steep", setStrip<true>}},
-                    .waived = {{"places_are_bounded_by_clips_alone", "sources are read at the same places"}}}),
-              true),
+        edge(stripBox, {Q_MUR_FUNCTION(Edge_Transparency),
+                        .sentence = "Fades two pictures into each other along a straight edge.",
+                        .arguments = each({"p1", "p2"}, point("", "out")) + number("edgeWidth", "pixels", anyInt, {}) +
+                                     pitch("pitch", "out") + unused("unused1") + unused("unused2") +
+                                     choice("swapImages") + clip("clip", "out"),
+                        .overlap = Overlap::notPromised, .arrange = arrangeStrip,
+                        .scenes = {{.set = setStrip<false>}, {"steep", setStrip<true>}},
+                        .waived = {{"places_are_bounded_by_clips_alone", "sources are read at the same places"}}}),
         edge(discBox, {Q_MUR_FUNCTION(Edge_Transparency_Circle),
                        .sentence = "Fades a picture inside a circle into another outside.",
                        .arguments = point("centre", "out") + radius("radius", anyInt, {}) +

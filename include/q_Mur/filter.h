@@ -7,8 +7,8 @@
 
 /// \name Edge transparency
 /// Two pictures cross-faded along a soft edge. `out`, `imageA` and `imageB` share one `pitch`, in pixels. A mixed pixel
-/// has a top byte of 0; a top byte of either source disturbs the red of the mix. `out` may be one of the images, or
-/// must not overlap them.
+/// has a top byte of 0; a top byte of either source disturbs the red of the mix. `out` may be one of the images or
+/// overlap them: each pixel is mixed from what stands there when the walk comes to it.
 /// @{
 
 /// Writes a soft straight edge: the strip of `out` along the line from `p1` to `p2`, inside `clip`. Across the strip

@@ -240,14 +240,6 @@ TEST(mistakes, blur_over_its_source) {
                  "iPsudoBilinearMapping: surfaces that must be apart lie over each other");
 }
 
-TEST(mistakes, edge_over_a_part_of_its_image) {
-    Picture first(64, 48), second(64, 48);
-    tagPOINT p1 = {0, 20}, p2 = {63, 20};
-    tagRECT clip = {0, 0, 64, 40};
-    EXPECT_NAMED(Edge_Transparency(first.data() + 64, first.data(), second.data(), &p1, &p2, 10, 64, 0, 0, 0, &clip),
-                 "Edge_Transparency: surfaces that must be apart lie over each other");
-}
-
 TEST(mistakes, source_with_a_diagonal_that_wraps) {
     Picture dst(64, 48), src(64, 48);
     tagRECT wide = {0, 0, 2147483647, 10};
@@ -456,12 +448,16 @@ TEST(correct, halves_of_a_surface_are_apart) {
     EXPECT_EQ(both.data()[63], 0u);
 }
 
-TEST(correct, edge_over_its_image) {
+TEST(correct, edge_over_its_image_or_a_part_of_it) {
     Picture first(64, 48), second(64, 48);
     first.pixels.assign(first.pixels.size(), 0xFFFFFF);
     tagPOINT p1 = {0, 20}, p2 = {63, 20};
     Edge_Transparency(first.data(), first.data(), second.data(), &p1, &p2, 10, 64, 0, 0, 0, &first.all);
     EXPECT_NE(first.data()[20 * 64 + 30], 0xFFFFFFu);
+    tagRECT clip = {0, 0, 64, 40};
+    first.pixels.assign(first.pixels.size(), 0xFFFFFF);
+    Edge_Transparency(first.data() + 64, first.data(), second.data(), &p1, &p2, 10, 64, 0, 0, 0, &clip);
+    EXPECT_NE(first.data()[21 * 64 + 30], 0xFFFFFFu);
 }
 
 /// Boundary all around, and in the middle.
