@@ -1175,6 +1175,13 @@ constexpr bool multipliesInPlace = true;
 constexpr bool multipliesInPlace = false;
 #endif
 
+/// Whether code is kept small where it may: a WebAssembly module is fetched before it is run.
+#if defined(__wasm__)
+constexpr bool staysSmall = true;
+#else
+constexpr bool staysSmall = false;
+#endif
+
 /// Fetches memory that is soon to be read or written.
 inline void willRead(const void *memory) {
     __builtin_prefetch(memory, 0);

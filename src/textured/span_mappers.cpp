@@ -138,15 +138,13 @@ void drawPixel(q_ulong &pixel, DepthEntry *entry, const WalkedColumn &column, co
         *entry = static_cast<short>(depth);
 }
 
-/// Whether several pixels of a mapping can be drawn at once.
-template <Mapping mapping>
-constexpr bool drawsGroups =
-    mapping.sampling == Sampling::filtered &&mapping.light != Light::none &&mapping.key == Key::none;
+/// Whether several pixels of a mapping are drawn at once. Four of them would save less than they cost to set up.
+constexpr bool drawsGroups(const Mapping &mapping) {
+    return filteredCount > 4 && mapping.sampling == Sampling::filtered && mapping.light != Light::none &&
+           mapping.key == Key::none;
+}
 
 using Several = Numbers<filteredCount>;
-
-/// From how many pixels on a row is worth groups: four at once save less than they cost to set up.
-constexpr int groupedFrom = filteredCount > 4 ? filteredCount : 32;
 
 /// Columns side by side, each of their numbers in lanes of its own.
 struct WalkedGroup {
@@ -169,21 +167,22 @@ struct WalkedGroup {
 
 /// The lit colours of several pixels, of which none that is told by `mul` and `add` needs more than 15 bits. False if
 /// a channel is negative: it would spill over those above it.
-inline bool lightSeveral(Several &colours, Several mul, Several add) {
-    const auto inWords = [](Several numbers) { return (numbers & Several::all(0xFFFF)) | numbers << 16; };
+template <int count>
+bool lightSeveral(Numbers<count> &colours, Numbers<count> mul, Numbers<count> add) {
+    const auto inWords = [](Numbers<count> numbers) { return (numbers & Numbers<count>::all(0xFFFF)) | numbers << 16; };
     // The products lie 8 bits higher than they are wanted, where their upper halves are what is.
-    const Several factors = inWords(mul << 1);
-    const Several summands = inWords(add);
-    const auto lit = [](auto channels, Several factor, Several summand) {
+    const Numbers<count> factors = inWords(mul << 1);
+    const Numbers<count> summands = inWords(add);
+    const auto lit = [](auto channels, Numbers<count> factor, Numbers<count> summand) {
         return highSignedProduct(channels << 7, as<std::uint16_t>(factor)) + as<std::uint16_t>(summand);
     };
     const auto bytes = as<std::uint8_t>(colours);
     const auto low = lit(widenedLow(bytes), doubledLow(factors), doubledLow(summands));
     const auto high = lit(widenedHigh(bytes), doubledHigh(factors), doubledHigh(summands));
-    colours = as<std::uint32_t>(narrowed(low, high)) & Several::all(0xFFFFFF);
+    colours = as<std::uint32_t>(narrowed(low, high)) & Numbers<count>::all(0xFFFFFF);
     // The top byte's words stand in the upper halves of the odd lanes.
-    const Several signs = Several::all(0x80008000) ^ Several::counted() << 31;
-    return lanesBelow(Several::all(0), (as<std::uint32_t>(low | high) & signs) >> 1) == 0;
+    const Numbers<count> signs = Numbers<count>::all(0x80008000) ^ Numbers<count>::counted() << 31;
+    return lanesBelow(Numbers<count>::all(0), (as<std::uint32_t>(low | high) & signs) >> 1) == 0;
 }
 
 /// Draws a row of `filteredCount` pixels or more in groups. The last one ends with the row, so that some of its pixels
@@ -280,11 +279,11 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
                                            corner(xR1, yR1, uR1, vR1, zR1, addR1, mulR1)});
     // Where no value wraps either, the texels that are seen lie between those of the corners.
     bool isGrouped = false;
-    if constexpr (drawsGroups<mapping>) {
+    if constexpr (drawsGroups(mapping)) {
         constexpr int mostLight = smaller(1 << 14, 1 << (30 - mapping.fractionBits));
         const Window window = windowOf(*clip);
         const int widest = larger(wrapSubtract(xR0, xL0), wrapSubtract(xR1, xL1));
-        if (widest >= groupedFrom && !window.empty() &&
+        if (widest >= filteredCount && !window.empty() &&
             allWithin(1 << (29 - mapping.fractionBits), xL0, xL1, xR0, xR1) && allWithin(1 << 29, yL0, yL1, yR0, yR1) &&
             allWithin(1 << (30 - mapping.fractionBits), uL0, uL1, uR0, uR1, vL0, vL1, vR0, vR1) &&
             allWithin(mostLight, mulL0, mulL1, mulR0, mulR1, addL0, addL1, addR0, addR1) &&
@@ -304,8 +303,8 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
     }
     const auto drawColumns = [=](int y, Span columns, const Running<WalkedColumn> &walk) {
         DepthEntry *const depthRow = testsDepth ? depths + y * step : nullptr;
-        if constexpr (drawsGroups<mapping>) {
-            if (isGrouped && columns.length() >= groupedFrom)
+        if constexpr (drawsGroups(mapping)) {
+            if (isGrouped && columns.length() >= filteredCount)
                 return drawGroups<shortened>(dst + y * step, depthRow, columns, walk, scene);
         }
         if (hasShortLight)

@@ -51,7 +51,8 @@ struct TurnedSource {
 
 /// Draws a row wherever the source positions lie within their bounds. `sampling` has a source and is called with
 /// (dst pixel, u, v) from left to right or, where no order can be told, with (first dst pixel, u, v) for as many pixels
-/// side by side as its `count` says. What lies `nextRow` pixels further on is fetched for the row that follows.
+/// side by side as its `count` says, unless that is 1. What lies `nextRow` pixels further on is fetched for the row
+/// that follows.
 template <class Sampling>
 void forEachTurned(q_ulong *row, Distance nextRow, const Track &u, const Track &v, int width,
                    const Sampling &sampling) {
@@ -64,20 +65,22 @@ void forEachTurned(q_ulong *row, Distance nextRow, const Track &u, const Track &
     Span inside = stretchInside(u.start, u.step, u.bounds, {0, width});
     inside = stretchInside(v.start, v.step, v.bounds, inside);
     int x = inside.begin;
-    if (inside.length() >= count && sampling.source.allowsGroups(row, inside, u, v)) {
-        const auto all = [](int number) { return Several::all(static_cast<std::uint32_t>(number)); };
-        const auto from = [&all, x](const Track &track) {
-            return all(track.at(x)) + Several::counted() * all(track.step);
-        };
-        const Several growthU = all(wrapMultiply(u.step, count));
-        const Several growthV = all(wrapMultiply(v.step, count));
-        Several uHere = from(u);
-        Several vHere = from(v);
-        for (; x <= inside.end - count; x += count) {
-            willWrite(row + nextRow + x);
-            sampling(row + x, uHere, vHere);
-            uHere = uHere + growthU;
-            vHere = vHere + growthV;
+    if constexpr (count > 1) {
+        if (inside.length() >= count && sampling.source.allowsGroups(row, inside, u, v)) {
+            const auto all = [](int number) { return Several::all(static_cast<std::uint32_t>(number)); };
+            const auto from = [&all, x](const Track &track) {
+                return all(track.at(x)) + Several::counted() * all(track.step);
+            };
+            const Several growthU = all(wrapMultiply(u.step, count));
+            const Several growthV = all(wrapMultiply(v.step, count));
+            Several uHere = from(u);
+            Several vHere = from(v);
+            for (; x <= inside.end - count; x += count) {
+                willWrite(row + nextRow + x);
+                sampling(row + x, uHere, vHere);
+                uHere = uHere + growthU;
+                vHere = vHere + growthV;
+            }
         }
     }
     for (; x < inside.end; ++x)

@@ -115,7 +115,7 @@ struct CopyPixels {
 /// The nearest source pixels: `store(dst pixel, src pixel)`, or `operation(dst pixels, src pixels)` on lanes.
 template <class Store, class Operation>
 struct Nearest {
-    static constexpr int count = nearestCount;
+    static constexpr int count = staysSmall ? 1 : nearestCount;
     TurnedSource<fractionBits, 0> source;
     Store store;
     Operation operation;
@@ -135,7 +135,7 @@ struct Nearest {
 /// The same with filtered colours.
 template <class Store, class Operation>
 struct Filtered {
-    static constexpr int count = filteredCount;
+    static constexpr int count = staysSmall ? 1 : filteredCount;
     TurnedSource<fractionBits, 1> source;
     Store store;
     Operation operation;
