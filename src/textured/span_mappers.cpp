@@ -207,20 +207,22 @@ void drawGroups(q_ulong *dst, DepthEntry *depths, Span pixels, const Running<Wal
         }
         if constexpr (mapping.depth == Depth::testedBehindNearLimit)
             drawn &= lanesBelow(Several::all(static_cast<std::uint32_t>(scene.nearLimit)), z);
-        if (drawn != 0) {
+        const auto drawAll = [&] {
             Several colours = filteredTurned(source, group.u, group.v);
             const bool isFlat = mapping.light == Light::flat;
-            if (lightSeveral(colours, isFlat ? Several::all(scene.flatMul[0]) : shiftedSigned(group.mul, fractionBits),
-                             isFlat ? Several::all(scene.flatAdd[0]) : shiftedSigned(group.add, fractionBits))) {
-                storeWhere(drawn, colours, dst + x);
-                if constexpr (mapping.depth != Depth::untested)
-                    storeLowWhere(drawn, z, depths + x);
-            } else {
-                for (int lane = 0; lane < filteredCount; ++lane)
-                    drawPixel<mapping>(dst[x + lane], depths ? depths + x + lane : nullptr,
-                                       walk.value + walk.step * (x + lane - pixels.begin), scene);
-            }
-        }
+            if (!lightSeveral(colours, isFlat ? Several::all(scene.flatMul[0]) : shiftedSigned(group.mul, fractionBits),
+                              isFlat ? Several::all(scene.flatAdd[0]) : shiftedSigned(group.add, fractionBits)))
+                return false;
+            colours.store(dst + x);
+            if constexpr (mapping.depth != Depth::untested)
+                storeLowWhere(all, z, depths + x);
+            return true;
+        };
+        // Texels of pixels that are left out may lie in no memory.
+        if (drawn != 0 && !(drawn == all && drawAll()))
+            for (int lane = 0; lane < filteredCount; ++lane)
+                drawPixel<mapping>(dst[x + lane], depths ? depths + x + lane : nullptr,
+                                   walk.value + walk.step * (x + lane - pixels.begin), scene);
         const int left = pixels.end - x - filteredCount;
         if (left >= filteredCount) {
             x += filteredCount;

@@ -111,18 +111,21 @@ Band bandOf(int left, int top, int right, int bottom) {
 constexpr tagRECT everywhere = {0, 0, 16, 16};
 
 template <class Function, class Data>
-void map(Function function, Data &data, Screen &screen, Surface &texels, const Band &b, tagRECT clip) {
-    function(&data, screen.surface.pixels(), texels.pixels(), &clip, screen.pitch(),
-             static_cast<q_ulong>(texels.pitch()), b.u.left0, b.u.left1, b.u.right0, b.u.right1, b.v.left0, b.v.left1,
-             b.v.right0, b.v.right1, b.x.left0, b.x.left1, b.x.right0, b.x.right1, b.y.left0, b.y.left1, b.y.right0,
-             b.y.right1, b.add.left0, b.add.left1, b.add.right0, b.add.right1, b.mul.left0, b.mul.left1, b.mul.right0,
-             b.mul.right1, b.z.left0, b.z.left1, b.z.right0, b.z.right1);
+void map(Function function, Data &data, Screen &screen, q_ulong *texels, int texelPitch, const Band &b, tagRECT clip) {
+    function(&data, screen.surface.pixels(), texels, &clip, screen.pitch(), static_cast<q_ulong>(texelPitch), b.u.left0,
+             b.u.left1, b.u.right0, b.u.right1, b.v.left0, b.v.left1, b.v.right0, b.v.right1, b.x.left0, b.x.left1,
+             b.x.right0, b.x.right1, b.y.left0, b.y.left1, b.y.right0, b.y.right1, b.add.left0, b.add.left1,
+             b.add.right0, b.add.right1, b.mul.left0, b.mul.left1, b.mul.right0, b.mul.right1, b.z.left0, b.z.left1,
+             b.z.right0, b.z.right1);
+}
+void map(const Mapper &mapper, Screen &screen, q_ulong *texels, int texelPitch, const Band &band, const tagRECT &clip) {
+    if (mapper.older)
+        map(mapper.older, screen.older, screen, texels, texelPitch, band, clip);
+    else
+        map(mapper.pipeline, screen.pipeline, screen, texels, texelPitch, band, clip);
 }
 void map(const Mapper &mapper, Screen &screen, Surface &texels, const Band &band, const tagRECT &clip = everywhere) {
-    if (mapper.older)
-        map(mapper.older, screen.older, screen, texels, band, clip);
-    else
-        map(mapper.pipeline, screen.pipeline, screen, texels, band, clip);
+    map(mapper, screen, texels.pixels(), texels.pitch(), band, clip);
 }
 /// With texels of one colour.
 void map(const Mapper &mapper, Screen &screen, const Band &band, q_ulong texel = 0x123456) {
@@ -304,6 +307,22 @@ TEST(span_mappers, of_two_equal_depths_the_first_drawn_stays) {
     });
 }
 
+TEST(span_mappers, texels_of_hidden_pixels_are_not_read) {
+    forMappers(&MapperKind::testsDepth, [](const Mapper &mapper) {
+        constexpr int shown = 18;
+        test::PageEndPixels texels(2 * (shown + 1));
+        std::fill_n(texels.data(), 2 * (shown + 1), 0x808080);
+        Screen screen(64, 1, 0, -32768);
+        for (int x = 0; x < shown; ++x)
+            screen.depths.at(x, 0) = 1;
+        Band band = bandOf(0, 0, 64, 1);
+        band.u = {0, 0, 64 * mapper.unit(), 64 * mapper.unit()};
+        map(mapper, screen, texels.data(), shown + 1, band, {0, 0, 64, 1});
+        for (int x = 0; x < 64; ++x)
+            EXPECT_EQ(screen.surface.at(x, 0), x < shown ? 0x808080u : 0u) << x;
+    });
+}
+
 TEST(span_mappers, mappers_without_HPE_neither_test_nor_write_depth) {
     forMappers([](const MapperKind &kind) { return !kind.testsDepth; },
                [](const Mapper &mapper) {
@@ -463,9 +482,9 @@ TEST(span_mappers, a_row_as_wide_as_minus_one_divides_without_a_trap) {
         Screen expected;
         Surface texels(4, 4, 0x123456);
         if (mapper.older)
-            map(mapper.plainOlder, expected.older, expected, texels, band, everywhere);
+            map(mapper.plainOlder, expected.older, expected, texels.pixels(), texels.pitch(), band, everywhere);
         else
-            map(mapper.plainPipeline, expected.pipeline, expected, texels, band, everywhere);
+            map(mapper.plainPipeline, expected.pipeline, expected, texels.pixels(), texels.pitch(), band, everywhere);
         EXPECT_EQ(screen.surface.differenceFrom(expected.surface), "");
     });
 }
