@@ -326,8 +326,8 @@ bool holdsCorners(const Call &call) {
 Areas readsTexels(const Call &call) {
     if (!holdsCorners(call))
         return {};
-    const Reach x = reachOf(call, [&](std::size_t i) { return static_cast<int>(pointOf(call, i).x); });
-    const Reach y = reachOf(call, [&](std::size_t i) { return static_cast<int>(pointOf(call, i).y); });
+    const Reach x = reachOf(call, [&](std::size_t i) { return plain::truncated(pointOf(call, i).x); });
+    const Reach y = reachOf(call, [&](std::size_t i) { return plain::truncated(pointOf(call, i).y); });
     const Reach u = reachOf(call, [&](std::size_t i) { return texelOf(call, i).x; });
     const Reach v = reachOf(call, [&](std::size_t i) { return texelOf(call, i).y; });
     const Sampling sampling = samplingOf(call, {x.least, y.least, x.greatest, y.greatest}, u, v);
