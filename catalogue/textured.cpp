@@ -292,8 +292,10 @@ enum class Sampling { none, filtered, nearest, wholeTexels };
 Sampling samplingOf(const Call &call, const Box &screen, const Reach &u, const Reach &v) {
     const q_ulong mode = modeOf(call);
     if (mode == plain::litMode || (mode == plain::flatMode && !isPipeline(call))) {
-        const bool isShrunk = (u.greatest - u.least) * (v.greatest - v.least) > screen.width() * screen.height() * 128;
-        return isShrunk ? Sampling::nearest : Sampling::filtered;
+        // Wide numbers: corners at the ends of all numbers have areas beyond 64 bits.
+        const double seen = static_cast<double>(u.greatest - u.least) * static_cast<double>(v.greatest - v.least);
+        const double drawn = static_cast<double>(screen.width()) * static_cast<double>(screen.height());
+        return seen > drawn * 128 ? Sampling::nearest : Sampling::filtered;
     }
     if (isPipeline(call) && cornersOf(call.row()) == 3) {
         const QMGLSpanMapper slot = call["data"].get<PipelineBlock>().data.spanMapper;
