@@ -847,10 +847,6 @@ inline Longs<16> pairsAt(const void *row, const std::int32_t *columns) {
     return Longs<16>{pair(columns[0]), pair(columns[1])};
 }
 
-} // namespace detail
-
-namespace detail {
-
 /// Lanes of `a` and then `b`, in blocks of 16 bytes.
 template <class Number, int count, int blocks>
 struct MovedUp {
@@ -1167,20 +1163,18 @@ using Spilled = target::Spilled<count>;
 /// As many doubles as the target takes at once.
 using Doubles = target::Lanes<double, target::registerBytes / 8>;
 
-/// Whether channels are multiplied where they stand, red beside blue and green alone: neither upper halves of products
-/// nor widening and narrowing are cheap in WebAssembly.
 #if defined(__wasm__)
-constexpr bool multipliesInPlace = true;
+constexpr bool isWebAssembly = true;
 #else
-constexpr bool multipliesInPlace = false;
+constexpr bool isWebAssembly = false;
 #endif
 
+/// Whether channels are multiplied where they stand, red beside blue and green alone: neither upper halves of products
+/// nor widening and narrowing are cheap in WebAssembly.
+constexpr bool multipliesInPlace = isWebAssembly;
+
 /// Whether code is kept small where it may: a WebAssembly module is fetched before it is run.
-#if defined(__wasm__)
-constexpr bool staysSmall = true;
-#else
-constexpr bool staysSmall = false;
-#endif
+constexpr bool staysSmall = isWebAssembly;
 
 /// Fetches memory that is soon to be read or written.
 inline void willRead(const void *memory) {

@@ -284,7 +284,7 @@ struct Row {
 };
 
 /// Columns side by side, each with its own sums: what is told column by column is done row by row, the way memory
-/// lies, with the same bytes.
+/// lies. As long as no two rows share a pixel that gives the same bytes.
 template <class Sums>
 struct Columns {
     static constexpr bool movesTwice = false;
