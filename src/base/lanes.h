@@ -139,6 +139,10 @@ struct Paired {
     static constexpr int at(int place) { return place / 8 * 8 + place % 2 * 4 + place % 8 / 2; }
 };
 
+struct Unpaired {
+    static constexpr int at(int place) { return place / 8 * 8 + place % 4 * 2 + place % 8 / 4; }
+};
+
 template <int first>
 struct Doubled {
     static constexpr int at(int place) { return place / 4 * 4 + first + place % 4 / 2; }
@@ -173,6 +177,11 @@ Lanes<Number, count> doubledHigh(Lanes<Number, count> a) {
 template <int count>
 Lanes<std::uint8_t, count> pairedBytes(Lanes<std::uint8_t, count> a) {
     return detail::shuffled<detail::Paired>(a);
+}
+
+template <int count>
+Lanes<std::uint8_t, count> unpairedBytes(Lanes<std::uint8_t, count> a) {
+    return detail::shuffled<detail::Unpaired>(a);
 }
 
 template <class Number, int count>

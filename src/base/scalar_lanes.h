@@ -163,6 +163,12 @@ Lanes<std::uint8_t, count> pairedBytes(Lanes<std::uint8_t, count> a) {
     return Lanes<std::uint8_t, count>::filled([&](int lane) { return a[lane / 8 * 8 + lane % 2 * 4 + lane % 8 / 2]; });
 }
 
+/// The bytes of pairs back in their numbers.
+template <int count>
+Lanes<std::uint8_t, count> unpairedBytes(Lanes<std::uint8_t, count> a) {
+    return Lanes<std::uint8_t, count>::filled([&](int lane) { return a[lane / 8 * 8 + lane % 4 * 2 + lane % 8 / 4]; });
+}
+
 /// The same lanes but for one of them.
 template <int lane, class Number, int count>
 Lanes<Number, count> withLane(Lanes<Number, count> a, Number number) {

@@ -25,7 +25,7 @@ inline int clearDepths(short *zBuffer, const tagRECT &rect, int pitch) {
     const Distance pairsPerRow = widthOf(rect) >> 1;
     const Distance rowStep = pitch >> 1;
     Distance pair = firstPair;
-    for (int rows = heightOf(rect); rows > 0; --rows, pair += rowStep)
+    for (int rows = heightOf(rect); rows > 0 && pairsPerRow > 0; --rows, pair += rowStep)
         std::fill_n(zBuffer + 2 * pair, 2 * pairsPerRow, emptyDepth);
     return 1;
 }

@@ -86,7 +86,9 @@ void iBltPerfect32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRec
     using Position = Signed15_17;
     const int dstWidth = widthOf(*dstRect);
     const int dstHeight = heightOf(*dstRect);
-    if (dstWidth == 0 || dstHeight == 0)
+    const int width = dstWidth / 16 + 1;
+    const int height = dstHeight / 16 + 1;
+    if (dstWidth == 0 || dstHeight == 0 || width < 1 || height < 1)
         return;
     // The phase within a pixel, from sixteenths to the fraction bits of a position.
     const auto startOf = [](q_long srcEdge, q_long dstEdge) {
@@ -98,8 +100,8 @@ void iBltPerfect32(q_ulong *dst, q_ulong *src, tagRECT *dstRect, tagRECT *srcRec
                                        .dstPitch = dstStride,
                                        .src = pixelAt(src, srcStride, srcRect->left / 16, srcRect->top / 16),
                                        .srcPitch = srcStride,
-                                       .width = dstWidth / 16 + 1,
-                                       .height = dstHeight / 16 + 1,
+                                       .width = width,
+                                       .height = height,
                                        .startX = startOf(srcRect->left, dstRect->left),
                                        .startY = startOf(srcRect->top, dstRect->top),
                                        .stepX = Position::step(widthOf(*srcRect), dstWidth),

@@ -201,13 +201,21 @@ private:
 
 /// The cosine of an angle from 0 to a quarter turn, within 2^-48.
 inline double quickCosine(double angle) {
-    // The series up to the 22nd power; the next of its terms is below 2^-63.
-    constexpr double reciprocals[] = {-1.0 / 462, -1.0 / 380, -1.0 / 306, -1.0 / 240, -1.0 / 182, -1.0 / 132,
-                                      -1.0 / 90,  -1.0 / 56,  -1.0 / 30,  -1.0 / 12,  -1.0 / 2};
+    // The series up to the 20th power; the next of its terms is below 2^-55.
+    constexpr double reciprocals[] = {-1.0 / 6402373705728000,
+                                      1.0 / 20922789888000,
+                                      -1.0 / 87178291200,
+                                      1.0 / 479001600,
+                                      -1.0 / 3628800,
+                                      1.0 / 40320,
+                                      -1.0 / 720,
+                                      1.0 / 24,
+                                      -1.0 / 2,
+                                      1};
     const double square = angle * angle;
-    double sum = 1;
+    double sum = 1.0 / 2432902008176640000.0;
     for (const double reciprocal : reciprocals)
-        sum = 1 + sum * square * reciprocal;
+        sum = sum * square + reciprocal;
     return sum;
 }
 
@@ -219,48 +227,50 @@ struct SpottedResource {
     bool hasSecond;
 
     void shade(int start, int j, int count, Shading &shading) const {
-        const auto squareTo = [=](const Spot &spot, int i) {
-            const int dx = start + i - spot.x;
-            const int dy = j - spot.y;
-            return dx * dx + dy * dy;
+        const auto isLitBy = [=](const Spot &spot) {
+            const int dx = larger(larger(start - spot.x, spot.x - (start + count - 1)), 0);
+            return spot.reaches(squaredDistance(dx, j - spot.y));
         };
-        bool anyFirst = false;
-        bool anySecond = false;
         for (int i = 0; i < count; ++i) {
-            const int squared = squareTo(glow, i);
-            const bool isReached = glow.reaches(squared);
-            const double fallen =
-                200 * quickCosine((isReached ? squared : glow.darkFrom) * static_cast<double>(glow.angle));
-            const int light = static_cast<int>(fallen);
-            shading.light[i] = 55 + (isReached ? light : 0);
-            shading.open[i] = isReached ? openAround(fallen) : 0;
+            shading.light[i] = 55;
             shading.highlight[i] = 0;
-            anyFirst |= first.reaches(squareTo(first, i));
-            anySecond |= second.reaches(squareTo(second, i));
+            shading.open[i] = 0;
         }
-        if (anyFirst)
+        if (isLitBy(glow))
+            for (int i = 0; i < count; ++i) {
+                const int dx = start + i - glow.x;
+                const int dy = j - glow.y;
+                const int squared = dx * dx + dy * dy;
+                const int reached = reachedMask(glow, squared);
+                const double fallen =
+                    200 * quickCosine(smaller(squared, glow.darkFrom) * static_cast<double>(glow.angle));
+                shading.light[i] = 55 + (static_cast<int>(fallen) & reached);
+                shading.open[i] = openAround(fallen) & reached;
+            }
+        if (isLitBy(first))
             addSpot(first, 200, start, j, count, shading);
-        if (anySecond && hasSecond)
+        if (hasSecond && isLitBy(second))
             addSpot(second, 64, start, j, count, shading);
     }
 
 private:
+    /// All bits where a spot reaches, none elsewhere: with a branch, loops would not be made of lanes.
+    static int reachedMask(const Spot &spot, int squared) { return -static_cast<int>(spot.reaches(squared)); }
+
     static void addSpot(const Spot &spot, int strength, int start, int j, int count, Shading &shading) {
         for (int i = 0; i < count; ++i) {
             const int dx = start + i - spot.x;
             const int dy = j - spot.y;
             const int squared = dx * dx + dy * dy;
-            const bool isReached = spot.reaches(squared);
-            double power = quickCosine((isReached ? squared : 0) * static_cast<double>(spot.angle));
+            const int reached = reachedMask(spot, squared);
+            double power = quickCosine(smaller(squared, spot.darkFrom) * static_cast<double>(spot.angle));
             power *= power;
             power *= power;
             power *= power;
             power *= power;
             power *= strength;
-            const int highlight = static_cast<int>(power);
-            const int open = openAround(power);
-            shading.highlight[i] = isReached ? highlight : shading.highlight[i];
-            shading.open[i] |= isReached ? open : 0;
+            shading.highlight[i] = (static_cast<int>(power) & reached) | (shading.highlight[i] & ~reached);
+            shading.open[i] |= openAround(power) & reached;
         }
     }
 };
@@ -350,6 +360,8 @@ void forEachRowOf(const Disc &disc, long long squaredReach, Draw draw) {
 /// The resource stretched over a bubble; positions have `fraction` fraction bits.
 template <int fraction>
 struct StretchedResource {
+    static constexpr int fractionBits = fraction;
+
     const q_ulong *words;
     Distance pitch;
     int step;
@@ -403,70 +415,155 @@ void refract(const Scene &scene, const StretchedResource<fraction> &resource, in
     });
 }
 
-/// Works out the same pixels a stretch at a time: where they show the background, and then their colours side by side.
-template <int fraction>
+/// What a stretch of a bubble shows: pixels of the background, and words of the resource.
+struct Shown {
+    q_ulong backgrounds[stretch];
+    q_ulong words[stretch];
+};
+
+/// Where the rays of any bubble come from.
+class Rays {
+public:
+    static bool serve(const Scene &, int) { return true; }
+
+    Rays(const Scene &drawn, int size) : scene(drawn), unit(65536 / oneIfZero(wrapMultiply(size, size))) {}
+
+    /// Finds what the pixels from (x, y) on show; `words` are the resource's row.
+    template <class Resource>
+    void find(Shown &shown, int x, int y, int count, const Resource &resource, const q_ulong *words) const {
+        const auto &[surface, pitch, width, height, disc] = scene;
+        const int cx = disc.centreX();
+        const int cy = disc.centreY();
+        const int dy = y - cy;
+        int seenX[stretch];
+        int seenY[stretch];
+        int texels[stretch];
+        for (int i = 0; i < stretch; ++i) {
+            const int dx = wrapSubtract(wrapAdd(x, i), cx);
+            const int bend = 48 - (wrapMultiply(-29, wrapMultiply(squaredDistance(dx, dy), unit)) >> 12);
+            seenX[i] = wrapAdd(cx, wrapMultiply(dx, bend) >> 7);
+            seenY[i] = wrapAdd(cy, wrapMultiply(dy, bend) >> 7);
+            texels[i] = resource.column(wrapSubtract(wrapAdd(x, i), disc.left));
+        }
+        for (int i = 0; i < count; ++i) {
+            const bool onSurface = static_cast<unsigned>(seenX[i]) < static_cast<unsigned>(width) &&
+                                   static_cast<unsigned>(seenY[i]) < static_cast<unsigned>(height);
+            shown.backgrounds[i] = onSurface ? *pixelAt(surface, pitch, seenX[i], seenY[i]) : 0;
+            shown.words[i] = words[texels[i]];
+        }
+    }
+
+private:
+    const Scene &scene;
+    int unit;
+};
+
+/// The same for bubbles so small that all factors fit 16 bits with their signs.
+class ShortRays {
+public:
+    static bool serve(const Scene &scene, int size) {
+        constexpr int mostPitch = 32767;
+        constexpr int mostLength = 1 << 30;
+        return size >= 2 && scene.disc.radius <= 181 && scene.pitch >= -mostPitch && scene.pitch <= mostPitch &&
+               scene.width <= mostLength && scene.height <= mostLength;
+    }
+
+    ShortRays(const Scene &drawn, int size)
+        : scene(drawn),
+          centre(pixelAt(drawn.surface, drawn.pitch, Distance{drawn.disc.centreX()}, Distance{drawn.disc.centreY()})),
+          unit(static_cast<std::uint32_t>(65536 / (size * size))) {
+        const int reach = (165 * drawn.disc.radius >> 7) + 1;
+        const auto covers = [reach](int length, int middle) { return middle >= reach && middle + reach < length; };
+        staysOnSurface = covers(drawn.width, drawn.disc.centreX()) && covers(drawn.height, drawn.disc.centreY());
+    }
+
+    template <class Resource>
+    void find(Shown &shown, int x, int y, int count, const Resource &resource, const q_ulong *words) const {
+        constexpr int lanes = sizeof(Pixels) / sizeof(q_ulong);
+        const Disc &disc = scene.disc;
+        const int cx = disc.centreX();
+        const int cy = disc.centreY();
+        const auto all = [](int number) { return Pixels::all(static_cast<std::uint32_t>(number)); };
+        const auto products = [](Pixels a, Pixels b) { return pairSums(as<std::uint16_t>(a), as<std::uint16_t>(b)); };
+        const auto pairsOf = [](Pixels low, Pixels high) { return (low & Pixels::all(0xFFFF)) | high << 16; };
+        const Pixels dy = all(y - cy);
+        const Pixels steps = Pixels::all(1 | static_cast<std::uint32_t>(scene.pitch) << 16);
+        Pixels dx = all(x - cx) + Pixels::counted();
+        Pixels texel = all(wrapMultiply(x - disc.left, resource.step)) + Pixels::counted() * all(resource.step);
+        const Pixels texelStep = all(wrapMultiply(resource.step, lanes));
+        std::int32_t places[stretch];
+        std::int32_t texels[stretch];
+        std::int32_t outside[stretch]; // below 0 where it is
+        for (int i = 0; i < count; i += lanes, dx = dx + all(lanes), texel = texel + texelStep) {
+            const Pixels position = pairsOf(dx, dy);
+            const Pixels square = products(position, position);
+            const Pixels bend = ((products(products(square, Pixels::all(unit)), all(29)) + all(4095)) >> 12) + all(48);
+            const Pixels seenX = shiftedSigned(products(dx, bend), 7);
+            const Pixels seenY = shiftedSigned(products(dy, bend), 7);
+            products(pairsOf(seenX, seenY), steps).store(places + i);
+            shiftedSigned(texel, Resource::fractionBits).store(texels + i);
+            if (!staysOnSurface)
+                ((seenX + all(cx)) | (all(scene.width - 1 - cx) - seenX) | (seenY + all(cy)) |
+                 (all(scene.height - 1 - cy) - seenY))
+                    .store(outside + i);
+        }
+        for (int i = 0; i < count; ++i)
+            shown.words[i] = words[texels[i]];
+        if (staysOnSurface)
+            for (int i = 0; i < count; ++i)
+                shown.backgrounds[i] = centre[places[i]];
+        else
+            for (int i = 0; i < count; ++i)
+                shown.backgrounds[i] = outside[i] < 0 ? 0 : centre[places[i]];
+    }
+
+private:
+    const Scene &scene;
+    const q_ulong *centre;
+    std::uint32_t unit;
+    bool staysOnSurface;
+};
+
+/// Works out the same pixels a stretch at a time: what they show, and then their colours side by side.
+template <class RaysOf, int fraction>
 void refractAbreast(const Scene &scene, const StretchedResource<fraction> &resource, int size, q_ulong color,
                     q_ulong *scratch) {
     constexpr int lanes = registerBytes / 4;
     using Bytes = qmur::Bytes<registerBytes>;
     using Words = qmur::Words<registerBytes / 2>;
-    const int squaredSize = wrapMultiply(size, size);
-    const int unit = squaredSize == 0 ? 0 : 65536 / squaredSize;
+    const RaysOf rays(scene, size);
     const Words colorWords = widenedLow(as<std::uint8_t>(Pixels::all(color & 0xFFFFFF)));
-    scene.forEachRow([=, next = scratch](int y, Span columns) mutable {
-        const auto [surface, pitch, width, height, disc] = scene;
-        const int cx = disc.centreX();
-        const int cy = disc.centreY();
-        const int dy = y - cy;
-        const q_ulong *const words = resource.row(y - disc.top);
+    const auto mixed = [colorWords](Pixels background, Pixels word) {
+        const auto inPairs = [](Pixels number) { return number | number << 16; };
+        const Pixels lights = inPairs(word & Pixels::all(0xFF));
+        const Pixels tints = inPairs(word >> 8 & Pixels::all(0xFF));
+        const Bytes tinted = narrowed(colorWords * as<std::uint16_t>(interleavedLow(lights, lights)) >> 7,
+                                      colorWords * as<std::uint16_t>(interleavedHigh(lights, lights)) >> 7);
+        const auto mean = [](Words d, Words s, Words tint) { return (d * (Words::all(256) - tint) + s * tint) >> 8; };
+        const Bytes behind = as<std::uint8_t>(background);
+        const Bytes glass =
+            narrowed(mean(widenedLow(behind), widenedLow(tinted), as<std::uint16_t>(interleavedLow(tints, tints))),
+                     mean(widenedHigh(behind), widenedHigh(tinted), as<std::uint16_t>(interleavedHigh(tints, tints))));
+        const Pixels highlight = word >> 16 & Pixels::all(0xFF);
+        const Pixels highlights = inPairs(highlight) | highlight << 8;
+        return as<std::uint32_t>(saturatingSum(glass, as<std::uint8_t>(highlights))) & Pixels::all(0xFFFFFF);
+    };
+    scene.forEachRow([&, next = scratch](int y, Span columns) mutable {
+        const q_ulong *const words = resource.row(y - scene.disc.top);
         for (int start = columns.begin; start < columns.end; start += stretch) {
             const int count = smaller(columns.end - start, stretch);
-            int seenX[stretch];
-            int seenY[stretch];
-            int texels[stretch];
-            q_ulong backgrounds[stretch];
-            q_ulong texelWords[stretch];
-            for (int i = 0; i < stretch; ++i) {
-                const int dx = wrapSubtract(wrapAdd(start, i), cx);
-                const int bend = 48 - (wrapMultiply(-29, wrapMultiply(squaredDistance(dx, dy), unit)) >> 12);
-                seenX[i] = wrapAdd(cx, wrapMultiply(dx, bend) >> 7);
-                seenY[i] = wrapAdd(cy, wrapMultiply(dy, bend) >> 7);
-                texels[i] = resource.column(wrapSubtract(wrapAdd(start, i), disc.left));
-            }
-            for (int i = 0; i < count; ++i) {
-                const bool onSurface = static_cast<unsigned>(seenX[i]) < static_cast<unsigned>(width) &&
-                                       static_cast<unsigned>(seenY[i]) < static_cast<unsigned>(height);
-                backgrounds[i] = onSurface ? *pixelAt(surface, pitch, seenX[i], seenY[i]) : 0;
-                texelWords[i] = words[texels[i]];
-            }
-            const auto mixed = [&](int i) {
-                const Pixels word = Pixels::load(texelWords + i);
-                const Pixels background = Pixels::load(backgrounds + i);
-                const auto inPairs = [](Pixels number) { return number | number << 16; };
-                const Pixels lights = inPairs(word & Pixels::all(0xFF));
-                const Pixels tints = inPairs(word >> 8 & Pixels::all(0xFF));
-                const Bytes tinted = narrowed(colorWords * as<std::uint16_t>(interleavedLow(lights, lights)) >> 7,
-                                              colorWords * as<std::uint16_t>(interleavedHigh(lights, lights)) >> 7);
-                const auto mean = [](Words d, Words s, Words tint) {
-                    return (d * (Words::all(256) - tint) + s * tint) >> 8;
-                };
-                const Bytes behind = as<std::uint8_t>(background);
-                const Bytes glass = narrowed(
-                    mean(widenedLow(behind), widenedLow(tinted), as<std::uint16_t>(interleavedLow(tints, tints))),
-                    mean(widenedHigh(behind), widenedHigh(tinted), as<std::uint16_t>(interleavedHigh(tints, tints))));
-                const Pixels highlight = word >> 16 & Pixels::all(0xFF);
-                const Pixels highlights = inPairs(highlight) | highlight << 8;
-                return as<std::uint32_t>(saturatingSum(glass, as<std::uint8_t>(highlights))) & Pixels::all(0xFFFFFF);
+            Shown shown;
+            rays.find(shown, start, y, count, resource, words);
+            const auto mixedAt = [&](int i) {
+                return mixed(Pixels::load(shown.backgrounds + i), Pixels::load(shown.words + i));
             };
             int i = 0;
             for (; i + lanes <= count; i += lanes)
-                mixed(i).store(next + i);
+                mixedAt(i).store(next + i);
             if (i < count) {
                 for (int behind = count; behind < i + lanes; ++behind)
-                    backgrounds[behind] = texelWords[behind] = 0;
-                q_ulong rest[lanes];
-                mixed(i).store(rest);
-                std::memcpy(next + i, rest, static_cast<std::size_t>(count - i) * sizeof(q_ulong));
+                    shown.backgrounds[behind] = shown.words[behind] = 0;
+                mixedAt(i).storeFirst(next + i, count - i);
             }
             next += count;
         }
@@ -484,6 +581,21 @@ bool scratchIsApart(const Scene &scene, const q_ulong *scratch, const q_ulong *r
     const Extent written = {first.begin, first.end + pixels};
     return written.isApartFrom(extentOf(scene.surface, scene.pitch, windowOf(scene.width, scene.height))) &&
            written.isApartFrom(extentOf(resource, resourcePitch, windowOf(resourceSize, resourceSize)));
+}
+
+/// Works out all pixels of a bubble in one of the ways; true if that was not the one pixel by pixel.
+template <int fraction>
+bool refractInto(q_ulong *scratch, const Scene &scene, const StretchedResource<fraction> &resource, int resourceSize,
+                 int size, q_ulong color) {
+    if (!scratchIsApart(scene, scratch, resource.words, resource.pitch, resourceSize)) {
+        refract(scene, resource, size, color, scratch);
+        return false;
+    }
+    if (!staysSmall && ShortRays::serve(scene, size))
+        refractAbreast<ShortRays>(scene, resource, size, color, scratch);
+    else
+        refractAbreast<Rays>(scene, resource, size, color, scratch);
+    return true;
 }
 
 } // namespace
@@ -545,11 +657,7 @@ void DrawRealBubble(q_ulong *surface, q_ulong *scratch, int pitch, int cx, int c
                          .height = height,
                          .disc = discAround(cx, cy, size, width, height)};
     const StretchedResource<18> stretched(resource, resourceSize, resourceSize, size);
-    const bool isApart = scratchIsApart(scene, scratch, resource, resourceSize, resourceSize);
-    if (isApart)
-        refractAbreast(scene, stretched, size, color, scratch);
-    else
-        refract(scene, stretched, size, color, scratch);
+    const bool isApart = refractInto(scratch, scene, stretched, resourceSize, size, color);
     scene.forEachRow([=, next = scratch](int y, Span columns) mutable {
         q_ulong *const row = surface + y * scene.pitch;
         const int *const roots = iSqrt;
@@ -592,10 +700,7 @@ void DrawRealBubbleOld(q_ulong *surface, q_ulong *scratch, int pitch, int cx, in
                          .disc = discAround(cx, cy, size, width, height)};
     // Meant: the resource's rows are as long as the surface's.
     const StretchedResource<16> stretched(resource, pitch, resourceSize, size);
-    if (scratchIsApart(scene, scratch, resource, pitch, resourceSize))
-        refractAbreast(scene, stretched, size, color, scratch);
-    else
-        refract(scene, stretched, size, color, scratch);
+    refractInto(scratch, scene, stretched, resourceSize, size, color);
     scene.forEachRow([=, next = scratch](int y, Span columns) mutable {
         q_ulong *const row = surface + y * scene.pitch;
         for (int x = columns.begin; x < columns.end; ++x)

@@ -722,12 +722,14 @@ void blurColumns(const Pictures &pictures, SlidingWindow window, Edge edgeMean) 
     if (canGoAbreast(pictures, window, pictures.height) &&
         blurColumnsInRegisters<Sums, widestBytes>(pictures, window, edgeMean))
         return;
-    for (int x = 0; x < pictures.width; x += Columns<Sums>::most) {
+    // Where rows run into each other, a column is to be finished before the next one is written.
+    const int together = keepsPixelsApart(pictures.dstPitch, pictures.width) ? Columns<Sums>::most : 1;
+    for (int x = 0; x < pictures.width; x += together) {
         Columns<Sums> columns = {.dst = pictures.dst + x,
                                  .dstPitch = pictures.dstPitch,
                                  .src = pictures.src + x,
                                  .srcPitch = pictures.srcPitch,
-                                 .count = smaller(pictures.width - x, Columns<Sums>::most)};
+                                 .count = smaller(pictures.width - x, together)};
         slide(columns, pictures.height, window, edgeMean);
     }
 }

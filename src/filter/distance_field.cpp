@@ -1,4 +1,5 @@
 #include "distance_field.h"
+#include "base/lanes.h"
 #include "q_Mur/filter.h"
 
 #include <initializer_list>
@@ -6,64 +7,63 @@
 namespace qmur {
 namespace {
 
-/// Takes over what the neighbours at `-offset` and `offset` allow; true if that is less than before.
-class Spread {
-public:
-    Spread(int *ringNumbers, const LinearBlock &block) : rings(ringNumbers), count(block.count), pitch(block.pitch) {}
+/// Takes over what the three neighbours in another row allow. The rows do not overlap.
+void takeFromRow(int *rings, const int *row, int count) {
+    for (int i = 0; i < count; ++i)
+        rings[i] = smaller(rings[i], smaller(smaller(row[i - 1], row[i]), row[i + 1]) + 1);
+}
 
-    bool from(Distance index, int direction) {
-        const Distance neighbours[] = {1, pitch - 1, pitch, pitch + 1};
-        int least = rings[index];
-        for (const Distance offset : neighbours) {
-            const Distance neighbour = index - direction * offset;
-            if (neighbour >= 0 && neighbour < count && rings[neighbour] + 1 < least)
-                least = rings[neighbour] + 1;
-        }
-        const bool changed = least < rings[index];
-        rings[index] = least;
-        return changed;
+/// So many numbers are looked at together: in most places a row gains nothing from its own neighbours.
+constexpr int stretch = 16;
+
+/// Takes over what the neighbours before allow, one after the other.
+void takeFromBefore(int *rings, int count) {
+    for (int begin = 0; begin < count; begin += stretch) {
+        const int end = smaller(begin + stretch, count);
+        int open = staysSmall || end - begin < stretch;
+        if (open == 0)
+            for (int i = 0; i < stretch; ++i)
+                open |= rings[begin + i] > rings[begin + i - 1] + 1;
+        for (int i = begin; open != 0 && i < end; ++i)
+            rings[i] = smaller(rings[i], rings[i - 1] + 1);
     }
+}
 
-    /// The same where all of the neighbours are in the block.
-    bool fromInside(Distance index, int direction) {
-        int *const ring = rings + index;
-        const int *const row = ring - direction * pitch;
-        const int least = smaller(smaller(row[-1], row[0]), smaller(row[1], ring[-direction])) + 1;
-        const int before = *ring;
-        *ring = smaller(before, least);
-        return least < before;
+/// The same of the neighbours behind.
+void takeFromBehind(int *rings, int count) {
+    for (int end = count; end > 0; end -= stretch) {
+        const int begin = larger(end - stretch, 0);
+        int open = staysSmall || end - begin < stretch;
+        if (open == 0)
+            for (int i = 0; i < stretch; ++i)
+                open |= rings[begin + i] > rings[begin + i + 1] + 1;
+        for (int i = end - 1; open != 0 && i >= begin; --i)
+            rings[i] = smaller(rings[i], rings[i + 1] + 1);
     }
-
-    /// Down and then up over the whole block; true if anything has changed.
-    bool everywhere() {
-        const Distance margin = pitch + 1 < count ? pitch + 1 : count;
-        bool changed = false;
-        Distance i = 0;
-        for (; i < margin; ++i)
-            changed |= from(i, 1);
-        for (; i < count; ++i)
-            changed |= fromInside(i, 1);
-        for (i = count - 1; i >= count - margin; --i)
-            changed |= from(i, -1);
-        for (; i >= 0; --i)
-            changed |= fromInside(i, -1);
-        return changed;
-    }
-
-private:
-    int *rings;
-    Distance count;
-    Distance pitch;
-};
+}
 
 } // namespace
 
 void findRings(const LinearBlock &block, int *rings) {
     constexpr int unreached = 0x3FFFFFFF;
+    const Distance margin = ringMargin(block.pitch);
+    const Distance end = block.count + margin;
     for (Distance i = 0; i < block.count; ++i)
         rings[i] = block.words[i] == 0 ? 0 : unreached;
-    Spread spread(rings, block);
-    while (spread.everywhere()) {
+    for (Distance i = 0; i < margin; ++i)
+        rings[-1 - i] = rings[block.count + i] = unreached;
+    // As many as have no neighbour in another row among them.
+    const Distance length = block.pitch > 2 ? block.pitch - 1 : 1;
+    const auto countFrom = [length](Distance left) { return static_cast<int>(left < length ? left : length); };
+    for (Distance i = 0; i < end; i += length) {
+        takeFromRow(rings + i, rings + i - block.pitch, countFrom(end - i));
+        takeFromBefore(rings + i, countFrom(end - i));
+    }
+    takeFromBehind(rings + block.count, static_cast<int>(margin) - 1);
+    for (Distance i = block.count; i > 0; i -= length) {
+        const int count = countFrom(i);
+        takeFromRow(rings + i - count, rings + i - count + block.pitch, count);
+        takeFromBehind(rings + i - count, count);
     }
 }
 

@@ -26,9 +26,14 @@ struct LinearBlock {
 /// that no black one can be found from get a number above `block.count`. From ring 708 on, where corners are as far as
 /// #noDistance and the search passes them over, they count here all the same.
 ///
-/// The ring number is the chessboard distance on the index. It spreads from word to neighbouring word; two passes, down
-/// and up, settle nearly all of it, and they are repeated while anything changes.
+/// The ring number is the chessboard distance on the index. A shortest way to black goes up in the index first and then
+/// down, and so few steps too far that it stays in a margin behind the block: two passes settle it. There is such a
+/// margin of ringMargin() numbers on either side of `rings`.
 void findRings(const LinearBlock &block, int *rings);
+
+constexpr Distance ringMargin(Distance pitch) {
+    return pitch + 2;
+}
 
 /// Where black lies before and behind every word of a block, along its row and its column: the nearest black word of a
 /// ring is found on its four sides without walking along them.

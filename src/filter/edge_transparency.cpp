@@ -128,47 +128,57 @@ struct FadingRing {
     }
 };
 
-/// Mixes the columns of a row that lie in the ring, a stretch at a time.
+/// Mixes the columns of a row that lie in the ring, a stretch at a time. The ring's radius fits 16 bits with its sign,
+/// and so do all factors.
 void mixRing(q_ulong *out, const q_ulong *inside, const q_ulong *outside, const FadingRing &ring, int dy,
              Span columns) {
     constexpr int stretch = 32;
     constexpr int lanes = widestBytes / 4;
+    using Pixels = Numbers<lanes>;
+    const auto all = [](int number) { return Pixels::all(static_cast<std::uint32_t>(number)); };
+    const auto products = [](Pixels a, Pixels b) { return pairSums(as<std::uint16_t>(a), as<std::uint16_t>(b)); };
+    const Pixels outer = all(ring.outer);
+    const Pixels lowScale = all(ring.scale & 0x7FFF);
+    const Pixels highScale = all(ring.scale >> 15);
+    const Pixels rowOffset = all(dy << 16);
     for (int start = columns.begin; start < columns.end; start += stretch) {
         const int count = smaller(columns.end - start, stretch);
-        const int firstX = start - ring.centreX;
+        std::int32_t squares[stretch];
+        std::int32_t roots[stretch];
+        Pixels dx = all(start - ring.centreX) + Pixels::counted();
+        for (int i = 0; i < stretch; i += lanes, dx = dx + all(lanes)) {
+            const Pixels offsets = (dx & Pixels::all(0xFFFF)) | rowOffset;
+            products(offsets, offsets).store(squares + i);
+        }
+        // Never below the whole root, and at most 1 above it: a float's own is less than a hundredth off.
+        for (int i = 0; i < stretch; ++i)
+            roots[i] = static_cast<int>(std::sqrt(static_cast<float>(squares[i])) + 0.015625F);
+        const auto mixesAt = [&](int i) {
+            const Pixels root = Pixels::load(roots + i);
+            const Pixels excess = shiftedSigned(Pixels::load(squares + i) - products(root, root), 31);
+            const Pixels depth = outer - root - excess;
+            return (products(depth, lowScale) >> 15) + products(depth, highScale);
+        };
         q_ulong tops = 0;
         for (int i = 0; i < count; ++i)
             tops |= inside[start + i] ^ outside[start + i];
-        q_ulong mixes[stretch];
-        for (int i = 0; i < stretch; ++i) {
-            const int square = (firstX + i) * (firstX + i) + dy * dy;
-            // The root of a float is less than 1 off.
-            int root = static_cast<int>(std::sqrt(static_cast<float>(square)));
-            root -= root * root > square ? 1 : 0;
-            root += root * root + 2 * root < square ? 1 : 0;
-            mixes[i] = static_cast<q_ulong>(wrapMultiply(ring.outer - root, ring.scale)) >> 15;
-        }
         if (topByteOf(tops) != 0) {
+            q_ulong mixes[stretch];
+            for (int i = 0; i < stretch; i += lanes)
+                mixesAt(i).store(mixes + i);
             for (int i = 0; i < count; ++i)
                 out[start + i] = mix4096(outside[start + i], inside[start + i], mixes[i]);
             continue;
         }
-        using Pixels = Numbers<lanes>;
-        const auto mixed = [&](const q_ulong *low, const q_ulong *high, int i) {
-            return mixAbreast(Pixels::load(low), Pixels::load(high), Pixels::load(mixes + i));
-        };
+        const auto mixed = [&](Pixels low, Pixels high, int i) { return mixAbreast(low, high, mixesAt(i)); };
+        const q_ulong *const low = outside + start;
+        const q_ulong *const high = inside + start;
         int i = 0;
         for (; i + lanes <= count; i += lanes)
-            mixed(outside + start + i, inside + start + i, i).store(out + start + i);
-        if (i < count) {
-            q_ulong low[lanes] = {};
-            q_ulong high[lanes] = {};
-            const std::size_t rest = static_cast<std::size_t>(count - i) * sizeof(q_ulong);
-            std::memcpy(low, outside + start + i, rest);
-            std::memcpy(high, inside + start + i, rest);
-            mixed(low, high, i).store(low);
-            std::memcpy(out + start + i, low, rest);
-        }
+            mixed(Pixels::load(low + i), Pixels::load(high + i), i).store(out + start + i);
+        if (i < count)
+            mixed(Pixels::loadFirst(low + i, count - i), Pixels::loadFirst(high + i, count - i), i)
+                .storeFirst(out + start + i, count - i);
     }
 }
 

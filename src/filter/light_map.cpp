@@ -5,6 +5,7 @@
 #include "distance_field.h"
 #include "q_Mur/filter.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -43,7 +44,7 @@ class HeightPlane {
 public:
     explicit HeightPlane(const Shape &shape)
         : elements(Scratch<float>::zeroed((shape.height + 2) * (shape.pitch + 2))),
-          first(elements.data() + shape.pitch + 3) {}
+          first(elements ? elements.data() + shape.pitch + 3 : nullptr) {}
 
     explicit operator bool() const { return static_cast<bool>(elements); }
     float &operator[](Distance index) const { return first[index]; }
@@ -71,35 +72,67 @@ private:
 /// The ring numbers of the shape's pixels; see findRings().
 class Rings {
 public:
-    explicit Rings(const Shape &shape) : block(shape.block()), numbers(Scratch<int>::zeroed(shape.wordCount())) {
-        if (!numbers)
+    explicit Rings(const Shape &shape)
+        : block(shape.block()), elements(Scratch<int>::zeroed(shape.wordCount() + 2 * ringMargin(shape.pitch))),
+          numbers(elements ? elements.data() + ringMargin(shape.pitch) : nullptr) {
+        if (!elements)
             return;
         // A block that starts inside a row ends inside the row behind the rectangle, which need not exist: it is read
         // only if a search would have come there.
         block.count -= shape.left > 0 ? shape.left : 0;
         if (block.count < 1)
             block.count = shape.wordCount();
-        findRings(block, numbers.data());
+        isFound = find(shape);
         if (block.count < shape.wordCount() && searchesReach(shape, block.count)) {
             block = shape.block();
-            findRings(block, numbers.data());
+            isFound = find(shape);
         }
-        found = largestOf(shape) <= shape.wordCount();
+        found = largestOf(shape);
+        isFound = isFound && found <= shape.wordCount();
     }
 
     /// False if there is no memory, or no black word from which a ring could be counted.
-    explicit operator bool() const { return numbers && found; }
+    explicit operator bool() const { return elements && isFound; }
     int operator[](Distance index) const { return numbers[index]; }
     /// The words that any search comes to.
     const LinearBlock &searched() const { return block; }
 
+    /// The largest of them.
+    int largest() const { return found; }
+
+private:
+    /// Finds the rings and goes on where black lies in none but corners of a ring that are too far to count. A pixel
+    /// for which nothing counts at all stays with the first ring. False without memory.
+    bool find(const Shape &shape) {
+        constexpr int firstWithFarCorners = 708; // 708 * 708 * 2 is more than noDistance
+        constexpr int firstOutOfReach = 1000;
+        findRings(block, numbers);
+        std::fill(numbers + block.count, numbers + shape.wordCount(), 0);
+        if (largestOf(shape) < firstWithFarCorners)
+            return true;
+        const NearestOnRings nearest(block);
+        if (!nearest)
+            return false;
+        shape.forEachPixel([&](Distance index) {
+            int ring = numbers[index];
+            while (ring >= firstWithFarCorners && ring < firstOutOfReach &&
+                   nearest.squaredDistance(index, ring) == noDistance)
+                ++ring;
+            if (ring < firstOutOfReach)
+                numbers[index] = ring;
+        });
+        return true;
+    }
+
+    /// Those of black words are 0.
     int largestOf(const Shape &shape) const {
         int largest = 0;
-        shape.forEachPixel([&](Distance index) { largest = larger(largest, numbers[index]); });
+        for (int y = 0; y < shape.height; ++y)
+            for (int x = 0; x < shape.width; ++x)
+                largest = larger(largest, numbers[y * shape.pitch + x]);
         return largest;
     }
 
-private:
     /// True if the square of any search touches a word of the block from `first` on.
     bool searchesReach(const Shape &shape, Distance first) const {
         bool reached = false;
@@ -116,8 +149,10 @@ private:
     }
 
     LinearBlock block;
-    Scratch<int> numbers;
-    bool found = false;
+    Scratch<int> elements;
+    int *numbers;
+    int found = 0;
+    bool isFound = false;
 };
 
 /// A quarter circle of radius `half` that rises from the edge of the shape; flat where the distance reaches it.
@@ -134,13 +169,18 @@ bool raiseByRings(const Shape &shape, const HeightPlane &heights, PlainHeights &
     const Rings rings(shape);
     if (!rings)
         return false;
-    const int largest = rings.largestOf(shape);
-    const Scratch<float> heightOfRing(largest + 1);
+    const Scratch<float> heightOfRing(rings.largest() + 1LL);
     if (!heightOfRing)
         return false;
-    for (int ring = 1; ring <= largest; ++ring)
-        plain.take(heightOfRing[ring] = heightOf(wrapMultiply(ring, ring)));
-    shape.forEachPixel([&](Distance index) { heights[index] = heightOfRing[rings[index]]; });
+    float *const raised = heightOfRing.data();
+    raised[0] = 0;
+    for (int ring = 1; ring <= rings.largest(); ++ring)
+        plain.take(raised[ring] = heightOf(wrapMultiply(ring, ring)));
+    for (Distance y = 0; y < shape.height; ++y) {
+        float *const row = &heights[y * shape.pitch];
+        for (int x = 0; x < shape.width; ++x)
+            row[x] = raised[rings[y * shape.pitch + x]];
+    }
     return true;
 }
 
@@ -260,9 +300,8 @@ bool smoothSource(const Shape &shape, const HeightPlane &heights, const HeightPl
     const auto heightAt = [&](Distance index) -> Sum { return index >= 0 && index < count ? heights[index] : 0; };
     Sum running = 0;
     for (Distance i = 0; i < rowSumCount; ++i) { // the sum around index i - reach
-        running += heightAt(i);
+        running += heightAt(i) - heightAt(i - 2 * static_cast<Distance>(reach) - 1);
         rowSums[i] = running;
-        running -= heightAt(i - 2 * static_cast<Distance>(reach));
     }
     const auto addRow = [&](Distance y, Sum sign) {
         const Distance first = y * shape.pitch + reach;
@@ -491,8 +530,11 @@ private:
             const double y = slope.y;
             return std::sqrt(depth * depth + y * y + x * x);
         };
-        const double aFactor = 1 / lengthOf(a);
-        const double bFactor = 1 / lengthOf(b);
+        const double aLength = lengthOf(a);
+        const double bLength = lengthOf(b);
+        const double reciprocal = 1 / (aLength * bLength); // a second division would take longer
+        const double aFactor = bLength * reciprocal;
+        const double bFactor = aLength * reciprocal;
         const Doubled ax(a.x * aFactor), ay(a.y * aFactor), az(-depth * aFactor);
         const Doubled bx(b.x * bFactor), by(b.y * bFactor), bz(-depth * bFactor);
         normals.x[i] = (ax.nearest() + bx.nearest()) * 0.5F;
@@ -533,14 +575,19 @@ void storeLightQuickly(const Shape &shape, const HeightPlane &heights, int heigh
     int open[length];
     const DoubledLight lit(light);
     for (Distance y = 0; y < shape.height; ++y)
-        for (int start = 0; start < shape.width; start += length) {
-            const int count = smaller(shape.width - start, length);
+        for (int start = 0, count; start < shape.width; start += count) {
             q_ulong *const words = shape.words + y * shape.pitch + start;
-            bool anyShape = false;
-            for (int i = 0; i < count; ++i)
-                anyShape |= words[i] != 0;
-            if (!anyShape)
+            count = 0;
+            if (*words == 0) {
+                while (start + ++count < shape.width && words[count] == 0) {
+                }
                 continue;
+            }
+            // A run of the shape, and what follows up to a whole number of lanes.
+            const int most = smaller(shape.width - start, length);
+            while (count < most && words[count] != 0)
+                ++count;
+            count = smaller((count + 7) & ~7, most);
             NormalsAre::find(quick, y * shape.pitch + start, count, normals);
             for (int i = 0; i < count; ++i)
                 open[i] = lit.find(normals.x[i], normals.y[i], normals.z[i], diffuse[i], specular[i]);

@@ -367,7 +367,7 @@ void iRotateLinearAA(q_ulong *dst, tagRECT *clipRect, int dstPitch, q_ulong *src
                      int centreX, int centreY, double angle, int width, int height) {
     const Span columns = columnsOf(*srcRect);
     const Span rows = rowsOf(*srcRect);
-    for (int y = rows.begin; y < rows.end; ++y) {
+    for (int y = rows.begin; y < rows.end && !columns.empty(); ++y) {
         q_ulong *const row = pixelAt(src, srcPitch, 0, y);
         for (int x = columns.begin; x < columns.end; ++x)
             row[x] |= 0xFF000000;

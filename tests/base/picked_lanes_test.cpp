@@ -107,6 +107,16 @@ TYPED_TEST(PickedLanes, of_two_pixels_are_paired_byte_by_byte) {
     });
 }
 
+TYPED_TEST(PickedLanes, of_paired_bytes_are_two_pixels_again) {
+    using Bytes = typename LanesOf<TypeParam>::template Same<std::uint8_t>;
+    forEachSeed([](test::Random &random) {
+        const Sample<Bytes> a(random);
+        constexpr int places[] = {0, 2, 4, 6, 1, 3, 5, 7};
+        ASSERT_EQ(stored(unpairedBytes(a.lanes)),
+                  naive<std::uint8_t>(sizeof(Bytes), [&](int i) { return a.numbers[i / 8 * 8 + places[i % 8]]; }));
+    });
+}
+
 /// What only some targets have as instructions, and every scalar twin.
 template <class Kind>
 constexpr bool picksAndSums =

@@ -153,6 +153,37 @@ TEST(Hor_Blur, lines_without_pixels_still_get_their_first_edge) {
             }
 }
 
+TEST(Hor_Blur, lines_are_finished_one_after_the_other_where_rows_run_into_each_other) {
+    for (const Blur &blur : blurs)
+        for (const int pitch : {1, 7, 39, 40, 0, -1, -13, -40})
+            for (const int size : {0, 1, 4, 9})
+                blur.expectRowsMayRunIntoEachOther(size, 40, 33, pitch);
+}
+
+TEST(Blur_Rect, columns_are_written_one_after_the_other_where_rows_run_into_each_other) {
+    test::Random random(87);
+    for (const int pitch : {1, 7, 39})
+        for (const int radius : {0, 1, 4, 16}) {
+            std::vector<q_ulong> pixels(static_cast<std::size_t>(40 + 32 * pitch));
+            for (q_ulong &pixel : pixels)
+                pixel = random.word();
+            std::vector<q_ulong> expected = pixels;
+            tagRECT rect = {0, 0, 40, 33};
+            Blur_Rect(pixels.data(), &rect, pitch, radius);
+            plain::Blur_Rect(expected.data(), &rect, pitch, radius);
+            EXPECT_EQ(pixels, expected) << "pitch " << pitch << ", radius " << radius;
+        }
+}
+
+TEST(Ver_Blur, the_later_column_is_seen_where_two_rows_share_a_pixel) {
+    // Two columns of three pixels, each row beginning at the second pixel of the one above. Means with the pixel below
+    // are 20, 40 and 50 in the first column, 40, 60 and 70 in the second, which is written later.
+    std::vector<q_ulong> src = {10, 30, 50, 70};
+    std::vector<q_ulong> dst(4);
+    Ver_Blur(dst.data(), src.data(), 1, 2, 3, 1);
+    EXPECT_EQ(dst, (std::vector<q_ulong>{20, 40, 60, 70}));
+}
+
 TEST(Hor_Blur, means_of_every_sum_of_every_window) {
     // Each value as often as the window is wide: from one pixel to the next a sum grows by 1, from 0 to 255 each.
     for (int count = 1; count <= 256; ++count) {

@@ -138,4 +138,39 @@ TEST(Hor_GaussBlur, every_kernel_on_lines_enough_to_be_taken_together) {
     }
 }
 
+TEST(Hor_GaussBlur, rows_and_columns_of_several_stretches) {
+    test::Random random(85);
+    for (const float sigma : {0.5F, 0.9F, 1.4F, 2.0F, 2.7F, 4.0F, 6.5F, 8.0F, 13.0F, 20.0F, 40.0F})
+        for (const Blur &blur : blurs) {
+            const int width = random.between(1030, 2100);
+            Surface src = Surface::randomOfSize(random, width, random.between(33, 45));
+            src = painted(src, src.rect(), [&](int x, int y) { return x / 100 % 3 == 0 ? 0xFFFFFFFF : src.at(x, y); });
+            const Surface dst = another(random, src);
+            ASSERT_EQ(blur.blurred(dst, src, sigma).differenceFrom(blur.blurredPlainly(dst, src, sigma)), "")
+                << blur.name << ", sigma " << sigma;
+        }
+}
+
+TEST(Hor_GaussBlur, pictures_of_few_rows_or_columns) {
+    test::Random random(86);
+    for (int step = 0; step < 400; ++step) {
+        const Blur &blur = blurs[step % 2];
+        const float sigma = static_cast<float>(random.between(3, 120)) / 10;
+        const int few = random.between(1, 36);
+        const int many = random.between(1, 200);
+        const bool isWide = random.between(0, 1) == 0;
+        const Surface src = Surface::randomOfSize(random, isWide ? many : few, isWide ? few : many);
+        const Surface dst = another(random, src);
+        ASSERT_EQ(blur.blurred(dst, src, sigma).differenceFrom(blur.blurredPlainly(dst, src, sigma)), "")
+            << blur.name << ", sigma " << sigma << ", " << src.width() << " x " << src.height();
+    }
+}
+
+TEST(Hor_GaussBlur, lines_are_finished_one_after_the_other_where_rows_run_into_each_other) {
+    for (const Blur &blur : blurs)
+        for (const int pitch : {1, 7, 39, 40, 0, -1, -13, -40})
+            for (const float sigma : {0.1F, 1.0F, 2.0F, 8.0F, 13.0F})
+                blur.expectRowsMayRunIntoEachOther(sigma, 40, 65, pitch);
+}
+
 } // namespace

@@ -197,6 +197,15 @@ TEST(ConvertSrc2LightInfom, a_normal_with_a_negative_y_has_0xFF_in_the_top_byte)
     EXPECT_EQ(converted(surface, settings).at(4, 4), 0xFFE400D6u);
 }
 
+TEST(ConvertSrc2LightInfom, a_search_passes_over_black_whose_square_is_a_million_and_more) {
+    // A slope that rises to the right from a column of black. The pixel's ring 708 has black in a corner, which is
+    // 708 * 708 * 2 away; so its ring is 710, as those of its neighbours fit the slope.
+    constexpr int pitch = 2000, height = 710, x = 710, y = 1;
+    Surface surface = painted(Surface(pitch, height), {1, 0, pitch, height}, 1);
+    surface.at(x + 708, y + 708) = 0;
+    EXPECT_EQ(converted(surface, {0, 0, 716, height}, {Form::source, 1, 7, 0}).at(x, y), 0x390000FFu);
+}
+
 TEST(ConvertSrc2LightInfom, words_of_the_other_profiles_by_hand) {
     // f f / 2 is 0, 0.5 and 2: slopes of 0.5 and 1.5, mean normal (0.6396, 0, -0.7246), highlight 512 * 0.8527^32.
     EXPECT_EQ(wordBeside(Side::left, 1, {Form::source, 1, 7, 1}), 0x280003FFu);
