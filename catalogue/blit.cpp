@@ -63,10 +63,10 @@ Laid aroundCentre(const Call &call) {
     const tagRECT rect = call["srcRect"].rect();
     const int halfWidth = widthOf(rect) >> 1;
     const int halfHeight = heightOf(rect) >> 1;
+    const auto right = static_cast<q_long>(plain::signed32(rect.left + 2LL * halfWidth));
     const auto bottom = static_cast<q_long>(plain::signed32(rect.top + 2LL * halfHeight - rowsLeftOut));
     return laidAt(call, std::int64_t{call["centreX"].whole()} - halfWidth,
-                  std::int64_t{call["centreY"].whole()} - halfHeight,
-                  {rect.left, rect.top, rect.left + 2 * halfWidth, bottom});
+                  std::int64_t{call["centreY"].whole()} - halfHeight, {rect.left, rect.top, right, bottom});
 }
 
 /// The squares are added in 32 bits.
@@ -155,6 +155,8 @@ Box filteredAbove(const Call &call) {
     const std::int64_t right = src.left + std::max<std::int64_t>(widthOf(src), 1);
     const std::int64_t bottom = src.top + std::max<std::int64_t>(heightOf(src), 1);
     Box box = seen(call, unsigned12_20, anySource, 1);
+    if (heightOf(src) < 0 && call["src"].plane().pitch() < 0) // the product that tells the last row is above 0
+        return box;
     box.bottom -= box.bottom == bottom + 1;
     if (box.bottom == bottom && box.right == right + 1 && call["src"].plane().pitch() < widthOf(src) + 2LL)
         --box.right;

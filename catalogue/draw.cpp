@@ -386,11 +386,17 @@ void arrangeSpikes(Call &call, Random &random) {
 
 constexpr std::string_view corners[] = {"p0", "p1", "p2", "p3"};
 
+/// A corner that lies further from another than 18 fraction bits and a sign leave room for may be joined to it by way of
+/// any column.
 Box quadBox(const Call &call) {
     const auto p = [&call](std::size_t i) { return call[corners[i]].point(); };
-    const auto [left, right] = std::minmax({p(0).x, p(1).x, p(2).x, p(3).x});
-    const auto [top, bottom] = std::minmax({p(0).y, p(1).y, p(2).y, p(3).y});
-    return {left, top, right + 1LL, bottom + 1LL};
+    const auto [left, right] = std::minmax<std::int64_t>({p(0).x, p(1).x, p(2).x, p(3).x});
+    const auto [top, bottom] = std::minmax<std::int64_t>({p(0).y, p(1).y, p(2).y, p(3).y});
+    constexpr std::int64_t end = 8192;
+    constexpr std::int64_t anywhere = std::int64_t{1} << 32;
+    if (right - left < end && bottom - top < end)
+        return {left, top, right + 1, bottom + 1};
+    return {-anywhere, top, anywhere, bottom + 1};
 }
 void arrangeQuad(Call &call, Random &random) {
     const int reach = random.oneIn(16) ? 4000 : random.oneIn(4) ? 200 : 30;
@@ -533,7 +539,8 @@ Row bubble(Row row, double largestSize, double largestResource, Rows rows = Rows
     row.reads = on("resource", [rows](const Call &call) -> Box {
         const std::int64_t size = call["resourceSize"].whole();
         const std::int64_t rowLength = rows == Rows::ofSurface ? call["surface"].plane().pitch() : size;
-        return bubbleBox(call).isEmpty() ? Box() : Box{0, 0, (size - 1) * rowLength + size, 1};
+        const auto [low, high] = std::minmax<std::int64_t>({0, (size - 1) * rowLength}); // it may be bottom-up, too
+        return bubbleBox(call).isEmpty() ? Box() : Box{low, 0, high + size, 1};
     });
     if (row.argument("scratch")) {
         row.writes = row.writes + on("scratch", scratchWords);

@@ -336,13 +336,17 @@ void arrangeAffine(Call &call, Random &random) {
 }
 
 /// The left and top of the source rectangle count twice along one of the axes, and one that is turned inside out is
-/// walked backward.
+/// walked backward. A line of it that is beyond the format of positions, 18 bits of which are for fractions, may be
+/// read anywhere in it.
 Box affineSource(const Call &call) {
     const Box rect = call["srcRect"].rect();
     const auto [left, right] = std::minmax({rect.left, rect.left * 2, rect.right, rect.right + rect.left});
     const auto [top, bottom] = std::minmax({rect.top, rect.top * 2, rect.bottom, rect.bottom + rect.top});
     const int beyond = rect.isEmpty() ? 2 : 0;
-    return {left - beyond, top - beyond, right + beyond, bottom + beyond};
+    constexpr std::int64_t end = 8192;
+    const std::int64_t aside = std::abs(rect.width()) < end ? 0 : end;
+    const std::int64_t above = std::abs(rect.height()) < end ? 0 : end;
+    return {left - beyond - aside, top - beyond - above, right + beyond + aside, bottom + beyond + above};
 }
 
 void trapezoid(Call &call, const Stage &stage) {
@@ -381,22 +385,47 @@ void arrangeCentre(Call &call, Random &random) {
     call["height"] = extent();
 }
 
-/// Taps reach a pixel beyond the source at its right and bottom, and an empty source is read as if it were turned
-/// round.
+/// The first whole position for which 20 fraction bits and a sign leave no room.
+constexpr std::int64_t endOfPositions = 2048;
+
+/// What is read of a source whose pixels from `first` to `last` are traced along the edges of a figure, each of at most
+/// so many rows. Columns are corrected by less than a pixel, and taps reach one further. What the format does not hold,
+/// a position or the way from one to another, may come out anywhere in it.
+std::pair<std::int64_t, std::int64_t> traced(std::int64_t first, std::int64_t last, std::int64_t rows) {
+    const auto [low, high] = std::minmax(first, last);
+    const bool isHeld = low > -endOfPositions && high < endOfPositions && high - low < endOfPositions &&
+                        (high - low) * rows < std::int64_t{1} << 27; // in sixteenths
+    return isHeld ? std::pair(low - 1, high + 2) : std::pair(-endOfPositions, endOfPositions + 1);
+}
 Box tracedSource(const Call &call) {
     const Box rect = call["srcRect"].rect();
-    return {std::min(rect.left, rect.right) - 1, std::min(rect.top, rect.bottom) - 1,
-            std::max(rect.left, rect.right) + 2, std::max(rect.top, rect.bottom) + 2};
+    const std::int64_t rows =
+        std::abs(std::int64_t{call["width"].whole()}) + std::abs(std::int64_t{call["height"].whole()});
+    const auto [left, right] = traced(rect.left, rect.right - 1, rows);
+    const auto [top, bottom] = traced(rect.top, rect.bottom - 1, rows);
+    return {left, top, right, bottom};
 }
-Box softenedSource(const Call &call) {
+
+/// What is left of a position in 32 bits, so many of them for fractions.
+constexpr std::int64_t kept(std::int64_t position, int fractionBits) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(position) << fractionBits) >> fractionBits;
+}
+
+/// Where a direct mapper's test lets positions through, from so many pixels before the source to so many behind it.
+/// The bounds that it tests are positions as well. Taps reach a pixel further.
+template <int fractionBits, int before, int behind>
+Box mappedSource(const Call &call) {
     const Box rect = call["srcRect"].rect();
-    return {rect.left - 2, rect.top - 2, rect.right + 2, rect.bottom + 2};
+    constexpr int taps = fractionBits > 16 ? 1 : 0;
+    return grown({kept(rect.left - before, fractionBits), kept(rect.top - before, fractionBits),
+                  kept(rect.right + behind, fractionBits), kept(rect.bottom + behind, fractionBits)},
+                 0, 0, taps, taps);
 }
 
 /// Of positions with 20 fraction bits.
 const Rule sourceIsSmall = {beyondFormat, [](const Call &call) {
                                 const Box rect = call["srcRect"].rect();
-                                return std::max(rect.width(), rect.height()) < 2048;
+                                return std::max(rect.width(), rect.height()) < endOfPositions;
                             }};
 
 /// A scene of the source's width and height as a part of the stage's.
@@ -567,15 +596,16 @@ std::vector<Row> warpRows() {
          .waived = {{"every_place_and_size_over_a_small_surface", "larger than 4 x 4 pixels"},
                     {"places_are_bounded_by_clips_alone", "sources are read at the same places"}}},
         aboutCentre({Q_MUR_FUNCTION(iRotate), .sentence = "Stretches a picture onto a turned rectangle, nearest pixel.",
-                     .reads = on("src", "srcRect"), .topByte = copied, .lookup = Lookup::nearest}),
+                     .reads = on("src", mappedSource<16, 0, 0>), .topByte = copied, .lookup = Lookup::nearest}),
         aboutCentre({Q_MUR_FUNCTION(iRotateLinear),
                      .sentence = "Stretches a picture onto a turned rectangle, filtered.",
-                     .reads = on("src", "srcRect"), .meant = {sourceIsSmall}, .topByte = cleared, .fractions = cutOff,
-                     .uniform = stays, .lookup = Lookup::filtered}),
+                     .reads = on("src", mappedSource<20, 0, -1>), .meant = {sourceIsSmall}, .topByte = cleared,
+                     .fractions = cutOff, .uniform = stays, .lookup = Lookup::filtered}),
         aboutCentre({Q_MUR_FUNCTION(iRotateLinearAA),
                      .sentence = "Stretches a picture onto a turned rectangle with softened edges.",
-                     .writes = on("src", "srcRect"), .reads = on("src", softenedSource), .meant = {sourceIsSmall},
-                     .topByte = cleared, .fractions = cutOff, .uniform = darkens, .lookup = Lookup::filtered}),
+                     .writes = on("src", "srcRect"), .reads = on("src", mappedSource<20, 2, 1>),
+                     .meant = {sourceIsSmall}, .topByte = cleared, .fractions = cutOff, .uniform = darkens,
+                     .lookup = Lookup::filtered}),
         {Q_MUR_FUNCTION(Blt_Triangle), .sentence = "Maps a triangle of a picture onto another triangle.",
          .arguments = destination() + clip("clip", "dst") + pitch("dstPitch", "dst") +
                       each({"p0", "p1", "p2"}, points("", "pixels", "dst")) + source() + pitch("srcPitch", "src") +

@@ -159,7 +159,7 @@ std::string nullFault(const Row &row, std::span<const Given> given) {
         const Argument &argument = row.arguments[i];
         const bool isNull = given[i].target != Target::nothing && !given[i].pointer;
         const bool hasAreas = row.writes || row.topByte == TopByte::noPixels;
-        const bool doesNothing = !row.writes && !row.reads && given[i].target == Target::rect;
+        const bool doesNothing = !row.writes && !row.reads && row.rules.empty() && given[i].target == Target::rect;
         if (isNull && !argument.mayBeNull && argument.kind != Kind::unused && !doesNothing &&
             !(isSurface(argument.kind) && hasAreas))
             return std::string(argument.name) + " is null";

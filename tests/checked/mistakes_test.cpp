@@ -140,6 +140,35 @@ TEST(mistakes, rectangle_that_is_inverted_into_a_large_one) {
                  "iBltBilinear32_Add: srcRect.right -2147483624 is too far from srcRect.left 2147483437");
 }
 
+void rotate(Picture &dst, Picture &src, tagRECT rect, decltype(iRotate) *rotator) {
+    const int pitch = static_cast<int>(src.all.right);
+    rotator(dst.data(), &dst.all, 64, src.data(), &rect, pitch, 32, 24, 0, 64, 48);
+}
+
+TEST(mistakes, source_whose_bounds_wrap) {
+    // Of positions 12 bits are left, or 16: 109568 is 27 * 4096 - 1024, and 4 with the row behind it is the end.
+    Picture dst(64, 48), src(64, 48);
+    EXPECT_NAMED(rotate(dst, src, {0, 109568, 64, 4}, iRotateLinear),
+                 "iRotateLinear: src is read from row -1024 on, before its first");
+    EXPECT_NAMED(rotate(dst, src, {65536 - 5, 0, 64, 48}, iRotate),
+                 "iRotate: src is read from column -5 on, before its first");
+    // 2100 is -1996, and 2110 with the two rows behind it is -1984.
+    Picture high(8, 2200);
+    EXPECT_NAMED(rotate(dst, high, {0, 2100, 8, 2110}, iRotateLinear),
+                 "iRotateLinear: src is read from row -1996 on, before its first");
+    EXPECT_NAMED(rotate(dst, high, {2, 2, 6, 2100}, iRotateMapping),
+                 "iRotateMapping: src is read from row -2048 on, before its first");
+}
+
+TEST(mistakes, bubble_on_a_surface_stored_bottom_up) {
+    Picture dst(64, 48), scratch(64, 48), resource(64, 10);
+    const auto draw = [&](q_ulong *last) {
+        DrawRealBubbleOld(dst.data() + 64 * 47, scratch.data(), -64, 32, 24, 10, last, 10, 0, 64, 48);
+    };
+    EXPECT_NAMED(draw(resource.data()), "DrawRealBubbleOld: resource is read from column -576 on, before its first");
+    draw(resource.data() + 64 * 9);
+}
+
 TEST(mistakes, bubble_beyond_its_table) {
     Picture dst(300, 300), scratch(300, 300), resource(100, 100);
     EXPECT_NAMED(DrawRealBubble(dst.data(), scratch.data(), 300, 150, 150, 240, resource.data(), 100, 0, 300, 300),
@@ -216,6 +245,13 @@ TEST(mistakes, fill_from_outside_its_limits) {
     tagRECT limits = {1, 0, 63, 48};
     SetRegionFill(&data, dst.data(), 64, dst.data(), 64);
     EXPECT_NAMED(Region_Fill(&data, 70, 5, 1, 1, 0, 0, 0, &limits), "Region_Fill: the seed or the limits lie outside");
+}
+
+TEST(mistakes, fill_without_limits) {
+    Picture dst(64, 48);
+    _PRIVATE_QMGP_DATA data = {};
+    SetRegionFill(&data, dst.data(), 64, dst.data(), 64);
+    EXPECT_NAMED(Region_Fill(&data, 5, 5, 1, 1, 0, 0, 0, nullptr), "Region_Fill: rect is null");
 }
 
 TEST(mistakes, fill_with_two_pitches) {
@@ -446,6 +482,20 @@ TEST(correct, halves_of_a_surface_are_apart) {
     iFillRect(both.data(), &low, 64, 0);
     Hor_Blur(both.data(), both.data() + 24 * 64, 4, 64, 24, 64);
     EXPECT_EQ(both.data()[63], 0u);
+}
+
+TEST(correct, sources_of_no_pixels_draw_nothing) {
+    Picture dst(64, 48), src(64, 48);
+    src.pixels.assign(src.pixels.size(), 0xFFFFFF);
+    for (const tagRECT rect : {tagRECT{40, 0, 20, 48}, tagRECT{0, 4000, 64, 10}, tagRECT{0, 10, 64, 10}}) {
+        rotate(dst, src, rect, iRotate);
+        tagRECT source = rect;
+        iBltNear32_Z_Roto(dst.data(), 64, src.data(), 64, &dst.all, &source, 32, 24, 1, 2);
+        iBltLinear32_Z_Roto(dst.data(), 64, src.data(), 64, &dst.all, &source, 32, 24, 1, 2);
+    }
+    rotate(dst, src, {40, 0, 20, 48}, iRotateLinear);
+    rotate(dst, src, {40, 0, 20, 48}, iRotateLinearAA);
+    EXPECT_EQ(dst.data()[24 * 64 + 32], 0u);
 }
 
 TEST(correct, edge_over_its_image_or_a_part_of_it) {

@@ -151,6 +151,14 @@ void breakArgument(Call &call, std::size_t index, Random &random) {
     }
 }
 
+/// Whether a call that may draw draws nothing. Then it reads no pixels either, whatever its row says of them.
+bool drawsNothing(const Call &call) {
+    if (!call.row().writes)
+        return false;
+    const Areas written = call.row().writes(call);
+    return std::all_of(written.begin(), written.end(), [](const Area &area) { return area.part.isEmpty(); });
+}
+
 /// Makes a pointer null that the call needs, and nothing else of it wrong. \return whether there is one
 bool breakPointer(Call &call, Random &random) {
     const Areas areas = proofs::touched(call);
@@ -159,7 +167,7 @@ bool breakPointer(Call &call, Random &random) {
     const bool isTouched = std::any_of(areas.begin(), areas.end(),
                                        [&argument](const Area &area) { return area.argument == argument.name; });
     if (!call[index].is<Plane>() || argument.mayBeNull || argument.kind == Kind::unused || !isTouched ||
-        !call.row().functions.isPointer[index])
+        !call.row().functions.isPointer[index] || (isSurface(argument.kind) && drawsNothing(call)))
         return false;
     call[index] = Plane();
     return true;
