@@ -1,8 +1,17 @@
 """Packs what the build of the library has made; nothing is compiled here."""
 
+import os
+import pathlib
+
 from setuptools import setup
 from setuptools.dist import Distribution
 from wheel.bdist_wheel import bdist_wheel
+
+
+# Archives keep modes, which are to be the same whoever builds.
+os.umask(0o022)
+for file in pathlib.Path("q_mur").iterdir():
+    file.chmod(0o644)
 
 
 class Built(Distribution):

@@ -9,6 +9,7 @@ usage: packages_test.py TEST DIRECTORY VERSION
     arm64       the archive for AArch64: the same, under emulation
     windows     the archive for Windows: MinGW and the other family of compilers, 64 and 32 bits, under Wine
     javascript  the package for JavaScript: installed by npm, where it is found
+    python      the wheel, which is installed and tried by the tests of its build
     rebuilt     the library built once more from sources elsewhere has the same bytes
 
 The builds are those of the presets, in the tree's directory build.
@@ -197,6 +198,23 @@ def test_javascript(directory, version):
     run(sys.executable, ROOT / "tests" / "npm" / "install.py", archive, host, test)
     expect(f'"version": "{version}"' in (host / "node_modules/q_mur/package.json").read_text(), "another version")
     run("node", "--test", host / test.name)
+
+
+def test_python(directory, version):
+    build = built("linux")
+    (wheel,) = (build / "wheels").glob(f"q_mur-{version}-*.whl")
+    python = re.search(r"^Q_MUR_PYTHON:\w+=(.+)", (build / "CMakeCache.txt").read_text(), re.MULTILINE)[1]
+    place = directory / "place"
+    shutil.copytree(build / "packages" / "python" / "wheel", place, ignore=shutil.ignore_patterns("build", "*.egg-info"))
+    for path in place.rglob("*"):  # of another time, and a user's who lets nobody else read
+        path.chmod(0o700)
+        os.utime(path, (1, 1))
+    run(
+        python, "-m", "build", "--wheel", "--no-isolation", "--outdir", directory / "again", place,
+        env={**os.environ, "SOURCE_DATE_EPOCH": "1577836800"}, umask=0o077,
+    )  # fmt: skip
+    same = filecmp.cmp(wheel, directory / "again" / wheel.name, shallow=False)
+    expect(same, f"{wheel.name} was packed twice and has other bytes")
 
 
 def test_rebuilt(directory, version):
