@@ -30,6 +30,8 @@ bool test::takesArguments(int argc, char **argv) {
             replayCase(*number);
         } else if (const auto count = numberBehind("--cases=", argv[i])) {
             limitCases(*count);
+        } else if (const auto few = numberBehind("--few-cases=", argv[i])) {
+            limitCasesWithoutSums(*few);
         } else {
             std::fprintf(stderr, "%s: unknown argument %s\n", argv[0], argv[i]);
             return false;

@@ -30,6 +30,7 @@ constexpr Golden goldens[] = {
 
 int replayed = -1;
 int most = 1000000000;
+bool comparesSums = true;
 
 const Golden *goldenOf(std::string_view name) {
     for (const Golden &golden : goldens)
@@ -50,6 +51,11 @@ bool replaysOneCase() {
 
 void limitCases(int count) {
     most = count < prefixLength ? prefixLength : count;
+}
+
+void limitCasesWithoutSums(int count) {
+    most = count;
+    comparesSums = false;
 }
 
 void Case::fold(std::uint32_t word) {
@@ -88,7 +94,7 @@ void forEachCase(std::string_view name, const std::function<void(Case &)> &body,
     std::uint64_t checksum = 0xCBF29CE484222325u;
     std::uint64_t prefix = 0;
     const Golden *golden = goldenOf(name);
-    const bool cut = most < count && (name.empty() || (golden && golden->prefix != 0));
+    const bool cut = most < count && (name.empty() || !comparesSums || (golden && golden->prefix != 0));
     const int first = replayed >= 0 ? replayed : 0;
     const int end = replayed >= 0 ? replayed + 1 : cut ? most : count;
     for (int number = first; number < end; ++number) {
@@ -99,7 +105,7 @@ void forEachCase(std::string_view name, const std::function<void(Case &)> &body,
         if (number + 1 == prefixLength)
             prefix = checksum;
     }
-    if (replayed >= 0 || name.empty())
+    if (replayed >= 0 || name.empty() || !comparesSums)
         return;
     const bool prefixHolds = golden && (golden->prefix == 0 || golden->prefix == prefix);
     if (prefixHolds && (cut || golden->checksum == checksum))
