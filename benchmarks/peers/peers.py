@@ -24,6 +24,7 @@ import tempfile
 from xml.sax.saxutils import escape
 
 TURNS = 3  # of each library with a workload in a round
+TRAFFIC = "traffic alone"  # the note of what draws no picture
 
 
 class Worker:
@@ -70,7 +71,7 @@ def check(ours, others, names):
         for name in names:
             ours.ask("picture", name, picture.name)
             for other in others:
-                if name not in other.jobs:
+                if name not in other.jobs or other.jobs[name]["note"] == TRAFFIC:
                     continue
                 mean, percentile = map(float, other.ask("compare", name, picture.name).split("\t"))
                 differences[name][other.name] = {"mean": round(mean, 4), "percentile99": int(percentile)}
@@ -143,13 +144,19 @@ def best_peer(row):
     return min(others, key=lambda one: one["nanoseconds"], default=None)
 
 
+def memory_of(row):
+    """What the bare memory takes for the work: one or none."""
+    return [one for one in row["libraries"] if one["name"] == "memory"]
+
+
 def print_losses(rows, which):
     pairs = [(row, best_peer(row)) for row in rows]
     pairs = [(row, best) for row, best in pairs if best]
     lost = [(row, best) for row, best in pairs if best["ratios"][which] < 1]
     print(f"{which} leads in {len(pairs) - len(lost)} of {len(pairs)}; lost:")
     for row, best in lost:
-        print(f"    {row['workload']}: {best['ratios'][which]:.2f} x {best['name']} {best['note']}".rstrip())
+        limit = "".join(f"; memory alone: {memory['ratios'][which]:.2f}" for memory in memory_of(row))
+        print(f"    {row['workload']}: {best['ratios'][which]:.2f} x {best['name']} {best['note']}".rstrip() + limit)
 
 
 def write_picture(path, rows, sets, about):
@@ -166,6 +173,9 @@ def write_picture(path, rows, sets, about):
     def text(x, y, content, more=""):
         return f'<text x="{x:.1f}" y="{y}" {more}>{escape(content)}</text>'
 
+    def stroke(x, y):
+        return f'<path d="M{x:.1f} {y}v19" stroke="#36c" stroke-width="2"/>'
+
     grey = 'fill="#666"'
     parts = [
         f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" width="{width}" height="{height}" '
@@ -179,6 +189,7 @@ def write_picture(path, rows, sets, about):
         bar = f'<rect x="{x}" y="56" width="12" height="12" fill="#2f7d5b"/>'
         parts += [dot(x + 6, 62, index) if index else bar, text(x + 18, 67, name, grey)]
         x += 110
+    parts += [stroke(x + 6, 53), text(x + 18, 67, "if it took as long as memory alone", grey)]
     for power in range(lowest, math.floor(highest) + 1):
         x = along(2**power)
         parts.append(f'<path d="M{x} {top - 6}V{height - 12}" stroke="{"#222" if power == 0 else "#ddd"}"/>')
@@ -189,11 +200,13 @@ def write_picture(path, rows, sets, about):
         begin, end = sorted([one, along(ratios[0])])
         colour = "#2f7d5b" if ratios[0] >= 1 else "#c4572e"
         note = f" ({best['note']})" if best["note"] else ""
+        limits = [along(best["nanoseconds"] / memory["nanoseconds"]) for memory in memory_of(row)]
         parts += [
             text(left, y + 15, row["workload"], 'text-anchor="end"'),
             f'<rect x="{begin:.1f}" y="{y + 3}" width="{end - begin:.1f}" height="15" fill="{colour}"/>',
             *(dot(along(ratio), y + 10.5, number) for number, ratio in enumerate(ratios) if number),
-            text(max(one, *map(along, ratios)) + 10, y + 15, f"{ratios[0]:.2f}  {best['name'].split()[0]}{note}"),
+            *(stroke(limit, y + 1) for limit in limits),
+            text(max(one, *limits, *map(along, ratios)) + 10, y + 15, f"{ratios[0]:.2f}  {best['name'].split()[0]}{note}"),
         ]
     path.write_text("\n".join([*parts, "</svg>"]) + "\n")
 
