@@ -26,6 +26,14 @@ OPTIONS = {"calls": [], "mistakes": ["-detect_leaks=0"], "bitmap": []}
 SUPPRESSED = "leak:libfontconfig\n"
 
 
+def can_run(command):
+    """Returns the words before another command if they may stand there, else none."""
+    try:
+        return command if subprocess.run([*command, "true"], stderr=subprocess.DEVNULL).returncode == 0 else []
+    except OSError:
+        return []
+
+
 class Target:
     def __init__(self, name, programs, scratch):
         self.name = name
@@ -34,7 +42,9 @@ class Target:
         self.scratch = scratch / name
         self.inputs = self.scratch / "inputs"
         self.log = self.scratch / "log"
+        self.found = self.scratch / "found"
         self.inputs.mkdir(parents=True)
+        self.found.mkdir()
         if self.kept.exists():
             for line in self.kept.read_text().splitlines():
                 data = base64.b64decode(line)
@@ -49,9 +59,18 @@ class Target:
 
     def start(self, seconds, seed):
         FINDINGS.mkdir(parents=True, exist_ok=True)
+        arguments = [f"-max_total_time={seconds}", f"-seed={seed}", f"-artifact_prefix={FINDINGS}/{self.name}-"]
+        fixed = []
+        if seed:
+            # Neither the order of a directory, nor when it is looked at again, nor where memory lies decides anything.
+            kept = self.scratch / "kept"
+            kept.write_text(",".join(str(path) for path in sorted(self.inputs.iterdir())))
+            arguments += ["-reload=0", f"-seed_inputs=@{kept}", self.found]
+            fixed = can_run(["setarch", "-R"])
+        else:
+            arguments.append(self.inputs)
         with open(self.log, "wb") as log:
-            arguments = [f"-max_total_time={seconds}", f"-seed={seed}", f"-artifact_prefix={FINDINGS}/{self.name}-", self.inputs]
-            self.process = subprocess.Popen(self.command(*arguments), env=self.environment, stdout=log, stderr=log)
+            self.process = subprocess.Popen(fixed + self.command(*arguments), env=self.environment, stdout=log, stderr=log)
 
     def end(self):
         """Waits for the end and prints a line. Returns whether nothing was found."""
@@ -75,7 +94,7 @@ class Target:
         """Keeps as few inputs as come to the same places."""
         fewest = self.scratch / "fewest"
         fewest.mkdir()
-        subprocess.run(self.command("-set_cover_merge=1", fewest, self.inputs), env=self.environment, check=True,
+        subprocess.run(self.command("-set_cover_merge=1", fewest, self.inputs, self.found), env=self.environment, check=True,
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         lines = sorted(base64.b64encode(path.read_bytes()).decode() for path in fewest.iterdir())
         self.kept.write_text("".join(line + "\n" for line in lines))
