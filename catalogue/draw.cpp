@@ -150,7 +150,8 @@ Region lineInClip(int (*reachOf)(const Call &)) {
 }
 Row wideLine(Row row) {
     row.arguments = blendedLine + radius("width", {-4096, 4096, true}, {1, 9});
-    row.writes = lineInClip([](const Call &call) { return std::abs(call["width"].whole()) / 2 + 1; });
+    row.writes = lineInClip(
+        [](const Call &call) { return static_cast<int>(std::abs(std::int64_t{call["width"].whole()}) / 2 + 1); });
     row.arrange = arrangeBlended;
     row.scenes = {{"", inTurn(turningLine, set("width", 1))}, {"of width 3", inTurn(turningLine, set("width", 3))}};
     row.picture = Scene{.set = setRay, .calls = rays};
@@ -386,8 +387,8 @@ void arrangeSpikes(Call &call, Random &random) {
 
 constexpr std::string_view corners[] = {"p0", "p1", "p2", "p3"};
 
-/// A corner that lies further from another than 18 fraction bits and a sign leave room for may be joined to it by way of
-/// any column.
+/// A corner that lies further from another than 18 fraction bits and a sign leave room for may be joined to it by way
+/// of any column.
 Box quadBox(const Call &call) {
     const auto p = [&call](std::size_t i) { return call[corners[i]].point(); };
     const auto [left, right] = std::minmax<std::int64_t>({p(0).x, p(1).x, p(2).x, p(3).x});

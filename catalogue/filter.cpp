@@ -262,7 +262,7 @@ Areas readsSearched(const Call &call) {
     if (widthOf(rect) < 1 || widthOf(rect) > pitch)
         return {};
     return {{"surface", Box{rect.left, rect.top, pitch, rect.bottom}},
-            {"surface", Box{0, rect.top + 1, rect.left, rect.bottom + 1}, true}};
+            {"surface", Box{0, rect.top + 1LL, rect.left, rect.bottom + 1LL}, true}};
 }
 Box shapeBox(const Call &call) {
     const tagRECT &rect = call["rect"].rect();

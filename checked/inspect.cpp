@@ -315,6 +315,42 @@ bool isDown(std::string_view name) {
     return name.find_first_of("yY") != std::string_view::npos;
 }
 
+/// Whether there are bounds on a surface, so that places may lie anywhere.
+bool isBounded(const Row &row, std::string_view surface) {
+    return std::any_of(row.arguments.begin(), row.arguments.end(), [surface](const Argument &argument) {
+        return (argument.kind == Kind::clip || argument.kind == Kind::extent) && argument.of == surface;
+    });
+}
+
+/// Rows further away than addresses reach: no function may count how far, even where it draws nothing.
+std::string addressFault(const Call &call) {
+    constexpr std::int64_t beyond = std::int64_t{1} << 44; // pixels
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        const Argument &argument = call.row().arguments[i];
+        const Argument *pitch = argument.of.empty() ? nullptr : pitchOf(call.row(), argument.of);
+        if (!pitch || isBounded(call.row(), argument.of))
+            continue;
+        const std::string name(argument.name);
+        const auto fault = [&](const std::string &place, std::int64_t row) {
+            return std::abs(row) * std::abs(std::int64_t{call[pitch->name].whole()}) <= beyond
+                       ? std::string()
+                       : place + " " + textOf(row) + " is beyond all memory with " + std::string(pitch->name) + " " +
+                             textOf(call[pitch->name].number());
+        };
+        std::string found;
+        if (call[i].is<tagRECT>()) {
+            found = fault(name + ".top", call[i].rect().top);
+            if (found.empty())
+                found = fault(name + ".bottom", call[i].rect().bottom);
+        } else if (argument.kind == Kind::position && isDown(name)) {
+            found = fault(name, call[i].whole());
+        }
+        if (!found.empty())
+            return found;
+    }
+    return {};
+}
+
 /// The argument that leads outside, where one does by itself.
 std::string culprit(const Call &call, const Argument &surface, const Box &part, const Extent &extent) {
     const auto below = [](const std::string &name, std::int64_t number, std::int64_t low) {
@@ -442,6 +478,8 @@ std::string faultOf(const Row &row, std::span<const Given> given, std::optional<
     if (isIdle(*call))
         return {};
     if (std::string found = rectangleFault(*call); !found.empty())
+        return found;
+    if (std::string found = addressFault(*call); !found.empty())
         return found;
     if (std::string found = ruleFault(*call, row.rules); !found.empty())
         return found;

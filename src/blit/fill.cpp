@@ -12,6 +12,8 @@ using namespace qmur;
 /// Calls `store(pixel)` for every pixel of a rectangle in place.
 template <class Store>
 void forEachPixelOf(q_ulong *surface, Distance pitch, const tagRECT &rect, Store store) {
+    if (isEmpty(rect))
+        return;
     q_ulong *const first = pixelAt(surface, pitch, rect.left, rect.top);
     const int width = widthOf(rect);
     const int height = heightOf(rect);

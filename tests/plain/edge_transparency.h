@@ -25,8 +25,8 @@ struct Strip {
 
 inline Strip stripOf(const tagPOINT &p1, const tagPOINT &p2, int edgeWidth) {
     const FullWidth precision;
-    const Number width = std::max(p1.x, p2.x) - Number{std::min(p1.x, p2.x)};
-    const Number height = std::max(p1.y, p2.y) - Number{std::min(p1.y, p2.y)};
+    const Number width = signed32(std::max(p1.x, p2.x) - Number{std::min(p1.x, p2.x)});
+    const Number height = signed32(std::max(p1.y, p2.y) - Number{std::min(p1.y, p2.y)});
     const Real theta = arcTangent(static_cast<Real>(height), static_cast<Real>(width));
     const bool isSteep = truncated(theta * static_cast<Real>(57.29577791868204)) > 45;
     return {isSteep, truncated(edgeWidth / 2 / (isSteep ? sine(theta) : cosine(theta)))};
@@ -42,7 +42,7 @@ inline void Edge_Transparency(q_ulong *out, q_ulong *imageA, q_ulong *imageB, ta
     const Number extent = signed32(2 * strip.band);
     if (from.x == to.x || extent == 0)
         return;
-    const Number slope = signed32((Number{to.y} - from.y) * 32768) / (Number{to.x} - from.x);
+    const Number slope = signed32((Number{to.y} - from.y) * 32768) / signed32(Number{to.x} - from.x);
     const Number ramp = 16777216 / extent;
     const q_ulong *const low = swapImages ? imageB : imageA;
     const q_ulong *const high = swapImages ? imageA : imageB;
