@@ -47,8 +47,10 @@ Row sprite(Row row) {
 
 // Raw pixels
 
+/// In bytes where rows do not begin at whole pixels.
 Box fittedBox(const Call &call) {
-    return boxOf(0, 0, call["dstWidth"].whole(), call["dstHeight"].whole());
+    const std::int64_t elements = call["dst"].plane().elementBytes() == 1 ? 4 : 1;
+    return boxOf(0, 0, elements * call["dstWidth"].whole(), call["dstHeight"].whole());
 }
 Box readBox(const Call &call) {
     const int width = call["dstWidth"].whole();

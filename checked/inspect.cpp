@@ -143,8 +143,11 @@ Call callOf(const Row &row, std::span<const Given> given) {
         const bool isDepths = argument.kind == Kind::privateBlock && !argument.of.empty();
         const Argument *pitch = pitchOf(row, isDepths ? argument.of : argument.name);
         int elements = pitch ? call[pitch->name].whole() : 0;
-        if (pitch && pitch->unit == "bytes")
+        if (pitch && pitch->unit == "bytes") {
+            if (elements % pointer.elementBytes != 0) // rows need not begin at whole pixels
+                pointer.elementBytes = 1;
             elements /= pointer.elementBytes;
+        }
         call[i] = valueOf(pointer, argument, elements);
     }
     return call;
@@ -279,7 +282,8 @@ Extent extentOf(const Call &call, const Area &area, const Plane &plane, const st
     const auto *origin = static_cast<const std::byte *>(plane.origin());
     if (piece ? origin == piece->begin : surface.kind != Kind::privateBlock)
         extent.left = extent.top = 0;
-    if (!pitch || plane.pitch() == 0 || surface.kind == Kind::privateBlock)
+    const bool isInBytes = isSurface(surface.kind) && plane.elementBytes() == 1;
+    if (!pitch || plane.pitch() == 0 || surface.kind == Kind::privateBlock || isInBytes)
         return extent;
     const std::int64_t width = std::abs(std::int64_t{plane.pitch()});
     extent.right = width;

@@ -17,7 +17,7 @@ void forEachPixelOf(q_ulong *surface, Distance pitch, const tagRECT &rect, Store
     q_ulong *const first = pixelAt(surface, pitch, rect.left, rect.top);
     const int width = widthOf(rect);
     const int height = heightOf(rect);
-    for (Distance y = 0; y < height && width > 0; ++y) {
+    for (Distance y = 0; y < height; ++y) {
         q_ulong *const row = first + y * pitch;
         for (Distance x = 0; x < width; ++x)
             store(row[x]);

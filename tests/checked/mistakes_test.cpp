@@ -140,6 +140,30 @@ TEST(mistakes, rectangle_that_is_inverted_into_a_large_one) {
                  "iBltBilinear32_Add: srcRect.right -2147483624 is too far from srcRect.left 2147483437");
 }
 
+TEST(mistakes, pitch_in_bytes_of_no_whole_pixels) {
+    // 25 rows, 99 bytes apart, end at byte 24 * 99 + 4 = 2380.
+    std::vector<unsigned char> memory(2384), src(75);
+    const auto fit = [&](unsigned char *dst) { _FitOn32RAW_24RAW_Nearest(dst, 1, 25, 99, src.data(), 1, 25, 3); };
+    q_Mur_checked_surface(memory.data(), 595, 1);
+    fit(memory.data());
+    q_Mur_checked_surface(memory.data(), 594, 1); // 2376 bytes
+    EXPECT_NAMED(fit(memory.data()),
+                 "_FitOn32RAW_24RAW_Nearest: dst is written up to column 3 of row 24, which leaves its memory");
+    q_Mur_checked_surface(memory.data(), 595, 0);
+}
+
+TEST(mistakes, row_beyond_all_addresses) {
+    // Nothing is drawn, but rows are counted from the first one: 2^20 rows of 2^25 pixels are more than there are.
+    Picture dst(64, 48);
+    tagRECT empty = {8, -1048576, 5, -1048570};
+    EXPECT_NAMED(iFillRect(dst.data(), &empty, 33554432, 7),
+                 "iFillRect: rect.top -1048576 is beyond all memory with pitch 33554432");
+    iFillRect(dst.data(), &empty, 64, 7);
+    EXPECT_NAMED(MakeBubbleResource(dst.data(), -536870912, 0, 2147483645, -1, 0),
+                 "MakeBubbleResource: y 2147483645 is beyond all memory with pitch -536870912");
+    MakeBubbleResource(dst.data(), 64, 0, 2147483645, -1, 0);
+}
+
 void rotate(Picture &dst, Picture &src, tagRECT rect, decltype(iRotate) *rotator) {
     const int pitch = static_cast<int>(src.all.right);
     rotator(dst.data(), &dst.all, 64, src.data(), &rect, pitch, 32, 24, 0, 64, 48);
