@@ -748,6 +748,10 @@ inline Lanes<std::uint16_t, 32> pairSums(Lanes<std::uint8_t, 64> a, Lanes<std::u
     return detail::lanesOf<std::uint16_t>(_mm512_maddubs_epi16(detail::bits512(a), detail::bits512(b)));
 }
 
+inline Lanes<double, 8> squareRoot(Lanes<double, 8> a) {
+    return {_mm512_maskz_sqrt_pd(0xFF, a.vector)};
+}
+
 inline Lanes<std::uint32_t, 16> pairSums(Lanes<std::uint16_t, 32> a, Lanes<std::uint16_t, 32> b) {
     return detail::lanesOf<std::uint32_t>(_mm512_madd_epi16(detail::bits512(a), detail::bits512(b)));
 }
@@ -1169,8 +1173,8 @@ using Numbers = target::Lanes<std::uint32_t, count>;
 template <int count>
 using Spilled = target::Spilled<count>;
 
-/// As many doubles as the target takes at once.
-using Doubles = target::Lanes<double, target::registerBytes / 8>;
+/// As many doubles as the widest register holds.
+using Doubles = target::Lanes<double, target::widestBytes / 8>;
 
 #if defined(__wasm__)
 constexpr bool isWebAssembly = true;

@@ -5,6 +5,7 @@
 #include "q_Mur/warp.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 
@@ -84,129 +85,166 @@ struct Patch {
 
 /// A patch in doubles, with bounds on how far these may lie from what full width makes of the same formulas. Each is
 /// counted in units of rounding errors and somewhat too large, so that full width's own errors are within. A result
-/// that lies nearer than that to where it would become another is left open, as is all that is no number.
+/// that lies nearer than that to where it would become another is left open, as is all that is no number. What the
+/// formulas call s is counted in source columns.
 class DoubledPatch {
 public:
-    explicit DoubledPatch(const Patch &patch)
-        : width(patch.width), height(patch.height), a(doubled(patch.a)), b(doubled(patch.b)), g(doubled(patch.g)),
-          startX(doubled(patch.startX)), d(doubled(patch.d)), f(doubled(patch.f)), k1(doubled(patch.k1)),
-          k2(doubled(patch.k2)), fourQ(doubled(4 * patch.q)), perTwoQ(doubled(1 / (2 * patch.q))) {
-        const auto largest = [this](double perColumn, double first, double perRow) {
-            return width * std::fabs(perColumn) + std::fabs(first) + height * std::fabs(perRow);
-        };
-        const double linear = largest(d, k1, a);
-        const double squares = linear * linear + std::fabs(fourQ) * largest(f, k2, g);
-        const double scale = std::fabs(perTwoQ);
-        discriminantDoubt = 20 * unit * squares;
-        plainDoubt = 24 * unit * ((linear + std::sqrt(squares)) * scale + 1); // 1 for the 0.5 added to s * width
-        rootDoubt = discriminantDoubt * scale;
-        numeratorDoubt = 8 * unit * (width + mostS * std::fabs(b) + std::fabs(startX));
-        denominatorDoubt = 16 * unit * (mostS * std::fabs(a) + std::fabs(g));
+    DoubledPatch(const Patch &patch, int surfacePitch)
+        : width(patch.width), height(patch.height), pitch(surfacePitch), rootSign(patch.q < 0 ? -1 : 1),
+          a(doubled(patch.a / patch.width)), g(doubled(patch.g)), b(doubled(patch.b * patch.height / patch.width)),
+          start(doubled(patch.startX * patch.height)) {
+        const Wide perTwoQ = patch.width / (2 * patch.q);
+        const Wide perQ = perTwoQ * patch.width * 2;
+        middle = {doubled(-patch.d * perTwoQ), doubled(-patch.k1 * perTwoQ), doubled(patch.a * perTwoQ)};
+        product = {doubled(patch.f * perQ), doubled(patch.k2 * perQ), doubled(-patch.g * perQ)};
+
+        const double largestMiddle = largest(middle);
+        const double squares = largestMiddle * largestMiddle + largest(product);
+        const double ofSquares = 20 * unit * squares;
+        const double ofPlace = 24 * unit * (largestMiddle + std::sqrt(squares) + width);
+        // Where indices are no whole numbers to a double, all is left open.
+        mostFraction = std::fabs(pitch) * height < outside ? 0.5 - ofPlace : -1;
+        // No less than tells the sign of the root's argument.
+        rootDoubt = std::max(ofSquares, std::sqrt(ofSquares) / 2);
+
+        // Of rows within the source; what lies further away has doubts that grow more slowly than its distance.
+        const double rows = height + 2;
+        const double perPlace = std::fabs(b) + rows * std::fabs(a);
+        const double ofNumerator = 16 * unit * (height * width + 2 * std::fabs(b) * width + std::fabs(start));
+        const double ofDenominator = 16 * unit * (mostS * std::fabs(a) * width + std::fabs(g));
+        // The true denominator is at least half of this one where the doubt of y counts, which is doubled for that.
+        plainDoubtY = 2 * (perPlace * ofPlace + ofNumerator + rows * ofDenominator);
+        rootDoubtY = 2 * perPlace * rootDoubt;
+        leavesRowsOpen = !(plainDoubtY < (mostS * std::fabs(a) * width + std::fabs(g)) / 2);
     }
 
     /// So many columns are worked out side by side: what is known of them stays in the nearest cache.
     static constexpr int mostColumns = 64;
 
-    /// What is known of the source pixels of some columns of a row: positions, which truncate to those of pixels, and
-    /// for each whether it is far enough from those that truncate otherwise, as a number above 0.
+    /// Indices beyond those of pixels: the column shows none, or that is left open.
+    static constexpr std::int64_t outside = std::int64_t{1} << 50;
+    static constexpr std::int64_t open = outside + 1;
+
+    /// What is known of some columns of a row: s and the nearest whole number; whether s is known to be nearest to
+    /// that, as a number above 0; and the root that doubts are multiplied by, which saves a division.
     struct Places {
+        double s[mostColumns];
         double x[mostColumns];
-        double y[mostColumns];
         double spareX[mostColumns];
-        double spareY[mostColumns]; ///< means something only if x lies within the source
+        double extents[mostColumns];
+
+        /// Whether a column lies so far away that it shows nothing, although ints wrap.
+        bool isFarOutside(int i, int sourceWidth) const {
+            if (!(spareX[i] > 0 && std::fabs(x[i]) >= wrapping))
+                return false;
+            const int wrapped = truncateToInt(x[i]);
+            return wrapped < -1 || wrapped >= sourceWidth;
+        }
     };
 
-    /// Works out the columns from `first` on, `count` of them and some more up to a whole number of lanes.
-    void find(Places &places, int first, int count, int row) const {
-        constexpr int lanes = sizeof(Doubles) / sizeof(double);
-        const auto all = [](double number) { return Doubles::all(number); };
-        const Doubles zero = all(0);
-        const Doubles open = all(-1);
-        const Doubles firstLinear = all(k1 - row * a);
-        const Doubles firstConstant = all(k2 - row * g);
-        Doubles column = all(first) + Doubles::counted();
+    /// Works out the columns from `first` on, `count` of them and some more up to a whole number of lanes, and writes
+    /// the indices of their pixels in the source. In two goes: a processor does not look ahead far enough to do much
+    /// else while it waits for all of a column's results.
+    void find(Places &places, std::int64_t *indices, int first, int count, int row) const {
+        const Doubles columns = all(first) + Doubles::counted();
+        findX(places, columns, count, row);
+        const auto settle = [&places, indices, this](int i, Doubles x, Doubles inside) {
+            const Doubles fromMiddle = magnitudeOf(x - all(width / 2 - 1));
+            const Doubles found = settled(fromMiddle, Doubles::load(places.spareX + i), width, inside);
+            const auto bits = as<std::uint64_t>(found + all(wholeNumbers));
+            (bits - decltype(bits)::all(std::bit_cast<std::uint64_t>(wholeNumbers))).store(indices + i);
+        };
+        if (leavesRowsOpen) {
+            for (int i = 0; i < count; i += lanes)
+                settle(i, Doubles::load(places.x + i), all(open));
+            return;
+        }
+        Doubles column = columns;
         for (int i = 0; i < count; i += lanes, column = column + all(lanes)) {
-            const Doubles linear = column * all(d) + firstLinear;
-            const Doubles constant = column * all(f) + firstConstant;
-            const Doubles discriminant = linear * linear - constant * all(fourQ);
-            const Doubles extent = magnitudeOf(discriminant);
-            // The doubts of s, and of what follows from it, are multiplied by this root, which saves a division.
-            const Doubles discriminantRoot = squareRoot(extent);
-            const Doubles doubt = all(plainDoubt) * discriminantRoot + all(rootDoubt);
-            const Doubles root = selectBelow(zero, discriminant, discriminantRoot, zero) * all(perTwoQ);
-            const Doubles middle = linear * all(-perTwoQ);
-            const Doubles oneS = middle + root;
-            const Doubles fromEnds = selectBelow(oneS, all(0.5), oneS, all(1) - oneS); // above 0 between 0 and 1
-            const Doubles s = selectBelow(fromEnds, zero, middle - root, oneS);
-
-            const Doubles x = all(width) * s + all(0.5);
-            Doubles spareX = fromWhole(x) * discriminantRoot - all(width) * doubt;
-            spareX = selectBelow(all(discriminantDoubt), extent, spareX, open);
-            spareX = selectBelow(doubt, magnitudeOf(fromEnds) * discriminantRoot, spareX, open);
-
+            const Doubles s = Doubles::load(places.s + i);
             const Doubles denominator = s * all(a) + all(g);
-            const Doubles magnitude = magnitudeOf(denominator) * discriminantRoot;
-            const Doubles ofNumerator = all(std::fabs(b)) * doubt + all(numeratorDoubt) * discriminantRoot;
-            const Doubles ofDenominator = all(std::fabs(a)) * doubt + all(denominatorDoubt) * discriminantRoot;
-            const Doubles quotient = all(height) * (column - s * all(b) - all(startX)) / denominator;
-            const Doubles y = quotient + all(0.5);
-            // The true denominator is at least half of this one where the doubt of y counts, which is doubled for that.
-            const Doubles doubtY = all(height) * ofNumerator + (magnitudeOf(quotient) + all(1)) * ofDenominator;
-            Doubles spareY = fromWhole(y) * magnitude - all(2) * doubtY;
-            spareY = selectBelow(all(2) * ofDenominator, magnitude, spareY, open);
-
-            x.store(places.x + i);
-            y.store(places.y + i);
-            spareX.store(places.spareX + i);
-            spareY.store(places.spareY + i);
+            const Doubles quotient = (column * all(height) - s * all(b) - all(start)) / denominator;
+            const Doubles y = wholeNumber(quotient);
+            const Doubles fromHalves = all(0.5) - magnitudeOf(quotient - y);
+            const Doubles spareY =
+                (fromHalves * magnitudeOf(denominator) - all(plainDoubtY)) * Doubles::load(places.extents + i) -
+                all(rootDoubtY);
+            const Doubles x = Doubles::load(places.x + i);
+            const Doubles index = greater(y, all(0)) * all(pitch) + greater(x, all(0));
+            settle(i, x, settled(magnitudeOf(y - all(height / 2 - 1)), spareY, height, index));
         }
-    }
-
-    /// Where a column looks into the source; outside it if it shows none of its pixels. False where that is left open.
-    bool settle(const Places &places, int i, SourcePlace &place) const {
-        const double x = places.x[i];
-        const double y = places.y[i];
-        if (places.spareX[i] > 0 && places.spareY[i] > 0 && x > -1 && x < width && y > -1 && y < height) [[likely]] {
-            place = {static_cast<int>(x), static_cast<int>(y)};
-            return true;
-        }
-        place = {truncateToInt(x), truncateToInt(y)};
-        if (!(places.spareX[i] > 0))
-            return false;
-        if (place.x < 0 || place.x >= width)
-            return true;
-        return x > -1 && x < width && places.spareY[i] > 0; // what has wrapped into the source is open, too
     }
 
 private:
+    static constexpr int lanes = sizeof(Doubles) / sizeof(double);
     static constexpr double unit = 0x1p-53;
-    static constexpr double mostS = 2; ///< more than any s of a place within the source
+    static constexpr double mostS = 2;               ///< more than any s of a place within the source
+    static constexpr double wrapping = 0x1p30;       ///< no int of up to so much has wrapped
+    static constexpr double wholeNumbers = 0x1.8p52; ///< so large that only whole numbers are left of what is added
 
+    /// What changes evenly over columns and rows.
+    struct Plane {
+        double perColumn;
+        double first;
+        double perRow;
+    };
+
+    void findX(Places &places, Doubles column, int count, int row) const {
+        const Doubles firstMiddle = all(middle.first + row * middle.perRow);
+        const Doubles firstProduct = all(product.first + row * product.perRow);
+        for (int i = 0; i < count; i += lanes, column = column + all(lanes)) {
+            const Doubles middles = column * all(middle.perColumn) + firstMiddle;
+            const Doubles discriminant = middles * middles - (column * all(product.perColumn) + firstProduct);
+            const Doubles extent = squareRoot(magnitudeOf(discriminant));
+            const Doubles root = selectBelow(all(0), discriminant, extent, all(0)) * all(rootSign);
+            const Doubles oneS = middles + root;
+            const Doubles fromEnds = all(width / 2) - magnitudeOf(oneS - all(width / 2)); // above 0 between the ends
+            const Doubles s = selectBelow(all(0), fromEnds, oneS, middles - root);
+            const Doubles x = wholeNumber(s);
+            const Doubles fraction = greater(all(0.5) - magnitudeOf(fromEnds), magnitudeOf(s - x));
+            const Doubles spareX = (all(mostFraction) - fraction) * extent - all(rootDoubt);
+            s.store(places.s + i);
+            x.store(places.x + i);
+            spareX.store(places.spareX + i);
+            extent.store(places.extents + i);
+        }
+    }
+
+    /// What comes of whole numbers that are so far from the middle of a source's extent, which reaches from -1, as half
+    /// is added and cut off, up to its last pixel.
+    static Doubles settled(Doubles fromMiddle, Doubles spare, double extent, Doubles inside) {
+        const Doubles known = smaller(all(wrapping) - fromMiddle, spare);
+        return selectBelow(all(0), known, selectBelow(fromMiddle, all(extent / 2 + 0.25), inside, all(outside)),
+                           all(open));
+    }
+
+    double largest(const Plane &plane) const {
+        return width * std::fabs(plane.perColumn) + std::fabs(plane.first) + height * std::fabs(plane.perRow);
+    }
     static double doubled(Wide value) { return static_cast<double>(value); }
 
+    static Doubles all(double number) { return Doubles::all(number); }
     static Doubles magnitudeOf(Doubles value) {
         const auto bits = as<std::uint64_t>(value);
         return as<double>(bits & decltype(bits)::all(~std::uint64_t{0} >> 1));
     }
+    // Where the second is no number, it is what both return.
+    static Doubles greater(Doubles a, Doubles b) { return selectBelow(b, a, a, b); }
+    static Doubles smaller(Doubles a, Doubles b) { return selectBelow(a, b, a, b); }
+    static Doubles wholeNumber(Doubles value) { return value + all(wholeNumbers) - all(wholeNumbers); }
 
-    /// How far a value is from the nearest whole number; of one too large to have a fraction, less than its doubt.
-    static Doubles fromWhole(Doubles value) {
-        const auto wholeNumbers = Doubles::all(0x1.8p52); // so large that only whole numbers are left of what is added
-        return magnitudeOf(value - (value + wholeNumbers - wholeNumbers));
-    }
-
-    int width;
-    int height;
-    double a, b, g, startX;
-    double d, f;
-    double k1, k2;
-    double fourQ;
-    double perTwoQ;
-    double discriminantDoubt;
-    double plainDoubt; ///< of s, but for what the root's argument brings along
-    double rootDoubt;  ///< what that brings along, times the root
-    double numeratorDoubt;
-    double denominatorDoubt;
+    double width;
+    double height;
+    double pitch;
+    double rootSign;
+    double a, g, b, start; ///< of rows: (column * height - s * b - start) / (s * a + g)
+    Plane middle;
+    Plane product;
+    double mostFraction; ///< so far from the nearest whole number s may be
+    double rootDoubt;    ///< of s, times the root
+    double plainDoubtY;  ///< of y, times the denominator
+    double rootDoubtY;   ///< of y, times the denominator and the root
+    bool leavesRowsOpen; ///< no denominator is large enough for a y to be known, as for an upright rectangle
 };
 
 } // namespace
@@ -215,21 +253,22 @@ void iBilinearMapping(q_ulong *dst, q_ulong *src, int pitch, int width, int heig
                       int y0, int y1, int y2, int y3) {
     atFullWidth([=] {
         const Patch patch(width, height, {x0, x1, x2, x3}, {y0, y1, y2, y3});
-        const DoubledPatch doubled(patch);
-        DoubledPatch::Places places;
+        const DoubledPatch doubled(patch, pitch);
         // Pixels are asked for so many columns before they are read: what takes its time is to wait for them.
         constexpr int stretch = 8 * DoubledPatch::mostColumns;
-        constexpr Distance outside = PTRDIFF_MIN;
-        Distance indices[stretch];
-        const auto lookUp = [&](Distance *to, int first, int count, int r) {
-            doubled.find(places, first, count, r);
+        DoubledPatch::Places places;
+        std::int64_t indices[stretch];
+        const auto lookUp = [&](std::int64_t *to, int first, int count, int r) {
+            doubled.find(places, to, first, count, r);
             for (int i = 0; i < count; ++i) {
-                SourcePlace place = {};
-                if (!doubled.settle(places, i, place))
-                    place = patch.placeOf(first + i, r);
-                to[i] = patch.contains(place) ? place.y * Distance{pitch} + place.x : outside;
-                if (to[i] != outside)
-                    willRead(src + to[i]);
+                std::int64_t index = to[i];
+                if (index == DoubledPatch::open && !places.isFarOutside(i, width)) {
+                    const SourcePlace place = patch.placeOf(first + i, r);
+                    index = patch.contains(place) ? place.y * std::int64_t{pitch} + place.x : DoubledPatch::outside;
+                    to[i] = index;
+                }
+                if (index < DoubledPatch::outside)
+                    willRead(src + index);
             }
         };
         for (int r = 0; r < height; ++r) {
@@ -239,7 +278,7 @@ void iBilinearMapping(q_ulong *dst, q_ulong *src, int pitch, int width, int heig
                 for (int i = 0; i < count; i += DoubledPatch::mostColumns)
                     lookUp(indices + i, begin + i, smaller(DoubledPatch::mostColumns, count - i), r);
                 for (int i = 0; i < count; ++i)
-                    row[begin + i] = indices[i] == outside ? 0 : src[indices[i]];
+                    row[begin + i] = indices[i] < DoubledPatch::outside ? src[indices[i]] : 0;
             }
         }
     });

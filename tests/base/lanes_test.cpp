@@ -176,7 +176,8 @@ TYPED_TEST(Lanes, are_widened_and_narrowed_within_each_16_bytes) {
 template <class Doubles>
 class LanesOfDoubles : public testing::Test {};
 
-using KindsOfDoubles = testing::Types<Doubles, scalar::Lanes<double, 2>, scalar::Lanes<double, 4>>;
+using KindsOfDoubles =
+    testing::Types<Doubles, scalar::Lanes<double, 2>, scalar::Lanes<double, 4>, scalar::Lanes<double, 8>>;
 TYPED_TEST_SUITE(LanesOfDoubles, KindsOfDoubles);
 
 /// What `numberOf(lane)` gives for each lane; one not-a-number is as good as another.
