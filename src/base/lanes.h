@@ -47,8 +47,12 @@ Number fetched(Number number) {
 
 } // namespace detail
 
+template <int count>
+struct LaneSet;
+
 template <class Number, int count>
 struct Lanes {
+    using Set = LaneSet<count>;
     using Vector __attribute__((vector_size(sizeof(Number) * count))) = Number;
     /// A vector anywhere in memory. A copy by bytes would be made in pieces, for which the load then waits.
     using Anywhere __attribute__((aligned(1), may_alias)) = Vector;
@@ -985,67 +989,86 @@ Lanes<std::uint32_t, count> cappedAt255(Lanes<std::uint32_t, count> a) {
     return {a.vector > most.vector ? most.vector : a.vector};
 }
 
+#if defined(__AVX2__) && !defined(_WIN64)
+
+inline unsigned negativeLanes(Lanes<std::uint32_t, 8> a) {
+    return static_cast<unsigned>(_mm256_movemask_ps(_mm256_castsi256_ps(detail::bits256(a))));
+}
+
+inline unsigned lanesBelow(Lanes<std::uint32_t, 8> a, Lanes<std::uint32_t, 8> b) {
+    return negativeLanes(detail::lanesOf<std::uint32_t>(_mm256_cmpgt_epi32(detail::bits256(b), detail::bits256(a))));
+}
+
+#endif
+
+/// The lanes of a set have all bits, the others none.
 template <int count>
-void loadWhere(unsigned, const void *from, Lanes<std::uint32_t, count> &to) {
+struct LaneSet {
+    using Numbers = Lanes<std::uint32_t, count>;
+    using Signed = detail::SignedNumbers<count>;
+
+    Signed bits;
+
+    static LaneSet all() { return {~Signed{}}; }
+    static LaneSet first(int lanes) {
+        return below(Numbers::counted(), Numbers::all(static_cast<std::uint32_t>(lanes)));
+    }
+    static LaneSet below(Numbers a, Numbers b) {
+        return {reinterpret_cast<Signed>(a.vector) < reinterpret_cast<Signed>(b.vector)};
+    }
+
+    bool empty() const { return negativeLanes(detail::lanesOf<std::uint32_t>(bits)) == 0; }
+    Numbers chosen(Numbers ifIn, Numbers ifNot) const {
+#if defined(__AVX2__)
+        return {bits < 0 ? ifIn.vector : ifNot.vector}; // an instruction that looks at signs
+#else
+        const Numbers mask = detail::lanesOf<std::uint32_t>(bits);
+        return {(ifIn.vector & mask.vector) | (ifNot.vector & ~mask.vector)};
+#endif
+    }
+    friend LaneSet operator&(LaneSet a, LaneSet b) {
+        return {a.bits & b.bits};
+    }
+};
+
+template <int count>
+void loadWhere(LaneSet<count>, const void *from, Lanes<std::uint32_t, count> &to) {
     to = Lanes<std::uint32_t, count>::load(from);
 }
 
 template <int count>
-void loadSignedWhere(unsigned, const short *from, Lanes<std::uint32_t, count> &to) {
+void storeWhere(LaneSet<count> lanes, Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> old, q_ulong *to) {
+    lanes.chosen(a, old).store(to);
+}
+
+template <int count>
+void loadSignedWhere(LaneSet<count>, const short *from, Lanes<std::uint32_t, count> &to) {
     detail::SignedHalves<count> halves;
     std::memcpy(&halves, from, sizeof(halves));
     to = detail::lanesOf<std::uint32_t>(__builtin_convertvector(halves, detail::SignedNumbers<count>));
 }
 
-namespace detail {
-
-/// Writes a set of lanes, each as a `Number`.
-template <class Number, int count, class Vector>
-void storeWhere(unsigned lanes, Vector a, Number *to) {
-    constexpr unsigned all = (1U << count) - 1;
-    if (lanes == all) {
-        using Unaligned __attribute__((vector_size(sizeof(Vector)), aligned(1), may_alias)) = Number;
-        *reinterpret_cast<Unaligned *>(to) = reinterpret_cast<Unaligned>(a);
-        return;
-    }
-    Number numbers[count];
-    std::memcpy(numbers, &a, sizeof(a));
-    for (; lanes != 0; lanes &= lanes - 1) {
-        const int lane = __builtin_ctz(lanes);
-        to[lane] = numbers[lane];
-    }
-}
-
-} // namespace detail
-
 template <int count>
-void storeWhere(unsigned lanes, Lanes<std::uint32_t, count> a, q_ulong *to) {
-    detail::storeWhere<q_ulong, count>(lanes, a.vector, to);
+void storeLowWhere(LaneSet<count> lanes, Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> old, short *to) {
+    const auto low = __builtin_convertvector(lanes.chosen(a, old).vector, detail::SignedHalves<count>);
+    std::memcpy(to, &low, sizeof(low));
 }
 
-template <int count>
-void storeLowWhere(unsigned lanes, Lanes<std::uint32_t, count> a, short *to) {
-    detail::storeWhere<short, count>(lanes, __builtin_convertvector(a.vector, detail::SignedHalves<count>), to);
+#if defined(__SSE2__)
+
+inline void loadSignedWhere(LaneSet<4>, const short *from, Lanes<std::uint32_t, 4> &to) {
+    const __m128i halves = detail::bits128(Lanes<std::uint32_t, 4>::loadEightBytes(from));
+    to = detail::lanesOf<std::uint32_t>(_mm_srai_epi32(_mm_unpacklo_epi16(halves, halves), 16));
 }
+
+inline void storeLowWhere(LaneSet<4> lanes, Lanes<std::uint32_t, 4> a, Lanes<std::uint32_t, 4> old, short *to) {
+    const __m128i low = _mm_srai_epi32(_mm_slli_epi32(detail::bits128(lanes.chosen(a, old)), 16), 16);
+    detail::lanesOf<std::uint32_t>(_mm_packs_epi32(low, low)).storeEightBytes(to);
+}
+
+#endif
 
 #if defined(__AVX2__) && !defined(_WIN64)
-
-inline void loadWhere(unsigned, const void *from, Lanes<std::uint32_t, 8> &to) {
-    to = detail::lanesOf<std::uint32_t>(_mm256_loadu_si256(static_cast<const __m256i *>(from)));
-}
-
-inline unsigned lanesBelow(Lanes<std::uint32_t, 8> a, Lanes<std::uint32_t, 8> b) {
-    return static_cast<unsigned>(
-        _mm256_movemask_ps(_mm256_castsi256_ps(_mm256_cmpgt_epi32(detail::bits256(b), detail::bits256(a)))));
-}
-
-inline void storeWhere(unsigned lanes, Lanes<std::uint32_t, 8> a, q_ulong *to) {
-    if (lanes == 0xFF)
-        return a.store(to);
-    const __m256i bits = _mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128);
-    const __m256i chosen = _mm256_and_si256(_mm256_set1_epi32(static_cast<int>(lanes)), bits);
-    _mm256_maskstore_epi32(reinterpret_cast<int *>(to), _mm256_cmpeq_epi32(chosen, bits), detail::bits256(a));
-}
 
 inline Lanes<std::uint32_t, 4> scaledTowardZero(Lanes<std::uint32_t, 4> a, double factor) {
     const __m256d numbers = _mm256_cvtepi32_pd(detail::bits128(a));
@@ -1109,23 +1132,35 @@ inline unsigned lanesBelow(Lanes<std::uint32_t, 16> a, Lanes<std::uint32_t, 16> 
     return _mm512_cmplt_epi32_mask(detail::bits512(a), detail::bits512(b));
 }
 
-inline void loadWhere(unsigned lanes, const void *from, Lanes<std::uint32_t, 16> &to) {
-    to = detail::lanesOf<std::uint32_t>(_mm512_maskz_loadu_epi32(static_cast<__mmask16>(lanes), from));
+template <>
+struct LaneSet<16> {
+    __mmask16 bits;
+
+    static LaneSet all() { return {0xFFFF}; }
+    static LaneSet first(int lanes) { return {static_cast<__mmask16>((1U << lanes) - 1)}; }
+    static LaneSet below(Lanes<std::uint32_t, 16> a, Lanes<std::uint32_t, 16> b) {
+        return {_mm512_cmplt_epi32_mask(detail::bits512(a), detail::bits512(b))};
+    }
+
+    bool empty() const { return bits == 0; }
+    friend LaneSet operator&(LaneSet a, LaneSet b) { return {static_cast<__mmask16>(a.bits & b.bits)}; }
+};
+
+inline void loadWhere(LaneSet<16> lanes, const void *from, Lanes<std::uint32_t, 16> &to) {
+    to = detail::lanesOf<std::uint32_t>(_mm512_maskz_loadu_epi32(lanes.bits, from));
 }
 
-inline void loadSignedWhere(unsigned lanes, const short *from, Lanes<std::uint32_t, 16> &to) {
-    const auto halves =
-        reinterpret_cast<detail::SignedHalves<16>>(_mm256_maskz_loadu_epi16(static_cast<__mmask16>(lanes), from));
-    to = detail::lanesOf<std::uint32_t>(__builtin_convertvector(halves, detail::SignedNumbers<16>));
+inline void loadSignedWhere(LaneSet<16> lanes, const short *from, Lanes<std::uint32_t, 16> &to) {
+    const __m256i halves = _mm256_maskz_loadu_epi16(lanes.bits, from);
+    to = detail::lanesOf<std::uint32_t>(_mm512_maskz_cvtepi16_epi32(0xFFFF, halves));
 }
 
-inline void storeWhere(unsigned lanes, Lanes<std::uint32_t, 16> a, q_ulong *to) {
-    _mm512_mask_storeu_epi32(to, static_cast<__mmask16>(lanes), detail::bits512(a));
+inline void storeWhere(LaneSet<16> lanes, Lanes<std::uint32_t, 16> a, Lanes<std::uint32_t, 16>, q_ulong *to) {
+    _mm512_mask_storeu_epi32(to, lanes.bits, detail::bits512(a));
 }
 
-inline void storeLowWhere(unsigned lanes, Lanes<std::uint32_t, 16> a, short *to) {
-    const auto low = __builtin_convertvector(a.vector, detail::SignedHalves<16>);
-    _mm256_mask_storeu_epi16(to, static_cast<__mmask16>(lanes), reinterpret_cast<__m256i>(low));
+inline void storeLowWhere(LaneSet<16> lanes, Lanes<std::uint32_t, 16> a, Lanes<std::uint32_t, 16>, short *to) {
+    _mm256_mask_storeu_epi16(to, lanes.bits, _mm512_maskz_cvtepi32_epi16(0xFFFF, detail::bits512(a)));
 }
 
 constexpr int spanLanes = 16;
@@ -1205,9 +1240,9 @@ using MostPixels = Numbers<widestBytes / 4>;
 using SpanPixels = Numbers<target::spanLanes>;
 using SinglePixel = scalar::Lanes<std::uint32_t, 1>;
 
-/// Whether loadWhere() and loadSignedWhere() read only the lanes that they are asked for.
+/// Whether only the lanes of a set are read from memory and written to it.
 template <class Lanes>
-constexpr bool readsSomeLanes = sizeof(Lanes) == sizeof(SinglePixel) || target::masksMemory;
+constexpr bool touchesSomeLanes = sizeof(Lanes) == sizeof(SinglePixel) || target::masksMemory;
 
 } // namespace qmur
 

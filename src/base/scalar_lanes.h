@@ -4,6 +4,8 @@
 #ifndef Q_MUR_BASE_SCALAR_LANES_H
 #define Q_MUR_BASE_SCALAR_LANES_H
 
+#include "q_Mur/types.h"
+
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -13,9 +15,14 @@
 
 namespace qmur::scalar {
 
+template <int count>
+struct LaneSet;
+
 /// `count` numbers side by side: std::uint8_t to std::uint64_t, whose sums and products wrap, or double.
 template <class Number, int count>
 struct Lanes {
+    using Set = LaneSet<count>;
+
     Number lanes[count];
 
     template <class... Numbers>
@@ -439,7 +446,7 @@ void storeSixteens(void *first, std::ptrdiff_t stride, Lanes<Number, count> a) {
                     reinterpret_cast<const char *>(&a) + block * 16, 16);
 }
 
-// Spans of pixels: groups of lanes of which a span may use some. Bit `lane` of a set of lanes stands for that lane.
+// Spans of pixels: groups of lanes of which a span may use some.
 
 /// Each lane times its index.
 template <int count>
@@ -447,7 +454,7 @@ Lanes<std::uint32_t, count> timesIndex(Lanes<std::uint32_t, count> a) {
     return Lanes<std::uint32_t, count>::filled([&](int lane) { return a[lane] * static_cast<unsigned>(lane); });
 }
 
-/// The lanes where `a`, as a signed number, is below `b`.
+/// Bit `lane` is set where that lane of `a`, as a signed number, is below that of `b`.
 template <int count>
 unsigned lanesBelow(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> b) {
     return negativeLanes(Lanes<std::uint32_t, count>::filled(
@@ -460,32 +467,48 @@ Lanes<std::uint32_t, count> cappedAt255(Lanes<std::uint32_t, count> a) {
     return Lanes<std::uint32_t, count>::filled([&](int lane) { return a[lane] > 255 ? 255 : a[lane]; });
 }
 
-/// Numbers from memory in a set of lanes; what is in the other lanes is not said. Where readsSomeLanes is false, these
-/// are read as well.
+/// A set of lanes, in the form in which memory is read and written by it.
 template <int count>
-void loadWhere(unsigned, const void *from, Lanes<std::uint32_t, count> &to) {
+struct LaneSet {
+    unsigned bits;
+
+    static LaneSet all() { return {(1U << count) - 1}; }
+    /// The first few.
+    static LaneSet first(int lanes) { return {(1U << lanes) - 1}; }
+    /// The lanes where `a`, as a signed number, is below `b`.
+    static LaneSet below(Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count> b) { return {lanesBelow(a, b)}; }
+
+    bool empty() const { return bits == 0; }
+    friend LaneSet operator&(LaneSet a, LaneSet b) { return {a.bits & b.bits}; }
+};
+
+/// Numbers from memory in a set of lanes; what is in the other lanes is not said. Where touchesSomeLanes is false,
+/// these are read as well.
+template <int count>
+void loadWhere(LaneSet<count>, const void *from, Lanes<std::uint32_t, count> &to) {
     to = Lanes<std::uint32_t, count>::load(from);
 }
 
 /// The same from numbers of 16 bits, with their sign.
 template <int count>
-void loadSignedWhere(unsigned, const short *from, Lanes<std::uint32_t, count> &to) {
+void loadSignedWhere(LaneSet<count>, const short *from, Lanes<std::uint32_t, count> &to) {
     to = Lanes<std::uint32_t, count>::filled([from](int lane) { return from[lane]; });
 }
 
-/// Writes a set of lanes, and nothing to the places of the others.
+/// Writes a set of lanes. The places of the others keep what they hold, which is what `old` has in these lanes: where
+/// touchesSomeLanes is false, it may be written back.
 template <int count>
-void storeWhere(unsigned lanes, Lanes<std::uint32_t, count> a, void *to) {
+void storeWhere(LaneSet<count> lanes, Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count>, q_ulong *to) {
     for (int lane = 0; lane < count; ++lane)
-        if (lanes >> lane & 1)
-            std::memcpy(static_cast<char *>(to) + 4 * lane, &a.lanes[lane], 4);
+        if (lanes.bits >> lane & 1)
+            std::memcpy(to + lane, &a.lanes[lane], sizeof(*to));
 }
 
 /// The same with the low 16 bits of each lane.
 template <int count>
-void storeLowWhere(unsigned lanes, Lanes<std::uint32_t, count> a, short *to) {
+void storeLowWhere(LaneSet<count> lanes, Lanes<std::uint32_t, count> a, Lanes<std::uint32_t, count>, short *to) {
     for (int lane = 0; lane < count; ++lane)
-        if (lanes >> lane & 1)
+        if (lanes.bits >> lane & 1)
             to[lane] = static_cast<short>(a[lane]);
 }
 

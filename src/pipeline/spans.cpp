@@ -4,6 +4,8 @@
 #include "base/pixel.h"
 #include "q_Mur/pipeline.h"
 
+#include <bit>
+
 namespace qmur {
 namespace {
 
@@ -15,66 +17,68 @@ struct Shades {
     Lanes blue;
     Lanes depth;
 
+    template <class Operation>
+    Shades each(Operation operation) const {
+        return {operation(red), operation(green), operation(blue), operation(depth)};
+    }
     Shades advanced(const Shades &by) const {
         return {red + by.red, green + by.green, blue + by.blue, depth + by.depth};
     }
 };
 
 /// All lanes of a group.
-template <int count>
+template <class Lanes>
 struct EveryLane {
-    constexpr operator unsigned() const { return (1U << count) - 1; }
+    operator typename Lanes::Set() const { return Lanes::Set::all(); }
 };
 
-/// Draws the pixels of a row from `begin` on in groups while one fits before `end`, or before `readable` where it is
-/// the last. Returns where it stopped.
+/// Draws the pixels of a row from `begin` on in groups while one fits before `end`, or before `accessible` where it is
+/// the last. Returns where it stopped. Lanes that the last group leaves out may be written with what they hold.
 ///
 /// `draw(index, lanes, shades)` draws a set of lanes of the group that begins at a pixel.
 template <class Lanes, class Draw>
-Distance drawGroups(Distance begin, Distance end, Distance readable, const Running<ShadedColumn> &from, Draw draw) {
+Distance drawGroups(Distance begin, Distance end, Distance accessible, const Running<ShadedColumn> &from, Draw draw) {
     constexpr int count = sizeof(Lanes) / 4;
-    const auto spread = [](Numbers<4> shade, auto laneOf) {
-        return Shades<Lanes>{laneOf(shade[0]), laneOf(shade[1]), laneOf(shade[2]), laneOf(shade[3])};
+    const auto spread = [](Numbers<4> shade) {
+        return Shades<Lanes>{Lanes::all(shade[0]), Lanes::all(shade[1]), Lanes::all(shade[2]), Lanes::all(shade[3])};
     };
-    const auto constant = [](std::uint32_t number) { return Lanes::all(number); };
-    Shades<Lanes> shades = spread(from.value.shade, constant).advanced(spread(from.step.shade, [](std::uint32_t step) {
-        return timesIndex(Lanes::all(step));
-    }));
+    const Shades<Lanes> step = spread(from.step.shade);
+    Shades<Lanes> shades = spread(from.value.shade).advanced(step.each([](Lanes a) { return timesIndex(a); }));
     Distance i = begin;
     if (end - i >= count) {
-        const Shades<Lanes> step = spread(from.step.shade * Numbers<4>::all(count), constant);
-        for (; end - i >= count; i += count, shades = shades.advanced(step))
-            draw(i, EveryLane<count>(), shades);
+        const Shades<Lanes> groupStep = step.each([](Lanes a) { return a << std::countr_zero(unsigned{count}); });
+        for (; end - i >= count; i += count, shades = shades.advanced(groupStep))
+            draw(i, EveryLane<Lanes>(), shades);
     }
-    if (count == 1 || i == end || (!readsSomeLanes<Lanes> && readable - i < count))
+    if (count == 1 || i == end || (!touchesSomeLanes<Lanes> && accessible - i < count))
         return i;
-    draw(i, (1U << (end - i)) - 1, shades);
+    draw(i, Lanes::Set::first(static_cast<int>(end - i)), shades);
     return end;
 }
 
-/// From how many pixels on a row is worth groups, where a group cannot leave out some of what it reads.
-constexpr int groupedFrom = 8;
-
 /// Calls `draw(index, lanes, shades)` for groups of pixels until every pixel of a band inside the clip was in one; for
-/// one pixel after the other unless groups are allowed.
-template <int fractionBits, class Draw>
+/// one pixel after the other unless groups are allowed. `approach(index)` hears a while before where a row begins.
+template <int fractionBits, class Draw, class Approach>
 void forEachGroup(const tagRECT &clip, q_ulong pitch, const SteppedEdge<fractionBits, ShadedColumn> &left,
-                  const SteppedEdge<fractionBits, ShadedColumn> &right, Draw draw, bool allowsGroups = true) {
+                  const SteppedEdge<fractionBits, ShadedColumn> &right, Draw draw, Approach approach,
+                  bool allowsGroups = true) {
     const Distance rowStep = asDistance(pitch);
     const Window window = windowOf(clip);
-    forEachSteppedRow<fractionBits>(left, right, window, [=](int y, Span columns, const Running<ShadedColumn> &shade) {
+    const auto drawRow = [=](int y, Span columns, const Running<ShadedColumn> &shade) {
         const Distance row = y * rowStep;
         const Distance begin = row + columns.begin;
         const Distance end = row + columns.end;
         Distance drawn = begin;
         Running<ShadedColumn> rest = shade;
-        if (allowsGroups && (readsSomeLanes<SpanPixels> || columns.length() >= groupedFrom)) {
+        if (allowsGroups) {
             drawn = drawGroups<SpanPixels>(begin, end, row + window.columns.end, shade, draw);
             rest.advance(static_cast<int>(drawn - begin));
         }
-        if (!readsSomeLanes<SpanPixels> || !allowsGroups)
+        if (!touchesSomeLanes<SpanPixels> || !allowsGroups)
             drawGroups<SinglePixel>(drawn, end, end, rest, draw);
-    });
+    };
+    forEachSteppedRow<fractionBits>(left, right, window, drawRow,
+                                    [=](int y, int column) { approach(y * rowStep + column); });
 }
 
 /// Not masked: a channel outside 0 to 255 runs into its neighbours.
@@ -108,10 +112,10 @@ Lanes blendedInPairs(Lanes d, const Shades<Lanes> &shades, std::uint32_t weights
 
 /// Replaces a set of lanes by `colourOf(dst pixels)`. Called, it would have all shades wait in memory.
 template <class Lanes, class ColourOf>
-[[gnu::always_inline]] inline void change(q_ulong *dst, unsigned lanes, ColourOf colourOf) {
+[[gnu::always_inline]] inline void change(q_ulong *dst, typename Lanes::Set lanes, ColourOf colourOf) {
     Lanes d;
     loadWhere(lanes, dst, d);
-    storeWhere(lanes, colourOf(d), dst);
+    storeWhere(lanes, colourOf(d), d, dst);
 }
 
 /// What draws with a depth: `draw(first dst pixel, lanes, shades)` for the pixels that pass both tests. A depth that is
@@ -130,12 +134,17 @@ void drawNearest(const _PRIVATE_QMGL_DATA &data, const q_ulong *dst, const tagRE
         [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
             const Lanes z = shiftedSigned(shades.depth, depthFractionBits);
             Lanes depths;
-            loadSignedWhere(lanes, zBuffer + i, depths);
-            const unsigned nearest = lanes & lanesBelow(Lanes::all(nearLimit), z) & lanesBelow(z, depths);
-            if (nearest == 0)
+            using Set = typename Lanes::Set;
+            loadSignedWhere(Set(lanes), zBuffer + i, depths);
+            const Set nearest = lanes & Set::below(Lanes::all(nearLimit), z) & Set::below(z, depths);
+            if (nearest.empty())
                 return;
             draw(i, nearest, shades);
-            storeLowWhere(nearest, z, zBuffer + i);
+            storeLowWhere(nearest, z, depths, zBuffer + i);
+        },
+        [=](Distance i) {
+            willWrite(zBuffer + i);
+            willWrite(dst + i);
         },
         isApart);
 }
@@ -146,7 +155,7 @@ void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip,
               const ShadedEdge &right) {
     drawNearest(data, dst, clip, pitch, left, right,
                 [dst]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
-                    storeWhere(lanes, packed(shades, depthFractionBits), dst + i);
+                    change<Lanes>(dst + i, lanes, [&](Lanes) { return packed(shades, depthFractionBits); });
                 });
 }
 
@@ -154,9 +163,11 @@ void drawBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip,
               const ShadedEdge &right, int opacity, bool isModest) {
     if (opacity == 128) {
         forEachGroup<depthFractionBits>(
-            clip, pitch, left, right, [dst]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+            clip, pitch, left, right,
+            [dst]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
                 change<Lanes>(dst + i, lanes, [&](Lanes d) { return halfMixed(d, shades); });
-            });
+            },
+            [dst](Distance i) { willWrite(dst + i); });
         return;
     }
     const auto shadeWeight = static_cast<std::uint32_t>(opacity);
@@ -191,17 +202,20 @@ void mixBand(const _PRIVATE_QMGL_DATA &data, q_ulong *dst, const tagRECT &clip, 
              const ShadedEdge &right) {
     const auto nearLimit = static_cast<std::uint32_t>(data.nearLimit);
     forEachGroup<depthFractionBits>(
-        clip, pitch, left, right, [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
-            const unsigned visible =
-                lanes & lanesBelow(Lanes::all(nearLimit), shiftedSigned(shades.depth, depthFractionBits));
-            if (visible != 0)
+        clip, pitch, left, right,
+        [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+            const typename Lanes::Set visible =
+                lanes & Lanes::Set::below(Lanes::all(nearLimit), shiftedSigned(shades.depth, depthFractionBits));
+            if (!visible.empty())
                 change<Lanes>(dst + i, visible, [&](Lanes d) { return halfMixed(d, shades); });
-        });
+        },
+        [dst](Distance i) { willWrite(dst + i); });
 }
 
 void addBand(q_ulong *dst, const tagRECT &clip, q_ulong pitch, const AdditiveEdge &left, const AdditiveEdge &right) {
     forEachGroup<additiveFractionBits>(
-        clip, pitch, left, right, [dst]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
+        clip, pitch, left, right,
+        [dst]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
             // Meant: a sum below 0 reads as a large one and saturates, and red is taken with the top byte.
             const auto sum = [](Lanes value, Lanes d) {
                 return cappedAt255(shiftedSigned(value, additiveFractionBits) + d);
@@ -211,7 +225,8 @@ void addBand(q_ulong *dst, const tagRECT &clip, q_ulong pitch, const AdditiveEdg
                 return sum(shades.red, d >> 16) << 16 | sum(shades.green, d >> 8 & byte) << 8 |
                        sum(shades.blue, d & byte);
             });
-        });
+        },
+        [dst](Distance i) { willWrite(dst + i); });
 }
 
 } // namespace qmur

@@ -202,7 +202,7 @@ void drawGroups(q_ulong *dst, DepthEntry *depths, Span pixels, const Running<Wal
         const Several z = shiftedSigned(group.z, fractionBits);
         if constexpr (mapping.depth != Depth::untested) {
             Several found;
-            loadSignedWhere(all, depths + x, found);
+            loadSignedWhere(Several::Set::all(), depths + x, found);
             drawn = lanesBelow(z, found);
         }
         if constexpr (mapping.depth == Depth::testedBehindNearLimit)
@@ -215,7 +215,7 @@ void drawGroups(q_ulong *dst, DepthEntry *depths, Span pixels, const Running<Wal
                 return false;
             colours.store(dst + x);
             if constexpr (mapping.depth != Depth::untested)
-                storeLowWhere(all, z, depths + x);
+                storeLowWhere(Several::Set::all(), z, z, depths + x);
             return true;
         };
         // Texels of pixels that are left out may lie in no memory.
@@ -314,7 +314,7 @@ void mapBand(Data *data, q_ulong *dst, q_ulong *tex, tagRECT *clip, q_ulong dstP
         else
             drawRow<mapping>(dst + y * step, depthRow, columns, walk, scene);
     };
-    forEachSteppedRow<mapping.fractionBits>(left, right, windowOf(*clip), drawColumns);
+    forEachSteppedRow<mapping.fractionBits>(left, right, windowOf(*clip), drawColumns, [](int, int) {});
 }
 
 } // namespace

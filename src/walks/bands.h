@@ -212,12 +212,16 @@ void forEachSteppedBand(const Triangle<Type> &corners, IsLeft isLeftOf, Band ban
         band(isLeft ? part : whole, isLeft ? whole : part);
 }
 
-/// Calls `row(y, columns, running)` for the rows of a band inside the window: `running` stands at the first column.
+/// Calls `row(y, columns, running)` for the rows of a band inside the window: `running` stands at the first column, but
+/// for its `x`, which the columns have told already. `approach(y, column)` hears a while before where a row begins.
 /// Columns are floors, from the left edge's up to, not including, the right edge's, so that bands which share an edge
 /// meet without a gap or an overlap.
-template <int fractionBits, Carried Type, class Row>
-void forEachSteppedRow(const SteppedEdge<fractionBits, Type> &leftEdge,
-                       const SteppedEdge<fractionBits, Type> &rightEdge, Window window, Row row) {
+///
+/// Called, it would wait for what `row` has captured to be copied.
+template <int fractionBits, Carried Type, class Row, class Approach>
+[[gnu::always_inline]] inline void forEachSteppedRow(const SteppedEdge<fractionBits, Type> &leftEdge,
+                                                     const SteppedEdge<fractionBits, Type> &rightEdge, Window window,
+                                                     Row row, Approach approach) {
     const Span rows = intersection(intersection(leftEdge.covered(), rightEdge.covered()), window.rows);
     if (rows.empty())
         return;
@@ -240,9 +244,11 @@ void forEachSteppedRow(const SteppedEdge<fractionBits, Type> &leftEdge,
             // The width is that of the fixed-point numbers; it may differ from that of the columns by one.
             const Divisor width(oneIfZero(wrapSubtract(right.value.x, left.value.x) >> fractionBits));
             Running<Type> running = {left.value, (right.value - left.value) / width};
+            running.step.x = 0;
             if (columns.begin != first)
                 running.advance(wrapSubtract(columns.begin, first));
             starts[count] = {y, columns, running};
+            approach(y, columns.empty() ? window.columns.begin : columns.begin);
             count += columns.empty() ? 0 : 1;
         }
         for (int i = 0; i < count; ++i)
