@@ -166,7 +166,7 @@ bool isReached(Address block, const Pages &pages, Heads &heads, bool isAlone) {
 
 std::optional<Piece> blockOfHeap(const void *pointer) {
     const Address begin = addressOf(pointer);
-    if (begin < pageBytes || begin % alignment != 0 || begin % pageBytes == 0)
+    if (begin < pageBytes || begin % alignment != 0)
         return {};
     const Address block = begin - headBytes;
     Heads heads;

@@ -14,8 +14,10 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -74,6 +76,19 @@ TEST(mistakes, pitch_in_bytes_on_the_heap) {
     EXPECT_NAMED(iFillRect(low.data(), &low.all, 4 * 64, 0),
                  "iFillRect: rect.bottom 48 exceeds the " Q_MUR_ROWS_HELD("12", "13") " rows of dst");
 }
+
+#if defined(__GLIBC__)
+TEST(mistakes, pitch_in_bytes_on_the_heap_where_a_page_begins) {
+    // Blocks of three pages and their own head: each stands 16 bytes further on in its page than the one before.
+    std::vector<std::unique_ptr<Picture>> pictures;
+    do {
+        pictures.push_back(std::make_unique<Picture>(64, 48, false));
+    } while (reinterpret_cast<std::uintptr_t>(pictures.back()->data()) % 4096 != 0 && pictures.size() < 600);
+    ASSERT_EQ(reinterpret_cast<std::uintptr_t>(pictures.back()->data()) % 4096, 0U);
+    EXPECT_NAMED(iFillRect(pictures.back()->data(), &pictures.back()->all, 4 * 64, 0),
+                 "iFillRect: rect.bottom 48 exceeds the 13 rows of dst");
+}
+#endif
 
 TEST(mistakes, swapped_pitches) {
     Picture dst(64, 48), src(80, 48);
