@@ -19,8 +19,10 @@ site_maker.need(jinja2="Jinja", selenium="Selenium", tomllib="Python 3.11")
 import tomllib  # noqa: E402
 
 from selenium import webdriver  # noqa: E402
+from selenium.common.exceptions import WebDriverException  # noqa: E402
 from selenium.webdriver.chrome.service import Service  # noqa: E402
 from selenium.webdriver.common.by import By  # noqa: E402
+from selenium.webdriver.support.ui import WebDriverWait  # noqa: E402
 
 PHONE = 390
 MEASURE = """
@@ -50,6 +52,15 @@ def open_browser():
     return browser
 
 
+def go_to(browser, address):
+    """Opens a page. The driver at times answers before its scripts have run."""
+    browser.get(address)
+    is_there = ("const place = (address) => address.split(/[?#]/)[0];"
+                "return place(location.href) === place(arguments[0]) && document.readyState === 'complete';")
+    WebDriverWait(browser, 60, ignored_exceptions=[WebDriverException]).until(
+        lambda page: page.execute_script(is_there, address))
+
+
 class Browser(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -61,7 +72,7 @@ class Browser(unittest.TestCase):
         cls.addClassCleanup(cls.browser.quit)
 
     def open(self, page, question=""):
-        self.browser.get((self.site / page).as_uri() + question)
+        go_to(self.browser, (self.site / page).as_uri() + question)
 
     def faults(self, page):
         """What is wrong with a page that is opened."""

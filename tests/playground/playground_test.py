@@ -186,7 +186,7 @@ class Playground(unittest.TestCase):
 
     def open(self, function, address=""):
         self.browser.get("about:blank")
-        self.browser.get((self.site / pages.page_of(function)).as_uri() + address)
+        browser_test.go_to(self.browser, (self.site / pages.page_of(function)).as_uri() + address)
 
     def run_script(self, script, *values):
         """What a script returns, to which `page` is the playground."""
@@ -208,7 +208,7 @@ class Playground(unittest.TestCase):
         for function in cls.functions:
             if function["name"] in NOT_PLAYED:
                 continue
-            cls.browser.get((cls.site / pages.page_of(function)).as_uri())
+            browser_test.go_to(cls.browser, (cls.site / pages.page_of(function)).as_uri())
             report = cls.browser.execute_async_script(VISIT)
             report["console"] = [entry["message"] for entry in cls.browser.get_log("browser")]
             reports[pages.full_name(function)] = report
