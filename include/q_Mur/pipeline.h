@@ -22,8 +22,9 @@
 /// - Depth is the camera's z in world units, an int in the Z plane, smaller is nearer.
 /// - VKD_Mapping3Dto2D() takes rows before columns, the renderers take columns before rows.
 ///
-/// Nothing is checked: neither the depth of the stacks, nor a surface, which `clip` alone bounds and which may be read
-/// anywhere inside it, nor the sizes of arrays. A private block serves one thread at a time. Pitches count pixels; the
+/// Nothing is checked: neither the depth of the stacks, nor a surface, which `clip` alone bounds, nor the sizes of
+/// arrays. Inside `clip` a surface and the Z plane may be read anywhere, and written with what they hold: threads that
+/// share a surface need clips that lie apart. A private block serves one thread at a time. Pitches count pixels; the
 /// Z plane has the same.
 #ifndef Q_MUR_PIPELINE_H
 #define Q_MUR_PIPELINE_H

@@ -26,7 +26,7 @@ struct Shades {
     }
 };
 
-/// All lanes of a group.
+/// All lanes of a group, as a type of its own: what is drawn by it knows no mask.
 template <class Lanes>
 struct EveryLane {
     operator typename Lanes::Set() const { return Lanes::Set::all(); }
@@ -133,8 +133,8 @@ void drawNearest(const _PRIVATE_QMGL_DATA &data, const q_ulong *dst, const tagRE
         clip, pitch, left, right,
         [=]<class Lanes>(Distance i, auto lanes, const Shades<Lanes> &shades) {
             const Lanes z = shiftedSigned(shades.depth, depthFractionBits);
-            Lanes depths;
             using Set = typename Lanes::Set;
+            Lanes depths;
             loadSignedWhere(Set(lanes), zBuffer + i, depths);
             const Set nearest = lanes & Set::below(Lanes::all(nearLimit), z) & Set::below(z, depths);
             if (nearest.empty())

@@ -223,7 +223,7 @@ template <int fractionBits, Carried Type, class Row, class Approach>
                                                      const SteppedEdge<fractionBits, Type> &rightEdge, Window window,
                                                      Row row, Approach approach) {
     const Span rows = intersection(intersection(leftEdge.covered(), rightEdge.covered()), window.rows);
-    if (rows.empty())
+    if (rows.empty() || window.columns.empty())
         return;
     Running<Type> left = leftEdge.from(rows.begin);
     Running<Type> right = rightEdge.from(rows.begin);

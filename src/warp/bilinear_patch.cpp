@@ -46,7 +46,7 @@ DoubledPatch::DoubledPatch(const BilinearPatch &patch, int surfacePitch)
     const double squares = largestMiddle * largestMiddle + largest(product);
     const double ofSquares = 20 * unit * squares;
     const double ofPlace = 24 * unit * (largestMiddle + std::sqrt(squares) + width);
-    // Where indices are no whole numbers to a double, all is left open.
+    // Where an index could reach those that stand for none, all is left open.
     mostFraction = std::fabs(pitch) * height < outside ? 0.5 - ofPlace : -1;
     // No less than tells the sign of the root's argument.
     rootDoubt = std::max(ofSquares, std::sqrt(ofSquares) / 2);
@@ -54,7 +54,7 @@ DoubledPatch::DoubledPatch(const BilinearPatch &patch, int surfacePitch)
     // Of rows within the source; what lies further away has doubts that grow more slowly than its distance.
     const double rows = height + 2;
     const double perPlace = std::fabs(b) + rows * std::fabs(a);
-    const double ofNumerator = 16 * unit * (height * width + 2 * std::fabs(b) * width + std::fabs(start));
+    const double ofNumerator = 16 * unit * (height * width + mostS * std::fabs(b) * width + std::fabs(start));
     const double ofDenominator = 16 * unit * (mostS * std::fabs(a) * width + std::fabs(g));
     // The true denominator is at least half of this one where the doubt of y counts, which is doubled for that.
     plainDoubtY = 2 * (perPlace * ofPlace + ofNumerator + rows * ofDenominator);

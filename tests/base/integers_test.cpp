@@ -18,6 +18,9 @@ TEST(Arithmetic, wraps_at_the_ends_of_the_numbers_and_truncates_toward_zero) {
     EXPECT_EQ(wrapDivide(leastInt, 1LL << 32), 0);
     EXPECT_EQ(wrapDivide(q_ulong{0xFFFFFFFF}, q_ulong{2}), q_ulong{0x7FFFFFFF});
     EXPECT_EQ(oneIfZero(0), 1);
+    EXPECT_EQ(oneIfZero(-1), -1);
+    EXPECT_EQ(oneIfZero(leastInt), leastInt);
+    EXPECT_EQ(oneIfZero(greatestInt), greatestInt);
     EXPECT_EQ(oneIfZero(1LL << 32), 1LL << 32);
     EXPECT_EQ(magnitudeOf(-5), 5);
     EXPECT_EQ(magnitudeOf(leastInt + 1), greatestInt);

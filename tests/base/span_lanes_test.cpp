@@ -71,7 +71,7 @@ TYPED_TEST(SpanLanes, are_all_the_first_those_below_or_those_of_two_sets) {
     });
 }
 
-TYPED_TEST(SpanLanes, read_and_write_the_places_of_a_set_alone) {
+TYPED_TEST(SpanLanes, read_and_write_the_places_of_a_set_and_keep_the_others) {
     forEachSeed([](test::Random &random) {
         const Sample<TypeParam> a(random);
         constexpr int count = sizeof(TypeParam) / 4;

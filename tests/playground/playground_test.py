@@ -187,6 +187,7 @@ class Playground(unittest.TestCase):
     def open(self, function, address=""):
         self.browser.get("about:blank")
         browser_test.go_to(self.browser, (self.site / pages.page_of(function)).as_uri() + address)
+        self.run_script("")  # the controls are there with the module
 
     def run_script(self, script, *values):
         """What a script returns, to which `page` is the playground."""
