@@ -221,8 +221,8 @@ void provePositions(const Row &row) {
 
 } // namespace
 
-const Proof lookup = {"sources_are_looked_up_as_the_row_says", reasonAgainstLookup, proveLookup};
-const Proof steps = {"numbers_count_in_steps_as_the_row_says", reasonAgainstSteps, proveSteps};
-const Proof positions = {"positions_have_the_bits_that_the_row_says", reasonAgainstPositions, provePositions};
+const Proof lookup = {"sources_are_looked_up_as_the_row_says", reasonAgainstLookup, proveLookup, true};
+const Proof steps = {"numbers_count_in_steps_as_the_row_says", reasonAgainstSteps, proveSteps, true};
+const Proof positions = {"positions_have_the_bits_that_the_row_says", reasonAgainstPositions, provePositions, true};
 
 } // namespace proofs

@@ -1,5 +1,7 @@
 #include "proofs.h"
 
+#include "support/cases.h"
+
 #include <cctype>
 
 namespace proofs {
@@ -39,6 +41,10 @@ std::string_view reasonAgainst(const Proof &proof, const Row &row) {
         if (waiver.proof == proof.name || waiver.proof == "every proof")
             return waiver.reason;
     return proof.reasonAgainst(row);
+}
+
+bool applies(const Proof &proof, const Row &row) {
+    return reasonAgainst(proof, row).empty() && !(proof.isOfStatement && test::runsFewerCases());
 }
 
 void Tally::add(const Call &before, const Call &after) {
@@ -95,7 +101,7 @@ std::string testName(const Row &row) {
 void registerTests() {
     for (const Proof &proof : allProofs())
         catalogue::forEachRow([&proof](const Row &row) {
-            if (reasonAgainst(proof, row).empty())
+            if (applies(proof, row))
                 testing::RegisterTest(std::string(proof.name).c_str(), testName(row).c_str(), nullptr, nullptr,
                                       __FILE__, __LINE__,
                                       [&proof, &row]() -> testing::Test * { return new RowTest(proof, row); });

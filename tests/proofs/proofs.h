@@ -21,6 +21,9 @@ struct Proof {
     std::string_view (*reasonAgainst)(const Row &);
 
     void (*prove)(const Row &);
+
+    /// The proof is of what a row states, which is true of every build if it is of one, and not of a build's bytes.
+    bool isOfStatement = false;
 };
 
 extern const Proof agreesWithTwin;
@@ -50,6 +53,9 @@ const std::vector<Proof> &allProofs();
 
 /// The reason of the proof or of the row itself.
 std::string_view reasonAgainst(const Proof &proof, const Row &row);
+
+/// Whether the proof is run for a row: where fewer cases are run than elsewhere, proofs of statements are not.
+bool applies(const Proof &proof, const Row &row);
 
 /// Counts the calls of a proof and those of them that change something: where none does, a proof proves nothing.
 class Tally {

@@ -49,6 +49,6 @@ void prove(const Row &row) {
 
 } // namespace
 
-const Proof readsTables = {"reads_the_tables_if_it_says_so", reason, prove};
+const Proof readsTables = {"reads_the_tables_if_it_says_so", reason, prove, true};
 
 } // namespace proofs

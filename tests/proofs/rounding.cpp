@@ -99,7 +99,7 @@ void proveUniform(const Row &row) {
 
 } // namespace
 
-const Proof fractions = {"fractions_are_as_the_row_says", reasonAgainstFractions, proveFractions};
-const Proof uniform = {"one_colour_is_as_the_row_says", reasonAgainstUniform, proveUniform};
+const Proof fractions = {"fractions_are_as_the_row_says", reasonAgainstFractions, proveFractions, true};
+const Proof uniform = {"one_colour_is_as_the_row_says", reasonAgainstUniform, proveUniform, true};
 
 } // namespace proofs

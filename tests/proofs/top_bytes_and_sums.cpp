@@ -326,7 +326,7 @@ std::string_view reasonAgainstSums(const Row &row) {
 
 } // namespace
 
-const Proof topBytes = {"top_bytes_are_as_the_row_says", reasonAgainstLevels, proveTopByte};
-const Proof sums = {"sums_are_as_the_row_says", reasonAgainstSums, proveSums};
+const Proof topBytes = {"top_bytes_are_as_the_row_says", reasonAgainstLevels, proveTopByte, true};
+const Proof sums = {"sums_are_as_the_row_says", reasonAgainstSums, proveSums, true};
 
 } // namespace proofs

@@ -57,6 +57,6 @@ void prove(const Row &row) {
 
 } // namespace
 
-const Proof wholeNumbers = {"whole_numbers_wrap_as_the_row_says", reason, prove};
+const Proof wholeNumbers = {"whole_numbers_wrap_as_the_row_says", reason, prove, true};
 
 } // namespace proofs
