@@ -54,7 +54,7 @@ const std::vector<Proof> &allProofs();
 /// The reason of the proof or of the row itself.
 std::string_view reasonAgainst(const Proof &proof, const Row &row);
 
-/// Whether the proof is run for a row: where fewer cases are run than elsewhere, proofs of statements are not.
+/// Whether the proof is run for a row: one of a statement may be left out where a twin answers for the bytes.
 bool applies(const Proof &proof, const Row &row);
 
 /// Counts the calls of a proof and those of them that change something: where none does, a proof proves nothing.
