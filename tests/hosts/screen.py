@@ -14,7 +14,8 @@ class Screen:
     def __enter__(self):
         read, write = os.pipe()
         self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write), "-screen", "0", f"{WIDTH}x{HEIGHT}x24", "-nolisten", "tcp"],
+            # Without -noreset it drops who is just connecting when xdotool, the only one so far, leaves.
+            ["Xvfb", "-noreset", "-displayfd", str(write), "-screen", "0", f"{WIDTH}x{HEIGHT}x24", "-nolisten", "tcp"],
             pass_fds=[write], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(write)
         with os.fdopen(read) as lines:
@@ -34,8 +35,8 @@ class Screen:
 
     def place_of(self, name):
         """The window of a name, its left and top, once it is there."""
-        wait_for(lambda: self.do("search", "--onlyvisible", "--name", name), f"a window called {name}")
-        window = self.do("search", "--onlyvisible", "--name", name).split()[-1]
+        found = wait_for(lambda: self.do("search", "--onlyvisible", "--name", name), f"a window called {name}")
+        window = found.split()[-1]
         place = dict(line.split("=") for line in self.do("getwindowgeometry", "--shell", window).split())
         return window, int(place["X"]), int(place["Y"])
 
