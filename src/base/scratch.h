@@ -10,8 +10,8 @@
 
 namespace qmur {
 
-/// Elements from the heap, aligned as they ask for, uninitialised. There are none if the heap has no room for them, or
-/// if fewer than one were asked for.
+/// Elements from the heap, uninitialised, from the start of a cache line on. There are none if the heap has no room for
+/// them, or if fewer than one were asked for.
 template <class Element>
 class Scratch {
 public:
@@ -40,8 +40,10 @@ private:
         void operator()(void *memory) const { std::free(memory); }
     };
 
-    /// What the heap's own alignment, 8 on every system, may leave missing.
-    static constexpr std::size_t slack = alignof(Element) > 8 ? alignof(Element) - 1 : 0;
+    static constexpr std::size_t cacheLine = 64;
+    static_assert(alignof(Element) <= cacheLine);
+    /// What the heap's own alignment may leave missing.
+    static constexpr std::size_t slack = cacheLine - 1;
 
     static constexpr bool canBeHad(long long count) {
         return count > 0 &&

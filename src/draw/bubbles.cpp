@@ -417,8 +417,8 @@ void refract(const Scene &scene, const StretchedResource<fraction> &resource, in
 
 /// What a stretch of a bubble shows: pixels of the background, and words of the resource.
 struct Shown {
-    q_ulong backgrounds[stretch];
-    q_ulong words[stretch];
+    alignas(widestBytes) q_ulong backgrounds[stretch];
+    alignas(widestBytes) q_ulong words[stretch];
 };
 
 /// Where the rays of any bubble come from.
@@ -491,9 +491,9 @@ public:
         Pixels dx = all(x - cx) + Pixels::counted();
         Pixels texel = all(wrapMultiply(x - disc.left, resource.step)) + Pixels::counted() * all(resource.step);
         const Pixels texelStep = all(wrapMultiply(resource.step, lanes));
-        std::int32_t places[stretch];
-        std::int32_t texels[stretch];
-        std::int32_t outside[stretch]; // below 0 where it is
+        alignas(widestBytes) std::int32_t places[stretch];
+        alignas(widestBytes) std::int32_t texels[stretch];
+        alignas(widestBytes) std::int32_t outside[stretch]; // below 0 where it is
         for (int i = 0; i < count; i += lanes, dx = dx + all(lanes), texel = texel + texelStep) {
             const Pixels position = pairsOf(dx, dy);
             const Pixels square = products(position, position);

@@ -143,8 +143,8 @@ void mixRing(q_ulong *out, const q_ulong *inside, const q_ulong *outside, const 
     const Pixels rowOffset = all(dy << 16);
     for (int start = columns.begin; start < columns.end; start += stretch) {
         const int count = smaller(columns.end - start, stretch);
-        std::int32_t squares[stretch];
-        std::int32_t roots[stretch];
+        alignas(widestBytes) std::int32_t squares[stretch];
+        alignas(widestBytes) std::int32_t roots[stretch];
         Pixels dx = all(start - ring.centreX) + Pixels::counted();
         for (int i = 0; i < stretch; i += lanes, dx = dx + all(lanes)) {
             const Pixels offsets = (dx & Pixels::all(0xFFFF)) | rowOffset;
@@ -163,7 +163,7 @@ void mixRing(q_ulong *out, const q_ulong *inside, const q_ulong *outside, const 
         for (int i = 0; i < count; ++i)
             tops |= inside[start + i] ^ outside[start + i];
         if (topByteOf(tops) != 0) {
-            q_ulong mixes[stretch];
+            alignas(widestBytes) q_ulong mixes[stretch];
             for (int i = 0; i < stretch; i += lanes)
                 mixesAt(i).store(mixes + i);
             for (int i = 0; i < count; ++i)

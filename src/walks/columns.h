@@ -127,7 +127,7 @@ public:
 private:
     int columnCount;
     int windowLoads = 0;
-    std::int32_t places[mostColumns]; ///< source columns, or where in the window they lie
+    alignas(widestBytes) std::int32_t places[mostColumns]; ///< source columns, or where in the window they lie
     std::int32_t begins[mostColumns / size];
 };
 

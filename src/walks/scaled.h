@@ -197,7 +197,7 @@ void combineNearest(const ScaledWalk<Position> &walk, Operation operation) {
     const Window seen = {stoodOn(walk.startX, walk.stepX, walk.width), stoodOn(walk.startY, walk.stepY, walk.height)};
     if (!isFreeOfOrder(walk, seen))
         return forEachNearest(walk, [operation](q_ulong &d, q_ulong s) { d = ofOnePixel(operation, d, s); });
-    q_ulong shown[mostColumns];
+    alignas(widestBytes) q_ulong shown[mostColumns];
     forEachColumnBlock(walk.width, mostColumns, [&](int begin, int count) {
         const PickedColumns columns = pickedColumns(walk, seen.columns, begin, count);
         withWindowLoads(columns.loads(), [&](auto loads) {
@@ -362,8 +362,8 @@ private:
 
     PickedColumns columns;
     bool areWhole;
-    std::uint64_t weights[most];
-    q_ulong rows[2][most * 2]; ///< pixels, or twice as many words
+    alignas(widestBytes) std::uint64_t weights[most];
+    alignas(widestBytes) q_ulong rows[2][most * 2]; ///< pixels, or twice as many words
 };
 
 /// Calls `store(dst pixel, channel sums)` for every pixel in the order that is promised, four taps everywhere.

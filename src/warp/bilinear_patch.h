@@ -69,10 +69,10 @@ public:
     /// What is known of some columns of a row: s and the nearest whole number; whether s is known to be nearest to
     /// that, as a number above 0; and the root that doubts are multiplied by, which saves a division.
     struct Places {
-        double s[mostColumns];
-        double x[mostColumns];
-        double spareX[mostColumns];
-        double extents[mostColumns];
+        alignas(widestBytes) double s[mostColumns];
+        alignas(widestBytes) double x[mostColumns];
+        alignas(widestBytes) double spareX[mostColumns];
+        alignas(widestBytes) double extents[mostColumns];
 
         /// Whether a column lies so far away that it shows nothing, although ints wrap.
         bool isFarOutside(int i, int sourceWidth) const {

@@ -29,7 +29,7 @@ void iBilinearMapping(q_ulong *dst, q_ulong *src, int pitch, int width, int heig
         // Pixels are asked for so many columns before they are read: what takes its time is to wait for them.
         constexpr int stretch = 8 * DoubledPatch::mostColumns;
         DoubledPatch::Places places;
-        std::int64_t indices[stretch];
+        alignas(widestBytes) std::int64_t indices[stretch];
         const auto lookUp = [&](std::int64_t *to, int first, int count, int r) {
             doubled.find(places, to, first, count, r);
             for (int i = 0; i < count; ++i) {
