@@ -113,6 +113,8 @@ void combinePixels(const Placement &placement, Operation operation) {
     constexpr Distance atOnce = sizeof(MostPixels) / sizeof(q_ulong);
     constexpr Distance cacheLine = 64 / sizeof(q_ulong);
     using Few = Numbers<4>;
+    // By itself a processor fetches too little ahead of itself where pictures lie beyond the nearer caches, about 4 MB.
+    const bool areFar = !isWebAssembly && static_cast<long long>(width) * height > 1 << 19;
     for (Distance y = 0; y < height; ++y) {
         q_ulong *const dst = firstDst + y * dstPitch;
         const q_ulong *const src = firstSrc + y * srcPitch;
@@ -124,13 +126,17 @@ void combinePixels(const Placement &placement, Operation operation) {
         const auto combine = [=](Distance at) {
             operation(MostPixels::load(dst + at), MostPixels::load(src + at)).store(dst + at);
         };
-        for (; x <= several - cacheLine; x += cacheLine) {
-            // By itself a processor fetches too little ahead of itself where pictures lie in farther caches.
+        const auto combineLine = [=](Distance at) {
+            for (Distance i = 0; i < cacheLine; i += atOnce)
+                combine(at + i);
+        };
+        for (; areFar && x <= several - cacheLine; x += cacheLine) {
             willWrite(dst + x + dstAhead);
             willRead(src + x + srcAhead);
-            for (Distance i = 0; i < cacheLine; i += atOnce)
-                combine(x + i);
+            combineLine(x);
         }
+        for (; x <= several - cacheLine; x += cacheLine)
+            combineLine(x);
         for (; x <= several - atOnce; x += atOnce)
             combine(x);
         for (; x <= several - 2; x += 2)

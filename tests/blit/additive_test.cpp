@@ -1,8 +1,10 @@
 #include "blits.h"
 #include "support/precision.h"
 
+#include <algorithm>
 #include <array>
 #include <functional>
+#include <vector>
 
 namespace {
 
@@ -38,6 +40,29 @@ TEST(iBltFast32_Add, caps_200_on_100_at_255_in_every_channel) {
     for (int shift = 0; shift < 24; shift += 8)
         EXPECT_EQ(fastSum(q_ulong{100} << shift, q_ulong{200} << shift), q_ulong{255} << shift);
     EXPECT_EQ(fastSum(0xFF000000, 0xFF000000), 0u);
+}
+
+TEST(iBltFast32_Add, keeps_the_order_of_pixels_where_pictures_fill_more_than_the_nearer_caches) {
+    constexpr int width = 1021, height = 517, pitch = 1030;
+    constexpr std::size_t apart = std::size_t{pitch} * height;
+    const auto capped = [](q_ulong d, q_ulong s) {
+        q_ulong sum = 0;
+        for (int shift = 0; shift < 24; shift += 8)
+            sum |= std::min((d >> shift & 255) + (s >> shift & 255), q_ulong{255}) << shift;
+        return sum;
+    };
+    for (const std::size_t ahead : {std::size_t{0}, std::size_t{3}, std::size_t{16}, std::size_t{40}, apart}) {
+        std::vector<q_ulong> sheet(apart + pitch + ahead);
+        for (std::size_t i = 0; i < sheet.size(); ++i)
+            sheet[i] = static_cast<q_ulong>(i * 0x9E3779B1) & 0x3F3F3F3F;
+        std::vector<q_ulong> expected = sheet;
+        tagRECT all = {0, 0, width, height};
+        iBltFast32_Add(sheet.data() + ahead, sheet.data(), 0, 0, &all, pitch, pitch);
+        for (std::size_t y = 0; y < height; ++y)
+            for (std::size_t i = y * pitch; i < y * pitch + width; ++i)
+                expected[i + ahead] = capped(expected[i + ahead], expected[i]);
+        EXPECT_TRUE(sheet == expected) << ahead;
+    }
 }
 
 TEST(iBltFast32_Add_scaled, red_and_green_wrap_blue_is_capped_and_a_scale_of_255_takes_a_little) {
