@@ -801,8 +801,8 @@ inline Lanes<std::uint16_t, 32> highSignedProduct(Lanes<std::uint16_t, 32> a, La
     return detail::lanesOf<std::uint16_t>(_mm512_mulhi_epi16(detail::bits512(a), detail::bits512(b)));
 }
 
-/// The widest register, which does not serve every kernel best. Arrays that it is loaded from ask for its alignment: a
-/// register across two cache lines takes two accesses.
+/// The widest register, which does not serve every kernel best. Long arrays on the stack that it is loaded from are
+/// aligned to it: a register across two cache lines takes two accesses.
 constexpr int widestBytes = 64;
 
 #else

@@ -113,7 +113,8 @@ void combinePixels(const Placement &placement, Operation operation) {
     constexpr Distance atOnce = sizeof(MostPixels) / sizeof(q_ulong);
     constexpr Distance cacheLine = 64 / sizeof(q_ulong);
     using Few = Numbers<4>;
-    // By itself a processor fetches too little ahead of itself where pictures lie beyond the nearer caches, about 4 MB.
+    // By itself a processor fetches too little ahead of itself where both pictures are more, together, than the nearer
+    // caches hold, some 4 MB.
     const bool areFar = !isWebAssembly && static_cast<long long>(width) * height > 1 << 19;
     for (Distance y = 0; y < height; ++y) {
         q_ulong *const dst = firstDst + y * dstPitch;

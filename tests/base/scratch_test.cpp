@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
 
 namespace {
@@ -17,6 +18,13 @@ TEST(Scratch, holds_as_many_elements_as_were_asked_for_and_zeros_where_that_was_
     for (int i = 0; i < 1000; ++i) {
         ASSERT_EQ(scratch.data()[i], i);
         ASSERT_EQ(zeros[i], 0.0);
+    }
+}
+
+TEST(Scratch, starts_on_a_cache_line) {
+    for (int count = 1; count < 200; ++count) {
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(Scratch<int>(count).data()) % 64, 0u) << count;
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(Scratch<double>::zeroed(count).data()) % 64, 0u) << count;
     }
 }
 

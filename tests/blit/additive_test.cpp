@@ -44,23 +44,27 @@ TEST(iBltFast32_Add, caps_200_on_100_at_255_in_every_channel) {
 
 TEST(iBltFast32_Add, keeps_the_order_of_pixels_where_pictures_fill_more_than_the_nearer_caches) {
     constexpr int width = 1021, height = 517, pitch = 1030;
-    constexpr std::size_t apart = std::size_t{pitch} * height;
+    constexpr int apart = pitch * height;
+    constexpr int room = 64;
     const auto capped = [](q_ulong d, q_ulong s) {
         q_ulong sum = 0;
         for (int shift = 0; shift < 24; shift += 8)
             sum |= std::min((d >> shift & 255) + (s >> shift & 255), q_ulong{255}) << shift;
         return sum;
     };
-    for (const std::size_t ahead : {std::size_t{0}, std::size_t{3}, std::size_t{16}, std::size_t{40}, apart}) {
-        std::vector<q_ulong> sheet(apart + pitch + ahead);
+    for (const int ahead : {0, 3, 4, 8, 16, 40, -5, -40, apart}) {
+        std::vector<q_ulong> sheet(2 * apart + room);
         for (std::size_t i = 0; i < sheet.size(); ++i)
             sheet[i] = static_cast<q_ulong>(i * 0x9E3779B1) & 0x3F3F3F3F;
         std::vector<q_ulong> expected = sheet;
+        const auto added = [&](std::vector<q_ulong> &to) { return to.data() + room; };
         tagRECT all = {0, 0, width, height};
-        iBltFast32_Add(sheet.data() + ahead, sheet.data(), 0, 0, &all, pitch, pitch);
-        for (std::size_t y = 0; y < height; ++y)
-            for (std::size_t i = y * pitch; i < y * pitch + width; ++i)
-                expected[i + ahead] = capped(expected[i + ahead], expected[i]);
+        iBltFast32_Add(added(sheet) + ahead, added(sheet), 0, 0, &all, pitch, pitch);
+        for (int y = 0; y < height; ++y)
+            for (int i = y * pitch; i < y * pitch + width; ++i) {
+                q_ulong &d = added(expected)[i + ahead];
+                d = capped(d, added(expected)[i]);
+            }
         EXPECT_TRUE(sheet == expected) << ahead;
     }
 }
