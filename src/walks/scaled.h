@@ -266,19 +266,10 @@ public:
     template <class Position, class Operation>
     void draw(const ScaledWalk<Position> &walk, int begin, Distance lastRow, Operation operation) {
         withWindowLoads(columns.loads(), [&](auto loads) {
-            constexpr int count = decltype(loads)::value;
             if (areWhole)
-                drawRows(
-                    walk, begin, lastRow, operation,
-                    [this](const q_ulong *src, q_ulong *to, Distance ahead) {
-                        columns.writePixels<count>(src, to, ahead);
-                    },
-                    mixedWhole);
+                drawRows<loads(), true>(walk, begin, lastRow, operation);
             else
-                drawRows(
-                    walk, begin, lastRow, operation,
-                    [this](const q_ulong *src, q_ulong *to, Distance ahead) { writeMixed<count>(src, to, ahead); },
-                    mixedSums);
+                drawRows<loads(), false>(walk, begin, lastRow, operation);
         });
     }
 
@@ -316,16 +307,38 @@ private:
     /// Mixes a group of two rows of pixels.
     static PixelWords<size> mixedWhole(const q_ulong *upper, const q_ulong *lower, q_ulong fy, int group) {
         const auto at = [group](const q_ulong *row) { return Group::load(row + group * size); };
+        if (fy == 0)
+            return wholeSums(at(upper));
         const PixelWords<size> mixed = mixedPixels(at(upper), at(lower), MixWeights<size>::all(fy));
         return {mixed.low << 4, mixed.high << 4};
     }
 
-    template <class Position, class Operation, class WriteRow, class Sums>
-    void drawRows(const ScaledWalk<Position> &walk, int begin, Distance lastRow, Operation operation, WriteRow writeRow,
-                  Sums sumsOf) {
-        const auto [firstDst, dstPitch, firstSrc, srcPitch, width, height, startX, startY, stepX, stepY] = walk;
+    /// The sums of a group of pixels that are shown as they are.
+    static PixelWords<size> wholeSums(Group pixels) {
+        const auto none = as<std::uint8_t>(Group::all(0));
+        return {as<std::uint16_t>(interleavedLow(none, as<std::uint8_t>(pixels))),
+                as<std::uint16_t>(interleavedHigh(none, as<std::uint8_t>(pixels)))};
+    }
+
+    /// Stores `operation(dst pixels, sumsOf(group))` in all groups of a row, and fetches those of the row `ahead`.
+    template <class Operation, class Sums>
+    [[gnu::always_inline]] void drawRow(q_ulong *dst, Distance ahead, Operation operation, Sums sumsOf) const {
         const int whole = columns.count() / size;
         const int rest = columns.count() % size;
+        for (int group = 0; group < whole; ++group) {
+            q_ulong *const at = dst + group * size;
+            willWrite(at + ahead);
+            operation(Group::load(at), sumsOf(group)).store(at);
+        }
+        if (rest != 0) {
+            q_ulong *const at = dst + whole * size;
+            operation(Group::loadFirst(at, rest), sumsOf(whole)).storeFirst(at, rest);
+        }
+    }
+
+    template <int loads, bool columnsAreWhole, class Position, class Operation>
+    void drawRows(const ScaledWalk<Position> &walk, int begin, Distance lastRow, Operation operation) {
+        const auto [firstDst, dstPitch, firstSrc, srcPitch, width, height, startX, startY, stepX, stepY] = walk;
         constexpr Distance none = PTRDIFF_MIN;
         Distance held[2] = {none, none};
         const Distance end = startY.plus(stepY.times(height - 1)).whole() + Distance{1};
@@ -333,8 +346,13 @@ private:
         const auto rowAt = [&, src = firstSrc, pitch = srcPitch](Distance row) {
             // A row and the next one never share a place.
             q_ulong *const place = rows[row & 1];
-            if (held[row & 1] != row)
-                writeRow(src + row * pitch, place, (row + rowsAhead <= end ? rowsAhead : 0) * pitch);
+            const Distance ahead = (row + rowsAhead <= end ? rowsAhead : 0) * pitch;
+            if (held[row & 1] != row) {
+                if constexpr (columnsAreWhole)
+                    columns.writePixels<loads>(src + row * pitch, place, ahead);
+                else
+                    writeMixed<loads>(src + row * pitch, place, ahead);
+            }
             held[row & 1] = row;
             return place;
         };
@@ -344,19 +362,23 @@ private:
             const q_ulong fy = positionY.sixteenths();
             rowsAhead = static_cast<Distance>(positionY.plus(stepY).whole()) - row;
             rowsAhead = rowsAhead < 1 ? 1 : rowsAhead;
-            const q_ulong *const upper = rowAt(row);
-            const q_ulong *const lower = fy == 0 || row == lastRow ? upper : rowAt(row + 1);
             q_ulong *const dst = firstDst + y * dstPitch + begin;
             const Distance ahead = y + 1 < height ? dstPitch : 0;
-            for (int group = 0; group < whole; ++group) {
-                q_ulong *const at = dst + group * size;
-                willWrite(at + ahead);
-                operation(Group::load(at), sumsOf(upper, lower, fy, group)).store(at);
-            }
-            if (rest != 0) {
-                q_ulong *const at = dst + whole * size;
-                operation(Group::loadFirst(at, rest), sumsOf(upper, lower, fy, whole)).storeFirst(at, rest);
-            }
+            if constexpr (columnsAreWhole && loads > 0)
+                if (fy == 0) { // all are shown as they are, without a row in between
+                    const q_ulong *const shown = firstSrc + row * srcPitch;
+                    const Distance next = (row + rowsAhead <= end ? rowsAhead : 0) * srcPitch;
+                    drawRow(dst, ahead, operation, [this, shown, next](int group) {
+                        columns.fetch<loads>(shown + next, group);
+                        return wholeSums(columns.pixels<loads>(shown, group));
+                    });
+                    continue;
+                }
+            const q_ulong *const upper = rowAt(row);
+            const q_ulong *const lower = fy == 0 || row == lastRow ? upper : rowAt(row + 1);
+            drawRow(dst, ahead, operation, [upper, lower, fy](int group) {
+                return columnsAreWhole ? mixedWhole(upper, lower, fy, group) : mixedSums(upper, lower, fy, group);
+            });
         }
     }
 
