@@ -43,10 +43,10 @@ void changePixelsOf(q_ulong *surface, Distance pitch, const tagRECT &rect, Opera
     }
 }
 
-/// Sixteen pixels to a turn: a loop of a single vector store runs at full or half speed depending on where the linker
+/// Several stores to a turn: a loop of a single vector store runs at full or half speed depending on where the linker
 /// puts it.
 void fillRow(q_ulong *row, Distance count, q_ulong colour) {
-    constexpr Distance turn = 16;
+    constexpr Distance turn = widestBytes > 32 ? 32 : 16;
     for (; count >= turn; count -= turn, row += turn)
         std::fill_n(row, turn, colour);
     std::fill_n(row, count, colour);
