@@ -90,6 +90,22 @@ TEST(iBltBilinear32_Add, the_last_column_and_row_stand_in_for_what_lies_behind_t
               (Pixels{0x10, 0x18, 0x20, 0x20, 0x20, 0x28, 0x30, 0x30, 0x30, 0x38, 0x40, 0x40, 0x30, 0x38, 0x40, 0x40}));
 }
 
+TEST(iBltBilinear32_Add, whole_steps_add_what_they_show) {
+    atWholeSteps(0xFFFFFFFF, [](Surface &src, const Surface &shown, Surface dst) {
+        Surface expected = dst;
+        for (int y = 0; y < dst.height(); ++y)
+            for (int x = 0; x < dst.width(); ++x) {
+                expected.at(x, y) = 0;
+                for (int shift = 0; shift < 24; shift += 8) {
+                    const q_ulong sum = (dst.at(x, y) >> shift & 255) + (shown.at(x, y) >> shift & 255);
+                    expected.at(x, y) |= std::min<q_ulong>(sum, 255) << shift;
+                }
+            }
+        stretch(bilinearAdd, dst, dst.rect(), src, src.rect());
+        EXPECT_EQ(dst.differenceFrom(expected), "");
+    });
+}
+
 // A source whose right lies left of its left, or its bottom above its top.
 
 using AnyAdd = std::function<void(Surface &dst, tagRECT dstRect, Surface &src, tagRECT srcRect)>;

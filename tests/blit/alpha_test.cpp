@@ -92,6 +92,22 @@ TEST(iBltBilinear32_Alpha, the_filtered_byte_is_truncated_before_it_is_blended) 
     EXPECT_EQ(pixels[2], 0x00010101u);
 }
 
+TEST(iBltBilinear32_Alpha, whole_steps_blend_what_they_show) {
+    atWholeSteps(0xFFFFFFFF, [](Surface &src, const Surface &shown, Surface dst) {
+        Surface expected = dst;
+        for (int y = 0; y < dst.height(); ++y)
+            for (int x = 0; x < dst.width(); ++x) {
+                expected.at(x, y) = 0;
+                for (int shift = 0; shift < 24; shift += 8) {
+                    const q_ulong four = (shown.at(x, y) >> shift & 255) * 3 + (dst.at(x, y) >> shift & 255);
+                    expected.at(x, y) |= four / 4 << shift;
+                }
+            }
+        stretch(iBltBilinear32_Alpha, dst, dst.rect(), src, src.rect(), 0.75F);
+        EXPECT_EQ(dst.differenceFrom(expected), "");
+    });
+}
+
 TEST(iBltBilinear32_Alpha, outside_0_to_1_blue_runs_through_green_and_red_and_leaves_the_top_byte_0) {
     // 1 * 512 - 3 * 256 = -256, which is 0xFFFFFF00 as a word
     EXPECT_EQ(filteredBlend(0x000001, 0x000003, -1.0F), 0x00FFFFFFu);

@@ -47,6 +47,34 @@ Pixels over(Surface dst, const Surface &src,
     return areaOver(dst, src, src.rect(), blit, more...);
 }
 
+/// Calls `check` with sources, what whole steps of columns and of half rows show of them when filtered, and a picture
+/// of that size to draw on. \param mask the bits that the sources have
+template <class Check>
+void atWholeSteps(q_ulong mask, Check check) {
+    Random random(1);
+    for (const int columns : {1, 2, 3, 4, 5})
+        for (const int halves : {2, 3, 4, 6, 7})
+            for (const int width : {1, 7, 16, 33, 130, 700}) {
+                constexpr int height = 8;
+                SCOPED_TRACE(testing::Message() << columns << ' ' << halves << ' ' << width);
+                const Surface old = Surface::randomOfSize(random, width, height);
+                Surface src = Surface::randomOfSize(random, width * columns, height * halves / 2);
+                for (int y = 0; y < src.height(); ++y)
+                    for (int x = 0; x < src.width(); ++x)
+                        src.at(x, y) &= mask;
+                Surface shown = old;
+                for (int y = 0; y < height; ++y)
+                    for (int x = 0; x < width; ++x) {
+                        shown.at(x, y) = 0;
+                        const q_ulong upper = src.at(x * columns, y * halves / 2);
+                        const q_ulong lower = src.at(x * columns, (y * halves + 1) / 2);
+                        for (int shift = 0; shift < 24; shift += 8)
+                            shown.at(x, y) |= ((upper >> shift & 255) + (lower >> shift & 255)) / 2 << shift;
+                    }
+                check(src, shown, old);
+            }
+}
+
 } // namespace test
 
 #endif

@@ -37,6 +37,19 @@ TEST(iBltBilinear32_KeySrc, the_key_is_tested_on_what_is_filtered_and_blended_in
               (Pixels{0x10, 0x11111111, 0x30, 0x30}));
 }
 
+TEST(iBltBilinear32_KeySrc, whole_steps_leave_out_what_shows_the_key) {
+    constexpr q_ulong key = 0x000100;
+    atWholeSteps(0xFF010101, [](Surface &src, const Surface &shown, Surface dst) { // one in some eight shows the key
+        Surface expected = dst;
+        for (int y = 0; y < dst.height(); ++y)
+            for (int x = 0; x < dst.width(); ++x)
+                if (shown.at(x, y) != key)
+                    expected.at(x, y) = shown.at(x, y);
+        stretch(iBltBilinear32_KeySrc, dst, dst.rect(), src, src.rect(), key);
+        EXPECT_EQ(dst.differenceFrom(expected), "");
+    });
+}
+
 TEST(iBltFast32SafeKeySrc, is_placed_by_its_centre_and_loses_its_last_column_and_row_if_odd) {
     const auto expectDrawn = [](int width, int height, int centre, const tagRECT &part, int x, int y) {
         Surface src = numbered(width, height);
