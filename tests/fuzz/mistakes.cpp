@@ -7,6 +7,7 @@
 #include "q_Mur/checked.h"
 
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -209,6 +210,22 @@ bool canBeTold(const Call &call) {
     return true;
 }
 
+/// Whether a call may draw so many rows, all in the same place, that nobody waits for it, though it does no harm.
+bool repeatsOneRowForLong(const Call &call) {
+    const auto isMuch = [](double number) { return std::abs(number) > 1 << 20; };
+    bool hasOneRow = false, isFar = false;
+    for (std::size_t i = 0; i < call.size(); ++i) {
+        const Argument &argument = call.row().arguments[i];
+        if (call[i].is<tagRECT>())
+            isFar = isFar || isMuch(call[i].rect().top) || isMuch(call[i].rect().bottom);
+        else if (call[i].is<double>() && argument.kind == Kind::pitch)
+            hasOneRow = hasOneRow || call[i].number() == 0;
+        else if (call[i].is<double>() && argument.kind == Kind::extent)
+            isFar = isFar || isMuch(call[i].number());
+    }
+    return hasOneRow && isFar;
+}
+
 // What becomes of them
 
 bool isZero(const Call &call) {
@@ -257,7 +274,7 @@ void tryCall(const Row &row, Random &random) {
     const bool isNullPassed = call.size() > 0 && random.oneIn(6) && breakPointer(call, random);
     for (int mistakes = random.between(0, 3); mistakes > 0 && call.size() > 0 && !isNullPassed; --mistakes)
         breakArgument(call, static_cast<std::size_t>(random.between(0, static_cast<int>(call.size()) - 1)), random);
-    if (!keepsToOutlines(call) || !canBeTold(call))
+    if (!keepsToOutlines(call) || !canBeTold(call) || repeatsOneRowForLong(call))
         return;
     Call result = call;
     tellOfRows(result, random);
