@@ -92,15 +92,7 @@ TEST(iBltBilinear32_Add, the_last_column_and_row_stand_in_for_what_lies_behind_t
 
 TEST(iBltBilinear32_Add, whole_steps_add_what_they_show) {
     atWholeSteps(0xFFFFFFFF, [](Surface &src, const Surface &shown, Surface dst) {
-        Surface expected = dst;
-        for (int y = 0; y < dst.height(); ++y)
-            for (int x = 0; x < dst.width(); ++x) {
-                expected.at(x, y) = 0;
-                for (int shift = 0; shift < 24; shift += 8) {
-                    const q_ulong sum = (dst.at(x, y) >> shift & 255) + (shown.at(x, y) >> shift & 255);
-                    expected.at(x, y) |= std::min<q_ulong>(sum, 255) << shift;
-                }
-            }
+        const Surface expected = mixed(dst, shown, [](q_ulong d, q_ulong s) { return std::min<q_ulong>(d + s, 255); });
         stretch(bilinearAdd, dst, dst.rect(), src, src.rect());
         EXPECT_EQ(dst.differenceFrom(expected), "");
     });

@@ -94,15 +94,7 @@ TEST(iBltBilinear32_Alpha, the_filtered_byte_is_truncated_before_it_is_blended) 
 
 TEST(iBltBilinear32_Alpha, whole_steps_blend_what_they_show) {
     atWholeSteps(0xFFFFFFFF, [](Surface &src, const Surface &shown, Surface dst) {
-        Surface expected = dst;
-        for (int y = 0; y < dst.height(); ++y)
-            for (int x = 0; x < dst.width(); ++x) {
-                expected.at(x, y) = 0;
-                for (int shift = 0; shift < 24; shift += 8) {
-                    const q_ulong four = (shown.at(x, y) >> shift & 255) * 3 + (dst.at(x, y) >> shift & 255);
-                    expected.at(x, y) |= four / 4 << shift;
-                }
-            }
+        const Surface expected = mixed(dst, shown, [](q_ulong d, q_ulong s) { return (d + 3 * s) / 4; });
         stretch(iBltBilinear32_Alpha, dst, dst.rect(), src, src.rect(), 0.75F);
         EXPECT_EQ(dst.differenceFrom(expected), "");
     });

@@ -75,6 +75,19 @@ void atWholeSteps(q_ulong mask, Check check) {
             }
 }
 
+/// Two pictures of one size, channel by channel, with the top bytes 0.
+template <class Channel>
+Surface mixed(Surface dst, const Surface &shown, Channel channel) {
+    for (int y = 0; y < dst.height(); ++y)
+        for (int x = 0; x < dst.width(); ++x) {
+            const q_ulong old = dst.at(x, y);
+            dst.at(x, y) = 0;
+            for (int shift = 0; shift < 24; shift += 8)
+                dst.at(x, y) |= channel(old >> shift & 255, shown.at(x, y) >> shift & 255) << shift;
+        }
+    return dst;
+}
+
 } // namespace test
 
 #endif
