@@ -21,6 +21,8 @@ void _FitOn32RAW_24RAW_Nearest(unsigned char *dst, int dstWidth, int dstHeight, 
                                int srcWidth, int srcHeight, int srcPitchBytes) {
     const int stepX = stepOf(srcWidth, dstWidth);
     const int stepY = stepOf(srcHeight, dstHeight);
+    if (dstWidth <= 0)
+        return; // rows of nothing may lie beyond all memory
     int positionY = 0;
     for (Distance y = 0; y < dstHeight; ++y, positionY = wrapAdd(positionY, stepY)) {
         unsigned char *const dstRow = dst + y * dstPitchBytes;

@@ -40,6 +40,12 @@ TEST(FitOn32RAW_24RAW_Nearest, negative_sizes_write_nothing) {
     EXPECT_EQ(dst, Pixels(4, 0xAAAAAAAA));
 }
 
+TEST(FitOn32RAW_24RAW_Nearest, rows_without_columns_are_not_looked_for) {
+    Bytes dst(4, 0xAA), src(3, 1); // 2^16 rows, 2^47 bytes: sanitizers see where a row is looked for
+    _FitOn32RAW_24RAW_Nearest(dst.data(), -1, 1 << 16, leastInt, src.data(), 1, 1, leastInt);
+    EXPECT_EQ(dst, Bytes(4, 0xAA));
+}
+
 TEST(FitOn32RAW_24RAW_Nearest, a_source_of_65536_columns_is_walked_backwards) {
     // 65536 shifted by 15 is -2^31, a step of half of it leads 32768 columns to the left, and the third is there again.
     Bytes src(32768 * 3 + 3);
