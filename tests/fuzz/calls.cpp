@@ -36,6 +36,11 @@ struct Variations {
     }
 };
 
+/// Whether a number asks for letters thousands of pixels high that fonts still have. They take seconds to make them.
+bool makesGiantLetters(const Argument &argument, double number) {
+    return argument.name == "fontHeight" && std::abs(number) > 2000 && std::abs(number) < 0x10000;
+}
+
 /// Some numbers anywhere in what they may be.
 void scatterNumbers(Call &call, Random &random) {
     if (waives(call.row(), "numbers_at_their_ends"))
@@ -45,7 +50,7 @@ void scatterNumbers(Call &call, Random &random) {
         if (!isNumber(argument.kind) || !call[i].is<double>() || !random.oneIn(3))
             continue;
         const double number = fuzz::chosenNumber(argument.contract, call.row().isReal(i), random);
-        if (argument.contract.contains(number))
+        if (argument.contract.contains(number) && !makesGiantLetters(argument, number))
             call[i] = number;
     }
 }
