@@ -191,6 +191,8 @@ Surface surfaceOf(PyObject *object, int elementBytes, int countedBytes, const Pl
         array = framed.array;
         left = framed.left;
         top = framed.top;
+        if (!array)
+            fail(PyExc_TypeError, "%s: %s is a Framed without its array", place.function, place.argument);
     }
     if (!PyObject_CheckBuffer(array))
         fail(PyExc_TypeError, "%s: %s is no array", place.function, place.argument);

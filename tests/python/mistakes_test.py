@@ -61,6 +61,10 @@ class Arrays(unittest.TestCase):
             q_mur.iFillRect, q_mur.Framed(a, left=8, top=4), (-9, 0, 1, 1), 7,
         )
 
+    def test_a_frame_without_its_array(self):
+        bare = q_mur.Framed.__new__(q_mur.Framed)
+        self.refused(TypeError, "iFillRect: dst is a Framed without its array", q_mur.iFillRect, bare, ALL, 1)
+
     def test_arrays_of_other_kinds(self):
         words = "dst has to be an array of uint32 (H, W) or of uint8 (H, W, 4)"
         for kind in (np.int32, np.float32, np.uint16, np.uint64, bool):
