@@ -21,6 +21,7 @@
 #include <map>
 #include <new>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #define Q_MUR_CHECKED(symbol, result, name, types, parameters, arguments)                                              \
@@ -310,20 +311,20 @@ double realOf(PyObject *object, const Place &place) {
     return number;
 }
 
+/// 32 bits have a sign, unless the row counts further; then a sign is taken, too, as in the -1 of a full word.
 template <class Number>
-Number wholeOf(PyObject *object, const Place &place) {
+Number wholeOf(PyObject *object, const Place &place, bool isUnsigned = false) {
     int overflow = 0;
     const long long number = PyLong_AsLongLongAndOverflow(object, &overflow);
     if (number == -1 && overflow == 0 && PyErr_Occurred()) {
         PyErr_Clear();
         fail(PyExc_TypeError, "%s: %s is no whole number", place.function, place.argument);
     }
-    // 32 bits have a sign or not, as their row says.
-    constexpr bool isWord = sizeof(Number) == 4;
-    constexpr long long low = isWord ? static_cast<long long>(std::numeric_limits<int>::min())
-                                     : static_cast<long long>(std::numeric_limits<Number>::min());
-    constexpr long long high = isWord ? static_cast<long long>(std::numeric_limits<unsigned>::max())
-                                      : static_cast<long long>(std::numeric_limits<Number>::max());
+    using Signed = std::conditional_t<sizeof(Number) == 4, int, Number>;
+    constexpr long long low = std::numeric_limits<Signed>::min();
+    const long long high = std::is_same_v<Number, q_ulong> && isUnsigned
+                               ? static_cast<long long>(std::numeric_limits<q_ulong>::max())
+                               : static_cast<long long>(std::numeric_limits<Signed>::max());
     if (overflow < 0 || (overflow == 0 && number < low))
         fail(PyExc_ValueError, "%s: %s %S is below %lld", place.function, place.argument, object, low);
     if (overflow > 0 || number > high)
@@ -374,6 +375,7 @@ struct Parameter {
     int surface = -1; ///< whose pitch it is
     bool isRows = false;
     bool isOptional = false;
+    bool isUnsigned = false;
 };
 
 /// What is known of a function before any call.
@@ -392,6 +394,9 @@ struct Described {
             parameter.text = argument.name;
             parameter.isRows = isSurface(argument.kind) || argument.kind == Kind::plane;
             parameter.isOptional = argument.kind == Kind::unused || argument.mayBeNull;
+            parameter.isUnsigned = argument.kind == Kind::colour || argument.kind == Kind::key ||
+                                   argument.kind == Kind::unused ||
+                                   argument.contract.high > std::numeric_limits<int>::max();
             if (argument.kind == Kind::pitch) {
                 for (std::size_t k = 0; k < parameters.size(); ++k)
                     if (row.arguments[k].name == argument.of)
@@ -467,7 +472,7 @@ public:
         else if constexpr (std::is_floating_point_v<Number>)
             value = static_cast<Number>(realOf(object, place));
         else
-            value = wholeOf<Number>(object, place);
+            value = wholeOf<Number>(object, place, parameter.isUnsigned);
     }
     void takePitch(const Parameter &parameter, const Making &making) {
         const Surface &surface = making.surfaces[static_cast<std::size_t>(parameter.surface)];

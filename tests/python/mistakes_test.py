@@ -110,6 +110,35 @@ class Arrays(unittest.TestCase):
             TypeError, "iFillRect: rect has to be (left, top, right, bottom)", q_mur.iFillRect, surface(), (1, 2), 1
         )
 
+    def test_numbers_with_a_sign_do_not_wrap(self):
+        word = (1 << 32) - 1
+        a = surface()
+        for rect in ((0, 0, word, 10), (0, 1 << 31, 4, 4), (word, 0, 4, 4)):
+            number = max(rect)
+            self.fill_refused(ValueError, f"rect {number} exceeds 2147483647", a, rect)
+        self.refused(
+            ValueError, "iLine: x1 4294967295 exceeds 2147483647", q_mur.iLine, a, word, 0, 5, 5, 7, ALL
+        )
+        self.refused(
+            ValueError,
+            "Draw_Light: radius 4294967293 exceeds 2147483647",
+            q_mur.Draw_Light, a, 5, 5, word - 2, 7, 1,
+        )
+        # Places are signed also where they are handed over without a sign.
+        self.refused(
+            ValueError, "iBltFast32: dstX 4294967295 exceeds 2147483647", q_mur.iBltFast32, a, surface(), word, 0, ALL
+        )
+        np.testing.assert_array_equal(a, surface())
+
+    def test_colours_and_keys_fill_their_words(self):
+        a = surface()
+        q_mur.iFillRect(a, (0, 0, 1, 1), 0xFF123456)
+        q_mur.iFillRect(a, (1, 0, 2, 1), -1)
+        self.assertEqual(a[0, :3].tolist(), [0xFF123456, 0xFFFFFFFF, 0])
+        b = surface()
+        q_mur.iBltFast32_KeySrc(b, a, 0, 0, (0, 0, 3, 1), key=0xFFFFFFFF)
+        self.assertEqual(b[0, :3].tolist(), [0xFF123456, 0, 0])
+
     def test_a_doubt_is_a_warning(self):
         a = surface()
         with warnings.catch_warnings(record=True) as caught:
