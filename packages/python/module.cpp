@@ -236,6 +236,12 @@ Surface surfaceOf(PyObject *object, int elementBytes, int countedBytes, const Pl
     auto *begin = static_cast<std::byte *>(view.buf);
     const Py_ssize_t bytes = stride * (rows - 1) + width * elementBytes;
     std::byte *const origin = begin + top * stride + Py_ssize_t{left} * elementBytes;
+    if (stride % countedBytes != 0) { // such rows are counted in bytes, and nothing says where each of them ends
+        countedBytes = elementBytes;
+        if (rows > 1 && width < pitch)
+            fail(PyExc_ValueError, "%s: %s is a part of rows that are no whole number of pixels", place.function,
+                 place.argument);
+    }
     buffers.lend({origin,
                   {.begin = begin,
                    .bytes = static_cast<std::size_t>(bytes),

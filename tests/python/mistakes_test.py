@@ -139,6 +139,19 @@ class Arrays(unittest.TestCase):
         q_mur.iBltFast32_KeySrc(b, a, 0, 0, (0, 0, 3, 1), key=0xFFFFFFFF)
         self.assertEqual(b[0, :3].tolist(), [0xFF123456, 0, 0])
 
+    def test_rows_need_not_begin_at_whole_pixels(self):
+        a = np.full((25, 99), 9, np.uint8)
+        q_mur._FitOn32RAW_24RAW_Nearest(a, 24, 25, np.array([[[1, 2, 3]]], np.uint8), 1, 1)
+        expected = np.full((25, 99), 9, np.uint8)
+        expected[:, :96] = [1, 2, 3, 0] * 24
+        np.testing.assert_array_equal(a, expected)
+        # Of a part of such rows nobody could tell what lies beside it.
+        self.refused(
+            ValueError,
+            "_FitOn32RAW_24RAW_Nearest: dst is a part of rows that are no whole number of pixels",
+            q_mur._FitOn32RAW_24RAW_Nearest, a[:, :97], 24, 24, np.zeros((1, 3), np.uint8), 1, 1,
+        )
+
     def test_a_doubt_is_a_warning(self):
         a = surface()
         with warnings.catch_warnings(record=True) as caught:
