@@ -22,6 +22,7 @@
 #include <new>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #define Q_MUR_CHECKED(symbol, result, name, types, parameters, arguments)                                              \
@@ -644,6 +645,53 @@ void keep(Making &making) {
     block.held = kept;
 }
 
+/// Python's lock is free from a begin to an end, and taken again at the latest when this goes.
+class Unlocked {
+public:
+    Unlocked() = default;
+    Unlocked(const Unlocked &) = delete;
+    Unlocked &operator=(const Unlocked &) = delete;
+    ~Unlocked() { end(); }
+
+    void begin() { state = PyEval_SaveThread(); }
+    void end() {
+        if (state)
+            PyEval_RestoreThread(std::exchange(state, nullptr));
+    }
+
+private:
+    PyThreadState *state = nullptr;
+};
+
+void refuseWhileSeen(const Described &described, const Making &making) {
+    if (making.record && described.row.blocks != catalogue::Blocks::kept && content<Record>(making.record).views)
+        fail(PyExc_BufferError, "%s: blocks of the record are in use by other objects", described.name.c_str());
+}
+
+/// Refuses a call that breaks its contract; begins to go without the lock. \return what makes no sense
+std::string lookAt(const Described &described, std::span<const Given> given, const Making &making, Unlocked &unlocked) {
+    refuseWhileSeen(described, making);
+    std::vector<Lent> known;
+    std::span<const Lent> lent = making.buffers.lent();
+    if (making.regionBlock && content<Block>(making.regionBlock).held) {
+        known.assign(lent.begin(), lent.end());
+        for (const Held &held : *content<Block>(making.regionBlock).held)
+            known.push_back(held.lent);
+        lent = known;
+    }
+    checked::Verdict verdict;
+    unlocked.begin();
+    {
+        const checked::Lending lending(lent);
+        verdict = checked::judge(described.row, given);
+    }
+    if (!verdict.fault.empty()) {
+        unlocked.end();
+        fail(PyExc_ValueError, "%s: %s", described.name.c_str(), verdict.fault.c_str());
+    }
+    return std::move(verdict.doubt);
+}
+
 template <class Signature>
 class Caller;
 
@@ -675,45 +723,27 @@ private:
         (convertPitch(std::get<index>(converted), parameters[index], making), ...);
         if (making.regionBlock)
             (keepRect(std::get<index>(converted), making), ...);
-        refuseWhileSeen(described, making);
         const std::array<Given, sizeof...(Types)> given = {std::get<index>(converted).given()...};
 
-        std::vector<Lent> known;
-        std::span<const Lent> lent = making.buffers.lent();
-        if (making.regionBlock && content<Block>(making.regionBlock).held) {
-            known.assign(lent.begin(), lent.end());
-            for (const Held &held : *content<Block>(making.regionBlock).held)
-                known.push_back(held.lent);
-            lent = known;
-        }
-        checked::Verdict verdict;
-        PyThreadState *state = PyEval_SaveThread();
-        {
-            const checked::Lending lending(lent);
-            verdict = checked::judge(described.row, given);
-        }
-        if (!verdict.fault.empty()) {
-            PyEval_RestoreThread(state);
-            fail(PyExc_ValueError, "%s: %s", name, verdict.fault.c_str());
-        }
-        if (!verdict.doubt.empty()) {
-            PyEval_RestoreThread(state);
-            if (PyErr_WarnFormat(PyExc_UserWarning, 1, "%s: %s", name, verdict.doubt.c_str()) != 0)
+        Unlocked unlocked;
+        if (const std::string doubt = lookAt(described, given, making, unlocked); !doubt.empty()) {
+            unlocked.end();
+            if (PyErr_WarnFormat(PyExc_UserWarning, 1, "%s: %s", name, doubt.c_str()) != 0)
                 throw Failure();
-            state = PyEval_SaveThread();
+            lookAt(described, given, making, unlocked); // who was warned may have freed a block
         }
         checked::noteBefore(described.row, given);
         const checked::MapperSlot slot(given);
         if constexpr (std::is_void_v<Result>) {
             function(std::get<index>(converted).get()...);
-            PyEval_RestoreThread(state);
+            unlocked.end();
             keep(making);
             Py_RETURN_NONE;
         } else {
             const Result result = function(std::get<index>(converted).get()...);
             if constexpr (std::is_pointer_v<Result>)
                 checked::notice(described.row, given, result);
-            PyEval_RestoreThread(state);
+            unlocked.end();
             keep(making);
             return returned(result, making);
         }
@@ -746,11 +776,6 @@ private:
                 to.slot() = block.rect;
             }
         }
-    }
-
-    static void refuseWhileSeen(const Described &described, const Making &making) {
-        if (making.record && described.row.blocks != catalogue::Blocks::kept && content<Record>(making.record).views)
-            fail(PyExc_BufferError, "%s: blocks of the record are in use by other objects", described.name.c_str());
     }
 };
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Arrays that are no surfaces, and calls that break their contract, in the words in which they are refused."""
 
+import subprocess
 import sys
 import threading
 import time
@@ -11,6 +12,34 @@ import numpy as np
 import q_mur
 
 ALL = (0, 0, 64, 48)
+
+# The calls before have all the memory that is had once.
+WITHOUT_MEMORY = """
+import ctypes, os, resource
+import numpy as np
+import q_mur
+
+a = np.zeros((48, 64), np.uint32)
+q_mur.iFillRect(a, (0, 0, 4, 4), 1)
+try:
+    q_mur.iFillRect(a, (0, 0, 65, 1), 1)
+except ValueError:
+    pass
+malloc = ctypes.PyDLL(None).malloc
+malloc.restype, malloc.argtypes = ctypes.c_void_p, [ctypes.c_size_t]
+sizes = [1 << 20, 1 << 16, 1 << 12, *range(1024, 8, -16)]
+with open("/proc/self/statm") as pages:
+    used = int(pages.read().split()[0]) * resource.getpagesize()
+resource.setrlimit(resource.RLIMIT_AS, (used + (1 << 20), used + (1 << 20)))
+for size in sizes:
+    while malloc(size) is not None:
+        pass
+try:
+    q_mur.iFillRect(a, (0, 0, 4, 4), 1)
+except MemoryError:
+    os.write(1, b"refused")
+os._exit(0)
+"""
 
 
 def surface(width=64, height=48):
@@ -194,6 +223,23 @@ class Records(unittest.TestCase):
         with self.assertRaisesRegex(TypeError, "data has to be a block of GetPrivate_QMGP_Data"):
             q_mur.SetRegionFill(block, surface(), surface())
 
+    def test_a_block_that_goes_while_a_warning_is_shown(self):
+        record = q_mur.Record(planeElements=4000, vertexArrayEntries=100, matrixStackDepth=2)
+        block = q_mur.GetPrivate_QMGL_Data(record, 0)
+        shown = []
+
+        def show(message, *_):
+            shown.append(str(message))
+            q_mur.DeleteMemoryBlocks(record)
+
+        four = np.zeros(4, np.float32)
+        with warnings.catch_warnings():
+            warnings.simplefilter("always")
+            warnings.showwarning = show
+            with self.assertRaisesRegex(ValueError, "data has been freed with its record's blocks"):
+                q_mur.VKD_FindLuminenceTerm(block, four, 0, 2, four, 0, 0, 0)
+        self.assertEqual(len(shown), 1)
+
     def test_a_region_keeps_its_surfaces(self):
         block = q_mur.GetPrivate_QMGP_Data(q_mur.Record(), 0)
         a = surface()
@@ -231,6 +277,10 @@ class Threads(unittest.TestCase):
             ends.set()
             thread.join()
         self.assertGreater(counted[0], before)
+
+    def test_a_call_without_memory_comes_back_with_the_lock(self):
+        ended = subprocess.run([sys.executable, "-c", WITHOUT_MEMORY], stdout=subprocess.PIPE, check=False)
+        self.assertEqual((ended.returncode, ended.stdout), (0, b"refused"))
 
 
 if __name__ == "__main__":
