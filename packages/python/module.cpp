@@ -15,6 +15,7 @@
 #include <array>
 #include <cctype>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -85,7 +86,9 @@ struct Record {
     PyObject_HEAD _TRANSFERDATA *data;
     TransferFrameGeometry geometry;
     TransferLimits3D limits;
-    int views; ///< buffers of its blocks that somebody looks at
+    int views;          ///< buffers of its blocks that somebody looks at
+    std::uint64_t made; ///< how many blocks were
+    std::array<std::uint64_t, std::extent_v<decltype(_TRANSFERDATA::blocks)>> numbers; ///< of the blocks in its slots
 };
 
 /// What a private block points to between calls.
@@ -98,10 +101,18 @@ struct Held {
 struct Block {
     PyObject_HEAD PyObject *record;
     void *memory;
+    std::size_t slot;
+    std::uint64_t number; ///< memory that is freed is soon another block's
     Target target;
     std::vector<Held> *held;
     tagRECT *rect;
 };
+
+/// The memory of a block; null if it has been freed.
+const MemoryBlock *memoryOf(const Block &block) {
+    const Record &record = content<Record>(block.record);
+    return record.numbers[block.slot] == block.number ? record.data->blocks[block.slot] : nullptr;
+}
 
 const char *nameOf(Target target) {
     switch (target) {
@@ -462,7 +473,12 @@ struct Making {
     Buffers buffers;
     std::array<Surface, mostParameters> surfaces;
     PyObject *record = nullptr;
-    PyObject *regionBlock = nullptr;
+    PyObject *block = nullptr;
+    const char *blockName = nullptr;
+
+    Block *regionBlock() const {
+        return block && content<Block>(block).target == Target::regionBlock ? &content<Block>(block) : nullptr;
+    }
 };
 
 /// An argument as the library takes it, with what owns it.
@@ -544,8 +560,8 @@ public:
             if (Py_TYPE(object) != blockType || content<Block>(object).target != target)
                 fail(PyExc_TypeError, "%s: %s has to be %s", place.function, place.argument, nameOf(target));
             value = static_cast<Element *>(content<Block>(object).memory);
-            if (target == Target::regionBlock)
-                making.regionBlock = object;
+            making.block = object;
+            making.blockName = place.argument;
         } else if constexpr (std::is_same_v<Element, char>) {
             takeText(*parameter.argument, object, place);
         } else if (parameter.isRows) {
@@ -596,12 +612,17 @@ PyObject *newBlock(PyObject *record, void *memory, Target target) {
     if (!made)
         return nullptr;
     auto &block = content<Block>(made);
+    auto &owner = content<Record>(record);
     Py_INCREF(record);
     block.record = record;
     block.memory = memory;
     block.target = target;
     block.held = nullptr;
     block.rect = nullptr;
+    block.number = ++owner.made;
+    while (!owner.data->blocks[block.slot] || owner.data->blocks[block.slot]->work != memory)
+        ++block.slot; // the call has put it into one
+    owner.numbers[block.slot] = block.number;
     return made;
 }
 
@@ -632,9 +653,9 @@ void letGo(Block &block) {
 }
 
 void keep(Making &making) {
-    if (!making.regionBlock || making.buffers.lent().empty())
+    if (!making.regionBlock() || making.buffers.lent().empty())
         return;
-    Block &block = content<Block>(making.regionBlock);
+    Block &block = *making.regionBlock();
     auto *const kept = new std::vector<Held>;
     for (std::size_t i = 0; i < making.buffers.all().size(); ++i) {
         Py_buffer &view = making.buffers.all()[i];
@@ -663,6 +684,12 @@ private:
     PyThreadState *state = nullptr;
 };
 
+void refuseWhatIsGone(const Described &described, const Making &making) {
+    if (making.block && !memoryOf(content<Block>(making.block)))
+        fail(PyExc_ValueError, "%s: %s has been freed with its record's blocks", described.name.c_str(),
+             making.blockName);
+}
+
 void refuseWhileSeen(const Described &described, const Making &making) {
     if (making.record && described.row.blocks != catalogue::Blocks::kept && content<Record>(making.record).views)
         fail(PyExc_BufferError, "%s: blocks of the record are in use by other objects", described.name.c_str());
@@ -670,12 +697,13 @@ void refuseWhileSeen(const Described &described, const Making &making) {
 
 /// Refuses a call that breaks its contract; begins to go without the lock. \return what makes no sense
 std::string lookAt(const Described &described, std::span<const Given> given, const Making &making, Unlocked &unlocked) {
+    refuseWhatIsGone(described, making);
     refuseWhileSeen(described, making);
     std::vector<Lent> known;
     std::span<const Lent> lent = making.buffers.lent();
-    if (making.regionBlock && content<Block>(making.regionBlock).held) {
+    if (making.regionBlock() && making.regionBlock()->held) {
         known.assign(lent.begin(), lent.end());
-        for (const Held &held : *content<Block>(making.regionBlock).held)
+        for (const Held &held : *making.regionBlock()->held)
             known.push_back(held.lent);
         lent = known;
     }
@@ -721,7 +749,7 @@ private:
         std::tuple<Converted<Types>...> converted;
         (convert(std::get<index>(converted), parameters[index], passed[index], name, making, index), ...);
         (convertPitch(std::get<index>(converted), parameters[index], making), ...);
-        if (making.regionBlock)
+        if (making.regionBlock())
             (keepRect(std::get<index>(converted), making), ...);
         const std::array<Given, sizeof...(Types)> given = {std::get<index>(converted).given()...};
 
@@ -768,7 +796,7 @@ private:
     template <class Type>
     static void keepRect(Converted<Type> &to, const Making &making) {
         if constexpr (std::is_same_v<Type, tagRECT *>) {
-            Block &block = content<Block>(making.regionBlock);
+            Block &block = *making.regionBlock();
             if (to.slot()) {
                 if (!block.rect)
                     block.rect = new tagRECT;
@@ -903,18 +931,17 @@ int lendBlock(PyObject *self, Py_buffer *view, int flags) {
         PyErr_SetString(PyExc_BufferError, "a private block is the library's own");
         return -1;
     }
-    for (const MemoryBlock *each : content<Record>(block.record).data->blocks) {
-        if (!each || each->work != block.memory)
-            continue;
-        const auto before = static_cast<std::byte *>(each->work) - static_cast<std::byte *>(each->start);
-        const int filled =
-            PyBuffer_FillInfo(view, self, block.memory, static_cast<Py_ssize_t>(each->size) - before, 0, flags);
-        if (filled == 0)
-            ++content<Record>(block.record).views;
-        return filled;
+    const MemoryBlock *const held = memoryOf(block);
+    if (!held) {
+        PyErr_SetString(PyExc_BufferError, "the block has been freed");
+        return -1;
     }
-    PyErr_SetString(PyExc_BufferError, "the block has been freed");
-    return -1;
+    const auto before = static_cast<std::byte *>(held->work) - static_cast<std::byte *>(held->start);
+    const int filled =
+        PyBuffer_FillInfo(view, self, block.memory, static_cast<Py_ssize_t>(held->size) - before, 0, flags);
+    if (filled == 0)
+        ++content<Record>(block.record).views;
+    return filled;
 }
 
 void takeBlockBack(PyObject *self, Py_buffer *) {

@@ -223,6 +223,28 @@ class Records(unittest.TestCase):
         with self.assertRaisesRegex(TypeError, "data has to be a block of GetPrivate_QMGP_Data"):
             q_mur.SetRegionFill(block, surface(), surface())
 
+    def test_a_block_that_went_long_ago_is_refused(self):
+        record = q_mur.Record(planeElements=4000, vertexArrayEntries=100, matrixStackDepth=2)
+        block = q_mur.GetPrivate_QMGL_Data(record, 0)
+        for _ in range(40):
+            q_mur.GetPrivate_QMGP_Data(record, 0)  # which frees the one before
+        with self.assertRaisesRegex(ValueError, "data has been freed with its record's blocks"):
+            q_mur.VKD_glLoadIdentity(block)
+
+    def test_a_block_is_not_the_next_one_at_its_address(self):
+        record = q_mur.Record()
+        block = q_mur.FindNotUsedMemory(record, 0, 5000)
+        others = []
+        for _ in range(1000):
+            others.append(q_mur.FindNotUsedMemory(record, 0, 5000))
+            if others[-1].address == block.address:
+                break
+        else:
+            self.skipTest("the address has not come again")
+        self.assertEqual(len(memoryview(others[-1])), 5000)
+        with self.assertRaises(BufferError):
+            memoryview(block)
+
     def test_a_block_that_goes_while_a_warning_is_shown(self):
         record = q_mur.Record(planeElements=4000, vertexArrayEntries=100, matrixStackDepth=2)
         block = q_mur.GetPrivate_QMGL_Data(record, 0)
