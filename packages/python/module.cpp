@@ -91,11 +91,15 @@ struct Record {
     std::array<std::uint64_t, std::extent_v<decltype(_TRANSFERDATA::blocks)>> numbers; ///< of the blocks in its slots
 };
 
-/// What a private block points to between calls.
+/// What a private block points to between calls; nothing where the view has no object.
 struct Held {
     Py_buffer view;
     Lent lent;
 };
+
+/// The arguments by which functions set what a region's block points to.
+constexpr std::array<std::string_view, 3> setArguments = {"destSurface", "testSurface", "plane"};
+constexpr std::string_view setRect = "planeRect";
 
 /// A block of a record.
 struct Block {
@@ -104,8 +108,8 @@ struct Block {
     std::size_t slot;
     std::uint64_t number; ///< memory that is freed is soon another block's
     Target target;
-    std::vector<Held> *held;
-    tagRECT *rect;
+    std::array<Held, setArguments.size()> held;
+    tagRECT rect; ///< to which a region's block keeps the pointer
 };
 
 /// The memory of a block; null if it has been freed.
@@ -185,7 +189,8 @@ private:
 /// A surface that a call is handed.
 struct Surface {
     void *origin = nullptr;
-    int pitch = 0; ///< in elements
+    int pitch = 0;   ///< in elements
+    int buffer = -1; ///< which of the call's it is
 };
 
 /// How each call says what it is about.
@@ -260,7 +265,7 @@ Surface surfaceOf(PyObject *object, int elementBytes, int countedBytes, const Pl
                    .pitch = rows > 1 ? static_cast<int>(stride / countedBytes) : 0,
                    .width = static_cast<int>(width * elementBytes / countedBytes),
                    .isReadOnly = view.readonly != 0}});
-    return {origin, pitch};
+    return {origin, pitch, static_cast<int>(buffers.all().size()) - 1};
 }
 
 const char *wordsOf(char letter) {
@@ -394,6 +399,7 @@ struct Parameter {
     bool isRows = false;
     bool isOptional = false;
     bool isUnsigned = false;
+    int kept = -1; ///< where a region's block keeps it
 };
 
 /// What is known of a function before any call.
@@ -405,6 +411,7 @@ struct Described {
         std::replace_if(
             name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c) && c != '_'; }, '_');
         parameters.resize(row.arguments.size());
+        const bool setsRegion = !row.arguments.empty() && row.arguments.front().unit == "_PRIVATE_QMGP_DATA";
         for (std::size_t i = 0; i < parameters.size(); ++i) {
             const Argument &argument = row.arguments[i];
             Parameter &parameter = parameters[i];
@@ -415,6 +422,9 @@ struct Described {
             parameter.isUnsigned = argument.kind == Kind::colour || argument.kind == Kind::key ||
                                    argument.kind == Kind::unused ||
                                    argument.contract.high > std::numeric_limits<int>::max();
+            const auto *const setBy = std::find(setArguments.begin(), setArguments.end(), argument.name);
+            if (setsRegion && setBy != setArguments.end())
+                parameter.kept = static_cast<int>(setBy - setArguments.begin());
             if (argument.kind == Kind::pitch) {
                 for (std::size_t k = 0; k < parameters.size(); ++k)
                     if (row.arguments[k].name == argument.of)
@@ -568,6 +578,10 @@ public:
             const int countedBytes = catalogue::isSurface(parameter.argument->kind) ? 4 : int{sizeof(Element)};
             making.surfaces[index] = surfaceOf(object, sizeof(Element), countedBytes, place, making.buffers);
             value = static_cast<Element *>(making.surfaces[index].origin);
+            // Once it is in a block, no row tells of it that it is written.
+            const bool isWritten = parameter.kept >= 0 && parameter.argument->kind != Kind::source;
+            if (isWritten && making.buffers.all().back().readonly)
+                fail(PyExc_ValueError, "%s: %s is read-only", place.function, place.argument);
         } else {
             value = static_cast<Element *>(arrayOf<Element>(object, place, making.buffers));
         }
@@ -617,8 +631,6 @@ PyObject *newBlock(PyObject *record, void *memory, Target target) {
     block.record = record;
     block.memory = memory;
     block.target = target;
-    block.held = nullptr;
-    block.rect = nullptr;
     block.number = ++owner.made;
     while (!owner.data->blocks[block.slot] || owner.data->blocks[block.slot]->work != memory)
         ++block.slot; // the call has put it into one
@@ -644,26 +656,24 @@ PyObject *returned(const Result &result, const Making &making) {
 }
 
 /// What a region's block points to stays there, and is known, until another call sets it.
-void letGo(Block &block) {
-    if (block.held)
-        for (Held &held : *block.held)
-            PyBuffer_Release(&held.view);
-    delete block.held;
-    block.held = nullptr;
-}
-
-void keep(Making &making) {
-    if (!making.regionBlock() || making.buffers.lent().empty())
+void keep(const Described &described, Making &making) {
+    Block *const block = making.regionBlock();
+    if (!block)
         return;
-    Block &block = *making.regionBlock();
-    auto *const kept = new std::vector<Held>;
-    for (std::size_t i = 0; i < making.buffers.all().size(); ++i) {
-        Py_buffer &view = making.buffers.all()[i];
-        kept->push_back({view, making.buffers.lent()[i]});
-        view.obj = nullptr; // it is the block's now
+    for (std::size_t i = 0; i < described.parameters.size(); ++i) {
+        const int place = described.parameters[i].kept;
+        if (place < 0)
+            continue;
+        Held &held = block->held[static_cast<std::size_t>(place)];
+        const int buffer = making.surfaces[i].buffer;
+        if (buffer < 0) {
+            PyBuffer_Release(&held.view);
+        } else {
+            const auto given = static_cast<std::size_t>(buffer);
+            held.lent = making.buffers.lent()[given];
+            std::swap(held.view, making.buffers.all()[given]); // the old one goes with the call's buffers
+        }
     }
-    letGo(block);
-    block.held = kept;
 }
 
 /// Python's lock is free from a begin to an end, and taken again at the latest when this goes.
@@ -701,10 +711,11 @@ std::string lookAt(const Described &described, std::span<const Given> given, con
     refuseWhileSeen(described, making);
     std::vector<Lent> known;
     std::span<const Lent> lent = making.buffers.lent();
-    if (making.regionBlock() && making.regionBlock()->held) {
+    if (const Block *const block = making.regionBlock()) {
         known.assign(lent.begin(), lent.end());
-        for (const Held &held : *making.regionBlock()->held)
-            known.push_back(held.lent);
+        for (const Held &held : block->held)
+            if (held.view.obj)
+                known.push_back(held.lent);
         lent = known;
     }
     checked::Verdict verdict;
@@ -749,8 +760,6 @@ private:
         std::tuple<Converted<Types>...> converted;
         (convert(std::get<index>(converted), parameters[index], passed[index], name, making, index), ...);
         (convertPitch(std::get<index>(converted), parameters[index], making), ...);
-        if (making.regionBlock())
-            (keepRect(std::get<index>(converted), making), ...);
         const std::array<Given, sizeof...(Types)> given = {std::get<index>(converted).given()...};
 
         Unlocked unlocked;
@@ -760,19 +769,20 @@ private:
                 throw Failure();
             lookAt(described, given, making, unlocked); // who was warned may have freed a block
         }
+        (keepRect(std::get<index>(converted), parameters[index], making), ...);
         checked::noteBefore(described.row, given);
         const checked::MapperSlot slot(given);
         if constexpr (std::is_void_v<Result>) {
             function(std::get<index>(converted).get()...);
             unlocked.end();
-            keep(making);
+            keep(described, making);
             Py_RETURN_NONE;
         } else {
             const Result result = function(std::get<index>(converted).get()...);
             if constexpr (std::is_pointer_v<Result>)
                 checked::notice(described.row, given, result);
             unlocked.end();
-            keep(making);
+            keep(described, making);
             return returned(result, making);
         }
     }
@@ -794,14 +804,12 @@ private:
 
     /// A region's block keeps the pointer to its rectangle.
     template <class Type>
-    static void keepRect(Converted<Type> &to, const Making &making) {
+    static void keepRect(Converted<Type> &to, const Parameter &parameter, const Making &making) {
         if constexpr (std::is_same_v<Type, tagRECT *>) {
-            Block &block = *making.regionBlock();
-            if (to.slot()) {
-                if (!block.rect)
-                    block.rect = new tagRECT;
-                *block.rect = *to.slot();
-                to.slot() = block.rect;
+            Block *const block = making.regionBlock();
+            if (block && to.slot() && parameter.argument->name == setRect) {
+                block->rect = *to.slot();
+                to.slot() = &block->rect;
             }
         }
     }
@@ -917,8 +925,8 @@ void destroyRecord(PyObject *self) {
 
 void destroyBlock(PyObject *self) {
     Block &block = content<Block>(self);
-    letGo(block);
-    delete block.rect;
+    for (Held &held : block.held)
+        PyBuffer_Release(&held.view); // which does nothing without an object
     Py_XDECREF(block.record);
     destroy(self);
 }

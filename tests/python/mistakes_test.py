@@ -262,15 +262,63 @@ class Records(unittest.TestCase):
                 q_mur.VKD_FindLuminenceTerm(block, four, 0, 2, four, 0, 0, 0)
         self.assertEqual(len(shown), 1)
 
+
+class Regions(unittest.TestCase):
+    def setUp(self):
+        self.block = q_mur.GetPrivate_QMGP_Data(q_mur.Record(), 0)
+
     def test_a_region_keeps_its_surfaces(self):
-        block = q_mur.GetPrivate_QMGP_Data(q_mur.Record(), 0)
         a = surface()
         q_mur.iFillRect(a, (10, 10, 20, 11), 5)
         references = sys.getrefcount(a)
-        q_mur.SetRegionFill(block, a, a)
+        q_mur.SetRegionFill(self.block, a, a)
         self.assertGreater(sys.getrefcount(a), references)
-        del block
+        self.block = None
         self.assertEqual(sys.getrefcount(a), references)
+
+    def test_surfaces_stay_until_others_take_their_place(self):
+        a, b, plane = surface(), surface(), np.zeros((48, 64), np.uint8)
+
+        def kept():
+            return [sys.getrefcount(each) for each in (a, b, plane)]
+
+        free = kept()
+        q_mur.SetRegionFill(self.block, a, b)
+        q_mur.bSetRegionFill(self.block, plane, ALL)
+        self.assertEqual(kept(), [count + 1 for count in free])
+        q_mur.SetRegionFill(self.block, b, b)
+        self.assertEqual(kept(), [free[0], free[1] + 2, free[2] + 1])
+        q_mur.bSetRegionFill(self.block, np.zeros((48, 64), np.uint8), ALL)
+        self.assertEqual(kept(), [free[0], free[1] + 2, free[2]])
+        q_mur.SetRegionFill(self.block, None, a)
+        self.assertEqual(kept(), [free[0] + 1, free[1], free[2]])
+
+    def test_limits_are_those_that_were_set(self):
+        plane, others = np.zeros((48, 64), np.uint8), np.zeros((48, 64), np.uint8)
+        q_mur.bSetRegionFill(self.block, plane, (10, 10, 20, 20))
+        with self.assertRaises(ValueError):
+            q_mur.Region_Fill(self.block, 5, 5, 1, 2, 0, 0, 0, ALL)  # there are no surfaces
+        with self.assertRaises(ValueError):
+            q_mur.bSetRegionFill(self.block, others[:, ::2], ALL)
+        self.assertEqual(q_mur.bscan_left(self.block, 15, 15, 9), 10)
+        self.assertEqual(q_mur.bscan_right(self.block, 15, 15, 9), 19)
+        a = surface()
+        q_mur.SetRegionFill(self.block, a, a)
+        q_mur.Region_Fill(self.block, 5, 5, 1, 1, 0, 0, 0, ALL)
+        self.assertEqual(q_mur.bscan_left(self.block, 15, 15, 9), 10)
+        self.assertEqual(q_mur.bscan_right(self.block, 15, 15, 9), 19)
+
+    def test_what_is_painted_may_not_be_read_only(self):
+        a, plane = surface(), np.zeros((48, 64), np.uint8)
+        for each in (a, plane):
+            each.flags.writeable = False
+        with self.assertRaisesRegex(ValueError, "^SetRegionFill: destSurface is read-only$"):
+            q_mur.SetRegionFill(self.block, a, surface())
+        with self.assertRaisesRegex(ValueError, "^bSetRegionFill: plane is read-only$"):
+            q_mur.bSetRegionFill(self.block, plane, ALL)
+        with self.assertRaisesRegex(ValueError, "^SetRegionSrcFill: plane is read-only$"):
+            q_mur.SetRegionSrcFill(self.block, surface(), a, plane, ALL)
+        q_mur.SetRegionFill(self.block, surface(), a)  # which is only looked at
 
 
 class Threads(unittest.TestCase):
