@@ -205,6 +205,8 @@ class Records(unittest.TestCase):
         self.assertEqual(plane.shape, (90,))
         with self.assertRaises(BufferError):
             q_mur.DeleteMemoryBlocks(record)
+        with self.assertRaises(BufferError):
+            q_mur.FindNotUsedMemory(record, 1, 64)
         del plane
         block = q_mur.FindNotUsedMemory(record, 1, 64)
         q_mur.DeleteMemoryBlocks(record)
