@@ -12,6 +12,7 @@ import base64
 import hashlib
 import os
 import pathlib
+import random
 import re
 import subprocess
 import sys
@@ -20,9 +21,11 @@ import tempfile
 HERE = pathlib.Path(__file__).resolve().parent
 FINDINGS = pathlib.Path("out/fuzz")
 MEMORY = "/dev/shm"
-LONGEST = {"calls": 512, "mistakes": 512, "bitmap": 1200}
-# Records lose blocks where hosts make mistakes. What the system's fonts keep is not the library's.
-OPTIONS = {"calls": [], "mistakes": ["-detect_leaks=0"], "bitmap": []}
+PIECE, MOST_PIECES = 64, 8  # of calls, as input.h has them
+LONGEST = {"calls": PIECE * MOST_PIECES, "mistakes": PIECE * MOST_PIECES, "bitmap": 1200}
+# Inputs are as long as they may be from the start: a second call begins behind the first one's piece. Records lose
+# blocks where hosts make mistakes. What the system's fonts keep is not the library's.
+OPTIONS = {"calls": ["-len_control=0"], "mistakes": ["-len_control=0", "-detect_leaks=0"], "bitmap": []}
 SUPPRESSED = "leak:libfontconfig\n"
 
 
@@ -32,6 +35,16 @@ def can_run(command):
         return command if subprocess.run([*command, "true"], stderr=subprocess.DEVNULL).returncode == 0 else []
     except OSError:
         return []
+
+
+def chains(inputs):
+    """Yields inputs of several calls each: the first pieces of others, in an order of no meaning and filled up."""
+    numbers = random.Random(0)
+    order = sorted(inputs)
+    numbers.shuffle(order)
+    for first in range(0, len(order), MOST_PIECES):
+        pieces = [data[:PIECE] for data in order[first:first + MOST_PIECES]]
+        yield b"".join(piece + numbers.randbytes(PIECE - len(piece)) for piece in pieces)
 
 
 class Target:
@@ -45,10 +58,9 @@ class Target:
         self.found = self.scratch / "found"
         self.inputs.mkdir(parents=True)
         self.found.mkdir()
-        if self.kept.exists():
-            for line in self.kept.read_text().splitlines():
-                data = base64.b64decode(line)
-                (self.inputs / hashlib.sha1(data).hexdigest()).write_bytes(data)
+        kept = [base64.b64decode(line) for line in self.kept.read_text().splitlines()] if self.kept.exists() else []
+        for data in kept + list(chains(kept) if LONGEST[name] == PIECE * MOST_PIECES else []):
+            (self.inputs / hashlib.sha1(data).hexdigest()).write_bytes(data)
         suppressions = self.scratch / "suppressions"
         suppressions.write_text(SUPPRESSED)
         self.environment = {**os.environ, "TMPDIR": str(scratch), "LSAN_OPTIONS": f"suppressions={suppressions}"}
