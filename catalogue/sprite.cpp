@@ -111,6 +111,12 @@ void setFile(Call &call, const Stage &stage) {
     call.set({{"width", width}, {"height", stage.height}});
 }
 
+/// No file that there is, and a size of which nothing is drawn.
+void setNoFile(Call &call, const Stage &) {
+    call["name"] = Plane(1, 1, 1);
+    call.set({{"width", 0}, {"height", 0}});
+}
+
 /// Every so many columns and rows of a picture.
 void setFitBy(int step, Call &call, const Stage &stage) {
     const Plane picture = stage.picture(1);
@@ -144,8 +150,14 @@ std::vector<Row> spriteRows() {
          .waived = {{"every proof", "a global"}}, .figure = Figure::nothing},
         {Q_MUR_FUNCTION_WITHOUT_TWIN(LoadBitmap24), .sentence = "Reads a bitmap file of 24 bits.",
          .arguments = destination() + text("name", "path") + each({"width", "height"}, extent("", "dst")),
-         .topByte = TopByte::cleared, .scenes = {{.set = set("name", Plane(1, 1, 1))}},
-         .waived = {{"every proof", "a file"}}, .picture = Scene{.set = setFile}},
+         .writes = [](const Call &call) -> Areas {
+             const Box frame = frameOf(call);
+             constexpr std::int64_t mostBytes = 0xFFFFFFFF; // of a file, whatever it says
+             const bool fits = !frame.isEmpty() && 3 * frame.width() <= mostBytes / frame.height();
+             return {words("dst", fits ? frame.width() * frame.height() : 0)}; // there is no gap between rows
+         },
+         .topByte = TopByte::cleared, .scenes = {{.set = setNoFile}}, .waived = {{"every proof", "a file"}},
+         .picture = Scene{.set = setFile}},
         // The sizes of a source may be 0, where its first column or row is repeated.
         apart({Q_MUR_FUNCTION(_FitOn32RAW_24RAW_Nearest), .sentence = "Fits raw 24-bit pixels onto a surface.",
                .arguments =

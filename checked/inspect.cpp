@@ -59,13 +59,17 @@ const Argument *pitchOf(const Row &row, std::string_view surface) {
     return first;
 }
 
-std::shared_ptr<Memory> knownAt(const void *pointer) {
-    const std::optional<Piece> piece = pieceAt(pointer);
+std::shared_ptr<Memory> knownAt(const void *pointer, int argument) {
+    const std::optional<Piece> piece = pieceAt(pointer, argument);
     return piece ? std::make_shared<Memory>(piece->begin, piece->bytes) : nullptr;
 }
 
-Plane planeOver(void *pointer, int elementBytes, int pitch) {
-    return pointer ? Plane::over(pointer, elementBytes, pitch, knownAt(pointer)) : Plane();
+Plane planeOver(void *pointer, int elementBytes, int pitch, int argument = Lent::noArgument) {
+    return pointer ? Plane::over(pointer, elementBytes, pitch, knownAt(pointer, argument)) : Plane();
+}
+
+int indexOf(const Row &row, const Argument &argument) {
+    return static_cast<int>(&argument - row.arguments.data());
 }
 
 template <class Block, class Record>
@@ -91,7 +95,7 @@ RegionBlock regionBlock(const _PRIVATE_QMGP_DATA &data) {
     return block;
 }
 
-Value valueOf(const Given &given, const Argument &argument, int pitch) {
+Value valueOf(const Given &given, const Row &row, const Argument &argument, int pitch) {
     if (!given.pointer)
         return given.target == Target::nothing
                    ? given.value.is<double>() ? counted(argument, given.value.number()) : given.value
@@ -124,7 +128,7 @@ Value valueOf(const Given &given, const Argument &argument, int pitch) {
     if (argument.kind == Kind::text)
         return Plane::over(given.pointer, 1,
                            static_cast<int>(std::strlen(static_cast<const char *>(given.pointer))) + 1, nullptr);
-    return planeOver(given.pointer, given.elementBytes, pitch);
+    return planeOver(given.pointer, given.elementBytes, pitch, indexOf(row, argument));
 }
 
 /// Numbers first, since the shapes of surfaces are among them.
@@ -132,7 +136,7 @@ Call callOf(const Row &row, std::span<const Given> given) {
     Call call(row);
     for (std::size_t i = 0; i < given.size(); ++i)
         if (given[i].target == Target::nothing)
-            call[i] = valueOf(given[i], row.arguments[i], 0);
+            call[i] = valueOf(given[i], row, row.arguments[i], 0);
     for (std::size_t i = 0; i < given.size(); ++i) {
         const Argument &argument = row.arguments[i];
         if (given[i].target == Target::nothing)
@@ -148,7 +152,7 @@ Call callOf(const Row &row, std::span<const Given> given) {
                 pointer.elementBytes = 1;
             elements /= pointer.elementBytes;
         }
-        call[i] = valueOf(pointer, argument, elements);
+        call[i] = valueOf(pointer, row, argument, elements);
     }
     return call;
 }
@@ -395,7 +399,7 @@ std::string areaFault(const Call &call, const Area &area, bool isWritten) {
         return {};
     if (!plane)
         return surface.mayBeNull ? std::string() : nameOf(surface) + " is null";
-    const std::optional<Piece> piece = pieceAt(plane->origin());
+    const std::optional<Piece> piece = pieceAt(plane->origin(), indexOf(call.row(), surface));
     if (isWritten && piece && piece->isReadOnly)
         return nameOf(surface) + " is read-only";
     if (area.isAtMost)
@@ -405,11 +409,14 @@ std::string areaFault(const Call &call, const Area &area, bool isWritten) {
         std::abs(std::int64_t{plane->pitch()}) != piece->pitch)
         return std::string(pitch->name) + " " + textOf(call[pitch->name].number()) + " is not " +
                textOf(std::int64_t{piece->pitch}) + ", the pitch of " + std::string(surface.name);
+    const std::string verb = isWritten ? " is written" : " is read";
+    if (!pitch && piece && piece->width < piece->pitch && part.width() > piece->width && piece->width > 0)
+        return nameOf(surface) + verb + " without a gap, but has one behind each " +
+               textOf(std::int64_t{piece->width}) + " columns";
     const Extent extent = extentOf(call, area, *plane, piece);
     if (!extent.contains(part))
         if (std::string found = culprit(call, surface, part, extent); !found.empty())
             return found;
-    const std::string verb = isWritten ? " is written" : " is read";
     const std::string name = nameOf(surface);
     if (part.left < extent.left)
         return name + verb + " from column " + textOf(part.left) + " on, before its first";

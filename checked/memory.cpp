@@ -227,17 +227,18 @@ void forget(const void *begin, std::size_t bytes) {
     forgetWithin(pieces().byBegin, addressOf(begin), bytes);
 }
 
-void forgetAt(const void *pointer) {
+void forgetTold(const void *first) {
     const std::unique_lock<std::shared_mutex> lock(pieces().guard);
-    const auto found = holderOf(pointer);
-    if (found != pieces().byBegin.end())
-        pieces().byBegin.erase(found);
+    std::erase_if(pieces().byBegin, [first](const auto &each) { return first && each.second.first == first; });
 }
 
-std::optional<Piece> pieceAt(const void *pointer) {
+std::optional<Piece> pieceAt(const void *pointer, int argument) {
+    const Lent *known = nullptr;
     for (const Lent &each : lent)
-        if (each.pointer == pointer)
-            return each.piece;
+        if (each.pointer == pointer && (!known || (each.argument == argument && known->argument != argument)))
+            known = &each;
+    if (known)
+        return known->piece;
     {
         const std::shared_lock<std::shared_mutex> lock(pieces().guard);
         const auto found = holderOf(pointer);
@@ -251,7 +252,7 @@ std::optional<Piece> pieceAt(const void *pointer) {
 
 void q_Mur_checked_surface(const void *pixels, int pitch, int height) {
     if (height <= 0) {
-        checked::forgetAt(pixels);
+        checked::forgetTold(pixels);
         return;
     }
     constexpr std::ptrdiff_t pixelBytes = 4;
@@ -259,5 +260,5 @@ void q_Mur_checked_surface(const void *pixels, int pitch, int height) {
     if (pitch < 0)
         begin += pixelBytes * pitch * (height - 1);
     const auto bytes = static_cast<std::size_t>(pixelBytes * std::abs(pitch) * height);
-    checked::remember({.begin = begin, .bytes = bytes, .pitch = height > 1 ? std::abs(pitch) : 0});
+    checked::remember({.begin = begin, .bytes = bytes, .first = pixels, .pitch = height > 1 ? std::abs(pitch) : 0});
 }

@@ -13,8 +13,9 @@ namespace checked {
 struct Piece {
     std::byte *begin = nullptr;
     std::size_t bytes = 0;
-    int pitch = 0; ///< of a surface that was told, in pixels; 0 where a piece has no rows
-    int width = 0; ///< of its rows, in pixels; 0 for the whole pitch
+    const void *first = nullptr; ///< the pixel by which the host told of it, the last row's of one stored bottom-up
+    int pitch = 0;               ///< of a surface that was told, in pixels; 0 where a piece has no rows
+    int width = 0;               ///< of its rows, in pixels; 0 for the whole pitch
     bool isReadOnly = false;
 
     std::byte *end() const { return begin + bytes; }
@@ -26,13 +27,16 @@ void remember(const Piece &piece);
 /// Forgets all pieces that begin within these bytes.
 void forget(const void *begin, std::size_t bytes);
 
-/// Forgets the piece that a pointer leads into.
-void forgetAt(const void *pointer);
+/// Forgets the piece of which the host told by this pixel.
+void forgetTold(const void *first);
 
 /// A piece that a call is handed, by the pointer that leads into it.
 struct Lent {
+    static constexpr int noArgument = -1;
+
     const void *pointer = nullptr;
     Piece piece;
+    int argument = noArgument; ///< which one it is handed as
 };
 
 /// Pieces that only this thread knows, as long as this stands; they come before all others.
@@ -44,8 +48,8 @@ public:
     Lending &operator=(const Lending &) = delete;
 };
 
-/// The piece that a pointer leads into.
-std::optional<Piece> pieceAt(const void *pointer);
+/// The piece that a pointer leads into. Pieces of several arguments may begin at one address.
+std::optional<Piece> pieceAt(const void *pointer, int argument = Lent::noArgument);
 
 } // namespace checked
 

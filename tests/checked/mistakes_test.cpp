@@ -25,7 +25,7 @@ namespace {
 
 constexpr int aborted = 99; // what a process ends with here that calls abort
 
-/// That a call ends the program with one line, and before it writes anything.
+/// That a call ends the program with one line.
 #define EXPECT_NAMED(call, line)                                                                                       \
     EXPECT_EXIT(call, testing::ExitedWithCode(aborted), testing::Eq(std::string(line "\n")))
 
@@ -165,6 +165,18 @@ TEST(mistakes, pitch_in_bytes_of_no_whole_pixels) {
     EXPECT_NAMED(fit(memory.data()),
                  "_FitOn32RAW_24RAW_Nearest: dst is written up to column 3 of row 24, which leaves its memory");
     q_Mur_checked_surface(memory.data(), 595, 0);
+}
+
+TEST(mistakes, surface_smaller_than_a_bitmap_file) {
+    // Two rows of 16 are 32 pixels.
+    std::vector<q_ulong> memory(31);
+    std::string name = "no such file";
+    q_Mur_checked_surface(memory.data(), 31, 1);
+    EXPECT_NAMED(LoadBitmap24(memory.data(), name.data(), 16, 2),
+                 "LoadBitmap24: dst holds 31 elements, of which 32 are written");
+    EXPECT_EQ(LoadBitmap24(memory.data(), name.data(), 31, 1), 0);
+    EXPECT_EQ(LoadBitmap24(memory.data(), name.data(), 16, -1), 0);
+    q_Mur_checked_surface(memory.data(), 31, 0);
 }
 
 TEST(mistakes, row_beyond_all_addresses) {
@@ -631,6 +643,20 @@ TEST(correct, a_told_surface_goes_on_behind_one_within_it) {
     EXPECT_NAMED(iFillRect(&memory[64 * 3], &part, 64, 7), "iFillRect: rect.bottom 46 exceeds the 45 rows of dst");
     q_Mur_checked_surface(&memory[64], 64, 0);
     q_Mur_checked_surface(memory.data(), 64, 0);
+}
+
+TEST(correct, forgetting_a_part_that_was_not_told_leaves_what_is_told_around_it) {
+    std::vector<q_ulong> memory(64 * 50);
+    tagRECT rows = {0, 0, 64, 49};
+    const auto fill = [&] { iFillRect(memory.data(), &rows, 64, 7); };
+    q_Mur_checked_surface(memory.data(), 64, 48);
+    q_Mur_checked_surface(&memory[64 * 10], 64, 0);
+    EXPECT_NAMED(fill(), "iFillRect: rect.bottom 49 exceeds the 48 rows of dst");
+    q_Mur_checked_surface(&memory[64 * 47], -64, 48); // the same rows, stored bottom-up
+    q_Mur_checked_surface(memory.data(), 64, 0);
+    EXPECT_NAMED(fill(), "iFillRect: rect.bottom 49 exceeds the 48 rows of dst");
+    q_Mur_checked_surface(&memory[64 * 47], -64, 0);
+    fill();
 }
 
 /// The messages of calls, which are made nevertheless if these are doubts.
