@@ -171,9 +171,11 @@ public:
         return view;
     }
 
-    void lend(const Lent &piece) { pieces[lentCount++] = piece; }
+    void lend(const void *pointer, const checked::Piece &piece) { pieces[lentCount++] = {pointer, piece, argument}; }
     std::span<const Lent> lent() const { return {pieces.data(), lentCount}; }
     std::span<Py_buffer> all() { return {views.data(), count}; }
+
+    int argument = Lent::noArgument; ///< which one the next pieces are handed as
 
 private:
     static constexpr std::size_t most = 48;
@@ -259,12 +261,11 @@ Surface surfaceOf(PyObject *object, int elementBytes, int countedBytes, const Pl
             fail(PyExc_ValueError, "%s: %s is a part of rows that are no whole number of pixels", place.function,
                  place.argument);
     }
-    buffers.lend({origin,
-                  {.begin = begin,
-                   .bytes = static_cast<std::size_t>(bytes),
-                   .pitch = rows > 1 ? static_cast<int>(stride / countedBytes) : 0,
-                   .width = static_cast<int>(width * elementBytes / countedBytes),
-                   .isReadOnly = view.readonly != 0}});
+    buffers.lend(origin, {.begin = begin,
+                          .bytes = static_cast<std::size_t>(bytes),
+                          .pitch = rows > 1 ? static_cast<int>(stride / countedBytes) : 0,
+                          .width = static_cast<int>(width * elementBytes / countedBytes),
+                          .isReadOnly = view.readonly != 0});
     return {origin, pitch, static_cast<int>(buffers.all().size()) - 1};
 }
 
@@ -314,12 +315,11 @@ void *arrayOf(PyObject *object, const Place &place, Buffers &buffers) {
              place.argument, static_cast<Py_ssize_t>(sizeof(Element)) / view.itemsize);
     if (reinterpret_cast<std::uintptr_t>(view.buf) % alignof(Element) != 0)
         fail(PyExc_ValueError, "%s: %s is not aligned to its elements", place.function, place.argument);
-    buffers.lend({view.buf,
-                  {.begin = static_cast<std::byte *>(view.buf),
-                   .bytes = static_cast<std::size_t>(view.len),
-                   .pitch = 0,
-                   .width = 0,
-                   .isReadOnly = view.readonly != 0}});
+    buffers.lend(view.buf, {.begin = static_cast<std::byte *>(view.buf),
+                            .bytes = static_cast<std::size_t>(view.len),
+                            .pitch = 0,
+                            .width = 0,
+                            .isReadOnly = view.readonly != 0});
     return view.buf;
 }
 
@@ -671,6 +671,7 @@ void keep(const Described &described, Making &making) {
         } else {
             const auto given = static_cast<std::size_t>(buffer);
             held.lent = making.buffers.lent()[given];
+            held.lent.argument = Lent::noArgument;             // of later calls
             std::swap(held.view, making.buffers.all()[given]); // the old one goes with the call's buffers
         }
     }
@@ -790,6 +791,7 @@ private:
     template <class Type>
     static void convert(Converted<Type> &to, const Parameter &parameter, PyObject *object, const char *function,
                         Making &making, std::size_t index) {
+        making.buffers.argument = static_cast<int>(index);
         if (parameter.argument->kind != Kind::pitch)
             to.take(parameter, object, {function, parameter.text.c_str()}, making, index);
     }

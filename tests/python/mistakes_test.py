@@ -181,6 +181,42 @@ class Arrays(unittest.TestCase):
             q_mur._FitOn32RAW_24RAW_Nearest, a[:, :97], 24, 24, np.zeros((1, 3), np.uint8), 1, 1,
         )
 
+    def test_parts_of_one_array_that_begin_together_are_told_apart(self):
+        whole = surface(64, 100)
+        whole[50:60] = 7
+        q_mur.iBltFast32(whole[:10], whole, 0, 0, (0, 50, 10, 55))
+        self.assertEqual(int((whole[:10] == 7).sum()), 50)
+        self.refused(ValueError, "iBltFast32: srcRect.bottom 50 exceeds the 10 rows of src",
+                     q_mur.iBltFast32, whole, whole[:10], 0, 20, (0, 0, 10, 50))
+        wide = whole.reshape(50, 128)
+        whole[61] = 9
+        q_mur.iBltFast32(whole, wide, 0, 0, (64, 30, 128, 31))
+        self.assertTrue((whole[0] == 9).all())
+        self.refused(ValueError, "iBltFast32: srcRect.right 65 exceeds srcPitch 64",
+                     q_mur.iBltFast32, wide, whole, 0, 0, (0, 0, 65, 1))
+
+    def test_memory_without_rows_has_no_gaps(self):
+        memory = surface(64, 40)
+        picture = surface(300, 300)
+        resource = surface(100, 100)
+        self.refused(ValueError,
+                     "DrawRealBubble: scratch is written without a gap, but has one behind each 10 columns",
+                     q_mur.DrawRealBubble, picture, memory[:, :10], 150, 150, 10, resource, 100, 0, 300, 300)
+        self.assertFalse(memory.any())
+        self.refused(ValueError,
+                     "DrawRealBubble: resource is read without a gap, but has one behind each 50 columns",
+                     q_mur.DrawRealBubble, picture, surface(300, 300), 150, 150, 60, surface(100, 100)[:, :50], 100, 0,
+                     300, 300)
+
+    def test_a_bitmap_file_fits_into_its_array(self):
+        memory = surface(4, 4)
+        self.refused(ValueError, "LoadBitmap24: dst holds 15 elements, of which 16 are written",
+                     q_mur.LoadBitmap24, memory.reshape(16)[:15].reshape(3, 5), "none", 16, 1)
+        self.refused(ValueError, "LoadBitmap24: dst is written without a gap, but has one behind each 2 columns",
+                     q_mur.LoadBitmap24, memory[:, :2], "none", 2, 4)
+        memory.flags.writeable = False
+        self.refused(ValueError, "LoadBitmap24: dst is read-only", q_mur.LoadBitmap24, memory, "none", 4, 4)
+
     def test_a_doubt_is_a_warning(self):
         a = surface()
         with warnings.catch_warnings(record=True) as caught:
