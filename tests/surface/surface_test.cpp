@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -90,6 +92,92 @@ TEST(surface, enlarging_lets_nothing_bleed_in) {
     for (int y = 0; y < 32; ++y)
         for (int x = 0; x < 32; ++x)
             ASSERT_EQ(to.at(x, y), 0x102030U) << x << " " << y;
+}
+
+/// Two surfaces whose sizes and pitches all differ, and the destination as a flat call is to leave it.
+struct Pair {
+    static constexpr int width = 24;
+    static constexpr int height = 20;
+    static constexpr int pitch = 31;
+    static constexpr int fromWidth = 13;
+    static constexpr int fromHeight = 11;
+    static constexpr int fromPitch = 17;
+
+    explicit Pair(std::uint64_t seed)
+        : random(seed), fromPixels(words(fromPitch * fromHeight)), pixels(words(pitch * height)), expected(pixels),
+          before(pixels) {}
+    std::vector<q_ulong> words(int count) {
+        std::vector<q_ulong> made(static_cast<std::size_t>(count));
+        for (q_ulong &word : made)
+            word = random.word();
+        return made;
+    }
+    View to() { return {pixels.data(), width, height, pitch}; }
+    ConstView from() const { return {fromPixels.data(), fromWidth, fromHeight, fromPitch}; }
+    /// Something is drawn, and every word of the buffer, those between rows included, is what it is to be.
+    void expectAsFlat() const {
+        EXPECT_NE(expected, before);
+        EXPECT_EQ(pixels, expected);
+    }
+
+    catalogue::Random random;
+    std::vector<q_ulong> fromPixels;
+    std::vector<q_ulong> pixels;
+    std::vector<q_ulong> expected;
+    std::vector<q_ulong> before;
+};
+
+TEST(surface, fading_and_blurring_are_the_flat_calls) {
+    tagRECT area = {2, 3, 21, 18};
+    Pair faded(1);
+    q_Mur::fade(faded.to(), {2, 3, 21, 18}, 0.375F);
+    iFadeOut32(faded.expected.data(), &area, 31, 0.375F);
+    faded.expectAsFlat();
+    Pair blurred(2);
+    q_Mur::blur(blurred.to(), {2, 3, 21, 18}, 3);
+    Blur_Rect(blurred.expected.data(), &area, 31, 3);
+    blurred.expectAsFlat();
+}
+
+TEST(surface, keyed_and_added_copies_are_the_flat_calls) {
+    tagRECT area = {1, 2, 12, 9};
+    Pair keyed(3);
+    const q_ulong key = keyed.from().at(5, 5);
+    q_Mur::copyKeyed(keyed.to(), 9, 4, keyed.from(), {1, 2, 12, 9}, key);
+    iBltFast32_KeySrc(keyed.expected.data(), keyed.fromPixels.data(), 9, 4, &area, 31, 17, key);
+    keyed.expectAsFlat();
+    EXPECT_EQ(keyed.to().at(13, 7), keyed.before[7 * 31 + 13]); // the key's place: (5, 5) moved by (8, 2)
+    Pair added(4);
+    q_Mur::add(added.to(), 9, 4, added.from(), {1, 2, 12, 9});
+    iBltFast32_Add(added.expected.data(), added.fromPixels.data(), 9, 4, &area, 31, 17);
+    added.expectAsFlat();
+}
+
+TEST(surface, a_blend_by_the_top_byte_is_the_flat_call_and_ends_at_the_edges) {
+    Pair pair(5);
+    q_Mur::blendByTopByte(pair.to(), 16, -3, pair.from());
+    tagRECT area = {0, 0, 13, 11};
+    tagRECT clip = {0, 0, 24, 20};
+    iBltFast32AlphaChannelSafe(pair.expected.data(), pair.fromPixels.data(), 16, -3, &area, &clip, 31, 17);
+    pair.expectAsFlat();
+}
+
+TEST(surface, scaling_is_the_flat_call) {
+    Pair pair(6);
+    q_Mur::scale(pair.to(), {3, 1, 22, 18}, pair.from(), {2, 1, 12, 10});
+    tagRECT target = {3, 1, 22, 18};
+    tagRECT area = {2, 1, 12, 10};
+    iBltNear32(pair.expected.data(), pair.fromPixels.data(), &target, &area, 31, 17);
+    pair.expectAsFlat();
+}
+
+TEST(surface, turning_is_the_flat_call) {
+    Pair pair(7);
+    q_Mur::turn(pair.to(), 10, 12, pair.from(), {2, 1, 12, 10}, 0.7F, 1.5F);
+    tagRECT clip = {0, 0, 24, 20};
+    tagRECT area = {2, 1, 12, 10};
+    iBltLinear32_Z_Roto(pair.expected.data(), 31, pair.fromPixels.data(), 17, &clip, &area, 10, 12, 0.7F, 1.5F);
+    pair.expectAsFlat();
 }
 
 /// The region around a place, one pixel after the other.
