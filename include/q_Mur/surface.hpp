@@ -12,6 +12,7 @@
 #include "../q_Mur.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -40,13 +41,18 @@ inline namespace unchecked {
 #endif
 
 /// Ends the program where something is wrong, in builds that check.
-inline void require([[maybe_unused]] bool holds, [[maybe_unused]] const char *otherwise) {
+constexpr void require([[maybe_unused]] bool holds, [[maybe_unused]] const char *otherwise) {
 #if Q_MUR_SURFACE_CHECKED
     if (!holds) {
         std::fprintf(stderr, "q_Mur: %s\n", otherwise);
         std::abort();
     }
 #endif
+}
+
+/// Whether an int holds it.
+constexpr bool fitsInt(long long number) {
+    return number >= INT_MIN && number <= INT_MAX;
 }
 
 /// A colour by its channels.
@@ -70,13 +76,17 @@ struct Rect {
     int bottom = 0; ///< row behind the last
 
     /// From its corner and its size.
-    static constexpr Rect sized(int x, int y, int columns, int rows) { return {x, y, x + columns, y + rows}; }
+    static constexpr Rect sized(int x, int y, int columns, int rows) {
+        return {x, y, sideOf(x, columns), sideOf(y, rows)};
+    }
 
     constexpr int width() const { return right - left; }                      ///< columns, below 0 if turned inside out
     constexpr int height() const { return bottom - top; }                     ///< rows, likewise
     constexpr bool isEmpty() const { return left >= right || top >= bottom; } ///< whether it has no pixel
     /// The same to the right and further down.
-    constexpr Rect moved(int dx, int dy) const { return {left + dx, top + dy, right + dx, bottom + dy}; }
+    constexpr Rect moved(int dx, int dy) const {
+        return {sideOf(left, dx), sideOf(top, dy), sideOf(right, dx), sideOf(bottom, dy)};
+    }
     /// What lies in both; without such pixels it is empty.
     constexpr Rect inside(const Rect &other) const {
         return {std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),
@@ -92,7 +102,20 @@ struct Rect {
 
     /// As flat calls know it.
     constexpr operator tagRECT() const { return {left, top, right, bottom}; }
+
+private:
+    static constexpr int sideOf(int from, int distance) {
+        require(fitsInt(1LL * from + distance), "a side of a rectangle is beyond all numbers");
+        return from + distance;
+    }
 };
+
+/// Whether a call that is handed `area` keeps to `all`. Without pixels it does, unless the sides are turned inside out
+/// so far that the difference that flat calls take of them wraps into a size.
+constexpr bool keepsTo(const Rect &all, const Rect &area) {
+    return area.isEmpty() ? fitsInt(1LL * area.right - area.left) && fitsInt(1LL * area.bottom - area.top)
+                          : all.holds(area);
+}
 
 /// Pixels that belong to somebody else, with their size. `Pixel` is #q_ulong, or constant where they are only read.
 template <class Pixel>
@@ -124,7 +147,7 @@ public:
 
     /// A part of it, whose first pixel is that at the corner of `area`.
     BasicView part(const Rect &area) const {
-        require(rect().holds(area), "a part lies outside of its surface");
+        require(keepsTo(rect(), area), "a part lies outside of its surface");
         return {origin + std::ptrdiff_t{area.top} * stride + area.left, area.width(), area.height(), stride};
     }
 
@@ -196,7 +219,7 @@ inline void prepare() {
 
 /// iFillRect().
 inline void fill(View to, const Rect &area, q_ulong colour) {
-    require(to.rect().holds(area), "what is filled lies outside of its surface");
+    require(keepsTo(to.rect(), area), "what is filled lies outside of its surface");
     iFillRect(to.data(), PassedRect(area), to.pitch(), colour);
 }
 /// All of it.
@@ -206,14 +229,14 @@ inline void fill(View to, q_ulong colour) {
 
 /// iFadeOut32(): scales the colours by a factor from 1/256 to 1; 0 is the gentlest step.
 inline void fade(View to, const Rect &area, float factor) {
-    require(to.rect().holds(area), "what is faded lies outside of its surface");
+    require(keepsTo(to.rect(), area), "what is faded lies outside of its surface");
     require(factor >= 0 && factor <= 1, "a factor lies outside of 0 to 1");
     iFadeOut32(to.data(), PassedRect(area), to.pitch(), factor);
 }
 
 /// Blur_Rect().
 inline void blur(View to, const Rect &area, int radius) {
-    require(to.rect().holds(area), "what is blurred lies outside of its surface");
+    require(keepsTo(to.rect(), area), "what is blurred lies outside of its surface");
     require(radius >= 0 && radius <= 128, "a radius lies outside of 0 to 128");
     Blur_Rect(to.data(), PassedRect(area), to.pitch(), radius);
 }
@@ -222,8 +245,8 @@ inline void blur(View to, const Rect &area, int radius) {
 
 /// Holds what lies on (`x`, `y`) against both surfaces.
 inline void requireBoth(View to, int x, int y, ConstView from, const Rect &area) {
-    require(from.rect().holds(area), "what is read lies outside of its surface");
-    require(to.rect().holds(Rect::sized(x, y, area.width(), area.height())),
+    require(keepsTo(from.rect(), area), "what is read lies outside of its surface");
+    require(area.isEmpty() || (x >= 0 && y >= 0 && x <= to.width() - area.width() && y <= to.height() - area.height()),
             "what is drawn lies outside of its surface");
 }
 
@@ -239,7 +262,7 @@ inline void copy(View to, int x, int y, ConstView from) {
 
 /// iBltFast32_Advanced(): anywhere; what lies on `to` is drawn.
 inline void copyClipped(View to, int x, int y, ConstView from, const Rect &area) {
-    require(from.rect().holds(area), "what is read lies outside of its surface");
+    require(keepsTo(from.rect(), area), "what is read lies outside of its surface");
     iBltFast32_Advanced(to.data(), readBy(from), x, y, PassedRect(area), to.pitch(), from.pitch(), to.width(),
                         to.height());
 }
@@ -262,6 +285,8 @@ inline void add(View to, int x, int y, ConstView from, const Rect &area) {
 inline void blend(View to, int x, int y, ConstView from, const Rect &area, float alpha) {
     requireBoth(to, x, y, from, area);
     require(alpha >= 0 && alpha <= 1, "an alpha lies outside of 0 to 1");
+    if (area.isEmpty()) // its place need be no part of anything
+        return;
     const ConstView source = from.part(area);
     const View target = to.part(Rect::sized(x, y, area.width(), area.height()));
     iBltFast32Alpha(target.data(), readBy(source), 0, 0, PassedRect(source.rect()), target.pitch(), source.pitch(),
@@ -278,13 +303,14 @@ inline void blendByTopByte(View to, int x, int y, ConstView from) {
 
 /// Holds both rectangles against their surfaces.
 inline void requireBoth(View to, const Rect &target, ConstView from, const Rect &area) {
-    require(from.rect().holds(area), "what is read lies outside of its surface");
-    require(to.rect().holds(target), "what is drawn lies outside of its surface");
+    require(keepsTo(from.rect(), area), "what is read lies outside of its surface");
+    require(keepsTo(to.rect(), target), "what is drawn lies outside of its surface");
 }
 
-/// iBltNear32(): the nearest pixel, all 32 bits. A source has at most 4095 columns and rows.
+/// iBltNear32(): the nearest pixel, all 32 bits. `area` must have pixels, and at most 4095 columns and rows.
 inline void scale(View to, const Rect &target, ConstView from, const Rect &area) {
     requireBoth(to, target, from, area);
+    require(!area.isEmpty(), "a source has no pixels");
     require(area.width() < 4096 && area.height() < 4096, "a source is larger than the format of positions");
     iBltNear32(to.data(), readBy(from), PassedRect(target), PassedRect(area), to.pitch(), from.pitch());
 }
@@ -306,7 +332,7 @@ inline void enlarge(View to, ConstView from) {
 /// iBltLinear32_Z_Roto(): `area` turned by radians about its middle, which comes to (`centreX`, `centreY`), inside of
 /// `to`.
 inline void turn(View to, int centreX, int centreY, ConstView from, const Rect &area, float angle, float size = 1) {
-    require(from.rect().holds(area), "what is read lies outside of its surface");
+    require(keepsTo(from.rect(), area), "what is read lies outside of its surface");
     iBltLinear32_Z_Roto(to.data(), to.pitch(), readBy(from), from.pitch(), PassedRect(to.rect()), PassedRect(area),
                         centreX, centreY, angle, size);
 }
@@ -318,7 +344,7 @@ inline void turn(View to, int centreX, int centreY, ConstView from, const Rect &
 /// as it likes, and the first and last rows and columns are painted as all others are. Takes a byte for each pixel
 /// while it runs. A seed outside of `to`, or on the border, paints nothing.
 inline void fillSafely(View to, int x, int y, q_ulong colour, q_ulong border) {
-    if (!to.rect().holds(Rect::sized(x, y, 1, 1)) || to.at(x, y) == border)
+    if (x < 0 || x >= to.width() || y < 0 || y >= to.height() || to.at(x, y) == border)
         return;
     const auto width = static_cast<std::size_t>(to.width());
     std::vector<bool> isPainted(width * static_cast<std::size_t>(to.height()));

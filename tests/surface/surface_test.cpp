@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdint>
 #include <type_traits>
 #include <utility>
@@ -180,6 +181,18 @@ TEST(surface, turning_is_the_flat_call) {
     pair.expectAsFlat();
 }
 
+TEST(surface, what_is_empty_draws_nothing_anywhere) {
+    Surface to(8, 6, 3);
+    const Surface from(4, 4, 5);
+    q_Mur::fill(to, {20, 0, -100000, 9}, 7);
+    q_Mur::copy(to, INT_MAX, INT_MIN, from, {3, 0, 3, 4});
+    q_Mur::blend(to, INT_MIN, INT_MIN, from, {4, 4, 0, 0}, 0.5F);
+    q_Mur::scale(to, {5, 5, 5, 6}, from, from.rect());
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 8; ++x)
+            EXPECT_EQ(to.at(x, y), 3U) << x << " " << y;
+}
+
 /// The region around a place, one pixel after the other.
 void fillNaively(Surface &surface, int x, int y, q_ulong colour, q_ulong border) {
     std::vector<char> isReached(static_cast<std::size_t>(surface.width() * surface.height()));
@@ -244,8 +257,17 @@ TEST(surface, fills_what_winds_for_half_a_million_rows_and_goes_round_islands) {
     q_Mur::fillSafely(ring, 0, 0, 7, 1);
     EXPECT_EQ(ring.at(8, 8), 7U);
     EXPECT_EQ(ring.at(4, 4), 1U);
-    q_Mur::fillSafely(ring, 9, 0, 5, 1);
-    EXPECT_EQ(ring.at(0, 0), 7U);
+}
+
+TEST(surface, seeds_outside_of_a_surface_paint_nothing) {
+    Surface surface(9, 7, 3);
+    constexpr std::pair<int, int> seeds[] = {{9, 0},       {0, 7},       {-1, 0},      {0, -1},
+                                             {INT_MAX, 0}, {0, INT_MAX}, {INT_MIN, 0}, {0, INT_MIN}};
+    for (const auto &[x, y] : seeds)
+        q_Mur::fillSafely(surface, x, y, 5, 1);
+    for (int y = 0; y < 7; ++y)
+        for (int x = 0; x < 9; ++x)
+            EXPECT_EQ(surface.at(x, y), 3U) << x << " " << y;
 }
 
 TEST(surface, texts_are_utf_8) {
@@ -300,6 +322,30 @@ TEST(surface, wrong_places_end_the_program_with_a_line) {
     EXPECT_DEATH(q_Mur::copy(surface, 0, 0, source, {0, 0, 5, 4}), "what is read lies outside of its surface");
     EXPECT_DEATH(q_Mur::blend(surface, 0, 0, source, source.rect(), 2), "an alpha lies outside of 0 to 1");
     EXPECT_DEATH(q_Mur::enlarge(surface, surface.rect(), source, {}), "a source has no pixels");
+    EXPECT_DEATH(q_Mur::copy(surface, -1, 0, source), "what is drawn lies outside of its surface");
+    EXPECT_DEATH(q_Mur::copy(surface, 0, 3, source), "what is drawn lies outside of its surface");
+}
+
+TEST(surface, places_at_the_ends_of_numbers_are_refused_like_others) {
+    Surface surface(32, 32);
+    const Surface source(8, 8);
+    EXPECT_DEATH(q_Mur::copy(surface, INT_MAX - 2, 0, source), "what is drawn lies outside of its surface");
+    EXPECT_DEATH(q_Mur::add(surface, 0, INT_MAX, source, source.rect()), "what is drawn lies outside of its surface");
+    EXPECT_DEATH(q_Mur::blend(surface, INT_MAX - 2, 0, source, source.rect(), 1),
+                 "what is drawn lies outside of its surface");
+    EXPECT_DEATH(static_cast<void>(Rect::sized(INT_MAX - 2, 0, 8, 8)), "a side of a rectangle is beyond all numbers");
+    EXPECT_DEATH(static_cast<void>(Rect{0, 0, 8, 8}.moved(0, INT_MAX)), "a side of a rectangle is beyond all numbers");
+    // Turned inside out so far that the difference of its sides would be a size.
+    EXPECT_DEATH(q_Mur::fill(surface, {2000000000, 0, -2000000000, 9}, 7), "what is filled lies outside");
+    EXPECT_DEATH(q_Mur::fill(surface, {0, 2000000000, 9, -2000000000}, 7), "what is filled lies outside");
+}
+
+TEST(surface, sources_without_pixels_are_not_scaled) {
+    Surface surface(32, 32);
+    const Surface source(8, 8);
+    const Rect empty = {1000000000, 1000000, 1000000000, 1000000};
+    for (const Rect &area : {Rect{100000, 0, 0, 8}, empty, Rect{0, 3, 8, 3}})
+        EXPECT_DEATH(q_Mur::scale(surface, surface.rect(), source, area), "a source has no pixels");
 }
 #endif
 
