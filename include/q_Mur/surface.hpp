@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -167,6 +168,20 @@ public:
     Surface(int width, int height, q_ulong colour = 0)
         : columns(width), rows(height),
           pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), colour) {}
+    Surface(const Surface &) = default;            ///< copies the pixels
+    Surface &operator=(const Surface &) = default; ///< likewise
+    /// What is moved from has no columns, rows and pixels.
+    Surface(Surface &&other) noexcept
+        : columns(std::exchange(other.columns, 0)), rows(std::exchange(other.rows, 0)),
+          pixels(std::move(other.pixels)) {}
+    /// Likewise of `other`; the pixels held before are freed.
+    Surface &operator=(Surface &&other) noexcept {
+        Surface taken(std::move(other));
+        std::swap(columns, taken.columns);
+        std::swap(rows, taken.rows);
+        pixels.swap(taken.pixels);
+        return *this;
+    }
 
     int width() const { return columns; }                   ///< columns
     int height() const { return rows; }                     ///< rows
@@ -316,11 +331,12 @@ inline void scale(View to, const Rect &target, ConstView from, const Rect &area)
 }
 
 /// Filtered, and nothing bleeds in at the edges: iBltBilinear32_KeySrc(), which reads nothing outside of `area`, with a
-/// key that no filtered pixel has. Top byte 0. `area` must have pixels.
+/// key that no filtered pixel has. Top byte 0. `area` must have pixels, and at most 131071 columns and rows.
 inline void enlarge(View to, const Rect &target, ConstView from, const Rect &area) {
     requireBoth(to, target, from, area);
     constexpr q_ulong noKey = 0xFF000000;
     require(!area.isEmpty(), "a source has no pixels");
+    require(area.width() < 131072 && area.height() < 131072, "a source is larger than the format of positions");
     iBltBilinear32_KeySrc(to.data(), readBy(from), PassedRect(target), PassedRect(area), wordOf(to.pitch()),
                           wordOf(from.pitch()), noKey);
 }
@@ -329,10 +345,27 @@ inline void enlarge(View to, ConstView from) {
     enlarge(to, to.rect(), from, from.rect());
 }
 
-/// iBltLinear32_Z_Roto(): `area` turned by radians about its middle, which comes to (`centreX`, `centreY`), inside of
-/// `to`.
+/// Whether each row of what turn() draws goes through 1024 pixels of its source at the most.
+inline bool turnKeepsToFormat(View to, int centreX, const Rect &area, double angle, double size) {
+    const double width = area.width();
+    const double height = area.height();
+    const double reach = std::sqrt(width * width + height * height) * size / 2;
+    const double begin = std::max(centreX - reach, 0.0);
+    const double end = std::min<double>(centreX + reach, to.width());
+    return begin >= end || area.isEmpty() ||
+           (end - begin) * std::max(std::fabs(std::cos(angle)), std::fabs(std::sin(angle))) <= 1024 * size;
+}
+
+/// iBltLinear32_Z_Roto(): `area` turned by `angle`, in radians, about its middle, which comes to (`centreX`,
+/// `centreY`), inside of `to`. With a `size` of 2 it is twice as wide and high; 0 and below draw nothing. A row of `to`
+/// may go through at most 1024 pixels of the source: so do all where `area` is no longer than that from corner to
+/// corner, or where `to` is at most 1024 times `size` wide.
 inline void turn(View to, int centreX, int centreY, ConstView from, const Rect &area, float angle, float size = 1) {
     require(keepsTo(from.rect(), area), "what is read lies outside of its surface");
+#if Q_MUR_SURFACE_CHECKED
+    require(turnKeepsToFormat(to, centreX, area, static_cast<double>(angle), static_cast<double>(size)),
+            "a row of a turn goes through more than 1024 pixels of its source");
+#endif
     iBltLinear32_Z_Roto(to.data(), to.pitch(), readBy(from), from.pitch(), PassedRect(to.rect()), PassedRect(area),
                         centreX, centreY, angle, size);
 }
@@ -341,8 +374,9 @@ inline void turn(View to, int centreX, int centreY, ConstView from, const Rect &
 
 /// Paints the region around (`x`, `y`) up to pixels that are `border` in all 32 bits, or to the edges of `to`. What
 /// Region_Fill() asks of its caller is not asked here: there may be islands, `colour` may be any, the region may wind
-/// as it likes, and the first and last rows and columns are painted as all others are. Takes a byte for each pixel
-/// while it runs. A seed outside of `to`, or on the border, paints nothing.
+/// as it likes, and the first and last rows and columns are painted as all others are. While it runs it takes a bit for
+/// each pixel, and eight bytes for each place from which it is still to go on. A seed outside of `to`, or on the
+/// border, paints nothing.
 inline void fillSafely(View to, int x, int y, q_ulong colour, q_ulong border) {
     if (x < 0 || x >= to.width() || y < 0 || y >= to.height() || to.at(x, y) == border)
         return;
@@ -420,7 +454,10 @@ inline std::string textOf(std::string_view utf8) {
     return text;
 }
 
-/// iTextOut() in UTF-8, inside of `to`, with its corner on (`x`, `y`). \return whether the text was drawn
+/// iTextOut() in UTF-8, inside of `to`, with its top left corner on (`x`, `y`).
+/// \param height in pixels: positive that of a line, negative that of its letters, 0 whatever is usual
+/// \param face the name of a face as the system knows it, in UTF-8; empty leaves the choice to the system
+/// \return whether the text was drawn
 inline bool drawText(View to, int x, int y, std::string_view utf8, Rgb colour, int height, std::string_view face = {}) {
     std::string text = textOf(utf8);
     std::string name = textOf(face);
@@ -433,9 +470,12 @@ inline bool drawText(View to, int x, int y, std::string_view utf8, Rgb colour, i
 /// A host's record with the sizes of its frame, whose blocks are freed when it goes.
 class Record {
 public:
-    /// A frame of `width` by `height` pixels without margins; `points` and `matrices` are what 3D blocks have room for.
+    /// A frame of `width` by `height` pixels without margins, 2^31 - 1 in all at the most; `points` and `matrices` are
+    /// what 3D blocks have room for.
     Record(int width, int height, int points = 0, int matrices = 2) {
-        geometry.planeElements = width * height;
+        const long long elements = 1LL * width * height;
+        require(width >= 0 && height >= 0 && fitsInt(elements), "a frame has more pixels than a record counts");
+        geometry.planeElements = static_cast<int>(elements);
         limits.vertexArrayEntries = points;
         limits.matrixStackDepth = matrices;
         data.frameGeometry = &geometry;

@@ -7,6 +7,7 @@
 
 #include <climits>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -181,6 +182,35 @@ TEST(surface, turning_is_the_flat_call) {
     pair.expectAsFlat();
 }
 
+TEST(surface, a_row_of_a_turn_goes_through_up_to_1024_pixels) {
+    const Surface from(1200, 900, 0x445566);
+    Surface to(1024, 8);
+    q_Mur::turn(to, 512, 4, from, from.rect(), 0);
+    EXPECT_EQ(to.at(0, 4), 0x445566U);
+    EXPECT_EQ(to.at(1023, 4), 0x445566U);
+    Surface wide(1400, 8);
+    q_Mur::turn(wide, 700, 4, from, from.rect(), 0.7854F); // 990 columns and as many rows
+    EXPECT_EQ(wide.at(700, 4), 0x445566U);
+    q_Mur::turn(wide, 700, 4, from, from.rect(), 0, 0);
+    EXPECT_EQ(wide.at(700, 4), 0x445566U);
+    q_Mur::turn(wide, 700, 4, from, {1200, 0, 0, 900}, 0);
+}
+
+TEST(surface, what_is_moved_from_has_no_pixels) {
+    Surface first(5, 4, 7);
+    Surface second = std::move(first);
+    EXPECT_EQ(second.at(4, 3), 7U);
+    EXPECT_EQ(first.rect(), Rect{});
+    Surface third(2, 2);
+    third = std::move(second);
+    EXPECT_EQ(third.rect(), (Rect{0, 0, 5, 4}));
+    EXPECT_EQ(third.at(4, 3), 7U);
+    EXPECT_EQ(second.rect(), Rect{});
+    second = third;
+    EXPECT_EQ(second.at(4, 3), 7U);
+    EXPECT_EQ(third.at(4, 3), 7U);
+}
+
 TEST(surface, what_is_empty_draws_nothing_anywhere) {
     Surface to(8, 6, 3);
     const Surface from(4, 4, 5);
@@ -346,6 +376,33 @@ TEST(surface, sources_without_pixels_are_not_scaled) {
     const Rect empty = {1000000000, 1000000, 1000000000, 1000000};
     for (const Rect &area : {Rect{100000, 0, 0, 8}, empty, Rect{0, 3, 8, 3}})
         EXPECT_DEATH(q_Mur::scale(surface, surface.rect(), source, area), "a source has no pixels");
+}
+
+TEST(surface, sources_beyond_the_formats_of_positions_are_refused) {
+    const std::vector<q_ulong> row(131072, 9);
+    const ConstView wide(row.data(), 131072, 1);
+    Surface to(8, 1);
+    q_Mur::enlarge(to, to.rect(), wide, {0, 0, 131071, 1});
+    q_Mur::scale(to, to.rect(), wide, {0, 0, 4095, 1});
+    constexpr const char *line = "a source is larger than the format of positions";
+    EXPECT_DEATH(q_Mur::enlarge(to, wide), line);
+    EXPECT_DEATH(q_Mur::enlarge(to, ConstView(row.data(), 1, 131072)), line);
+    EXPECT_DEATH(q_Mur::scale(to, to.rect(), wide, {0, 0, 4096, 1}), line);
+    const Surface from(1200, 900);
+    Surface frame(1026, 8);
+    constexpr const char *turned = "a row of a turn goes through more than 1024 pixels of its source";
+    EXPECT_DEATH(q_Mur::turn(frame, 513, 4, from, from.rect(), 0), turned);
+    EXPECT_DEATH(q_Mur::turn(frame, 513, 4, from, from.rect(), 0.5F, 0.75F), turned);
+    EXPECT_DEATH(q_Mur::turn(frame, 513, 4, from, from.rect(), std::numeric_limits<float>::quiet_NaN()), turned);
+}
+
+TEST(surface, frames_beyond_what_a_record_counts_are_refused) {
+    q_Mur::Record record(46340, 46340);
+    EXPECT_EQ(record.get()->frameGeometry->planeElements, 2147395600);
+    constexpr const char *line = "a frame has more pixels than a record counts";
+    EXPECT_DEATH(q_Mur::Record(70000, 70000), line);
+    EXPECT_DEATH(q_Mur::Record(-1, 16), line);
+    EXPECT_DEATH(q_Mur::PipelineBlock(70000, 70000), line);
 }
 #endif
 
