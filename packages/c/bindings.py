@@ -76,8 +76,8 @@ def declaration(result, name, parameters):
     return "\n".join([*lines, line])
 
 
-def comment(text):
-    return "\n".join(f"/// {line}".rstrip() for line in text.split("\n"))
+def comment(text, slashes="///"):
+    return "\n".join(f"{slashes} {line}".rstrip() for line in text.split("\n"))
 
 
 def tables(frame):
@@ -98,8 +98,7 @@ def records(types):
 def header_of(catalogue, types, frame):
     pieces = [BEGIN.replace("RECORDS", "\n".join(records(types)))]
     for subsystem in catalogue["subsystems"]:
-        title = subsystem["about"].split("\n")[0]
-        pieces.append(f"// {subsystem['name']}: {title}\n")
+        pieces.append(f"{comment(subsystem['name'] + ': ' + subsystem['about'], '//')}\n")
         group = None
         for function in subsystem["functions"]:
             if function["group"] != group:
