@@ -26,6 +26,7 @@ import zipfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 CONSUMER = ROOT / "tests" / "package" / "consumer"
+C_CONSUMER = ROOT / "tests" / "package" / "c_consumer"
 
 
 def run(*command, **options):
@@ -60,14 +61,19 @@ def packed(build, directory):
     return first
 
 
-def serve_find_package(place, directory, version, *options):
-    """Builds a program that finds the library below a place by CMake, and runs it."""
+def serve_find_package(place, directory, version, *options, consumer=CONSUMER):
+    """Builds programs that find the library below a place by CMake, and runs them."""
     package = next(place.rglob("q_MurConfig.cmake")).parent
     run(
-        "ctest", "--build-and-test", CONSUMER, directory, "--build-generator", "Ninja", "--build-options",
+        "ctest", "--build-and-test", consumer, directory, "--build-generator", "Ninja", "--build-options",
         f"-DWANTED_VERSION={version}", f"-Dq_Mur_DIR={package}", "-DCMAKE_BUILD_TYPE=Release", *options,
         "--test-command", "ctest", "--output-on-failure", "--no-tests=error",
     )  # fmt: skip
+
+
+def c_compiler(build):
+    """The compiler for C that a build has found."""
+    return re.search(r"^CMAKE_C_COMPILER:\w+=(.+)", (build / "CMakeCache.txt").read_text(), re.MULTILINE)[1]
 
 
 def unpacked(archive, directory):
@@ -125,7 +131,8 @@ def test_linux(directory, version):
     packages = packed(built("linux"), directory)
     (archive,) = [path for path in packages if path.name == f"q_Mur-{version}-linux-x86_64.tar.gz"]
     place = unpacked(archive, directory / "place")
-    serve_find_package(place, directory / "host", version)
+    serve_find_package(place, directory / "host", version, "-DWANTS_CHECKED=ON")
+    serve_find_package(place, directory / "c_host", version, consumer=C_CONSUMER)
 
 
 def test_arm64(directory, version):
@@ -166,17 +173,19 @@ def test_windows(directory, version):
     (archive,) = packed(built("win64"), directory)
     expect(archive.name == f"q_Mur-{version}-windows.zip", archive.name)
     names = zipfile.ZipFile(archive).namelist()
-    files = ["bin/q_Mur.dll", "include/q_Mur.h", "include/q_Mur/types.h", "lib/libq_Mur.dll.a", "lib/q_Mur.lib"]
-    wanted = [f"win{width}/{file}" for width in (32, 64) for file in [*files, "lib/q_Mur.def"]]
+    files = ["include/q_Mur.h", "include/q_Mur/types.h", "lib/libq_Mur.dll.a", "lib/q_Mur.lib", "lib/q_Mur.def"]
+    files += ["bin/q_Mur.dll", "bin/q_Mur_c.dll", "bin/q_Mur_checked.dll"]
+    wanted = [f"win{width}/{file}" for width in (32, 64) for file in files]
     for file in [*wanted, "win64/bin/qmur-show.exe"]:
         expect(any(name.endswith(f"/{file}") for name in names), f"{file} is lacking")
     place = unpacked(archive, directory / "place")
     for width in ("64", "32"):
         host = directory / f"host{width}"
-        serve_find_package(
-            place / f"win{width}", host, version, f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/win{width}.cmake",
-            "-DCMAKE_EXE_LINKER_FLAGS=-static",
-        )  # fmt: skip
+        options = [f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/win{width}.cmake", "-DCMAKE_EXE_LINKER_FLAGS=-static"]
+        serve_find_package(place / f"win{width}", host, version, "-DWANTS_CHECKED=ON", *options)
+        c_host = directory / f"c_host{width}"
+        options.append(f"-DCMAKE_C_COMPILER={c_compiler(built(f'win{width}'))}")
+        serve_find_package(place / f"win{width}", c_host, version, *options, consumer=C_CONSUMER)
         other_host = directory / f"other_host{width}"
         other_host.mkdir()
         shutil.copy(place / f"win{width}" / "bin" / "q_Mur.dll", other_host)
