@@ -88,10 +88,10 @@ RegionBlock regionBlock(const _PRIVATE_QMGP_DATA &data) {
     block.data = data;
     if (data.planeRect) {
         block.planeRect = *data.planeRect;
-        block.plane = planeOver(data.plane, 1, data.planePitch);
+        block.plane = planeOver(data.plane, 1, data.planePitch, Lent::kept[2]);
     }
-    block.destSurface = planeOver(data.destSurface, 4, data.destPitch);
-    block.testSurface = planeOver(data.testSurface, 4, data.testPitch);
+    block.destSurface = planeOver(data.destSurface, 4, data.destPitch, Lent::kept[0]);
+    block.testSurface = planeOver(data.testSurface, 4, data.testPitch, Lent::kept[1]);
     return block;
 }
 
@@ -410,9 +410,13 @@ std::string areaFault(const Call &call, const Area &area, bool isWritten) {
         return std::string(pitch->name) + " " + textOf(call[pitch->name].number()) + " is not " +
                textOf(std::int64_t{piece->pitch}) + ", the pitch of " + std::string(surface.name);
     const std::string verb = isWritten ? " is written" : " is read";
-    if (!pitch && piece && piece->width < piece->pitch && part.width() > piece->width && piece->width > 0)
-        return nameOf(surface) + verb + " without a gap, but has one behind each " +
-               textOf(std::int64_t{piece->width}) + " columns";
+    if (!pitch && piece && piece->width > 0 && piece->width < piece->pitch) {
+        const auto *origin = static_cast<const std::byte *>(plane->origin());
+        const std::int64_t before = (origin - piece->begin) / plane->elementBytes() % piece->pitch;
+        if (before + part.width() > piece->width)
+            return nameOf(surface) + verb + " without a gap, but has one behind each " +
+                   textOf(std::int64_t{piece->width}) + " columns";
+    }
     const Extent extent = extentOf(call, area, *plane, piece);
     if (!extent.contains(part))
         if (std::string found = culprit(call, surface, part, extent); !found.empty())

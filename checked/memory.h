@@ -33,6 +33,7 @@ void forgetTold(const void *first);
 /// A piece that a call is handed, by the pointer that leads into it.
 struct Lent {
     static constexpr int noArgument = -1;
+    static constexpr int kept[] = {-2, -3, -4}; ///< what a region's block holds: destination, test surface and plane
 
     const void *pointer = nullptr;
     Piece piece;

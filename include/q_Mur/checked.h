@@ -20,8 +20,8 @@ typedef void (*q_Mur_checked_handler)(const char *message, void *context);
 
 /// Tells of a surface: its first pixel, as it is handed to the library, its pitch in pixels, below 0 for one that is
 /// stored bottom-up, and its rows. Calls on pointers into it are held to it until it is told otherwise: to another
-/// pitch or height, or to a height of 0, which forgets it. Where a picture has margins, tell of the first pixel of
-/// these. Memory that has no rows is a single one.
+/// pitch or height, or, by the same pixel, to a height of 0, which forgets it. Where a picture has margins, tell of the
+/// first pixel of these. Memory that has no rows is a single one.
 Q_MUR_CHECKED_API void q_Mur_checked_surface(const void *pixels, int pitch, int height);
 
 /// Has the program go on after so many messages and end at the next one; below 0 it never ends. A call that breaks its

@@ -352,7 +352,7 @@ inline bool turnKeepsToFormat(View to, int centreX, const Rect &area, double ang
     const double reach = std::sqrt(width * width + height * height) * size / 2;
     const double begin = std::max(centreX - reach, 0.0);
     const double end = std::min<double>(centreX + reach, to.width());
-    return begin >= end || area.isEmpty() ||
+    return begin >= end || area.isEmpty() || to.rect().isEmpty() ||
            (end - begin) * std::max(std::fabs(std::cos(angle)), std::fabs(std::sin(angle))) <= 1024 * size;
 }
 

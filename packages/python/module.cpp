@@ -87,6 +87,7 @@ struct Record {
     TransferFrameGeometry geometry;
     TransferLimits3D limits;
     int views;          ///< buffers of its blocks that somebody looks at
+    bool isBusy;        ///< a call works on it or its blocks
     std::uint64_t made; ///< how many blocks were
     std::array<std::uint64_t, std::extent_v<decltype(_TRANSFERDATA::blocks)>> numbers; ///< of the blocks in its slots
 };
@@ -184,8 +185,6 @@ private:
     std::size_t count = 0;
     std::array<Lent, most> pieces;
     std::size_t lentCount = 0;
-
-    friend struct HeldPieces;
 };
 
 /// A surface that a call is handed.
@@ -229,7 +228,7 @@ Surface surfaceOf(PyObject *object, int elementBytes, int countedBytes, const Pl
     Py_ssize_t expected = view.itemsize;
     Py_ssize_t columns = 1;
     for (int axis = view.ndim - 1; axis > 0; --axis) {
-        if (view.strides[axis] != expected && view.shape[axis] > 1)
+        if (view.strides && view.strides[axis] != expected && view.shape[axis] > 1)
             fail(PyExc_ValueError, "%s: the pixels of a row of %s do not stand side by side", place.function,
                  place.argument);
         expected *= view.shape[axis];
@@ -237,7 +236,8 @@ Surface surfaceOf(PyObject *object, int elementBytes, int countedBytes, const Pl
     }
     const Py_ssize_t rows = view.shape[0];
     const auto width = isBytes ? columns / 4 : columns;
-    const Py_ssize_t stride = rows > 1 ? view.strides[0] : width * elementBytes;
+    // Some arrays say nothing of their strides where nothing lies between their elements.
+    const Py_ssize_t stride = rows > 1 && view.strides ? view.strides[0] : width * elementBytes;
     constexpr Py_ssize_t most = std::numeric_limits<int>::max();
     if (width == 0 || rows == 0)
         fail(PyExc_ValueError, "%s: %s has no pixels", place.function, place.argument);
@@ -486,6 +486,12 @@ struct Making {
     PyObject *block = nullptr;
     const char *blockName = nullptr;
 
+    /// The record that the call works on, by itself or by a block.
+    Record *owner() const {
+        PyObject *const object = block ? content<Block>(block).record : record;
+        return object ? &content<Record>(object) : nullptr;
+    }
+
     Block *regionBlock() const {
         return block && content<Block>(block).target == Target::regionBlock ? &content<Block>(block) : nullptr;
     }
@@ -632,9 +638,13 @@ PyObject *newBlock(PyObject *record, void *memory, Target target) {
     block.memory = memory;
     block.target = target;
     block.number = ++owner.made;
-    while (!owner.data->blocks[block.slot] || owner.data->blocks[block.slot]->work != memory)
-        ++block.slot; // the call has put it into one
-    owner.numbers[block.slot] = block.number;
+    const auto &slots = owner.data->blocks;
+    const auto *const slot = std::find_if(std::begin(slots), std::end(slots),
+                                          [memory](const MemoryBlock *each) { return each && each->work == memory; });
+    if (slot != std::end(slots)) { // unless another thread has freed it already
+        block.slot = static_cast<std::size_t>(slot - std::begin(slots));
+        owner.numbers[block.slot] = block.number;
+    }
     return made;
 }
 
@@ -671,13 +681,14 @@ void keep(const Described &described, Making &making) {
         } else {
             const auto given = static_cast<std::size_t>(buffer);
             held.lent = making.buffers.lent()[given];
-            held.lent.argument = Lent::noArgument;             // of later calls
+            held.lent.argument = Lent::kept[static_cast<std::size_t>(place)];
             std::swap(held.view, making.buffers.all()[given]); // the old one goes with the call's buffers
         }
     }
 }
 
-/// Python's lock is free from a begin to an end, and taken again at the latest when this goes.
+/// Python's lock is free from a begin to an end, and taken again at the latest when this goes. Until then no other call
+/// may work on the same record.
 class Unlocked {
 public:
     Unlocked() = default;
@@ -685,20 +696,34 @@ public:
     Unlocked &operator=(const Unlocked &) = delete;
     ~Unlocked() { end(); }
 
-    void begin() { state = PyEval_SaveThread(); }
+    void begin(Record *worked) {
+        record = worked;
+        if (record)
+            record->isBusy = true;
+        state = PyEval_SaveThread();
+    }
     void end() {
-        if (state)
-            PyEval_RestoreThread(std::exchange(state, nullptr));
+        if (!state)
+            return;
+        PyEval_RestoreThread(std::exchange(state, nullptr));
+        if (record)
+            record->isBusy = false;
     }
 
 private:
     PyThreadState *state = nullptr;
+    Record *record = nullptr;
 };
 
 void refuseWhatIsGone(const Described &described, const Making &making) {
     if (making.block && !memoryOf(content<Block>(making.block)))
         fail(PyExc_ValueError, "%s: %s has been freed with its record's blocks", described.name.c_str(),
              making.blockName);
+}
+
+void refuseWhileBusy(const Described &described, const Making &making) {
+    if (making.owner() && making.owner()->isBusy)
+        fail(PyExc_RuntimeError, "%s: another thread works on the same record", described.name.c_str());
 }
 
 void refuseWhileSeen(const Described &described, const Making &making) {
@@ -708,6 +733,7 @@ void refuseWhileSeen(const Described &described, const Making &making) {
 
 /// Refuses a call that breaks its contract; begins to go without the lock. \return what makes no sense
 std::string lookAt(const Described &described, std::span<const Given> given, const Making &making, Unlocked &unlocked) {
+    refuseWhileBusy(described, making);
     refuseWhatIsGone(described, making);
     refuseWhileSeen(described, making);
     std::vector<Lent> known;
@@ -720,7 +746,7 @@ std::string lookAt(const Described &described, std::span<const Given> given, con
         lent = known;
     }
     checked::Verdict verdict;
-    unlocked.begin();
+    unlocked.begin(making.owner());
     {
         const checked::Lending lending(lent);
         verdict = checked::judge(described.row, given);
@@ -878,10 +904,10 @@ int initialiseFramed(PyObject *self, PyObject *arguments, PyObject *keywords) {
     }
     Framed &framed = content<Framed>(self);
     Py_INCREF(array);
-    Py_XDECREF(framed.array);
-    framed.array = array;
+    PyObject *const before = std::exchange(framed.array, array);
     framed.left = left;
     framed.top = top;
+    Py_XDECREF(before);
     return 0;
 }
 
@@ -941,12 +967,20 @@ int lendBlock(PyObject *self, Py_buffer *view, int flags) {
         PyErr_SetString(PyExc_BufferError, "a private block is the library's own");
         return -1;
     }
+    if (content<Record>(block.record).isBusy) {
+        PyErr_SetString(PyExc_BufferError, "another thread works on the record of the block");
+        return -1;
+    }
     const MemoryBlock *const held = memoryOf(block);
     if (!held) {
         PyErr_SetString(PyExc_BufferError, "the block has been freed");
         return -1;
     }
     const auto before = static_cast<std::byte *>(held->work) - static_cast<std::byte *>(held->start);
+    if (before > static_cast<Py_ssize_t>(held->size)) {
+        PyErr_SetString(PyExc_BufferError, "the block ends before it begins");
+        return -1;
+    }
     const int filled =
         PyBuffer_FillInfo(view, self, block.memory, static_cast<Py_ssize_t>(held->size) - before, 0, flags);
     if (filled == 0)

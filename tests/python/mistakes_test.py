@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """Arrays that are no surfaces, and calls that break their contract, in the words in which they are refused."""
 
+import ctypes
+import os
 import subprocess
 import sys
 import threading
@@ -93,6 +95,13 @@ class Arrays(unittest.TestCase):
     def test_a_frame_without_its_array(self):
         bare = q_mur.Framed.__new__(q_mur.Framed)
         self.refused(TypeError, "iFillRect: dst is a Framed without its array", q_mur.iFillRect, bare, ALL, 1)
+
+    def test_an_array_may_say_nothing_of_its_strides(self):
+        words = (ctypes.c_uint32 * 64 * 48)()
+        q_mur.iFillRect(words, (1, 2, 3, 4), 7)
+        self.assertEqual([(y, x) for y in range(48) for x in range(64) if words[y][x] == 7],
+                         [(2, 1), (2, 2), (3, 1), (3, 2)])
+        self.refused(ValueError, "iFillRect: rect.right 65 exceeds pitch 64", q_mur.iFillRect, words, (0, 0, 65, 1), 7)
 
     def test_arrays_of_other_kinds(self):
         words = "dst has to be an array of uint32 (H, W) or of uint8 (H, W, 4)"
@@ -216,6 +225,17 @@ class Arrays(unittest.TestCase):
                      q_mur.LoadBitmap24, memory[:, :2], "none", 2, 4)
         memory.flags.writeable = False
         self.refused(ValueError, "LoadBitmap24: dst is read-only", q_mur.LoadBitmap24, memory, "none", 4, 4)
+
+    def test_columns_before_a_frame_count_where_memory_has_no_rows(self):
+        part = surface(8, 4)[:, :4]
+        for left, width, fits in ((0, 4, True), (1, 3, True), (1, 4, False), (3, 2, False)):
+            framed = q_mur.Framed(part, left=left, top=1)
+            if fits:
+                self.assertEqual(q_mur.LoadBitmap24(framed, "none", width, 1), 0)
+            else:
+                self.refused(ValueError,
+                             "LoadBitmap24: dst is written without a gap, but has one behind each 4 columns",
+                             q_mur.LoadBitmap24, framed, "none", width, 1)
 
     def test_a_doubt_is_a_warning(self):
         a = surface()
@@ -346,6 +366,15 @@ class Regions(unittest.TestCase):
         self.assertEqual(q_mur.bscan_left(self.block, 15, 15, 9), 10)
         self.assertEqual(q_mur.bscan_right(self.block, 15, 15, 9), 19)
 
+    def test_surfaces_of_a_region_that_begin_together_are_told_apart(self):
+        a = surface()
+        a[20, 29] = 1
+        q_mur.SetRegionFill(self.block, a[:10], a)
+        self.assertEqual(q_mur.scan_left(self.block, 40, 20, 1, 0), 30)
+        q_mur.SetRegionFill(self.block, a, a[:10])
+        with self.assertRaisesRegex(ValueError, "^scan_left: "):
+            q_mur.scan_left(self.block, 40, 20, 1, 0)
+
     def test_what_is_painted_may_not_be_read_only(self):
         a, plane = surface(), np.zeros((48, 64), np.uint8)
         for each in (a, plane):
@@ -360,6 +389,24 @@ class Regions(unittest.TestCase):
 
 
 class Threads(unittest.TestCase):
+    def test_a_record_serves_one_thread_at_a_time(self):
+        block = q_mur.GetPrivate_QMGP_Data(q_mur.Record(), 0)
+        big = np.zeros((2000, 2000), np.uint32)
+        q_mur.SetRegionFill(block, big, big)
+        for colour in range(1, 100):
+            fill = (block, 5, 5, colour, colour, 0, 0, 0, (1, 0, 1999, 2000))
+            thread = threading.Thread(target=q_mur.Region_Fill, args=fill)
+            thread.start()
+            try:
+                while thread.is_alive():
+                    q_mur.SetRegionFill(block, big, big)
+            except RuntimeError as error:
+                self.assertEqual(str(error), "SetRegionFill: another thread works on the same record")
+                return
+            finally:
+                thread.join()
+        self.fail("no call was refused during another one")
+
     def test_others_run_during_a_call(self):
         """A thread counts while another one is in a single long call."""
         big = np.zeros((4000, 4000), np.uint32)
@@ -387,7 +434,8 @@ class Threads(unittest.TestCase):
         self.assertGreater(counted[0], before)
 
     def test_a_call_without_memory_comes_back_with_the_lock(self):
-        ended = subprocess.run([sys.executable, "-c", WITHOUT_MEMORY], stdout=subprocess.PIPE, check=False)
+        environment = {name: value for name, value in os.environ.items() if name != "PYTHONMALLOC"}
+        ended = subprocess.run([sys.executable, "-c", WITHOUT_MEMORY], stdout=subprocess.PIPE, env=environment, check=False)
         self.assertEqual((ended.returncode, ended.stdout), (0, b"refused"))
 
 

@@ -194,6 +194,7 @@ TEST(surface, a_row_of_a_turn_goes_through_up_to_1024_pixels) {
     q_Mur::turn(wide, 700, 4, from, from.rect(), 0, 0);
     EXPECT_EQ(wide.at(700, 4), 0x445566U);
     q_Mur::turn(wide, 700, 4, from, {1200, 0, 0, 900}, 0);
+    q_Mur::turn(wide.view().part({0, 0, 1400, 0}), 700, 0, from, from.rect(), 0);
 }
 
 TEST(surface, what_is_moved_from_has_no_pixels) {
