@@ -126,11 +126,12 @@ void MeshCanvas::drawOutline(const Mesh &mesh, const Surface &front) const {
 void MeshCanvas::drawCell(const Mesh &mesh, const Surface &picture, int row, int column) const {
     const int rows = mesh.rows - 1;
     const int columns = mesh.columns - 1;
-    const int left = column * picture.width / columns * 16;
-    const int right = (column + 1) * picture.width / columns * 16;
-    const int top = row * picture.height / rows * 16;
-    const int bottom = (row + 1) * picture.height / rows * 16;
-    _POINTINT texels[] = {{left, top}, {right, top}, {right, bottom}, {left, bottom}};
+    const int left = column * picture.width / columns;
+    const int right = ((column + 1) * picture.width / columns - left) * 16;
+    const int top = row * picture.height / rows;
+    const int bottom = ((row + 1) * picture.height / rows - top) * 16;
+    // Counted from the cell's corner: positions have room for 512 texels.
+    _POINTINT texels[] = {{0, 0}, {right, 0}, {right, bottom}, {0, bottom}};
     const int first = row * mesh.columns + column;
     const int vertices[] = {first, first + 1, first + 1 + mesh.columns, first + mesh.columns};
     _POINT3DFLOAT points[4];
@@ -144,9 +145,9 @@ void MeshCanvas::drawCell(const Mesh &mesh, const Surface &picture, int row, int
     }
     tagRECT clip = canvas.rect();
     constexpr q_ulong filtered = 0x200;
-    VKD_i3D_Blt_Rect(data, canvas.pixels, &points[0], &points[1], &points[2], &points[3], picture.pixels, &texels[0],
-                     &texels[1], &texels[2], &texels[3], &clip, canvas.unsignedPitch(), picture.unsignedPitch(), add[0],
-                     add[1], add[2], add[3], mul[0], mul[1], mul[2], mul[3], filtered);
+    VKD_i3D_Blt_Rect(data, canvas.pixels, &points[0], &points[1], &points[2], &points[3], picture.at(left, top),
+                     &texels[0], &texels[1], &texels[2], &texels[3], &clip, canvas.unsignedPitch(),
+                     picture.unsignedPitch(), add[0], add[1], add[2], add[3], mul[0], mul[1], mul[2], mul[3], filtered);
 }
 
 void MeshCanvas::drawRim(const Mesh &mesh, q_ulong colour) const {
